@@ -1,0 +1,43 @@
+# What every target of the project shares: language level, warnings, sanitizers, compiler cache.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_C_STANDARD 17)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
+
+find_package(PkgConfig REQUIRED)
+find_package(Threads REQUIRED)
+find_package(Boost 1.81 REQUIRED COMPONENTS system json)
+find_package(OpenSSL 3 REQUIRED)
+
+find_program(ZARN_CCACHE ccache)
+if(ZARN_CCACHE)
+  # Paths relative to the source folder let the build folders of all presets share one cache.
+  set(zarn_launcher "${CMAKE_COMMAND}" -E env "CCACHE_BASEDIR=${CMAKE_SOURCE_DIR}" CCACHE_NOHASHDIR=1 "${ZARN_CCACHE}")
+  set(CMAKE_C_COMPILER_LAUNCHER ${zarn_launcher})
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${zarn_launcher})
+endif()
+
+# ZARN_SANITIZE: comma-separated list for -fsanitize, applied to every target, generated code included.
+set(ZARN_SANITIZE "" CACHE STRING "Sanitizers, as for -fsanitize=")
+if(ZARN_SANITIZE)
+  add_compile_options(-fsanitize=${ZARN_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  add_link_options(-fsanitize=${ZARN_SANITIZE})
+  add_compile_definitions(ZARN_SANITIZED)
+endif()
+
+add_library(zarn_warnings INTERFACE)
+add_library(zarn::warnings ALIAS zarn_warnings)
+target_compile_options(zarn_warnings INTERFACE -Wall -Wextra -Wpedantic -Wshadow=local -Wconversion -Werror)
+# Boost's time type and string view headers of this age announce their own successors; that is not ours to fix.
+target_compile_definitions(zarn_warnings INTERFACE BOOST_ALLOW_DEPRECATED_HEADERS)
+
+# zarn_verify_headers(TARGET DIR HEADER...): every public header compiles alone.
+function(zarn_verify_headers target directory)
+  set_target_properties(${target} PROPERTIES VERIFY_INTERFACE_HEADER_SETS ON)
+  target_sources(${target} PUBLIC FILE_SET HEADERS BASE_DIRS "${directory}" FILES ${ARGN})
+endfunction()
