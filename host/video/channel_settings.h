@@ -1,0 +1,29 @@
+#pragma once
+
+#include <zarn/meta/data/video_info.h>
+
+#include <string>
+
+namespace zarn::host::video {
+
+/// What the configuration says about one channel.
+struct ChannelSettings {
+    /// Identifier: letters, digits, '-' and '_'; the last part of the stream's path.
+    std::string id;
+
+    /// Where the video comes from (see CheckSource()); empty: the channel is only described, no video is served.
+    std::string source;
+
+    /// User name for an `rtsp://` source; empty: none.
+    std::string user;
+
+    /// Password for an `rtsp://` source. Never logged.
+    std::string password;
+
+    /// The description that stands until the video itself tells better.
+    meta::data::VideoInfo described;
+
+    bool operator==(ChannelSettings const&) const = default;
+};
+
+} // namespace zarn::host::video

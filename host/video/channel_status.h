@@ -1,0 +1,45 @@
+#pragma once
+
+#include <zarn/meta/data/video_info.h>
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace zarn::host::video {
+
+/// What a channel is doing.
+enum class ChannelState {
+    Described,  ///< No source: nothing runs.
+    Connecting, ///< The source is being opened; no frame has come yet.
+    Running,    ///< Frames come.
+    Failed      ///< The source failed (ChannelStatus::detail says why); it is tried again after a pause.
+};
+
+/// Lower-case name of a state, for logs and status documents: "described", "connecting", "running", "failed".
+std::string_view ToString(ChannelState state);
+
+/// A channel as it is at one moment.
+struct ChannelStatus {
+    /// Identifier of the channel.
+    std::string id;
+
+    /// What the channel is doing.
+    ChannelState state = ChannelState::Described;
+
+    /// Why the channel is in this state, for people; empty when there is nothing to say. Holds no credentials.
+    std::string detail;
+
+    /// What Engine::Describe() gives.
+    meta::data::VideoInfo info;
+
+    /// Time since the newest frame came; none when no frame has come yet.
+    std::optional<std::chrono::milliseconds> frameAge;
+
+    /// How many times the source was opened again after a failure.
+    std::uint64_t restarts = 0;
+};
+
+} // namespace zarn::host::video

@@ -1,0 +1,81 @@
+#pragma once
+
+#include "host/video/channel_settings.h"
+#include "host/video/channel_status.h"
+#include "host/video/check_source.h"
+#include "host/video/snapshot.h"
+
+#include <zarn/meta/data/video_info.h>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zarn::host::video {
+
+/// How the RTSP server is set up.
+struct RtspSettings {
+    /// TCP port on all addresses; 0 binds a free one.
+    std::uint16_t port = 0;
+
+    /// Whether clients must authenticate (digest, user `admin`).
+    bool authenticate = false;
+
+    /// HA1 of `admin` in zarn::authentication::Realm, 32 lower-case hexadecimal digits; used when `authenticate` is set.
+    std::string ha1;
+};
+
+/// The host's video: opens the sources of the channels, serves them over RTSP at `rtsp://ADDRESS:PORT/channels/ID` and
+/// makes still images of them. A source that fails is opened again after a pause; the other channels go on.
+/// Thread: every function may be called from any thread, and at the same time, but not from within a snapshot's callback
+/// where it says "waits".
+class Engine {
+public:
+    /// Starts the RTSP server, with no channels yet.
+    /// Throws std::runtime_error when the port cannot be bound; the message names the port.
+    explicit Engine(RtspSettings const& settings);
+
+    /// Stop().
+    ~Engine();
+
+    Engine(Engine const&) = delete;
+    Engine& operator=(Engine const&) = delete;
+
+    /// Makes the channels those of `channels`, in this order. A channel whose settings are the same goes on undisturbed; one
+    /// whose source changed starts anew; one that is gone ends, and so do its streams. A source that CheckSource() refuses
+    /// leaves its channel Failed. Waits until what ends has ended (under a second).
+    /// Throws std::invalid_argument when two channels have the same identifier; nothing has changed then. Does nothing
+    /// after Stop().
+    void SetChannels(std::vector<ChannelSettings> const& channels);
+
+    /// Switches authentication for connections that come from now on; `ha1` as in RtspSettings. Connections that are there
+    /// keep what they were accepted with.
+    void SetAuthentication(bool authenticate, std::string const& ha1);
+
+    /// The bound RTSP port.
+    std::uint16_t GetPort() const;
+
+    /// The present description of a channel: what the video really is, before that what the settings say. An unknown
+    /// channel gives VideoInfo(). Cheap, never blocks on video.
+    meta::data::VideoInfo Describe(std::string_view id) const;
+
+    /// Asks for a still image of a channel and returns at once. `done` is called exactly once, within three seconds, on any
+    /// thread, possibly before this function returns; it must not throw and must not block.
+    void RequestSnapshot(std::string_view id, std::function<void(Snapshot)> done);
+
+    /// All channels in the order of SetChannels().
+    std::vector<ChannelStatus> GetStatus() const;
+
+    /// Ends streams, connections, sources and waiting snapshot requests; waits until all has ended (about a second at
+    /// most). Stopping twice is harmless. Afterwards no channel is known.
+    void Stop();
+
+private:
+    class Impl;
+    std::unique_ptr<Impl> impl;
+};
+
+} // namespace zarn::host::video
