@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace zarn::container {
+
+/// An immutable run of bytes, shared between those who produce and those who send or parse it.
+/// Thread: any; its bytes never change after construction.
+class Buffer {
+public:
+    /// Takes over the bytes of `bytes`.
+    explicit Buffer(std::string&& bytes) noexcept;
+
+    Buffer(Buffer const&) = delete;
+    Buffer& operator=(Buffer const&) = delete;
+
+    /// The bytes; valid as long as the buffer lives.
+    std::string_view ToStringView() const noexcept { return bytes; }
+
+    /// The number of bytes.
+    std::size_t GetSize() const noexcept { return bytes.size(); }
+
+private:
+    std::string const bytes;
+};
+
+} // namespace zarn::container

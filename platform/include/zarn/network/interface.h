@@ -1,0 +1,32 @@
+#pragma once
+
+#include <boost/asio/ip/address_v4.hpp>
+
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace zarn::network {
+
+/// A network interface as the kernel reports it at one moment.
+struct Interface {
+    unsigned index = 0;                  ///< the kernel's interface index
+    std::string name;                    ///< for example "eth0"
+    std::string hardwareAddress;         ///< lower-case hex pairs joined with ":"; empty when the interface has none
+    boost::asio::ip::address_v4 address; ///< its first IPv4 address; 0.0.0.0 when it has none
+    bool up = false;
+    bool loopback = false;
+};
+
+/// Every interface of this network namespace, in the order of the kernel's interface index.
+/// Throws std::system_error when the kernel does not answer. Thread: any.
+std::vector<Interface> ReadInterfaces();
+
+/// The address under which others reach this machine: `routed` when it is one that others can use, else that of the
+/// first interface that is up, has an address and is no loopback, else 127.0.0.1.
+/// routed  the address of the interface that the default route uses; empty without such a route
+boost::asio::ip::address_v4 ChooseLocalAddress(std::optional<boost::asio::ip::address_v4> const& routed,
+                                               std::span<Interface const> interfaces);
+
+} // namespace zarn::network

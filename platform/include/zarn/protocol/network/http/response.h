@@ -1,0 +1,47 @@
+#pragma once
+
+#include <zarn/protocol/network/http/parse_error.h>
+#include <zarn/protocol/network/http/response/status.h>
+
+#include <cstddef>
+#include <map>
+#include <memory>
+#include <string>
+
+namespace zarn::container {
+class Buffer;
+}
+
+namespace zarn::protocol::network::http {
+
+/// An HTTP response with its body already decoded.
+class Response {
+public:
+    /// Bounds of Parse, in bytes: a status or field line without its line end, and the header of one response.
+    static constexpr std::size_t MaximumLineLength = 8191;
+    static constexpr std::size_t MaximumHeaderLength = 65536;
+
+    Response(response::Status status, std::map<std::string, std::string> fields, std::string body);
+
+    /// Takes the first final response out of a text that may hold several; what follows it is ignored.
+    /// Interim responses (1xx) are skipped. The body is what Transfer-Encoding (chunked only) says, else what
+    /// Content-Length says, else everything to the end; 204 and 304 have none. Source: RFC 9112.
+    /// Throws ParseError when the text is not such a response or ends before the body does.
+    static Response Parse(std::shared_ptr<container::Buffer> buffer);
+
+    response::Status GetStatusCode() const noexcept { return status; }
+
+    /// The fields as they came, those of the framing included; the names in the spelling of the response.
+    /// The values of a repeated field (names compared without case) stand in one entry under the first spelling, in
+    /// their order, joined with ", " (RFC 9110, 5.3). So do those of Set-Cookie, which has to be known by who reads it.
+    std::map<std::string, std::string> const& GetFields() const noexcept { return fields; }
+
+    std::string const& GetBody() const noexcept { return body; }
+
+private:
+    response::Status status;
+    std::map<std::string, std::string> fields;
+    std::string body;
+};
+
+} // namespace zarn::protocol::network::http

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <zarn/protocol/network/http/method.h>
+
+#include <map>
+#include <string_view>
+
+namespace zarn::web {
+
+/// A request that the web server hands to a service. The views are valid as long as the request lives.
+/// Thread: one at a time.
+class Request {
+public:
+    Request() = default;
+    virtual ~Request() = default;
+    Request(Request const&) = delete;
+    Request& operator=(Request const&) = delete;
+
+    virtual protocol::network::http::Method GetMethod() const = 0;
+
+    /// The request target in origin form: path and, behind "?", query; percent-encoded as it came.
+    virtual std::string_view GetTarget() const = 0;
+
+    /// The body, decoded from its transfer coding.
+    virtual std::string_view GetBody() const = 0;
+
+    /// Header fields, name to value; names in the client's spelling.
+    virtual std::map<std::string_view, std::string_view> GetFields() const = 0;
+};
+
+} // namespace zarn::web

@@ -1,0 +1,11 @@
+#pragma once
+
+namespace zarn::web::response {
+
+/// How far a pending response has come.
+enum class State {
+    Complete = 0, ///< status, fields and body are final; do not ask again
+    NotReady = 1, ///< nothing to send yet; ask again
+};
+
+} // namespace zarn::web::response
