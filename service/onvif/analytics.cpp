@@ -1,0 +1,65 @@
+#include "analytics.h"
+
+#include "capability_values.h"
+#include "filled.h"
+#include "is_authenticated.h"
+
+namespace zarn::service::onvif {
+
+namespace {
+
+/// Name and type of the one module.
+constexpr char ModuleName[] = "ZARN";
+
+} // namespace
+
+AnalyticsService::AnalyticsService(struct soap* soap, ZarnAuthenticationEngine const* engine)
+    : RuleEngineBindingService(soap), authenticationEngine(engine) {}
+
+RuleEngineBindingService* AnalyticsService::copy() { return nullptr; }
+
+tan__Capabilities* AnalyticsService::MakeServiceCapabilities(struct soap* soap) {
+    return Filled(soap_new_tan__Capabilities(soap), [](tan__Capabilities& capabilities) {
+        capabilities.RuleSupport = &FalseValue;
+        capabilities.AnalyticsModuleSupport = &TrueValue;
+        capabilities.CellBasedSceneDescriptionSupported = &FalseValue;
+        capabilities.RuleOptionsSupported = &FalseValue;
+        capabilities.AnalyticsModuleOptionsSupported = &TrueValue; // although they are not served: clients look for it
+        capabilities.SupportedMetadata = &TrueValue;
+    });
+}
+
+int AnalyticsService::GetServiceCapabilities(_tan__GetServiceCapabilities*,
+                                             _tan__GetServiceCapabilitiesResponse& response) {
+    response.Capabilities = MakeServiceCapabilities(soap);
+    return SOAP_OK;
+}
+
+int AnalyticsService::GetSupportedAnalyticsModules(_tan__GetSupportedAnalyticsModules*,
+                                                   _tan__GetSupportedAnalyticsModulesResponse& response) {
+    if (!IsAuthenticated(soap, authenticationEngine)) return 401;
+    response.SupportedAnalyticsModules =
+        Filled(soap_new_tt__SupportedAnalyticsModules(soap), [&](tt__SupportedAnalyticsModules& modules) {
+            auto* description =
+                Filled(soap_new_tt__ConfigDescription(soap), [](tt__ConfigDescription& out) { out.Name = ModuleName; });
+            if (description) modules.AnalyticsModuleDescription.push_back(description);
+        });
+    return SOAP_OK;
+}
+
+int AnalyticsService::GetAnalyticsModules(_tan__GetAnalyticsModules*, _tan__GetAnalyticsModulesResponse& response) {
+    if (!IsAuthenticated(soap, authenticationEngine)) return 401;
+    auto* module = Filled(soap_new_tt__Config(soap), [](tt__Config& out) {
+        out.Name = ModuleName;
+        out.Type = ModuleName;
+    });
+    if (module) response.AnalyticsModule.push_back(module);
+    return SOAP_OK;
+}
+
+int AnalyticsService::GetSupportedMetadata(_tan__GetSupportedMetadata*, _tan__GetSupportedMetadataResponse&) {
+    if (!IsAuthenticated(soap, authenticationEngine)) return 401;
+    return NotSupported(soap);
+}
+
+} // namespace zarn::service::onvif

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <zarn/configuration/node/root.h>
+
+#include <boost/utility/string_view.hpp>
+
+#include <memory>
+#include <string>
+
+namespace zarn::service::onvif {
+
+/// Settings of the host that are told to clients, as paths in its configuration.
+inline constexpr char RtspPortPath[] = "settings.rtsp_port";
+inline constexpr char WebPortPath[] = "settings.web_port";
+
+/// The port that the configuration holds at the path.
+/// Throws object::BadCast when there is no such node or its value is not an unsigned 16-bit number.
+/// Thread: any; takes no configuration lock.
+unsigned short ReadPort(configuration::node::Root const& root, boost::string_view path);
+
+/// The `name` of a channel entry.
+/// Throws object::BadCast with "zarn.configuration.node.String" when it is missing or not a string.
+std::string ReadName(configuration::node::Map const& entry);
+
+} // namespace zarn::service::onvif

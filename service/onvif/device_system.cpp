@@ -1,0 +1,122 @@
+#include "configuration_values.h"
+#include "device.h"
+#include "filled.h"
+#include "is_authenticated.h"
+
+#include <zarn/network/device.h>
+#include <zarn/network/local.h>
+
+#include <chrono>
+
+namespace zarn::service::onvif {
+
+namespace {
+
+tt__DateTime* MakeDateTime(soap* soap, std::chrono::sys_seconds time) {
+    return Filled(soap_new_tt__DateTime(soap), [&](tt__DateTime& dateTime) {
+        auto const midnight = std::chrono::floor<std::chrono::days>(time);
+        std::chrono::year_month_day const date(midnight);
+        std::chrono::hh_mm_ss const timeOfDay(time - midnight);
+        dateTime.Date = Filled(soap_new_tt__Date(soap), [&](tt__Date& out) {
+            out.Year = static_cast<int>(date.year());
+            out.Month = static_cast<int>(static_cast<unsigned>(date.month()));
+            out.Day = static_cast<int>(static_cast<unsigned>(date.day()));
+        });
+        dateTime.Time = Filled(soap_new_tt__Time(soap), [&](tt__Time& out) {
+            out.Hour = static_cast<int>(timeOfDay.hours().count());
+            out.Minute = static_cast<int>(timeOfDay.minutes().count());
+            out.Second = static_cast<int>(timeOfDay.seconds().count());
+        });
+    });
+}
+
+/// Every interface is reported as configured by DHCP with prefix length 0, whatever the host's real configuration.
+tt__IPv4NetworkInterface* MakeIPv4(soap* soap, std::string const& address) {
+    return Filled(soap_new_tt__IPv4NetworkInterface(soap), [&](tt__IPv4NetworkInterface& ipv4) {
+        ipv4.Enabled = true;
+        ipv4.Config = Filled(soap_new_tt__IPv4Configuration(soap), [&](tt__IPv4Configuration& config) {
+            config.DHCP = true;
+            config.FromDHCP = Filled(soap_new_tt__PrefixedIPv4Address(soap), [&](tt__PrefixedIPv4Address& prefixed) {
+                prefixed.Address = address;
+                prefixed.PrefixLength = 0;
+            });
+        });
+    });
+}
+
+tt__NetworkProtocol* MakeProtocol(soap* soap, tt__NetworkProtocolType name, unsigned short port) {
+    return Filled(soap_new_tt__NetworkProtocol(soap), [&](tt__NetworkProtocol& protocol) {
+        protocol.Name = name;
+        protocol.Enabled = true;
+        protocol.Port.push_back(port);
+    });
+}
+
+} // namespace
+
+tt__SystemDateTime* MakeSystemDateTime(soap* soap, std::chrono::sys_seconds now) {
+    return Filled(soap_new_tt__SystemDateTime(soap), [&](tt__SystemDateTime& dateTime) {
+        dateTime.DateTimeType = tt__SetDateTimeType__NTP;
+        dateTime.DaylightSavings = false; // UTC knows none
+        dateTime.UTCDateTime = MakeDateTime(soap, now);
+    });
+}
+
+int DeviceService::GetSystemDateAndTime(_tds__GetSystemDateAndTime*, _tds__GetSystemDateAndTimeResponse& response) {
+    auto const now = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
+    response.SystemDateAndTime = MakeSystemDateTime(soap, now);
+    return SOAP_OK;
+}
+
+int DeviceService::GetHostname(_tds__GetHostname*, _tds__GetHostnameResponse& response) {
+    response.HostnameInformation =
+        Filled(soap_new_tt__HostnameInformation(soap), [&](tt__HostnameInformation& information) {
+            information.FromDHCP = false;
+            information.Name = soap_new_std__string(soap);
+            if (information.Name) *information.Name = network::GetHostname();
+        });
+    return SOAP_OK;
+}
+
+int DeviceService::GetNetworkInterfaces(_tds__GetNetworkInterfaces*, _tds__GetNetworkInterfacesResponse& response) {
+    if (!IsAuthenticated(soap, authenticationEngine)) return 401;
+    for (auto const& device : network::GetDevices()) {
+        auto const address = device->GetIPv4Address();
+        if (address.is_unspecified()) continue;
+        auto* interface = Filled(soap_new_tt__NetworkInterface(soap), [&](tt__NetworkInterface& out) {
+            out.token = device->GetName();
+            out.Enabled = true;
+            out.Info = Filled(soap_new_tt__NetworkInterfaceInfo(soap),
+                              [&](tt__NetworkInterfaceInfo& info) { info.HwAddress = device->GetHardwareAddress(); });
+            out.IPv4 = MakeIPv4(soap, address.to_string());
+        });
+        if (interface) response.NetworkInterfaces.push_back(interface);
+    }
+    return SOAP_OK;
+}
+
+int DeviceService::GetNetworkProtocols(_tds__GetNetworkProtocols*, _tds__GetNetworkProtocolsResponse& response) {
+    auto const append = [&](tt__NetworkProtocolType name, unsigned short port) {
+        if (auto* protocol = MakeProtocol(soap, name, port)) response.NetworkProtocols.push_back(protocol);
+    };
+    append(tt__NetworkProtocolType__HTTP, GetPort()); // also when the web server speaks TLS
+    append(tt__NetworkProtocolType__RTSP, ReadPort(*configuration, RtspPortPath));
+    return SOAP_OK;
+}
+
+int DeviceService::GetUsers(_tds__GetUsers*, _tds__GetUsersResponse& response) {
+    if (!IsAuthenticated(soap, authenticationEngine)) return 401;
+    auto* user = Filled(soap_new_tt__User(soap), [](tt__User& out) {
+        out.Username = "admin";
+        out.UserLevel = tt__UserLevel__Administrator;
+    });
+    if (user) response.User.push_back(user);
+    return SOAP_OK;
+}
+
+int DeviceService::SetUser(_tds__SetUser*, _tds__SetUserResponse&) {
+    if (!IsAuthenticated(soap, authenticationEngine)) return 401;
+    return SoapFault(soap, FaultCode::Sender, "Cannot modify this user", "ter:InvalidArgVal", "ter:FixedUser");
+}
+
+} // namespace zarn::service::onvif

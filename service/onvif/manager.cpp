@@ -1,0 +1,148 @@
+#include "analytics.h"
+#include "device.h"
+#include "events.h"
+#include "media.h"
+#include "media2.h"
+#include "soap_context.h"
+
+#include <service/onvif/manager.h>
+#include <zarn/container/buffer.h>
+#include <zarn/job/dynamic_thread_pool.h>
+#include <zarn/protocol/network/http/request.h>
+#include <zarn/protocol/network/http/response.h>
+
+#include <httpda.h>
+
+#include <atomic>
+#include <chrono>
+#include <future>
+#include <map>
+#include <ostream>
+#include <sstream>
+#include <utility>
+
+namespace zarn::service::onvif {
+
+namespace http = protocol::network::http;
+using web::response::Pending;
+
+namespace {
+
+using SharedResponse = std::shared_ptr<http::Response>;
+
+/// The interface that all five services have in common is a generated member function, not a base class.
+using Dispatcher = std::function<int()>;
+
+/// Reads the request from the context's input, lets the first service that knows its operation serve it, and writes the
+/// response or the fault to the context's output.
+void Dispatch(soap* soap, std::initializer_list<Dispatcher> dispatchers) {
+    int const status = soap_begin_serve(soap);
+    AnswerAddressing(soap);
+    if (status != SOAP_OK) {
+        soap_send_fault(soap);
+        return;
+    }
+    for (auto const& dispatch : dispatchers) {
+        int const result = dispatch();
+        if (result == SOAP_NO_METHOD) continue;
+        soap_send_fault(soap);
+        // The fault of an operation is written twice, on purpose; who reads the output takes the first response.
+        if (result != SOAP_OK) soap_send_fault(soap);
+        return;
+    }
+    soap_send_fault(soap);
+}
+
+/// The state in which the host is told to ask again.
+Pending::Data MakeNotReady() { return {http::response::Status::Provisional, {}, {web::response::State::NotReady, {}}}; }
+
+Pending::Data MakeComplete(http::Response const& response) {
+    auto body = std::make_shared<container::Buffer>(std::string(response.GetBody()));
+    return {response.GetStatusCode(), response.GetFields(), {web::response::State::Complete, {std::move(body)}}};
+}
+
+http::Request Repackage(web::Request& request) {
+    std::map<std::string, std::string> fields;
+    for (auto const& [name, value] : request.GetFields()) fields.emplace(name, value);
+    return {request.GetMethod(), std::string(request.GetTarget()), std::string(request.GetBody()), std::move(fields)};
+}
+
+} // namespace
+
+class Manager::Impl {
+public:
+    Impl(ZarnAuthenticationEngine const* engine, std::shared_ptr<configuration::node::Root> configuration,
+         ChannelInfo channelInfo, utilities::name::Config const& nameConfig)
+        : authenticationEngine(engine),
+          threadPool(1, std::chrono::seconds(10)),
+          configuration(std::move(configuration)),
+          channelInfo(std::move(channelInfo)),
+          nameConfig(nameConfig) {}
+
+    /// Runs one SOAP exchange. Thread: a worker of the pool.
+    SharedResponse Serve(http::Request const& request) const {
+        auto const context = MakeSoapContext();
+        auto* const soap = context.get();
+        bool const ssl = sslEnabled;
+        URIBase const uriBase(serverPort, ssl);
+        DeviceService device(soap, uriBase, authenticationEngine, nameConfig, configuration);
+        EventsService events(soap, uriBase, authenticationEngine);
+        MediaService media(soap, configuration, channelInfo, ssl, authenticationEngine);
+        Media2Service media2(soap, configuration, channelInfo, ssl, authenticationEngine);
+        AnalyticsService analytics(soap, authenticationEngine);
+        soap_register_plugin_arg(soap, http_da, http_da_md5());
+
+        std::stringstream input;
+        std::ostringstream output;
+        soap->os = &output;
+        soap->is = &input;
+        input << request << std::endl;
+        Dispatch(soap, {[&] { return device.dispatch(); }, [&] { return events.dispatch(); },
+                        [&] { return media.dispatch(); }, [&] { return media2.dispatch(); },
+                        [&] { return analytics.dispatch(); }});
+
+        auto buffer = std::make_shared<container::Buffer>(std::move(output).str());
+        return std::make_shared<http::Response>(http::Response::Parse(std::move(buffer)));
+    }
+
+    // Members go in the reverse of this order; the destructor of Manager has stopped the pool by then.
+    ZarnAuthenticationEngine const* authenticationEngine;
+    job::DynamicThreadPool threadPool;
+    // Written by the host's threads and read by the workers, without a lock.
+    std::atomic<std::uint16_t> serverPort = 0;
+    std::atomic<bool> sslEnabled = false;
+    std::shared_ptr<configuration::node::Root> configuration;
+    ChannelInfo channelInfo;
+    utilities::name::Config nameConfig;
+};
+
+Manager::Manager(ZarnAuthenticationEngine const* engine, std::shared_ptr<configuration::node::Root> configuration,
+                 std::function<meta::data::VideoInfo(std::string const&)> channelInfo,
+                 utilities::name::Config const& nameConfig)
+    : impl(std::make_unique<Impl>(engine, std::move(configuration), std::move(channelInfo), nameConfig)) {}
+
+Manager::~Manager() { impl->threadPool.Stop(); }
+
+Manager::Response Manager::Post(std::shared_ptr<web::Request> request) {
+    auto promise = std::make_shared<std::promise<SharedResponse>>();
+    auto future = std::make_shared<std::future<SharedResponse>>(promise->get_future());
+    // std::function wants a copyable job, hence the shared request. An exception leaves the job to the pool, which
+    // destroys it and with it the promise's last owner: the host then sees a broken promise.
+    impl->threadPool.Post([impl = impl.get(), promise = std::move(promise),
+                           request = std::make_shared<http::Request const>(Repackage(*request))] {
+        promise->set_value(impl->Serve(*request));
+    });
+    auto data = [future = std::move(future)]() -> Pending::Data {
+        if (!future->valid()) throw std::future_error(std::future_errc::no_state);
+        if (future->wait_for(std::chrono::seconds(0)) != std::future_status::ready) return MakeNotReady();
+        return MakeComplete(*future->get());
+    };
+    return std::make_shared<Pending>(http::response::Status::Provisional, std::move(data),
+                                     std::chrono::milliseconds(0));
+}
+
+void Manager::UpdateServerPort(std::uint16_t port) { impl->serverPort = port; }
+
+void Manager::UpdateSSLState(bool enabled) { impl->sslEnabled = enabled; }
+
+} // namespace zarn::service::onvif

@@ -1,0 +1,282 @@
+#include "media2.h"
+
+#include "capability_values.h"
+#include "filled.h"
+#include "is_authenticated.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace zarn::service::onvif {
+
+namespace {
+
+tt__VideoResolution2* MakeResolution2(soap* soap, meta::data::VideoInfo const& info) {
+    return Filled(soap_new_tt__VideoResolution2(soap), [&](tt__VideoResolution2& resolution) {
+        resolution.Width = static_cast<int>(info.GetResolution().first);
+        resolution.Height = static_cast<int>(info.GetResolution().second);
+    });
+}
+
+tt__VideoEncoder2Configuration* MakeVideoEncoder2Configuration(soap* soap, std::string const& token,
+                                                               std::string const& name,
+                                                               meta::data::VideoInfo const& info) {
+    return Filled(soap_new_tt__VideoEncoder2Configuration(soap), [&](tt__VideoEncoder2Configuration& configuration) {
+        configuration.Name = name;
+        configuration.UseCount = 1;
+        configuration.token = token;
+        configuration.Encoding = ConvertCodec(info.GetCodec());
+        configuration.Resolution = MakeResolution2(soap, info);
+        configuration.Quality = 1.0F;
+        configuration.RateControl = Filled(soap_new_tt__VideoRateControl2(soap), [](tt__VideoRateControl2& control) {
+            control.FrameRateLimit = 15.0F; // one limit for every channel, whatever its frame rate
+            control.BitrateLimit = 10000;
+        });
+    });
+}
+
+tt__VideoAnalyticsConfiguration* MakeAnalyticsConfiguration(soap* soap, std::string const& token,
+                                                            std::string const& name) {
+    // The engine's modules and rules are told by the analytics service.
+    return Filled(soap_new_tt__VideoAnalyticsConfiguration(soap), [&](tt__VideoAnalyticsConfiguration& configuration) {
+        configuration.Name = name;
+        configuration.UseCount = 1;
+        configuration.token = token;
+    });
+}
+
+/// One kind of configuration that a client may ask for in a profile.
+struct ConfigurationKind {
+    char const* type;
+    void (*add)(soap*, tr2__ConfigurationSet&, std::string const& token, std::string const& name,
+                meta::data::VideoInfo const&);
+};
+
+constexpr std::array ConfigurationKinds{
+    ConfigurationKind{"VideoSource",
+                      [](soap* soap, tr2__ConfigurationSet& set, std::string const& token, std::string const& name,
+                         meta::data::VideoInfo const& info) {
+                          set.VideoSource = MakeVideoSourceConfiguration(soap, token, name, info);
+                      }},
+    ConfigurationKind{"VideoEncoder",
+                      [](soap* soap, tr2__ConfigurationSet& set, std::string const& token, std::string const& name,
+                         meta::data::VideoInfo const& info) {
+                          set.VideoEncoder = MakeVideoEncoder2Configuration(soap, token, name, info);
+                      }},
+    ConfigurationKind{
+        "Metadata", [](soap* soap, tr2__ConfigurationSet& set, std::string const& token, std::string const& name,
+                       meta::data::VideoInfo const&) { set.Metadata = MakeMetadataConfiguration(soap, token, name); }},
+    ConfigurationKind{
+        "Analytics",
+        [](soap* soap, tr2__ConfigurationSet& set, std::string const& token, std::string const& name,
+           meta::data::VideoInfo const&) { set.Analytics = MakeAnalyticsConfiguration(soap, token, name); }},
+};
+
+/// The configurations of a channel that a list of types asks for; null when the list is empty.
+tr2__ConfigurationSet* MakeConfigurationSet(soap* soap, std::vector<std::string> const& types, std::string const& token,
+                                            std::string const& name, meta::data::VideoInfo const& info) {
+    if (types.empty()) return nullptr;
+    bool const all = types.front() == "All"; // further down the list it counts as a name that nobody knows
+    return Filled(soap_new_tr2__ConfigurationSet(soap), [&](tr2__ConfigurationSet& set) {
+        for (auto const& kind : ConfigurationKinds)
+            if (all || std::find(types.begin(), types.end(), kind.type) != types.end())
+                kind.add(soap, set, token, name, info);
+    });
+}
+
+tt__IntRange* MakeIntRange(soap* soap, int minimum, int maximum) {
+    return Filled(soap_new_tt__IntRange(soap), [&](tt__IntRange& range) {
+        range.Min = minimum;
+        range.Max = maximum;
+    });
+}
+
+/// The bounds that a video source of the channel can be set to: the whole picture only.
+tt__IntRectangleRange* MakeBoundsRange(soap* soap, meta::data::VideoInfo const& info) {
+    auto const width = static_cast<int>(info.GetResolution().first);
+    auto const height = static_cast<int>(info.GetResolution().second);
+    return Filled(soap_new_tt__IntRectangleRange(soap), [&](tt__IntRectangleRange& range) {
+        range.XRange = MakeIntRange(soap, 0, width);
+        range.YRange = MakeIntRange(soap, 0, height);
+        range.WidthRange = MakeIntRange(soap, width, width);
+        range.HeightRange = MakeIntRange(soap, height, height);
+    });
+}
+
+/// The bounds when no channel is named: anything.
+tt__IntRectangleRange* MakeAnyBoundsRange(soap* soap) {
+    return Filled(soap_new_tt__IntRectangleRange(soap), [&](tt__IntRectangleRange& range) {
+        for (auto member : {&tt__IntRectangleRange::XRange, &tt__IntRectangleRange::YRange,
+                            &tt__IntRectangleRange::WidthRange, &tt__IntRectangleRange::HeightRange})
+            range.*member = MakeIntRange(soap, 0, 9999);
+    });
+}
+
+tr2__StreamingCapabilities* MakeStreamingCapabilities(soap* soap) {
+    return Filled(soap_new_tr2__StreamingCapabilities(soap), [](tr2__StreamingCapabilities& streaming) {
+        streaming.RTSPStreaming = &TrueValue;
+        streaming.RTPMulticast = &FalseValue;
+        streaming.RTP_USCORERTSP_USCORETCP = &TrueValue;
+        streaming.NonAggregateControl = &FalseValue;
+        streaming.AutoStartMulticast = &FalseValue;
+        streaming.SecureRTSPStreaming = &FalseValue;
+    });
+}
+
+} // namespace
+
+Media2Service::Media2Service(struct soap* soap, std::shared_ptr<configuration::node::Root> configuration,
+                             ChannelInfo channelInfo, bool ssl, ZarnAuthenticationEngine const* engine)
+    : Media2BindingService(soap),
+      configuration(std::move(configuration)),
+      ssl(ssl),
+      channelInfo(std::move(channelInfo)),
+      authenticationEngine(engine) {}
+
+Media2BindingService* Media2Service::copy() { return nullptr; }
+
+tr2__Capabilities2* Media2Service::MakeServiceCapabilities(struct soap* soap) {
+    return Filled(soap_new_tr2__Capabilities2(soap), [&](tr2__Capabilities2& capabilities) {
+        capabilities.ProfileCapabilities =
+            Filled(soap_new_tr2__ProfileCapabilities(soap), [&](tr2__ProfileCapabilities& profiles) {
+                profiles.MaximumNumberOfProfiles = &IntMax;
+                profiles.ConfigurationsSupported = Filled(soap_new_std__string(soap), [](std::string& types) {
+                    types = "VideoSource VideoEncoder Metadata Analytics";
+                });
+            });
+        capabilities.StreamingCapabilities = MakeStreamingCapabilities(soap);
+        capabilities.SnapshotUri = &TrueValue;
+    });
+}
+
+int Media2Service::GetServiceCapabilities(_tr2__GetServiceCapabilities*,
+                                          _tr2__GetServiceCapabilitiesResponse& response) {
+    response.Capabilities = MakeServiceCapabilities(soap);
+    return SOAP_OK;
+}
+
+int Media2Service::GetProfiles(_tr2__GetProfiles* request, _tr2__GetProfilesResponse& response) {
+    auto const makeProfile = [&](struct soap* soap, std::string const& token, std::string const& name,
+                                 meta::data::VideoInfo const& info) {
+        return Filled(soap_new_tr2__MediaProfile(soap), [&](tr2__MediaProfile& profile) {
+            profile.Name = name;
+            profile.token = token;
+            profile.fixed = &TrueValue;
+            profile.Configurations = MakeConfigurationSet(soap, request->Type, token, name, info);
+        });
+    };
+    PopulatePerChannel(soap, response.Profiles, makeProfile, channelInfo, configuration,
+                       request->Token ? *request->Token : std::string());
+    return SOAP_OK;
+}
+
+// The list operations tell of every channel, whatever tokens the request carries.
+
+int Media2Service::GetVideoSourceConfigurations(tr2__GetConfiguration*,
+                                                _tr2__GetVideoSourceConfigurationsResponse& response) {
+    PopulatePerChannel(soap, response.Configurations, MakeVideoSourceConfiguration, channelInfo, configuration, "");
+    return SOAP_OK;
+}
+
+int Media2Service::GetVideoEncoderConfigurations(tr2__GetConfiguration*,
+                                                 _tr2__GetVideoEncoderConfigurationsResponse& response) {
+    PopulatePerChannel(soap, response.Configurations, MakeVideoEncoder2Configuration, channelInfo, configuration, "");
+    return SOAP_OK;
+}
+
+int Media2Service::GetMetadataConfigurations(tr2__GetConfiguration*,
+                                             _tr2__GetMetadataConfigurationsResponse& response) {
+    auto const make = [](struct soap* soap, auto const& token, auto const& name, auto const&) {
+        return MakeMetadataConfiguration(soap, token, name);
+    };
+    PopulatePerChannel(soap, response.Configurations, make, channelInfo, configuration, "");
+    return SOAP_OK;
+}
+
+int Media2Service::GetAnalyticsConfigurations(tr2__GetConfiguration*,
+                                              _tr2__GetAnalyticsConfigurationsResponse& response) {
+    auto const make = [](struct soap* soap, auto const& token, auto const& name, auto const&) {
+        return MakeAnalyticsConfiguration(soap, token, name);
+    };
+    PopulatePerChannel(soap, response.Configurations, make, channelInfo, configuration, "");
+    return SOAP_OK;
+}
+
+int Media2Service::GetVideoSourceConfigurationOptions(tr2__GetConfiguration* request,
+                                                      _tr2__GetVideoSourceConfigurationOptionsResponse& response) {
+    auto const fill = [&](tt__VideoSourceConfigurationOptions& options) {
+        // Any token will do: the channel's description is what counts, and an unknown channel has an empty one.
+        if (auto const token = GetToken(request); !token.empty()) {
+            options.BoundsRange = MakeBoundsRange(soap, channelInfo(GetChannelId(token)));
+            options.VideoSourceTokensAvailable.push_back(token);
+            return;
+        }
+        options.BoundsRange = MakeAnyBoundsRange(soap);
+        auto const lock = configuration->GetLock();
+        for (auto const& entry : *GetChannels(*configuration))
+            options.VideoSourceTokensAvailable.push_back(entry->As<configuration::node::Map>().GetPath());
+    };
+    response.Options = Filled(soap_new_tt__VideoSourceConfigurationOptions(soap), fill);
+    return SOAP_OK;
+}
+
+int Media2Service::GetVideoEncoderConfigurationOptions(tr2__GetConfiguration* request,
+                                                       _tr2__GetVideoEncoderConfigurationOptionsResponse& response) {
+    auto const token = GetToken(request);
+    if (token.empty()) return SOAP_OK;
+    auto const info = channelInfo(GetChannelId(token));
+    auto const fill = [&](tt__VideoEncoder2ConfigurationOptions& options) {
+        options.Encoding = ConvertCodec(info.GetCodec());
+        options.QualityRange = Filled(soap_new_tt__FloatRange(soap), [](tt__FloatRange& range) {
+            range.Min = 1.0F;
+            range.Max = 1.0F;
+        });
+        if (auto* resolution = MakeResolution2(soap, info)) options.ResolutionsAvailable.push_back(resolution);
+        options.BitrateRange = MakeIntRange(soap, 1000, 10000);
+    };
+    if (auto* options = Filled(soap_new_tt__VideoEncoder2ConfigurationOptions(soap), fill))
+        response.Options.push_back(options);
+    return SOAP_OK;
+}
+
+int Media2Service::GetMetadataConfigurationOptions(tr2__GetConfiguration*,
+                                                   _tr2__GetMetadataConfigurationOptionsResponse& response) {
+    response.Options =
+        Filled(soap_new_tt__MetadataConfigurationOptions(soap), [&](tt__MetadataConfigurationOptions& options) {
+            options.PTZStatusFilterOptions =
+                Filled(soap_new_tt__PTZStatusFilterOptions(soap), [](tt__PTZStatusFilterOptions& filter) {
+                    filter.PanTiltStatusSupported = false;
+                    filter.ZoomStatusSupported = false;
+                });
+        });
+    return SOAP_OK;
+}
+
+// Clients set what they have just read, before they stream; these succeed without effect.
+
+int Media2Service::SetMetadataConfiguration(_tr2__SetMetadataConfiguration*, tr2__SetConfigurationResponse&) {
+    return SOAP_OK;
+}
+
+int Media2Service::SetVideoEncoderConfiguration(_tr2__SetVideoEncoderConfiguration*, tr2__SetConfigurationResponse&) {
+    return SOAP_OK;
+}
+
+int Media2Service::SetSynchronizationPoint(_tr2__SetSynchronizationPoint*, _tr2__SetSynchronizationPointResponse&) {
+    return SOAP_OK;
+}
+
+int Media2Service::GetStreamUri(_tr2__GetStreamUri* request, _tr2__GetStreamUriResponse& response) {
+    if (!IsAuthenticated(soap, authenticationEngine)) return 401;
+    response.Uri = MakeStreamUri(*configuration, request->ProfileToken);
+    return SOAP_OK;
+}
+
+int Media2Service::GetSnapshotUri(_tr2__GetSnapshotUri* request, _tr2__GetSnapshotUriResponse& response) {
+    if (!IsAuthenticated(soap, authenticationEngine)) return 401;
+    response.Uri = MakeSnapshotUri(*configuration, ssl, request->ProfileToken);
+    return SOAP_OK;
+}
+
+} // namespace zarn::service::onvif

@@ -1,0 +1,74 @@
+#pragma once
+
+#include "configuration_values.h"
+
+#include <zarn/configuration/node/dynamic.h>
+#include <zarn/configuration/node/root.h>
+#include <zarn/meta/data/video_info.h>
+
+#include <soapH.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace zarn::service::onvif {
+
+/// Yields the present video description of a channel, given the channel's id.
+using ChannelInfo = std::function<meta::data::VideoInfo(std::string const&)>;
+
+/// The id of the channel that a token names: what follows its last ".", or all of it.
+std::string GetChannelId(std::string const& token);
+
+/// The `channels` of the configuration. Throws object::BadCast with "unknown" when they are not a dynamic node.
+std::shared_ptr<configuration::node::Dynamic const> GetChannels(configuration::node::Root const& root);
+
+/// The encoding's name in a codec text such as "video/x-h264": what follows the last "-", or else the last "/", in
+/// upper case by the global locale. Empty when the text holds neither.
+std::string ConvertCodec(std::string const& codec);
+
+/// The token that a Media2 request asks for: its profile token if it has one, else its configuration token, else "".
+std::string GetToken(tr2__GetConfiguration const* request);
+
+/// One configuration or profile of a channel, allocated in the context; null without memory.
+/// token  the channel's path in the configuration, which every object of the channel bears as its token
+/// name   the channel's name
+tt__VideoSourceConfiguration* MakeVideoSourceConfiguration(soap* soap, std::string const& token,
+                                                           std::string const& name, meta::data::VideoInfo const& info);
+tt__VideoEncoderConfiguration* MakeVideoEncoderConfiguration(soap* soap, std::string const& token,
+                                                             std::string const& name,
+                                                             meta::data::VideoInfo const& info);
+tt__MetadataConfiguration* MakeMetadataConfiguration(soap* soap, std::string const& token, std::string const& name);
+tt__Profile* MakeProfile(soap* soap, std::string const& token, std::string const& name,
+                         meta::data::VideoInfo const& info);
+
+/// The video size of a channel.
+tt__VideoResolution* MakeResolution(soap* soap, meta::data::VideoInfo const& info);
+
+/// The address of a channel's live stream: rtsp://ADDRESS:PORT/ and the token's path with "/" for ".".
+/// Any token yields one. Throws object::BadCast when the RTSP port's setting is missing or of the wrong type.
+std::string MakeStreamUri(configuration::node::Root const& root, std::string const& token);
+
+/// The address of a channel's newest still image on the web server. Otherwise as MakeStreamUri.
+/// ssl  whether the web server speaks TLS
+std::string MakeSnapshotUri(configuration::node::Root const& root, bool ssl, std::string const& token);
+
+/// Appends one object per channel to `out`, in the order of the configuration, whose lock is held meanwhile.
+/// maker        makes one: (soap*, token, name, VideoInfo const&) -> pointer; a null one is left out
+/// channelInfo  asked for every selected channel
+/// token        only the channel with this token; empty: all
+/// Throws object::BadCast when `channels` is not a dynamic node ("unknown"), an entry is not a map
+/// ("zarn.configuration.node.Map") or its name not a string ("zarn.configuration.node.String").
+template <class List, class Maker>
+void PopulatePerChannel(soap* soap, List& out, Maker maker, ChannelInfo const& channelInfo,
+                        std::shared_ptr<configuration::node::Root> const& root, std::string const& token) {
+    auto const lock = root->GetLock();
+    for (auto const& entry : *GetChannels(*root)) {
+        auto const path = entry->GetPath();
+        if (!token.empty() && token != path) continue;
+        auto const name = ReadName(entry->As<configuration::node::Map>());
+        if (auto* object = maker(soap, path, name, channelInfo(GetChannelId(path)))) out.push_back(object);
+    }
+}
+
+} // namespace zarn::service::onvif

@@ -1,0 +1,72 @@
+#pragma once
+
+#include "unserved.h"
+
+/// The operations of the service that this device does not serve, in alphabetical order.
+#define ZARN_UNSERVED_MEDIA                                                                                            \
+    ZARN_UNSERVED(trt, AddAudioDecoderConfiguration)                                                                   \
+    ZARN_UNSERVED(trt, AddAudioEncoderConfiguration)                                                                   \
+    ZARN_UNSERVED(trt, AddAudioOutputConfiguration)                                                                    \
+    ZARN_UNSERVED(trt, AddAudioSourceConfiguration)                                                                    \
+    ZARN_UNSERVED(trt, AddMetadataConfiguration)                                                                       \
+    ZARN_UNSERVED(trt, AddPTZConfiguration)                                                                            \
+    ZARN_UNSERVED(trt, AddVideoAnalyticsConfiguration)                                                                 \
+    ZARN_UNSERVED(trt, AddVideoEncoderConfiguration)                                                                   \
+    ZARN_UNSERVED(trt, AddVideoSourceConfiguration)                                                                    \
+    ZARN_UNSERVED(trt, CreateOSD)                                                                                      \
+    ZARN_UNSERVED(trt, CreateProfile)                                                                                  \
+    ZARN_UNSERVED(trt, DeleteOSD)                                                                                      \
+    ZARN_UNSERVED(trt, DeleteProfile)                                                                                  \
+    ZARN_UNSERVED(trt, GetAudioDecoderConfiguration)                                                                   \
+    ZARN_UNSERVED(trt, GetAudioDecoderConfigurationOptions)                                                            \
+    ZARN_UNSERVED(trt, GetAudioDecoderConfigurations)                                                                  \
+    ZARN_UNSERVED(trt, GetAudioEncoderConfiguration)                                                                   \
+    ZARN_UNSERVED(trt, GetAudioEncoderConfigurationOptions)                                                            \
+    ZARN_UNSERVED(trt, GetAudioEncoderConfigurations)                                                                  \
+    ZARN_UNSERVED(trt, GetAudioOutputConfiguration)                                                                    \
+    ZARN_UNSERVED(trt, GetAudioOutputConfigurationOptions)                                                             \
+    ZARN_UNSERVED(trt, GetAudioOutputConfigurations)                                                                   \
+    ZARN_UNSERVED(trt, GetAudioOutputs)                                                                                \
+    ZARN_UNSERVED(trt, GetAudioSourceConfiguration)                                                                    \
+    ZARN_UNSERVED(trt, GetAudioSourceConfigurationOptions)                                                             \
+    ZARN_UNSERVED(trt, GetAudioSourceConfigurations)                                                                   \
+    ZARN_UNSERVED(trt, GetAudioSources)                                                                                \
+    ZARN_UNSERVED(trt, GetCompatibleAudioDecoderConfigurations)                                                        \
+    ZARN_UNSERVED(trt, GetCompatibleAudioEncoderConfigurations)                                                        \
+    ZARN_UNSERVED(trt, GetCompatibleAudioOutputConfigurations)                                                         \
+    ZARN_UNSERVED(trt, GetCompatibleAudioSourceConfigurations)                                                         \
+    ZARN_UNSERVED(trt, GetCompatibleMetadataConfigurations)                                                            \
+    ZARN_UNSERVED(trt, GetCompatibleVideoAnalyticsConfigurations)                                                      \
+    ZARN_UNSERVED(trt, GetCompatibleVideoEncoderConfigurations)                                                        \
+    ZARN_UNSERVED(trt, GetCompatibleVideoSourceConfigurations)                                                         \
+    ZARN_UNSERVED(trt, GetGuaranteedNumberOfVideoEncoderInstances)                                                     \
+    ZARN_UNSERVED(trt, GetMetadataConfiguration)                                                                       \
+    ZARN_UNSERVED(trt, GetMetadataConfigurationOptions)                                                                \
+    ZARN_UNSERVED(trt, GetMetadataConfigurations)                                                                      \
+    ZARN_UNSERVED(trt, GetOSD)                                                                                         \
+    ZARN_UNSERVED(trt, GetOSDOptions)                                                                                  \
+    ZARN_UNSERVED(trt, GetOSDs)                                                                                        \
+    ZARN_UNSERVED(trt, GetVideoAnalyticsConfiguration)                                                                 \
+    ZARN_UNSERVED(trt, GetVideoAnalyticsConfigurations)                                                                \
+    ZARN_UNSERVED(trt, GetVideoSourceModes)                                                                            \
+    ZARN_UNSERVED(trt, RemoveAudioDecoderConfiguration)                                                                \
+    ZARN_UNSERVED(trt, RemoveAudioEncoderConfiguration)                                                                \
+    ZARN_UNSERVED(trt, RemoveAudioOutputConfiguration)                                                                 \
+    ZARN_UNSERVED(trt, RemoveAudioSourceConfiguration)                                                                 \
+    ZARN_UNSERVED(trt, RemoveMetadataConfiguration)                                                                    \
+    ZARN_UNSERVED(trt, RemovePTZConfiguration)                                                                         \
+    ZARN_UNSERVED(trt, RemoveVideoAnalyticsConfiguration)                                                              \
+    ZARN_UNSERVED(trt, RemoveVideoEncoderConfiguration)                                                                \
+    ZARN_UNSERVED(trt, RemoveVideoSourceConfiguration)                                                                 \
+    ZARN_UNSERVED(trt, SetAudioDecoderConfiguration)                                                                   \
+    ZARN_UNSERVED(trt, SetAudioEncoderConfiguration)                                                                   \
+    ZARN_UNSERVED(trt, SetAudioOutputConfiguration)                                                                    \
+    ZARN_UNSERVED(trt, SetAudioSourceConfiguration)                                                                    \
+    ZARN_UNSERVED(trt, SetMetadataConfiguration)                                                                       \
+    ZARN_UNSERVED(trt, SetOSD)                                                                                         \
+    ZARN_UNSERVED(trt, SetVideoAnalyticsConfiguration)                                                                 \
+    ZARN_UNSERVED(trt, SetVideoEncoderConfiguration)                                                                   \
+    ZARN_UNSERVED(trt, SetVideoSourceConfiguration)                                                                    \
+    ZARN_UNSERVED(trt, SetVideoSourceMode)                                                                             \
+    ZARN_UNSERVED(trt, StartMulticastStreaming)                                                                        \
+    ZARN_UNSERVED(trt, StopMulticastStreaming)

@@ -1,0 +1,74 @@
+#include "soap_context.h"
+
+#include <soapH.h>
+
+#include <cstring>
+#include <new>
+
+namespace zarn::service::onvif {
+
+namespace {
+
+// Without SOAP_C_UTFSTRING gSOAP takes every byte of a string for a Latin-1 character and garbles names such as "Grün".
+constexpr soap_mode Mode = SOAP_XML_NOTYPE | SOAP_DOM_ASIS | SOAP_C_UTFSTRING;
+
+// gSOAP reads nested elements by recursion: these are well above what the protocol needs and well below what a worker's
+// stack carries.
+constexpr unsigned MaximumLevel = 64;
+constexpr long MaximumTextLength = 1024 * 1024;
+constexpr std::size_t MaximumOccurrences = 4096;
+constexpr ULONG64 MaximumMessageLength = 16 * 1024 * 1024;
+
+constexpr char SecurityNamespace[] =
+    "http://docs.oasis-open.org/wss/2004/01/oasis-200401-wss-wssecurity-secext-1.0.xsd";
+
+/// Whether the element bears the name {SecurityNamespace}Security; the prefix is the client's choice.
+bool IsSecurity(soap* soap, char const* tag) {
+    char const* colon = std::strchr(tag, ':');
+    char const* nameSpace = soap_current_namespace_tag(soap, tag);
+    return nameSpace && !std::strcmp(nameSpace, SecurityNamespace) && !std::strcmp(colon ? colon + 1 : tag, "Security");
+}
+
+/// Called for every element that the bindings do not know, in place of gSOAP's own check for headers that must be
+/// understood. Most clients send a WS-Security header marked so although they authenticate by HTTP digest; it is
+/// skipped, so that nothing of it is kept, read or echoed.
+int IgnoreElement(soap* soap, char const* tag) {
+    bool const refused = soap->mustUnderstand && !soap->other && !IsSecurity(soap, tag);
+    return refused ? SOAP_MUSTUNDERSTAND : SOAP_OK;
+}
+
+void Release(soap* soap) {
+    soap_delete(soap, nullptr);
+    soap_end(soap);
+    soap_free(soap);
+}
+
+} // namespace
+
+std::shared_ptr<soap> MakeSoapContext() {
+    std::shared_ptr<soap> const context(soap_new2(Mode, Mode), [](soap* soap) {
+        if (soap) Release(soap);
+    });
+    if (!context) throw std::bad_alloc();
+    context->fignore = IgnoreElement;
+    context->maxlevel = MaximumLevel;
+    context->maxlength = MaximumTextLength;
+    context->maxoccurs = MaximumOccurrences;
+    context->recv_maxlength = MaximumMessageLength;
+    return context;
+}
+
+void AnswerAddressing(soap* soap) {
+    if (!soap->header) return;
+    char* const messageId = soap->header->wsa5__MessageID;
+    soap_default_SOAP_ENV__Header(soap, soap->header);
+    auto* const relatesTo = messageId ? soap_new_wsa5__RelatesToType(soap) : nullptr;
+    if (!relatesTo) {
+        soap->header = nullptr;
+        return;
+    }
+    relatesTo->__item = messageId;
+    soap->header->wsa5__RelatesTo = relatesTo;
+}
+
+} // namespace zarn::service::onvif

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <memory>
+
+struct soap;
+
+namespace zarn::service::onvif {
+
+/// Makes the gSOAP context of one request: no xsi:type on output, strings in UTF-8, and bounds on what a request may
+/// hold. Its deleter frees everything that was allocated in it.
+/// Throws std::bad_alloc.
+std::shared_ptr<soap> MakeSoapContext();
+
+/// Turns the header that came with the request into the header of the response: it relates to the request's message and
+/// carries nothing else of the client's. A request without a message id is answered without a header.
+/// Source: WS-Addressing 1.0 Core, 3.4.
+void AnswerAddressing(soap* soap);
+
+} // namespace zarn::service::onvif
