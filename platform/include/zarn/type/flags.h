@@ -11,7 +11,8 @@ namespace zarn::type {
 /// Underlying  the unsigned integer that holds the set
 /// Bits        the largest flag value that the enumeration has room for; no flag above it can be in the set
 template <class Enum, std::unsigned_integral Underlying, Underlying Bits>
-    requires std::is_enum_v<Enum>
+requires std::is_enum_v<Enum>
+
 class Flags {
 public:
     /// The empty set.

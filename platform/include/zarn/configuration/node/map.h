@@ -1,0 +1,111 @@
+#pragma once
+
+#include <zarn/configuration/node.h>
+#include <zarn/configuration/unknown.h>
+#include <zarn/object/container/const_iterator.h>
+
+#include <boost/utility/string_view.hpp>
+
+#include <atomic>
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zarn::configuration {
+
+class Schema;
+
+namespace node {
+
+class Children;
+
+/// A node that holds nodes by key, in an order.
+/// The order is that in which the nodes were described, until FromJson puts those that it reads first, in their order
+/// there.
+class Map : public object::Typed<Map, Node> {
+public:
+    static constexpr char const* TypeName = "zarn.configuration.node.Map";
+
+    using Iterator = object::container::ConstIterator<std::shared_ptr<Node>>;
+
+    /// Made by Schema and Dynamic::Add only.
+    explicit Map(Place const& place);
+    ~Map() override;
+
+    /// The node with a path relative to this one ("name", "video.width"); null when there is none, as for an empty
+    /// path. Takes the same short time whatever the number of children.
+    std::shared_ptr<Node> Find(boost::string_view nodePath) const;
+
+    /// The children in their order. What is walked over is a snapshot: changes made meanwhile are not seen and do no
+    /// harm.
+    Iterator begin() const;
+    Iterator end() const noexcept;
+
+    /// The number of children.
+    std::size_t GetSize() const;
+
+    /// Registers descriptions, whose paths are relative to this node, and makes the nodes that are missing, maps on the
+    /// way included. A node that is described already stays as it is: the first description counts, and whoever
+    /// expected another type meets it when casting. A value that was read before it was described is adopted when it
+    /// fits. Throws Error when an adopted value does not fit, when a path leads through a value or a collection, or
+    /// when it has a part that is no key (1 to 64 letters, digits, '-' and '_'); the descriptions before that one are
+    /// then registered.
+    void Schema(std::vector<configuration::Schema> const& schemas);
+
+    /// Reads values. What is not in the object takes its default; entries of collections that are not in it are
+    /// removed. All or nothing: throws Error before anything is changed when a value does not fit, when a read-only
+    /// value would change, or when a key is unknown (unless unknown keys shall be kept). Bound callbacks are called
+    /// after everything is changed.
+    void FromJson(boost::json::value const& json, Unknown unknown = Unknown::Refuse);
+
+    /// The paths of what was read and kept, but described by no schema so far, in the order of the tree.
+    std::vector<std::string> GetUndescribed() const;
+
+    bool IsStated() const override;
+
+protected:
+    /// Plans how a key that has no node is read. Returns the node to be made for it, which is not in the tree yet.
+    virtual std::shared_ptr<Node> PrepareUnknown(std::string_view childKey, boost::json::value const& json,
+                                                 Change& change);
+
+    /// Plans the change for a child that is not in what is read. Returns false when it shall go.
+    virtual bool PrepareMissing(Node& child, Change& change);
+
+    /// Whether a described map without content is written. Called with the lock of the tree.
+    virtual bool IsWrittenEmpty() const;
+
+    boost::json::value WriteSchema() const override;
+
+    /// The place of a new child. Its parent is set when it is put into the tree.
+    Place MakePlace(std::string_view childKey) const;
+
+    /// Passes on to a child, for derived classes.
+    static void PrepareChild(Node& child, boost::json::value const& json, Change& change);
+    static boost::json::value WriteSchemaOf(Node const& child);
+
+    /// Puts a child into the tree, or takes it out. Called with the lock of the tree.
+    void Attach(std::shared_ptr<Node> const& child);
+    static void Detach(Node& child);
+
+    /// Marks the map as having been given by somebody.
+    void MarkRead(bool read) noexcept;
+
+    std::unique_ptr<Children> const children;
+
+private:
+    void Prepare(boost::json::value const& json, Change& change) override;
+    bool PrepareAbsent(Change& change) override;
+    bool IsWritten(Layer layer) const override;
+    boost::json::value Write(Layer layer) const override;
+
+    virtual bool AcceptsSchema() const noexcept;
+    void Register(configuration::Schema const& schema);
+    std::shared_ptr<Map> RequireMap(std::string_view childKey);
+
+    std::atomic<bool> wasRead = false;
+};
+
+} // namespace node
+} // namespace zarn::configuration

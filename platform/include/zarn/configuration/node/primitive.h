@@ -1,0 +1,57 @@
+#pragma once
+
+#include <zarn/configuration/node/value.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace zarn::configuration::node {
+
+/// The type name of Primitive<T>; a type without one cannot be held by a node.
+template <class T>
+inline constexpr char const* PrimitiveTypeName = nullptr;
+template <>
+inline constexpr char const* PrimitiveTypeName<bool> = "zarn.configuration.node.Bool";
+template <>
+inline constexpr char const* PrimitiveTypeName<std::string> = "zarn.configuration.node.String";
+template <>
+inline constexpr char const* PrimitiveTypeName<std::uint16_t> = "zarn.configuration.node.UInt16";
+template <>
+inline constexpr char const* PrimitiveTypeName<std::uint32_t> = "zarn.configuration.node.UInt32";
+template <>
+inline constexpr char const* PrimitiveTypeName<std::int32_t> = "zarn.configuration.node.Int32";
+template <>
+inline constexpr char const* PrimitiveTypeName<std::int64_t> = "zarn.configuration.node.Int64";
+template <>
+inline constexpr char const* PrimitiveTypeName<double> = "zarn.configuration.node.Double";
+
+/// A node that holds a value of type T. Its GetValuePtr() gives an object::Primitive<T>.
+template <class T>
+class Primitive : public object::Typed<Primitive<T>, Value> {
+public:
+    static constexpr char const* TypeName = PrimitiveTypeName<T>;
+    static_assert(TypeName != nullptr, "no node holds this type");
+
+    /// Made by Map::Schema and Dynamic::Add only.
+    Primitive(Place const& place, std::shared_ptr<schema::ValueDescription const> valueDescription);
+
+    /// The effective value.
+    T Get() const;
+
+    /// Sets the value and ends an override. Throws Error when the node's rule refuses it.
+    void Set(T value);
+
+    /// Overrides the value for this run. Throws Error when the node's rule refuses it.
+    void Override(T value);
+};
+
+extern template class Primitive<bool>;
+extern template class Primitive<std::string>;
+extern template class Primitive<std::uint16_t>;
+extern template class Primitive<std::uint32_t>;
+extern template class Primitive<std::int32_t>;
+extern template class Primitive<std::int64_t>;
+extern template class Primitive<double>;
+
+} // namespace zarn::configuration::node
