@@ -78,7 +78,8 @@ int MediaService::GetServiceCapabilities(_trt__GetServiceCapabilities*,
 
 int MediaService::GetVideoSources(_trt__GetVideoSources*, _trt__GetVideoSourcesResponse& response) {
     if (!IsAuthenticated(soap, authenticationEngine)) return 401;
-    for (auto const& entry : *GetChannels(*configuration)) {
+    auto const channels = GetChannels(*configuration);
+    for (auto const& entry : *channels) {
         auto const token = entry->GetPath();
         auto const info = channelInfo(GetChannelId(token));
         auto* source = Filled(soap_new_tt__VideoSource(soap), [&](tt__VideoSource& out) {

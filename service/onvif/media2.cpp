@@ -214,7 +214,8 @@ int Media2Service::GetVideoSourceConfigurationOptions(tr2__GetConfiguration* req
         }
         options.BoundsRange = MakeAnyBoundsRange(soap);
         auto const lock = configuration->GetLock();
-        for (auto const& entry : *GetChannels(*configuration))
+        auto const channels = GetChannels(*configuration);
+        for (auto const& entry : *channels)
             options.VideoSourceTokensAvailable.push_back(entry->As<configuration::node::Map>().GetPath());
     };
     response.Options = Filled(soap_new_tt__VideoSourceConfigurationOptions(soap), fill);

@@ -36,9 +36,10 @@ tt__MulticastConfiguration* MakeNoMulticast(soap* soap) {
 std::string GetChannelId(std::string const& token) { return token.substr(token.rfind('.') + 1); }
 
 std::shared_ptr<configuration::node::Dynamic const> GetChannels(configuration::node::Root const& root) {
-    auto channels = std::dynamic_pointer_cast<configuration::node::Dynamic const>(root.Find("channels"));
-    if (!channels) throw root.BadCastError("unknown");
-    return channels;
+    auto const node = root.Find("channels");
+    if (!node) throw root.BadCastError("unknown");
+    if (!node->Is<configuration::node::Dynamic>()) throw node->BadCastError("unknown");
+    return std::static_pointer_cast<configuration::node::Dynamic const>(node);
 }
 
 std::string ConvertCodec(std::string const& codec) {

@@ -63,7 +63,8 @@ template <class List, class Maker>
 void PopulatePerChannel(soap* soap, List& out, Maker maker, ChannelInfo const& channelInfo,
                         std::shared_ptr<configuration::node::Root> const& root, std::string const& token) {
     auto const lock = root->GetLock();
-    for (auto const& entry : *GetChannels(*root)) {
+    auto const channels = GetChannels(*root);
+    for (auto const& entry : *channels) {
         auto const path = entry->GetPath();
         if (!token.empty() && token != path) continue;
         auto const name = ReadName(entry->As<configuration::node::Map>());
