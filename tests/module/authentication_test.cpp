@@ -1,0 +1,126 @@
+#include "device_fixture.h"
+
+#include <zarn/authentication/realm.h>
+
+#include <gtest/gtest.h>
+
+namespace zarn::test {
+namespace {
+
+using authentication::Realm;
+
+class Authentication : public DeviceFixture {
+protected:
+    Reply AskForUsers(Sending const& sending) { return Ask("<tds:GetUsers/>", sending); }
+};
+
+TEST_F(Authentication, ServesEverybodyWhileTheHostRequiresNone) {
+    engine.SetEnabled(false);
+    EXPECT_EQ(AskForUsers({.authenticated = false}).status, 200);
+    EXPECT_EQ(AskForUsers({.password = "wrong"}).status, 200);
+}
+
+TEST_F(Authentication, ChallengesARequestWithoutCredentialsForTheMakersRealm) {
+    EXPECT_THAT(AskForUsers({.authenticated = false}), IsChallenge(Realm));
+}
+
+TEST_F(Authentication, UsesARealmOfSeventeenCharacters) { EXPECT_EQ(std::string(Realm).size(), 17U); }
+
+TEST_F(Authentication, ChallengesWithANewNonceEveryTime) {
+    EXPECT_NE(AskForUsers({.authenticated = false}).fields.at("WWW-Authenticate"),
+              AskForUsers({.authenticated = false}).fields.at("WWW-Authenticate"));
+}
+
+TEST_F(Authentication, ServesTheRightPassword) { EXPECT_EQ(AskForUsers({}).status, 200); }
+
+TEST_F(Authentication, RefusesAWrongPassword) { EXPECT_THAT(AskForUsers({.password = "wrong"}), IsChallenge(Realm)); }
+
+TEST_F(Authentication, VerifiesADigestMadeForAnotherUserAsIfItWereForTheAdministrator) {
+    EXPECT_THAT(AskForUsers({.user = "operator"}), IsChallenge(Realm));
+    auto authorization = MakeAuthorization({});
+    authorization.replace(authorization.find("\"admin\""), 7, "\"operator\"");
+    EXPECT_EQ(AskForUsers({.fields = {{"Authorization", authorization}}, .authenticated = false}).status, 200);
+}
+
+TEST_F(Authentication, AcceptsADigestOverTheWholePathWithItsQuery) {
+    EXPECT_EQ(AskForUsers({.path = "/onvif/events_service/Subscription?Idx=1"}).status, 200);
+}
+
+TEST_F(Authentication, AcceptsADigestOverThePathWithoutItsQuery) {
+    EXPECT_EQ(AskForUsers({.path = "/onvif/events_service/Subscription?Idx=1?x",
+                           .digestPath = "/onvif/events_service/Subscription"})
+                  .status,
+              200);
+}
+
+TEST_F(Authentication, RefusesADigestOverAnotherPath) {
+    EXPECT_THAT(AskForUsers({.digestPath = "/onvif/media_service"}), IsChallenge(Realm));
+}
+
+TEST_F(Authentication, TakesTheDigestForAPostWhateverItWasMadeFor) {
+    EXPECT_EQ(
+        AskForUsers({.fields = {{"Authorization", MakeAuthorization({}, "POST")}}, .authenticated = false}).status,
+        200);
+    EXPECT_THAT(AskForUsers({.fields = {{"Authorization", MakeAuthorization({}, "GET")}}, .authenticated = false}),
+                IsChallenge(Realm));
+}
+
+TEST_F(Authentication, LeavesTheRealmAsTheClientSentItWhenItsCredentialsAreWrong) {
+    auto const wrong = R"(Digest username="admin", realm="elsewhere", nonce="1", uri="/", response="00")";
+    EXPECT_THAT(AskForUsers({.fields = {{"Authorization", wrong}}, .authenticated = false}), IsChallenge("elsewhere"));
+}
+
+TEST_F(Authentication, ChallengesCredentialsThatAreNoDigest) {
+    EXPECT_THAT(AskForUsers({.fields = {{"Authorization", "Basic YWRtaW46c2VjcmV0"}}, .authenticated = false}),
+                IsChallenge(Realm));
+    EXPECT_THAT(AskForUsers({.fields = {{"Authorization", "Digest username=\"admin\""}}, .authenticated = false}),
+                IsChallenge(Realm));
+    EXPECT_THAT(AskForUsers({.fields = {{"Authorization", "Digest"}}, .authenticated = false}), IsChallenge(Realm));
+}
+
+TEST_F(Authentication, DoesNotLookAtUsernameTokens) {
+    auto const token =
+        R"(<wsse:Security s:mustUnderstand="1" xmlns:wsse="http://docs.oasis-open.org/wss/2004/01/oasis-200401-wss-wssecurity-secext-1.0.xsd">)"
+        R"(<wsse:UsernameToken><wsse:Username>admin</wsse:Username><wsse:Password>secret</wsse:Password></wsse:UsernameToken></wsse:Security>)";
+    EXPECT_THAT(AskForUsers({.header = token, .authenticated = false}), IsChallenge(Realm));
+}
+
+/// A gated operation of the device and media services answers 401 before it does anything else.
+class GatedOperation : public DeviceFixture, public testing::WithParamInterface<char const*> {};
+
+TEST_P(GatedOperation, AnswersWithAChallengeUnlessTheRequestHasCredentials) {
+    root = std::make_shared<configuration::node::Root>(); // whatever it would read is not there
+    EXPECT_THAT(AskAnonymously(GetParam()), IsChallenge(Realm));
+    EXPECT_THAT(Ask(GetParam(), {.password = "wrong"}), IsChallenge(Realm));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, GatedOperation,
+    testing::Values("<tds:GetDeviceInformation/>", "<tds:GetUsers/>", "<tds:SetUser/>", "<tds:GetNetworkInterfaces/>",
+                    "<trt:GetVideoSources/>",
+                    "<trt:GetStreamUri><trt:ProfileToken>channels.1</trt:ProfileToken></trt:GetStreamUri>",
+                    "<trt:GetSnapshotUri><trt:ProfileToken>channels.1</trt:ProfileToken></trt:GetSnapshotUri>",
+                    "<tr2:GetStreamUri><tr2:ProfileToken>channels.1</tr2:ProfileToken></tr2:GetStreamUri>",
+                    "<tr2:GetSnapshotUri><tr2:ProfileToken>channels.1</tr2:ProfileToken></tr2:GetSnapshotUri>",
+                    "<tan:GetSupportedAnalyticsModules/>", "<tan:GetAnalyticsModules/>",
+                    "<tan:GetSupportedMetadata/>"));
+
+/// Whatever is not gated is served to everybody, and takes wrong credentials for none.
+class OpenOperation : public DeviceFixture, public testing::WithParamInterface<char const*> {};
+
+TEST_P(OpenOperation, IsServedWithoutCredentials) {
+    EXPECT_EQ(AskAnonymously(GetParam()).status, 200);
+    EXPECT_EQ(Ask(GetParam(), {.password = "wrong"}).status, 200);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, OpenOperation,
+                         testing::Values("<tds:GetServices/>", "<tds:GetServiceCapabilities/>",
+                                         "<tds:GetCapabilities/>", "<tds:GetScopes/>", "<tds:GetSystemDateAndTime/>",
+                                         "<tds:GetHostname/>", "<tds:GetNetworkProtocols/>",
+                                         "<trt:GetServiceCapabilities/>", "<trt:GetProfiles/>",
+                                         "<trt:GetVideoSourceConfigurations/>", "<trt:GetVideoEncoderConfigurations/>",
+                                         "<tr2:GetServiceCapabilities/>", "<tr2:GetProfiles/>",
+                                         "<tev:GetServiceCapabilities/>", "<tan:GetServiceCapabilities/>"));
+
+} // namespace
+} // namespace zarn::test
