@@ -39,7 +39,7 @@ public:
 
 private:
     struct State;
-    std::shared_ptr<State> state;
+    std::unique_ptr<State> state;
 };
 
 } // namespace zarn::logging

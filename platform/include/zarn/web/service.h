@@ -22,7 +22,7 @@ public:
     /// says otherwise
     explicit Service(std::vector<Method> allowed = {Method::Post});
 
-    virtual ~Service() = default;
+    virtual ~Service();
     Service(Service const&) = delete;
     Service& operator=(Service const&) = delete;
 

@@ -1,0 +1,73 @@
+#include <zarn/authentication/digest.h>
+#include <zarn/authentication/engine.h>
+
+#include <openssl/crypto.h>
+
+#include <algorithm>
+#include <stdexcept>
+#include <utility>
+
+namespace {
+
+constexpr std::string_view Administrator = "admin";
+constexpr std::size_t Ha1Length = 32;
+
+std::string_view View(char const* text) { return text == nullptr ? std::string_view() : std::string_view(text); }
+
+char ToLower(char character) {
+    return 'A' <= character && character <= 'F' ? static_cast<char>(character - 'A' + 'a') : character;
+}
+
+bool IsLowerHex(char character) {
+    return ('0' <= character && character <= '9') || ('a' <= character && character <= 'f');
+}
+
+/// Takes the same time wherever the texts differ; their lengths are no secret.
+bool EqualsInConstantTime(std::string_view left, std::string_view right) {
+    return left.size() == right.size() && CRYPTO_memcmp(left.data(), right.data(), left.size()) == 0;
+}
+
+} // namespace
+
+ZarnAuthenticationEngine::ZarnAuthenticationEngine() : enabled(true) {}
+
+void ZarnAuthenticationEngine::SetEnabled(bool value) noexcept { enabled = value; }
+
+bool ZarnAuthenticationEngine::IsEnabled() const noexcept { return enabled; }
+
+void ZarnAuthenticationEngine::SetHa1(std::string value) {
+    std::ranges::transform(value, value.begin(), ToLower);
+    if (!value.empty() && (value.size() != Ha1Length || !std::ranges::all_of(value, IsLowerHex))) {
+        throw std::invalid_argument("HA1 of admin: not 32 hexadecimal characters");
+    }
+    std::lock_guard const lock(mutex);
+    ha1 = std::move(value);
+}
+
+std::string ZarnAuthenticationEngine::GetHa1(std::string_view user) const {
+    if (user != Administrator) return {};
+    std::lock_guard const lock(mutex);
+    return ha1;
+}
+
+bool ZarnAuthenticationIsEnabled(ZarnAuthenticationEngine const* engine) {
+    return engine == nullptr || engine->IsEnabled();
+}
+
+bool ZarnAuthenticationCheckDigest(ZarnAuthenticationEngine const* engine, char const* /*component*/,
+                                   char const* /*empty*/, char const* user, char const* response, char const* method,
+                                   char const* uri, char const* nonce, char const* nc, char const* cnonce,
+                                   char const* qop) {
+    if (engine == nullptr) return false;
+    auto const ha1 = engine->GetHa1(View(user));
+    if (ha1.empty()) return false;
+    if (!View(qop).empty() && View(qop) != "auth") return false;
+    auto const expected = zarn::authentication::MakeDigestResponse({.ha1 = ha1,
+                                                                    .method = View(method),
+                                                                    .uri = View(uri),
+                                                                    .nonce = View(nonce),
+                                                                    .nonceCount = View(nc),
+                                                                    .clientNonce = View(cnonce),
+                                                                    .qop = View(qop)});
+    return EqualsInConstantTime(expected, View(response));
+}

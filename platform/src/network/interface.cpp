@@ -1,0 +1,91 @@
+#include <zarn/network/interface.h>
+
+#include <ifaddrs.h>
+#include <linux/if_packet.h>
+#include <net/if.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <iterator>
+#include <map>
+#include <memory>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+namespace zarn::network {
+
+namespace {
+
+using boost::asio::ip::address_v4;
+
+/// Lower-case hex pairs joined with ":".
+std::string FormatHardwareAddress(std::span<unsigned char const> bytes) {
+    constexpr std::string_view Digits = "0123456789abcdef";
+    std::string text;
+    for (auto const byte : bytes) {
+        if (!text.empty()) text += ':';
+        text += {Digits[byte >> 4U], Digits[byte & 0xfU]};
+    }
+    return text;
+}
+
+/// The socket address as the structure of its family.
+template <class T>
+T Read(sockaddr const* address) {
+    T value{};
+    std::memcpy(&value, address, sizeof(value));
+    return value;
+}
+
+Interface MakeInterface(ifaddrs const& entry) {
+    auto const link = Read<sockaddr_ll>(entry.ifa_addr);
+    auto const length = std::min<std::size_t>(link.sll_halen, std::size(link.sll_addr));
+    Interface interface;
+    interface.index = static_cast<unsigned>(link.sll_ifindex);
+    interface.name = entry.ifa_name;
+    interface.hardwareAddress = FormatHardwareAddress(std::span(link.sll_addr).first(length));
+    interface.up = (entry.ifa_flags & IFF_UP) != 0;
+    interface.loopback = (entry.ifa_flags & IFF_LOOPBACK) != 0;
+    return interface;
+}
+
+/// The name of the interface that an address belongs to: the label of an address may add ":" and more.
+std::string_view WithoutLabel(std::string_view name) { return name.substr(0, name.find(':')); }
+
+} // namespace
+
+std::vector<Interface> ReadInterfaces() {
+    ifaddrs* raw = nullptr;
+    if (getifaddrs(&raw) != 0) {
+        throw std::system_error(errno, std::generic_category(), "Failed to read the network interfaces");
+    }
+    std::unique_ptr<ifaddrs, decltype(&freeifaddrs)> const list(raw, &freeifaddrs);
+    std::vector<Interface> interfaces;
+    std::map<std::string, address_v4, std::less<>> addresses;
+    for (auto const* entry = list.get(); entry != nullptr; entry = entry->ifa_next) {
+        if (entry->ifa_addr == nullptr) continue;
+        if (entry->ifa_addr->sa_family == AF_PACKET) interfaces.push_back(MakeInterface(*entry));
+        if (entry->ifa_addr->sa_family != AF_INET) continue;
+        auto const address = Read<sockaddr_in>(entry->ifa_addr);
+        addresses.emplace(WithoutLabel(entry->ifa_name), address_v4(ntohl(address.sin_addr.s_addr)));
+    }
+    for (auto& interface : interfaces) {
+        auto const found = addresses.find(interface.name);
+        if (found != addresses.end()) interface.address = found->second;
+    }
+    std::ranges::sort(interfaces, {}, &Interface::index);
+    return interfaces;
+}
+
+address_v4 ChooseLocalAddress(std::optional<address_v4> const& routed, std::span<Interface const> interfaces) {
+    if (routed && !routed->is_loopback() && !routed->is_unspecified()) return *routed;
+    auto const found = std::ranges::find_if(
+        interfaces, [](Interface const& each) { return each.up && !each.loopback && !each.address.is_unspecified(); });
+    return found == interfaces.end() ? address_v4::loopback() : found->address;
+}
+
+} // namespace zarn::network

@@ -1,0 +1,83 @@
+#include <zarn/network/address.h>
+#include <zarn/network/interface.h>
+#include <zarn/network/local.h>
+
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <optional>
+#include <system_error>
+
+namespace zarn::network {
+
+namespace {
+
+using boost::asio::ip::address_v4;
+
+/// A socket that is closed with its scope.
+class Socket {
+public:
+    Socket() noexcept : descriptor(socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0)) {}
+
+    ~Socket() {
+        if (descriptor >= 0) close(descriptor);
+    }
+
+    Socket(Socket const&) = delete;
+    Socket& operator=(Socket const&) = delete;
+
+    int Get() const noexcept { return descriptor; }
+
+private:
+    int descriptor;
+};
+
+/// The address that the kernel would send from to the world at large; empty when it has no route. Connecting a UDP
+/// socket makes it choose and sends nothing.
+std::optional<address_v4> ProbeRoute() noexcept {
+    // TEST-NET-2 (RFC 5737): nobody's network, so that only the default route leads there.
+    auto const target = address::v4::Make(198, 51, 100, 1);
+    constexpr in_port_t DiscardPort = 9;
+    Socket const socket;
+    sockaddr_in endpoint{};
+    endpoint.sin_family = AF_INET;
+    endpoint.sin_port = htons(DiscardPort);
+    endpoint.sin_addr.s_addr = htonl(target.to_uint());
+    socklen_t length = sizeof(endpoint);
+    auto* const generic = reinterpret_cast<sockaddr*>(&endpoint);
+    if (socket.Get() < 0 || connect(socket.Get(), generic, length) != 0) return std::nullopt;
+    if (getsockname(socket.Get(), generic, &length) != 0) return std::nullopt;
+    return address_v4(ntohl(endpoint.sin_addr.s_addr));
+}
+
+/// Nothing when the kernel does not answer: the caller has a last resort.
+std::vector<Interface> ReadInterfacesIfPossible() {
+    try {
+        return ReadInterfaces();
+    } catch (std::system_error const&) {
+        return {};
+    }
+}
+
+} // namespace
+
+address_v4 GetLocalIPAddress() {
+    auto const routed = ProbeRoute();
+    // The list is the dear part and not needed when the route decides.
+    if (routed && ChooseLocalAddress(routed, {}) == *routed) return *routed;
+    return ChooseLocalAddress(std::nullopt, ReadInterfacesIfPossible());
+}
+
+std::string GetHostname() {
+    std::array<char, HOST_NAME_MAX + 1> name{};
+    if (gethostname(name.data(), name.size()) != 0) {
+        throw std::system_error(errno, std::generic_category(), "Failed to read the host name");
+    }
+    return name.data();
+}
+
+} // namespace zarn::network
