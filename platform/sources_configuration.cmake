@@ -1,5 +1,29 @@
 # zarn::type, zarn::object, zarn::configuration
 target_sources(zarn_platform PRIVATE
+  src/configuration/change.cpp
+  src/configuration/error.cpp
+  src/configuration/event.cpp
+  src/configuration/lock.cpp
+  src/configuration/node.cpp
+  src/configuration/node/binding/subscription.cpp
+  src/configuration/node/children.cpp
+  src/configuration/node/dynamic.cpp
+  src/configuration/node/key.cpp
+  src/configuration/node/map.cpp
+  src/configuration/node/primitive.cpp
+  src/configuration/node/root.cpp
+  src/configuration/node/undescribed.cpp
+  src/configuration/node/value.cpp
+  src/configuration/notification.cpp
+  src/configuration/schema.cpp
+  src/configuration/schema/collection_description.cpp
+  src/configuration/schema/conversion.cpp
+  src/configuration/schema/description.cpp
+  src/configuration/schema/quote.cpp
+  src/configuration/schema/value_description.cpp
+  src/configuration/text.cpp
+  src/configuration/text/duplicate_finder.cpp
+  src/configuration/text/writer.cpp
   src/object/bad_cast.cpp
   src/object/object.cpp
   src/type/binding.cpp)

@@ -70,7 +70,7 @@ public:
     /// The callback runs on the thread that made the change, after the change, holding no lock of the tree but one that
     /// this thread had taken by itself. A binding's events are delivered one at a time and in the order of the changes:
     /// while one thread is in the callback, events of other threads are left to it, and so are those of changes that
-    /// the callback makes itself. Waiting events of the same node become one.
+    /// the callback makes itself. Waiting event::Changed of the same node become one.
     ///
     /// What the callback throws comes out of the call that made the change (or out of Bind), after the change is
     /// complete and every other callback has been called; of several, the first.
@@ -104,17 +104,19 @@ private:
     friend class node::Map;
 
     /// Checks what would be read into this node and plans the change; throws Error, changing nothing.
-    /// Called with the lock of the tree; the others too.
+    /// Called with the lock of the tree, like the others below.
     virtual void Prepare(boost::json::value const& json, Change& change) = 0;
 
     /// Plans the change for a node that is not in what is read. Returns false when it shall go.
     virtual bool PrepareAbsent(Change& change) = 0;
 
+    /// Whether this node is part of what its map gives for a layer.
     virtual bool IsWritten(Layer layer) const = 0;
+
     virtual boost::json::value Write(Layer layer) const = 0;
     virtual boost::json::value WriteSchema() const = 0;
 
-    void Unbind(std::shared_ptr<node::binding::Subscription> const& subscription);
+    void Unbind(node::binding::Subscription& subscription) noexcept;
 
     std::shared_ptr<std::recursive_mutex> const treeMutex;
     std::string const key;

@@ -39,10 +39,11 @@ public:
     void Reorder(std::vector<std::string> const& keys);
 
 private:
-    std::shared_ptr<Node> PrepareUnknown(std::string_view childKey, boost::json::value const& json,
-                                         Change& change) override;
+    std::shared_ptr<Node> MakeUnknown(std::string_view childKey, boost::json::value const& json,
+                                      Change const& change) const override;
     bool PrepareMissing(Node& child, Change& change) override;
-    bool IsWrittenEmpty() const override;
+    void Rearrange(List after, Notification& notification) override;
+    bool IsWrittenEmpty() const noexcept override;
     boost::json::value WriteSchema() const override;
     bool AcceptsSchema() const noexcept override;
 

@@ -17,6 +17,10 @@ namespace zarn::configuration {
 
 class Schema;
 
+namespace schema {
+class Description;
+}
+
 namespace node {
 
 class Children;
@@ -66,31 +70,38 @@ public:
     bool IsStated() const override;
 
 protected:
-    /// Plans how a key that has no node is read. Returns the node to be made for it, which is not in the tree yet.
-    virtual std::shared_ptr<Node> PrepareUnknown(std::string_view childKey, boost::json::value const& json,
-                                                 Change& change);
+    using List = std::vector<std::shared_ptr<Node>>;
+
+    /// The node to be made for a key that is read and has none; it is complete, but not in the tree yet.
+    virtual std::shared_ptr<Node> MakeUnknown(std::string_view childKey, boost::json::value const& json,
+                                              Change const& change) const;
 
     /// Plans the change for a child that is not in what is read. Returns false when it shall go.
     virtual bool PrepareMissing(Node& child, Change& change);
 
-    /// Whether a described map without content is written. Called with the lock of the tree.
-    virtual bool IsWrittenEmpty() const;
+    /// Puts other children in the place of those that there are.
+    virtual void Rearrange(List after, Notification& notification);
+
+    /// Whether the map is written even when nothing in it is.
+    virtual bool IsWrittenEmpty() const noexcept;
 
     boost::json::value WriteSchema() const override;
 
-    /// The place of a new child. Its parent is set when it is put into the tree.
+    /// The place of a new child.
     Place MakePlace(std::string_view childKey) const;
 
-    /// Passes on to a child, for derived classes.
-    static void PrepareChild(Node& child, boost::json::value const& json, Change& change);
-    static boost::json::value WriteSchemaOf(Node const& child);
+    /// Reads into a node that is not in the tree yet.
+    static void ReadNew(Node& node, boost::json::value const& json, Unknown unknown);
 
-    /// Puts a child into the tree, or takes it out. Called with the lock of the tree.
-    void Attach(std::shared_ptr<Node> const& child);
+    /// The description of another node, for derived classes.
+    static boost::json::value WriteSchemaOf(Node const& node);
+
+    /// Makes this the parent of a node, or ends that. Called with the lock of the tree.
+    void Attach(Node& child);
     static void Detach(Node& child);
 
-    /// Marks the map as having been given by somebody.
-    void MarkRead(bool read) noexcept;
+    /// Makes a map one that was read, which is written even when it is empty.
+    static void MarkRead(Map& map) noexcept;
 
     std::unique_ptr<Children> const children;
 
@@ -100,9 +111,15 @@ private:
     bool IsWritten(Layer layer) const override;
     boost::json::value Write(Layer layer) const override;
 
+    /// Whether schemas may make children here.
     virtual bool AcceptsSchema() const noexcept;
+
+    void Plan(boost::json::object const& object, bool read, Change& change);
     void Register(configuration::Schema const& schema);
+    void Describe(std::string_view childKey, schema::Description const& description);
     std::shared_ptr<Map> RequireMap(std::string_view childKey);
+    void RequireSchemaAccepted() const;
+    void Adopt(std::shared_ptr<Node> const& node, Node const* undescribed);
 
     std::atomic<bool> wasRead = false;
 };

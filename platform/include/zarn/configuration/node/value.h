@@ -85,8 +85,10 @@ private:
     boost::json::value WriteSchema() const override;
 
     State GetState() const;
-    void Read(State const& state, Notification& notification);
-    void Replace(State const& state, bool notifyAlways, Notification& notification);
+    void Replace(State const& state, Notification& notification);
+    void Announce(Notification& notification);
+    bool IsEqual(std::shared_ptr<object::Object const> const& left,
+                 std::shared_ptr<object::Object const> const& right) const;
     void RequireWritable() const;
 
     std::shared_ptr<schema::ValueDescription const> const description;

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <zarn/configuration/node.h>
+
+#include <cstddef>
+#include <memory>
+#include <mutex>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace zarn::configuration::node {
+
+/// The children of a map, in their order and by key.
+/// Thread: any. The mutex is held for one look-up or one change only, and nothing is destroyed or called under it.
+class Children {
+public:
+    using List = std::vector<std::shared_ptr<Node>>;
+
+    /// The child with a key, or null.
+    std::shared_ptr<Node> Find(std::string_view key) const;
+
+    /// The children in their order; the list never changes.
+    std::shared_ptr<List const> GetSnapshot() const;
+
+    std::size_t GetSize() const;
+
+    /// Puts a child in the place of the one with its key, or behind the others when there is none.
+    void Put(std::shared_ptr<Node> child);
+
+    /// Takes a child out. Returns null when there is none with this key.
+    std::shared_ptr<Node> Remove(std::string_view key);
+
+    /// Replaces all children.
+    void Assign(List replacement);
+
+private:
+    mutable std::mutex mutex;
+    List list;
+    /// By the keys that the children hold.
+    std::unordered_map<std::string_view, std::shared_ptr<Node>> index;
+    /// Made when somebody asks, dropped when the list changes.
+    mutable std::shared_ptr<List const> snapshot;
+};
+
+} // namespace zarn::configuration::node

@@ -1,0 +1,50 @@
+#include "configuration/schema/quote.h"
+
+#include "configuration/text/writer.h"
+
+#include <boost/json/parse.hpp>
+#include <boost/json/serialize.hpp>
+#include <boost/json/value.hpp>
+
+namespace zarn::configuration::schema {
+
+namespace {
+
+constexpr std::size_t MaximumLength = 80;
+
+std::string Shorten(std::string text) {
+    if (text.size() <= MaximumLength) return text;
+    std::size_t length = MaximumLength;
+    // Not in the middle of a UTF-8 sequence.
+    while (length > 0 && (static_cast<unsigned char>(text[length]) & 0xc0) == 0x80) --length;
+    text.resize(length);
+    return text += "...";
+}
+
+bool IsNumber(std::string_view text) noexcept {
+    return !text.empty() && text.find_first_not_of("+-.0123456789eE") == std::string_view::npos;
+}
+
+} // namespace
+
+std::string Quote(boost::json::value const& json) {
+    // Boost writes 1.5 as 1.5E0.
+    if (auto const* number = json.if_double()) return text::WriteDouble(*number);
+    return Shorten(boost::json::serialize(json));
+}
+
+std::string Quote(std::string_view text) {
+    if (IsNumber(text)) return Shorten(std::string(text));
+    if (!IsUtf8(text)) return "a text that is not UTF-8";
+    return Shorten(boost::json::serialize(boost::json::value(boost::json::string_view(text.data(), text.size()))));
+}
+
+bool IsUtf8(std::string_view text) {
+    // Boost's serializer copies the bytes, its parser checks them.
+    boost::json::error_code error;
+    boost::json::parse(boost::json::serialize(boost::json::value(boost::json::string_view(text.data(), text.size()))),
+                       error);
+    return !error;
+}
+
+} // namespace zarn::configuration::schema
