@@ -1,0 +1,36 @@
+// The five ONVIF services of this device in gSOAP's interface language, one file per namespace. soapcpp2 makes the
+// binding classes out of them; sources include the generated soap<Class>.h of the services that they use, or soapH.h.
+//
+// The names, the order and the optionality of types, members and operations are those that wsdl2h gives for the published
+// WSDLs (options: DOM for xs:any, prefix tr2), so that sources compile against either. What differs, and why:
+// - There is no common base xsd__anyType and no soap member: nothing needs the run-time types, and without them the code
+//   is a fraction.
+// - Only what is reached from the operations exists. A type that belongs to something that this device does not have
+//   (PTZ, imaging, audio, ...), and every extension, has no members: gSOAP skips the content that it does not know. So
+//   does the message of an operation that is not served; all these are one type.
+// - gSOAP writes a required pointer that is null as an empty element. Members that this device leaves out although the
+//   schema requires them are therefore optional; each says so.
+// - tt__Message is the type of the element tt:Message, which wsdl2h calls _tt__Message.
+
+#import "builtin.h"
+#import "addressing.h"
+#import "schema.h"
+#import "device.h"
+#import "media.h"
+#import "media2.h"
+#import "events.h"
+#import "analytics.h"
+
+// Namespaces that occur only in values and in DOM content get into the namespace table by a type of their own.
+
+//gsoap ter schema namespace: http://www.onvif.org/ver10/error
+//gsoap ter schema form:      unqualified
+
+/// A subcode of a fault.
+typedef std::string ter__Subcode;
+
+//gsoap tns1 schema namespace: http://www.onvif.org/ver10/topics
+//gsoap tns1 schema form:      unqualified
+
+/// A topic expression.
+typedef std::string tns1__Topic;
