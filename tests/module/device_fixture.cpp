@@ -83,6 +83,10 @@ std::string MakeAuthorization(Sending const& sending, std::string const& method)
 
 DeviceFixture::DeviceFixture()
     : videos{{"1", {{1920, 1080}, "video/x-h264", 25, 1}}, {"2", {{1280, 720}, "video/x-h265", 30000, 1001}}},
+      channelInfo([this](std::string const& id) {
+          auto const video = videos.find(id);
+          return video == videos.end() ? meta::data::VideoInfo() : video->second;
+      }),
       identity(utilities::name::Config::Product{.manufacturer = "Zarnsuite",
                                                 .model = "Analytics Server",
                                                 .firmware = "1.2.3",
@@ -104,10 +108,6 @@ void DeviceFixture::Configure(std::string const& json) {
 
 service::onvif::Manager& DeviceFixture::Manager() {
     if (!manager) {
-        auto const channelInfo = [this](std::string const& id) {
-            auto const video = videos.find(id);
-            return video == videos.end() ? meta::data::VideoInfo() : video->second;
-        };
         manager = std::make_unique<service::onvif::Manager>(&engine, root, channelInfo, identity);
         manager->UpdateServerPort(8080);
     }

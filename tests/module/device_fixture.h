@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -50,7 +51,14 @@ protected:
 
     ZarnAuthenticationEngine engine;
     std::shared_ptr<configuration::node::Root> root;
+
+    /// The video descriptions of the channels, by id.
     std::map<std::string, meta::data::VideoInfo> videos;
+
+    /// What the device asks for a channel's description: it looks the id up in `videos`, an unknown one has none.
+    /// Called on the device's threads.
+    std::function<meta::data::VideoInfo(std::string const&)> channelInfo;
+
     utilities::name::Config identity;
 
 private:
