@@ -1,0 +1,182 @@
+#include "host/application.h"
+
+#include "host/settings.h"
+#include "host/status.h"
+#include "host/web/health_route.h"
+#include "host/web/listener.h"
+#include "host/web/snapshot_route.h"
+#include "host/web/tls.h"
+
+#include <zarn/configuration/layer.h>
+#include <zarn/configuration/node/primitive.h>
+#include <zarn/network/local.h>
+
+#include <boost/asio/post.hpp>
+
+#include <algorithm>
+#include <array>
+#include <csignal>
+#include <exception>
+#include <thread>
+#include <utility>
+
+namespace zarn::host {
+namespace {
+
+using logging::Level;
+
+/// Settings that are read once, at start.
+constexpr std::array FixedPaths{"identity", WebPortPath, RtspPortPath};
+
+/// Threads of the web server: they never wait, so that more than a few would only get into each other's way.
+unsigned CountWebThreads() { return std::clamp(std::thread::hardware_concurrency(), 2U, 4U); }
+
+boost::json::value ReadPersisted(configuration::node::Root const& root, char const* path) {
+    return root.Find(path)->ToJson(configuration::Layer::Persisted);
+}
+
+} // namespace
+
+Application::Application(Preparation prepared)
+    : preparation(std::move(prepared)), control(1), signals(control, SIGTERM, SIGINT, SIGHUP) {
+    auto& root = *preparation.configuration;
+    for (auto const* path : FixedPaths) fixed.push_back(ReadPersisted(root, path));
+
+    bool const authenticate = ReadBool(root, AuthenticationPath);
+    authentication.SetHa1(preparation.credentials.ha1);
+    authentication.SetEnabled(authenticate);
+
+    web::Listener listener(webContext, ReadPort(root, WebPortPath));
+    BindPort(WebPortPath, listener.GetPort());
+    engine = std::make_unique<video::Engine>(
+        video::RtspSettings{ReadPort(root, RtspPortPath), authenticate, preparation.credentials.ha1});
+    BindPort(RtspPortPath, engine->GetPort());
+    engine->SetChannels(ReadChannels(root));
+
+    manager = std::make_unique<service::onvif::Manager>(
+        &authentication, preparation.configuration, [this](std::string const& id) { return engine->Describe(id); },
+        ReadIdentity(root));
+    manager->UpdateServerPort(listener.GetPort());
+    manager->UpdateSSLState(preparation.tls != nullptr);
+    onvif = std::make_shared<web::OnvifRoute>(*manager);
+
+    server = std::make_unique<web::Server>(
+        webContext, std::move(listener), web::Router(MakeRoutes()),
+        web::Server::Options{
+            .limits = ReadLimits(root), .tls = preparation.tls, .threads = CountWebThreads(), .admission = admission});
+    changes = root.Bind([this](auto const&) { ScheduleApply(); });
+    AwaitSignal();
+}
+
+Application::~Application() { Stop(); }
+
+std::string Application::GetAddress() const {
+    return std::string(preparation.tls ? "https://" : "http://") + network::GetLocalIPAddress().to_string() + ':' +
+           std::to_string(ReadPort(*preparation.configuration, WebPortPath)) + "/onvif/device_service";
+}
+
+void Application::Run() { control.run(); }
+
+void Application::Stop() {
+    if (!server) return;
+    changes.Reset();
+    server->StopAccepting();
+    onvif->Stop();
+    manager.reset();
+    server->Stop();
+    engine->Stop();
+    server.reset();
+}
+
+/// Services and clients are told the port that is really bound; the file keeps what it says.
+void Application::BindPort(char const* path, std::uint16_t bound) {
+    preparation.configuration->Find(path)->As<configuration::node::Primitive<std::uint16_t>>().Override(bound);
+}
+
+std::vector<web::Route> Application::MakeRoutes() {
+    auto const snapshot = [this](std::string_view id, std::function<void(video::Snapshot)> done) {
+        engine->RequestSnapshot(id, std::move(done));
+    };
+    auto const describe = [this] {
+        auto const uptime =
+            std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - started);
+        return MakeStatus(*preparation.configuration, *engine, *admission, preparation.tls != nullptr, uptime);
+    };
+    return {
+        {"/onvif/", onvif},
+        {"/snapshot/*/latest.jpeg", std::make_shared<web::SnapshotRoute>(authentication, snapshot)},
+        {"/api/health", std::make_shared<web::HealthRoute>(describe)},
+    };
+}
+
+void Application::AwaitSignal() {
+    signals.async_wait([this](boost::system::error_code error, int signal) {
+        if (error) return;
+        if (signal != SIGHUP) {
+            logger.Log(Level::Info, "Stopping: signal %0%", signal);
+            // A second one ends the process the system's way, should stopping take too long for somebody.
+            signals.clear();
+            control.stop();
+            return;
+        }
+        Reload();
+        AwaitSignal();
+    });
+}
+
+void Application::Reload() {
+    try {
+        preparation.file->Load();
+        logger.Log(Level::Info, "Read %0% again", preparation.file->GetPath());
+    } catch (std::exception const& error) {
+        logger.Log(Level::Error, "The configuration stays as it was: %0%", error.what());
+        return;
+    }
+    ReloadTls();
+}
+
+void Application::ReloadTls() {
+    try {
+        auto const files = ReadTlsFiles(*preparation.configuration);
+        if (files.IsEmpty() != (preparation.tls == nullptr)) {
+            logger.Log(Level::Warning, "settings.tls: whether TLS is spoken changes at the next start");
+        } else if (!files.IsEmpty()) {
+            server->SetTls(web::MakeTlsContext(files.certificate, files.privateKey));
+        }
+    } catch (std::exception const& error) {
+        logger.Log(Level::Error, "The certificate stays as it was: %0%", error.what());
+    }
+}
+
+void Application::ScheduleApply() {
+    if (!applyScheduled.exchange(true)) boost::asio::post(control, [this] { Apply(); });
+}
+
+void Application::Apply() {
+    applyScheduled = false;
+    auto const& root = *preparation.configuration;
+    try {
+        bool const authenticate = ReadBool(root, AuthenticationPath);
+        if (authenticate != authentication.IsEnabled()) {
+            authentication.SetEnabled(authenticate);
+            engine->SetAuthentication(authenticate, preparation.credentials.ha1);
+        }
+        server->SetLimits(ReadLimits(root));
+        engine->SetChannels(ReadChannels(root));
+        ReportLater();
+        preparation.file->SaveChanges();
+    } catch (std::exception const& error) {
+        logger.Log(Level::Error, "A change of the configuration could not be applied or saved: %0%", error.what());
+    }
+}
+
+void Application::ReportLater() {
+    for (std::size_t i = 0; i < fixed.size(); ++i) {
+        auto present = ReadPersisted(*preparation.configuration, FixedPaths.at(i));
+        if (present == fixed[i]) continue;
+        logger.Log(Level::Warning, "%0% changes at the next start", FixedPaths.at(i));
+        fixed[i] = std::move(present);
+    }
+}
+
+} // namespace zarn::host

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "host/preparation.h"
+#include "host/video/engine.h"
+#include "host/web/admission.h"
+#include "host/web/onvif_route.h"
+#include "host/web/server.h"
+
+#include <service/onvif/manager.h>
+#include <zarn/authentication/engine.h>
+#include <zarn/logging/logger.h>
+#include <zarn/type/binding.h>
+
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/signal_set.hpp>
+#include <boost/json/value.hpp>
+
+#include <atomic>
+#include <chrono>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace zarn::host {
+
+/// The running host: constructed it listens and serves, destroyed it has stopped. The members stand in the order in
+/// which they are made; Stop() takes them apart in reverse. Thread: one, except where a function says so.
+class Application {
+public:
+    /// Throws std::exception with one line when a port cannot be bound.
+    explicit Application(Preparation preparation);
+
+    /// Stop().
+    ~Application();
+
+    Application(Application const&) = delete;
+    Application& operator=(Application const&) = delete;
+
+    /// The address under which clients find the device service.
+    std::string GetAddress() const;
+
+    /// Works until SIGTERM or SIGINT comes: re-reads the configuration at SIGHUP, applies and saves its changes.
+    void Run();
+
+    /// Ends everything: no new connections, no new requests; the module answers those that wait; the answers are
+    /// delivered; then the streams end. Stopping twice is harmless.
+    void Stop();
+
+private:
+    void BindPort(char const* path, std::uint16_t bound);
+    std::vector<web::Route> MakeRoutes();
+    void AwaitSignal();
+    void Reload();
+    void ReloadTls();
+    void ScheduleApply();
+    void Apply();
+    void ReportLater();
+
+    logging::Logger logger{"zarn.host"};
+    std::chrono::steady_clock::time_point const started = std::chrono::steady_clock::now();
+    Preparation preparation;
+    boost::asio::io_context control; ///< run by Run()
+    boost::asio::signal_set signals;
+    ZarnAuthenticationEngine authentication;
+    boost::asio::io_context webContext; ///< run by the server's threads; outlives whoever may still complete a response
+    std::unique_ptr<video::Engine> engine;
+    std::unique_ptr<service::onvif::Manager> manager;
+    std::shared_ptr<web::OnvifRoute> onvif;
+    std::shared_ptr<web::Admission> admission = std::make_shared<web::Admission>();
+    std::unique_ptr<web::Server> server;
+    std::vector<boost::json::value> fixed; ///< what the file says of the settings that are used at start only
+    std::atomic<bool> applyScheduled = false;
+    type::Binding changes;
+};
+
+} // namespace zarn::host

@@ -1,0 +1,27 @@
+#include "host/frame_rate.h"
+
+#include <charconv>
+#include <system_error>
+
+namespace zarn::host {
+namespace {
+
+std::optional<std::int32_t> ParseNumber(std::string_view text) {
+    std::int32_t number = 0;
+    char const* const end = text.data() + text.size();
+    auto const result = std::from_chars(text.data(), end, number);
+    if (result.ec != std::errc() || result.ptr != end || number < 0) return std::nullopt;
+    return number;
+}
+
+} // namespace
+
+std::optional<std::pair<std::int32_t, std::int32_t>> ParseFrameRate(std::string_view text) {
+    auto const slash = text.find('/');
+    auto const numerator = ParseNumber(text.substr(0, slash));
+    auto const denominator = slash == std::string_view::npos ? 1 : ParseNumber(text.substr(slash + 1));
+    if (!numerator || !denominator) return std::nullopt;
+    return std::pair(*numerator, *denominator);
+}
+
+} // namespace zarn::host

@@ -1,0 +1,87 @@
+#include "host/application.h"
+#include "host/command_line.h"
+#include "host/preparation.h"
+
+#include <zarn/logging/logger.h>
+
+#include <sys/resource.h>
+
+#include <csignal>
+#include <cstdio>
+#include <exception>
+#include <string>
+#include <utility>
+#include <variant>
+
+namespace {
+
+using namespace zarn::host;
+
+/// Status of a process that was told something that it cannot do.
+constexpr int BadOptionOrFile = 2;
+
+/// Status of a process that could not do what it was told.
+constexpr int CannotRun = 1;
+
+int Fail(int status, std::string const& text) {
+    std::fprintf(stderr, "zarn-host: %s\n", text.c_str());
+    return status;
+}
+
+void Print(std::string const& text) {
+    std::fputs(text.c_str(), stdout);
+    std::fflush(stdout);
+}
+
+/// Each connection is an open file; the usual limit is there for programs that use select().
+void RaiseFileLimit() {
+    rlimit limit{};
+    if (getrlimit(RLIMIT_NOFILE, &limit) != 0) return;
+    limit.rlim_cur = limit.rlim_max;
+    setrlimit(RLIMIT_NOFILE, &limit);
+}
+
+int Serve(Preparation preparation) {
+    if (auto const& password = preparation.credentials.generated) {
+        Print("password of user admin, shown only now: " + *password + '\n');
+    }
+    Application application(std::move(preparation));
+    Print("ready " + application.GetAddress() + '\n');
+    application.Run();
+    application.Stop();
+    return 0;
+}
+
+int Start(CommandLine const& commandLine) {
+    zarn::logging::SetLevel(commandLine.logLevel);
+    Preparation preparation;
+    try {
+        preparation = Prepare(commandLine);
+    } catch (std::exception const& error) {
+        return Fail(BadOptionOrFile, error.what());
+    }
+    if (commandLine.check) {
+        Print(preparation.file->GetPath() + ": ok\n");
+        return 0;
+    }
+    try {
+        return Serve(std::move(preparation));
+    } catch (std::exception const& error) {
+        return Fail(CannotRun, error.what());
+    }
+}
+
+} // namespace
+
+int main(int count, char** arguments) {
+    std::signal(SIGPIPE, SIG_IGN);
+    RaiseFileLimit();
+    auto const commandLine = ParseCommandLine(count, arguments);
+    HidePassword(count, arguments);
+    if (auto const* misuse = std::get_if<Misuse>(&commandLine)) return Fail(BadOptionOrFile, misuse->text);
+    if (auto const* information = std::get_if<Information>(&commandLine)) {
+        Print(information->text);
+        return 0;
+    }
+    return Start(std::get<CommandLine>(commandLine));
+}

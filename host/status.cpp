@@ -1,0 +1,53 @@
+#include "host/status.h"
+
+#include "host/settings.h"
+
+#include <boost/json/array.hpp>
+#include <boost/json/object.hpp>
+
+#include <algorithm>
+#include <string>
+
+namespace zarn::host {
+namespace {
+
+namespace json = boost::json;
+
+json::object MakeChannel(video::ChannelStatus const& channel) {
+    auto const& info = channel.info;
+    return {
+        {"id", channel.id},
+        {"state", json::string(video::ToString(channel.state))},
+        {"detail", channel.detail},
+        {"codec", info.GetCodec()},
+        {"width", info.GetResolution().first},
+        {"height", info.GetResolution().second},
+        {"rate", std::to_string(info.GetFrameRateNumerator()) + '/' + std::to_string(info.GetFrameRateDenominator())},
+        {"frame_age_ms", channel.frameAge ? json::value(channel.frameAge->count()) : json::value(nullptr)},
+        {"restarts", channel.restarts}};
+}
+
+} // namespace
+
+json::value MakeStatus(configuration::node::Root const& configuration, video::Engine const& engine,
+                       web::Admission const& admission, bool tls, std::chrono::seconds uptime) {
+    auto const channels = engine.GetStatus();
+    json::array list;
+    for (auto const& channel : channels) list.push_back(MakeChannel(channel));
+    bool const failed = std::any_of(channels.begin(), channels.end(),
+                                    [](auto const& channel) { return channel.state == video::ChannelState::Failed; });
+    return json::object{{"status", failed ? "degraded" : "ok"},
+                        {"version", ZARN_VERSION},
+                        {"uptime_seconds", uptime.count()},
+                        {"module", {{"onvif", "serving"}, {"discovery", ReadBool(configuration, OnvifPath)}}},
+                        {"listeners",
+                         {{"web",
+                           {{"port", ReadPort(configuration, WebPortPath)},
+                            {"tls", tls},
+                            {"connections", admission.GetConnections()},
+                            {"exchanges", admission.GetExchanges()}}},
+                          {"rtsp", {{"port", engine.GetPort()}}}}},
+                        {"channels", std::move(list)}};
+}
+
+} // namespace zarn::host

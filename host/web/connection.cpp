@@ -1,0 +1,265 @@
+#include "host/web/connection.h"
+
+#include "host/web/incoming_request.h"
+#include "host/web/request_check.h"
+#include "host/web/request_target.h"
+#include "host/web/response_head.h"
+
+#include <boost/algorithm/string/predicate.hpp>
+#include <boost/asio/dispatch.hpp>
+#include <boost/asio/post.hpp>
+#include <boost/asio/ssl/stream.hpp>
+#include <boost/asio/write.hpp>
+#include <boost/beast/core/flat_buffer.hpp>
+#include <boost/beast/http/read.hpp>
+
+#include <atomic>
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace zarn::host::web {
+namespace {
+
+namespace asio = boost::asio;
+namespace beast = boost::beast;
+namespace http = beast::http;
+using Clock = Connection::Clock;
+using TlsStream = asio::ssl::stream<Socket>;
+
+/// How much is read at once at the beginning of a request; what most requests fit into.
+constexpr std::size_t FirstRead = 4096;
+
+/// How long, and how much, a client whose connection ends may go on sending. Closing while it still sends would make
+/// its system throw away the answer before it is read.
+constexpr std::chrono::seconds LingerTime{2};
+constexpr std::size_t LingerBytes = 16 * 1024 * 1024;
+
+constexpr std::string_view ContinueText = "HTTP/1.1 100 Continue\r\n\r\n";
+
+Socket& GetSocket(Socket& stream) { return stream; }
+
+Socket& GetSocket(TlsStream& stream) { return stream.next_layer(); }
+
+template <class Stream>
+class Session final : public Connection, public std::enable_shared_from_this<Session<Stream>> {
+public:
+    template <class... StreamArgs>
+    explicit Session(Accepted accepted, StreamArgs&... streamArgs)
+        : stream(std::move(accepted.socket), streamArgs...),
+          peer(std::move(accepted.peer)),
+          slot(std::move(accepted.slot)),
+          context(std::move(accepted.context)),
+          limits(context->GetLimits()) {}
+
+    void Start() override {
+        asio::dispatch(stream.get_executor(), [self = Self()] { self->Begin(); });
+    }
+
+    void CheckDeadline(Clock::time_point now) override {
+        if (now < deadline.load()) return;
+        asio::post(stream.get_executor(), [self = Self()] {
+            if (Clock::now() < self->deadline.load()) return;
+            self->deadline = Clock::time_point::max();
+            self->timedOut = true;
+            beast::error_code ignored;
+            GetSocket(self->stream).cancel(ignored);
+        });
+    }
+
+    void Finish() override {
+        asio::post(stream.get_executor(), [self = Self()] {
+            if (self->idle) self->CloseNow();
+        });
+    }
+
+    void Close() override {
+        asio::post(stream.get_executor(), [self = Self()] { self->CloseNow(); });
+    }
+
+private:
+    using Handler = void (Session::*)(beast::error_code);
+
+    std::shared_ptr<Session> Self() { return this->shared_from_this(); }
+
+    /// A completion handler that calls `method`.
+    auto Then(Handler method) {
+        return [self = Self(), method](beast::error_code error, std::size_t = 0) { ((*self).*method)(error); };
+    }
+
+    void Allow(std::chrono::seconds time) {
+        timedOut = false;
+        deadline = Clock::now() + time;
+    }
+
+    void Begin() {
+        if constexpr (std::is_same_v<Stream, TlsStream>) {
+            Allow(limits.headerTime);
+            stream.async_handshake(asio::ssl::stream_base::server, Then(&Session::OnHandshake));
+        } else {
+            AwaitRequest();
+        }
+    }
+
+    void OnHandshake(beast::error_code error) {
+        if (error) return CloseNow();
+        AwaitRequest();
+    }
+
+    void AwaitRequest() {
+        limits = context->GetLimits();
+        if (context->IsFinishing()) return Linger();
+        SkipEmptyLines();
+        if (buffer.size() > 0) return ReadHeader();
+        idle = true;
+        Allow(limits.idleTime);
+        stream.async_read_some(buffer.prepare(FirstRead), [self = Self()](beast::error_code error, std::size_t count) {
+            self->idle = false;
+            self->buffer.commit(count);
+            if (error) return self->CloseNow();
+            self->AwaitRequest();
+        });
+    }
+
+    /// Old clients end a body with a line end that does not belong to it. Source: RFC 9112, 2.2.
+    void SkipEmptyLines() {
+        while (buffer.size() > 0) {
+            char const first = *static_cast<char const*>(buffer.cdata().data());
+            if (first != '\r' && first != '\n') return;
+            buffer.consume(1);
+        }
+    }
+
+    void ReadHeader() {
+        parser.emplace();
+        parser->header_limit(static_cast<std::uint32_t>(MaximumHeader));
+        parser->body_limit(limits.bodyBytes);
+        Allow(limits.headerTime);
+        http::async_read_header(stream, buffer, *parser, Then(&Session::OnHeader));
+    }
+
+    void OnHeader(beast::error_code error) {
+        if (error) return OnReadError(error);
+        if (auto refusal = CheckHeader(*parser, limits)) return Refuse(*std::move(refusal));
+        Allow(limits.idleTime);
+        auto const& header = parser->get();
+        bool const asked = header.version() >= 11 && boost::iequals(header[http::field::expect], "100-continue");
+        if (!asked || parser->is_done() || buffer.size() > 0) return ReadBody({});
+        asio::async_write(stream, asio::buffer(ContinueText), Then(&Session::ReadBody));
+    }
+
+    void ReadBody(beast::error_code error) {
+        if (error) return CloseNow();
+        if (parser->is_done()) return OnRequest({});
+        http::async_read(stream, buffer, *parser, Then(&Session::OnRequest));
+    }
+
+    void OnReadError(beast::error_code error) {
+        if (timedOut) return Refuse(MakeTextReply(Reply::Status::RequestTimeout, "The request took too long to come."));
+        if (auto refusal = ExplainReadError(error, limits)) return Refuse(*std::move(refusal));
+        CloseNow();
+    }
+
+    void OnRequest(beast::error_code error) {
+        if (error) return OnReadError(error);
+        auto message = parser->release();
+        parser.reset();
+        form = {message.version() % 10, message.keep_alive()};
+        headOnly = message.method() == http::verb::head;
+        auto target = ToOriginForm(message.target()).value_or("/");
+        deadline = Clock::time_point::max();
+        context->GetDispatcher().Handle(
+            peer, std::make_shared<IncomingRequest>(std::move(message), std::move(target)), limits,
+            [self = Self()](Reply answer) {
+                asio::dispatch(self->stream.get_executor(),
+                               [self, answer = std::move(answer)]() mutable { self->Write(std::move(answer)); });
+            });
+    }
+
+    /// Answers a request that is not read any further; what follows on the connection could not be told apart from it.
+    void Refuse(Reply refusal) {
+        headOnly = false;
+        form = {1, false};
+        Write(std::move(refusal));
+    }
+
+    void Write(Reply answer) {
+        form.keepAlive = form.keepAlive && !context->IsFinishing();
+        reply = std::move(answer);
+        head = MakeResponseHead(reply, form);
+        std::vector<asio::const_buffer> chunks{asio::buffer(head)};
+        if (!headOnly && HasBody(reply.status)) {
+            for (auto const& chunk : reply.body) chunks.emplace_back(asio::buffer(chunk->ToStringView()));
+        }
+        Allow(limits.idleTime);
+        asio::async_write(stream, chunks, Then(&Session::OnWritten));
+    }
+
+    void OnWritten(beast::error_code error) {
+        reply = {};
+        if (error) return CloseNow();
+        if (form.keepAlive) return AwaitRequest();
+        Linger();
+    }
+
+    void Linger() {
+        Allow(LingerTime);
+        if constexpr (std::is_same_v<Stream, TlsStream>) {
+            stream.async_shutdown(Then(&Session::ShutDown));
+        } else {
+            ShutDown({});
+        }
+    }
+
+    void ShutDown(beast::error_code) {
+        beast::error_code error;
+        GetSocket(stream).shutdown(asio::socket_base::shutdown_send, error);
+        if (error || timedOut) return CloseNow();
+        buffer.clear();
+        Drain();
+    }
+
+    void Drain() {
+        GetSocket(stream).async_read_some(buffer.prepare(FirstRead),
+                                          [self = Self()](beast::error_code error, std::size_t count) {
+                                              self->drained += count;
+                                              if (error || self->drained > LingerBytes) return self->CloseNow();
+                                              self->Drain();
+                                          });
+    }
+
+    void CloseNow() {
+        beast::error_code ignored;
+        GetSocket(stream).close(ignored);
+    }
+
+    Stream stream;
+    boost::asio::ip::address peer;
+    Admission::Slot slot;
+    std::shared_ptr<ConnectionContext> context;
+    std::atomic<Clock::time_point> deadline = Clock::time_point::max(); ///< of the present operation
+
+    // Only touched on the stream's strand.
+    Limits limits;
+    bool timedOut = false; ///< the present operation was cancelled because its time was over
+    bool idle = false;     ///< waiting for the first byte of a request
+    beast::flat_buffer buffer{MaximumHeader + FirstRead};
+    std::optional<RequestParser> parser;
+    ResponseForm form;
+    bool headOnly = false;
+    Reply reply;
+    std::string head;
+    std::size_t drained = 0;
+};
+
+} // namespace
+
+std::shared_ptr<Connection> MakeConnection(Accepted accepted, std::shared_ptr<asio::ssl::context> const& tls) {
+    if (tls) return std::make_shared<Session<TlsStream>>(std::move(accepted), *tls);
+    return std::make_shared<Session<Socket>>(std::move(accepted));
+}
+
+} // namespace zarn::host::web

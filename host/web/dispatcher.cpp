@@ -1,0 +1,90 @@
+#include "host/web/dispatcher.h"
+
+#include "host/web/request_target.h"
+
+#include <boost/algorithm/string/find.hpp>
+#include <boost/algorithm/string/predicate.hpp>
+
+#include <algorithm>
+#include <exception>
+#include <string>
+#include <system_error>
+#include <utility>
+
+namespace zarn::host::web {
+namespace {
+
+using logging::Level;
+using Status = Reply::Status;
+
+/// Whether the refusal only asks for a newer nonce, so that the answer itself was right.
+bool IsStale(Reply const& reply) {
+    return std::any_of(reply.fields.begin(), reply.fields.end(), [](auto const& field) {
+        return boost::iequals(field.first, "WWW-Authenticate") && boost::icontains(field.second, "stale=true");
+    });
+}
+
+} // namespace
+
+Dispatcher::Dispatcher(Router router, PendingTicker& ticker, Admission& admission)
+    : router(std::move(router)), ticker(ticker), admission(admission) {}
+
+void Dispatcher::Handle(boost::asio::ip::address const& peer, std::shared_ptr<IncomingRequest> request,
+                        Limits const& limits, Done done) {
+    auto const authorization = request->GetField("Authorization");
+    if (!authorization.empty()) {
+        if (auto const wait = failedLogins.GetWait(peer, limits.failedLoginsPerMinute)) {
+            if (auto const suppressed = throttled.Admit()) {
+                logger.Log(Level::Warning,
+                           "%0% gave too many wrong passwords, refused for %1% s (%2% more refusals before)",
+                           peer.to_string(), wait->count(), *suppressed);
+            }
+            return done(MakeTextReply(Status::TooManyRequests, "Too many wrong logins; try again later.",
+                                      {{"Retry-After", std::to_string(wait->count())}}));
+        }
+    }
+    auto slot = admission.BeginExchange(limits);
+    if (!slot) {
+        if (auto const suppressed = overloaded.Admit()) {
+            logger.Log(Level::Warning,
+                       "Refused a request of %0%: %1% exchanges are under way (%2% more refusals before)",
+                       peer.to_string(), limits.exchanges, *suppressed);
+        }
+        return done(MakeTextReply(Status::ServiceUnavailable, "Too many requests are under way; try again later.",
+                                  {{"Retry-After", "1"}}));
+    }
+    bool const answersDigest = boost::istarts_with(authorization, "Digest");
+    auto pending = Ask(request);
+    ticker.Watch(std::move(pending), [this, peer, limits, answersDigest, slot = std::move(slot), request,
+                                      done = std::move(done)](Reply reply) mutable {
+        slot.reset();
+        if (answersDigest) CountFailure(peer, reply, limits);
+        done(std::move(reply));
+    });
+}
+
+std::shared_ptr<zarn::web::response::Pending> Dispatcher::Ask(std::shared_ptr<IncomingRequest> const& request) {
+    auto const service = router.Find(GetPath(request->GetTarget()));
+    if (!service) return MakeTextResponse(Status::NotFound, "There is nothing here.");
+    try {
+        return service->Process(request);
+    } catch (std::system_error const& error) {
+        // No thread could be started: the load is too high, which passes.
+        if (auto const suppressed = failed.Admit()) {
+            logger.Log(Level::Error, "A request was not begun: %0% (%1% more before)", error.what(), *suppressed);
+        }
+        return MakeTextResponse(Status::ServiceUnavailable, "The request cannot be worked on now; try again later.",
+                                {{"Retry-After", "1"}});
+    } catch (std::exception const& error) {
+        if (auto const suppressed = failed.Admit()) {
+            logger.Log(Level::Error, "A request failed: %0% (%1% more before)", error.what(), *suppressed);
+        }
+        return MakeTextResponse(Status::InternalServerError, "The request could not be worked on.");
+    }
+}
+
+void Dispatcher::CountFailure(boost::asio::ip::address const& peer, Reply const& reply, Limits const& limits) {
+    if (reply.status == Status::Unauthorized && !IsStale(reply)) failedLogins.Count(peer, limits.failedLoginsPerMinute);
+}
+
+} // namespace zarn::host::web

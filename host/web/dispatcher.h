@@ -1,0 +1,52 @@
+#pragma once
+
+#include "host/web/admission.h"
+#include "host/web/failed_logins.h"
+#include "host/web/incoming_request.h"
+#include "host/web/limits.h"
+#include "host/web/pending_ticker.h"
+#include "host/web/reply.h"
+#include "host/web/router.h"
+
+#include <zarn/logging/logger.h>
+#include <zarn/logging/rate_limit.h>
+
+#include <boost/asio/ip/address.hpp>
+
+#include <functional>
+#include <memory>
+
+namespace zarn::host::web {
+
+/// Takes a request from wherever it came to the service that its path names, and the service's answer back. Refuses
+/// what goes past a bound: 429 with Retry-After for an address that guesses passwords, 503 when too many exchanges are
+/// under way or no thread can be started for this one. Thread: any.
+class Dispatcher {
+public:
+    using Done = std::function<void(Reply)>;
+
+    /// What is passed by reference must outlive the dispatcher.
+    Dispatcher(Router router, PendingTicker& ticker, Admission& admission);
+
+    Dispatcher(Dispatcher const&) = delete;
+    Dispatcher& operator=(Dispatcher const&) = delete;
+
+    /// Answers one request; `done` is called once, on any thread, possibly before this function returns.
+    void Handle(boost::asio::ip::address const& peer, std::shared_ptr<IncomingRequest> request, Limits const& limits,
+                Done done);
+
+private:
+    std::shared_ptr<zarn::web::response::Pending> Ask(std::shared_ptr<IncomingRequest> const& request);
+    void CountFailure(boost::asio::ip::address const& peer, Reply const& reply, Limits const& limits);
+
+    Router router;
+    PendingTicker& ticker;
+    Admission& admission;
+    FailedLogins failedLogins;
+    logging::Logger logger{"zarn.host.web"};
+    logging::RateLimit throttled;
+    logging::RateLimit overloaded;
+    logging::RateLimit failed;
+};
+
+} // namespace zarn::host::web

@@ -1,0 +1,55 @@
+#include "host/web/incoming_request.h"
+
+#include <boost/algorithm/string/predicate.hpp>
+#include <boost/beast/http/rfc7230.hpp>
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace zarn::host::web {
+namespace {
+
+namespace http = boost::beast::http;
+using protocol::network::http::Method;
+
+constexpr std::array<std::string_view, 9> ConnectionFields{
+    "Connection",       "Keep-Alive",          "Expect",  "TE", "Trailer", "Transfer-Encoding",
+    "Proxy-Connection", "Proxy-Authorization", "Upgrade",
+};
+
+bool IsConnectionField(std::string_view name, std::string_view connection) {
+    return std::any_of(ConnectionFields.begin(), ConnectionFields.end(),
+                       [&](auto field) { return boost::iequals(field, name); }) ||
+           http::token_list(connection).exists(name);
+}
+
+} // namespace
+
+IncomingRequest::IncomingRequest(Message message, std::string target)
+    : message(std::move(message)),
+      target(std::move(target)),
+      method(protocol::network::http::FromString(this->message.method_string()).value_or(Method::Connect)) {
+    std::string_view const connection = this->message[http::field::connection];
+    for (auto const& field : this->message) {
+        if (!IsConnectionField(field.name_string(), connection)) AddField(field.name_string(), field.value());
+    }
+}
+
+void IncomingRequest::AddField(std::string_view name, std::string_view value) {
+    auto const same = std::find_if(fields.begin(), fields.end(),
+                                   [&](auto const& field) { return boost::iequals(field.first, name); });
+    if (same == fields.end()) {
+        fields.emplace(name, value);
+    } else {
+        same->second = joined.emplace_back(std::string(same->second).append(", ").append(value));
+    }
+}
+
+std::string_view IncomingRequest::GetField(std::string_view name) const {
+    auto const found = std::find_if(fields.begin(), fields.end(),
+                                    [&](auto const& field) { return boost::iequals(field.first, name); });
+    return found == fields.end() ? std::string_view() : found->second;
+}
+
+} // namespace zarn::host::web

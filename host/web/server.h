@@ -1,0 +1,65 @@
+#pragma once
+
+#include "host/web/admission.h"
+#include "host/web/limits.h"
+#include "host/web/listener.h"
+#include "host/web/router.h"
+
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ssl/context.hpp>
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+
+namespace zarn::host::web {
+
+/// The web server: accepts connections on a listener and serves them on a few threads that never wait.
+/// Thread: any, except that Stop and the destructor must not run on one of its own threads.
+class Server {
+public:
+    struct Options {
+        Limits limits;
+
+        /// Certificate and key; null: plain HTTP.
+        std::shared_ptr<boost::asio::ssl::context> tls;
+
+        /// Threads that run the I/O context.
+        unsigned threads = 2;
+
+        /// Counts connections and exchanges; never null.
+        std::shared_ptr<Admission> admission = std::make_shared<Admission>();
+    };
+
+    /// Serves from now on.
+    /// io  run by the server's threads and by nobody else; must outlive the server, and whatever a service still does
+    /// with
+    ///     a response that it has not completed
+    Server(boost::asio::io_context& io, Listener listener, Router router, Options options);
+
+    /// Stop().
+    ~Server();
+
+    Server(Server const&) = delete;
+    Server& operator=(Server const&) = delete;
+
+    /// Bounds for the requests that begin from now on.
+    void SetLimits(Limits const& limits);
+
+    /// Certificate and key for the connections that come from now on. Only for a server that speaks TLS already.
+    void SetTls(std::shared_ptr<boost::asio::ssl::context> tls);
+
+    /// Accepts no more connections, closes those that wait for a request, and keeps the others only until their present
+    /// request is answered. Doing so twice is harmless.
+    void StopAccepting();
+
+    /// StopAccepting; waits for the exchanges under way, `grace` at most; then closes every connection and ends the
+    /// threads. Stopping twice is harmless.
+    void Stop(std::chrono::milliseconds grace = std::chrono::milliseconds(300));
+
+private:
+    class Impl;
+    std::unique_ptr<Impl> impl;
+};
+
+} // namespace zarn::host::web

@@ -1,0 +1,72 @@
+#include "host/web/snapshot_route.h"
+
+#include "host/web/reply.h"
+#include "host/web/request_target.h"
+
+#include <chrono>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace zarn::host::web {
+namespace {
+
+using video::Snapshot;
+using video::SnapshotError;
+using zarn::web::response::Pending;
+using zarn::web::response::State;
+using Status = Reply::Status;
+
+/// Where the picture is put by whoever makes it and found by whoever asks for it.
+struct Delivery {
+    std::mutex mutex; ///< guards snapshot
+    std::optional<Snapshot> snapshot;
+};
+
+Reply MakeReply(Snapshot const& snapshot) {
+    if (snapshot.error == SnapshotError::None) {
+        return {Status::Ok, {{"Content-Type", "image/jpeg"}, {"Cache-Control", "no-store"}}, {snapshot.jpeg}};
+    }
+    if (snapshot.error == SnapshotError::NoSuchChannel) {
+        return MakeTextReply(Status::NotFound, "There is no such channel.");
+    }
+    return MakeTextReply(Status::ServiceUnavailable, snapshot.detail, {{"Retry-After", "1"}});
+}
+
+Pending::Data Ask(Delivery& delivery) {
+    std::lock_guard const lock(delivery.mutex);
+    if (!delivery.snapshot) return {Status::Provisional, {}, {State::NotReady, {}}};
+    Reply reply = MakeReply(*delivery.snapshot);
+    return {reply.status, std::move(reply.fields), {State::Complete, std::move(reply.body)}};
+}
+
+/// The `<id>` of "/snapshot/<id>/latest.jpeg".
+std::string_view GetId(std::string_view target) {
+    std::string_view const path = GetPath(target);
+    auto const begin = path.find('/', 1) + 1;
+    return path.substr(begin, path.rfind('/') - begin);
+}
+
+} // namespace
+
+SnapshotRoute::SnapshotRoute(ZarnAuthenticationEngine const& engine, Source source)
+    : Service({Method::Get, Method::Head}), digest(engine), source(std::move(source)) {}
+
+SnapshotRoute::Response SnapshotRoute::Get(std::shared_ptr<zarn::web::Request> request) {
+    if (auto refusal = digest.Refuse(*request)) return refusal;
+    auto const delivery = std::make_shared<Delivery>();
+    source(GetId(request->GetTarget()), [delivery](Snapshot snapshot) {
+        std::lock_guard const lock(delivery->mutex);
+        delivery->snapshot = std::move(snapshot);
+    });
+    return std::make_shared<Pending>(
+        Status::Provisional, [delivery] { return Ask(*delivery); }, std::chrono::milliseconds(0));
+}
+
+SnapshotRoute::Response SnapshotRoute::Head(std::shared_ptr<zarn::web::Request> request) {
+    return Get(std::move(request));
+}
+
+} // namespace zarn::host::web
