@@ -1,0 +1,42 @@
+#include <zarn/authentication/digest.h>
+
+#include <gtest/gtest.h>
+
+namespace zarn::authentication {
+namespace {
+
+// The example of RFC 2617, 3.5.
+constexpr DigestInput Example{
+    .ha1 = "939e7578ed9e3c518a452acee763bce9",
+    .method = "GET",
+    .uri = "/dir/index.html",
+    .nonce = "dcd98b7102dd2f0e8b11d0f600bfb0c093",
+    .nonceCount = "00000001",
+    .clientNonce = "0a4f113b",
+    .qop = "auth",
+};
+
+TEST(MakeDigestResponse, AnswersTheExampleOfTheStandard) {
+    EXPECT_EQ(MakeDigestResponse(Example), "6629fae49393a05397450978507c4ef1");
+}
+
+TEST(MakeDigestResponse, HasAnOlderFormWithoutQop) {
+    auto input = Example;
+    input.qop = "";
+    EXPECT_EQ(MakeDigestResponse(input), "670fd8c2df070c60b045671b8b24ff02");
+    input.nonceCount = "7";
+    input.clientNonce = "other";
+    EXPECT_EQ(MakeDigestResponse(input), "670fd8c2df070c60b045671b8b24ff02");
+}
+
+TEST(MakeDigestResponse, DependsOnEachPart) {
+    for (auto const part : {&DigestInput::ha1, &DigestInput::method, &DigestInput::uri, &DigestInput::nonce,
+                            &DigestInput::nonceCount, &DigestInput::clientNonce, &DigestInput::qop}) {
+        auto input = Example;
+        input.*part = "other";
+        EXPECT_NE(MakeDigestResponse(input), MakeDigestResponse(Example));
+    }
+}
+
+} // namespace
+} // namespace zarn::authentication

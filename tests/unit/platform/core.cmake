@@ -1,0 +1,27 @@
+# zarn::authentication, container, job, logging, meta, network, protocol, utilities, web
+set(sources
+  authentication/digest_test.cpp
+  authentication/engine_test.cpp
+  authentication/ha1_test.cpp
+  container/buffer_test.cpp
+  job/dynamic_thread_pool_stop_test.cpp
+  job/dynamic_thread_pool_test.cpp
+  logging/capture_test.cpp
+  logging/format_test.cpp
+  logging/level_test.cpp
+  logging/logger_test.cpp
+  logging/rate_limit_test.cpp
+  meta/data/video_info_test.cpp
+  network/address_test.cpp
+  network/device_test.cpp
+  network/interface_test.cpp
+  network/local_test.cpp
+  protocol/network/http/method_test.cpp
+  protocol/network/http/request_test.cpp
+  protocol/network/http/response/status_test.cpp
+  protocol/network/http/response_test.cpp
+  utilities/name/config_test.cpp
+  web/response/pending_test.cpp
+  web/service_test.cpp)
+list(TRANSFORM sources PREPEND "${CMAKE_CURRENT_LIST_DIR}/")
+zarn_add_tests(NAME platform_core_tests SOURCES ${sources} LIBRARIES zarn::platform)

@@ -1,0 +1,209 @@
+#include "pool_test.h"
+
+#include <zarn/logging/capture.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <future>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace zarn::job {
+namespace {
+
+using namespace std::chrono_literals;
+
+TEST(DynamicThreadPool, RunsAJobOnAThreadOfItsOwn) {
+    DynamicThreadPool pool(1, 10s);
+    std::promise<std::thread::id> ran;
+    pool.Post([&] { ran.set_value(std::this_thread::get_id()); });
+    EXPECT_NE(ran.get_future().get(), std::this_thread::get_id());
+}
+
+TEST(DynamicThreadPool, StartsItsMinimumAtOnce) {
+    DynamicThreadPool const pool(3, 0s);
+    EXPECT_EQ(pool.GetThreadCount(), 3U);
+    EXPECT_TRUE(Eventually([&] { return pool.GetIdleCount() == 3; }));
+}
+
+TEST(DynamicThreadPool, MayHaveNoMinimum) {
+    DynamicThreadPool pool(0, 0s);
+    EXPECT_EQ(pool.GetThreadCount(), 0U);
+    std::promise<void> ran;
+    pool.Post([&] { ran.set_value(); });
+    ran.get_future().get();
+    EXPECT_TRUE(Eventually([&] { return pool.GetThreadCount() == 0; }));
+}
+
+TEST(DynamicThreadPool, GivesAJobToAnIdleThread) {
+    DynamicThreadPool pool(1, 10s);
+    for (int count = 0; count < 10; ++count) {
+        ASSERT_TRUE(Eventually([&] { return pool.GetIdleCount() == 1; }));
+        pool.Post([] {});
+        EXPECT_EQ(pool.GetThreadCount(), 1U);
+    }
+}
+
+TEST(DynamicThreadPool, StartsAThreadForEachJobThatFindsNoIdleOne) {
+    DynamicThreadPool pool(1, 10s);
+    Gate gate;
+    for (int count = 0; count < 20; ++count) pool.Post([&] { gate.Wait(); });
+    EXPECT_TRUE(gate.WaitForWaiting(20)); // all of them at the same time
+    EXPECT_GE(pool.GetThreadCount(), 20U);
+    gate.Open();
+}
+
+TEST(DynamicThreadPool, LetsThreadsAboveTheMinimumGo) {
+    DynamicThreadPool pool(2, 0s);
+    Gate gate;
+    for (int count = 0; count < 8; ++count) pool.Post([&] { gate.Wait(); });
+    ASSERT_TRUE(gate.WaitForWaiting(8));
+    gate.Open();
+    EXPECT_TRUE(Eventually([&] { return pool.GetThreadCount() == 2 && pool.GetIdleCount() == 2; }));
+}
+
+TEST(DynamicThreadPool, KeepsAnIdleThreadForTheGivenTime) {
+    DynamicThreadPool pool(0, 1s);
+    auto const start = std::chrono::steady_clock::now();
+    pool.Post([] {});
+    EXPECT_TRUE(Eventually([&] { return pool.GetThreadCount() == 0; }));
+    EXPECT_GE(std::chrono::steady_clock::now() - start, 1s);
+}
+
+TEST(DynamicThreadPool, TakesTheLongestIdleTime) {
+    DynamicThreadPool pool(0, std::chrono::seconds::max());
+    pool.Post([] {});
+    EXPECT_TRUE(Eventually([&] { return pool.GetIdleCount() == 1; }));
+}
+
+TEST(DynamicThreadPool, TakesANegativeIdleTimeForNone) {
+    DynamicThreadPool pool(0, -5s);
+    pool.Post([] {});
+    EXPECT_TRUE(Eventually([&] { return pool.GetThreadCount() == 0; }));
+}
+
+TEST(DynamicThreadPool, PrefersTheThreadThatBecameIdleLast) {
+    DynamicThreadPool pool(2, 10s);
+    ASSERT_TRUE(Eventually([&] { return pool.GetIdleCount() == 2; }));
+    Gate first;
+    Gate second;
+    std::thread::id last;
+    pool.Post([&] { first.Wait(); });
+    pool.Post([&] {
+        second.Wait();
+        last = std::this_thread::get_id();
+    });
+    ASSERT_TRUE(first.WaitForWaiting(1) && second.WaitForWaiting(1));
+    first.Open();
+    ASSERT_TRUE(Eventually([&] { return pool.GetIdleCount() == 1; }));
+    second.Open();
+    ASSERT_TRUE(Eventually([&] { return pool.GetIdleCount() == 2; }));
+    std::promise<std::thread::id> ran;
+    pool.Post([&] { ran.set_value(std::this_thread::get_id()); });
+    EXPECT_EQ(ran.get_future().get(), last);
+}
+
+TEST(DynamicThreadPool, DestroysAJobOnItsThreadBeforeThatIsIdle) {
+    DynamicThreadPool pool(1, 10s);
+    ASSERT_TRUE(Eventually([&] { return pool.GetIdleCount() == 1; }));
+    std::thread::id ran;
+    std::thread::id destroyed;
+    std::size_t idle = 1;
+    {
+        std::shared_ptr<void> owned(nullptr, [&](void*) {
+            destroyed = std::this_thread::get_id();
+            idle = pool.GetIdleCount();
+        });
+        pool.Post([&, owned = std::move(owned)] { ran = std::this_thread::get_id(); });
+    }
+    ASSERT_TRUE(Eventually([&] { return pool.GetIdleCount() == 1; }));
+    EXPECT_EQ(destroyed, ran);
+    EXPECT_EQ(idle, 0U);
+}
+
+TEST(DynamicThreadPool, LogsWhatAJobThrowsAndGoesOn) {
+    logging::Capture const capture;
+    DynamicThreadPool pool(1, 10s);
+    pool.Post([] { throw std::runtime_error("no\nway"); });
+    EXPECT_TRUE(capture.WaitFor("A job threw: no\\nway (0 more since the last report)", 10s));
+    std::promise<void> ran;
+    pool.Post([&] { ran.set_value(); });
+    ran.get_future().get();
+}
+
+TEST(DynamicThreadPool, LogsThatAJobThrewSomethingElse) {
+    logging::Capture const capture;
+    DynamicThreadPool pool(1, 10s);
+    pool.Post([] { throw 42; }); // NOLINT: that is what is tested
+    EXPECT_TRUE(capture.WaitFor("A job threw: something that is no std::exception", 10s));
+}
+
+TEST(DynamicThreadPool, DoesNotFillTheLogWithWhatJobsThrow) {
+    logging::Capture const capture;
+    DynamicThreadPool pool(1, 10s);
+    for (int count = 0; count < 50; ++count) pool.Post([] { throw std::runtime_error("again"); });
+    pool.Stop();
+    EXPECT_LT(capture.GetLines().size(), 50U);
+    EXPECT_GE(capture.GetLines().size(), 1U);
+}
+
+TEST(DynamicThreadPool, DestroysAJobThatThrew) {
+    DynamicThreadPool pool(1, 10s);
+    auto promise = std::make_shared<std::promise<void>>();
+    auto future = promise->get_future();
+    pool.Post([promise = std::move(promise)] { throw std::runtime_error("broken"); });
+    EXPECT_THROW(future.get(), std::future_error);
+}
+
+TEST(DynamicThreadPool, LetsAJobPostAnother) {
+    DynamicThreadPool pool(1, 10s);
+    std::promise<void> ran;
+    pool.Post([&] { pool.Post([&] { ran.set_value(); }); });
+    ran.get_future().get();
+}
+
+TEST(DynamicThreadPool, RefusesAnEmptyJob) {
+    DynamicThreadPool pool(1, 10s);
+    EXPECT_THROW(pool.Post(nullptr), std::invalid_argument);
+    EXPECT_EQ(pool.GetThreadCount(), 1U);
+}
+
+TEST(DynamicThreadPool, GivesEveryThreadItsStack) {
+    DynamicThreadPool pool(0, 0s);
+    std::promise<std::size_t> size;
+    pool.Post([&] { size.set_value(GetStackSizeOfThisThread()); });
+    EXPECT_EQ(size.get_future().get(), DynamicThreadPool::GetStackSize());
+    EXPECT_GE(DynamicThreadPool::GetStackSize(), std::size_t{2} << 20U);
+}
+
+TEST(DynamicThreadPool, KeepsAThousandWaitingJobsCheap) {
+    DynamicThreadPool pool(1, 0s);
+    Gate gate;
+    auto const before = GetResidentBytes();
+    for (int count = 0; count < 1000; ++count) pool.Post([&] { gate.Wait(); });
+    ASSERT_TRUE(gate.WaitForWaiting(1000));
+    auto const each = (GetResidentBytes() - before) / 1000;
+    gate.Open();
+    EXPECT_TRUE(Eventually([&] { return pool.GetThreadCount() == 1; }));
+#ifndef ZARN_SANITIZED
+    EXPECT_LT(each, 32U * 1024); // sanitizers keep books about every thread
+#else
+    static_cast<void>(each);
+#endif
+}
+
+TEST(DynamicThreadPool, WakesNobodyUpWhileThereIsNothingToDo) {
+    DynamicThreadPool pool(4, 10s);
+    ASSERT_TRUE(Eventually([&] { return pool.GetIdleCount() == 4; }));
+    auto const before = GetContextSwitchesOfPoolThreads();
+    std::this_thread::sleep_for(200ms);
+    EXPECT_EQ(GetContextSwitchesOfPoolThreads(), before);
+}
+
+} // namespace
+} // namespace zarn::job

@@ -1,0 +1,102 @@
+#pragma once
+
+#include <zarn/job/dynamic_thread_pool.h>
+
+#include <pthread.h>
+#include <sys/types.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <cstddef>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <thread>
+
+namespace zarn::job {
+
+inline constexpr std::chrono::seconds Patience(20);
+
+/// True as soon as the condition holds; false when it does not within the patience.
+inline bool Eventually(std::function<bool()> const& condition) {
+    auto const deadline = std::chrono::steady_clock::now() + Patience;
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > deadline) return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return true;
+}
+
+/// Holds jobs up until it is opened. The destructor opens it, so that a failed test does not hang.
+class Gate {
+public:
+    Gate() = default;
+
+    ~Gate() { Open(); }
+
+    Gate(Gate const&) = delete;
+    Gate& operator=(Gate const&) = delete;
+
+    void Wait() {
+        std::unique_lock lock(mutex);
+        ++waiting;
+        changed.notify_all();
+        changed.wait(lock, [this] { return open; });
+    }
+
+    /// Waits until that many have come to wait.
+    bool WaitForWaiting(std::size_t count) {
+        std::unique_lock lock(mutex);
+        return changed.wait_for(lock, Patience, [&] { return waiting >= count; });
+    }
+
+    void Open() {
+        std::lock_guard const lock(mutex);
+        open = true;
+        changed.notify_all();
+    }
+
+private:
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::size_t waiting = 0;
+    bool open = false;
+};
+
+inline std::size_t GetStackSizeOfThisThread() {
+    pthread_attr_t attributes;
+    pthread_getattr_np(pthread_self(), &attributes);
+    std::size_t size = 0;
+    pthread_attr_getstacksize(&attributes, &size);
+    pthread_attr_destroy(&attributes);
+    return size;
+}
+
+/// The memory of this process that is in use.
+inline std::size_t GetResidentBytes() {
+    std::ifstream file("/proc/self/statm");
+    std::size_t total = 0;
+    std::size_t resident = 0;
+    file >> total >> resident;
+    return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+}
+
+/// How often pool threads of this process have given up the processor: once for each time that they waited.
+inline std::size_t GetContextSwitchesOfPoolThreads() {
+    std::size_t sum = 0;
+    for (auto const& task : std::filesystem::directory_iterator("/proc/self/task")) {
+        std::ifstream file(task.path() / "status");
+        bool ours = false;
+        for (std::string line; std::getline(file, line);) {
+            if (line == "Name:\tzarn.job") ours = true;
+            constexpr std::string_view Key = "voluntary_ctxt_switches:";
+            if (ours && line.starts_with(Key)) sum += std::stoul(line.substr(Key.size()));
+        }
+    }
+    return sum;
+}
+
+} // namespace zarn::job

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <sched.h>
+
+#include <cstdlib>
+#include <functional>
+#include <string>
+#include <thread>
+
+namespace zarn::network {
+
+/// Runs `work` on a thread that is alone in a fresh network namespace, where only a loopback interface exists that is
+/// down. False when this process may not make one.
+inline bool RunInNetworkNamespace(std::function<void()> const& work) {
+    bool entered = false;
+    std::thread([&] {
+        // A namespace belongs to the thread, so that the process around it keeps its own.
+        entered = unshare(CLONE_NEWNET) == 0;
+        if (entered) work();
+    }).join();
+    return entered;
+}
+
+/// Runs `ip` with these arguments in the namespace of this thread; false when it fails.
+inline bool Ip(std::string const& arguments) {
+    return std::system(("PATH=$PATH:/sbin:/usr/sbin ip " + arguments).c_str()) == 0; // NOLINT: fixed texts
+}
+
+} // namespace zarn::network
