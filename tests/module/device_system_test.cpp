@@ -2,7 +2,7 @@
 
 #include <service/onvif/device.h>
 #include <service/onvif/soap_context.h>
-#include <zarn/configuration/node/primitive.h>
+#include <zarn/configuration/schema.h>
 #include <zarn/network/device.h>
 #include <zarn/network/local.h>
 

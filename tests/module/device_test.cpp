@@ -33,7 +33,10 @@ TEST_F(GetDeviceInformation, LeavesEmptyValuesEmpty) {
 }
 
 TEST_F(GetDeviceInformation, PassesTextInAnyLanguageUnchanged) {
-    identity = utilities::name::Config({.manufacturer = "Müller & Söhne <GmbH>", .model = "摄像机 \"一\""});
+    utilities::name::Config::Product product;
+    product.manufacturer = "Müller & Söhne <GmbH>";
+    product.model = "摄像机 \"一\"";
+    identity = utilities::name::Config(product);
     auto const reply = Ask("<tds:GetDeviceInformation/>");
     EXPECT_EQ(reply.Text("//tds:Manufacturer"), "Müller & Söhne <GmbH>");
     EXPECT_EQ(reply.Text("//tds:Model"), "摄像机 \"一\"");

@@ -1,0 +1,439 @@
+#include "device_fixture.h"
+
+#include <zarn/configuration/schema.h>
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <future>
+#include <optional>
+
+namespace zarn::test {
+namespace {
+
+using configuration::Schema;
+using meta::data::VideoInfo;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class Media2 : public DeviceFixture {};
+
+TEST_F(Media2, TellsItsCapabilitiesWithoutCredentials) {
+    EXPECT_THAT(AskAnonymously("<tr2:GetServiceCapabilities/>"), Answers(R"(
+        <tr2:GetServiceCapabilitiesResponse><tr2:Capabilities SnapshotUri="true">
+          <tr2:ProfileCapabilities MaximumNumberOfProfiles="2147483647"
+                                   ConfigurationsSupported="VideoSource VideoEncoder Metadata Analytics"/>
+          <tr2:StreamingCapabilities RTSPStreaming="true" RTPMulticast="false" RTP_RTSP_TCP="true"
+                                     NonAggregateControl="false" AutoStartMulticast="false" SecureRTSPStreaming="false"/>
+        </tr2:Capabilities></tr2:GetServiceCapabilitiesResponse>)"));
+}
+
+// Configurations
+
+constexpr char NoMulticast[] = R"(
+    <tt:Multicast>
+      <tt:Address><tt:Type>IPv4</tt:Type></tt:Address><tt:Port>0</tt:Port><tt:TTL>0</tt:TTL><tt:AutoStart>false</tt:AutoStart>
+    </tt:Multicast>
+    <tt:SessionTimeout>PT0S</tt:SessionTimeout>)";
+
+/// A channel as its configurations tell of it.
+struct Described {
+    std::string token;
+    std::string name;
+    std::string encoding;
+    std::string width;
+    std::string height;
+
+    std::string Begin(std::string const& element) const {
+        return "<" + element + " token=\"" + token + "\"><tt:Name>" + name + "</tt:Name><tt:UseCount>1</tt:UseCount>";
+    }
+
+    std::string VideoSource(std::string const& element) const {
+        return Begin(element) + "<tt:SourceToken>" + token + "</tt:SourceToken><tt:Bounds x=\"0\" y=\"0\" width=\"" +
+               width + "\" height=\"" + height + "\"/></" + element + ">";
+    }
+
+    std::string VideoEncoder(std::string const& element) const {
+        return Begin(element) + "<tt:Encoding>" + encoding + "</tt:Encoding><tt:Resolution><tt:Width>" + width +
+               "</tt:Width><tt:Height>" + height + "</tt:Height></tt:Resolution>" +
+               "<tt:RateControl><tt:FrameRateLimit>15</tt:FrameRateLimit><tt:BitrateLimit>10000</tt:BitrateLimit>"
+               "</tt:RateControl><tt:Quality>1</tt:Quality></" +
+               element + ">";
+    }
+
+    std::string Analytics(std::string const& element) const { return Begin(element) + "</" + element + ">"; }
+
+    std::string Metadata(std::string const& element) const {
+        return Begin(element) + "<tt:Analytics>true</tt:Analytics>" + NoMulticast + "</" + element + ">";
+    }
+
+    /// A profile with these configurations, a whole element or nothing.
+    std::string Profile(std::string const& configurations) const {
+        return "<tr2:Profiles token=\"" + token + "\" fixed=\"true\"><tr2:Name>" + name + "</tr2:Name>" +
+               configurations + "</tr2:Profiles>";
+    }
+};
+
+Described const Gate{"channels.1", "Gate", "H264", "1920", "1080"};
+Described const Yard{"channels.2", "Yard", "H265", "1280", "720"};
+
+TEST_F(Media2, ListsOneVideoSourceConfigurationPerChannel) {
+    EXPECT_THAT(AskAnonymously("<tr2:GetVideoSourceConfigurations/>"),
+                Answers("<tr2:GetVideoSourceConfigurationsResponse>" + Gate.VideoSource("tr2:Configurations") +
+                        Yard.VideoSource("tr2:Configurations") + "</tr2:GetVideoSourceConfigurationsResponse>"));
+}
+
+TEST_F(Media2, ListsOneVideoEncoderConfigurationPerChannelWithItsOwnEncoding) {
+    EXPECT_THAT(AskAnonymously("<tr2:GetVideoEncoderConfigurations/>"),
+                Answers("<tr2:GetVideoEncoderConfigurationsResponse>" + Gate.VideoEncoder("tr2:Configurations") +
+                        Yard.VideoEncoder("tr2:Configurations") + "</tr2:GetVideoEncoderConfigurationsResponse>"));
+}
+
+TEST_F(Media2, ListsOneMetadataConfigurationPerChannel) {
+    EXPECT_THAT(AskAnonymously("<tr2:GetMetadataConfigurations/>"),
+                Answers("<tr2:GetMetadataConfigurationsResponse>" + Gate.Metadata("tr2:Configurations") +
+                        Yard.Metadata("tr2:Configurations") + "</tr2:GetMetadataConfigurationsResponse>"));
+}
+
+TEST_F(Media2, ListsOneAnalyticsConfigurationPerChannelWithoutModulesAndRules) {
+    EXPECT_THAT(AskAnonymously("<tr2:GetAnalyticsConfigurations/>"),
+                Answers("<tr2:GetAnalyticsConfigurationsResponse>" + Gate.Analytics("tr2:Configurations") +
+                        Yard.Analytics("tr2:Configurations") + "</tr2:GetAnalyticsConfigurationsResponse>"));
+}
+
+TEST_F(Media2, ListsEveryConfigurationWhateverTokensTheRequestCarries) {
+    for (std::string const operation : {"GetVideoSourceConfigurations", "GetVideoEncoderConfigurations",
+                                        "GetMetadataConfigurations", "GetAnalyticsConfigurations"})
+        for (auto const* tokens : {"<tr2:ConfigurationToken>channels.2</tr2:ConfigurationToken>",
+                                   "<tr2:ProfileToken>channels.2</tr2:ProfileToken>",
+                                   "<tr2:ConfigurationToken>none</tr2:ConfigurationToken><tr2:ProfileToken/>"})
+            EXPECT_THAT(AskAnonymously("<tr2:" + operation + ">" + tokens + "</tr2:" + operation + ">")
+                            .Texts("//tr2:Configurations/@token"),
+                        ElementsAre("channels.1", "channels.2"))
+                << operation << tokens;
+}
+
+TEST_F(Media2, TellsAnEmptyEncodingForACodecWithoutHyphenAndSlash) {
+    videos["1"] = VideoInfo({1, 1}, "h264", 25, 1);
+    videos.erase("2");
+    EXPECT_THAT(AskAnonymously("<tr2:GetVideoEncoderConfigurations/>").Texts("//tt:Encoding"), ElementsAre("", ""));
+}
+
+TEST_F(Media2, TellsWhateverTheCodecsTextEndsInAsTheEncoding) {
+    videos["1"] = VideoInfo({1, 1}, "image/jpeg", 25, 1);
+    videos["2"] = VideoInfo({1, 1}, "video/x-<&ü>", 25, 1);
+    EXPECT_THAT(AskAnonymously("<tr2:GetVideoEncoderConfigurations/>").Texts("//tt:Encoding"),
+                ElementsAre("JPEG", "<&ü>"));
+}
+
+TEST_F(Media2, LimitsTheFrameRateAlikeWhateverTheChannels) {
+    videos["1"] = VideoInfo({1, 1}, "", 5, 1);
+    videos["2"] = VideoInfo({1, 1}, "", -60, 0);
+    EXPECT_THAT(AskAnonymously("<tr2:GetVideoEncoderConfigurations/>").Texts("//tt:FrameRateLimit"),
+                ElementsAre("15", "15"));
+}
+
+TEST_F(Media2, CopiesAnEmptyPictureAsItIs) {
+    videos.clear();
+    EXPECT_THAT(AskAnonymously("<tr2:GetVideoEncoderConfigurations/>").Texts("//tt:Resolution/*"),
+                ElementsAre("0", "0", "0", "0"));
+}
+
+TEST_F(Media2, KeepsTheBitsOfAPictureSizeThatTheSchemaCannotTell) {
+    videos["1"] = VideoInfo({4294967295U, 2147483648U}, "", 0, 1);
+    EXPECT_THAT(AskAnonymously("<tr2:GetVideoEncoderConfigurations/>").Texts("//tr2:Configurations[1]//tt:Resolution/*"),
+                ElementsAre("-1", "-2147483648"));
+}
+
+// Profiles
+
+class Media2Profiles : public DeviceFixture {
+protected:
+    Reply AskForTypes(std::vector<std::string> const& types, std::string const& token = {}) {
+        std::string request = "<tr2:GetProfiles>";
+        if (!token.empty()) request += "<tr2:Token>" + token + "</tr2:Token>";
+        for (auto const& type : types) request += "<tr2:Type>" + type + "</tr2:Type>";
+        return AskAnonymously(request + "</tr2:GetProfiles>");
+    }
+
+    /// The names of the configurations of the first profile.
+    std::vector<std::string> Kinds(std::vector<std::string> const& types) {
+        std::vector<std::string> names;
+        for (auto const& node : AskForTypes(types).Select("//tr2:Profiles[1]/tr2:Configurations/*"))
+            names.emplace_back(node.node().name());
+        return names;
+    }
+
+    static std::string Response(std::string const& profiles) {
+        return "<tr2:GetProfilesResponse>" + profiles + "</tr2:GetProfilesResponse>";
+    }
+};
+
+std::string const AllOfGate = "<tr2:Configurations>" + Gate.VideoSource("tr2:VideoSource") +
+                              Gate.VideoEncoder("tr2:VideoEncoder") + Gate.Analytics("tr2:Analytics") +
+                              Gate.Metadata("tr2:Metadata") + "</tr2:Configurations>";
+std::string const AllOfYard = "<tr2:Configurations>" + Yard.VideoSource("tr2:VideoSource") +
+                              Yard.VideoEncoder("tr2:VideoEncoder") + Yard.Analytics("tr2:Analytics") +
+                              Yard.Metadata("tr2:Metadata") + "</tr2:Configurations>";
+
+TEST_F(Media2Profiles, HaveNoConfigurationsWhenNoTypeIsAskedFor) {
+    EXPECT_THAT(AskForTypes({}), Answers(Response(Gate.Profile("") + Yard.Profile(""))));
+}
+
+TEST_F(Media2Profiles, HaveEveryConfigurationWhenTheFirstTypeIsAll) {
+    auto const all = Answers(Response(Gate.Profile(AllOfGate) + Yard.Profile(AllOfYard)));
+    EXPECT_THAT(AskForTypes({"All"}), all);
+    EXPECT_THAT(AskForTypes({"All", "Metadata", "PTZ"}), all);
+}
+
+TEST_F(Media2Profiles, HaveTheConfigurationsThatAreAskedFor) {
+    EXPECT_THAT(AskForTypes({"VideoEncoder"}, "channels.2"),
+                Answers(Response(Yard.Profile("<tr2:Configurations>" + Yard.VideoEncoder("tr2:VideoEncoder") +
+                                              "</tr2:Configurations>"))));
+    EXPECT_THAT(Kinds({"VideoSource"}), ElementsAre("tr2:VideoSource"));
+    EXPECT_THAT(Kinds({"Metadata"}), ElementsAre("tr2:Metadata"));
+    EXPECT_THAT(Kinds({"Analytics"}), ElementsAre("tr2:Analytics"));
+    EXPECT_THAT(Kinds({"Metadata", "Analytics", "VideoEncoder", "VideoSource"}),
+                ElementsAre("tr2:VideoSource", "tr2:VideoEncoder", "tr2:Analytics", "tr2:Metadata"));
+    EXPECT_THAT(Kinds({"Metadata", "Metadata"}), ElementsAre("tr2:Metadata"));
+}
+
+TEST_F(Media2Profiles, TakeAllFurtherDownTheListForANameThatNobodyKnows) {
+    EXPECT_THAT(Kinds({"Metadata", "All"}), ElementsAre("tr2:Metadata"));
+    EXPECT_THAT(Kinds({"PTZ", "All"}), IsEmpty());
+}
+
+TEST_F(Media2Profiles, HaveAnEmptySetWhenNoTypeIsKnown) {
+    auto const empty = Answers(
+        Response(Gate.Profile("<tr2:Configurations/>") + Yard.Profile("<tr2:Configurations/>")));
+    EXPECT_THAT(AskForTypes({"AudioSource", "AudioEncoder", "AudioOutput", "AudioDecoder", "PTZ", "Receiver"}), empty);
+    EXPECT_THAT(AskForTypes({"all", "ALL", "videosource", "VideoSource2", " Metadata x", "Meta data"}), empty);
+    EXPECT_THAT(AskForTypes({""}), empty);
+}
+
+TEST_F(Media2Profiles, AreTheOneWithTheTokenThatIsAskedFor) {
+    EXPECT_THAT(AskForTypes({}, "channels.2"), Answers(Response(Yard.Profile(""))));
+    EXPECT_THAT(AskForTypes({"All"}, "channels.1"), Answers(Response(Gate.Profile(AllOfGate))));
+}
+
+TEST_F(Media2Profiles, AreNoneForATokenThatMatchesNoChannel) {
+    for (std::string const token : {"channels.3", "1", "channels", "channels.", "Channels.1", "channels.1.name", "..",
+                                    "&lt;channels.1&gt;", "名"})
+        EXPECT_THAT(AskForTypes({"All"}, token), Answers("<tr2:GetProfilesResponse/>")) << token;
+    EXPECT_THAT(AskForTypes({}, std::string(100'000, '.')), Answers("<tr2:GetProfilesResponse/>"));
+}
+
+TEST_F(Media2Profiles, AreAllForAnEmptyToken) {
+    EXPECT_THAT(AskAnonymously("<tr2:GetProfiles><tr2:Token/></tr2:GetProfiles>"),
+                Answers(Response(Gate.Profile("") + Yard.Profile(""))));
+}
+
+TEST_F(Media2Profiles, AskForTheSelectedChannelsOnlyAlsoWhenNoTypeNeedsThem) {
+    std::vector<std::string> asked;
+    channelInfo = [&](std::string const& id) {
+        asked.push_back(id);
+        return VideoInfo();
+    };
+    AskForTypes({}, "channels.2");
+    AskForTypes({"Metadata"});
+    AskForTypes({"All"}, "channels.3");
+    EXPECT_THAT(asked, ElementsAre("2", "1", "2"));
+}
+
+// Options
+
+TEST_F(Media2, OffersOneMetadataOptionWhateverTheTokens) {
+    for (auto const* tokens : {"", "<tr2:ProfileToken>channels.1</tr2:ProfileToken>",
+                               "<tr2:ConfigurationToken>none</tr2:ConfigurationToken>"})
+        EXPECT_THAT(AskAnonymously(std::string("<tr2:GetMetadataConfigurationOptions>") + tokens +
+                                   "</tr2:GetMetadataConfigurationOptions>"),
+                    Answers(R"(<tr2:GetMetadataConfigurationOptionsResponse><tr2:Options><tt:PTZStatusFilterOptions>
+                        <tt:PanTiltStatusSupported>false</tt:PanTiltStatusSupported>
+                        <tt:ZoomStatusSupported>false</tt:ZoomStatusSupported>
+                    </tt:PTZStatusFilterOptions></tr2:Options></tr2:GetMetadataConfigurationOptionsResponse>)"));
+}
+
+/// Options of a configuration or profile, by its token.
+class Media2Options : public DeviceFixture {
+protected:
+    Reply AskForEncoder(std::string const& tokens) {
+        return AskAnonymously("<tr2:GetVideoEncoderConfigurationOptions>" + tokens +
+                              "</tr2:GetVideoEncoderConfigurationOptions>");
+    }
+
+    Reply AskForSource(std::string const& tokens) {
+        return AskAnonymously("<tr2:GetVideoSourceConfigurationOptions>" + tokens +
+                              "</tr2:GetVideoSourceConfigurationOptions>");
+    }
+
+    static std::string Profile(std::string const& token) { return Element("tr2:ProfileToken", token); }
+
+    static std::string Configuration(std::string const& token) { return Element("tr2:ConfigurationToken", token); }
+
+    static std::string Range(std::string const& name, std::string const& minimum, std::string const& maximum) {
+        return Element(name, Element("tt:Min", minimum) + Element("tt:Max", maximum));
+    }
+
+    static std::string Source(std::string const& width, std::string const& height, std::string const& tokens) {
+        return "<tr2:GetVideoSourceConfigurationOptionsResponse><tr2:Options><tt:BoundsRange>" +
+               Range("tt:XRange", "0", width) + Range("tt:YRange", "0", height) +
+               Range("tt:WidthRange", width, width) + Range("tt:HeightRange", height, height) + "</tt:BoundsRange>" +
+               tokens + "</tr2:Options></tr2:GetVideoSourceConfigurationOptionsResponse>";
+    }
+
+    static std::string Available(std::string const& token) {
+        return Element("tt:VideoSourceTokensAvailable", token);
+    }
+
+    static std::string AnySource(std::string const& tokens) {
+        return "<tr2:GetVideoSourceConfigurationOptionsResponse><tr2:Options><tt:BoundsRange>" +
+               Range("tt:XRange", "0", "9999") + Range("tt:YRange", "0", "9999") + Range("tt:WidthRange", "0", "9999") +
+               Range("tt:HeightRange", "0", "9999") + "</tt:BoundsRange>" + tokens +
+               "</tr2:Options></tr2:GetVideoSourceConfigurationOptionsResponse>";
+    }
+
+private:
+    static std::string Element(std::string const& name, std::string const& content) {
+        return "<" + name + ">" + content + "</" + name + ">";
+    }
+};
+
+constexpr char NoEncoderOptions[] = "<tr2:GetVideoEncoderConfigurationOptionsResponse/>";
+
+TEST_F(Media2Options, OfAnEncoderAreItsEncodingSizeAndOneBitrateRange) {
+    EXPECT_THAT(AskForEncoder(Configuration("channels.2")),
+                Answers(R"(<tr2:GetVideoEncoderConfigurationOptionsResponse><tr2:Options>
+                    <tt:Encoding>H265</tt:Encoding>
+                    <tt:QualityRange><tt:Min>1</tt:Min><tt:Max>1</tt:Max></tt:QualityRange>
+                    <tt:ResolutionsAvailable><tt:Width>1280</tt:Width><tt:Height>720</tt:Height></tt:ResolutionsAvailable>
+                    <tt:BitrateRange><tt:Min>1000</tt:Min><tt:Max>10000</tt:Max></tt:BitrateRange>
+                </tr2:Options></tr2:GetVideoEncoderConfigurationOptionsResponse>)"));
+}
+
+TEST_F(Media2Options, OfAnEncoderAreNoneWithoutATokenOrWithAnEmptyOne) {
+    channelInfo = nullptr;
+    EXPECT_THAT(AskForEncoder(""), Answers(NoEncoderOptions));
+    EXPECT_THAT(AskForEncoder(Profile("")), Answers(NoEncoderOptions));
+    EXPECT_THAT(AskForEncoder(Configuration("")), Answers(NoEncoderOptions));
+}
+
+TEST_F(Media2Options, PreferTheProfileToken) {
+    auto const both = Configuration("channels.1") + Profile("channels.2");
+    EXPECT_EQ(AskForEncoder(both).Text("//tt:Encoding"), "H265");
+    EXPECT_EQ(AskForSource(both).Text("//tt:VideoSourceTokensAvailable"), "channels.2");
+}
+
+TEST_F(Media2Options, PreferAlsoAnEmptyProfileToken) {
+    auto const both = Configuration("channels.1") + Profile("");
+    EXPECT_THAT(AskForEncoder(both), Answers(NoEncoderOptions));
+    EXPECT_THAT(AskForSource(both), Answers(AnySource(Available("channels.1") + Available("channels.2"))));
+}
+
+TEST_F(Media2Options, OfAnUnknownTokenAreThoseOfNoVideo) {
+    EXPECT_THAT(AskForEncoder(Profile("channels.99")).Texts("//tr2:Options/*[not(self::tt:BitrateRange)]//text()"),
+                ElementsAre("1", "1", "0", "0"));
+    EXPECT_THAT(AskForSource(Profile("nowhere")), Answers(Source("0", "0", Available("nowhere"))));
+}
+
+TEST_F(Media2Options, OfASourceAreTheWholePictureAndTheTokenItself) {
+    EXPECT_THAT(AskForSource(Configuration("channels.1")), Answers(Source("1920", "1080", Available("channels.1"))));
+    EXPECT_THAT(AskForSource(Profile("channels.2")), Answers(Source("1280", "720", Available("channels.2"))));
+}
+
+TEST_F(Media2Options, OfASourceKeepTheBitsOfAPictureSizeThatTheSchemaCannotTell) {
+    videos["1"] = VideoInfo({4294967295U, 2147483648U}, "", 0, 1);
+    EXPECT_THAT(AskForSource(Profile("channels.1")), Answers(Source("-1", "-2147483648", Available("channels.1"))));
+}
+
+TEST_F(Media2Options, OfASourceEchoAHostileTokenHarmlessly) {
+    EXPECT_THAT(AskForSource(Profile("&lt;/tt:x&gt;&amp;&quot;' 名")),
+                Answers(Source("0", "0", Available("&lt;/tt:x&gt;&amp;\"' 名"))));
+    EXPECT_EQ(AskForSource(Profile(std::string(100'000, 'x'))).Text("//tt:VideoSourceTokensAvailable"),
+              std::string(100'000, 'x'));
+}
+
+TEST_F(Media2Options, OfASourceAreAnyBoundsAndEveryChannelWithoutAToken) {
+    auto const any = Answers(AnySource(Available("channels.1") + Available("channels.2")));
+    EXPECT_THAT(AskForSource(""), any);
+    EXPECT_THAT(AskForSource(Profile("")), any);
+    EXPECT_THAT(AskForSource(Configuration("")), any);
+}
+
+TEST_F(Media2Options, OfASourceNameNoChannelWhenThereIsNone) {
+    Configure(R"({"channels": {}})");
+    EXPECT_THAT(AskForSource(""), Answers(AnySource("")));
+}
+
+TEST_F(Media2Options, OfASourceAreReadUnderTheLockWithoutAToken) {
+    auto lock = std::make_optional(root->GetLock());
+    auto reply = std::async(std::launch::async, [this] { return AskForSource(""); });
+    EXPECT_EQ(reply.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
+    lock.reset();
+    EXPECT_EQ(reply.get().status, 200);
+}
+
+TEST_F(Media2Options, OfASourceEndInAnExceptionWhenTheChannelsAreNoCollection) {
+    root = std::make_shared<configuration::node::Root>();
+    EXPECT_THROW(AskForSource(""), std::future_error) << "missing";
+    root->Schema({Schema("channels.1.name", "Gate", "a map, not a collection")});
+    EXPECT_THROW(AskForSource(""), std::future_error) << "a map";
+    EXPECT_EQ(AskForSource(Profile("channels.1")).status, 200) << "not read with a token";
+}
+
+// Operations that are accepted and ignored
+
+TEST_F(Media2, AcceptsAnyMetadataConfigurationAndChangesNothing) {
+    auto const before = AskAnonymously("<tr2:GetMetadataConfigurations/>").Message();
+    EXPECT_THAT(AskAnonymously("<tr2:SetMetadataConfiguration>" + Gate.Metadata("tr2:Configuration") +
+                               "</tr2:SetMetadataConfiguration>"),
+                Answers("<tr2:SetMetadataConfigurationResponse/>"));
+    EXPECT_THAT(AskAnonymously("<tr2:SetMetadataConfiguration/>"), Answers("<tr2:SetMetadataConfigurationResponse/>"));
+    EXPECT_EQ(AskAnonymously("<tr2:GetMetadataConfigurations/>").Message(), before);
+}
+
+TEST_F(Media2, AcceptsAnyVideoEncoderConfigurationAndChangesNothing) {
+    auto const before = AskAnonymously("<tr2:GetVideoEncoderConfigurations/>").Message();
+    Described const other{"channels.1", "Other", "H266", "1", "1"};
+    EXPECT_THAT(AskAnonymously("<tr2:SetVideoEncoderConfiguration>" + other.VideoEncoder("tr2:Configuration") +
+                               "</tr2:SetVideoEncoderConfiguration>"),
+                Answers("<tr2:SetVideoEncoderConfigurationResponse/>"));
+    EXPECT_EQ(AskAnonymously("<tr2:GetVideoEncoderConfigurations/>").Message(), before);
+}
+
+TEST_F(Media2, AcceptsSynchronizationPointsOfAnyProfile) {
+    for (auto const* content : {"", "<tr2:ProfileToken>channels.1</tr2:ProfileToken>",
+                                "<tr2:ProfileToken>nothing</tr2:ProfileToken>"})
+        EXPECT_THAT(AskAnonymously(std::string("<tr2:SetSynchronizationPoint>") + content +
+                                   "</tr2:SetSynchronizationPoint>"),
+                    Answers("<tr2:SetSynchronizationPointResponse/>"));
+}
+
+// What is not served
+
+class Media2Unserved : public DeviceFixture, public testing::WithParamInterface<char const*> {};
+
+TEST_P(Media2Unserved, IsNotSupportedWithOrWithoutCredentialsWhateverTheRequestHolds) {
+    auto const fault = IsFault("Receiver", "Not supported", {"ter:ActionNotSupported"});
+    std::string const name = GetParam();
+    EXPECT_THAT(AskAnonymously("<tr2:" + name + "/>"), fault);
+    EXPECT_THAT(Ask("<tr2:" + name + "><tr2:ProfileToken>channels.1</tr2:ProfileToken><tr2:Odd a=\"1\"><b/></tr2:Odd></tr2:" +
+                    name + ">"),
+                fault);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Operation, Media2Unserved,
+    testing::Values("AddConfiguration", "CreateMask", "CreateOSD", "CreateProfile", "DeleteMask", "DeleteOSD",
+                    "DeleteProfile", "GetAudioDecoderConfigurationOptions", "GetAudioDecoderConfigurations",
+                    "GetAudioEncoderConfigurationOptions", "GetAudioEncoderConfigurations",
+                    "GetAudioOutputConfigurationOptions", "GetAudioOutputConfigurations",
+                    "GetAudioSourceConfigurationOptions", "GetAudioSourceConfigurations", "GetMaskOptions", "GetMasks",
+                    "GetOSDOptions", "GetOSDs", "GetVideoEncoderInstances", "GetVideoSourceModes",
+                    "RemoveConfiguration", "SetAudioDecoderConfiguration", "SetAudioEncoderConfiguration",
+                    "SetAudioOutputConfiguration", "SetAudioSourceConfiguration", "SetMask", "SetOSD",
+                    "SetVideoSourceConfiguration", "SetVideoSourceMode", "StartMulticastStreaming",
+                    "StopMulticastStreaming"),
+    [](auto const& info) { return info.param; });
+
+} // namespace
+} // namespace zarn::test
