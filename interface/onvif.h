@@ -10,7 +10,7 @@
 //   does the message of an operation that is not served; all these are one type.
 // - gSOAP writes a required pointer that is null as an empty element. Members that this device leaves out although the
 //   schema requires them are therefore optional; each says so.
-// - tt__Message is the type of the element tt:Message, which wsdl2h calls _tt__Message.
+// - The type of the element tt:Message has the name tt__Message besides _tt__Message.
 
 #import "builtin.h"
 #import "addressing.h"
@@ -24,13 +24,11 @@
 // Namespaces that occur only in values and in DOM content get into the namespace table by a type of their own.
 
 //gsoap ter schema namespace: http://www.onvif.org/ver10/error
-//gsoap ter schema form:      unqualified
 
 /// A subcode of a fault.
 typedef std::string ter__Subcode;
 
 //gsoap tns1 schema namespace: http://www.onvif.org/ver10/topics
-//gsoap tns1 schema form:      unqualified
 
 /// A topic expression.
 typedef std::string tns1__Topic;

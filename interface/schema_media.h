@@ -133,7 +133,6 @@ class tt__JpegOptions
     std::vector<tt__VideoResolution*> ResolutionsAvailable  1;
     tt__IntRange*                     FrameRateRange        1;
     tt__IntRange*                     EncodingIntervalRange 1;
-    @ xsd__anyAttribute               __anyAttribute;
 };
 
 class tt__Mpeg4Options
@@ -143,7 +142,6 @@ class tt__Mpeg4Options
     tt__IntRange*                      FrameRateRange         1;
     tt__IntRange*                      EncodingIntervalRange  1;
     std::vector<enum tt__Mpeg4Profile> Mpeg4ProfilesSupported 1;
-    @ xsd__anyAttribute                __anyAttribute;
 };
 
 /// GovLengthRange, FrameRateRange, EncodingIntervalRange: required by the schema, left out by a device that passes streams
@@ -155,7 +153,6 @@ class tt__H264Options
     tt__IntRange*                     FrameRateRange        0;
     tt__IntRange*                     EncodingIntervalRange 0;
     std::vector<enum tt__H264Profile> H264ProfilesSupported 1;
-    @ xsd__anyAttribute               __anyAttribute;
 };
 
 class tt__VideoEncoderConfigurationOptions

@@ -48,7 +48,7 @@ enum tt__PropertyOperation
     tt__PropertyOperation__Changed
 };
 
-/// The element tt:Message, the content of a notification.
+/// The content of a notification.
 class tt__Message
 { public:
     tt__ItemList*                 Source            0;
@@ -59,6 +59,9 @@ class tt__Message
     @ enum tt__PropertyOperation* PropertyOperation 0;
     @ xsd__anyAttribute           __anyAttribute;
 };
+
+/// The element tt:Message: a DOM node with this type needs no name.
+typedef tt__Message _tt__Message;
 
 /// The items that the messages of a topic carry.
 class tt__MessageDescription

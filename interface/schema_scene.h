@@ -71,29 +71,30 @@ class tt__SphericalCoordinate
     @ float*                  Distance       0;
     @ float*                  ElevationAngle 0;
     @ float*                  AzimuthAngle   0;
-    @ xsd__anyAttribute       __anyAttribute;
 };
 
 // Colour
 
 class tt__Color
 { public:
-    @ float        X          1;
-    @ float        Y          1;
-    @ float        Z          1;
-    @ xsd__anyURI* Colorspace 0;
-    @ float*       Likelihood 0;
+    @ float             X          1;
+    @ float             Y          1;
+    @ float             Z          1;
+    @ xsd__anyURI*      Colorspace 0;
+    @ float*            Likelihood 0;
+    @ xsd__anyAttribute __anyAttribute;
 };
 
 class tt__ColorCovariance
 { public:
-    @ float        XX         1;
-    @ float        YY         1;
-    @ float        ZZ         1;
-    @ float*       XY         0;
-    @ float*       XZ         0;
-    @ float*       YZ         0;
-    @ xsd__anyURI* Colorspace 0;
+    @ float             XX         1;
+    @ float             YY         1;
+    @ float             ZZ         1;
+    @ float*            XY         0;
+    @ float*            XZ         0;
+    @ float*            YZ         0;
+    @ xsd__anyURI*      Colorspace 0;
+    @ xsd__anyAttribute __anyAttribute;
 };
 
 class tt__ColorDescriptor
@@ -142,7 +143,6 @@ class tt__ClassDescriptor
     tt__ClassDescriptorExtension*      Extension      0;
     std::vector<tt__StringLikelihood*> Type           0;
     std::vector<xsd__anyType>          __any          0;
-    @ xsd__anyAttribute                __anyAttribute;
 };
 
 class tt__VehicleInfo
@@ -197,12 +197,10 @@ class tt__Behaviour
     class _tt__Behaviour_Removed
     { public:
         std::vector<xsd__anyType> __any 0;
-        @ xsd__anyAttribute       __anyAttribute;
     }*                        Removed   0;
     class _tt__Behaviour_Idle
     { public:
         std::vector<xsd__anyType> __any 0;
-        @ xsd__anyAttribute       __anyAttribute;
     }*                        Idle      0;
     tt__BehaviourExtension*   Extension 0;
     float*                    Speed     0;
