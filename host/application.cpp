@@ -58,7 +58,7 @@ Application::Application(Preparation prepared)
         ReadIdentity(root));
     manager->UpdateServerPort(listener.GetPort());
     manager->UpdateSSLState(preparation.tls != nullptr);
-    onvif = std::make_shared<web::OnvifRoute>(*manager);
+    onvif = std::make_shared<web::OnvifRoute>(*manager, authentication);
 
     server = std::make_unique<web::Server>(
         webContext, std::move(listener), web::Router(MakeRoutes()),

@@ -23,7 +23,8 @@ namespace {
 using configuration::Layer;
 
 constexpr std::string_view DefaultText = R"({
-  "settings": {"onvif": {"enabled": true}},
+  "identity": {},
+  "settings": {"web_port": 8080, "rtsp_port": 8554, "onvif": {"enabled": true}},
   "channels": {
     "1": {"name": "Ball", "source": "test:ball"},
     "2": {"name": "Pattern", "source": "test:smpte?width=640&height=360&rate=15"}

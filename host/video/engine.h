@@ -30,8 +30,8 @@ struct RtspSettings {
 
 /// The host's video: opens the sources of the channels, serves them over RTSP at `rtsp://ADDRESS:PORT/channels/ID` and
 /// makes still images of them. A source that fails is opened again after a pause; the other channels go on.
-/// Thread: every function may be called from any thread, and at the same time, but not from within a snapshot's callback
-/// where it says "waits".
+/// Thread: every function may be called from any thread, and at the same time; those that say "waits" not from within a
+/// snapshot's callback.
 class Engine {
 public:
     /// Starts the RTSP server, with no channels yet.

@@ -1,6 +1,7 @@
 #include "host/web/digest.h"
 
 #include "host/web/digest_parameters.h"
+#include "host/web/find_field.h"
 #include "host/web/reply.h"
 #include "host/web/request_target.h"
 
@@ -17,13 +18,6 @@ namespace zarn::host::web {
 namespace {
 
 using Parameters = std::map<std::string, std::string>;
-
-std::string_view FindField(zarn::web::Request const& request, std::string_view name) {
-    for (auto const& [fieldName, value] : request.GetFields()) {
-        if (boost::iequals(fieldName, name)) return value;
-    }
-    return {};
-}
 
 /// Whether the answer is made for this request: a client may leave out the query, as many do.
 bool IsFor(std::string const& uri, std::string_view target) {

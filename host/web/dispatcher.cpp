@@ -1,5 +1,6 @@
 #include "host/web/dispatcher.h"
 
+#include "host/web/find_field.h"
 #include "host/web/request_target.h"
 
 #include <boost/algorithm/string/find.hpp>
@@ -31,7 +32,7 @@ Dispatcher::Dispatcher(Router router, PendingTicker& ticker, Admission& admissio
 
 void Dispatcher::Handle(boost::asio::ip::address const& peer, std::shared_ptr<IncomingRequest> request,
                         Limits const& limits, Done done) {
-    auto const authorization = request->GetField("Authorization");
+    auto const authorization = FindField(*request, "Authorization");
     if (!authorization.empty()) {
         if (auto const wait = failedLogins.GetWait(peer, limits.failedLoginsPerMinute)) {
             if (auto const suppressed = throttled.Admit()) {

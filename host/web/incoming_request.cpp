@@ -46,10 +46,4 @@ void IncomingRequest::AddField(std::string_view name, std::string_view value) {
     }
 }
 
-std::string_view IncomingRequest::GetField(std::string_view name) const {
-    auto const found = std::find_if(fields.begin(), fields.end(),
-                                    [&](auto const& field) { return boost::iequals(field.first, name); });
-    return found == fields.end() ? std::string_view() : found->second;
-}
-
 } // namespace zarn::host::web

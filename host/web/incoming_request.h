@@ -33,9 +33,6 @@ public:
 
     std::map<std::string_view, std::string_view> GetFields() const override { return fields; }
 
-    /// The value of a field, its name compared without case; empty when there is none.
-    std::string_view GetField(std::string_view name) const;
-
 private:
     void AddField(std::string_view name, std::string_view value);
 

@@ -1,5 +1,6 @@
 #include "host/web/onvif_route.h"
 
+#include "host/web/find_field.h"
 #include "host/web/reply.h"
 
 #include <mutex>
@@ -7,9 +8,13 @@
 
 namespace zarn::host::web {
 
-OnvifRoute::OnvifRoute(zarn::web::Service& module) : module(&module) {}
+OnvifRoute::OnvifRoute(zarn::web::Service& module, ZarnAuthenticationEngine const& engine)
+    : digest(engine), module(&module) {}
 
 OnvifRoute::Response OnvifRoute::Post(std::shared_ptr<zarn::web::Request> request) {
+    if (request->GetBody().empty() && FindField(*request, "Authorization").empty()) {
+        if (auto challenge = digest.Refuse(*request)) return challenge;
+    }
     std::shared_lock const lock(mutex);
     if (module == nullptr) return MakeTextResponse(Reply::Status::ServiceUnavailable, "The server is stopping.");
     return module->Post(std::move(request));

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "host/web/digest.h"
+
 #include <zarn/web/service.h>
 
 #include <memory>
@@ -12,15 +14,18 @@ namespace zarn::host::web {
 class OnvifRoute final : public zarn::web::Service {
 public:
     /// module  must live until Stop() has returned
-    explicit OnvifRoute(zarn::web::Service& module);
+    /// engine  decides whether clients have to log in; must outlive the route
+    OnvifRoute(zarn::web::Service& module, ZarnAuthenticationEngine const& engine);
 
-    /// The module's answer; 503 after Stop().
+    /// The module's answer; 503 after Stop(). A request without body and credentials is answered 401 when clients have to
+    /// log in: some clients hold the body of their first request back until they have been asked for credentials.
     Response Post(std::shared_ptr<zarn::web::Request> request) override;
 
     /// When this returns, no request is in the module's Post and none will be.
     void Stop();
 
 private:
+    Digest digest;
     std::shared_mutex mutex; ///< guards module
     zarn::web::Service* module;
 };
