@@ -81,8 +81,7 @@ std::vector<Interface> ReadInterfaces() {
     return interfaces;
 }
 
-address_v4 ChooseLocalAddress(std::optional<address_v4> const& routed, std::span<Interface const> interfaces) {
-    if (routed && !routed->is_loopback() && !routed->is_unspecified()) return *routed;
+address_v4 ChooseLocalAddress(std::span<Interface const> interfaces) {
     auto const found = std::ranges::find_if(
         interfaces, [](Interface const& each) { return each.up && !each.loopback && !each.address.is_unspecified(); });
     return found == interfaces.end() ? address_v4::loopback() : found->address;

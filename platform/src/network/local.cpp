@@ -36,8 +36,8 @@ private:
     int descriptor;
 };
 
-/// The address that the kernel would send from to the world at large; empty when it has no route. Connecting a UDP
-/// socket makes it choose and sends nothing.
+/// The address that the kernel would send from to the world at large; empty when it has no route, or one that does not
+/// leave this machine. Connecting a UDP socket makes it choose and sends nothing.
 std::optional<address_v4> ProbeRoute() noexcept {
     // TEST-NET-2 (RFC 5737): nobody's network, so that only the default route leads there.
     auto const target = address::v4::Make(198, 51, 100, 1);
@@ -51,7 +51,9 @@ std::optional<address_v4> ProbeRoute() noexcept {
     auto* const generic = reinterpret_cast<sockaddr*>(&endpoint);
     if (socket.Get() < 0 || connect(socket.Get(), generic, length) != 0) return std::nullopt;
     if (getsockname(socket.Get(), generic, &length) != 0) return std::nullopt;
-    return address_v4(ntohl(endpoint.sin_addr.s_addr));
+    address_v4 const address(ntohl(endpoint.sin_addr.s_addr));
+    if (address.is_loopback() || address.is_unspecified()) return std::nullopt;
+    return address;
 }
 
 /// Nothing when the kernel does not answer: the caller has a last resort.
@@ -66,10 +68,8 @@ std::vector<Interface> ReadInterfacesIfPossible() {
 } // namespace
 
 address_v4 GetLocalIPAddress() {
-    auto const routed = ProbeRoute();
-    // The list is the dear part and not needed when the route decides.
-    if (routed && ChooseLocalAddress(routed, {}) == *routed) return *routed;
-    return ChooseLocalAddress(std::nullopt, ReadInterfacesIfPossible());
+    if (auto const routed = ProbeRoute()) return *routed;
+    return ChooseLocalAddress(ReadInterfacesIfPossible());
 }
 
 std::string GetHostname() {

@@ -2,7 +2,6 @@
 
 #include <boost/asio/ip/address_v4.hpp>
 
-#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -23,10 +22,7 @@ struct Interface {
 /// Throws std::system_error when the kernel does not answer. Thread: any.
 std::vector<Interface> ReadInterfaces();
 
-/// The address under which others reach this machine: `routed` when it is one that others can use, else that of the
-/// first interface that is up, has an address and is no loopback, else 127.0.0.1.
-/// routed  the address of the interface that the default route uses; empty without such a route
-boost::asio::ip::address_v4 ChooseLocalAddress(std::optional<boost::asio::ip::address_v4> const& routed,
-                                               std::span<Interface const> interfaces);
+/// The address of the first interface that is up, has an address and is no loopback; 127.0.0.1 when there is none.
+boost::asio::ip::address_v4 ChooseLocalAddress(std::span<Interface const> interfaces);
 
 } // namespace zarn::network
