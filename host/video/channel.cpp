@@ -1,0 +1,176 @@
+#include "host/video/channel.h"
+
+#include "host/video/back_off.h"
+
+#include <zarn/logging/logger.h>
+
+#include <exception>
+#include <utility>
+
+namespace zarn::host::video {
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+
+/// How long one wait for a picture lasts; a stop is noticed after it.
+constexpr std::chrono::milliseconds PullWait = 100ms;
+
+/// A source that gives nothing for so long has failed.
+constexpr std::chrono::seconds PictureTimeout = 10s;
+
+/// A file that lags more than this, because the machine could not follow, goes on in real time instead of catching up.
+constexpr std::chrono::seconds LagLimit = 1s;
+
+logging::Logger const& Log() {
+    static logging::Logger const Logger("zarn.host.video");
+    return Logger;
+}
+
+std::string ToText(meta::data::VideoInfo const& info) {
+    auto const [width, height] = info.GetResolution();
+    return info.GetCodec() + " " + std::to_string(width) + "x" + std::to_string(height) + " " +
+           std::to_string(info.GetFrameRateNumerator()) + "/" + std::to_string(info.GetFrameRateDenominator());
+}
+
+} // namespace
+
+Channel::Channel(ChannelSettings settings, std::function<void()> onBreak)
+    : settings(std::move(settings)), onBreak(std::move(onBreak)), stream(std::make_shared<Stream>(this->settings.described)) {
+    if (!HasSource()) return;
+    auto parsed = ParseSource(this->settings.source);
+    if (!parsed.source) {
+        SetState(ChannelState::Failed, std::move(parsed.error));
+        return;
+    }
+    state = ChannelState::Connecting;
+    thread = std::jthread([this, source = std::move(*parsed.source)](std::stop_token const& stop) { Run(stop, source); });
+}
+
+Channel::~Channel() = default;
+
+void Channel::Stop() { thread.request_stop(); }
+
+void Channel::Join() {
+    if (thread.joinable()) thread.join();
+}
+
+bool Channel::CanGoOnWith(ChannelSettings const& other) const {
+    auto same = other;
+    same.described = settings.described;
+    return same == settings;
+}
+
+ChannelStatus Channel::GetStatus() const {
+    ChannelStatus status;
+    status.id = settings.id;
+    status.info = stream->Describe();
+    if (auto const newest = stream->GetNewest()) {
+        status.frameAge = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - *newest);
+    }
+    std::scoped_lock const lock(mutex);
+    status.state = state;
+    status.detail = detail;
+    status.restarts = restarts;
+    return status;
+}
+
+void Channel::Run(std::stop_token const& stop, Source const& source) {
+    BackOff backOff;
+    OpenOptions options{settings.user, settings.password, false};
+    while (!stop.stop_requested()) {
+        auto outcome = RunOnce(stop, source, options);
+        if (stop.stop_requested() || outcome.failure.empty()) continue;
+        stream->Interrupt();
+        SetState(ChannelState::Failed, std::move(outcome.failure));
+        auto const lasted = outcome.firstPicture ? Clock::now() - *outcome.firstPicture : Clock::duration{0};
+        WaitUntil(stop, Clock::now() + backOff.Fail(lasted));
+        // A server that refuses one transport may offer the other.
+        if (!outcome.firstPicture) options.overUdp = !options.overUdp;
+        if (stop.stop_requested()) break;
+        {
+            std::scoped_lock const lock(mutex);
+            ++restarts;
+        }
+        SetState(ChannelState::Connecting, {});
+    }
+    stream->End();
+}
+
+Channel::Outcome Channel::RunOnce(std::stop_token const& stop, Source const& source, OpenOptions const& options) {
+    bool const isPaced = std::holds_alternative<FileSource>(source);
+    Outcome outcome;
+    timeline.BeginRun();
+    Producer producer(source, options);
+    auto newest = Clock::now();
+    while (!stop.stop_requested()) {
+        auto result = producer.Pull(PullWait);
+        if (auto* picture = std::get_if<Producer::Picture>(&result)) {
+            newest = Clock::now();
+            Take(stop, std::move(*picture), isPaced);
+            if (!outcome.firstPicture) outcome.firstPicture = newest;
+        } else if (auto* failed = std::get_if<Producer::Failed>(&result)) {
+            outcome.failure = std::move(failed->reason);
+            return outcome;
+        } else if (std::holds_alternative<Producer::Ended>(result)) {
+            if (!isPaced) outcome.failure = "the video ended";
+            if (!outcome.firstPicture) outcome.failure = "it holds no video";
+            return outcome;
+        } else if (Clock::now() - newest > PictureTimeout) {
+            outcome.failure = "no picture came for 10 seconds";
+            return outcome;
+        }
+    }
+    return outcome;
+}
+
+void Channel::Take(std::stop_token const& stop, Producer::Picture picture, bool isPaced) {
+    Follow(gst_sample_get_caps(picture.sample.get()));
+    auto const now = stream->GetNow();
+    if (isPaced && now - timeline.GetPosition() > LagLimit) timeline.BeginRun();
+    auto unit = std::make_shared<AccessUnit>();
+    unit->stamp = timeline.Place(picture.presentation, picture.decoding, now);
+    if (isPaced) WaitUntil(stop, Clock::now() + (unit->stamp.decoding - now));
+    auto* buffer = gst_sample_get_buffer(picture.sample.get());
+    unit->data.reset(gst_buffer_ref(buffer));
+    unit->isKey = !GST_BUFFER_FLAG_IS_SET(buffer, GST_BUFFER_FLAG_DELTA_UNIT);
+    unit->size = gst_buffer_get_size(buffer);
+    unit->came = Clock::now();
+    stream->Publish(std::move(unit));
+    SetState(ChannelState::Running, {});
+}
+
+void Channel::Follow(GstCaps* next) {
+    if (caps && (caps.get() == next || gst_caps_is_equal(caps.get(), next) != FALSE)) return;
+    auto const format = ReadFormat(next);
+    if (!format) return;
+    caps = format->caps;
+    if (!stream->SetFormat(*format)) onBreak();
+}
+
+void Channel::WaitUntil(std::stop_token const& stop, Clock::time_point time) {
+    std::unique_lock lock(mutex);
+    wake.wait_until(lock, stop, time, [] { return false; });
+}
+
+void Channel::SetState(ChannelState next, std::string why) {
+    {
+        std::scoped_lock const lock(mutex);
+        if (state == next && detail == why) return;
+        state = next;
+        detail = why;
+    }
+    switch (next) {
+    case ChannelState::Running:
+        Log().Log(logging::Level::Info, "channel %0%: running, %1%", settings.id, ToText(stream->Describe()));
+        break;
+    case ChannelState::Failed:
+        Log().Log(logging::Level::Warning, "channel %0%: source %1% failed: %2%", settings.id, settings.source, why);
+        break;
+    default:
+        Log().Log(logging::Level::Debug, "channel %0%: opening %1%", settings.id, settings.source);
+        break;
+    }
+}
+
+} // namespace zarn::host::video

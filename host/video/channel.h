@@ -1,0 +1,86 @@
+#pragma once
+
+#include "host/video/channel_settings.h"
+#include "host/video/channel_status.h"
+#include "host/video/producer.h"
+#include "host/video/source.h"
+#include "host/video/stream.h"
+#include "host/video/timeline.h"
+
+#include <condition_variable>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <stop_token>
+#include <string>
+#include <thread>
+
+namespace zarn::host::video {
+
+/// Keeps one source open and publishes its video in real time: opens it, begins a file again at its end, opens a source that
+/// failed again after a pause. Each channel with a source has a thread of its own, so that none can hold up another.
+/// Thread: any.
+class Channel {
+public:
+    /// settings  see ChannelSettings
+    /// onBreak   called on the channel's thread when the video changed so that those who view it cannot go on
+    Channel(ChannelSettings settings, std::function<void()> onBreak);
+
+    /// Stop() and Join().
+    ~Channel();
+
+    Channel(Channel const&) = delete;
+    Channel& operator=(Channel const&) = delete;
+
+    /// Begins to close the source, does not wait.
+    void Stop();
+
+    /// Waits until a stopped channel has closed its source; nothing is published and onBreak is not called any more.
+    /// Thread: one at a time.
+    void Join();
+
+    /// True when only the description differs between the settings, so that the channel can go on.
+    bool CanGoOnWith(ChannelSettings const& other) const;
+
+    /// Changes the description that stands until the video is known.
+    void SetDescribed(meta::data::VideoInfo const& value) { stream->SetDescribed(value); }
+
+    /// The video; never null.
+    std::shared_ptr<Stream> const& GetStream() const { return stream; }
+
+    /// True when the channel has a source.
+    bool HasSource() const { return !settings.source.empty(); }
+
+    /// The channel at this moment.
+    ChannelStatus GetStatus() const;
+
+private:
+    /// How one run of the source ended.
+    struct Outcome {
+        std::string failure;                                                     ///< empty: the file ended, or stopped
+        std::optional<std::chrono::steady_clock::time_point> firstPicture = {}; ///< when video began
+    };
+
+    void Run(std::stop_token const& stop, Source const& source);
+    Outcome RunOnce(std::stop_token const& stop, Source const& source, OpenOptions const& options);
+    void Take(std::stop_token const& stop, Producer::Picture picture, bool isPaced);
+    void Follow(GstCaps* caps);
+    void WaitUntil(std::stop_token const& stop, std::chrono::steady_clock::time_point time);
+    void SetState(ChannelState state, std::string detail);
+
+    ChannelSettings const settings;
+    std::function<void()> const onBreak;
+    std::shared_ptr<Stream> const stream;
+    Timeline timeline;            ///< the channel's thread only
+    std::shared_ptr<GstCaps> caps; ///< of the newest picture; the channel's thread only
+
+    mutable std::mutex mutex; ///< guards state, detail and restarts
+    std::condition_variable_any wake;
+    ChannelState state = ChannelState::Described;
+    std::string detail;
+    std::uint64_t restarts = 0;
+
+    std::jthread thread;
+};
+
+} // namespace zarn::host::video

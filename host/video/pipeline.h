@@ -1,0 +1,54 @@
+#pragma once
+
+#include "host/video/handle.h"
+
+#include <gst/gst.h>
+
+#include <mutex>
+#include <string>
+
+namespace zarn::host::video {
+
+/// A GStreamer pipeline that remembers why it failed and keeps no other messages. Destruction ends it.
+/// Thread: any.
+class Pipeline {
+public:
+    Pipeline();
+    ~Pipeline();
+    Pipeline(Pipeline const&) = delete;
+    Pipeline& operator=(Pipeline const&) = delete;
+
+    /// The pipeline as a bin, to put elements into.
+    GstBin* GetBin() const { return GST_BIN(pipeline.get()); }
+
+    /// Makes an element of this kind and puts it into the pipeline. Null when GStreamer lacks it: the pipeline has failed.
+    GstElement* Add(char const* kind);
+
+    /// Makes a bin of a launch line and puts it into the pipeline; open ends become its pads. Null when that fails: the
+    /// pipeline has failed.
+    GstElement* AddText(std::string const& text);
+
+    /// Starts to play.
+    void Play();
+
+    /// Ends everything; the streaming threads have gone when this returns. The destructor does it too.
+    void End();
+
+    /// Puts down why the pipeline is of no use; the first reason stays.
+    void Fail(std::string reason);
+
+    /// Why the pipeline failed, for people; empty when it did not.
+    std::string GetFailure() const;
+
+    /// The application sink called `SinkName`, once it is there.
+    ObjectHandle<GstElement> FindSink() const;
+
+private:
+    static GstBusSyncReply OnMessage(GstBus* bus, GstMessage* message, gpointer self);
+
+    ObjectHandle<GstElement> pipeline;
+    mutable std::mutex mutex; ///< guards `failure`
+    std::string failure;
+};
+
+} // namespace zarn::host::video

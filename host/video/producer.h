@@ -1,0 +1,59 @@
+#pragma once
+
+#include "host/video/handle.h"
+#include "host/video/source.h"
+
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <string>
+#include <variant>
+
+namespace zarn::host::video {
+
+/// How a source is opened.
+struct OpenOptions {
+    std::string user;     ///< for RTSP; empty: none
+    std::string password; ///< for RTSP
+    bool overUdp = false; ///< for RTSP: UDP instead of TCP
+};
+
+/// One run of a source: from opening it to its end or failure.
+/// Thread: one at a time.
+class Producer {
+public:
+    /// One coded picture.
+    struct Picture {
+        MiniHandle<GstSample> sample;                         ///< the access unit with its caps
+        std::optional<std::chrono::nanoseconds> presentation; ///< source's time to show it
+        std::optional<std::chrono::nanoseconds> decoding;     ///< source's time to decode it
+    };
+
+    struct Nothing {}; ///< no picture came in time
+    struct Ended {};   ///< the source has no more pictures
+
+    struct Failed {
+        std::string reason; ///< for people
+    };
+
+    using Result = std::variant<Nothing, Picture, Ended, Failed>;
+
+    /// Begins to open the source.
+    Producer(Source const& source, OpenOptions const& options);
+
+    /// Closes the source.
+    ~Producer();
+
+    Producer(Producer const&) = delete;
+    Producer& operator=(Producer const&) = delete;
+
+    /// Waits for the next picture. Live sources give pictures when they are taken; a file gives them as fast as they are
+    /// asked for.
+    Result Pull(std::chrono::milliseconds timeout);
+
+private:
+    class Impl;
+    std::unique_ptr<Impl> impl;
+};
+
+} // namespace zarn::host::video

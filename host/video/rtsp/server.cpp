@@ -1,0 +1,184 @@
+#include "host/video/rtsp/server.h"
+
+#include "host/video/gstreamer.h"
+#include "host/video/rtsp/authentication.h"
+#include "host/video/rtsp/bounded_server.h"
+#include "host/video/rtsp/connections.h"
+#include "host/video/rtsp/loop.h"
+#include "host/video/rtsp/media_factory.h"
+
+#include <zarn/logging/logger.h>
+#include <zarn/logging/rate_limit.h>
+
+#include <functional>
+#include <map>
+#include <stdexcept>
+#include <string_view>
+#include <utility>
+
+namespace zarn::host::video::rtsp {
+namespace {
+
+constexpr std::string_view Prefix = "/channels/";
+constexpr guint LookSeconds = 2;
+constexpr guint MaximumBody = 64 * 1024;
+
+logging::Logger const& Log() {
+    static logging::Logger const Logger("zarn.host.video");
+    return Logger;
+}
+
+std::string MakePath(std::string const& id) { return std::string(Prefix) + id; }
+
+/// The channel in a path such as `/channels/1/stream=0`; empty when there is none.
+std::string_view FindId(GstRTSPContext const* context) {
+    if (context->uri == nullptr || context->uri->abspath == nullptr) return {};
+    std::string_view path = context->uri->abspath;
+    if (!path.starts_with(Prefix)) return {};
+    path.remove_prefix(Prefix.size());
+    return path.substr(0, path.find('/'));
+}
+
+std::string ToMessage(GError* error) {
+    std::string text = error == nullptr ? "unknown reason" : error->message;
+    g_clear_error(&error);
+    return text;
+}
+
+} // namespace
+
+/// Everything but construction and destruction is done on the loop's thread.
+class Server::Impl {
+public:
+    explicit Impl(std::uint16_t port) : server(MakeBoundedServer([this] { return HasRoom(); })) {
+        ObjectHandle<GstRTSPThreadPool> const threads(gst_rtsp_server_get_thread_pool(server.get()));
+        gst_rtsp_thread_pool_set_max_threads(threads.get(), 0); // connections are handled on the loop's thread
+        sessions.reset(gst_rtsp_server_get_session_pool(server.get()));
+        gst_rtsp_session_pool_set_max_sessions(sessions.get(), Connections::Maximum);
+        mounts.reset(gst_rtsp_server_get_mount_points(server.get()));
+        gst_rtsp_server_set_content_length_limit(server.get(), MaximumBody);
+        gst_rtsp_server_set_service(server.get(), std::to_string(port).c_str());
+        g_signal_connect(server.get(), "client-connected", G_CALLBACK(&Impl::OnConnected), this);
+
+        GError* error = nullptr;
+        auto* source = gst_rtsp_server_create_source(server.get(), nullptr, &error);
+        if (source == nullptr) {
+            throw std::runtime_error("RTSP port " + std::to_string(port) + " cannot be bound: " + ToMessage(error));
+        }
+        Attach(source);
+        auto* timer = g_timeout_source_new_seconds(LookSeconds);
+        g_source_set_callback(timer, &Impl::OnTimer, this, nullptr);
+        Attach(timer);
+    }
+
+    ~Impl() {
+        loop.Run([this] {
+            for (auto* source : sources) {
+                g_source_destroy(source);
+                g_source_unref(source);
+            }
+            connections.CloseAll();
+            for (auto const& [id, stream] : streams) gst_rtsp_mount_points_remove_factory(mounts.get(), MakePath(id).c_str());
+            gst_rtsp_session_pool_filter(
+                sessions.get(), [](auto*, auto*, gpointer) { return GST_RTSP_FILTER_REMOVE; }, nullptr);
+            server.reset();
+        });
+    }
+
+    Impl(Impl const&) = delete;
+    Impl& operator=(Impl const&) = delete;
+
+    void SetAuthentication(GstRTSPAuth* authentication) { gst_rtsp_server_set_auth(server.get(), authentication); }
+
+    void Mount(std::string const& id, std::shared_ptr<Stream> const& stream) {
+        gst_rtsp_mount_points_add_factory(mounts.get(), MakePath(id).c_str(), MakeMediaFactory(stream).release());
+        streams.insert_or_assign(id, stream);
+    }
+
+    void Unmount(std::string const& id) {
+        gst_rtsp_mount_points_remove_factory(mounts.get(), MakePath(id).c_str());
+        streams.erase(id);
+        Disconnect(id);
+    }
+
+    void Disconnect(std::string const& id) { connections.CloseViewers(MakePath(id)); }
+
+    std::uint16_t GetPort() const { return static_cast<std::uint16_t>(gst_rtsp_server_get_bound_port(server.get())); }
+
+    Loop loop;
+
+private:
+    void Attach(GSource* source) {
+        g_source_attach(source, loop.GetContext());
+        sources.push_back(source);
+    }
+
+    bool HasRoom() {
+        if (connections.HasRoom()) return true;
+        if (auto const more = refusals.Admit()) {
+            Log().Log(logging::Level::Warning, "RTSP connection refused: there are %0% (%1% more refused before)",
+                      Connections::Maximum, *more);
+        }
+        return false;
+    }
+
+    static void OnConnected(GstRTSPServer*, GstRTSPClient* client, gpointer self) {
+        static_cast<Impl*>(self)->connections.Add(client);
+        g_signal_connect(client, "pre-describe-request", G_CALLBACK(&Impl::OnRequest), self);
+        g_signal_connect(client, "pre-setup-request", G_CALLBACK(&Impl::OnRequest), self);
+    }
+
+    /// A channel that has no video at the moment is there, but cannot be served: try again.
+    static GstRTSPStatusCode OnRequest(GstRTSPClient*, GstRTSPContext* context, gpointer self) {
+        auto const& streams = static_cast<Impl*>(self)->streams;
+        auto const found = streams.find(FindId(context));
+        bool const isSilent = found != streams.end() && !found->second->GetCodec();
+        return isSilent ? GST_RTSP_STS_SERVICE_UNAVAILABLE : GST_RTSP_STS_OK;
+    }
+
+    static gboolean OnTimer(gpointer self) {
+        auto& impl = *static_cast<Impl*>(self);
+        gst_rtsp_session_pool_cleanup(impl.sessions.get());
+        impl.connections.CloseIdle(Connections::Clock::now());
+        return G_SOURCE_CONTINUE;
+    }
+
+    ObjectHandle<GstRTSPServer> server;
+    ObjectHandle<GstRTSPSessionPool> sessions;
+    ObjectHandle<GstRTSPMountPoints> mounts;
+    Connections connections;
+    logging::RateLimit refusals;
+    std::map<std::string, std::shared_ptr<Stream>, std::less<>> streams;
+    std::vector<GSource*> sources;
+};
+
+Server::Server(std::uint16_t port) {
+    InitializeGStreamer();
+    impl = std::make_unique<Impl>(port);
+    this->port = impl->GetPort();
+}
+
+Server::~Server() = default;
+
+std::uint16_t Server::GetPort() const { return port; }
+
+void Server::SetAuthentication(bool authenticate, std::string const& ha1) {
+    auto const authentication = authenticate ? MakeAuthentication(ha1) : nullptr;
+    impl->loop.Run([&] { impl->SetAuthentication(authentication.get()); });
+}
+
+void Server::Mount(std::string const& id, std::shared_ptr<Stream> const& stream) {
+    impl->loop.Run([&] { impl->Mount(id, stream); });
+}
+
+void Server::Unmount(std::string const& id) {
+    impl->loop.Run([&] { impl->Unmount(id); });
+}
+
+void Server::Disconnect(std::string const& id) {
+    impl->loop.Post([self = impl.get(), id] { self->Disconnect(id); });
+}
+
+void Server::Stop() { impl.reset(); }
+
+} // namespace zarn::host::video::rtsp

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "host/video/stream.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace zarn::host::video::rtsp {
+
+/// The RTSP server: one port, one thread, a path per channel. RTP goes over the connection or over UDP.
+/// Connections and sessions are bounded; those that do nothing are ended.
+/// Thread: any but the server's own, one call of SetAuthentication() and Stop() at a time. Source: RFC 2326.
+class Server {
+public:
+    /// port  TCP port; 0 binds a free one
+    /// Throws std::runtime_error when it cannot be bound; the message names the port.
+    explicit Server(std::uint16_t port);
+
+    /// Stop().
+    ~Server();
+
+    Server(Server const&) = delete;
+    Server& operator=(Server const&) = delete;
+
+    /// The bound port.
+    std::uint16_t GetPort() const;
+
+    /// Asks connections that come from now on for digest authentication with this hash, or lets everybody in.
+    void SetAuthentication(bool authenticate, std::string const& ha1);
+
+    /// Serves a stream at `/channels/ID`, in place of what was there.
+    void Mount(std::string const& id, std::shared_ptr<Stream> const& stream);
+
+    /// Serves nothing there any more; its viewers' connections end.
+    void Unmount(std::string const& id);
+
+    /// Ends the connections of a channel's viewers soon; returns at once. Thread: any.
+    void Disconnect(std::string const& id);
+
+    /// Ends all connections and closes the port. Stopping twice is harmless. Nothing else may be called afterwards.
+    void Stop();
+
+private:
+    class Impl;
+    std::unique_ptr<Impl> impl;
+    std::uint16_t port = 0;
+};
+
+} // namespace zarn::host::video::rtsp
