@@ -10,6 +10,7 @@
 #include <zarn/logging/logger.h>
 #include <zarn/logging/rate_limit.h>
 
+#include <algorithm>
 #include <functional>
 #include <map>
 #include <stdexcept>
@@ -30,13 +31,14 @@ logging::Logger const& Log() {
 
 std::string MakePath(std::string const& id) { return std::string(Prefix) + id; }
 
-/// The channel in a path such as `/channels/1/stream=0`; empty when there is none.
+/// The channel in the path of a stream, `/channels/1`, or of its media, `/channels/1/stream=0`; empty when there is none.
 std::string_view FindId(GstRTSPContext const* context) {
     if (context->uri == nullptr || context->uri->abspath == nullptr) return {};
     std::string_view path = context->uri->abspath;
     if (!path.starts_with(Prefix)) return {};
     path.remove_prefix(Prefix.size());
-    return path.substr(0, path.find('/'));
+    auto const rest = std::min(path.find('/'), path.size());
+    return rest == path.size() || path.substr(rest).starts_with("/stream=") ? path.substr(0, rest) : std::string_view();
 }
 
 std::string ToMessage(GError* error) {
