@@ -1,0 +1,132 @@
+#include "exchange.h"
+#include "recording_services.h"
+
+#include <gmock/gmock.h>
+#include <httpda.h>
+#include <openssl/evp.h>
+
+#include <array>
+#include <atomic>
+#include <ctime>
+#include <regex>
+#include <string>
+
+namespace {
+
+/// What the plugin takes for the time; 0 is the real one.
+std::atomic<std::time_t> fakeTime{0};
+
+} // namespace
+
+/// Stands before the C library's function for the plugin too.
+extern "C" std::time_t time(std::time_t* result) noexcept {
+    std::time_t now = fakeTime;
+    if (now == 0) {
+        timespec clock{};
+        clock_gettime(CLOCK_REALTIME, &clock);
+        now = clock.tv_sec;
+    }
+    if (result != nullptr) {
+        *result = now;
+    }
+    return now;
+}
+
+namespace zarn::bindings {
+namespace {
+
+constexpr auto Realm = "device";
+constexpr auto Password = "secret";
+
+/// Lets in whom the plugin's own check lets in, which asks its list of challenges.
+struct GuardedDevice : RecordingDevice {
+    using RecordingDevice::RecordingDevice;
+
+    int GetUsers(_tds__GetUsers*, _tds__GetUsersResponse&) override {
+        if (soap->authrealm != nullptr && http_da_verify_post(soap, Password) == SOAP_OK) {
+            return Record("GetUsers");
+        }
+        soap->authrealm = Realm;
+        return 401;
+    }
+};
+
+/// The digest of the text in hexadecimal.
+std::string Md5(std::string const& text) {
+    std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
+    unsigned int size = 0;
+    EVP_Digest(text.data(), text.size(), digest.data(), &size, EVP_md5(), nullptr);
+    std::string hex;
+    for (unsigned int i = 0; i < size; ++i) {
+        hex += "0123456789abcdef"[digest.at(i) >> 4U];
+        hex += "0123456789abcdef"[digest.at(i) & 15U];
+    }
+    return hex;
+}
+
+struct Challenge {
+    std::string nonce;
+    std::string opaque;
+};
+
+class DigestPlugin : public testing::Test {
+protected:
+    ~DigestPlugin() override { fakeTime = 0; }
+
+    /// Sends a request at that second and returns the response.
+    static std::string Post(std::time_t second, std::string const& authorization = "") {
+        fakeTime = second;
+        auto const context = MakeContext();
+        GuardedDevice service(context.get());
+        soap_register_plugin_arg(context.get(), http_da, http_da_md5());
+        auto const body = Envelope("<tds:GetUsers/>");
+        std::istringstream in("POST /onvif HTTP/1.1\r\nHost: localhost\r\nContent-Type: application/soap+xml\r\n" +
+                              authorization + "Content-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body);
+        std::ostringstream out;
+        context->is = &in;
+        context->os = &out;
+        if (soap_begin_serve(context.get()) != SOAP_OK || service.dispatch() != SOAP_OK) {
+            soap_send_fault(context.get());
+        }
+        context->is = nullptr;
+        context->os = nullptr;
+        return out.str();
+    }
+
+    static Challenge ChallengeAt(std::time_t second) {
+        auto const response = Post(second);
+        EXPECT_THAT(response, testing::StartsWith("HTTP/1.1 401 "));
+        auto const field = [&](std::string const& name) {
+            std::smatch match;
+            EXPECT_TRUE(std::regex_search(response, match, std::regex(name + "=\"([^\"]*)\""))) << response;
+            return match.empty() ? std::string() : match[1].str();
+        };
+        return {field("nonce"), field("opaque")};
+    }
+
+    static std::string Answer(Challenge const& challenge) {
+        auto const user = Md5(std::string("admin:") + Realm + ":" + Password);
+        auto const response = Md5(user + ":" + challenge.nonce + ":00000001:client:auth:" + Md5("POST:/onvif"));
+        return std::string("Authorization: Digest username=\"admin\", realm=\"") + Realm + "\", nonce=\"" +
+               challenge.nonce + "\", uri=\"/onvif\", opaque=\"" + challenge.opaque +
+               "\", qop=auth, nc=00000001, cnonce=\"client\", algorithm=MD5, response=\"" + response + "\"\r\n";
+    }
+};
+
+// The list is cleaned up when a challenge is made in a second that is a multiple of ten.
+constexpr std::time_t Start = 1'800'000'001;
+
+TEST_F(DigestPlugin, FindsAChallengeBeforeTheListIsCleanedUp) {
+    auto const challenge = ChallengeAt(Start);
+    ChallengeAt(Start + 1);
+    EXPECT_THAT(Post(Start + 2, Answer(challenge)), testing::StartsWith("HTTP/1.1 200 "));
+}
+
+TEST_F(DigestPlugin, ForgetsAChallengeWithinTenSeconds) {
+    auto const challenge = ChallengeAt(Start);
+    ChallengeAt(Start + 9);
+    EXPECT_THAT(Post(Start + 9, Answer(challenge)), testing::StartsWith("HTTP/1.1 401 "));
+}
+
+} // namespace
+} // namespace zarn::bindings
