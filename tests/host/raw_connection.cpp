@@ -1,0 +1,98 @@
+#include "host/raw_connection.h"
+
+#include <boost/algorithm/string/case_conv.hpp>
+#include <boost/algorithm/string/trim.hpp>
+#include <boost/asio/write.hpp>
+#include <poll.h>
+
+#include <array>
+#include <cstddef>
+#include <sstream>
+#include <stdexcept>
+
+namespace zarn::tests::host {
+
+using boost::asio::ip::tcp;
+
+RawConnection::RawConnection(std::uint16_t port, std::chrono::milliseconds limit) : socket(io), limit(limit) {
+    socket.connect(tcp::endpoint(boost::asio::ip::address_v4::loopback(), port));
+}
+
+void RawConnection::Send(std::string_view bytes) {
+    boost::system::error_code ignored;
+    boost::asio::write(socket, boost::asio::buffer(bytes), ignored);
+}
+
+bool RawConnection::Fill(std::chrono::milliseconds wait) {
+    pollfd entry{socket.native_handle(), POLLIN, 0};
+    if (poll(&entry, 1, static_cast<int>(wait.count())) != 1) throw std::runtime_error("nothing came in time");
+    std::array<char, 65536> chunk{};
+    boost::system::error_code error;
+    std::size_t const count = socket.read_some(boost::asio::buffer(chunk), error);
+    received.append(chunk.data(), count);
+    return !error;
+}
+
+RawResponse RawConnection::Read(bool hasBody) {
+    std::size_t end = received.find("\r\n\r\n");
+    for (; end == std::string::npos; end = received.find("\r\n\r\n")) {
+        if (!Fill(limit)) throw std::runtime_error("the connection ended before a response: '" + received + "'");
+    }
+    std::istringstream head(received.substr(0, end + 2));
+    received.erase(0, end + 4);
+    RawResponse response;
+    std::string line;
+    std::getline(head, line);
+    response.status = static_cast<unsigned>(std::stoul(line.substr(line.find(' '))));
+    while (std::getline(head, line)) {
+        auto const colon = line.find(':');
+        response.fields[boost::to_lower_copy(line.substr(0, colon))] = boost::trim_copy(line.substr(colon + 1));
+    }
+    if (hasBody && response.fields.contains("content-length")) {
+        response.body = ReadBytes(std::stoul(response.fields["content-length"]));
+    }
+    return response;
+}
+
+RawResponse RawConnection::Exchange(std::string_view bytes) {
+    Send(bytes);
+    return Read();
+}
+
+std::string RawConnection::ReadBytes(std::size_t count) {
+    while (received.size() < count && Fill(limit)) {
+    }
+    std::string const bytes = received.substr(0, count);
+    received.erase(0, bytes.size());
+    return bytes;
+}
+
+std::string RawConnection::ReadAll() {
+    while (Fill(limit)) {
+    }
+    return std::exchange(received, {});
+}
+
+bool RawConnection::IsClosedWithin(std::chrono::milliseconds wait) {
+    try {
+        return !Fill(wait) && received.empty();
+    } catch (std::runtime_error const&) {
+        return false;
+    }
+}
+
+void RawConnection::EndSending() {
+    boost::system::error_code ignored;
+    socket.shutdown(tcp::socket::shutdown_send, ignored);
+}
+
+std::string MakeSoapRequest(std::string_view operation, std::string_view fields) {
+    std::string body = R"(<s:Envelope xmlns:s="http://www.w3.org/2003/05/soap-envelope"><s:Body><)";
+    body.append(operation).append(R"( xmlns="http://www.onvif.org/ver10/device/wsdl"/></s:Body></s:Envelope>)");
+    std::string request =
+        "POST /onvif/device_service HTTP/1.1\r\nHost: localhost\r\nContent-Type: application/soap+xml\r\n";
+    request.append(fields).append("Content-Length: ").append(std::to_string(body.size())).append("\r\n\r\n");
+    return request + body;
+}
+
+} // namespace zarn::tests::host

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/tcp.hpp>
+
+#include <chrono>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+
+namespace zarn::tests::host {
+
+/// A response as a test looks at it.
+struct RawResponse {
+    unsigned status = 0;
+    std::map<std::string, std::string> fields; ///< names in lower case
+    std::string body;
+};
+
+/// A TCP connection to 127.0.0.1 on which a test says exactly what it wants to. Every wait ends after `limit` with a
+/// std::runtime_error.
+class RawConnection {
+public:
+    explicit RawConnection(std::uint16_t port, std::chrono::milliseconds limit = std::chrono::seconds(10));
+
+    /// Sends bytes. What a peer that has closed does not take is dropped.
+    void Send(std::string_view bytes);
+
+    /// Reads one response. `hasBody` false: that of a HEAD request.
+    /// Throws std::runtime_error when the connection ends before.
+    RawResponse Read(bool hasBody = true);
+
+    /// Send, then Read.
+    RawResponse Exchange(std::string_view bytes);
+
+    /// Reads exactly as many bytes as `text` has, or up to the end of the connection.
+    std::string ReadBytes(std::size_t count);
+
+    /// Reads everything up to the end of the connection.
+    std::string ReadAll();
+
+    /// Whether the server ends the connection within `limit`, with nothing more to read.
+    bool IsClosedWithin(std::chrono::milliseconds limit);
+
+    /// No more is sent.
+    void EndSending();
+
+private:
+    bool Fill(std::chrono::milliseconds wait);
+
+    boost::asio::io_context io;
+    boost::asio::ip::tcp::socket socket;
+    std::chrono::milliseconds limit;
+    std::string received; ///< not looked at yet
+};
+
+/// A SOAP request of an operation without members of the device service.
+std::string MakeSoapRequest(std::string_view operation, std::string_view fields = {});
+
+} // namespace zarn::tests::host
