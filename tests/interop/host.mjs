@@ -57,7 +57,7 @@ export async function startHost(configuration = {}) {
 export async function waitForVideo(host, deadline = Date.now() + 20000) {
     for (;;) {
         const health = await (await fetch(`http://${host.hostname}:${host.port}/api/health`)).json();
-        if (Object.values(health.channels).every(channel => channel.state === 'running')) return health;
+        if (health.channels.every(channel => channel.state === 'running')) return health;
         if (Date.now() > deadline) throw new Error(`no video: ${JSON.stringify(health.channels)}`);
         await new Promise(resolve => setTimeout(resolve, 50));
     }

@@ -1,0 +1,38 @@
+// Sends one SOAP 1.2 request, with HTTP digest when the host asks for it, and returns {status, text}.
+import {createHash, randomBytes} from 'node:crypto';
+
+import {password} from './host.mjs';
+
+const namespaces = {
+    a: 'http://www.w3.org/2005/08/addressing', tt: 'http://www.onvif.org/ver10/schema',
+    tds: 'http://www.onvif.org/ver10/device/wsdl', trt: 'http://www.onvif.org/ver10/media/wsdl',
+    tr2: 'http://www.onvif.org/ver20/media/wsdl', tev: 'http://www.onvif.org/ver10/events/wsdl',
+    tan: 'http://www.onvif.org/ver20/analytics/wsdl', wsnt: 'http://docs.oasis-open.org/wsn/b-2',
+};
+
+const md5 = text => createHash('md5').update(text).digest('hex');
+
+function answer(challenge, uri) {
+    const value = name => new RegExp(`${name}="([^"]*)"`).exec(challenge)[1];
+    const [realm, nonce] = [value('realm'), value('nonce')];
+    const cnonce = randomBytes(8).toString('hex');
+    const nc = '00000001';
+    const response = md5([md5(`admin:${realm}:${password}`), nonce, nc, cnonce, 'auth', md5(`POST:${uri}`)].join(':'));
+    return `Digest username="admin", realm="${realm}", nonce="${nonce}", uri="${uri}", algorithm=MD5, qop=auth, ` +
+        `nc=${nc}, cnonce="${cnonce}", response="${response}"`;
+}
+
+export async function ask(host, operation, {header = '', path = '/onvif/device_service'} = {}) {
+    const declarations = Object.entries(namespaces).map(([prefix, uri]) => ` xmlns:${prefix}="${uri}"`).join('');
+    const body = `<?xml version="1.0" encoding="UTF-8"?><s:Envelope xmlns:s="http://www.w3.org/2003/05/soap-envelope"${declarations}>` +
+        `${header && `<s:Header>${header}</s:Header>`}<s:Body>${operation}</s:Body></s:Envelope>`;
+    const send = headers => fetch(new URL(path, host.url), {
+        method: 'POST', body, headers: {'Content-Type': 'application/soap+xml; charset=utf-8', ...headers},
+    });
+    let response = await send({});
+    if (response.status === 401) {
+        await response.arrayBuffer();
+        response = await send({Authorization: answer(response.headers.get('www-authenticate'), path)});
+    }
+    return {status: response.status, text: await response.text()};
+}

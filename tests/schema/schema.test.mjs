@@ -1,0 +1,123 @@
+// Every response of the device against the published schemas. Where the device departs from them on purpose, the exact
+// complaint is listed with its operation: one that is missing fails the test as one too many does.
+// The schemas are not part of the project: ONVIF_WSDL_DIR names their folder.
+import assert from 'node:assert/strict';
+import {existsSync, mkdtempSync, rmSync, writeFileSync} from 'node:fs';
+import {tmpdir} from 'node:os';
+import {dirname, join} from 'node:path';
+import {after, before, test} from 'node:test';
+import {fileURLToPath} from 'node:url';
+
+import {run, startHost} from '../interop/host.mjs';
+import {ask} from '../interop/soap.mjs';
+import {makeSchemas} from './make_schemas.mjs';
+
+const beside = join(dirname(fileURLToPath(import.meta.url)), '../../../shared/onvif-wsdl');
+const wsdl = process.env.ONVIF_WSDL_DIR ?? (existsSync(beside) ? beside : undefined);
+
+const token = (prefix, name = 'ProfileToken') => `<${prefix}:${name}>channels.1</${prefix}:${name}>`;
+
+// The device has nothing to say in these parts of its capabilities.
+const noNetwork = "Element 'tds:Security': This element is not expected. Expected is ( tds:Network ).";
+// The options are left out whole; those of the encoder when no channel is named.
+const noOptions = operation => `Element '${operation}Response': Missing child element(s). Expected is (`;
+// The ranges of what cannot be set.
+const noRanges = "Element 'tt:H264': Missing child element(s). Expected is one of ( tt:ResolutionsAvailable, tt:GovLengthRange ).";
+// Engine and rules are the analytics service's, which has one module without parameters.
+const noEngine = element => `Element '${element}': Missing child element(s). Expected is ( tt:AnalyticsEngineConfiguration ).`;
+const noParameters = element => `Element '${element}': Missing child element(s). Expected is ( tt:Parameters ).`;
+
+// [operation, deviations]: the start of each complaint, with prefixes for namespaces.
+const responses = [
+    ['<tds:GetServices><tds:IncludeCapability>false</tds:IncludeCapability></tds:GetServices>', []],
+    ['<tds:GetServices><tds:IncludeCapability>true</tds:IncludeCapability></tds:GetServices>', [noNetwork]],
+    ['<tds:GetServiceCapabilities/>', [noNetwork]],
+    ['<tds:GetDeviceInformation/>', []],
+    ['<tds:GetCapabilities/>', []],
+    ['<tds:GetScopes/>', []],
+    ['<tds:GetSystemDateAndTime/>', []],
+    ['<tds:GetHostname/>', []],
+    ['<tds:GetNetworkInterfaces/>', []],
+    ['<tds:GetNetworkProtocols/>', []],
+    ['<tds:GetUsers/>', []],
+    ['<tds:SetUser/>', []],
+    ['<tds:GetDNS/>', []],
+    ['<trt:GetServiceCapabilities/>', []],
+    ['<trt:GetVideoSources/>', []],
+    ['<trt:GetProfiles/>', []],
+    [`<trt:GetProfile>${token('trt')}</trt:GetProfile>`, []],
+    ['<trt:GetProfile><trt:ProfileToken>none</trt:ProfileToken></trt:GetProfile>', []],
+    ['<trt:GetVideoSourceConfigurations/>', []],
+    [`<trt:GetVideoSourceConfiguration>${token('trt', 'ConfigurationToken')}</trt:GetVideoSourceConfiguration>`, []],
+    ['<trt:GetVideoSourceConfigurationOptions/>', [noOptions('trt:GetVideoSourceConfigurationOptions')]],
+    ['<trt:GetVideoEncoderConfigurations/>', []],
+    [`<trt:GetVideoEncoderConfiguration>${token('trt', 'ConfigurationToken')}</trt:GetVideoEncoderConfiguration>`, []],
+    ['<trt:GetVideoEncoderConfigurationOptions/>', []],
+    [`<trt:GetVideoEncoderConfigurationOptions>${token('trt', 'ConfigurationToken')}</trt:GetVideoEncoderConfigurationOptions>`, [noRanges]],
+    [`<trt:GetStreamUri>${token('trt')}</trt:GetStreamUri>`, []],
+    [`<trt:GetSnapshotUri>${token('trt')}</trt:GetSnapshotUri>`, []],
+    ['<trt:SetSynchronizationPoint/>', []],
+    ['<tr2:GetServiceCapabilities/>', []],
+    ['<tr2:GetProfiles/>', []],
+    ['<tr2:GetProfiles><tr2:Type>All</tr2:Type></tr2:GetProfiles>', [noEngine('tr2:Analytics'), noEngine('tr2:Analytics')]],
+    ['<tr2:GetVideoSourceConfigurations/>', []],
+    ['<tr2:GetVideoEncoderConfigurations/>', []],
+    ['<tr2:GetMetadataConfigurations/>', []],
+    ['<tr2:GetAnalyticsConfigurations/>', [noEngine('tr2:Configurations'), noEngine('tr2:Configurations')]],
+    ['<tr2:GetVideoSourceConfigurationOptions/>', []],
+    [`<tr2:GetVideoSourceConfigurationOptions>${token('tr2')}</tr2:GetVideoSourceConfigurationOptions>`, []],
+    [`<tr2:GetVideoEncoderConfigurationOptions>${token('tr2')}</tr2:GetVideoEncoderConfigurationOptions>`, []],
+    ['<tr2:GetVideoEncoderConfigurationOptions/>', [noOptions('tr2:GetVideoEncoderConfigurationOptions')]],
+    ['<tr2:GetMetadataConfigurationOptions/>', []],
+    ['<tr2:SetMetadataConfiguration/>', []],
+    ['<tr2:SetVideoEncoderConfiguration/>', []],
+    ['<tr2:SetSynchronizationPoint/>', []],
+    [`<tr2:GetStreamUri>${token('tr2')}</tr2:GetStreamUri>`, []],
+    [`<tr2:GetSnapshotUri>${token('tr2')}</tr2:GetSnapshotUri>`, []],
+    ['<tev:GetServiceCapabilities/>', []],
+    ['<tev:SetSynchronizationPoint/>', []],
+    ['<tan:GetServiceCapabilities/>', []],
+    ['<tan:GetSupportedAnalyticsModules/>', [noParameters('tt:AnalyticsModuleDescription')]],
+    ['<tan:GetAnalyticsModules/>', [noParameters('tan:AnalyticsModule')]],
+];
+
+const prefixes = {
+    tt: 'http://www.onvif.org/ver10/schema', tds: 'http://www.onvif.org/ver10/device/wsdl',
+    trt: 'http://www.onvif.org/ver10/media/wsdl', tr2: 'http://www.onvif.org/ver20/media/wsdl',
+    tan: 'http://www.onvif.org/ver20/analytics/wsdl',
+};
+
+function complaintsOf(output) {
+    const complaints = [...output.matchAll(/validity error : (.*)/g)].map(match => match[1]);
+    return complaints.map(text => Object.entries(prefixes).reduce(
+        (shorter, [prefix, uri]) => shorter.replaceAll(`{${uri}}`, `${prefix}:`), text));
+}
+
+if (!wsdl) {
+    test('published schemas', {skip: 'ONVIF_WSDL_DIR is not set'}, () => {});
+} else {
+    const folder = mkdtempSync(join(tmpdir(), 'zarn-schema-'));
+    const {schema, env} = makeSchemas(wsdl, folder);
+    let host;
+    before(async () => {
+        const video = {codec: 'video/x-h264', width: 1920, height: 1080, rate: '25/1'};
+        host = await startHost({channels: {1: {name: 'Grün', video}, 2: {name: '北', video: {...video, codec: 'video/x-h265'}}}});
+    });
+    after(async () => {
+        await host.stop();
+        rmSync(folder, {recursive: true});
+    });
+    for (const [operation, deviations] of responses) {
+        test(operation, async () => {
+            const {text} = await ask(host, operation, {header: '<a:MessageID>urn:uuid:1</a:MessageID>'});
+            const file = join(folder, 'response.xml');
+            writeFileSync(file, text);
+            const {stderr} = await run('xmllint', ['--nonet', '--noout', '--schema', schema, file],
+                {env: {...process.env, ...env}});
+            assert.match(stderr, /response\.xml (validates|fails to validate)/);
+            const complaints = complaintsOf(stderr);
+            assert.deepEqual(complaints.map((complaint, index) => deviations[index] && complaint.startsWith(deviations[index])
+                ? deviations[index] : complaint), deviations, text);
+        });
+    }
+}
