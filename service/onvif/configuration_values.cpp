@@ -7,11 +7,17 @@ namespace zarn::service::onvif {
 
 namespace {
 
+/// Where the node would be.
+std::string JoinPath(configuration::node::Map const& map, boost::string_view path) {
+    auto const prefix = map.GetPath();
+    return (prefix.empty() ? prefix : prefix + ".") + std::string(path.data(), path.size());
+}
+
 template <class T>
 T ReadValue(configuration::node::Map const& map, boost::string_view path) {
     using Value = configuration::node::Primitive<T>;
     auto const node = map.Find(path);
-    if (!node) throw map.BadCastError(Value::TypeName);
+    if (!node) throw object::BadCast(Value::TypeName, JoinPath(map, path));
     return node->template As<Value>().GetValuePtr()->template As<object::Primitive<T>>().Get();
 }
 

@@ -32,6 +32,16 @@ tt__MediaUri* MakeMediaUri(soap* soap, std::string const& uri) {
     });
 }
 
+/// The options of every encoder: one quality.
+tt__VideoEncoderConfigurationOptions* MakeVideoEncoderOptions(soap* soap) {
+    return Filled(soap_new_tt__VideoEncoderConfigurationOptions(soap), [&](tt__VideoEncoderConfigurationOptions& out) {
+        out.QualityRange = Filled(soap_new_tt__IntRange(soap), [](tt__IntRange& range) {
+            range.Min = 1;
+            range.Max = 1;
+        });
+    });
+}
+
 tt__H264Options* MakeH264Options(soap* soap, meta::data::VideoInfo const& info) {
     return Filled(soap_new_tt__H264Options(soap), [&](tt__H264Options& options) {
         if (auto* resolution = MakeResolution(soap, info)) options.ResolutionsAvailable.push_back(resolution);
@@ -78,6 +88,7 @@ int MediaService::GetServiceCapabilities(_trt__GetServiceCapabilities*,
 
 int MediaService::GetVideoSources(_trt__GetVideoSources*, _trt__GetVideoSourcesResponse& response) {
     if (!IsAuthenticated(soap, authenticationEngine)) return 401;
+    // Without the configuration's lock: the entries are a snapshot, and nothing else of them is read.
     auto const channels = GetChannels(*configuration);
     for (auto const& entry : *channels) {
         auto const token = entry->GetPath();
@@ -143,16 +154,10 @@ int MediaService::GetVideoSourceConfigurationOptions(_trt__GetVideoSourceConfigu
 
 int MediaService::GetVideoEncoderConfigurationOptions(_trt__GetVideoEncoderConfigurationOptions* request,
                                                       _trt__GetVideoEncoderConfigurationOptionsResponse& response) {
-    response.Options =
-        Filled(soap_new_tt__VideoEncoderConfigurationOptions(soap), [&](tt__VideoEncoderConfigurationOptions& options) {
-            options.QualityRange = Filled(soap_new_tt__IntRange(soap), [](tt__IntRange& range) {
-                range.Min = 1;
-                range.Max = 1;
-            });
-            if (!request->ConfigurationToken) return;
-            // Any token will do: the channel's description is what counts, and an unknown channel has an empty one.
-            options.H264 = MakeH264Options(soap, channelInfo(GetChannelId(*request->ConfigurationToken)));
-        });
+    response.Options = MakeVideoEncoderOptions(soap);
+    if (!response.Options || !request->ConfigurationToken) return SOAP_OK;
+    // Any token will do: the channel's description is what counts, and an unknown channel has an empty one.
+    response.Options->H264 = MakeH264Options(soap, channelInfo(GetChannelId(*request->ConfigurationToken)));
     return SOAP_OK;
 }
 

@@ -107,9 +107,8 @@ tt__IntRectangleRange* MakeBoundsRange(soap* soap, meta::data::VideoInfo const& 
 /// The bounds when no channel is named: anything.
 tt__IntRectangleRange* MakeAnyBoundsRange(soap* soap) {
     return Filled(soap_new_tt__IntRectangleRange(soap), [&](tt__IntRectangleRange& range) {
-        for (auto member : {&tt__IntRectangleRange::XRange, &tt__IntRectangleRange::YRange,
-                            &tt__IntRectangleRange::WidthRange, &tt__IntRectangleRange::HeightRange})
-            range.*member = MakeIntRange(soap, 0, 9999);
+        auto* const any = MakeIntRange(soap, 0, 9999);
+        range.XRange = range.YRange = range.WidthRange = range.HeightRange = any;
     });
 }
 

@@ -37,7 +37,7 @@ std::string GetChannelId(std::string const& token) { return token.substr(token.r
 
 std::shared_ptr<configuration::node::Dynamic const> GetChannels(configuration::node::Root const& root) {
     auto const node = root.Find("channels");
-    if (!node) throw root.BadCastError("unknown");
+    if (!node) throw object::BadCast("unknown", "channels");
     if (!node->Is<configuration::node::Dynamic>()) throw node->BadCastError("unknown");
     return std::static_pointer_cast<configuration::node::Dynamic const>(node);
 }
@@ -47,7 +47,8 @@ std::string ConvertCodec(std::string const& codec) {
     if (separator == std::string::npos) separator = codec.rfind('/');
     if (separator == std::string::npos) return {};
     auto encoding = codec.substr(separator + 1);
-    std::use_facet<std::ctype<char>>(std::locale()).toupper(encoding.data(), encoding.data() + encoding.size());
+    std::locale const global;
+    for (auto& character : encoding) character = std::toupper(character, global);
     return encoding;
 }
 

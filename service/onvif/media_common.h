@@ -30,15 +30,24 @@ std::string ConvertCodec(std::string const& codec);
 /// The token that a Media2 request asks for: its profile token if it has one, else its configuration token, else "".
 std::string GetToken(tr2__GetConfiguration const* request);
 
-/// One configuration or profile of a channel, allocated in the context; null without memory.
-/// token  the channel's path in the configuration, which every object of the channel bears as its token
-/// name   the channel's name
+// The makers allocate what they make in the context, and return null without memory. In all of them:
+// token  the channel's path in the configuration, which every object of the channel bears as its token
+// name   the channel's name
+// info   its video; a size that no int holds keeps its bits
+
+/// The video source of a channel: its whole picture.
 tt__VideoSourceConfiguration* MakeVideoSourceConfiguration(soap* soap, std::string const& token,
                                                            std::string const& name, meta::data::VideoInfo const& info);
+
+/// The video encoder of a channel as the ver10 service describes one: H.264, whatever the codec, and no multicast.
 tt__VideoEncoderConfiguration* MakeVideoEncoderConfiguration(soap* soap, std::string const& token,
                                                              std::string const& name,
                                                              meta::data::VideoInfo const& info);
+
+/// The metadata of a channel: analytics, and no multicast.
 tt__MetadataConfiguration* MakeMetadataConfiguration(soap* soap, std::string const& token, std::string const& name);
+
+/// The ver10 profile of a channel, with the three configurations above.
 tt__Profile* MakeProfile(soap* soap, std::string const& token, std::string const& name,
                          meta::data::VideoInfo const& info);
 

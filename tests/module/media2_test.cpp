@@ -141,8 +141,9 @@ TEST_F(Media2, CopiesAnEmptyPictureAsItIs) {
 
 TEST_F(Media2, KeepsTheBitsOfAPictureSizeThatTheSchemaCannotTell) {
     videos["1"] = VideoInfo({4294967295U, 2147483648U}, "", 0, 1);
-    EXPECT_THAT(AskAnonymously("<tr2:GetVideoEncoderConfigurations/>").Texts("//tr2:Configurations[1]//tt:Resolution/*"),
-                ElementsAre("-1", "-2147483648"));
+    EXPECT_THAT(
+        AskAnonymously("<tr2:GetVideoEncoderConfigurations/>").Texts("//tr2:Configurations[1]//tt:Resolution/*"),
+        ElementsAre("-1", "-2147483648"));
 }
 
 // Profiles
@@ -204,8 +205,7 @@ TEST_F(Media2Profiles, TakeAllFurtherDownTheListForANameThatNobodyKnows) {
 }
 
 TEST_F(Media2Profiles, HaveAnEmptySetWhenNoTypeIsKnown) {
-    auto const empty = Answers(
-        Response(Gate.Profile("<tr2:Configurations/>") + Yard.Profile("<tr2:Configurations/>")));
+    auto const empty = Answers(Response(Gate.Profile("<tr2:Configurations/>") + Yard.Profile("<tr2:Configurations/>")));
     EXPECT_THAT(AskForTypes({"AudioSource", "AudioEncoder", "AudioOutput", "AudioDecoder", "PTZ", "Receiver"}), empty);
     EXPECT_THAT(AskForTypes({"all", "ALL", "videosource", "VideoSource2", " Metadata x", "Meta data"}), empty);
     EXPECT_THAT(AskForTypes({""}), empty);
@@ -276,14 +276,12 @@ protected:
 
     static std::string Source(std::string const& width, std::string const& height, std::string const& tokens) {
         return "<tr2:GetVideoSourceConfigurationOptionsResponse><tr2:Options><tt:BoundsRange>" +
-               Range("tt:XRange", "0", width) + Range("tt:YRange", "0", height) +
-               Range("tt:WidthRange", width, width) + Range("tt:HeightRange", height, height) + "</tt:BoundsRange>" +
-               tokens + "</tr2:Options></tr2:GetVideoSourceConfigurationOptionsResponse>";
+               Range("tt:XRange", "0", width) + Range("tt:YRange", "0", height) + Range("tt:WidthRange", width, width) +
+               Range("tt:HeightRange", height, height) + "</tt:BoundsRange>" + tokens +
+               "</tr2:Options></tr2:GetVideoSourceConfigurationOptionsResponse>";
     }
 
-    static std::string Available(std::string const& token) {
-        return Element("tt:VideoSourceTokensAvailable", token);
-    }
+    static std::string Available(std::string const& token) { return Element("tt:VideoSourceTokensAvailable", token); }
 
     static std::string AnySource(std::string const& tokens) {
         return "<tr2:GetVideoSourceConfigurationOptionsResponse><tr2:Options><tt:BoundsRange>" +
@@ -401,39 +399,12 @@ TEST_F(Media2, AcceptsAnyVideoEncoderConfigurationAndChangesNothing) {
 }
 
 TEST_F(Media2, AcceptsSynchronizationPointsOfAnyProfile) {
-    for (auto const* content : {"", "<tr2:ProfileToken>channels.1</tr2:ProfileToken>",
-                                "<tr2:ProfileToken>nothing</tr2:ProfileToken>"})
-        EXPECT_THAT(AskAnonymously(std::string("<tr2:SetSynchronizationPoint>") + content +
-                                   "</tr2:SetSynchronizationPoint>"),
-                    Answers("<tr2:SetSynchronizationPointResponse/>"));
+    for (auto const* content :
+         {"", "<tr2:ProfileToken>channels.1</tr2:ProfileToken>", "<tr2:ProfileToken>nothing</tr2:ProfileToken>"})
+        EXPECT_THAT(
+            AskAnonymously(std::string("<tr2:SetSynchronizationPoint>") + content + "</tr2:SetSynchronizationPoint>"),
+            Answers("<tr2:SetSynchronizationPointResponse/>"));
 }
-
-// What is not served
-
-class Media2Unserved : public DeviceFixture, public testing::WithParamInterface<char const*> {};
-
-TEST_P(Media2Unserved, IsNotSupportedWithOrWithoutCredentialsWhateverTheRequestHolds) {
-    auto const fault = IsFault("Receiver", "Not supported", {"ter:ActionNotSupported"});
-    std::string const name = GetParam();
-    EXPECT_THAT(AskAnonymously("<tr2:" + name + "/>"), fault);
-    EXPECT_THAT(Ask("<tr2:" + name + "><tr2:ProfileToken>channels.1</tr2:ProfileToken><tr2:Odd a=\"1\"><b/></tr2:Odd></tr2:" +
-                    name + ">"),
-                fault);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Operation, Media2Unserved,
-    testing::Values("AddConfiguration", "CreateMask", "CreateOSD", "CreateProfile", "DeleteMask", "DeleteOSD",
-                    "DeleteProfile", "GetAudioDecoderConfigurationOptions", "GetAudioDecoderConfigurations",
-                    "GetAudioEncoderConfigurationOptions", "GetAudioEncoderConfigurations",
-                    "GetAudioOutputConfigurationOptions", "GetAudioOutputConfigurations",
-                    "GetAudioSourceConfigurationOptions", "GetAudioSourceConfigurations", "GetMaskOptions", "GetMasks",
-                    "GetOSDOptions", "GetOSDs", "GetVideoEncoderInstances", "GetVideoSourceModes",
-                    "RemoveConfiguration", "SetAudioDecoderConfiguration", "SetAudioEncoderConfiguration",
-                    "SetAudioOutputConfiguration", "SetAudioSourceConfiguration", "SetMask", "SetOSD",
-                    "SetVideoSourceConfiguration", "SetVideoSourceMode", "StartMulticastStreaming",
-                    "StopMulticastStreaming"),
-    [](auto const& info) { return info.param; });
 
 } // namespace
 } // namespace zarn::test

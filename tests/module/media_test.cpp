@@ -1,6 +1,7 @@
 #include "device_fixture.h"
 
 #include <zarn/authentication/realm.h>
+#include <zarn/configuration/node/dynamic.h>
 #include <zarn/configuration/schema.h>
 
 #include <gtest/gtest.h>
@@ -151,9 +152,9 @@ TEST_F(Media, OffersTheQualityAndThePictureSizeOfTheChannelAsEncoderOptions) {
 
 TEST_F(Media, OffersAnEmptyPictureForAnUnknownOrEmptyConfigurationToken) {
     for (auto const* token : {"channels.99", ""}) {
-        auto const reply = AskAnonymously(std::string("<trt:GetVideoEncoderConfigurationOptions><trt:ConfigurationToken>") +
-                                          token +
-                                          "</trt:ConfigurationToken></trt:GetVideoEncoderConfigurationOptions>");
+        auto const reply =
+            AskAnonymously(std::string("<trt:GetVideoEncoderConfigurationOptions><trt:ConfigurationToken>") + token +
+                           "</trt:ConfigurationToken></trt:GetVideoEncoderConfigurationOptions>");
         EXPECT_THAT(reply.Texts("//tt:H264/tt:ResolutionsAvailable/*"), ElementsAre("0", "0")) << token;
     }
 }
@@ -187,11 +188,11 @@ TEST_F(Media, AcceptsTheQuestionForVideoSourceOptionsAndOffersNone) {
 }
 
 TEST_F(Media, AcceptsSynchronizationPointsOfAnyProfile) {
-    for (auto const* content : {"", "<trt:ProfileToken>channels.1</trt:ProfileToken>",
-                                "<trt:ProfileToken>nothing</trt:ProfileToken>"})
-        EXPECT_THAT(AskAnonymously(std::string("<trt:SetSynchronizationPoint>") + content +
-                                   "</trt:SetSynchronizationPoint>"),
-                    Answers("<trt:SetSynchronizationPointResponse/>"));
+    for (auto const* content :
+         {"", "<trt:ProfileToken>channels.1</trt:ProfileToken>", "<trt:ProfileToken>nothing</trt:ProfileToken>"})
+        EXPECT_THAT(
+            AskAnonymously(std::string("<trt:SetSynchronizationPoint>") + content + "</trt:SetSynchronizationPoint>"),
+            Answers("<trt:SetSynchronizationPointResponse/>"));
 }
 
 // Video sources
@@ -300,50 +301,6 @@ TEST_F(MediaVideoSources, AreToldToEverybodyWhileTheHostRequiresNoCredentials) {
     engine.SetEnabled(false);
     EXPECT_EQ(AskAnonymously("<trt:GetVideoSources/>").status, 200);
 }
-
-// What is not served
-
-class MediaUnserved : public DeviceFixture, public testing::WithParamInterface<char const*> {};
-
-TEST_P(MediaUnserved, IsNotSupportedWithOrWithoutCredentialsWhateverTheRequestHolds) {
-    auto const fault = IsFault("Receiver", "Not supported", {"ter:ActionNotSupported"});
-    std::string const name = GetParam();
-    EXPECT_THAT(AskAnonymously("<trt:" + name + "/>"), fault);
-    EXPECT_THAT(Ask("<trt:" + name + "><trt:ProfileToken>channels.1</trt:ProfileToken><trt:Odd a=\"1\"><b/></trt:Odd></trt:" +
-                    name + ">"),
-                fault);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Operation, MediaUnserved,
-    testing::Values(
-        "AddAudioDecoderConfiguration", "AddAudioEncoderConfiguration", "AddAudioOutputConfiguration",
-        "AddAudioSourceConfiguration", "AddMetadataConfiguration", "AddPTZConfiguration",
-        "AddVideoAnalyticsConfiguration", "AddVideoEncoderConfiguration", "AddVideoSourceConfiguration", "CreateOSD",
-        "CreateProfile", "DeleteOSD", "DeleteProfile", "GetAudioDecoderConfiguration",
-        "GetAudioDecoderConfigurationOptions", "GetAudioDecoderConfigurations", "GetAudioEncoderConfiguration",
-        "GetAudioEncoderConfigurationOptions", "GetAudioEncoderConfigurations", "GetAudioOutputConfiguration",
-        "GetAudioOutputConfigurationOptions", "GetAudioOutputConfigurations", "GetAudioOutputs",
-        "GetAudioSourceConfiguration", "GetAudioSourceConfigurationOptions", "GetAudioSourceConfigurations",
-        "GetAudioSources", "GetCompatibleAudioDecoderConfigurations", "GetCompatibleAudioEncoderConfigurations",
-        "GetCompatibleAudioOutputConfigurations", "GetCompatibleAudioSourceConfigurations",
-        "GetCompatibleMetadataConfigurations", "GetCompatibleVideoAnalyticsConfigurations",
-        "GetCompatibleVideoEncoderConfigurations", "GetCompatibleVideoSourceConfigurations",
-        "GetGuaranteedNumberOfVideoEncoderInstances", "GetMetadataConfiguration", "GetMetadataConfigurationOptions",
-        "GetMetadataConfigurations", "GetOSD", "GetOSDOptions", "GetOSDs", "GetVideoAnalyticsConfiguration",
-        "GetVideoAnalyticsConfigurations", "GetVideoSourceModes"),
-    [](auto const& info) { return info.param; });
-
-INSTANTIATE_TEST_SUITE_P(
-    Change, MediaUnserved,
-    testing::Values("RemoveAudioDecoderConfiguration", "RemoveAudioEncoderConfiguration",
-                    "RemoveAudioOutputConfiguration", "RemoveAudioSourceConfiguration", "RemoveMetadataConfiguration",
-                    "RemovePTZConfiguration", "RemoveVideoAnalyticsConfiguration", "RemoveVideoEncoderConfiguration",
-                    "RemoveVideoSourceConfiguration", "SetAudioDecoderConfiguration", "SetAudioEncoderConfiguration",
-                    "SetAudioOutputConfiguration", "SetAudioSourceConfiguration", "SetMetadataConfiguration", "SetOSD",
-                    "SetVideoAnalyticsConfiguration", "SetVideoEncoderConfiguration", "SetVideoSourceConfiguration",
-                    "SetVideoSourceMode", "StartMulticastStreaming", "StopMulticastStreaming"),
-    [](auto const& info) { return info.param; });
 
 } // namespace
 } // namespace zarn::test

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <future>
 
 namespace zarn::test {
@@ -54,7 +55,7 @@ TEST_P(Uris, OfASnapshotAreTheChannelsOnTheWebPort) {
 }
 
 TEST_P(Uris, WriteEveryPortAlsoTheDefaultsAndExtremes) {
-    for (std::uint16_t const port : {0, 80, 443, 554, 65535}) {
+    for (auto const port : std::to_array<std::uint16_t>({0, 80, 443, 554, 65535})) {
         SetPort("settings.rtsp_port", port);
         SetPort("settings.web_port", port);
         auto const text = std::to_string(port);
@@ -125,7 +126,8 @@ TEST_P(Uris, EndInAnExceptionWhenTheirPortIsMissing) {
 
 TEST_P(Uris, EndInAnExceptionWhenTheirPortIsNoUnsignedSixteenBitNumber) {
     root = std::make_shared<configuration::node::Root>();
-    root->Schema({Schema("settings.web_port", 80, "a signed number"), Schema("settings.rtsp_port.number", "554", "a map")});
+    root->Schema(
+        {Schema("settings.web_port", 80, "a signed number"), Schema("settings.rtsp_port.number", "554", "a map")});
     EXPECT_THROW(Stream("channels.1"), std::future_error);
     EXPECT_THROW(Snapshot("channels.1"), std::future_error);
 }
@@ -151,8 +153,8 @@ TEST_P(Uris, AreToldToEverybodyWhileTheHostRequiresNoCredentials) {
     EXPECT_EQ(Snapshot("channels.1", {.authenticated = false}).status, 200);
 }
 
-INSTANTIATE_TEST_SUITE_P(Of, Uris, testing::Values("trt:", "tr2:"), [](auto const& info) {
-    return info.param == std::string("trt:") ? "Media" : "Media2";
+INSTANTIATE_TEST_SUITE_P(Of, Uris, testing::Values("trt:", "tr2:"), [](auto const& instance) {
+    return instance.param == std::string("trt:") ? "Media" : "Media2";
 });
 
 // What is around the address, and what is not looked at

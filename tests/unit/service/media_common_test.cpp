@@ -1,0 +1,413 @@
+#include "configuration/node/children.h"
+#include "configuration/node/place.h"
+#include "failing_new.h"
+
+#include <service/onvif/media_common.h>
+#include <service/onvif/soap_context.h>
+#include <zarn/configuration/node/undescribed.h>
+#include <zarn/configuration/schema.h>
+#include <zarn/network/local.h>
+
+#include <boost/json/parse.hpp>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <future>
+#include <limits>
+#include <locale>
+
+namespace zarn::service::onvif {
+namespace {
+
+using configuration::Schema;
+using meta::data::VideoInfo;
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Pointee;
+using testing::Property;
+using testing::SizeIs;
+using testing::StartsWith;
+using testing::Throws;
+
+// Ids, codecs and tokens
+
+TEST(GetChannelId, IsWhatFollowsTheLastDot) {
+    EXPECT_EQ(GetChannelId("channels.1"), "1");
+    EXPECT_EQ(GetChannelId("a.b.c-d_e"), "c-d_e");
+    EXPECT_EQ(GetChannelId(".1"), "1");
+}
+
+TEST(GetChannelId, IsTheWholeTokenWhenItHoldsNoDot) {
+    EXPECT_EQ(GetChannelId("1"), "1");
+    EXPECT_EQ(GetChannelId(""), "");
+}
+
+TEST(GetChannelId, IsEmptyWhenTheTokenEndsInADot) {
+    EXPECT_EQ(GetChannelId("channels."), "");
+    EXPECT_EQ(GetChannelId(".."), "");
+}
+
+TEST(ConvertCodec, IsWhatFollowsTheLastHyphenInUpperCase) {
+    EXPECT_EQ(ConvertCodec("video/x-h264"), "H264");
+    EXPECT_EQ(ConvertCodec("video/x-h265"), "H265");
+    EXPECT_EQ(ConvertCodec("video/x-vnd-mp4v"), "MP4V");
+    EXPECT_EQ(ConvertCodec("-av1"), "AV1");
+}
+
+TEST(ConvertCodec, IsWhatFollowsTheLastSlashWhenThereIsNoHyphen) {
+    EXPECT_EQ(ConvertCodec("video/h265"), "H265");
+    EXPECT_EQ(ConvertCodec("image/jpeg"), "JPEG");
+    EXPECT_EQ(ConvertCodec("a/b/c"), "C");
+}
+
+TEST(ConvertCodec, PrefersTheHyphenAlsoToALaterSlash) { EXPECT_EQ(ConvertCodec("video/x-h264/main"), "H264/MAIN"); }
+
+TEST(ConvertCodec, IsEmptyWithoutHyphenAndSlash) {
+    EXPECT_EQ(ConvertCodec("h264"), "");
+    EXPECT_EQ(ConvertCodec(""), "");
+}
+
+TEST(ConvertCodec, IsEmptyWhenNothingFollows) {
+    EXPECT_EQ(ConvertCodec("video/x-"), "");
+    EXPECT_EQ(ConvertCodec("video/"), "");
+}
+
+TEST(ConvertCodec, LeavesWhatHasNoUpperCaseInTheLocale) { EXPECT_EQ(ConvertCodec("video/x-ü1_摄"), "ü1_摄"); }
+
+/// Makes "4" the upper case of "x".
+class OddUpperCase : public std::ctype<char> {
+    char do_toupper(char character) const override { return character == 'x' ? '4' : character; }
+};
+
+TEST(ConvertCodec, AsksTheGlobalLocaleForEveryCharacter) {
+    auto const before = std::locale::global(std::locale(std::locale::classic(), new OddUpperCase));
+    auto const encoding = ConvertCodec("video/x-hx6x");
+    std::locale::global(before);
+    EXPECT_EQ(encoding, "h464");
+}
+
+class GetTokenOf : public testing::Test {
+protected:
+    std::string profile = "channels.1";
+    std::string configuration = "channels.2";
+    std::string empty;
+    tr2__GetConfiguration request;
+};
+
+TEST_F(GetTokenOf, NoRequestIsEmpty) { EXPECT_EQ(GetToken(nullptr), ""); }
+
+TEST_F(GetTokenOf, ARequestWithoutTokensIsEmpty) { EXPECT_EQ(GetToken(&request), ""); }
+
+TEST_F(GetTokenOf, ARequestWithOneTokenIsThatToken) {
+    request.ConfigurationToken = &configuration;
+    EXPECT_EQ(GetToken(&request), "channels.2");
+    request.ConfigurationToken = nullptr;
+    request.ProfileToken = &profile;
+    EXPECT_EQ(GetToken(&request), "channels.1");
+}
+
+TEST_F(GetTokenOf, ARequestWithBothTokensIsTheProfileTokenAlsoAnEmptyOne) {
+    request.ConfigurationToken = &configuration;
+    request.ProfileToken = &profile;
+    EXPECT_EQ(GetToken(&request), "channels.1");
+    request.ProfileToken = &empty;
+    EXPECT_EQ(GetToken(&request), "");
+}
+
+// Makers
+
+class Make : public testing::Test {
+protected:
+    template <class Configuration>
+    static void ExpectIdentity(Configuration const& configuration) {
+        EXPECT_EQ(configuration.Name, "Gate");
+        EXPECT_EQ(configuration.UseCount, 1);
+        EXPECT_EQ(configuration.token, "channels.1");
+    }
+
+    static void ExpectNoMulticast(tt__MulticastConfiguration const& multicast) {
+        EXPECT_EQ(multicast.Address->Type, tt__IPType__IPv4);
+        EXPECT_EQ(multicast.Address->IPv4Address, nullptr);
+        EXPECT_EQ(multicast.Address->IPv6Address, nullptr);
+        EXPECT_EQ(multicast.Port, 0);
+        EXPECT_EQ(multicast.TTL, 0);
+        EXPECT_FALSE(multicast.AutoStart);
+    }
+
+    std::shared_ptr<struct soap> context = MakeSoapContext();
+    struct soap* const soap = context.get();
+    std::string const token = "channels.1";
+    std::string const name = "Gate";
+    VideoInfo const info{{1920, 1080}, "video/x-h265", 25, 1};
+};
+
+TEST_F(Make, VideoSourceConfigurationIsTheWholePictureOfTheChannelItself) {
+    auto const& made = *MakeVideoSourceConfiguration(soap, token, name, info);
+    ExpectIdentity(made);
+    EXPECT_EQ(made.SourceToken, "channels.1");
+    EXPECT_EQ(made.Bounds->x, 0);
+    EXPECT_EQ(made.Bounds->y, 0);
+    EXPECT_EQ(made.Bounds->width, 1920);
+    EXPECT_EQ(made.Bounds->height, 1080);
+    EXPECT_EQ(made.Extension, nullptr);
+    EXPECT_EQ(made.ViewMode, nullptr);
+}
+
+TEST_F(Make, VideoEncoderConfigurationClaimsH264WhateverTheCodec) {
+    auto const& made = *MakeVideoEncoderConfiguration(soap, token, name, info);
+    ExpectIdentity(made);
+    EXPECT_EQ(made.Encoding, tt__VideoEncoding__H264);
+    EXPECT_EQ(made.Resolution->Width, 1920);
+    EXPECT_EQ(made.Resolution->Height, 1080);
+    EXPECT_EQ(made.Quality, 1.0F);
+    ExpectNoMulticast(*made.Multicast);
+    EXPECT_EQ(made.SessionTimeout, "PT0S");
+    EXPECT_EQ(made.RateControl, nullptr);
+    EXPECT_EQ(made.MPEG4, nullptr);
+    EXPECT_EQ(made.H264, nullptr);
+    EXPECT_EQ(made.GuaranteedFrameRate, nullptr);
+}
+
+TEST_F(Make, MetadataConfigurationCarriesAnalyticsAndNothingElse) {
+    auto const& made = *MakeMetadataConfiguration(soap, token, name);
+    ExpectIdentity(made);
+    EXPECT_THAT(made.Analytics, Pointee(true));
+    ExpectNoMulticast(*made.Multicast);
+    EXPECT_EQ(made.SessionTimeout, "PT0S");
+    EXPECT_EQ(made.PTZStatus, nullptr);
+    EXPECT_EQ(made.Events, nullptr);
+    EXPECT_EQ(made.AnalyticsEngineConfiguration, nullptr);
+}
+
+TEST_F(Make, ProfileHoldsTheVideoAndMetadataConfigurationsOfTheChannel) {
+    auto const& made = *MakeProfile(soap, token, name, info);
+    EXPECT_EQ(made.Name, "Gate");
+    EXPECT_EQ(made.token, "channels.1");
+    ExpectIdentity(*made.VideoSourceConfiguration);
+    ExpectIdentity(*made.VideoEncoderConfiguration);
+    ExpectIdentity(*made.MetadataConfiguration);
+    EXPECT_EQ(made.AudioSourceConfiguration, nullptr);
+    EXPECT_EQ(made.AudioEncoderConfiguration, nullptr);
+    EXPECT_EQ(made.VideoAnalyticsConfiguration, nullptr);
+    EXPECT_EQ(made.PTZConfiguration, nullptr);
+    EXPECT_EQ(made.fixed, nullptr);
+}
+
+TEST_F(Make, ResolutionOfNoVideoIsZero) {
+    auto const& made = *MakeResolution(soap, VideoInfo());
+    EXPECT_EQ(made.Width, 0);
+    EXPECT_EQ(made.Height, 0);
+}
+
+TEST_F(Make, ResolutionKeepsTheBitsOfASizeThatNoIntHolds) {
+    auto const& made = *MakeResolution(soap, {{std::numeric_limits<std::uint32_t>::max(), 2147483648U}, "", 0, 1});
+    EXPECT_EQ(made.Width, -1);
+    EXPECT_EQ(made.Height, std::numeric_limits<int>::min());
+}
+
+TEST_F(Make, LeavesOutWhatThereIsNoMemoryFor) {
+    for (int n = 0; n < 40; ++n) {
+        test::FailingNew const failing(n);
+        auto const* profile = MakeProfile(soap, token, name, info);
+        EXPECT_EQ(profile == nullptr, n == 0);
+        if (profile) soap_serialize_PointerTott__Profile(soap, const_cast<tt__Profile**>(&profile));
+    }
+}
+
+// One object per channel
+
+/// A collection that holds something that is no map, which no schema brings about.
+class OddCollection : public configuration::node::Dynamic {
+public:
+    explicit OddCollection(configuration::node::Place const& place) : Dynamic(place, nullptr) {
+        children->Put(std::make_shared<configuration::node::Undescribed>(MakePlace("1"), "no map"));
+    }
+};
+
+class OddRoot : public configuration::node::Root {
+public:
+    OddRoot() { children->Put(std::make_shared<OddCollection>(MakePlace("channels"))); }
+};
+
+class PerChannel : public Make {
+protected:
+    PerChannel() {
+        root->Schema({Schema::Collection("channels", {Schema("name", "", "name")}, "channels")});
+        root->FromJson(boost::json::parse(
+            R"({"channels": {"1": {"name": "Gate"}, "11": {"name": "Yard"}, "a-b": {"name": "Roof"}}})"));
+    }
+
+    /// Populates with "token name width" of each channel.
+    void Populate(std::string const& selected = "") {
+        auto const make = [](struct soap* context, auto const& token, auto const& name, VideoInfo const& info) {
+            auto* const text = soap_new_std__string(context);
+            *text = token + " " + name + " " + std::to_string(info.GetResolution().first);
+            return text;
+        };
+        PopulatePerChannel(soap, out, make, channelInfo, root, selected);
+    }
+
+    /// Expects that populating throws a BadCast with this type name, whose message names the node at fault.
+    void ExpectBadCast(char const* typeName, char const* path) {
+        EXPECT_THAT(
+            [this] { Populate(); },
+            Throws<object::BadCast>(AllOf(Property(&object::BadCast::GetTypeName, typeName),
+                                          Property(&object::BadCast::what, StartsWith(std::string(path) + " is ")))));
+    }
+
+    /// Whether another thread gets the configuration's lock, waiting for this long.
+    bool IsLockFree(std::chrono::milliseconds patience) {
+        attempts.push_back(std::async(std::launch::async, [this] { return (void)root->GetLock(); }));
+        return attempts.back().wait_for(patience) == std::future_status::ready;
+    }
+
+    std::shared_ptr<configuration::node::Root> root = std::make_shared<configuration::node::Root>();
+    ChannelInfo channelInfo = [this](std::string const& id) {
+        asked.push_back(id);
+        return VideoInfo({100 + static_cast<std::uint32_t>(asked.size()), 0}, "", 0, 1);
+    };
+    std::vector<std::string*> out;
+    std::vector<std::string> asked;
+    std::vector<std::future<void>> attempts; ///< joins the threads when the test is over
+};
+
+TEST_F(PerChannel, MakesOneObjectOfPathNameAndDescriptionInTheOrderOfTheMap) {
+    Populate();
+    EXPECT_THAT(out,
+                ElementsAre(Pointee(std::string("channels.1 Gate 101")), Pointee(std::string("channels.11 Yard 102")),
+                            Pointee(std::string("channels.a-b Roof 103"))));
+    EXPECT_THAT(asked, ElementsAre("1", "11", "a-b"));
+}
+
+TEST_F(PerChannel, AppendsToWhatIsThere) {
+    std::string present;
+    out.push_back(&present);
+    Populate();
+    EXPECT_THAT(out, SizeIs(4));
+    EXPECT_EQ(out.front(), &present);
+}
+
+TEST_F(PerChannel, SelectsTheChannelWhosePathIsTheTokenAndAsksForNoOther) {
+    Populate("channels.1");
+    EXPECT_THAT(out, ElementsAre(Pointee(std::string("channels.1 Gate 101"))));
+    EXPECT_THAT(asked, ElementsAre("1"));
+}
+
+TEST_F(PerChannel, SelectsNothingByATokenThatIsNoPath) {
+    for (auto const* token : {"1", "channels", "channels.", "channels.2", "Channels.1", "channels.1.", " "})
+        Populate(token);
+    EXPECT_THAT(out, IsEmpty());
+    EXPECT_THAT(asked, IsEmpty());
+}
+
+TEST_F(PerChannel, LeavesOutWhatTheMakerCouldNotMake) {
+    auto const make = [](struct soap*, auto const&, auto const&, auto const&) -> std::string* { return nullptr; };
+    PopulatePerChannel(soap, out, make, channelInfo, root, "");
+    EXPECT_THAT(out, IsEmpty());
+}
+
+TEST_F(PerChannel, MakesNothingWithoutChannels) {
+    root->FromJson(boost::json::parse("{}"));
+    Populate();
+    EXPECT_THAT(out, IsEmpty());
+}
+
+TEST_F(PerChannel, HoldsTheLockWhileItAsksAndNoLonger) {
+    channelInfo = [this](std::string const&) {
+        EXPECT_FALSE(IsLockFree(std::chrono::milliseconds(20)));
+        return VideoInfo();
+    };
+    Populate("channels.1");
+    EXPECT_TRUE(IsLockFree(std::chrono::seconds(30)));
+    EXPECT_THAT(attempts, SizeIs(2));
+}
+
+TEST_F(PerChannel, GivesTheLockBackWhenTheDescriptionCannotBeHad) {
+    channelInfo = nullptr;
+    EXPECT_THROW(Populate(), std::bad_function_call);
+    EXPECT_TRUE(IsLockFree(std::chrono::seconds(30)));
+}
+
+TEST_F(PerChannel, ThrowsBadCastWithUnknownWhenTheChannelsAreNoCollection) {
+    root = std::make_shared<configuration::node::Root>();
+    ExpectBadCast("unknown", "channels");
+    root->Schema({Schema("channels.1.name", "Gate", "a map")});
+    ExpectBadCast("unknown", "channels");
+    root = std::make_shared<configuration::node::Root>();
+    root->Schema({Schema("channels", 2U, "a number")});
+    ExpectBadCast("unknown", "channels");
+    EXPECT_THAT(asked, IsEmpty());
+}
+
+TEST_F(PerChannel, ThrowsBadCastWithTheTypeOfMapsWhenAnEntryIsNone) {
+    root = std::make_shared<OddRoot>();
+    ExpectBadCast("zarn.configuration.node.Map", "channels.1");
+    EXPECT_THAT(asked, IsEmpty());
+}
+
+TEST_F(PerChannel, SkipsAnEntryThatIsNoMapWhenAnotherIsAskedFor) {
+    root = std::make_shared<OddRoot>();
+    EXPECT_NO_THROW(Populate("channels.2"));
+    EXPECT_THAT(out, IsEmpty());
+}
+
+TEST_F(PerChannel, ThrowsBadCastWithTheTypeOfTextsWhenANameIsMissingOrNone) {
+    for (auto const& entry : {Schema("name", 7U, "a number"), Schema("name.first", "Gate", "a map"),
+                              Schema("title", "Gate", "another name")}) {
+        root = std::make_shared<configuration::node::Root>();
+        root->Schema({Schema::Collection("channels", {entry}, "channels")});
+        root->FromJson(boost::json::parse(R"({"channels": {"1": {}}})"));
+        ExpectBadCast("zarn.configuration.node.String", "channels.1.name");
+    }
+    EXPECT_THAT(asked, IsEmpty());
+}
+
+TEST_F(PerChannel, ThrowsBadFunctionCallWhenNobodyDescribesChannels) {
+    channelInfo = nullptr;
+    EXPECT_THROW(Populate(), std::bad_function_call);
+}
+
+// Addresses
+
+class Uri : public testing::Test {
+protected:
+    Uri() {
+        root->Schema({Schema(WebPortPath, std::uint16_t{80}, "web port"),
+                      Schema(RtspPortPath, std::uint16_t{554}, "RTSP port")});
+    }
+
+    std::shared_ptr<configuration::node::Root> root = std::make_shared<configuration::node::Root>();
+    std::string const address = network::GetLocalIPAddress().to_string();
+};
+
+TEST_F(Uri, OfAStreamIsTheTokenAsAPathOnTheRtspPort) {
+    EXPECT_EQ(MakeStreamUri(*root, "channels.1"), "rtsp://" + address + ":554/channels/1");
+    EXPECT_EQ(MakeStreamUri(*root, "1"), "rtsp://" + address + ":554/1");
+    EXPECT_EQ(MakeStreamUri(*root, ""), "rtsp://" + address + ":554/");
+    EXPECT_EQ(MakeStreamUri(*root, "a..b."), "rtsp://" + address + ":554/a//b/");
+}
+
+TEST_F(Uri, OfASnapshotNamesTheChannelIdOnTheWebPort) {
+    EXPECT_EQ(MakeSnapshotUri(*root, false, "channels.1"), "http://" + address + ":80/snapshot/1/latest.jpeg");
+    EXPECT_EQ(MakeSnapshotUri(*root, true, "channels.1"), "https://" + address + ":80/snapshot/1/latest.jpeg");
+    EXPECT_EQ(MakeSnapshotUri(*root, false, "gate"), "http://" + address + ":80/snapshot/gate/latest.jpeg");
+    EXPECT_EQ(MakeSnapshotUri(*root, false, "channels."), "http://" + address + ":80/snapshot//latest.jpeg");
+}
+
+TEST_F(Uri, ThrowsBadCastWithTheTypeOfPortsWhenASettingIsMissingOrNone) {
+    auto const odd = std::make_shared<configuration::node::Root>();
+    auto const isBadCast = [](char const* path) {
+        return Throws<object::BadCast>(AllOf(Property(&object::BadCast::GetTypeName, "zarn.configuration.node.UInt16"),
+                                             Property(&object::BadCast::what, StartsWith(path))));
+    };
+    EXPECT_THAT([&] { MakeStreamUri(*odd, "channels.1"); }, isBadCast(RtspPortPath));
+    EXPECT_THAT([&] { MakeSnapshotUri(*odd, false, "channels.1"); }, isBadCast(WebPortPath));
+    odd->Schema({Schema(WebPortPath, 80, "a signed number"), Schema(RtspPortPath, "554", "a text")});
+    EXPECT_THAT([&] { MakeStreamUri(*odd, "channels.1"); }, isBadCast(RtspPortPath));
+    EXPECT_THAT([&] { MakeSnapshotUri(*odd, false, "channels.1"); }, isBadCast(WebPortPath));
+}
+
+} // namespace
+} // namespace zarn::service::onvif
