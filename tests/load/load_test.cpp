@@ -1,0 +1,181 @@
+#include "host/host_process.h"
+
+#include <zarn/authentication/digest.h>
+#include <zarn/authentication/ha1.h>
+#include <zarn/authentication/realm.h>
+
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/beast/core.hpp>
+#include <boost/beast/http.hpp>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <mutex>
+#include <regex>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace zarn::tests::host {
+namespace {
+
+namespace asio = boost::asio;
+namespace http = boost::beast::http;
+
+constexpr unsigned Connections = 64;
+constexpr std::chrono::seconds Duration(ZARN_LOAD_SECONDS);
+
+struct Operation {
+    char const* element; ///< of the body
+    unsigned status;     ///< of the right answer
+};
+
+constexpr std::array Operations{
+    Operation{"<tds:GetServices><tds:IncludeCapability>true</tds:IncludeCapability></tds:GetServices>", 200},
+    Operation{"<tds:GetServiceCapabilities/>", 200},
+    Operation{"<tds:GetDeviceInformation/>", 200},
+    Operation{"<tds:GetCapabilities/>", 200},
+    Operation{"<tds:GetScopes/>", 200},
+    Operation{"<tds:GetSystemDateAndTime/>", 200},
+    Operation{"<tds:GetHostname/>", 200},
+    Operation{"<tds:GetNetworkInterfaces/>", 200},
+    Operation{"<tds:GetNetworkProtocols/>", 200},
+    Operation{"<tds:GetUsers/>", 200},
+    Operation{"<tds:SetUser/>", 400},
+    Operation{"<tds:GetDNS/>", 500},
+    Operation{"<tds:NoSuchOperation/>", 400},
+    Operation{"<trt:GetServiceCapabilities/>", 200},
+    Operation{"<trt:GetVideoSources/>", 200},
+    Operation{"<trt:GetProfiles/>", 200},
+    Operation{"<trt:GetProfile><trt:ProfileToken>channels.2</trt:ProfileToken></trt:GetProfile>", 200},
+    Operation{"<trt:GetProfile><trt:ProfileToken>channels.9</trt:ProfileToken></trt:GetProfile>", 400},
+    Operation{"<trt:GetVideoSourceConfigurations/>", 200},
+    Operation{"<trt:GetVideoSourceConfigurationOptions/>", 200},
+    Operation{"<trt:GetVideoEncoderConfigurations/>", 200},
+    Operation{"<trt:GetVideoEncoderConfigurationOptions/>", 200},
+    Operation{"<trt:GetStreamUri><trt:ProfileToken>channels.1</trt:ProfileToken></trt:GetStreamUri>", 200},
+    Operation{"<trt:GetSnapshotUri><trt:ProfileToken>channels.1</trt:ProfileToken></trt:GetSnapshotUri>", 200},
+    Operation{"<tr2:GetServiceCapabilities/>", 200},
+    Operation{"<tr2:GetProfiles><tr2:Type>All</tr2:Type></tr2:GetProfiles>", 200},
+    Operation{"<tr2:GetVideoEncoderConfigurations/>", 200},
+    Operation{"<tr2:GetVideoSourceConfigurationOptions/>", 200},
+    Operation{"<tr2:GetStreamUri><tr2:ProfileToken>channels.2</tr2:ProfileToken></tr2:GetStreamUri>", 200},
+    Operation{"<tev:GetServiceCapabilities/>", 200},
+    Operation{"<tan:GetServiceCapabilities/>", 200},
+    Operation{"<tan:GetAnalyticsModules/>", 200},
+};
+
+std::string MakeBody(char const* element) {
+    return R"(<s:Envelope xmlns:s="http://www.w3.org/2003/05/soap-envelope")"
+           R"( xmlns:tds="http://www.onvif.org/ver10/device/wsdl" xmlns:trt="http://www.onvif.org/ver10/media/wsdl")"
+           R"( xmlns:tr2="http://www.onvif.org/ver20/media/wsdl" xmlns:tev="http://www.onvif.org/ver10/events/wsdl")"
+           R"( xmlns:tan="http://www.onvif.org/ver20/analytics/wsdl"><s:Body>)" +
+           std::string(element) + "</s:Body></s:Envelope>";
+}
+
+/// A client with one connection that it keeps, and right credentials.
+class Client {
+public:
+    explicit Client(HostProcess const& host)
+        : ha1(authentication::MakeHa1("admin", authentication::Realm, host.GetPassword())) {
+        stream.expires_after(Duration + std::chrono::seconds(60));
+        stream.connect({asio::ip::make_address("127.0.0.1"), host.GetPort()});
+    }
+
+    http::response<http::string_body> Ask(char const* element) {
+        auto response = Send(element);
+        if (response.result() != http::status::unauthorized || !nonce.empty()) return response;
+        std::string const challenge = response[http::field::www_authenticate];
+        std::smatch match;
+        if (std::regex_search(challenge, match, std::regex("nonce=\"([^\"]*)\""))) nonce = match[1];
+        return Send(element);
+    }
+
+private:
+    http::response<http::string_body> Send(char const* element) {
+        http::request<http::string_body> request(http::verb::post, "/onvif/device_service", 11, MakeBody(element));
+        request.set(http::field::host, "127.0.0.1");
+        request.set(http::field::content_type, "application/soap+xml; charset=utf-8");
+        if (!nonce.empty()) request.set(http::field::authorization, Authorize());
+        request.prepare_payload();
+        http::write(stream, request);
+        http::response<http::string_body> response;
+        http::read(stream, buffer, response);
+        return response;
+    }
+
+    std::string Authorize() {
+        std::array<char, 9> count{};
+        std::snprintf(count.data(), count.size(), "%08x", ++nonceCount);
+        auto const response = authentication::MakeDigestResponse({.ha1 = ha1,
+                                                                  .method = "POST",
+                                                                  .uri = "/onvif/device_service",
+                                                                  .nonce = nonce,
+                                                                  .nonceCount = count.data(),
+                                                                  .clientNonce = "0a4f113b",
+                                                                  .qop = "auth"});
+        return "Digest username=\"admin\", realm=\"" + std::string(authentication::Realm) + "\", nonce=\"" + nonce +
+               "\", uri=\"/onvif/device_service\", qop=auth, nc=" + count.data() +
+               ", cnonce=\"0a4f113b\", response=\"" + response + "\"";
+    }
+
+    std::string ha1;
+    std::string nonce;
+    unsigned nonceCount = 0;
+    asio::io_context context;
+    boost::beast::tcp_stream stream{context};
+    boost::beast::flat_buffer buffer;
+};
+
+/// The answer without what changes from one second to the next.
+std::string WithoutClock(std::string const& body) {
+    static std::regex const clock("<tt:UTCDateTime>.*</tt:UTCDateTime>");
+    return std::regex_replace(body, clock, "");
+}
+
+TEST(Load, SixtyFourConnectionsGetRightAnswersToAllOperationsMixed) {
+    HostProcess host;
+    std::vector<std::string> right;
+    Client first(host);
+    for (auto const& operation : Operations) {
+        auto const response = first.Ask(operation.element);
+        ASSERT_EQ(response.result_int(), operation.status) << operation.element << response.body();
+        right.push_back(WithoutClock(response.body()));
+    }
+
+    std::atomic<unsigned> answers = 0;
+    std::mutex mutex;
+    std::vector<std::string> wrong;
+    auto const end = std::chrono::steady_clock::now() + Duration;
+    auto const run = [&](unsigned seed) {
+        try {
+            Client client(host);
+            for (unsigned i = seed; std::chrono::steady_clock::now() < end; i += 7) {
+                auto const& operation = Operations[i % Operations.size()];
+                auto const response = client.Ask(operation.element);
+                ++answers;
+                if (response.result_int() == operation.status &&
+                    WithoutClock(response.body()) == right[i % Operations.size()])
+                    continue;
+                std::lock_guard const lock(mutex);
+                wrong.push_back(operation.element + std::to_string(response.result_int()) + response.body());
+            }
+        } catch (std::exception const& error) {
+            std::lock_guard const lock(mutex);
+            wrong.emplace_back(error.what());
+        }
+    };
+    {
+        std::vector<std::jthread> clients;
+        for (unsigned i = 0; i < Connections; ++i) clients.emplace_back(run, i);
+    }
+    EXPECT_TRUE(wrong.empty()) << wrong.size() << " wrong, the first: " << wrong.front();
+    EXPECT_GT(answers, Connections * 10);
+    EXPECT_EQ(host.Stop(), 0) << "a sanitizer's report ends the process with another status";
+}
+
+} // namespace
+} // namespace zarn::tests::host
