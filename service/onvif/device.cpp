@@ -7,6 +7,7 @@
 #include "is_authenticated.h"
 #include "media.h"
 #include "media2.h"
+#include "or_empty.h"
 
 #include <zarn/network/local.h>
 
@@ -148,7 +149,7 @@ int DeviceService::GetServices(_tds__GetServices* request, _tds__GetServicesResp
         service->XAddr = baseUri + row.path;
         // One number for every service, on purpose; GetCapabilities reports another one.
         service->Version = MakeVersion(soap, 1, 2);
-        if (request->IncludeCapability) service->Capabilities = MakeServiceCapabilitiesElement(soap, row);
+        if (OrEmpty(request).IncludeCapability) service->Capabilities = MakeServiceCapabilitiesElement(soap, row);
         response.Service.push_back(service);
     }
     return SOAP_OK;

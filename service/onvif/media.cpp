@@ -3,6 +3,7 @@
 #include "capability_values.h"
 #include "filled.h"
 #include "is_authenticated.h"
+#include "or_empty.h"
 
 #include <algorithm>
 #include <utility>
@@ -132,19 +133,19 @@ int MediaService::Lookup(std::string const& token, Response& response, Member me
 }
 
 int MediaService::GetProfile(_trt__GetProfile* request, _trt__GetProfileResponse& response) {
-    return Lookup(request->ProfileToken, response, &_trt__GetProfileResponse::Profile, MakeProfile);
+    return Lookup(OrEmpty(request).ProfileToken, response, &_trt__GetProfileResponse::Profile, MakeProfile);
 }
 
 int MediaService::GetVideoSourceConfiguration(_trt__GetVideoSourceConfiguration* request,
                                               _trt__GetVideoSourceConfigurationResponse& response) {
-    return Lookup(request->ConfigurationToken, response, &_trt__GetVideoSourceConfigurationResponse::Configuration,
-                  MakeVideoSourceConfiguration);
+    return Lookup(OrEmpty(request).ConfigurationToken, response,
+                  &_trt__GetVideoSourceConfigurationResponse::Configuration, MakeVideoSourceConfiguration);
 }
 
 int MediaService::GetVideoEncoderConfiguration(_trt__GetVideoEncoderConfiguration* request,
                                                _trt__GetVideoEncoderConfigurationResponse& response) {
-    return Lookup(request->ConfigurationToken, response, &_trt__GetVideoEncoderConfigurationResponse::Configuration,
-                  MakeVideoEncoderConfiguration);
+    return Lookup(OrEmpty(request).ConfigurationToken, response,
+                  &_trt__GetVideoEncoderConfigurationResponse::Configuration, MakeVideoEncoderConfiguration);
 }
 
 int MediaService::GetVideoSourceConfigurationOptions(_trt__GetVideoSourceConfigurationOptions*,
@@ -155,21 +156,22 @@ int MediaService::GetVideoSourceConfigurationOptions(_trt__GetVideoSourceConfigu
 int MediaService::GetVideoEncoderConfigurationOptions(_trt__GetVideoEncoderConfigurationOptions* request,
                                                       _trt__GetVideoEncoderConfigurationOptionsResponse& response) {
     response.Options = MakeVideoEncoderOptions(soap);
-    if (!response.Options || !request->ConfigurationToken) return SOAP_OK;
+    auto const* token = OrEmpty(request).ConfigurationToken;
+    if (!response.Options || !token) return SOAP_OK;
     // Any token will do: the channel's description is what counts, and an unknown channel has an empty one.
-    response.Options->H264 = MakeH264Options(soap, channelInfo(GetChannelId(*request->ConfigurationToken)));
+    response.Options->H264 = MakeH264Options(soap, channelInfo(GetChannelId(*token)));
     return SOAP_OK;
 }
 
 int MediaService::GetStreamUri(_trt__GetStreamUri* request, _trt__GetStreamUriResponse& response) {
     if (!IsAuthenticated(soap, authenticationEngine)) return 401;
-    response.MediaUri = MakeMediaUri(soap, MakeStreamUri(*configuration, request->ProfileToken));
+    response.MediaUri = MakeMediaUri(soap, MakeStreamUri(*configuration, OrEmpty(request).ProfileToken));
     return SOAP_OK;
 }
 
 int MediaService::GetSnapshotUri(_trt__GetSnapshotUri* request, _trt__GetSnapshotUriResponse& response) {
     if (!IsAuthenticated(soap, authenticationEngine)) return 401;
-    response.MediaUri = MakeMediaUri(soap, MakeSnapshotUri(*configuration, ssl, request->ProfileToken));
+    response.MediaUri = MakeMediaUri(soap, MakeSnapshotUri(*configuration, ssl, OrEmpty(request).ProfileToken));
     return SOAP_OK;
 }
 

@@ -3,6 +3,7 @@
 #include "capability_values.h"
 #include "filled.h"
 #include "is_authenticated.h"
+#include "or_empty.h"
 
 #include <algorithm>
 #include <array>
@@ -156,17 +157,18 @@ int Media2Service::GetServiceCapabilities(_tr2__GetServiceCapabilities*,
 }
 
 int Media2Service::GetProfiles(_tr2__GetProfiles* request, _tr2__GetProfilesResponse& response) {
+    auto const& asked = OrEmpty(request);
     auto const makeProfile = [&](struct soap* soap, std::string const& token, std::string const& name,
                                  meta::data::VideoInfo const& info) {
         return Filled(soap_new_tr2__MediaProfile(soap), [&](tr2__MediaProfile& profile) {
             profile.Name = name;
             profile.token = token;
             profile.fixed = &TrueValue;
-            profile.Configurations = MakeConfigurationSet(soap, request->Type, token, name, info);
+            profile.Configurations = MakeConfigurationSet(soap, asked.Type, token, name, info);
         });
     };
     PopulatePerChannel(soap, response.Profiles, makeProfile, channelInfo, configuration,
-                       request->Token ? *request->Token : std::string());
+                       asked.Token ? *asked.Token : std::string());
     return SOAP_OK;
 }
 
@@ -269,13 +271,13 @@ int Media2Service::SetSynchronizationPoint(_tr2__SetSynchronizationPoint*, _tr2_
 
 int Media2Service::GetStreamUri(_tr2__GetStreamUri* request, _tr2__GetStreamUriResponse& response) {
     if (!IsAuthenticated(soap, authenticationEngine)) return 401;
-    response.Uri = MakeStreamUri(*configuration, request->ProfileToken);
+    response.Uri = MakeStreamUri(*configuration, OrEmpty(request).ProfileToken);
     return SOAP_OK;
 }
 
 int Media2Service::GetSnapshotUri(_tr2__GetSnapshotUri* request, _tr2__GetSnapshotUriResponse& response) {
     if (!IsAuthenticated(soap, authenticationEngine)) return 401;
-    response.Uri = MakeSnapshotUri(*configuration, ssl, request->ProfileToken);
+    response.Uri = MakeSnapshotUri(*configuration, ssl, OrEmpty(request).ProfileToken);
     return SOAP_OK;
 }
 

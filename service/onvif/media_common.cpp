@@ -2,6 +2,7 @@
 
 #include "capability_values.h"
 #include "filled.h"
+#include "or_empty.h"
 
 #include <zarn/network/local.h>
 
@@ -53,9 +54,9 @@ std::string ConvertCodec(std::string const& codec) {
 }
 
 std::string GetToken(tr2__GetConfiguration const* request) {
-    if (request && request->ProfileToken) return *request->ProfileToken;
-    if (request && request->ConfigurationToken) return *request->ConfigurationToken;
-    return {};
+    auto const& asked = OrEmpty(request);
+    if (asked.ProfileToken) return *asked.ProfileToken;
+    return asked.ConfigurationToken ? *asked.ConfigurationToken : std::string();
 }
 
 tt__VideoResolution* MakeResolution(soap* soap, meta::data::VideoInfo const& info) {
