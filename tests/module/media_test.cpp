@@ -41,7 +41,8 @@ constexpr char YardSource[] = R"(
     <tt:Bounds x="0" y="0" width="1280" height="720"/>)";
 constexpr char NoMulticast[] = R"(
     <tt:Multicast>
-      <tt:Address><tt:Type>IPv4</tt:Type></tt:Address><tt:Port>0</tt:Port><tt:TTL>0</tt:TTL><tt:AutoStart>false</tt:AutoStart>
+      <tt:Address><tt:Type>IPv4</tt:Type></tt:Address><tt:Port>0</tt:Port><tt:TTL>0</tt:TTL>
+      <tt:AutoStart>false</tt:AutoStart>
     </tt:Multicast>
     <tt:SessionTimeout>PT0S</tt:SessionTimeout>)";
 
@@ -134,7 +135,8 @@ TEST_F(Media, EscapesAPathThatHoldsNothingToEscapeAndTheNameThatDoes) {
     Configure(R"({"channels": {"a-B_1": {"name": "<&>\"'"}}})");
     EXPECT_THAT(AskAnonymously("<trt:GetVideoSourceConfigurations/>"),
                 Answers(R"(<trt:GetVideoSourceConfigurationsResponse><trt:Configurations token="channels.a-B_1">
-                    <tt:Name>&lt;&amp;&gt;"'</tt:Name><tt:UseCount>1</tt:UseCount><tt:SourceToken>channels.a-B_1</tt:SourceToken>
+                    <tt:Name>&lt;&amp;&gt;"'</tt:Name><tt:UseCount>1</tt:UseCount>
+                    <tt:SourceToken>channels.a-B_1</tt:SourceToken>
                     <tt:Bounds x="0" y="0" width="0" height="0"/>
                 </trt:Configurations></trt:GetVideoSourceConfigurationsResponse>)"));
 }
@@ -146,7 +148,8 @@ TEST_F(Media, OffersTheQualityAndThePictureSizeOfTheChannelAsEncoderOptions) {
                                "</trt:ConfigurationToken></trt:GetVideoEncoderConfigurationOptions>"),
                 Answers(R"(<trt:GetVideoEncoderConfigurationOptionsResponse><trt:Options>
                     <tt:QualityRange><tt:Min>1</tt:Min><tt:Max>1</tt:Max></tt:QualityRange>
-                    <tt:H264><tt:ResolutionsAvailable><tt:Width>1280</tt:Width><tt:Height>720</tt:Height></tt:ResolutionsAvailable></tt:H264>
+                    <tt:H264><tt:ResolutionsAvailable><tt:Width>1280</tt:Width><tt:Height>720</tt:Height>
+                    </tt:ResolutionsAvailable></tt:H264>
                 </trt:Options></trt:GetVideoEncoderConfigurationOptionsResponse>)"));
 }
 

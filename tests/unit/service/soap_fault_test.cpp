@@ -19,6 +19,8 @@ using testing::IsEmpty;
 
 class Fault : public testing::Test {
 protected:
+    Fault() { context->version = 2; } // SOAP 1.2, as reading the envelope of a request sets it
+
     std::vector<std::string> Subcodes() const {
         std::vector<std::string> subcodes;
         for (auto const* code = context->fault->SOAP_ENV__Code->SOAP_ENV__Subcode; code; code = code->SOAP_ENV__Subcode)
