@@ -36,15 +36,20 @@ std::string ToText(meta::data::VideoInfo const& info) {
 } // namespace
 
 Channel::Channel(ChannelSettings settings, std::function<void()> onBreak)
-    : settings(std::move(settings)), onBreak(std::move(onBreak)), stream(std::make_shared<Stream>(this->settings.described)) {
+    : settings(std::move(settings)),
+      onBreak(std::move(onBreak)),
+      stream(std::make_shared<Stream>(this->settings.described)) {
     if (!HasSource()) return;
     auto parsed = ParseSource(this->settings.source);
     if (!parsed.source) {
-        SetState(ChannelState::Failed, std::move(parsed.error));
+        state = ChannelState::Failed;
+        detail = std::move(parsed.error);
+        Log().Log(logging::Level::Warning, "channel %0%: %1%", this->settings.id, detail);
         return;
     }
     state = ChannelState::Connecting;
-    thread = std::jthread([this, source = std::move(*parsed.source)](std::stop_token const& stop) { Run(stop, source); });
+    thread =
+        std::jthread([this, source = std::move(*parsed.source)](std::stop_token const& stop) { Run(stop, source); });
 }
 
 Channel::~Channel() = default;
@@ -129,7 +134,7 @@ void Channel::Take(std::stop_token const& stop, Producer::Picture picture, bool 
     auto const now = stream->GetNow();
     if (isPaced && now - timeline.GetPosition() > LagLimit) timeline.BeginRun();
     auto unit = std::make_shared<AccessUnit>();
-    unit->stamp = timeline.Place(picture.presentation, picture.decoding, now);
+    unit->stamp = timeline.Place(picture.times, now);
     if (isPaced) WaitUntil(stop, Clock::now() + (unit->stamp.decoding - now));
     auto* buffer = gst_sample_get_buffer(picture.sample.get());
     unit->data.reset(gst_buffer_ref(buffer));
@@ -160,16 +165,17 @@ void Channel::SetState(ChannelState next, std::string why) {
         state = next;
         detail = why;
     }
-    switch (next) {
-    case ChannelState::Running:
+    Report(next, std::move(why));
+}
+
+void Channel::Report(ChannelState next, std::string why) {
+    if (next == ChannelState::Running) {
         Log().Log(logging::Level::Info, "channel %0%: running, %1%", settings.id, ToText(stream->Describe()));
-        break;
-    case ChannelState::Failed:
-        Log().Log(logging::Level::Warning, "channel %0%: source %1% failed: %2%", settings.id, settings.source, why);
-        break;
-    default:
-        Log().Log(logging::Level::Debug, "channel %0%: opening %1%", settings.id, settings.source);
-        break;
+        reported.clear();
+    } else if (next == ChannelState::Failed && reported != why) {
+        Log().Log(logging::Level::Warning, "channel %0%: source %1% failed, it is tried again: %2%", settings.id,
+                  settings.source, why);
+        reported = std::move(why);
     }
 }
 

@@ -17,9 +17,9 @@
 
 namespace zarn::host::video {
 
-/// Keeps one source open and publishes its video in real time: opens it, begins a file again at its end, opens a source that
-/// failed again after a pause. Each channel with a source has a thread of its own, so that none can hold up another.
-/// Thread: any.
+/// Keeps one source open and publishes its video in real time: opens it, begins a file again at its end, opens a source
+/// that failed again after a pause. Each channel with a source has a thread of its own, so that none can hold up
+/// another. Thread: any.
 class Channel {
 public:
     /// settings  see ChannelSettings
@@ -57,7 +57,7 @@ public:
 private:
     /// How one run of the source ended.
     struct Outcome {
-        std::string failure;                                                     ///< empty: the file ended, or stopped
+        std::string failure;                                                    ///< empty: the file ended, or stopped
         std::optional<std::chrono::steady_clock::time_point> firstPicture = {}; ///< when video began
     };
 
@@ -66,13 +66,16 @@ private:
     void Take(std::stop_token const& stop, Producer::Picture picture, bool isPaced);
     void Follow(GstCaps* caps);
     void WaitUntil(std::stop_token const& stop, std::chrono::steady_clock::time_point time);
-    void SetState(ChannelState state, std::string detail);
+    void SetState(ChannelState next, std::string why);
+    void Report(ChannelState next, std::string why);
 
     ChannelSettings const settings;
     std::function<void()> const onBreak;
     std::shared_ptr<Stream> const stream;
-    Timeline timeline;            ///< the channel's thread only
+    Timeline timeline;             ///< the channel's thread only
     std::shared_ptr<GstCaps> caps; ///< of the newest picture; the channel's thread only
+
+    std::string reported; ///< the failure that was logged last; the channel's thread only
 
     mutable std::mutex mutex; ///< guards state, detail and restarts
     std::condition_variable_any wake;

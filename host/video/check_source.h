@@ -12,9 +12,8 @@ namespace zarn::host::video {
 /// - `rtsp://HOST[:PORT]/PATH`, `rtsps://...`: another RTSP server, without credentials in the text;
 /// - `v4l2:/dev/videoN`: a camera of this machine;
 /// - anything else: the path of a video file.
-/// Whether the file, host or camera exists is not looked at. An empty text is no error: such a channel is only described.
-/// Returns what is wrong, naming part, value and rule; none when nothing is.
-/// Thread: any.
+/// Whether the file, host or camera exists is not looked at. An empty text is no error: such a channel is only
+/// described. Returns what is wrong, naming part, value and rule; none when nothing is. Thread: any.
 std::optional<std::string> CheckSource(std::string_view source);
 
 } // namespace zarn::host::video

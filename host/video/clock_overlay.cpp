@@ -31,7 +31,8 @@ void Fill(Plane const& plane, Box const& box, std::uint8_t value) {
     auto const right = std::min(box.left + box.width, plane.width);
     auto const bottom = std::min(box.top + box.height, plane.height);
     for (auto row = box.top; row < bottom; ++row) {
-        if (box.left < right) std::ranges::fill(plane.samples.subspan(row * plane.stride + box.left, right - box.left), value);
+        if (box.left < right)
+            std::ranges::fill(plane.samples.subspan(row * plane.stride + box.left, right - box.left), value);
     }
 }
 

@@ -15,8 +15,8 @@ struct Plane {
     std::size_t height = 0;
 };
 
-/// Draws a text of digits, ':' and '.' into the upper left corner of a brightness plane: bright seven-segment digits on a
-/// dark box, their size following the plane's height. What does not fit into the plane is left out. Pure.
+/// Draws a text of digits, ':' and '.' into the upper left corner of a brightness plane: bright seven-segment digits on
+/// a dark box, their size following the plane's height. What does not fit into the plane is left out. Pure.
 void DrawClock(Plane const& brightness, std::string_view text);
 
 } // namespace zarn::host::video

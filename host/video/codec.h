@@ -10,13 +10,13 @@ enum class Codec { H264, H265 };
 
 /// What belongs to a coding: names in settings, caps and GStreamer elements.
 struct CodecTraits {
-    std::string_view name;        ///< in source texts
-    std::string_view mediaType;   ///< in caps and in VideoInfo
-    char const* parser;           ///< element that cuts the stream into access units
-    char const* decoder;          ///< element that decodes it
-    char const* payloader;        ///< element that makes RTP packets of it
-    char const* encoder;          ///< element that encodes it
-    char const* encoderSettings;  ///< properties of the encoder, as in a launch line: no delay, little work
+    std::string_view name;       ///< in source texts
+    std::string_view mediaType;  ///< in caps and in VideoInfo
+    char const* parser;          ///< element that cuts the stream into access units
+    char const* decoder;         ///< element that decodes it
+    char const* payloader;       ///< element that makes RTP packets of it
+    char const* encoder;         ///< element that encodes it
+    char const* encoderSettings; ///< properties of the encoder, as in a launch line: no delay, little work
 };
 
 /// The row of a coding.

@@ -34,7 +34,8 @@ struct Entries {
 void RefuseDoubles(std::vector<ChannelSettings> const& channels) {
     std::set<std::string_view> ids;
     for (auto const& channel : channels) {
-        if (!ids.insert(channel.id).second) throw std::invalid_argument("two channels are called \"" + channel.id + "\"");
+        if (!ids.insert(channel.id).second)
+            throw std::invalid_argument("two channels are called \"" + channel.id + "\"");
     }
 }
 
@@ -119,14 +120,16 @@ private:
 
     /// Ends the channels that are not kept, all at the same time.
     void End(ById const& kept) {
-        std::vector<EntryPtr> gone;
+        std::vector<std::pair<std::string, EntryPtr>> gone;
         for (auto const& [id, entry] : entries.byId) {
             if (kept.contains(id)) continue;
             entry->channel.Stop();
-            gone.push_back(entry);
+            gone.emplace_back(id, entry);
+        }
+        for (auto const& [id, entry] : gone) {
+            entry->channel.Join();
             if (entry->channel.HasSource()) server.Unmount(id);
         }
-        for (auto const& entry : gone) entry->channel.Join();
     }
 
     EntryPtr Begin(ChannelSettings const& settings) {
@@ -150,7 +153,9 @@ Engine::~Engine() = default;
 
 void Engine::SetChannels(std::vector<ChannelSettings> const& channels) { impl->SetChannels(channels); }
 
-void Engine::SetAuthentication(bool authenticate, std::string const& ha1) { impl->SetAuthentication(authenticate, ha1); }
+void Engine::SetAuthentication(bool authenticate, std::string const& ha1) {
+    impl->SetAuthentication(authenticate, ha1);
+}
 
 std::uint16_t Engine::GetPort() const { return impl->GetPort(); }
 

@@ -24,7 +24,8 @@ struct RtspSettings {
     /// Whether clients must authenticate (digest, user `admin`).
     bool authenticate = false;
 
-    /// HA1 of `admin` in zarn::authentication::Realm, 32 lower-case hexadecimal digits; used when `authenticate` is set.
+    /// HA1 of `admin` in zarn::authentication::Realm, 32 lower-case hexadecimal digits; used when `authenticate` is
+    /// set.
     std::string ha1;
 };
 
@@ -44,15 +45,15 @@ public:
     Engine(Engine const&) = delete;
     Engine& operator=(Engine const&) = delete;
 
-    /// Makes the channels those of `channels`, in this order. A channel whose settings are the same goes on undisturbed; one
-    /// whose source changed starts anew; one that is gone ends, and so do its streams. A source that CheckSource() refuses
-    /// leaves its channel Failed. Waits until what ends has ended (under a second).
-    /// Throws std::invalid_argument when two channels have the same identifier; nothing has changed then. Does nothing
-    /// after Stop().
+    /// Makes the channels those of `channels`, in this order. A channel whose settings are the same goes on
+    /// undisturbed; one whose source changed starts anew; one that is gone ends, and so do its streams. A source that
+    /// CheckSource() refuses leaves its channel Failed. Waits until what ends has ended (under a second). Throws
+    /// std::invalid_argument when two channels have the same identifier; nothing has changed then. Does nothing after
+    /// Stop().
     void SetChannels(std::vector<ChannelSettings> const& channels);
 
-    /// Switches authentication for connections that come from now on; `ha1` as in RtspSettings. Connections that are there
-    /// keep what they were accepted with.
+    /// Switches authentication for connections that come from now on; `ha1` as in RtspSettings. Connections that are
+    /// there keep what they were accepted with.
     void SetAuthentication(bool authenticate, std::string const& ha1);
 
     /// The bound RTSP port.
@@ -62,8 +63,8 @@ public:
     /// channel gives VideoInfo(). Cheap, never blocks on video.
     meta::data::VideoInfo Describe(std::string_view id) const;
 
-    /// Asks for a still image of a channel and returns at once. `done` is called exactly once, within three seconds, on any
-    /// thread, possibly before this function returns; it must not throw and must not block.
+    /// Asks for a still image of a channel and returns at once. `done` is called exactly once, within three seconds, on
+    /// any thread, possibly before this function returns; it must not throw and must not block.
     void RequestSnapshot(std::string_view id, std::function<void(Snapshot)> done);
 
     /// All channels in the order of SetChannels().

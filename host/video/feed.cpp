@@ -19,7 +19,8 @@ std::chrono::nanoseconds FirstTime(AccessUnit const& unit) {
 
 } // namespace
 
-Feed::Feed(ObjectHandle<GstElement> source, Format const& format, AccessUnits const& group, std::chrono::nanoseconds present)
+Feed::Feed(ObjectHandle<GstElement> source, Format const& format, AccessUnits const& group,
+           std::chrono::nanoseconds present)
     : source(std::move(source)), clock(FirstTime(*group.front()), present) {
     gst_app_src_set_caps(GST_APP_SRC(this->source.get()), format.caps.get());
     for (auto const& unit : group) Push(*unit);

@@ -9,14 +9,15 @@
 
 namespace zarn::host::video {
 
-/// Hands access units to one RTSP media. Never waits: a media that does not take them in time misses some and goes on at a
-/// key frame. Thread: one at a time.
+/// Hands access units to one RTSP media. Never waits: a media that does not take them in time misses some and goes on
+/// at a key frame. Thread: one at a time.
 class Feed {
 public:
     /// source  the media's application source
     /// group   what the viewer begins with; not empty
     /// present the timeline now
-    Feed(ObjectHandle<GstElement> source, Format const& format, AccessUnits const& group, std::chrono::nanoseconds present);
+    Feed(ObjectHandle<GstElement> source, Format const& format, AccessUnits const& group,
+         std::chrono::nanoseconds present);
 
     /// Hands over one access unit.
     void Push(AccessUnit const& unit);

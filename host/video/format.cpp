@@ -26,7 +26,10 @@ std::optional<Format> ReadFormat(GstCaps* caps) {
 
 meta::data::VideoInfo ToVideoInfo(Format const& format, std::optional<FrameRate> measured) {
     auto const rate = format.rate ? *format.rate : measured.value_or(FrameRate{0, 1});
-    return {{format.width, format.height}, std::string(GetTraits(format.codec).mediaType), rate.numerator, rate.denominator};
+    return {{format.width, format.height},
+            std::string(GetTraits(format.codec).mediaType),
+            rate.numerator,
+            rate.denominator};
 }
 
 } // namespace zarn::host::video

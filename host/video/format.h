@@ -17,7 +17,7 @@ struct Format {
     Codec codec = Codec::H264;
     std::uint32_t width = 0;
     std::uint32_t height = 0;
-    std::optional<FrameRate> rate;      ///< none when the stream does not tell
+    std::optional<FrameRate> rate; ///< none when the stream does not tell
     std::shared_ptr<GstCaps> caps; ///< the whole description, for decoders and payloaders
 
     /// True when a viewer of the one can go on with the other.

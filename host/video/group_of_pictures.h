@@ -7,8 +7,8 @@
 namespace zarn::host::video {
 
 /// The newest key frame of a stream and everything after it: what a viewer who comes now, or a snapshot, has to decode.
-/// Bounded: a group that grows past a bound is given up until the next key frame, since a part of it would be of no use.
-/// Thread: one at a time.
+/// Bounded: a group that grows past a bound is given up until the next key frame, since a part of it would be of no
+/// use. Thread: one at a time.
 class GroupOfPictures {
 public:
     struct Bounds {
@@ -17,6 +17,7 @@ public:
     };
 
     GroupOfPictures() = default;
+
     explicit GroupOfPictures(Bounds bounds) : bounds(bounds) {}
 
     /// Takes the next access unit; those before the first key frame are passed over.

@@ -9,15 +9,25 @@
 namespace zarn::host::video {
 namespace {
 
-/// GStreamer's message for people, and the last line of its technical text, which often says more.
+/// The last line of GStreamer's technical text without what is too long to be read; the lines before it are positions
+/// in GStreamer's sources.
+std::string GetDetail(std::string_view technical) {
+    constexpr std::size_t Readable = 100;
+    while (technical.ends_with('\n')) technical.remove_suffix(1);
+    auto const line = technical.rfind('\n');
+    if (line == std::string_view::npos) return {};
+    technical.remove_prefix(line + 1);
+    return std::string(technical.substr(0, Readable)) + (technical.size() > Readable ? "..." : "");
+}
+
+/// GStreamer's message for people and what its technical text adds.
 std::string Explain(GstMessage* message) {
     GError* error = nullptr;
     gchar* technical = nullptr;
     gst_message_parse_error(message, &error, &technical);
     std::string text = error == nullptr ? "unknown failure" : error->message;
-    std::string_view detail = technical == nullptr ? "" : technical;
-    if (auto const line = detail.rfind('\n'); line != std::string_view::npos) detail.remove_prefix(line + 1);
-    if (!detail.empty() && technical != detail) text.append(" ").append(detail);
+    if (auto const detail = GetDetail(technical == nullptr ? "" : technical); !detail.empty())
+        text.append(" ").append(detail);
     g_clear_error(&error);
     g_free(technical);
     return text;
@@ -46,7 +56,8 @@ GstElement* Pipeline::Add(char const* kind) {
 
 GstElement* Pipeline::AddText(std::string const& text) {
     GError* error = nullptr;
-    auto* element = gst_parse_bin_from_description_full(text.c_str(), TRUE, nullptr, GST_PARSE_FLAG_FATAL_ERRORS, &error);
+    auto* element =
+        gst_parse_bin_from_description_full(text.c_str(), TRUE, nullptr, GST_PARSE_FLAG_FATAL_ERRORS, &error);
     if (element == nullptr) {
         Fail(error == nullptr ? "GStreamer cannot make the pipeline" : error->message);
         g_clear_error(&error);

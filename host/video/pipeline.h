@@ -21,7 +21,8 @@ public:
     /// The pipeline as a bin, to put elements into.
     GstBin* GetBin() const { return GST_BIN(pipeline.get()); }
 
-    /// Makes an element of this kind and puts it into the pipeline. Null when GStreamer lacks it: the pipeline has failed.
+    /// Makes an element of this kind and puts it into the pipeline. Null when GStreamer lacks it: the pipeline has
+    /// failed.
     GstElement* Add(char const* kind);
 
     /// Makes a bin of a launch line and puts it into the pipeline; open ends become its pads. Null when that fails: the

@@ -37,7 +37,8 @@ std::string ThreadSettings(Codec codec, int threads) {
 std::string MakeParserText(Codec codec) {
     auto const& traits = GetTraits(codec);
     return std::string(traits.parser) + " config-interval=-1 ! " + std::string(traits.mediaType) +
-           ",stream-format=byte-stream,alignment=au ! appsink name=" + SinkName + " sync=false async=false max-buffers=16";
+           ",stream-format=byte-stream,alignment=au ! appsink name=" + SinkName +
+           " sync=false async=false max-buffers=16";
 }
 
 std::string MakeEncoderText(Codec codec, EncoderInput const& input) {
@@ -45,16 +46,20 @@ std::string MakeEncoderText(Codec codec, EncoderInput const& input) {
     auto const keyInterval = std::max(1, input.rate.numerator / input.rate.denominator);
     std::ostringstream text;
     if (input.isLive) text << "queue leaky=downstream max-size-buffers=4 max-size-bytes=0 max-size-time=0 ! ";
-    text << "videorate ! videoconvert ! videoscale ! video/x-raw,format=I420,width=[2,16384,2],height=[2,16384,2],framerate="
-         << ToText(input.rate) << " ! " << traits.encoder << " " << traits.encoderSettings << " bitrate=" << ChooseKilobits(input)
-         << " key-int-max=" << keyInterval << ThreadSettings(codec, ChooseThreads(input)) << " ! " << MakeParserText(codec);
+    // Live pictures are never doubled to fill gaps: an encoder that is too slow would fall behind more and more.
+    text << (input.isLive ? "videorate drop-only=true" : "videorate")
+         << " ! videoconvert ! videoscale ! video/x-raw,format=I420,width=[2,16384,2],height=[2,16384,2],framerate="
+         << ToText(input.rate) << " ! " << traits.encoder << " " << traits.encoderSettings
+         << " bitrate=" << ChooseKilobits(input) << " key-int-max=" << keyInterval
+         << ThreadSettings(codec, ChooseThreads(input)) << " ! " << MakeParserText(codec);
     return text.str();
 }
 
 std::string MakeTestText(TestSource const& test) {
     std::ostringstream text;
     text << "videotestsrc is-live=true name=" << TestPicturesName << " pattern=" << test.pattern
-         << " ! video/x-raw,format=I420,width=" << test.width << ",height=" << test.height << ",framerate=" << ToText(test.rate);
+         << " ! video/x-raw,format=I420,width=" << test.width << ",height=" << test.height
+         << ",framerate=" << ToText(test.rate);
     return text.str();
 }
 
@@ -65,15 +70,18 @@ std::string MakePayloaderText(Codec codec) {
 
 std::string MakeDecoderText(Codec codec) {
     auto const& traits = GetTraits(codec);
-    return std::string("appsrc name=") + FeedName + " format=time max-bytes=0 ! " + traits.parser + " ! " + traits.decoder +
-           " max-threads=2 ! appsink name=" + SinkName + " sync=false max-buffers=1 drop=true";
+    return std::string("appsrc name=") + FeedName + " format=time max-bytes=0 ! " + traits.parser + " ! " +
+           traits.decoder + " max-threads=2 ! appsink name=" + SinkName + " sync=false max-buffers=1 drop=true";
 }
 
 std::string MakeJpegText(std::uint32_t width, std::uint32_t height) {
     std::ostringstream text;
-    // JPEG files use the full range of brightness (colorimetry 1:4:0:0), video mostly does not.
-    text << "appsrc name=" << FeedName << " format=time ! videoconvert ! videoscale ! video/x-raw,format=I420,width=" << width
-         << ",height=" << height << ",colorimetry=1:4:0:0 ! jpegenc quality=85 ! appsink name=" << SinkName << " sync=false";
+    // JPEG files use the full range of brightness (colorimetry 1:4:0:0), video mostly does not. The way leads over RGB
+    // since videoconvert leaves the range alone between formats that differ in nothing else.
+    text << "appsrc name=" << FeedName
+         << " format=time ! videoconvert ! videoscale ! video/x-raw,format=RGBx,width=" << width << ",height=" << height
+         << " ! videoconvert ! video/x-raw,format=I420,colorimetry=1:4:0:0 ! jpegenc quality=85 ! "
+         << "appsink name=" << SinkName << " sync=false";
     return text.str();
 }
 

@@ -25,7 +25,8 @@ struct EncoderInput {
     bool isLive = true; ///< pictures that come too fast are dropped instead of waited for
 };
 
-/// Launch line of what comes after a coded stream: whole access units as a byte stream, parameter sets in every key frame.
+/// Launch line of what comes after a coded stream: whole access units as a byte stream, parameter sets in every key
+/// frame.
 std::string MakeParserText(Codec codec);
 
 /// Launch line of what comes after raw pictures: encoder without delay, a key frame every second, then the parser.

@@ -29,10 +29,11 @@ EncoderInput ReadRawCaps(GstCaps const* caps, bool isLive) {
     FrameRate rate;
     gst_structure_get_int(structure, "width", &width);
     gst_structure_get_int(structure, "height", &height);
-    bool const isKnown = gst_structure_get_fraction(structure, "framerate", &rate.numerator, &rate.denominator) != FALSE &&
-                         rate.denominator > 0 && rate.numerator >= rate.denominator &&
-                         rate.numerator / rate.denominator <= 60;
-    return {static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height), isKnown ? rate : FrameRate(), isLive};
+    bool const isKnown =
+        gst_structure_get_fraction(structure, "framerate", &rate.numerator, &rate.denominator) != FALSE &&
+        rate.denominator > 0 && rate.numerator >= rate.denominator && rate.numerator / rate.denominator <= 60;
+    return {static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height), isKnown ? rate : FrameRate(),
+            isLive};
 }
 
 MiniHandle<GstCaps> GetCaps(GstPad* pad) {
@@ -46,6 +47,18 @@ std::optional<std::chrono::nanoseconds> ToRunningTime(GstSegment const* segment,
     auto const sign = gst_segment_to_running_time_full(segment, GST_FORMAT_TIME, time, &running);
     if (!GST_CLOCK_TIME_IS_VALID(time) || sign == 0) return std::nullopt;
     return std::chrono::nanoseconds(sign * static_cast<std::int64_t>(running));
+}
+
+/// As the buffer tells, else as its frame rate does.
+std::optional<std::chrono::nanoseconds> GetDuration(GstBuffer const* buffer, GstCaps const* caps) {
+    if (GST_BUFFER_DURATION_IS_VALID(buffer)) return std::chrono::nanoseconds(GST_BUFFER_DURATION(buffer));
+    FrameRate rate;
+    if (gst_structure_get_fraction(gst_caps_get_structure(caps, 0), "framerate", &rate.numerator, &rate.denominator) ==
+            FALSE ||
+        rate.numerator <= 0 || rate.denominator <= 0) {
+        return std::nullopt;
+    }
+    return std::chrono::nanoseconds(GST_SECOND) * rate.denominator / rate.numerator;
 }
 
 gboolean OnSelectStream(GstElement*, guint, GstCaps* caps, gpointer) {
@@ -142,7 +155,8 @@ private:
     void Link(GstPad* pad, GstElement* element) {
         gst_element_sync_state_with_parent(element);
         ObjectHandle<GstPad> const target(gst_element_get_static_pad(element, "sink"));
-        if (!target || GST_PAD_LINK_FAILED(gst_pad_link(pad, target.get()))) pipeline.Fail("its video is of no known kind");
+        if (!target || GST_PAD_LINK_FAILED(gst_pad_link(pad, target.get())))
+            pipeline.Fail("its video is of no known kind");
     }
 
     static void OnPackets(GstElement*, GstPad* pad, gpointer self) {
@@ -158,12 +172,14 @@ private:
     static void OnVideo(GstElement*, GstPad* pad, gpointer self) {
         auto& impl = *static_cast<Impl*>(self);
         auto const caps = GetCaps(pad);
-        if (impl.hasVideo || !caps || gst_caps_is_any(caps.get()) != FALSE || gst_caps_is_empty(caps.get()) != FALSE) return;
+        if (impl.hasVideo || !caps || gst_caps_is_any(caps.get()) != FALSE || gst_caps_is_empty(caps.get()) != FALSE)
+            return;
         std::string_view const type = gst_structure_get_name(gst_caps_get_structure(caps.get(), 0));
         auto const codec = CodecFromMediaType(type);
         if (!codec && type != "video/x-raw") return;
         impl.hasVideo = true;
-        auto const text = codec ? MakeParserText(*codec) : MakeEncoderText(Codec::H264, ReadRawCaps(caps.get(), impl.isLive));
+        auto const text =
+            codec ? MakeParserText(*codec) : MakeEncoderText(Codec::H264, ReadRawCaps(caps.get(), impl.isLive));
         if (auto* bin = impl.pipeline.AddText(text)) impl.Link(pad, bin);
     }
 
@@ -175,9 +191,10 @@ private:
     static Picture MakePicture(MiniHandle<GstSample> sample) {
         auto const* segment = gst_sample_get_segment(sample.get());
         auto* buffer = gst_sample_get_buffer(sample.get());
-        auto const presentation = ToRunningTime(segment, GST_BUFFER_PTS(buffer));
-        auto const decoding = ToRunningTime(segment, GST_BUFFER_DTS(buffer));
-        return {std::move(sample), presentation, decoding};
+        SourceTimes const times{ToRunningTime(segment, GST_BUFFER_PTS(buffer)),
+                                ToRunningTime(segment, GST_BUFFER_DTS(buffer)),
+                                GetDuration(buffer, gst_sample_get_caps(sample.get()))};
+        return {std::move(sample), times};
     }
 
     bool const isLive;

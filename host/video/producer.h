@@ -2,10 +2,10 @@
 
 #include "host/video/handle.h"
 #include "host/video/source.h"
+#include "host/video/timeline.h"
 
 #include <chrono>
 #include <memory>
-#include <optional>
 #include <string>
 #include <variant>
 
@@ -24,13 +24,13 @@ class Producer {
 public:
     /// One coded picture.
     struct Picture {
-        MiniHandle<GstSample> sample;                         ///< the access unit with its caps
-        std::optional<std::chrono::nanoseconds> presentation; ///< source's time to show it
-        std::optional<std::chrono::nanoseconds> decoding;     ///< source's time to decode it
+        MiniHandle<GstSample> sample; ///< the access unit with its caps
+        SourceTimes times;            ///< on the clock of this run
     };
 
     struct Nothing {}; ///< no picture came in time
-    struct Ended {};   ///< the source has no more pictures
+
+    struct Ended {}; ///< the source has no more pictures
 
     struct Failed {
         std::string reason; ///< for people
@@ -47,8 +47,8 @@ public:
     Producer(Producer const&) = delete;
     Producer& operator=(Producer const&) = delete;
 
-    /// Waits for the next picture. Live sources give pictures when they are taken; a file gives them as fast as they are
-    /// asked for.
+    /// Waits for the next picture. Live sources give pictures when they are taken; a file gives them as fast as they
+    /// are asked for.
     Result Pull(std::chrono::milliseconds timeout);
 
 private:

@@ -13,9 +13,9 @@ constexpr std::int64_t FirstIntervals = 5;
 constexpr std::chrono::nanoseconds Window = 5s;
 
 constexpr std::array UsualRates{
-    FrameRate{1, 1},  FrameRate{2, 1},        FrameRate{5, 1},  FrameRate{6, 1},        FrameRate{8, 1},
-    FrameRate{10, 1}, FrameRate{12, 1},       FrameRate{15, 1}, FrameRate{20, 1},       FrameRate{24000, 1001},
-    FrameRate{24, 1}, FrameRate{25, 1},       FrameRate{30000, 1001}, FrameRate{30, 1}, FrameRate{50, 1},
+    FrameRate{1, 1},        FrameRate{2, 1},  FrameRate{5, 1},        FrameRate{6, 1},  FrameRate{8, 1},
+    FrameRate{10, 1},       FrameRate{12, 1}, FrameRate{15, 1},       FrameRate{20, 1}, FrameRate{24000, 1001},
+    FrameRate{24, 1},       FrameRate{25, 1}, FrameRate{30000, 1001}, FrameRate{30, 1}, FrameRate{50, 1},
     FrameRate{60000, 1001}, FrameRate{60, 1},
 };
 

@@ -14,8 +14,8 @@ public:
     /// One more access unit at this decoding time; times that do not grow are passed over.
     void Add(std::chrono::nanoseconds time);
 
-    /// The rate over the newest seconds as one that is usual for video when it is within one percent of such a one, else
-    /// rounded to hundredths. None until enough access units came.
+    /// The rate over the newest seconds as one that is usual for video when it is within one percent of such a one,
+    /// else rounded to hundredths. None until enough access units came.
     std::optional<FrameRate> GetRate() const { return rate; }
 
     /// Begins anew.

@@ -25,8 +25,8 @@ struct Snapshot {
     /// The reason for people; empty when there is a picture.
     std::string detail;
 
-    /// A whole JPEG file of exactly the channel's size, not older than two seconds; null when there is an error. It may be
-    /// shared with other requests: read only.
+    /// A whole JPEG file of exactly the channel's size, not older than two seconds; null when there is an error. It may
+    /// be shared with other requests: read only.
     std::shared_ptr<container::Buffer> jpeg;
 };
 

@@ -50,10 +50,12 @@ bool Assign(Member& member, std::optional<Value> const& value) {
 constexpr std::array Parameters{
     Parameter{"codec", "h264 or h265",
               [](TestSource& test, std::string_view value) { return Assign(test.codec, CodecFromName(value)); }},
-    Parameter{"width", "an even number from 64 to 3840",
-              [](TestSource& test, std::string_view value) { return Assign(test.width, ParseSide(value, MaximumWidth)); }},
-    Parameter{"height", "an even number from 64 to 2160",
-              [](TestSource& test, std::string_view value) { return Assign(test.height, ParseSide(value, MaximumHeight)); }},
+    Parameter{
+        "width", "an even number from 64 to 3840",
+        [](TestSource& test, std::string_view value) { return Assign(test.width, ParseSide(value, MaximumWidth)); }},
+    Parameter{
+        "height", "an even number from 64 to 2160",
+        [](TestSource& test, std::string_view value) { return Assign(test.height, ParseSide(value, MaximumHeight)); }},
     Parameter{"rate", "a frame rate from 1 to 60, such as 25 or 30000/1001",
               [](TestSource& test, std::string_view value) { return Assign(test.rate, ParseFrameRate(value)); }},
 };
@@ -78,7 +80,8 @@ ParsedSource ParseTest(std::string_view text) {
     }
     while (!text.empty() && text.find_first_of("?&") != std::string_view::npos) {
         text.remove_prefix(text.find_first_of("?&") + 1);
-        if (auto error = SetParameter(test, text.substr(0, text.find('&'))); !error.empty()) return Wrong(std::move(error));
+        if (auto error = SetParameter(test, text.substr(0, text.find('&'))); !error.empty())
+            return Wrong(std::move(error));
     }
     return {test, {}};
 }
@@ -141,7 +144,8 @@ ParsedSource ParseSource(std::string_view text) {
         if (text.starts_with(kind.prefix)) return kind.parse(text.substr(kind.skip));
     }
     if (auto const colon = text.find("://"); colon != std::string_view::npos) {
-        return Wrong(Quote(text.substr(0, colon + 3)) + " is not a kind of source (test:PATTERN, rtsp://, v4l2:/dev/videoN or a file)");
+        return Wrong(Quote(text.substr(0, colon + 3)) +
+                     " is not a kind of source (test:PATTERN, rtsp://, v4l2:/dev/videoN or a file)");
     }
     return {FileSource{std::string(text)}, {}};
 }

@@ -21,6 +21,7 @@ struct Still {
 /// deadline  when to give up
 /// stop      gives up when a stop is requested
 /// Thread: any; the work is done on the calling thread and a few of GStreamer's.
-Still DecodeStill(Stream::Recent const& recent, std::chrono::steady_clock::time_point deadline, std::stop_token const& stop);
+Still DecodeStill(Stream::Recent const& recent, std::chrono::steady_clock::time_point deadline,
+                  std::stop_token const& stop);
 
 } // namespace zarn::host::video

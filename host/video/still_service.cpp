@@ -99,7 +99,8 @@ void StillService::Expire(std::stop_token const& stop) {
         expire.wait_until(lock, stop, std::min(next, Clock::now() + bounds.patience), [] { return false; });
         auto const expired = TakeExpired(Clock::now());
         lock.unlock();
-        for (auto const& waiter : expired) waiter.done(Refuse(SnapshotError::Busy, "the snapshot was not made in time"));
+        for (auto const& waiter : expired)
+            waiter.done(Refuse(SnapshotError::Busy, "the snapshot was not made in time"));
         lock.lock();
     }
 }
@@ -107,7 +108,8 @@ void StillService::Expire(std::stop_token const& stop) {
 std::vector<StillService::Slot::Waiter> StillService::TakeExpired(Clock::time_point now) {
     std::vector<Slot::Waiter> expired;
     for (auto const& slot : active) {
-        auto const late = std::ranges::stable_partition(slot->waiters, [now](auto const& waiter) { return waiter.deadline > now; });
+        auto const late =
+            std::ranges::stable_partition(slot->waiters, [now](auto const& waiter) { return waiter.deadline > now; });
         std::ranges::move(late, std::back_inserter(expired));
         slot->waiters.erase(late.begin(), late.end());
     }

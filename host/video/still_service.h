@@ -16,9 +16,8 @@
 
 namespace zarn::host::video {
 
-/// Makes still images on request, on a few threads of its own. Requests for one channel share one decoding, and its result
-/// for a moment longer; a request that is not served in time gets an error.
-/// Thread: any.
+/// Makes still images on request, on a few threads of its own. Requests for one channel share one decoding, and its
+/// result for a moment longer; a request that is not served in time gets an error. Thread: any.
 class StillService {
 public:
     using Done = std::function<void(Snapshot)>;
@@ -26,11 +25,11 @@ public:
 
     /// How much is done, and for how long.
     struct Bounds {
-        std::size_t workers = 2;                     ///< decodings at the same time
-        std::size_t waiting = 256;                   ///< requests that wait
-        std::chrono::milliseconds patience{2500};    ///< how long a request waits
+        std::size_t workers = 2;                      ///< decodings at the same time
+        std::size_t waiting = 256;                    ///< requests that wait
+        std::chrono::milliseconds patience{2500};     ///< how long a request waits
         std::chrono::milliseconds decodingTime{2000}; ///< how long a decoding may last
-        std::chrono::milliseconds reuse{300};        ///< how long a picture is given out again
+        std::chrono::milliseconds reuse{300};         ///< how long a picture is given out again
     };
 
     /// A picture's greatest age when it is given out.
@@ -66,7 +65,8 @@ public:
     StillService(StillService const&) = delete;
     StillService& operator=(StillService const&) = delete;
 
-    /// Asks for a picture; `done` is called once: here when the answer is known, else on a thread of the service. Never waits.
+    /// Asks for a picture; `done` is called once: here when the answer is known, else on a thread of the service. Never
+    /// waits.
     void Request(std::shared_ptr<Slot> const& slot, Done done);
 
     /// Ends the decodings and answers all that wait with Stopped. Stopping twice is harmless.

@@ -37,8 +37,8 @@ public:
     /// The time on the stream's timeline.
     std::chrono::nanoseconds GetNow() const { return Clock::now() - begin; }
 
-    /// What is published from now on has this format. Returns false when those who view cannot go on with it: they have been
-    /// given their end.
+    /// What is published from now on has this format. Returns false when those who view cannot go on with it: they have
+    /// been given their end.
     bool SetFormat(Format const& value);
 
     /// Hands the next access unit to all who view.
@@ -53,7 +53,8 @@ public:
     /// The newest group of pictures; none before the first key frame.
     std::optional<Recent> GetRecent() const;
 
-    /// Feeds a media's application source from the newest key frame on, as long as the result lives. Null when there is none.
+    /// Feeds a media's application source from the newest key frame on, as long as the result lives. Null when there is
+    /// none.
     std::shared_ptr<Feed> Join(ObjectHandle<GstElement> source);
 
     /// The coding of what a viewer would get now; none when there is nothing to view.

@@ -4,9 +4,9 @@
 
 namespace zarn::host::video {
 
-/// Turns times of a stream's timeline into those of one viewer, which begin at zero. What was kept from before the viewer
-/// came passes in a fiftieth of its time, so that a picture is there at once and the viewer is up to date right after.
-/// Order is kept, also between presentation times that go back and forth. Pure.
+/// Turns times of a stream's timeline into those of one viewer, which begin at zero. What was kept from before the
+/// viewer came passes in a fiftieth of its time, so that a picture is there at once and the viewer is up to date right
+/// after. Order is kept, also between presentation times that go back and forth. Pure.
 class ViewerClock {
 public:
     using Time = std::chrono::nanoseconds;

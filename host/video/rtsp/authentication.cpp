@@ -7,18 +7,20 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include <string_view>
 #include <cerrno>
+#include <string_view>
 #include <system_error>
 
 namespace zarn::host::video::rtsp {
 namespace {
 
-/// A file in memory that only this process can find: GStreamer reads hashes from files only, and they are to leave no trace.
+/// A file in memory that only this process can find: GStreamer reads hashes from files only, and they are to leave no
+/// trace.
 class MemoryFile {
 public:
     explicit MemoryFile(std::string const& content) : descriptor(memfd_create("rtsp", MFD_CLOEXEC)) {
-        if (descriptor < 0 || write(descriptor, content.data(), content.size()) != static_cast<ssize_t>(content.size())) {
+        if (descriptor < 0 ||
+            write(descriptor, content.data(), content.size()) != static_cast<ssize_t>(content.size())) {
             auto const error = errno;
             Close();
             throw std::system_error(error, std::generic_category(), "the RTSP server cannot store its credentials");

@@ -5,7 +5,8 @@
 namespace zarn::host::video::rtsp {
 namespace {
 
-/// GObject's way of deriving: the base's instance comes first, and construction and destruction are functions of the class.
+/// GObject's way of deriving: the base's instance comes first, and construction and destruction are functions of the
+/// class.
 struct BoundedServer {
     GstRTSPServer base;
     std::function<bool()>* isWanted;
@@ -34,8 +35,8 @@ void InitializeClass(gpointer type, gpointer) {
 
 GType GetServerType() {
     static GType const Type =
-        g_type_register_static_simple(GST_TYPE_RTSP_SERVER, "ZarnRtspServer", sizeof(BoundedServerClass), InitializeClass,
-                                      sizeof(BoundedServer), nullptr, static_cast<GTypeFlags>(0));
+        g_type_register_static_simple(GST_TYPE_RTSP_SERVER, "ZarnRtspServer", sizeof(BoundedServerClass),
+                                      InitializeClass, sizeof(BoundedServer), nullptr, static_cast<GTypeFlags>(0));
     return Type;
 }
 

@@ -37,13 +37,6 @@ GstRTSPFilterResult RemoveSession(GstRTSPClient*, GstRTSPSession* session, gpoin
     return GST_RTSP_FILTER_KEEP;
 }
 
-/// Ends the sessions too: one whose media go over UDP would outlive its connection.
-void Close(GstRTSPClient* client) {
-    ObjectHandle<GstRTSPSessionPool> const sessions(gst_rtsp_client_get_session_pool(client));
-    gst_rtsp_client_session_filter(client, RemoveSession, sessions.get());
-    gst_rtsp_client_close(client);
-}
-
 } // namespace
 
 void Connections::Add(GstRTSPClient* client) {
@@ -72,21 +65,27 @@ std::vector<Connections::Client> Connections::Select(Predicate wanted) {
 }
 
 void Connections::CloseIdle(Clock::time_point now) {
-    auto const idle = Select([now](GstRTSPClient* client, Clock::time_point& seen) {
+    Close(Select([now](GstRTSPClient* client, Clock::time_point& seen) {
         if (HasSession(client)) seen = now;
         return now - seen > Patience;
-    });
-    for (auto const& client : idle) Close(client.get());
+    }));
 }
 
-void Connections::CloseViewers(std::string const& path) {
-    for (auto const& client : Select([&path](GstRTSPClient* client, auto&) { return Views(client, path); })) {
-        Close(client.get());
+std::vector<Connections::Client> Connections::FindViewers(std::string const& path) {
+    return Select([&path](GstRTSPClient* client, auto&) { return Views(client, path); });
+}
+
+void Connections::Close(std::vector<Client> const& clients) {
+    for (auto const& client : clients) {
+        // The sessions too: one whose media go over UDP would outlive its connection.
+        ObjectHandle<GstRTSPSessionPool> const sessions(gst_rtsp_client_get_session_pool(client.get()));
+        gst_rtsp_client_session_filter(client.get(), RemoveSession, sessions.get());
+        gst_rtsp_client_close(client.get());
     }
 }
 
 void Connections::CloseAll() {
-    for (auto const& client : Select([](auto*, auto&) { return true; })) Close(client.get());
+    Close(Select([](auto*, auto&) { return true; }));
 }
 
 } // namespace zarn::host::video::rtsp

@@ -33,15 +33,21 @@ public:
     /// Closes those that have had no session for `Patience`.
     void CloseIdle(Clock::time_point now);
 
-    /// Closes those that have a session with the media at this path, and ends these sessions.
-    void CloseViewers(std::string const& path);
+    using Client = ObjectHandle<GstRTSPClient>;
+
+    /// Those that have a session with the media at this path.
+    std::vector<Client> FindViewers(std::string const& path);
+
+    /// Closes connections and ends their sessions.
+    static void Close(std::vector<Client> const& clients);
 
     /// Closes all.
     void CloseAll();
 
-private:
-    using Client = ObjectHandle<GstRTSPClient>;
+    /// True when nobody is connected.
+    bool IsEmpty() const { return since.empty(); }
 
+private:
     static void OnClosed(GstRTSPClient* client, gpointer self);
     static bool HasSession(GstRTSPClient* client);
 

@@ -38,9 +38,8 @@ void Loop::Run(std::function<void()> const& function) {
     done.get_future().wait();
 }
 
-void Loop::Post(std::function<void()> function) {
-    auto* source = g_idle_source_new();
-    g_source_set_priority(source, G_PRIORITY_DEFAULT);
+void Loop::Post(std::function<void()> function, std::chrono::milliseconds after) {
+    auto* source = g_timeout_source_new(static_cast<guint>(after.count()));
     g_source_set_callback(source, CallOnce, new std::function<void()>(std::move(function)), Delete);
     g_source_attach(source, context.get());
     g_source_unref(source);

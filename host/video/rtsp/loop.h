@@ -2,6 +2,7 @@
 
 #include <gst/gst.h>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <thread>
@@ -22,8 +23,8 @@ public:
     /// Runs a function on the loop's thread and waits for it. Thread: any but the loop's own.
     void Run(std::function<void()> const& function);
 
-    /// Runs a function on the loop's thread soon; returns at once. Thread: any.
-    void Post(std::function<void()> function);
+    /// Runs a function on the loop's thread soon, or after a time; returns at once. Thread: any.
+    void Post(std::function<void()> function, std::chrono::milliseconds after = std::chrono::milliseconds(0));
 
     /// For sources of events.
     GMainContext* GetContext() const { return context.get(); }

@@ -9,7 +9,8 @@
 namespace zarn::host::video::rtsp {
 namespace {
 
-/// GObject's way of deriving: the base's instance comes first, and construction and destruction are functions of the class.
+/// GObject's way of deriving: the base's instance comes first, and construction and destruction are functions of the
+/// class.
 struct Factory {
     GstRTSPMediaFactory base;
     std::shared_ptr<Stream>* stream;
@@ -53,8 +54,8 @@ void InitializeClass(gpointer type, gpointer) {
 
 GType GetFactoryType() {
     static GType const Type =
-        g_type_register_static_simple(GST_TYPE_RTSP_MEDIA_FACTORY, "ZarnMediaFactory", sizeof(FactoryClass), InitializeClass,
-                                      sizeof(Factory), nullptr, static_cast<GTypeFlags>(0));
+        g_type_register_static_simple(GST_TYPE_RTSP_MEDIA_FACTORY, "ZarnMediaFactory", sizeof(FactoryClass),
+                                      InitializeClass, sizeof(Factory), nullptr, static_cast<GTypeFlags>(0));
     return Type;
 }
 

@@ -11,16 +11,22 @@
 #include <zarn/logging/rate_limit.h>
 
 #include <algorithm>
+#include <chrono>
 #include <functional>
 #include <map>
 #include <stdexcept>
 #include <string_view>
+#include <thread>
 #include <utility>
+#include <vector>
 
 namespace zarn::host::video::rtsp {
 namespace {
 
 constexpr std::string_view Prefix = "/channels/";
+/// How long connections stay after the end of their stream, so that it can be told to those who view over UDP.
+constexpr std::chrono::milliseconds Farewell{150};
+
 constexpr guint LookSeconds = 2;
 constexpr guint MaximumBody = 64 * 1024;
 
@@ -31,7 +37,8 @@ logging::Logger const& Log() {
 
 std::string MakePath(std::string const& id) { return std::string(Prefix) + id; }
 
-/// The channel in the path of a stream, `/channels/1`, or of its media, `/channels/1/stream=0`; empty when there is none.
+/// The channel in the path of a stream, `/channels/1`, or of its media, `/channels/1/stream=0`; empty when there is
+/// none.
 std::string_view FindId(GstRTSPContext const* context) {
     if (context->uri == nullptr || context->uri->abspath == nullptr) return {};
     std::string_view path = context->uri->abspath;
@@ -74,17 +81,13 @@ public:
     }
 
     ~Impl() {
-        loop.Run([this] {
-            for (auto* source : sources) {
-                g_source_destroy(source);
-                g_source_unref(source);
-            }
-            connections.CloseAll();
-            for (auto const& [id, stream] : streams) gst_rtsp_mount_points_remove_factory(mounts.get(), MakePath(id).c_str());
-            gst_rtsp_session_pool_filter(
-                sessions.get(), [](auto*, auto*, gpointer) { return GST_RTSP_FILTER_REMOVE; }, nullptr);
-            server.reset();
+        bool isInUse = false;
+        loop.Run([&] {
+            CloseDoor();
+            isInUse = !connections.IsEmpty();
         });
+        if (isInUse) std::this_thread::sleep_for(Farewell);
+        loop.Run([this] { Dismantle(); });
     }
 
     Impl(Impl const&) = delete;
@@ -103,7 +106,10 @@ public:
         Disconnect(id);
     }
 
-    void Disconnect(std::string const& id) { connections.CloseViewers(MakePath(id)); }
+    void Disconnect(std::string const& id) {
+        auto viewers = std::make_shared<std::vector<Connections::Client>>(connections.FindViewers(MakePath(id)));
+        loop.Post([viewers] { Connections::Close(*viewers); }, Farewell);
+    }
 
     std::uint16_t GetPort() const { return static_cast<std::uint16_t>(gst_rtsp_server_get_bound_port(server.get())); }
 
@@ -113,6 +119,23 @@ private:
     void Attach(GSource* source) {
         g_source_attach(source, loop.GetContext());
         sources.push_back(source);
+    }
+
+    /// Takes no more connections.
+    void CloseDoor() {
+        for (auto* source : std::exchange(sources, {})) {
+            g_source_destroy(source);
+            g_source_unref(source);
+        }
+    }
+
+    void Dismantle() {
+        connections.CloseAll();
+        for (auto const& [id, stream] : streams)
+            gst_rtsp_mount_points_remove_factory(mounts.get(), MakePath(id).c_str());
+        gst_rtsp_session_pool_filter(
+            sessions.get(), [](auto*, auto*, gpointer) { return GST_RTSP_FILTER_REMOVE; }, nullptr);
+        server.reset();
     }
 
     bool HasRoom() {

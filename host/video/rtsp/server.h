@@ -32,13 +32,15 @@ public:
     /// Serves a stream at `/channels/ID`, in place of what was there.
     void Mount(std::string const& id, std::shared_ptr<Stream> const& stream);
 
-    /// Serves nothing there any more; its viewers' connections end.
+    /// Serves nothing there any more; the viewers' connections end as by Disconnect().
     void Unmount(std::string const& id);
 
-    /// Ends the connections of a channel's viewers soon; returns at once. Thread: any.
+    /// Ends the connections of those who view a channel now, after a moment in which they hear of the end of the
+    /// stream, which the caller has ended. Returns at once. Thread: any.
     void Disconnect(std::string const& id);
 
-    /// Ends all connections and closes the port. Stopping twice is harmless. Nothing else may be called afterwards.
+    /// Ends all connections and closes the port. Those who view hear of the end when their streams have been ended
+    /// before. Stopping twice is harmless. Nothing else may be called afterwards.
     void Stop();
 
 private:

@@ -65,7 +65,8 @@ bool WaitFor(std::function<bool()> const& condition, std::chrono::milliseconds d
 class Viewer::Impl {
 public:
     Impl(std::string const& url, ViewerOptions const& options) {
-        auto text = "rtspsrc latency=100 location=" + url + " protocols=" + options.transport;
+        // buffer-mode=none: the times are those that the server sent.
+        auto text = "rtspsrc latency=100 buffer-mode=none location=" + url + " protocols=" + options.transport;
         if (!options.user.empty()) text += " user-id=" + options.user + " user-pw=\"" + options.password + "\"";
         text += options.decode ? " ! decodebin ! " + std::string(ToGray) : " ! parsebin ! ";
         // Not Pipeline::AddText(): the pads of rtspsrc come later, so the decoder must not be taken for an open end.
@@ -85,7 +86,8 @@ Viewer::~Viewer() = default;
 std::optional<Picture> Viewer::Next(std::chrono::milliseconds timeout) {
     auto const end = Clock::now() + timeout;
     while (Clock::now() < end && !HasEnded()) {
-        MiniHandle<GstSample> const sample(gst_app_sink_try_pull_sample(GST_APP_SINK(impl->sink.get()), 20 * GST_MSECOND));
+        MiniHandle<GstSample> const sample(
+            gst_app_sink_try_pull_sample(GST_APP_SINK(impl->sink.get()), 20 * GST_MSECOND));
         if (sample) return ReadSample(sample.get());
     }
     return std::nullopt;
@@ -159,7 +161,8 @@ Snapshot VideoTest::TakeSnapshot(std::string const& id) {
     auto promise = std::make_shared<std::promise<Snapshot>>();
     auto answer = promise->get_future();
     engine->RequestSnapshot(id, [promise](Snapshot snapshot) { promise->set_value(std::move(snapshot)); });
-    if (answer.wait_for(Deadline) != std::future_status::ready) throw std::runtime_error("the snapshot was never answered");
+    if (answer.wait_for(Deadline) != std::future_status::ready)
+        throw std::runtime_error("the snapshot was never answered");
     return answer.get();
 }
 

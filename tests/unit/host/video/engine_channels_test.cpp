@@ -1,0 +1,150 @@
+#include "unit/host/video/video_test.h"
+
+#include <gmock/gmock.h>
+
+#include <stdexcept>
+#include <thread>
+
+namespace zarn::host::video::test {
+namespace {
+
+using namespace std::chrono_literals;
+using meta::data::VideoInfo;
+using testing::HasSubstr;
+
+constexpr char Small[] = "test:ball?width=128&height=96&rate=10";
+constexpr char Other[] = "test:smpte?width=192&height=112&rate=5";
+
+class EngineChannels : public VideoTest {
+protected:
+    std::vector<std::string> GetIds() const {
+        std::vector<std::string> ids;
+        for (auto const& status : engine->GetStatus()) ids.push_back(status.id);
+        return ids;
+    }
+};
+
+ChannelSettings Described(std::string id, VideoInfo info) { return {std::move(id), "", "", "", std::move(info)}; }
+
+TEST_F(EngineChannels, AreNoneAtFirst) {
+    EXPECT_TRUE(engine->GetStatus().empty());
+    EXPECT_EQ(engine->Describe("1"), VideoInfo());
+}
+
+TEST_F(EngineChannels, KeepTheirOrder) {
+    engine->SetChannels({From("b", ""), From("a", ""), From("c", "")});
+    EXPECT_THAT(GetIds(), testing::ElementsAre("b", "a", "c"));
+}
+
+TEST_F(EngineChannels, WithoutASourceAreOnlyDescribed) {
+    VideoInfo const odd({0, 7}, "odd codec", -1, 0);
+    engine->SetChannels({Described("1", odd)});
+    EXPECT_EQ(engine->Describe("1"), odd);
+    EXPECT_EQ(GetStatus("1").state, ChannelState::Described);
+    EXPECT_EQ(GetStatus("1").frameAge, std::nullopt);
+}
+
+TEST_F(EngineChannels, TellTheDescriptionUntilTheVideoIsKnown) {
+    auto settings = From("1", folder / "missing.mp4");
+    settings.described = VideoInfo({1920, 1080}, "video/x-h264", 30, 1);
+    engine->SetChannels({settings});
+    EXPECT_EQ(engine->Describe("1"), settings.described);
+}
+
+TEST_F(EngineChannels, TellWhatTheVideoReallyIs) {
+    auto settings = From("1", "test:ball?width=128&height=96&rate=15000/1001");
+    settings.described = VideoInfo({1920, 1080}, "video/x-h265", 30, 1);
+    engine->SetChannels({settings});
+    EXPECT_TRUE(WaitFor([&] { return engine->Describe("1") == VideoInfo({128, 96}, "video/x-h264", 15000, 1001); }));
+}
+
+TEST_F(EngineChannels, TellHowOldTheNewestFrameIs) {
+    engine->SetChannels({From("1", Small)});
+    ASSERT_TRUE(WaitForState("1", ChannelState::Running));
+    EXPECT_LT(GetStatus("1").frameAge.value(), 5s);
+}
+
+TEST_F(EngineChannels, TellWhyTheirSourceFails) {
+    engine->SetChannels({From("1", folder / "missing.mp4")});
+    ASSERT_TRUE(WaitForState("1", ChannelState::Failed));
+    EXPECT_THAT(GetStatus("1").detail, HasSubstr("missing.mp4"));
+}
+
+TEST_F(EngineChannels, FailForGoodWhenTheirSourceIsWrong) {
+    engine->SetChannels({From("1", "test:none"), From("2", Small)});
+    EXPECT_EQ(GetStatus("1").state, ChannelState::Failed);
+    EXPECT_THAT(GetStatus("1").detail, HasSubstr("unknown pattern"));
+    EXPECT_TRUE(WaitForState("2", ChannelState::Running));
+}
+
+TEST_F(EngineChannels, MustNotShareAnIdentifier) {
+    engine->SetChannels({From("1", "")});
+    EXPECT_THROW(engine->SetChannels({From("2", ""), From("2", "")}), std::invalid_argument);
+    EXPECT_THAT(GetIds(), testing::ElementsAre("1"));
+}
+
+TEST_F(EngineChannels, GoOnUndisturbedWhenOthersChange) {
+    engine->SetChannels({From("1", Small), From("2", Small), From("3", Small)});
+    ASSERT_TRUE(WaitForState("1", ChannelState::Running));
+    Viewer viewer(GetUrl("1"));
+    ASSERT_TRUE(viewer.Next());
+    auto settings = From("1", Small);
+    settings.described = VideoInfo({1, 1}, "", 1, 1);
+    engine->SetChannels({From("4", Small), settings, From("2", Other)});
+    EXPECT_THAT(GetIds(), testing::ElementsAre("4", "1", "2"));
+    EXPECT_EQ(GetStatus("1").state, ChannelState::Running);
+    for (int count = 0; count < 15; ++count) ASSERT_TRUE(viewer.Next()) << viewer.GetFailure();
+    EXPECT_EQ(engine->Describe("1").GetResolution(), std::pair(128U, 96U));
+    EXPECT_TRUE(WaitFor([&] { return engine->Describe("2").GetResolution() == std::pair(192U, 112U); }));
+    EXPECT_TRUE(WaitForState("4", ChannelState::Running));
+}
+
+TEST_F(EngineChannels, EndTheirStreamsWhenTheyGo) {
+    engine->SetChannels({From("1", Small), From("2", Small)});
+    for (auto const* transport : {"tcp", "udp"}) {
+        engine->SetChannels({From("1", Small), From("2", Small)});
+        ASSERT_TRUE(WaitForState("1", ChannelState::Running));
+        Viewer viewer(GetUrl("1"), {.transport = transport});
+        ASSERT_TRUE(viewer.Next());
+        engine->SetChannels({From("2", Small)});
+        EXPECT_TRUE(WaitFor([&] { return !viewer.Next(50ms) && viewer.HasEnded(); }, 10s)) << transport;
+        Viewer late(GetUrl("1"), {.transport = transport});
+        EXPECT_FALSE(late.Next());
+        EXPECT_THAT(late.GetFailure(), HasSubstr("Not Found"));
+    }
+}
+
+TEST_F(EngineChannels, ServeTheNewSourceAfterAChange) {
+    engine->SetChannels({From("1", Small)});
+    ASSERT_TRUE(WaitForState("1", ChannelState::Running));
+    engine->SetChannels({From("1", Other)});
+    ASSERT_TRUE(WaitForState("1", ChannelState::Running));
+    Viewer viewer(GetUrl("1"));
+    auto const picture = viewer.Next();
+    ASSERT_TRUE(picture) << viewer.GetFailure();
+    EXPECT_EQ(picture->width, 192);
+}
+
+TEST_F(EngineChannels, CanBeChangedAndAskedAtTheSameTime) {
+    std::jthread const asking([this](std::stop_token const& stop) {
+        while (!stop.stop_requested()) {
+            engine->GetStatus();
+            engine->Describe("1");
+            engine->RequestSnapshot("1", [](Snapshot const&) {});
+        }
+    });
+    for (int round = 0; round < 5; ++round) {
+        engine->SetChannels({From("1", Small)});
+        engine->SetChannels({From("1", Other), From("2", "")});
+    }
+    EXPECT_TRUE(WaitForState("1", ChannelState::Running));
+}
+
+TEST_F(EngineChannels, AreNotTakenAfterStopping) {
+    engine->Stop();
+    engine->SetChannels({From("1", Small)});
+    EXPECT_TRUE(engine->GetStatus().empty());
+}
+
+} // namespace
+} // namespace zarn::host::video::test

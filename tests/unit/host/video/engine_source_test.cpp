@@ -1,0 +1,222 @@
+#include "unit/host/video/video_test.h"
+
+#include <zarn/authentication/ha1.h>
+#include <zarn/authentication/realm.h>
+#include <zarn/logging/capture.h>
+
+#include <gmock/gmock.h>
+
+#include <ostream>
+
+namespace zarn::host::video::test {
+namespace {
+
+using namespace std::chrono_literals;
+using meta::data::VideoInfo;
+using testing::HasSubstr;
+
+/// A file of one second, and what the engine makes of it.
+struct Kind {
+    std::string name;   ///< of the file
+    std::string coding; ///< launch line from raw pictures to the file's format
+    std::string codec;  ///< of the stream
+};
+
+std::ostream& operator<<(std::ostream& stream, Kind const& kind) { return stream << kind.name; }
+
+class EngineFile : public VideoTest, public testing::WithParamInterface<Kind> {
+protected:
+    std::string MakeFile(Kind const& kind) const {
+        auto const path = (folder / kind.name).string();
+        EXPECT_TRUE(RunToEnd(
+            "videotestsrc num-buffers=20 pattern=ball ! video/x-raw,format=I420,width=128,height=96,framerate=20/1 ! " +
+            kind.coding + " ! filesink location=" + path));
+        return path;
+    }
+};
+
+TEST_P(EngineFile, IsPlayedOverItsEndInRealTime) {
+    engine->SetChannels({From("1", MakeFile(GetParam()))});
+    ASSERT_TRUE(WaitForState("1", ChannelState::Running)) << GetStatus("1").detail;
+    EXPECT_TRUE(WaitFor([&] {
+        return engine->Describe("1") == VideoInfo({128, 96}, GetParam().codec, 20, 1);
+    })) << engine->Describe("1").GetFrameRateNumerator();
+    Viewer viewer(GetUrl("1"));
+    auto const first = viewer.Next();
+    ASSERT_TRUE(first) << viewer.GetFailure();
+    EXPECT_EQ(first->width, 128);
+    auto const begin = std::chrono::steady_clock::now();
+    auto last = *first;
+    while (last.time - first->time < 2500ms) {
+        auto const next = viewer.Next();
+        ASSERT_TRUE(next) << viewer.GetFailure();
+        EXPECT_LE(next->time - last.time, 55ms); // no gap at the end of the file
+        last = *next;
+    }
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, 2s); // the file was not played faster than it should be
+    EXPECT_EQ(GetStatus("1").restarts, 0);
+    EXPECT_EQ(WaitForSnapshot("1").error, SnapshotError::None);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Kinds, EngineFile,
+    testing::Values(Kind{"h264.mp4", "x264enc bframes=2 key-int-max=100 ! h264parse ! mp4mux", "video/x-h264"},
+                    Kind{"h264.mkv", "x264enc bframes=2 ! h264parse ! matroskamux", "video/x-h264"},
+                    Kind{"h264.ts", "x264enc tune=zerolatency ! h264parse ! mpegtsmux", "video/x-h264"},
+                    Kind{"h265.mp4", "x265enc ! h265parse ! mp4mux", "video/x-h265"},
+                    Kind{"h265.mkv", "x265enc ! h265parse ! matroskamux", "video/x-h265"},
+                    Kind{"jpeg.avi", "jpegenc ! avimux", "video/x-h264"},
+                    Kind{"vp8.webm", "vp8enc ! webmmux", "video/x-h264"}),
+    [](auto const& tested) {
+        auto name = tested.param.name;
+        name[name.find('.')] = '_';
+        return name;
+    });
+
+class EngineSource : public VideoTest {
+protected:
+    void MakeMovie(std::filesystem::path const& path) const {
+        auto const made = folder / "made.mp4";
+        ASSERT_TRUE(
+            RunToEnd("videotestsrc num-buffers=20 ! video/x-raw,format=I420,width=128,height=96,framerate=20/1 ! "
+                     "x264enc ! h264parse ! mp4mux ! filesink location=" +
+                     made.string()));
+        std::filesystem::rename(made, path);
+    }
+};
+
+TEST_F(EngineSource, IsTriedAgainUntilItsFileAppears) {
+    auto const path = folder / "late.mp4";
+    engine->SetChannels({From("1", path), From("2", "test:ball?width=128&height=96&rate=10")});
+    ASSERT_TRUE(WaitForState("1", ChannelState::Failed));
+    MakeMovie(path);
+    EXPECT_TRUE(WaitForState("1", ChannelState::Running));
+    EXPECT_GE(GetStatus("1").restarts, 1);
+    EXPECT_EQ(GetStatus("2").restarts, 0);
+    EXPECT_EQ(GetStatus("1").detail, "");
+}
+
+TEST_F(EngineSource, FailsWhenAFileHoldsNoVideo) {
+    auto const sound = (folder / "sound.wav").string();
+    ASSERT_TRUE(RunToEnd("audiotestsrc num-buffers=10 ! wavenc ! filesink location=" + sound));
+    engine->SetChannels({From("1", sound), From("2", folder)});
+    EXPECT_TRUE(WaitForState("1", ChannelState::Failed));
+    EXPECT_TRUE(WaitForState("2", ChannelState::Failed));
+    EXPECT_NE(GetStatus("1").detail, "");
+    EXPECT_NE(GetStatus("2").detail, "");
+}
+
+TEST_F(EngineSource, FailsWhenADeviceIsMissing) {
+    engine->SetChannels({From("1", "v4l2:/dev/video99")});
+    ASSERT_TRUE(WaitForState("1", ChannelState::Failed));
+    EXPECT_THAT(GetStatus("1").detail, HasSubstr("/dev/video99"));
+}
+
+TEST_F(EngineSource, IsLoggedOnceForEachChange) {
+    logging::Capture const capture;
+    auto const path = folder / "late.mp4";
+    engine->SetChannels({From("gate", path)});
+    ASSERT_TRUE(WaitFor([&] { return GetStatus("gate").restarts > 0; }));
+    MakeMovie(path);
+    ASSERT_TRUE(WaitForState("gate", ChannelState::Running));
+    std::vector<std::string> lines;
+    for (auto const& line : capture.GetLines()) {
+        if (line.text.starts_with("channel gate")) lines.push_back(line.text);
+    }
+    EXPECT_THAT(lines,
+                testing::ElementsAre(HasSubstr("late.mp4 failed"), HasSubstr("running, video/x-h264 128x96 20/1")));
+}
+
+/// A second engine is the camera.
+class EngineCamera : public VideoTest {
+protected:
+    static constexpr char Small[] = "test:ball?width=128&height=96&rate=10";
+
+    /// Starts the camera at a port, by default a free one.
+    void StartCamera(std::string const& source, std::uint16_t port = 0) {
+        camera = std::make_unique<Engine>(
+            RtspSettings{port, true, authentication::MakeHa1("admin", authentication::Realm, "secret")});
+        camera->SetChannels({From("1", source)});
+        ASSERT_TRUE(WaitFor([&] { return camera->GetStatus().front().state == ChannelState::Running; }));
+    }
+
+    /// The camera as a source.
+    ChannelSettings FromCamera(std::string const& password = "secret") const {
+        auto settings = From("1", "rtsp://127.0.0.1:" + std::to_string(camera->GetPort()) + "/channels/1");
+        settings.user = "admin";
+        settings.password = password;
+        return settings;
+    }
+
+    std::unique_ptr<Engine> camera;
+};
+
+TEST_F(EngineCamera, IsPassedOn) {
+    StartCamera(Small);
+    engine->SetChannels({FromCamera()});
+    ASSERT_TRUE(WaitForState("1", ChannelState::Running)) << GetStatus("1").detail;
+    EXPECT_TRUE(WaitFor([&] { return engine->Describe("1") == VideoInfo({128, 96}, "video/x-h264", 10, 1); }));
+    Viewer viewer(GetUrl("1"));
+    EXPECT_TRUE(viewer.Next()) << viewer.GetFailure();
+    EXPECT_EQ(WaitForSnapshot("1").error, SnapshotError::None);
+}
+
+TEST_F(EngineCamera, IsPassedOnInH265) {
+    StartCamera("test:ball?codec=h265&width=128&height=96&rate=10");
+    engine->SetChannels({FromCamera()});
+    EXPECT_TRUE(WaitFor([&] { return engine->Describe("1") == VideoInfo({128, 96}, "video/x-h265", 10, 1); }));
+}
+
+TEST_F(EngineCamera, NeedsTheRightPasswordWhichIsNeverLogged) {
+    logging::Capture const capture;
+    StartCamera(Small);
+    engine->SetChannels({FromCamera("a-wrong-one")});
+    ASSERT_TRUE(WaitForState("1", ChannelState::Failed));
+    EXPECT_THAT(GetStatus("1").detail, HasSubstr("Unauthorized"));
+    EXPECT_TRUE(capture.Contains("channel 1: source rtsp://127.0.0.1"));
+    EXPECT_FALSE(capture.Contains("a-wrong-one"));
+}
+
+TEST_F(EngineCamera, ComesBackAfterItWasGone) {
+    StartCamera(Small);
+    auto const settings = FromCamera();
+    auto const port = camera->GetPort();
+    engine->SetChannels({settings});
+    ASSERT_TRUE(WaitForState("1", ChannelState::Running));
+    Viewer viewer(GetUrl("1"));
+    ASSERT_TRUE(viewer.Next());
+    camera.reset();
+    ASSERT_TRUE(WaitForState("1", ChannelState::Failed));
+    StartCamera(Small, port);
+    ASSERT_TRUE(WaitForState("1", ChannelState::Running));
+    for (int count = 0; count < 15; ++count) ASSERT_TRUE(viewer.Next()) << viewer.GetFailure();
+}
+
+TEST_F(EngineCamera, MayStartLater) {
+    StartCamera(Small);
+    auto const settings = FromCamera();
+    auto const port = camera->GetPort();
+    camera.reset();
+    engine->SetChannels({settings});
+    ASSERT_TRUE(WaitForState("1", ChannelState::Failed));
+    StartCamera(Small, port);
+    EXPECT_TRUE(WaitForState("1", ChannelState::Running));
+}
+
+TEST_F(EngineCamera, EndsTheStreamsOfThoseWhoCannotGoOnWhenItsVideoChanges) {
+    StartCamera(Small);
+    engine->SetChannels({FromCamera()});
+    ASSERT_TRUE(WaitForState("1", ChannelState::Running));
+    Viewer viewer(GetUrl("1"));
+    ASSERT_TRUE(viewer.Next());
+    camera->SetChannels({From("1", "test:ball?width=192&height=112&rate=10")});
+    EXPECT_TRUE(WaitFor([&] { return !viewer.Next(50ms) && viewer.HasEnded(); }));
+    EXPECT_TRUE(WaitFor([&] { return engine->Describe("1").GetResolution() == std::pair(192U, 112U); }));
+    Viewer next(GetUrl("1"));
+    auto const picture = next.Next();
+    ASSERT_TRUE(picture) << next.GetFailure();
+    EXPECT_EQ(picture->width, 192);
+}
+
+} // namespace
+} // namespace zarn::host::video::test

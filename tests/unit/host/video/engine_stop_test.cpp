@@ -1,0 +1,85 @@
+#include "unit/host/video/video_test.h"
+
+#include <gmock/gmock.h>
+
+#include <stdexcept>
+
+namespace zarn::host::video::test {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::HasSubstr;
+
+constexpr char Small[] = "test:ball?width=128&height=96&rate=10";
+
+/// What "about a second" is for; a sanitizer makes everything several times slower.
+#ifdef ZARN_SANITIZED
+constexpr auto StopLimit = 5s;
+#else
+constexpr auto StopLimit = 1s;
+#endif
+
+class EngineStop : public VideoTest {
+protected:
+    std::chrono::steady_clock::duration MeasureStop() {
+        auto const begin = std::chrono::steady_clock::now();
+        engine->Stop();
+        return std::chrono::steady_clock::now() - begin;
+    }
+};
+
+TEST_F(EngineStop, EndsTheStreamsInTime) {
+    engine->SetChannels({From("1", Small), From("2", Small)});
+    ASSERT_TRUE(WaitForState("1", ChannelState::Running));
+    ASSERT_TRUE(WaitForState("2", ChannelState::Running));
+    std::vector<std::unique_ptr<Viewer>> viewers;
+    for (auto const* transport : {"tcp", "tcp", "tcp", "udp"}) {
+        for (auto const* id : {"1", "2"}) {
+            viewers.push_back(
+                std::make_unique<Viewer>(GetUrl(id), ViewerOptions{.transport = transport, .decode = false}));
+        }
+    }
+    for (auto const& viewer : viewers) ASSERT_TRUE(viewer->Next());
+    EXPECT_LT(MeasureStop(), StopLimit);
+    for (auto const& viewer : viewers) EXPECT_TRUE(WaitFor([&] { return !viewer->Next(50ms) && viewer->HasEnded(); }));
+}
+
+TEST_F(EngineStop, DoesNotWaitForSourcesThatAreBeingOpened) {
+    // Nobody answers at 192.0.2.1, an address for documentation.
+    engine->SetChannels({From("1", "rtsp://192.0.2.1/stream"), From("2", folder / "missing.mp4"), From("3", Small)});
+    EXPECT_LT(MeasureStop(), StopLimit);
+}
+
+TEST_F(EngineStop, DoesNotWaitForAPause) {
+    engine->SetChannels({From("1", folder / "missing.mp4")});
+    ASSERT_TRUE(WaitForState("1", ChannelState::Failed));
+    EXPECT_LT(MeasureStop(), StopLimit);
+}
+
+TEST_F(EngineStop, IsHarmlessTwice) {
+    engine->SetChannels({From("1", Small)});
+    engine->Stop();
+    engine->Stop();
+    engine->SetAuthentication(true, "");
+    EXPECT_TRUE(engine->GetStatus().empty());
+}
+
+TEST_F(EngineStop, GivesThePortBack) {
+    auto const port = engine->GetPort();
+    engine->Stop();
+    Engine const next({port, false, ""});
+    EXPECT_EQ(next.GetPort(), port);
+}
+
+TEST_F(EngineStop, NamesThePortThatCannotBeBound) {
+    auto const port = engine->GetPort();
+    try {
+        Engine const next({port, false, ""});
+        FAIL() << "the port was bound twice";
+    } catch (std::runtime_error const& error) {
+        EXPECT_THAT(error.what(), HasSubstr("RTSP port " + std::to_string(port)));
+    }
+}
+
+} // namespace
+} // namespace zarn::host::video::test
