@@ -118,12 +118,12 @@ tds__SecurityCapabilities* MakeSecurityCapabilities(soap* soap) {
 } // namespace
 
 DeviceService::DeviceService(struct soap* soap, URIBase uriBase, ZarnAuthenticationEngine const* engine,
-                             utilities::name::Config nameConfig,
+                             utilities::name::Config const& nameConfig,
                              std::shared_ptr<configuration::node::Root> configuration)
     : DeviceBindingService(soap),
       URIBase(uriBase),
       authenticationEngine(engine),
-      nameConfig(std::move(nameConfig)),
+      nameConfig(nameConfig),
       configuration(std::move(configuration)) {}
 
 DeviceBindingService* DeviceService::copy() { return nullptr; }

@@ -31,7 +31,7 @@ tt__SystemDateTime* MakeSystemDateTime(soap* soap, std::chrono::sys_seconds now)
 class DeviceService final : public DeviceBindingService, private URIBase {
 public:
     DeviceService(struct soap* soap, URIBase uriBase, ZarnAuthenticationEngine const* engine,
-                  utilities::name::Config nameConfig, std::shared_ptr<configuration::node::Root> configuration);
+                  utilities::name::Config const& nameConfig, std::shared_ptr<configuration::node::Root> configuration);
 
     /// The capabilities of this service, allocated in the context anew; null without memory.
     static tds__DeviceServiceCapabilities* MakeServiceCapabilities(struct soap* soap);

@@ -17,7 +17,7 @@ constexpr soap_mode Mode = SOAP_XML_NOTYPE | SOAP_DOM_ASIS | SOAP_C_UTFSTRING;
 constexpr unsigned MaximumLevel = 64;
 constexpr long MaximumTextLength = 1024 * 1024;
 constexpr std::size_t MaximumOccurrences = 4096;
-constexpr ULONG64 MaximumMessageLength = 16 * 1024 * 1024;
+constexpr ULONG64 MaximumMessageLength = 16ULL * 1024 * 1024;
 
 constexpr char SecurityNamespace[] =
     "http://docs.oasis-open.org/wss/2004/01/oasis-200401-wss-wssecurity-secext-1.0.xsd";
@@ -46,7 +46,7 @@ void Release(soap* soap) {
 } // namespace
 
 std::shared_ptr<soap> MakeSoapContext() {
-    std::shared_ptr<soap> const context(soap_new2(Mode, Mode), [](soap* soap) {
+    std::shared_ptr<soap> context(soap_new2(Mode, Mode), [](soap* soap) {
         if (soap) Release(soap);
     });
     if (!context) throw std::bad_alloc();
