@@ -110,12 +110,11 @@ private:
     }
 
     void AwaitRequest() {
-        limits = context->GetLimits();
         if (context->IsFinishing()) return Linger();
         SkipEmptyLines();
         if (buffer.size() > 0) return ReadHeader();
         idle = true;
-        Allow(limits.idleTime);
+        Allow(context->GetLimits().idleTime);
         stream.async_read_some(buffer.prepare(FirstRead), [self = Self()](beast::error_code error, std::size_t count) {
             self->idle = false;
             self->buffer.commit(count);
@@ -134,6 +133,7 @@ private:
     }
 
     void ReadHeader() {
+        limits = context->GetLimits();
         parser.emplace();
         parser->header_limit(static_cast<std::uint32_t>(MaximumHeader));
         parser->body_limit(limits.bodyBytes);
@@ -143,7 +143,7 @@ private:
 
     void OnHeader(beast::error_code error) {
         if (error) return OnReadError(error);
-        if (auto refusal = CheckHeader(*parser, limits)) return Refuse(*std::move(refusal));
+        if (auto refusal = CheckHeader(*parser)) return Refuse(*std::move(refusal));
         Allow(limits.idleTime);
         auto const& header = parser->get();
         bool const asked = header.version() >= 11 && boost::iequals(header[http::field::expect], "100-continue");
@@ -243,7 +243,7 @@ private:
     std::atomic<Clock::time_point> deadline = Clock::time_point::max(); ///< of the present operation
 
     // Only touched on the stream's strand.
-    Limits limits;
+    Limits limits;         ///< of the present request
     bool timedOut = false; ///< the present operation was cancelled because its time was over
     bool idle = false;     ///< waiting for the first byte of a request
     beast::flat_buffer buffer{MaximumHeader + FirstRead};

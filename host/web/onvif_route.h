@@ -17,8 +17,8 @@ public:
     /// engine  decides whether clients have to log in; must outlive the route
     OnvifRoute(zarn::web::Service& module, ZarnAuthenticationEngine const& engine);
 
-    /// The module's answer; 503 after Stop(). A request without body and credentials is answered 401 when clients have to
-    /// log in: some clients hold the body of their first request back until they have been asked for credentials.
+    /// The module's answer; 503 after Stop(). A request without body and credentials is answered 401 when clients have
+    /// to log in: some clients hold the body of their first request back until they have been asked for credentials.
     Response Post(std::shared_ptr<zarn::web::Request> request) override;
 
     /// When this returns, no request is in the module's Post and none will be.

@@ -17,11 +17,6 @@ namespace http = boost::beast::http;
 using Status = Reply::Status;
 using Header = http::request<http::string_body>;
 
-Reply TooLarge(Limits const& limits) {
-    return MakeTextReply(Status::ContentTooLarge,
-                         "The body is longer than " + std::to_string(limits.bodyBytes) + " bytes.");
-}
-
 std::optional<Reply> CheckAddress(Header const& header) {
     auto const hosts = header.count(http::field::host);
     if (hosts > 1 || (hosts == 0 && header.version() >= 11)) {
@@ -57,12 +52,10 @@ std::optional<Reply> CheckFields(Header const& header) {
     return std::nullopt;
 }
 
-std::optional<Reply> CheckLength(RequestParser const& parser, Limits const& limits) {
-    auto const length = parser.content_length();
-    if (length && *length > limits.bodyBytes) return TooLarge(limits);
+std::optional<Reply> CheckLength(RequestParser const& parser) {
     auto const method = parser.get().method();
     bool const hasContent = method == http::verb::post || method == http::verb::put;
-    if (hasContent && !length && !parser.chunked()) {
+    if (hasContent && !parser.content_length() && !parser.chunked()) {
         return MakeTextReply(Status::LengthRequired, "The request says neither Content-Length nor that it is chunked.");
     }
     return std::nullopt;
@@ -70,10 +63,10 @@ std::optional<Reply> CheckLength(RequestParser const& parser, Limits const& limi
 
 } // namespace
 
-std::optional<Reply> CheckHeader(RequestParser const& parser, Limits const& limits) {
+std::optional<Reply> CheckHeader(RequestParser const& parser) {
     if (auto refusal = CheckAddress(parser.get())) return refusal;
     if (auto refusal = CheckFields(parser.get())) return refusal;
-    return CheckLength(parser, limits);
+    return CheckLength(parser);
 }
 
 std::optional<Reply> ExplainReadError(boost::beast::error_code error, Limits const& limits) {
@@ -81,7 +74,10 @@ std::optional<Reply> ExplainReadError(boost::beast::error_code error, Limits con
         http::make_error_code(http::error::bad_method).category();
     if (error.category() != httpCategory) return std::nullopt;
     if (error == http::error::end_of_stream || error == http::error::partial_message) return std::nullopt;
-    if (error == http::error::body_limit) return TooLarge(limits);
+    if (error == http::error::body_limit) {
+        return MakeTextReply(Status::ContentTooLarge,
+                             "The body is longer than " + std::to_string(limits.bodyBytes) + " bytes.");
+    }
     if (error == http::error::header_limit || error == http::error::buffer_overflow) {
         return MakeTextReply(Status::RequestHeaderFieldsTooLarge,
                              "The header is longer than " + std::to_string(MaximumHeader) + " bytes.");

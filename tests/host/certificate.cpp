@@ -1,0 +1,18 @@
+#include "host/certificate.h"
+
+#include "host/process.h"
+
+#include <chrono>
+#include <stdexcept>
+
+namespace zarn::tests::host {
+
+Certificate::Certificate(TemporaryFolder const& folder, std::string const& name)
+    : certificate(folder / (name + ".pem")), key(folder / (name + ".key")) {
+    Process openssl({"openssl", "req", "-x509", "-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:prime256v1", "-nodes",
+                     "-days", "2", "-subj", "/CN=localhost/O=" + name, "-addext",
+                     "subjectAltName=DNS:localhost,IP:127.0.0.1", "-keyout", key, "-out", certificate});
+    if (openssl.Wait(std::chrono::seconds(20)) != 0) throw std::runtime_error("openssl: " + openssl.GetLog());
+}
+
+} // namespace zarn::tests::host

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "host/temporary_folder.h"
+
+#include <string>
+
+namespace zarn::tests::host {
+
+/// A self-signed certificate for "localhost" and its key, made by the openssl program, as `NAME.pem` and `NAME.key` in
+/// a folder.
+struct Certificate {
+    /// Throws std::runtime_error when openssl does not make it.
+    explicit Certificate(TemporaryFolder const& folder, std::string const& name = "server");
+
+    std::string certificate; ///< path
+    std::string key;         ///< path
+};
+
+} // namespace zarn::tests::host

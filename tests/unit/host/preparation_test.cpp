@@ -1,0 +1,71 @@
+#include "host/certificate.h"
+#include "host/preparation.h"
+#include "host/temporary_folder.h"
+
+#include <gmock/gmock.h>
+
+#include <stdexcept>
+
+namespace zarn::host {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+class PreparationTest : public testing::Test {
+protected:
+    std::string GetError() const {
+        try {
+            Prepare(commandLine);
+            return "";
+        } catch (std::exception const& error) {
+            return error.what();
+        }
+    }
+
+    tests::host::TemporaryFolder folder;
+    CommandLine commandLine{.configuration = folder / "config.json", .overrides = {}, .password = {}};
+};
+
+TEST_F(PreparationTest, MakesWhatIsMissing) {
+    auto const preparation = Prepare(commandLine);
+    EXPECT_EQ(ReadChannels(*preparation.configuration).size(), 2U);
+    EXPECT_TRUE(preparation.credentials.generated);
+    EXPECT_EQ(preparation.tls, nullptr);
+    EXPECT_TRUE(std::filesystem::exists(folder / "config.json"));
+    EXPECT_TRUE(std::filesystem::exists(folder / "config.json.credentials"));
+}
+
+TEST_F(PreparationTest, OnlyLooksWhenItIsToCheck) {
+    folder.Write("config.json", "{}");
+    commandLine.check = true;
+    auto const preparation = Prepare(commandLine);
+    EXPECT_EQ(preparation.credentials.ha1, "");
+    EXPECT_FALSE(std::filesystem::exists(folder / "config.json.credentials"));
+    EXPECT_EQ(folder.Read("config.json"), "{}");
+}
+
+TEST_F(PreparationTest, ChecksOverridesToo) {
+    folder.Write("config.json", "{}");
+    commandLine.overrides = {{"settings.web_port", "x"}};
+    EXPECT_THAT(GetError(), StartsWith("--set: settings.web_port: "));
+}
+
+TEST_F(PreparationTest, ReadsCertificateAndKey) {
+    tests::host::Certificate const files(folder);
+    folder.Write("config.json", "{}");
+    commandLine.overrides = {{"settings.tls.certificate", files.certificate}, {"settings.tls.private_key", files.key}};
+    EXPECT_NE(Prepare(commandLine).tls, nullptr);
+    commandLine.overrides = {{"settings.tls.certificate", files.certificate}, {"settings.tls.private_key", "/none"}};
+    EXPECT_THAT(GetError(), AllOf(StartsWith(folder / "config.json"), HasSubstr("/none")));
+}
+
+TEST_F(PreparationTest, NamesTheFileOfBrokenCredentials) {
+    folder.Write("config.json", "{}");
+    folder.Write("config.json.credentials", "garbage");
+    EXPECT_THAT(GetError(), StartsWith(folder / "config.json.credentials"));
+}
+
+} // namespace
+} // namespace zarn::host

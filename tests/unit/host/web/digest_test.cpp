@@ -1,0 +1,110 @@
+#include "host/web/digest.h"
+#include "host/web/digest_parameters.h"
+#include "web/fake_request.h"
+
+#include <zarn/authentication/digest.h>
+#include <zarn/authentication/engine.h>
+#include <zarn/authentication/ha1.h>
+#include <zarn/authentication/realm.h>
+
+#include <gmock/gmock.h>
+
+namespace zarn::host::web {
+namespace {
+
+using testing::HasSubstr;
+using testing::MatchesRegex;
+using testing::Not;
+using Method = FakeRequest::Method;
+
+/// What a client says; the answer is made of it.
+struct Answer {
+    std::string user = "admin";
+    std::string password = "secret";
+    std::string method = "GET";
+    std::string uri = "/snapshot/1/latest.jpeg";
+    std::string qop = "auth";
+    std::string further = {};
+};
+
+class DigestTest : public testing::Test {
+protected:
+    DigestTest() { engine.SetHa1(authentication::MakeHa1("admin", authentication::Realm, "secret")); }
+
+    /// The challenge for a request; empty when it is let through.
+    std::string Ask(std::string const& authorization, std::string const& target = "/snapshot/1/latest.jpeg",
+                    Method method = Method::Get) const {
+        FakeRequest const request(method, target, {{"authorization", authorization}});
+        auto const refusal = digest.Refuse(request);
+        if (!refusal) return "";
+        auto const data = refusal->GetData();
+        EXPECT_EQ(data.GetStatus(), protocol::network::http::response::Status::Unauthorized);
+        return data.GetFields().at("WWW-Authenticate");
+    }
+
+    std::string GetNonce() const { return ParseDigestParameters(Ask(""))->at("nonce"); }
+
+    static std::string Say(std::string const& nonce, Answer const& answer) {
+        auto const ha1 = authentication::MakeHa1(answer.user, authentication::Realm, answer.password);
+        auto const response = authentication::MakeDigestResponse({.ha1 = ha1,
+                                                                  .method = answer.method,
+                                                                  .uri = answer.uri,
+                                                                  .nonce = nonce,
+                                                                  .nonceCount = "00000001",
+                                                                  .clientNonce = "c",
+                                                                  .qop = answer.qop});
+        std::string text = "Digest username=\"" + answer.user + "\", realm=\"" + authentication::Realm +
+                           "\", nonce=\"" + nonce + "\", uri=\"" + answer.uri + "\", response=\"" + response + "\"";
+        if (!answer.qop.empty()) text += ", qop=" + answer.qop + ", nc=00000001, cnonce=\"c\"";
+        return text + answer.further;
+    }
+
+    ZarnAuthenticationEngine engine;
+    Digest digest{engine};
+};
+
+TEST_F(DigestTest, ChallengesARequestWithoutCredentials) {
+    EXPECT_THAT(Ask(""),
+                MatchesRegex("Digest realm=\"zarnsuite.example\", qop=\"auth\", nonce=\"[0-9a-f]+\", algorithm=MD5"));
+}
+
+TEST_F(DigestTest, LetsARightAnswerThrough) {
+    EXPECT_EQ(Ask(Say(GetNonce(), {})), "");
+    EXPECT_EQ(Ask(Say(GetNonce(), {.qop = ""})), "");
+    EXPECT_EQ(Ask(Say(GetNonce(), {.further = ", algorithm=md5"})), "");
+}
+
+TEST_F(DigestTest, LetsEverythingThroughWhenAuthenticationIsOff) {
+    engine.SetEnabled(false);
+    EXPECT_EQ(Ask(""), "");
+}
+
+TEST_F(DigestTest, RefusesAWrongAnswer) {
+    for (auto const& answer : {Answer{.password = "guess"}, Answer{.user = "root"}, Answer{.method = "POST"},
+                               Answer{.uri = "/snapshot/2/latest.jpeg"}, Answer{.uri = ""}, Answer{.qop = "auth-int"},
+                               Answer{.further = ", algorithm=SHA-256"}, Answer{.further = ", nc=00000002"}}) {
+        EXPECT_THAT(Ask(Say(GetNonce(), answer)), HasSubstr("nonce="));
+        EXPECT_THAT(Ask(Say(GetNonce(), answer)), Not(HasSubstr("stale")));
+    }
+}
+
+TEST_F(DigestTest, RefusesAnotherScheme) { EXPECT_THAT(Ask("Basic YWRtaW46c2VjcmV0"), HasSubstr("nonce=")); }
+
+TEST_F(DigestTest, SaysThatANonceIsStaleWhenNothingElseIsWrong) {
+    EXPECT_THAT(Ask(Say("dcd98b7102dd2f0e8b11d0f600bfb0c0", {})), HasSubstr("stale=true"));
+}
+
+TEST_F(DigestTest, TakesAnAnswerForTheWholeTargetAndForThePathAlone) {
+    auto const target = "/snapshot/1/latest.jpeg?time=1";
+    EXPECT_EQ(Ask(Say(GetNonce(), {.uri = target}), target), "");
+    EXPECT_EQ(Ask(Say(GetNonce(), {}), target), "");
+    EXPECT_EQ(Ask(Say(GetNonce(), {.uri = "http://host/snapshot/1/latest.jpeg"}), target), "");
+}
+
+TEST_F(DigestTest, GoesByTheMethodOfTheRequest) {
+    EXPECT_EQ(Ask(Say(GetNonce(), {.method = "HEAD"}), "/snapshot/1/latest.jpeg", Method::Head), "");
+    EXPECT_NE(Ask(Say(GetNonce(), {}), "/snapshot/1/latest.jpeg", Method::Head), "");
+}
+
+} // namespace
+} // namespace zarn::host::web

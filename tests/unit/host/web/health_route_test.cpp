@@ -1,0 +1,37 @@
+#include "host/web/health_route.h"
+#include "web/fake_request.h"
+
+#include <zarn/container/buffer.h>
+
+#include <boost/json/object.hpp>
+#include <gmock/gmock.h>
+
+namespace zarn::host::web {
+namespace {
+
+using Method = FakeRequest::Method;
+using Status = protocol::network::http::response::Status;
+
+TEST(HealthRoute, GivesTheStatusOfTheMomentAsJson) {
+    int calls = 0;
+    HealthRoute route([&] { return boost::json::value{{"calls", ++calls}}; });
+    EXPECT_EQ(calls, 0);
+    auto const data = route.Process(std::make_shared<FakeRequest>(Method::Get, "/api/health"))->GetData();
+    EXPECT_EQ(data.GetStatus(), Status::Ok);
+    EXPECT_EQ(data.GetFields().at("Content-Type"), "application/json");
+    EXPECT_EQ(data.GetFields().at("Cache-Control"), "no-store");
+    EXPECT_EQ(data.GetBody().at(0)->ToStringView(), "{\"calls\":1}\n");
+}
+
+TEST(HealthRoute, AnswersHeadAndRefusesOtherMethods) {
+    HealthRoute route([] { return boost::json::value(); });
+    auto const ask = [&](Method method) {
+        return route.Process(std::make_shared<FakeRequest>(method, "/api/health"))->GetData();
+    };
+    EXPECT_EQ(ask(Method::Head).GetStatus(), Status::Ok);
+    EXPECT_EQ(ask(Method::Post).GetStatus(), Status::MethodNotAllowed);
+    EXPECT_THAT(ask(Method::Post).GetFields().at("Allow"), testing::HasSubstr("GET, HEAD"));
+}
+
+} // namespace
+} // namespace zarn::host::web

@@ -1,0 +1,64 @@
+#include "host/web/incoming_request.h"
+
+#include <gmock/gmock.h>
+
+namespace zarn::host::web {
+namespace {
+
+using protocol::network::http::Method;
+using testing::IsEmpty;
+using testing::Pair;
+using testing::UnorderedElementsAre;
+
+IncomingRequest::Message MakeMessage(std::string_view method = "POST") {
+    IncomingRequest::Message message;
+    message.method_string(method);
+    message.target("/not/used");
+    return message;
+}
+
+TEST(IncomingRequest, GivesMethodTargetAndBody) {
+    auto message = MakeMessage();
+    message.body() = "content";
+    IncomingRequest const request(std::move(message), "/onvif/device_service?a");
+    EXPECT_EQ(request.GetMethod(), Method::Post);
+    EXPECT_EQ(request.GetTarget(), "/onvif/device_service?a");
+    EXPECT_EQ(request.GetBody(), "content");
+}
+
+TEST(IncomingRequest, GivesTheFieldsInTheClientsSpelling) {
+    auto message = MakeMessage();
+    message.set("host", "h");
+    message.set("SOAPAction", "\"x\"");
+    IncomingRequest const request(std::move(message), "/");
+    EXPECT_THAT(request.GetFields(), UnorderedElementsAre(Pair("host", "h"), Pair("SOAPAction", "\"x\"")));
+}
+
+TEST(IncomingRequest, JoinsTheValuesOfARepeatedField) {
+    auto message = MakeMessage();
+    message.insert("Accept", "a");
+    message.insert("accept", "b");
+    message.insert("ACCEPT", "c");
+    IncomingRequest const request(std::move(message), "/");
+    EXPECT_THAT(request.GetFields(), UnorderedElementsAre(Pair("Accept", "a, b, c")));
+}
+
+TEST(IncomingRequest, LeavesOutWhatConcernsTheConnectionOnly) {
+    auto message = MakeMessage();
+    for (auto const* name : {"Keep-Alive", "EXPECT", "TE", "Trailer", "transfer-encoding", "Upgrade",
+                             "Proxy-Connection", "Proxy-Authorization", "X-Hop"}) {
+        message.insert(name, "x");
+    }
+    message.set("Connection", "close, x-hop");
+    IncomingRequest const request(std::move(message), "/");
+    EXPECT_THAT(request.GetFields(), IsEmpty());
+}
+
+TEST(IncomingRequest, GivesAnUnknownMethodAsOneThatNoServiceServes) {
+    EXPECT_EQ(IncomingRequest(MakeMessage("BREW"), "/").GetMethod(), Method::Connect);
+    EXPECT_EQ(IncomingRequest(MakeMessage("post"), "/").GetMethod(), Method::Connect);
+    EXPECT_EQ(IncomingRequest(MakeMessage("PATCH"), "/").GetMethod(), Method::Patch);
+}
+
+} // namespace
+} // namespace zarn::host::web

@@ -1,0 +1,155 @@
+#include "host/web/pending_ticker.h"
+#include "web/io_thread.h"
+
+#include <zarn/logging/capture.h>
+
+#include <gmock/gmock.h>
+
+#include <atomic>
+#include <chrono>
+#include <future>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <vector>
+
+namespace zarn::host::web {
+namespace {
+
+using namespace std::chrono_literals;
+using zarn::web::response::Pending;
+using zarn::web::response::State;
+using Clock = std::chrono::steady_clock;
+using Status = Reply::Status;
+
+/// A response that is ready when its test says so.
+struct Work {
+    std::atomic<bool> ready = false;
+    std::atomic<int> questions = 0;
+
+    Pending::Data Ask() {
+        ++questions;
+        if (!ready) return {Status::Provisional, {}, {State::NotReady, {}}};
+        return {Status::Accepted, {{"A", "1"}}, {State::Complete, {std::make_shared<container::Buffer>("done")}}};
+    }
+};
+
+std::shared_ptr<Pending> MakePending(std::shared_ptr<Work> const& work, std::chrono::milliseconds timeout = 0ms) {
+    return std::make_shared<Pending>(
+        Status::Provisional, [work] { return work->Ask(); }, timeout);
+}
+
+class PendingTickerTest : public testing::Test {
+protected:
+    ~PendingTickerTest() override { io.Stop(); }
+
+    std::future<Reply> Watch(std::shared_ptr<Pending> pending) {
+        auto const promise = std::make_shared<std::promise<Reply>>();
+        ticker->Watch(std::move(pending), [promise](Reply reply) { promise->set_value(std::move(reply)); });
+        return promise->get_future();
+    }
+
+    IoThread io;
+    std::optional<PendingTicker> ticker{io.GetContext()};
+};
+
+TEST_F(PendingTickerTest, PassesOnAResponseThatIsCompleteAtOnce) {
+    auto reply = Watch(zarn::web::response::MakeComplete(Status::Ok, {}, "now"));
+    ASSERT_EQ(reply.wait_for(0s), std::future_status::ready);
+    EXPECT_EQ(reply.get().body.front()->ToStringView(), "now");
+}
+
+TEST_F(PendingTickerTest, PassesOnAResponseOnceItIsReady) {
+    auto const work = std::make_shared<Work>();
+    auto reply = Watch(MakePending(work));
+    EXPECT_EQ(reply.wait_for(30ms), std::future_status::timeout);
+    work->ready = true;
+    ASSERT_EQ(reply.wait_for(5s), std::future_status::ready);
+    auto const result = reply.get();
+    EXPECT_EQ(result.status, Status::Accepted);
+    EXPECT_EQ(result.fields.at("A"), "1");
+    EXPECT_EQ(result.body.front()->ToStringView(), "done");
+}
+
+TEST_F(PendingTickerTest, AsksNoMoreAfterTheAnswer) {
+    auto const work = std::make_shared<Work>();
+    auto reply = Watch(MakePending(work));
+    work->ready = true;
+    ASSERT_EQ(reply.wait_for(5s), std::future_status::ready);
+    int const asked = work->questions;
+    auto const other = std::make_shared<Work>();
+    auto const waiting = Watch(MakePending(other));
+    while (other->questions < 20) std::this_thread::yield();
+    EXPECT_EQ(work->questions, asked);
+}
+
+TEST_F(PendingTickerTest, LetsGoOfAResponseWithItsAnswer) {
+    auto const work = std::make_shared<Work>();
+    std::weak_ptr<Work> const weak = work;
+    auto pending = MakePending(work);
+    std::weak_ptr<Pending> const watched = pending;
+    auto reply = Watch(std::move(pending));
+    work->ready = true;
+    ASSERT_EQ(reply.wait_for(5s), std::future_status::ready);
+    auto const deadline = Clock::now() + 5s;
+    while (!watched.expired() && Clock::now() < deadline) std::this_thread::yield();
+    EXPECT_TRUE(watched.expired());
+}
+
+TEST_F(PendingTickerTest, MakesA500OfAResponseThatThrows) {
+    logging::Capture const log;
+    auto reply = Watch(std::make_shared<Pending>(
+        Status::Provisional, []() -> Pending::Data { throw std::future_error(std::future_errc::broken_promise); },
+        0ms));
+    ASSERT_EQ(reply.wait_for(5s), std::future_status::ready);
+    EXPECT_EQ(reply.get().status, Status::InternalServerError);
+    EXPECT_TRUE(log.Contains("Broken promise"));
+}
+
+TEST_F(PendingTickerTest, MakesA500OfAnExceptionThatIsNoneOfTheLibrarys) {
+    auto reply = Watch(std::make_shared<Pending>(
+        Status::Provisional, []() -> Pending::Data { throw 1; }, 0ms));
+    ASSERT_EQ(reply.wait_for(5s), std::future_status::ready);
+    EXPECT_EQ(reply.get().status, Status::InternalServerError);
+}
+
+TEST_F(PendingTickerTest, GivesUpAfterTheResponsesOwnTimeOut) {
+    auto const begun = Clock::now();
+    auto reply = Watch(MakePending(std::make_shared<Work>(), 50ms));
+    ASSERT_EQ(reply.wait_for(5s), std::future_status::ready);
+    EXPECT_EQ(reply.get().status, Status::GatewayTimeout);
+    EXPECT_GE(Clock::now() - begun, 50ms);
+}
+
+TEST_F(PendingTickerTest, AsksAYoungResponseOftenAndAnOldOneRarely) {
+    auto const work = std::make_shared<Work>();
+    auto const reply = Watch(MakePending(work));
+    auto const begun = Clock::now();
+    while (Clock::now() - begun < 300ms) std::this_thread::sleep_for(1ms);
+    // 20 ms at pauses of 50 us to 2.5 ms, then rounds 4 ms apart.
+    EXPECT_GT(work->questions, 20);
+    EXPECT_LT(work->questions, 200);
+}
+
+TEST_F(PendingTickerTest, ServesManyAtOnce) {
+    std::vector<std::shared_ptr<Work>> works;
+    std::vector<std::future<Reply>> replies;
+    for (int i = 0; i < 1000; ++i) {
+        works.push_back(std::make_shared<Work>());
+        replies.push_back(Watch(MakePending(works.back())));
+    }
+    for (auto const& work : works) work->ready = true;
+    for (auto& reply : replies) ASSERT_EQ(reply.wait_for(10s), std::future_status::ready);
+}
+
+TEST_F(PendingTickerTest, DropsWhatIsPendingWhenItGoes) {
+    auto const work = std::make_shared<Work>();
+    auto reply = Watch(MakePending(work));
+    io.Stop();
+    ticker.reset();
+    EXPECT_EQ(work.use_count(), 1);
+    EXPECT_THROW(reply.get(), std::future_error);
+}
+
+} // namespace
+} // namespace zarn::host::web

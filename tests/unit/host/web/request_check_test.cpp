@@ -1,0 +1,99 @@
+#include "host/web/request_check.h"
+
+#include <boost/asio/buffer.hpp>
+#include <boost/asio/error.hpp>
+#include <boost/beast/http/error.hpp>
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace zarn::host::web {
+namespace {
+
+namespace http = boost::beast::http;
+
+/// The status that a header is refused with; 0 when it is not.
+unsigned Check(std::string const& header) {
+    RequestParser parser;
+    parser.header_limit(1000000);
+    boost::beast::error_code error;
+    parser.put(boost::asio::buffer(header + "\r\n"), error);
+    EXPECT_FALSE(error && error != http::error::need_more) << error.message();
+    auto const refusal = CheckHeader(parser);
+    return refusal ? static_cast<unsigned>(refusal->status) : 0;
+}
+
+std::string const Post = "POST /onvif/a HTTP/1.1\r\nHost: h\r\n";
+std::string const Get = "GET /a HTTP/1.1\r\nHost: h\r\n";
+
+TEST(RequestCheck, PassesAnOrdinaryRequest) {
+    EXPECT_EQ(Check(Get), 0U);
+    EXPECT_EQ(Check(Post + "Content-Length: 3\r\n"), 0U);
+    EXPECT_EQ(Check(Post + "Content-Length: 0\r\n"), 0U);
+    EXPECT_EQ(Check(Post + "Transfer-Encoding: chunked\r\n"), 0U);
+}
+
+TEST(RequestCheck, WantsExactlyOneHost) {
+    EXPECT_EQ(Check("GET /a HTTP/1.1\r\n"), 400U);
+    EXPECT_EQ(Check(Get + "Host: other\r\n"), 400U);
+    EXPECT_EQ(Check("GET /a HTTP/1.0\r\n"), 0U);
+}
+
+TEST(RequestCheck, WantsATargetThatIsAPathOrAnAddress) {
+    EXPECT_EQ(Check("GET http://h/a HTTP/1.1\r\nHost: h\r\n"), 0U);
+    EXPECT_EQ(Check("OPTIONS * HTTP/1.1\r\nHost: h\r\n"), 400U);
+    EXPECT_EQ(Check("CONNECT h:80 HTTP/1.1\r\nHost: h\r\n"), 400U);
+}
+
+TEST(RequestCheck, WantsTheLengthOfContent) {
+    EXPECT_EQ(Check(Post), 411U);
+    EXPECT_EQ(Check("PUT /a HTTP/1.1\r\nHost: h\r\n"), 411U);
+}
+
+TEST(RequestCheck, BoundsTargetAndHostTogether) {
+    auto const request = [](std::size_t target, std::size_t host) {
+        return "GET /" + std::string(target - 1, 'a') + " HTTP/1.1\r\nHost: " + std::string(host, 'h') + "\r\n";
+    };
+    EXPECT_EQ(Check(request(900, 100)), 0U);
+    EXPECT_EQ(Check(request(901, 100)), 414U);
+    EXPECT_EQ(Check(request(1, 1000)), 414U);
+}
+
+TEST(RequestCheck, BoundsAFieldLine) {
+    auto const field = [](std::size_t length) { return "A: " + std::string(length - 3, 'a') + "\r\n"; };
+    EXPECT_EQ(Check(Get + field(MaximumFieldLine)), 0U);
+    EXPECT_EQ(Check(Get + field(MaximumFieldLine + 1)), 431U);
+}
+
+TEST(RequestCheck, RefusesCompressedContent) {
+    EXPECT_EQ(Check(Post + "Content-Length: 3\r\nContent-Encoding: gzip\r\n"), 415U);
+    EXPECT_EQ(Check(Post + "Content-Length: 3\r\nContent-Encoding: Identity\r\n"), 0U);
+}
+
+TEST(RequestCheck, MeetsOneExpectationOnly) {
+    EXPECT_EQ(Check(Post + "Content-Length: 3\r\nExpect: 100-Continue\r\n"), 0U);
+    EXPECT_EQ(Check(Post + "Content-Length: 3\r\nExpect: a-miracle\r\n"), 417U);
+}
+
+TEST(ReadError, IsExplainedWhenTheRequestIsAtFault) {
+    auto const status = [](boost::beast::error_code error) {
+        auto const refusal = ExplainReadError(error, {});
+        return refusal ? static_cast<unsigned>(refusal->status) : 0U;
+    };
+    EXPECT_EQ(status(http::error::body_limit), 413U);
+    EXPECT_EQ(status(http::error::header_limit), 431U);
+    EXPECT_EQ(status(http::error::buffer_overflow), 431U);
+    EXPECT_EQ(status(http::error::bad_version), 505U);
+    EXPECT_EQ(status(http::error::bad_field), 400U);
+    EXPECT_EQ(status(http::error::bad_method), 400U);
+}
+
+TEST(ReadError, HasNoAnswerWhenTheConnectionIsAtFault) {
+    EXPECT_FALSE(ExplainReadError(http::error::end_of_stream, {}));
+    EXPECT_FALSE(ExplainReadError(http::error::partial_message, {}));
+    EXPECT_FALSE(ExplainReadError(boost::asio::error::connection_reset, {}));
+    EXPECT_FALSE(ExplainReadError(boost::asio::error::operation_aborted, {}));
+}
+
+} // namespace
+} // namespace zarn::host::web

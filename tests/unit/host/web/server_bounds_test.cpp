@@ -1,0 +1,196 @@
+#include "web/server_fixture.h"
+
+#include <gmock/gmock.h>
+
+#include <optional>
+#include <vector>
+
+namespace zarn::host::web {
+namespace {
+
+using namespace std::chrono_literals;
+using tests::host::RawConnection;
+using Clock = std::chrono::steady_clock;
+
+class ServerBounds : public ServerTest {
+protected:
+    /// The status of the answer to these bytes, after which the connection has to end.
+    unsigned Refusal(std::string const& bytes) {
+        auto connection = Connect();
+        auto const response = connection.Exchange(bytes);
+        EXPECT_EQ(response.fields.at("connection"), "close");
+        EXPECT_TRUE(connection.IsClosedWithin(5s));
+        return response.status;
+    }
+};
+
+TEST_F(ServerBounds, HoldForTheSizeOfAHeader) {
+    Start();
+    std::string fields;
+    for (int i = 0; i < 100; ++i) fields += "F" + std::to_string(i) + ": " + std::string(1000, 'x') + "\r\n";
+    EXPECT_EQ(Refusal("GET /wait HTTP/1.1\r\nHost: h\r\n" + fields + "\r\n"), 431U);
+    EXPECT_EQ(Refusal("GET /wait HTTP/1.1\r\nHost: h\r\nF: " + std::string(1000000, 'x') + "\r\n\r\n"), 431U);
+}
+
+TEST_F(ServerBounds, HoldForOneHeaderLine) {
+    Start();
+    EXPECT_EQ(Refusal("GET /wait HTTP/1.1\r\nHost: h\r\nF: " + std::string(8189, 'x') + "\r\n\r\n"), 431U);
+    EXPECT_EQ(Connect().Exchange(Echo("a", "F: " + std::string(8188, 'x') + "\r\n")).status, 200U);
+}
+
+TEST_F(ServerBounds, HoldForTheTarget) {
+    Start();
+    EXPECT_EQ(Refusal("GET /" + std::string(1000, 'x') + " HTTP/1.1\r\nHost: h\r\n\r\n"), 414U);
+}
+
+TEST_F(ServerBounds, HoldForTheBodyHoweverItsLengthIsSaid) {
+    Start({.bodyBytes = 1000});
+    EXPECT_EQ(Connect().Exchange(Echo(std::string(1000, 'x'))).status, 200U);
+    EXPECT_EQ(Refusal(Echo(std::string(1001, 'x'))), 413U);
+    EXPECT_EQ(Refusal("POST /echo/a HTTP/1.1\r\nHost: h\r\nTransfer-Encoding: chunked\r\n\r\n3e9\r\n" +
+                      std::string(1001, 'x')),
+              413U);
+}
+
+TEST_F(ServerBounds, AnswerAClientThatIsStillSendingItsMegabytes) {
+    Start({.bodyBytes = 1000});
+    EXPECT_EQ(Refusal(Echo(std::string(4 * 1024 * 1024, 'x'))), 413U);
+}
+
+TEST_F(ServerBounds, RefuseWhatIsNoHttp) {
+    Start();
+    EXPECT_EQ(Refusal("hello\r\n\r\n"), 400U);
+    EXPECT_EQ(Refusal(std::string("\x16\x03\x01\x02\x00\x01", 6) + std::string(200, '\1')), 400U);
+    EXPECT_EQ(Refusal("GET /wait HTTP/2.0\r\nHost: h\r\n\r\n"), 505U);
+    EXPECT_EQ(Refusal("GET /wait HTTP/1.1\r\n\r\n"), 400U);
+    EXPECT_EQ(Refusal("POST /echo/a HTTP/1.1\r\nHost: h\r\n\r\n"), 411U);
+    EXPECT_EQ(Refusal("POST /echo/a HTTP/1.1\r\nHost: h\r\nContent-Length: -1\r\n\r\n"), 400U);
+    EXPECT_EQ(Refusal("POST /echo/a HTTP/1.1\r\nHost: h\r\nTransfer-Encoding: chunked\r\n\r\nzz\r\n"), 400U);
+    EXPECT_EQ(Refusal("GET /wait HTTP/1.1\r\nHost: h\r\nA: b\1c\r\n\r\n"), 400U);
+}
+
+TEST_F(ServerBounds, RefuseALengthThatIsSaidTwice) {
+    Start();
+    EXPECT_EQ(
+        Refusal("POST /echo/a HTTP/1.1\r\nHost: h\r\nContent-Length: 5\r\nTransfer-Encoding: chunked\r\n\r\n0\r\n\r\n"),
+        400U);
+    EXPECT_EQ(Refusal("POST /echo/a HTTP/1.1\r\nHost: h\r\nContent-Length: 5\r\nContent-Length: 6\r\n\r\nhello"), 400U);
+}
+
+TEST_F(ServerBounds, HoldForTheTimeOfAHeader) {
+    Start({.headerTime = 1s});
+    auto connection = Connect();
+    connection.Send("GET /wait HT");
+    auto const begun = Clock::now();
+    EXPECT_EQ(connection.Read().status, 408U);
+    EXPECT_GE(Clock::now() - begun, 900ms);
+    EXPECT_TRUE(connection.IsClosedWithin(5s));
+}
+
+TEST_F(ServerBounds, HoldForTheTimeOfAHeaderThatDripsIn) {
+    Start({.headerTime = 1s});
+    auto connection = Connect();
+    auto const begun = Clock::now();
+    connection.Send("GET /wait HTTP/1.1\r\nF: ");
+    while (Clock::now() - begun < 1500ms) {
+        connection.Send("x");
+        std::this_thread::sleep_for(20ms);
+    }
+    EXPECT_EQ(connection.Read().status, 408U);
+}
+
+TEST_F(ServerBounds, HoldForTheTimeOfABody) {
+    Start({.idleTime = 1s});
+    auto connection = Connect();
+    EXPECT_EQ(connection.Exchange("POST /echo/a HTTP/1.1\r\nHost: h\r\nContent-Length: 5\r\n\r\nhel").status, 408U);
+}
+
+TEST_F(ServerBounds, EndAConnectionOnWhichNothingIsSaid) {
+    Start({.idleTime = 1s});
+    auto silent = Connect();
+    auto served = Connect();
+    EXPECT_EQ(served.Exchange(Echo()).status, 200U);
+    EXPECT_TRUE(silent.IsClosedWithin(5s));
+    EXPECT_TRUE(served.IsClosedWithin(5s));
+}
+
+TEST_F(ServerBounds, DoNotEndAConnectionThatWaitsForItsAnswer) {
+    Start({.headerTime = 1s, .idleTime = 1s});
+    auto connection = Connect();
+    connection.Send(Wait);
+    EXPECT_FALSE(connection.IsClosedWithin(1800ms));
+    Release();
+    EXPECT_EQ(connection.Read().body, "waited");
+}
+
+TEST_F(ServerBounds, EndAConnectionThatDoesNotReadItsAnswer) {
+    Start({.idleTime = 1s});
+    auto connection = Connect();
+    connection.Send("GET /big HTTP/1.1\r\nHost: h\r\n\r\n");
+    ASSERT_TRUE(AwaitConnections(1));
+    EXPECT_TRUE(AwaitConnections(0));
+}
+
+TEST_F(ServerBounds, KeepSlowClientsFromHoldingUpOthers) {
+    Start();
+    std::vector<std::unique_ptr<RawConnection>> slow;
+    for (int i = 0; i < 20; ++i) {
+        slow.push_back(std::make_unique<RawConnection>(port));
+        slow.back()->Send("POST /echo/a HTTP/1.1\r\nHost: h\r\nContent-Length: 5\r\n\r\nhel");
+        slow.push_back(std::make_unique<RawConnection>(port));
+        slow.back()->Send("GET /big HTTP/1.1\r\nHost: h\r\n\r\n");
+    }
+    auto const begun = Clock::now();
+    EXPECT_EQ(Connect().Exchange(Echo()).status, 200U);
+    EXPECT_LT(Clock::now() - begun, 2s);
+}
+
+TEST_F(ServerBounds, HoldForTheConnectionsInAll) {
+    Start({.connections = 3});
+    std::vector<std::unique_ptr<RawConnection>> open;
+    for (int i = 0; i < 3; ++i) open.push_back(std::make_unique<RawConnection>(port));
+    ASSERT_TRUE(AwaitConnections(3));
+    EXPECT_EQ(Connect().Read().status, 503U);
+    EXPECT_EQ(open.front()->Exchange(Echo()).status, 200U);
+    open.pop_back();
+    ASSERT_TRUE(AwaitConnections(2));
+    EXPECT_EQ(Connect().Exchange(Echo()).status, 200U);
+}
+
+TEST_F(ServerBounds, HoldForTheConnectionsOfOneAddress) {
+    Start({.connectionsPerAddress = 1});
+    auto const first = Connect();
+    ASSERT_TRUE(AwaitConnections(1));
+    EXPECT_EQ(Connect().Read().status, 503U);
+}
+
+TEST_F(ServerBounds, LetSixtyFourConnectionsOfOneAddressBeByDefault) {
+    Start();
+    std::vector<std::unique_ptr<RawConnection>> open;
+    for (int i = 0; i < 64; ++i) open.push_back(std::make_unique<RawConnection>(port));
+    for (auto const& connection : open) EXPECT_EQ(connection->Exchange(Echo()).status, 200U);
+}
+
+TEST_F(ServerBounds, HoldForExchangesAlsoWhenTheirClientsHaveGone) {
+    Start({.exchanges = 2});
+    for (int i = 0; i < 2; ++i) {
+        Connect().Send(Wait);
+        ASSERT_TRUE(AwaitExchanges(static_cast<std::size_t>(i) + 1));
+    }
+    auto connection = Connect();
+    EXPECT_EQ(connection.Exchange(Echo()).status, 503U);
+    Release();
+    ASSERT_TRUE(AwaitExchanges(0));
+    EXPECT_EQ(connection.Exchange(Echo()).status, 200U);
+}
+
+TEST_F(ServerBounds, CanBeChangedWhileItRuns) {
+    Start({.bodyBytes = 1000});
+    auto connection = Connect();
+    EXPECT_EQ(connection.Exchange(Echo(std::string(10, 'x'))).status, 200U);
+    server->SetLimits({.bodyBytes = 4});
+    EXPECT_EQ(connection.Exchange(Echo()).status, 413U);
+}
+
+} // namespace
+} // namespace zarn::host::web

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "host/raw_connection.h"
+#include "host/web/server.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <memory>
+#include <string>
+
+namespace zarn::host::web {
+
+/// A web server on loopback with three services: `/echo/` answers a POST with target, body and the names of the fields
+/// it got, in lines; `/wait` answers when the test says so; `/big` answers a GET with BigSize bytes.
+class ServerTest : public testing::Test {
+protected:
+    static constexpr std::size_t BigSize = 32 * 1024 * 1024;
+
+    ServerTest();
+    ~ServerTest() override;
+
+    void Start(Limits const& limits = {}, std::shared_ptr<boost::asio::ssl::context> tls = {});
+
+    tests::host::RawConnection Connect() const { return tests::host::RawConnection(port); }
+
+    /// A POST to /echo/a with these further fields and this body.
+    static std::string Echo(std::string const& body = "hello", std::string const& fields = {});
+
+    static constexpr char const* Wait = "GET /wait HTTP/1.1\r\nHost: h\r\n\r\n";
+
+    /// Waits until the server has as many exchanges under way; false when it does not come to that within 5 seconds.
+    bool AwaitExchanges(std::size_t count) const;
+    bool AwaitConnections(std::size_t count) const;
+
+    /// Lets the responses of /wait become ready.
+    void Release() { *released = true; }
+
+    std::shared_ptr<std::atomic<bool>> released = std::make_shared<std::atomic<bool>>(false);
+    std::shared_ptr<Admission> admission = std::make_shared<Admission>();
+    boost::asio::io_context io;
+    std::uint16_t port = 0;
+    std::unique_ptr<Server> server;
+};
+
+} // namespace zarn::host::web

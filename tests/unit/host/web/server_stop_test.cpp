@@ -1,0 +1,71 @@
+#include "web/server_fixture.h"
+
+#include <gmock/gmock.h>
+
+#include <chrono>
+#include <memory>
+#include <vector>
+
+namespace zarn::host::web {
+namespace {
+
+using namespace std::chrono_literals;
+using tests::host::RawConnection;
+using Clock = std::chrono::steady_clock;
+
+class ServerStop : public ServerTest {};
+
+TEST_F(ServerStop, RefusesNewConnectionsAndClosesIdleOnes) {
+    Start();
+    auto idle = Connect();
+    EXPECT_EQ(idle.Exchange(Echo()).status, 200U);
+    server->StopAccepting();
+    EXPECT_TRUE(idle.IsClosedWithin(5s));
+    EXPECT_THROW(Connect(), std::exception);
+}
+
+TEST_F(ServerStop, DeliversTheAnswersOfRequestsUnderWay) {
+    Start();
+    auto waiting = Connect();
+    waiting.Send(Wait);
+    ASSERT_TRUE(AwaitExchanges(1));
+    server->StopAccepting();
+    Release();
+    auto const response = waiting.Read();
+    EXPECT_EQ(response.body, "waited");
+    EXPECT_EQ(response.fields.at("connection"), "close");
+}
+
+TEST_F(ServerStop, EndsInTimeWhateverItsClientsDo) {
+    Start();
+    std::vector<std::unique_ptr<RawConnection>> clients;
+    for (auto const* bytes : {"", "GET /wa", Wait, "GET /big HTTP/1.1\r\nHost: h\r\n\r\n",
+                              "POST /echo/a HTTP/1.1\r\nHost: h\r\nContent-Length: 9\r\n\r\nx"}) {
+        clients.push_back(std::make_unique<RawConnection>(port));
+        clients.back()->Send(bytes);
+    }
+    ASSERT_TRUE(AwaitConnections(5));
+    auto const begun = Clock::now();
+    server->Stop();
+    EXPECT_LT(Clock::now() - begun, 1500ms);
+}
+
+TEST_F(ServerStop, IsHarmlessWhenItIsDoneTwice) {
+    Start();
+    server->Stop();
+    EXPECT_NO_THROW(server->Stop());
+    EXPECT_NO_THROW(server->StopAccepting());
+}
+
+TEST_F(ServerStop, LetsGoOfAConnectionWhoseResponseNeverCame) {
+    Start();
+    auto waiting = Connect();
+    waiting.Send(Wait);
+    ASSERT_TRUE(AwaitExchanges(1));
+    server->Stop(0ms);
+    server.reset();
+    EXPECT_EQ(admission->GetExchanges(), 0U);
+}
+
+} // namespace
+} // namespace zarn::host::web
