@@ -9,6 +9,7 @@
 
 #include <chrono>
 #include <future>
+#include <optional>
 #include <stdexcept>
 #include <utility>
 
@@ -282,8 +283,11 @@ TEST_P(SingleLookup, TakesNoLockOfTheConfiguration) {
 }
 
 TEST_P(SingleLookup, AnswersWhileAnotherThreadHoldsTheLockOfTheConfiguration) {
-    auto const lock = root->GetLock();
-    EXPECT_EQ(LookUp("channels.1").status, 200);
+    auto lock = std::make_optional(root->GetLock());
+    auto reply = std::async(std::launch::async, [this] { return LookUp("channels.1"); });
+    EXPECT_EQ(reply.wait_for(std::chrono::seconds(30)), std::future_status::ready);
+    lock.reset();
+    EXPECT_EQ(reply.get().status, 200);
 }
 
 INSTANTIATE_TEST_SUITE_P(

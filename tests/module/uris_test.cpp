@@ -8,7 +8,10 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <chrono>
 #include <future>
+#include <optional>
+#include <utility>
 
 namespace zarn::test {
 namespace {
@@ -113,9 +116,12 @@ TEST_P(Uris, NeedNoChannelsAndNoDescriptions) {
 }
 
 TEST_P(Uris, TakeNoLockOfTheConfiguration) {
-    auto const lock = root->GetLock();
-    EXPECT_EQ(Stream("channels.1").status, 200);
-    EXPECT_EQ(Snapshot("channels.1").status, 200);
+    auto lock = std::make_optional(root->GetLock());
+    auto statuses = std::async(
+        std::launch::async, [this] { return std::pair(Stream("channels.1").status, Snapshot("channels.1").status); });
+    EXPECT_EQ(statuses.wait_for(std::chrono::seconds(30)), std::future_status::ready);
+    lock.reset();
+    EXPECT_EQ(statuses.get(), std::pair(200, 200));
 }
 
 TEST_P(Uris, EndInAnExceptionWhenTheirPortIsMissing) {
