@@ -1,9 +1,14 @@
 #include "host/video/rtsp/connections.h"
 
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <utility>
+
 namespace zarn::host::video::rtsp {
 namespace {
 
-/// What CloseViewers() looks for in sessions.
+/// What FindViewers() looks for in sessions.
 struct Search {
     std::string const& path;
     bool isFound = false;
@@ -26,66 +31,116 @@ GstRTSPFilterResult CountSession(GstRTSPClient*, GstRTSPSession*, gpointer count
     return GST_RTSP_FILTER_KEEP;
 }
 
+GstRTSPFilterResult RemoveSession(GstRTSPClient*, GstRTSPSession* session, gpointer sessions) {
+    gst_rtsp_session_pool_remove(static_cast<GstRTSPSessionPool*>(sessions), session);
+    return GST_RTSP_FILTER_KEEP;
+}
+
 bool Views(GstRTSPClient* client, std::string const& path) {
     Search search{path};
     gst_rtsp_client_session_filter(client, MatchSession, &search);
     return search.isFound;
 }
 
-GstRTSPFilterResult RemoveSession(GstRTSPClient*, GstRTSPSession* session, gpointer sessions) {
-    gst_rtsp_session_pool_remove(static_cast<GstRTSPSessionPool*>(sessions), session);
-    return GST_RTSP_FILTER_KEEP;
-}
-
-} // namespace
-
-void Connections::Add(GstRTSPClient* client) {
-    since[client] = Clock::now();
-    g_signal_connect(client, "closed", G_CALLBACK(&Connections::OnClosed), this);
-}
-
-void Connections::OnClosed(GstRTSPClient* client, gpointer self) {
-    g_signal_handlers_disconnect_by_data(client, self);
-    static_cast<Connections*>(self)->since.erase(client);
-}
-
-bool Connections::HasSession(GstRTSPClient* client) {
+bool HasSession(GstRTSPClient* client) {
     int count = 0;
     gst_rtsp_client_session_filter(client, CountSession, &count);
     return count > 0;
 }
 
-template <class Predicate>
-std::vector<Connections::Client> Connections::Select(Predicate wanted) {
-    std::vector<Client> selected;
-    for (auto& [client, time] : since) {
-        if (wanted(client, time)) selected.emplace_back(GST_RTSP_CLIENT(g_object_ref(client)));
+/// One whose media go over UDP would outlive its connection.
+void EndSessions(GstRTSPClient* client) {
+    ObjectHandle<GstRTSPSessionPool> const sessions(gst_rtsp_client_get_session_pool(client));
+    gst_rtsp_client_session_filter(client, RemoveSession, sessions.get());
+}
+
+} // namespace
+
+/// A second descriptor of a connection's socket: it can be shut down whatever the connection's thread is doing with it.
+class Connections::Socket {
+public:
+    explicit Socket(GstRTSPClient* client)
+        : descriptor(dup(g_socket_get_fd(gst_rtsp_connection_get_read_socket(gst_rtsp_client_get_connection(client))))) {}
+
+    ~Socket() {
+        if (descriptor >= 0) close(descriptor);
     }
-    return selected;
+
+    Socket(Socket const&) = delete;
+    Socket& operator=(Socket const&) = delete;
+
+    void ShutDown() const { shutdown(descriptor, SHUT_RDWR); }
+
+private:
+    int descriptor;
+};
+
+Connections::Connections() : state(std::make_shared<State>()) {}
+
+Connections::~Connections() = default;
+
+std::size_t Connections::GetCount() const {
+    std::scoped_lock const lock(state->mutex);
+    return state->entries.size();
 }
 
-void Connections::CloseIdle(Clock::time_point now) {
-    Close(Select([now](GstRTSPClient* client, Clock::time_point& seen) {
-        if (HasSession(client)) seen = now;
-        return now - seen > Patience;
-    }));
+void Connections::Add(GstRTSPClient* client) {
+    {
+        Entry entry{Client(GST_RTSP_CLIENT(g_object_ref(client))), std::make_unique<Socket>(client), Clock::now()};
+        std::scoped_lock const lock(state->mutex);
+        state->entries.emplace(client, std::move(entry));
+    }
+    g_signal_connect_data(
+        client, "closed", G_CALLBACK(&Connections::OnClosed), new std::shared_ptr<State>(state),
+        [](gpointer shared, GClosure*) { delete static_cast<std::shared_ptr<State>*>(shared); }, static_cast<GConnectFlags>(0));
 }
 
-std::vector<Connections::Client> Connections::FindViewers(std::string const& path) {
-    return Select([&path](GstRTSPClient* client, auto&) { return Views(client, path); });
+void Connections::OnClosed(GstRTSPClient* client, gpointer shared) {
+    auto& state = **static_cast<std::shared_ptr<State>*>(shared);
+    std::scoped_lock const lock(state.mutex);
+    state.entries.erase(client);
+    if (state.entries.empty()) state.isEmpty.notify_all();
 }
 
-void Connections::Close(std::vector<Client> const& clients) {
+std::vector<Connections::Client> Connections::GetAll() const {
+    std::scoped_lock const lock(state->mutex);
+    std::vector<Client> all;
+    for (auto const& [client, entry] : state->entries) all.emplace_back(GST_RTSP_CLIENT(g_object_ref(client)));
+    return all;
+}
+
+void Connections::EndIdle(Clock::time_point now) {
+    std::vector<Client> idle;
+    for (auto& client : GetAll()) {
+        bool const isBusy = HasSession(client.get());
+        std::scoped_lock const lock(state->mutex);
+        auto const found = state->entries.find(client.get());
+        if (found == state->entries.end()) continue;
+        if (isBusy) found->second.seen = now;
+        if (now - found->second.seen > Patience) idle.push_back(std::move(client));
+    }
+    End(idle);
+}
+
+std::vector<Connections::Client> Connections::FindViewers(std::string const& path) const {
+    auto clients = GetAll();
+    std::erase_if(clients, [&path](Client const& client) { return !Views(client.get(), path); });
+    return clients;
+}
+
+void Connections::End(std::vector<Client> const& clients) {
     for (auto const& client : clients) {
-        // The sessions too: one whose media go over UDP would outlive its connection.
-        ObjectHandle<GstRTSPSessionPool> const sessions(gst_rtsp_client_get_session_pool(client.get()));
-        gst_rtsp_client_session_filter(client.get(), RemoveSession, sessions.get());
-        gst_rtsp_client_close(client.get());
+        EndSessions(client.get());
+        std::scoped_lock const lock(state->mutex);
+        auto const found = state->entries.find(client.get());
+        if (found != state->entries.end()) found->second.socket->ShutDown();
     }
 }
 
-void Connections::CloseAll() {
-    Close(Select([](auto*, auto&) { return true; }));
+bool Connections::EndAll(std::chrono::milliseconds timeout) {
+    std::unique_lock lock(state->mutex);
+    for (auto const& [client, entry] : state->entries) entry.socket->ShutDown();
+    return state->isEmpty.wait_for(lock, timeout, [this] { return state->entries.empty(); });
 }
 
 } // namespace zarn::host::video::rtsp

@@ -5,15 +5,20 @@
 #include <gst/rtsp-server/rtsp-server.h>
 
 #include <chrono>
+#include <condition_variable>
 #include <cstddef>
+#include <functional>
 #include <map>
+#include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
 namespace zarn::host::video::rtsp {
 
-/// The connections of an RTSP server: how many there are, which watch a channel, which only sit there.
-/// Thread: the one that the server is attached to.
+/// The connections of an RTSP server: how many there are, which watch a channel, which only sit there. Each is served by a
+/// thread of its own; they are ended by shutting down their socket, upon which that thread takes them apart.
+/// Thread: any.
 class Connections {
 public:
     using Clock = std::chrono::steady_clock;
@@ -22,39 +27,53 @@ public:
     static constexpr std::size_t Maximum = 128;
 
     /// How long one may be there without a session.
-    static constexpr std::chrono::seconds Patience{30};
+    static constexpr std::chrono::seconds Patience{15};
 
-    /// True when there is room for one more.
-    bool HasRoom() const { return since.size() < Maximum; }
+    Connections();
+    ~Connections();
+    Connections(Connections const&) = delete;
+    Connections& operator=(Connections const&) = delete;
 
-    /// A connection has come.
+    /// How many there are.
+    std::size_t GetCount() const;
+
+    /// A connection has come; it is forgotten when it closes.
     void Add(GstRTSPClient* client);
 
-    /// Closes those that have had no session for `Patience`.
-    void CloseIdle(Clock::time_point now);
+    /// Ends those that have had no session for `Patience`.
+    void EndIdle(Clock::time_point now);
 
     using Client = ObjectHandle<GstRTSPClient>;
 
     /// Those that have a session with the media at this path.
-    std::vector<Client> FindViewers(std::string const& path);
+    std::vector<Client> FindViewers(std::string const& path) const;
 
-    /// Closes connections and ends their sessions.
-    static void Close(std::vector<Client> const& clients);
+    /// Ends connections and their sessions.
+    void End(std::vector<Client> const& clients);
 
-    /// Closes all.
-    void CloseAll();
-
-    /// True when nobody is connected.
-    bool IsEmpty() const { return since.empty(); }
+    /// Ends all and waits until they are gone; false when some are still there after the timeout.
+    bool EndAll(std::chrono::milliseconds timeout);
 
 private:
-    static void OnClosed(GstRTSPClient* client, gpointer self);
-    static bool HasSession(GstRTSPClient* client);
+    class Socket;
 
-    template <class Predicate>
-    std::vector<Client> Select(Predicate wanted);
+    struct Entry {
+        Client client;
+        std::unique_ptr<Socket> socket;
+        Clock::time_point seen; ///< when it came or was last known to have a session
+    };
 
-    std::map<GstRTSPClient*, Clock::time_point> since; ///< when it came or was last seen with a session
+    /// Shared with the closing of a connection that outlives the server.
+    struct State {
+        std::mutex mutex; ///< guards entries
+        std::condition_variable isEmpty;
+        std::map<GstRTSPClient*, Entry> entries;
+    };
+
+    static void OnClosed(GstRTSPClient* client, gpointer state);
+    std::vector<Client> GetAll() const;
+
+    std::shared_ptr<State> const state;
 };
 
 } // namespace zarn::host::video::rtsp

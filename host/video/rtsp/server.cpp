@@ -14,6 +14,7 @@
 #include <chrono>
 #include <functional>
 #include <map>
+#include <mutex>
 #include <stdexcept>
 #include <string_view>
 #include <thread>
@@ -24,11 +25,16 @@ namespace zarn::host::video::rtsp {
 namespace {
 
 constexpr std::string_view Prefix = "/channels/";
+
 /// How long connections stay after the end of their stream, so that it can be told to those who view over UDP.
 constexpr std::chrono::milliseconds Farewell{150};
 
+/// How long Stop() waits for connections to be taken apart.
+constexpr std::chrono::milliseconds EndTimeout{600};
+
 constexpr guint LookSeconds = 2;
 constexpr guint MaximumBody = 64 * 1024;
+constexpr gint ThreadPerConnection = -1;
 
 logging::Logger const& Log() {
     static logging::Logger const Logger("zarn.host.video");
@@ -37,8 +43,7 @@ logging::Logger const& Log() {
 
 std::string MakePath(std::string const& id) { return std::string(Prefix) + id; }
 
-/// The channel in the path of a stream, `/channels/1`, or of its media, `/channels/1/stream=0`; empty when there is
-/// none.
+/// The channel in the path of a stream, `/channels/1`, or of its media, `/channels/1/stream=0`; empty when there is none.
 std::string_view FindId(GstRTSPContext const* context) {
     if (context->uri == nullptr || context->uri->abspath == nullptr) return {};
     std::string_view path = context->uri->abspath;
@@ -54,14 +59,40 @@ std::string ToMessage(GError* error) {
     return text;
 }
 
+/// The streams that are served, by the identifier of their channel. Thread: any.
+class Streams {
+public:
+    void Set(std::string const& id, std::shared_ptr<Stream> const& stream) {
+        std::scoped_lock const lock(mutex);
+        streams.insert_or_assign(id, stream);
+    }
+
+    void Remove(std::string const& id) {
+        std::scoped_lock const lock(mutex);
+        streams.erase(id);
+    }
+
+    /// Null when there is none.
+    std::shared_ptr<Stream> Find(std::string_view id) const {
+        std::scoped_lock const lock(mutex);
+        auto const found = streams.find(id);
+        return found == streams.end() ? nullptr : found->second;
+    }
+
+private:
+    mutable std::mutex mutex; ///< guards the following
+    std::map<std::string, std::shared_ptr<Stream>, std::less<>> streams;
+};
+
 } // namespace
 
-/// Everything but construction and destruction is done on the loop's thread.
+/// The loop's thread accepts connections and looks after them now and then; every connection has a thread of its own, since
+/// a peer that sends without end keeps GStreamer reading.
 class Server::Impl {
 public:
     explicit Impl(std::uint16_t port) : server(MakeBoundedServer([this] { return HasRoom(); })) {
         ObjectHandle<GstRTSPThreadPool> const threads(gst_rtsp_server_get_thread_pool(server.get()));
-        gst_rtsp_thread_pool_set_max_threads(threads.get(), 0); // connections are handled on the loop's thread
+        gst_rtsp_thread_pool_set_max_threads(threads.get(), ThreadPerConnection);
         sessions.reset(gst_rtsp_server_get_session_pool(server.get()));
         gst_rtsp_session_pool_set_max_sessions(sessions.get(), Connections::Maximum);
         mounts.reset(gst_rtsp_server_get_mount_points(server.get()));
@@ -81,13 +112,11 @@ public:
     }
 
     ~Impl() {
-        bool isInUse = false;
-        loop.Run([&] {
-            CloseDoor();
-            isInUse = !connections.IsEmpty();
-        });
-        if (isInUse) std::this_thread::sleep_for(Farewell);
-        loop.Run([this] { Dismantle(); });
+        loop.Run([this] { CloseDoor(); });
+        if (connections.GetCount() > 0) std::this_thread::sleep_for(Farewell);
+        if (!connections.EndAll(EndTimeout)) Log().Log(logging::Level::Warning, "RTSP connections do not end in time");
+        gst_rtsp_session_pool_filter(
+            sessions.get(), [](auto*, auto*, gpointer) { return GST_RTSP_FILTER_REMOVE; }, nullptr);
     }
 
     Impl(Impl const&) = delete;
@@ -97,23 +126,21 @@ public:
 
     void Mount(std::string const& id, std::shared_ptr<Stream> const& stream) {
         gst_rtsp_mount_points_add_factory(mounts.get(), MakePath(id).c_str(), MakeMediaFactory(stream).release());
-        streams.insert_or_assign(id, stream);
+        streams->Set(id, stream);
     }
 
     void Unmount(std::string const& id) {
         gst_rtsp_mount_points_remove_factory(mounts.get(), MakePath(id).c_str());
-        streams.erase(id);
+        streams->Remove(id);
         Disconnect(id);
     }
 
     void Disconnect(std::string const& id) {
-        auto viewers = std::make_shared<std::vector<Connections::Client>>(connections.FindViewers(MakePath(id)));
-        loop.Post([viewers] { Connections::Close(*viewers); }, Farewell);
+        auto const viewers = std::make_shared<std::vector<Connections::Client>>(connections.FindViewers(MakePath(id)));
+        if (!viewers->empty()) loop.Post([this, viewers] { connections.End(*viewers); }, Farewell);
     }
 
     std::uint16_t GetPort() const { return static_cast<std::uint16_t>(gst_rtsp_server_get_bound_port(server.get())); }
-
-    Loop loop;
 
 private:
     void Attach(GSource* source) {
@@ -129,17 +156,8 @@ private:
         }
     }
 
-    void Dismantle() {
-        connections.CloseAll();
-        for (auto const& [id, stream] : streams)
-            gst_rtsp_mount_points_remove_factory(mounts.get(), MakePath(id).c_str());
-        gst_rtsp_session_pool_filter(
-            sessions.get(), [](auto*, auto*, gpointer) { return GST_RTSP_FILTER_REMOVE; }, nullptr);
-        server.reset();
-    }
-
     bool HasRoom() {
-        if (connections.HasRoom()) return true;
+        if (connections.GetCount() < Connections::Maximum) return true;
         if (auto const more = refusals.Admit()) {
             Log().Log(logging::Level::Warning, "RTSP connection refused: there are %0% (%1% more refused before)",
                       Connections::Maximum, *more);
@@ -148,33 +166,37 @@ private:
     }
 
     static void OnConnected(GstRTSPServer*, GstRTSPClient* client, gpointer self) {
-        static_cast<Impl*>(self)->connections.Add(client);
-        g_signal_connect(client, "pre-describe-request", G_CALLBACK(&Impl::OnRequest), self);
-        g_signal_connect(client, "pre-setup-request", G_CALLBACK(&Impl::OnRequest), self);
+        auto& impl = *static_cast<Impl*>(self);
+        impl.connections.Add(client);
+        for (auto const* signal : {"pre-describe-request", "pre-setup-request"}) {
+            g_signal_connect_data(
+                client, signal, G_CALLBACK(&Impl::OnRequest), new std::shared_ptr<Streams>(impl.streams),
+                [](gpointer shared, GClosure*) { delete static_cast<std::shared_ptr<Streams>*>(shared); },
+                static_cast<GConnectFlags>(0));
+        }
     }
 
     /// A channel that has no video at the moment is there, but cannot be served: try again.
-    static GstRTSPStatusCode OnRequest(GstRTSPClient*, GstRTSPContext* context, gpointer self) {
-        auto const& streams = static_cast<Impl*>(self)->streams;
-        auto const found = streams.find(FindId(context));
-        bool const isSilent = found != streams.end() && !found->second->GetCodec();
-        return isSilent ? GST_RTSP_STS_SERVICE_UNAVAILABLE : GST_RTSP_STS_OK;
+    static GstRTSPStatusCode OnRequest(GstRTSPClient*, GstRTSPContext* context, gpointer shared) {
+        auto const stream = (*static_cast<std::shared_ptr<Streams>*>(shared))->Find(FindId(context));
+        return stream && !stream->GetCodec() ? GST_RTSP_STS_SERVICE_UNAVAILABLE : GST_RTSP_STS_OK;
     }
 
     static gboolean OnTimer(gpointer self) {
         auto& impl = *static_cast<Impl*>(self);
         gst_rtsp_session_pool_cleanup(impl.sessions.get());
-        impl.connections.CloseIdle(Connections::Clock::now());
+        impl.connections.EndIdle(Connections::Clock::now());
         return G_SOURCE_CONTINUE;
     }
 
+    Connections connections;
+    logging::RateLimit refusals;
+    std::shared_ptr<Streams> const streams = std::make_shared<Streams>();
     ObjectHandle<GstRTSPServer> server;
     ObjectHandle<GstRTSPSessionPool> sessions;
     ObjectHandle<GstRTSPMountPoints> mounts;
-    Connections connections;
-    logging::RateLimit refusals;
-    std::map<std::string, std::shared_ptr<Stream>, std::less<>> streams;
-    std::vector<GSource*> sources;
+    std::vector<GSource*> sources; ///< touched at the beginning and at the end only
+    Loop loop;                     ///< last, so that it ends before what it uses goes
 };
 
 Server::Server(std::uint16_t port) {
@@ -188,21 +210,14 @@ Server::~Server() = default;
 std::uint16_t Server::GetPort() const { return port; }
 
 void Server::SetAuthentication(bool authenticate, std::string const& ha1) {
-    auto const authentication = authenticate ? MakeAuthentication(ha1) : nullptr;
-    impl->loop.Run([&] { impl->SetAuthentication(authentication.get()); });
+    impl->SetAuthentication(authenticate ? MakeAuthentication(ha1).get() : nullptr);
 }
 
-void Server::Mount(std::string const& id, std::shared_ptr<Stream> const& stream) {
-    impl->loop.Run([&] { impl->Mount(id, stream); });
-}
+void Server::Mount(std::string const& id, std::shared_ptr<Stream> const& stream) { impl->Mount(id, stream); }
 
-void Server::Unmount(std::string const& id) {
-    impl->loop.Run([&] { impl->Unmount(id); });
-}
+void Server::Unmount(std::string const& id) { impl->Unmount(id); }
 
-void Server::Disconnect(std::string const& id) {
-    impl->loop.Post([self = impl.get(), id] { self->Disconnect(id); });
-}
+void Server::Disconnect(std::string const& id) { impl->Disconnect(id); }
 
 void Server::Stop() { impl.reset(); }
 

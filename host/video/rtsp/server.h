@@ -8,9 +8,9 @@
 
 namespace zarn::host::video::rtsp {
 
-/// The RTSP server: one port, one thread, a path per channel. RTP goes over the connection or over UDP.
+/// The RTSP server: one port, a thread per connection, a path per channel. RTP goes over the connection or over UDP.
 /// Connections and sessions are bounded; those that do nothing are ended.
-/// Thread: any but the server's own, one call of SetAuthentication() and Stop() at a time. Source: RFC 2326.
+/// Thread: any, one at a time, but for Disconnect(). Source: RFC 2326.
 class Server {
 public:
     /// port  TCP port; 0 binds a free one
