@@ -33,9 +33,9 @@ struct Limits {
     bool operator==(Limits const&) const = default;
 };
 
-/// The longest header field that is taken, "Name: value" without its line end: what the SOAP engine reads into one
-/// buffer.
-inline constexpr std::size_t MaximumFieldLine = 8191;
+/// The longest header field that is taken, "Name: value" without its line end: the SOAP engine reads lines of 8,191
+/// characters, of which the carriage return is one.
+inline constexpr std::size_t MaximumFieldLine = 8190;
 
 /// The longest header of a request, request line included.
 inline constexpr std::size_t MaximumHeader = 64 * 1024;

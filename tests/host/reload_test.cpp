@@ -1,0 +1,150 @@
+#include "host/host_process.h"
+#include "host/raw_connection.h"
+
+#include <boost/json/array.hpp>
+#include <boost/json/serialize.hpp>
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <functional>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace zarn::tests::host {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+class Reload : public testing::Test {
+protected:
+    static std::string Configure(std::string const& channels, std::string const& settings = {}) {
+        return R"({"settings": {"web_port": 0, "rtsp_port": 0)" + settings + R"(}, "channels": {)" + channels + "}}";
+    }
+
+    void Write(std::string const& text) {
+        host.GetFolder().Write("config.json", text);
+        host.GetProcess().Signal(SIGHUP);
+    }
+
+    std::vector<std::string> GetChannels() const {
+        auto const health = host.GetHealth();
+        std::vector<std::string> ids;
+        for (auto const& channel : health.at("channels").as_array()) ids.emplace_back(channel.at("id").as_string());
+        return ids;
+    }
+
+    bool Await(std::function<bool()> const& condition) const {
+        auto const deadline = std::chrono::steady_clock::now() + 10s;
+        while (!condition()) {
+            if (std::chrono::steady_clock::now() > deadline) return false;
+            std::this_thread::sleep_for(10ms);
+        }
+        return true;
+    }
+
+    std::size_t CountLogLines(std::string const& part) const {
+        auto const log = host.GetProcess().GetLog();
+        std::size_t count = 0;
+        for (auto at = log.find(part); at != std::string::npos; at = log.find(part, at + 1)) ++count;
+        return count;
+    }
+
+    HostProcess host{{.arguments = {"--set", "settings.authentication.enabled=false"}}};
+};
+
+TEST_F(Reload, AddsRemovesAndReordersChannels) {
+    ASSERT_THAT(GetChannels(), ElementsAre("1", "2"));
+    Write(Configure(R"("3": {"name": "C"}, "2": {"name": "B"})"));
+    EXPECT_TRUE(Await([&] { return GetChannels() == std::vector<std::string>{"3", "2"}; }));
+    RawConnection connection(host.GetPort());
+    EXPECT_EQ(connection.Exchange("GET /snapshot/1/latest.jpeg HTTP/1.1\r\nHost: h\r\n\r\n").status, 404U);
+    EXPECT_EQ(connection.Exchange("GET /snapshot/3/latest.jpeg HTTP/1.1\r\nHost: h\r\n\r\n").status, 503U);
+}
+
+TEST_F(Reload, ChangesAChannel) {
+    Write(Configure(R"("1": {"name": "A", "video": {"width": 320}})"));
+    EXPECT_TRUE(Await([&] { return host.GetHealth().at("channels").at(0).at("width") == 320; }));
+}
+
+TEST_F(Reload, ChangesLimits) {
+    Write(Configure("", R"(, "limits": {"body_bytes": 1024})"));
+    std::string const request =
+        "POST /onvif/a HTTP/1.1\r\nHost: h\r\nContent-Length: 1025\r\n\r\n" + std::string(1025, ' ');
+    EXPECT_TRUE(Await([&] { return RawConnection(host.GetPort()).Exchange(request).status == 413; }));
+}
+
+TEST_F(Reload, SwitchesAuthentication) {
+    HostProcess switched;
+    auto const status = [&] {
+        return RawConnection(switched.GetPort()).Exchange(MakeSoapRequest("GetDeviceInformation")).status;
+    };
+    EXPECT_EQ(status(), 401U);
+    switched.GetFolder().Write("config.json", Configure("", R"(, "authentication": {"enabled": false})"));
+    switched.GetProcess().Signal(SIGHUP);
+    EXPECT_TRUE(Await([&] { return status() == 200; }));
+    switched.GetFolder().Write("config.json", Configure(""));
+    switched.GetProcess().Signal(SIGHUP);
+    EXPECT_TRUE(Await([&] { return status() == 401; }));
+}
+
+TEST_F(Reload, KeepsTheRunningConfigurationWhenTheFileIsBroken) {
+    for (std::string const text :
+         {"{ no JSON", R"({"channels": {"1": {"source": "test:none-such"}}})", R"({"channel": {}})"}) {
+        auto const before = CountLogLines("The configuration stays as it was");
+        Write(text);
+        EXPECT_TRUE(Await([&] { return CountLogLines("The configuration stays as it was") == before + 1; }));
+    }
+    EXPECT_THAT(host.GetProcess().GetLog(), HasSubstr("config.json: channels.1.source: "));
+    EXPECT_THAT(GetChannels(), ElementsAre("1", "2"));
+}
+
+TEST_F(Reload, KeepsTheRunningConfigurationWhenTheFileIsGone) {
+    std::filesystem::remove(host.GetFolder() / "config.json");
+    host.GetProcess().Signal(SIGHUP);
+    EXPECT_TRUE(host.GetProcess().WaitForLog("The configuration stays as it was", 10s));
+    EXPECT_THAT(GetChannels(), ElementsAre("1", "2"));
+}
+
+TEST_F(Reload, KeepsPortsAndOverridesOfThisRun) {
+    auto const rtspPort = host.GetRtspPort();
+    Write(Configure("", R"(, "authentication": {"enabled": true})"));
+    ASSERT_TRUE(host.GetProcess().WaitForLog("again", 10s));
+    EXPECT_TRUE(Await([&] { return GetChannels().empty(); }));
+    EXPECT_EQ(host.GetRtspPort(), rtspPort);
+    RawConnection connection(host.GetPort());
+    EXPECT_EQ(connection.Exchange(MakeSoapRequest("GetDeviceInformation")).status, 200U);
+    EXPECT_THAT(connection.Exchange(MakeSoapRequest("GetCapabilities")).body,
+                HasSubstr(":" + std::to_string(host.GetPort()) + "/onvif"));
+}
+
+TEST_F(Reload, SaysWhatChangesAtTheNextStartOnly) {
+    Write(R"({"identity": {"name": "other"}, "settings": {"web_port": 1, "rtsp_port": 2}})");
+    for (auto const* path : {"identity", "settings.web_port", "settings.rtsp_port"}) {
+        EXPECT_TRUE(host.GetProcess().WaitForLog(std::string(path) + " changes at the next start", 10s));
+    }
+    EXPECT_EQ(host.GetHealth().at("listeners").at("web").at("port"), host.GetPort());
+}
+
+TEST_F(Reload, LeavesTheFileAsItsOwnerWroteIt) {
+    auto const text = Configure(R"("9": {"name": "I"})");
+    Write(text);
+    EXPECT_TRUE(Await([&] { return GetChannels() == std::vector<std::string>{"9"}; }));
+    EXPECT_EQ(host.Stop(), 0);
+    EXPECT_EQ(host.GetFolder().Read("config.json"), text);
+}
+
+TEST_F(Reload, GoesOnServingMeanwhile) {
+    for (int i = 0; i < 20; ++i) {
+        Write(Configure(R"("1": {"name": "N)" + std::to_string(i) + "\"}"));
+        EXPECT_EQ(RawConnection(host.GetPort()).Exchange(MakeSoapRequest("GetDeviceInformation")).status, 200U);
+    }
+    EXPECT_EQ(host.Stop(), 0);
+}
+
+} // namespace
+} // namespace zarn::tests::host

@@ -1,0 +1,75 @@
+#include "host/host_process.h"
+
+#include <gmock/gmock.h>
+
+#include <chrono>
+#include <string>
+#include <thread>
+
+namespace zarn::tests::host {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+constexpr char const* OneMovingChannel = R"({
+  "settings": {"web_port": 0, "rtsp_port": 0},
+  "channels": {"gate-1": {"name": "Gate", "source": "test:ball?width=320&height=240&rate=10"}}
+})";
+
+class SnapshotHost : public testing::Test {
+protected:
+    /// Fetches a picture with curl into `latest.jpeg`; the status.
+    std::string Fetch(std::string const& password, std::string const& id = "gate-1") const {
+        Process curl({"curl", "-s", "-o", host.GetFolder() / "latest.jpeg", "-w", "%{http_code} %{content_type}\n",
+                      "--digest", "-u", "admin:" + password, host.GetUrl() + "/snapshot/" + id + "/latest.jpeg"});
+        EXPECT_EQ(curl.Wait(10s), 0);
+        EXPECT_TRUE(curl.WaitForOutput("\n", 1s));
+        return curl.GetOutput();
+    }
+
+    /// Fetches until there is a picture, which takes the video a moment.
+    std::string FetchPicture() const {
+        auto const deadline = std::chrono::steady_clock::now() + 15s;
+        auto answer = Fetch(host.GetPassword());
+        while (answer.starts_with("503") && std::chrono::steady_clock::now() < deadline) {
+            std::this_thread::sleep_for(50ms);
+            answer = Fetch(host.GetPassword());
+        }
+        return answer;
+    }
+
+    HostProcess host{{.configuration = OneMovingChannel}};
+};
+
+TEST_F(SnapshotHost, ServesAPictureOfTheChannelsSize) {
+    EXPECT_EQ(FetchPicture(), "200 image/jpeg\n");
+    Process decoder({"ffprobe", "-v", "error", "-show_entries", "stream=codec_name,width,height", "-of", "csv=p=0",
+                     host.GetFolder() / "latest.jpeg"});
+    ASSERT_EQ(decoder.Wait(20s), 0);
+    ASSERT_TRUE(decoder.WaitForOutput("\n", 1s));
+    EXPECT_EQ(decoder.GetOutput(), "mjpeg,320,240\n");
+}
+
+TEST_F(SnapshotHost, ShowsNothingWithoutTheRightPassword) {
+    EXPECT_THAT(Fetch("wrong"), StartsWith("401"));
+    EXPECT_THAT(Fetch(host.GetPassword(), "other"), StartsWith("404"));
+}
+
+TEST_F(SnapshotHost, AnswersHeadWithTheLengthOnly) {
+    FetchPicture();
+    Process curl({"curl", "-s", "-I", "--digest", "-u", "admin:" + host.GetPassword(),
+                  host.GetUrl() + "/snapshot/gate-1/latest.jpeg"});
+    ASSERT_EQ(curl.Wait(10s), 0);
+    ASSERT_TRUE(curl.WaitForOutput("200 OK", 1s)) << curl.GetOutput();
+    EXPECT_THAT(curl.GetOutput(), HasSubstr("Content-Type: image/jpeg"));
+}
+
+TEST_F(SnapshotHost, StopsInTimeWhileVideoRuns) {
+    FetchPicture();
+    EXPECT_EQ(host.Stop(2s), 0);
+}
+
+} // namespace
+} // namespace zarn::tests::host

@@ -1,0 +1,86 @@
+#include "host/certificate.h"
+#include "host/host_process.h"
+
+#include <gmock/gmock.h>
+
+#include <chrono>
+#include <csignal>
+#include <string>
+#include <vector>
+
+namespace zarn::tests::host {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::HasSubstr;
+using testing::MatchesRegex;
+
+class TlsHost : public testing::Test {
+protected:
+    /// What curl writes for a request that trusts `certificate` only; empty when there is no connection.
+    std::string Curl(std::vector<std::string> const& arguments, std::string const& certificate) const {
+        std::vector<std::string> all{"curl", "-s", "--cacert", certificate};
+        all.insert(all.end(), arguments.begin(), arguments.end());
+        Process curl(all);
+        if (curl.Wait(10s) != 0) return "";
+        EXPECT_TRUE(curl.WaitForOutput("\n", 1s));
+        return curl.GetOutput();
+    }
+
+    std::shared_ptr<TemporaryFolder> folder = std::make_shared<TemporaryFolder>();
+    Certificate files{*folder};
+    HostProcess host{{.arguments = {"--set", "settings.tls.certificate=" + files.certificate, "--set",
+                                    "settings.tls.private_key=" + files.key},
+                      .folder = folder}};
+};
+
+TEST_F(TlsHost, AnnouncesAndServesHttps) {
+    EXPECT_THAT(host.GetProcess().GetOutput(), MatchesRegex("ready https://[0-9.]+:[0-9]+/onvif/device_service\n"));
+    EXPECT_THAT(Curl({host.GetUrl() + "/api/health"}, files.certificate), HasSubstr("\"tls\":true"));
+}
+
+TEST_F(TlsHost, TellsClientsOfTheModuleToUseHttps) {
+    auto const body = R"(<s:Envelope xmlns:s="http://www.w3.org/2003/05/soap-envelope"><s:Body>)"
+                      R"(<GetCapabilities xmlns="http://www.onvif.org/ver10/device/wsdl"/></s:Body></s:Envelope>)";
+    EXPECT_THAT(Curl({"--data-binary", body, "-H", "Content-Type: application/soap+xml",
+                      host.GetUrl() + "/onvif/device_service"},
+                     files.certificate),
+                HasSubstr("https://"));
+}
+
+TEST_F(TlsHost, SpeaksNoPlainHttp) {
+    auto const plain = "http://127.0.0.1:" + std::to_string(host.GetPort()) + "/api/health";
+    EXPECT_EQ(Curl({plain}, files.certificate), "");
+}
+
+TEST_F(TlsHost, SpeaksNoTlsOlderThanOneTwo) {
+    EXPECT_EQ(Curl({"--tls-max", "1.1", host.GetUrl() + "/api/health"}, files.certificate), "");
+    EXPECT_NE(Curl({"--tls-max", "1.2", host.GetUrl() + "/api/health"}, files.certificate), "");
+}
+
+TEST_F(TlsHost, TakesARenewedCertificateAtSighup) {
+    auto const old = folder->Write("old.pem", folder->Read("server.pem"));
+    Certificate const renewed(*folder);
+    host.GetProcess().Signal(SIGHUP);
+    ASSERT_TRUE(host.GetProcess().WaitForLog("again", 10s));
+    auto const deadline = std::chrono::steady_clock::now() + 10s;
+    std::string answer;
+    while (answer.empty() && std::chrono::steady_clock::now() < deadline) {
+        answer = Curl({host.GetUrl() + "/api/health"}, renewed.certificate);
+    }
+    EXPECT_THAT(answer, HasSubstr("\"tls\":true"));
+    EXPECT_EQ(Curl({host.GetUrl() + "/api/health"}, old), "");
+}
+
+TEST_F(TlsHost, KeepsItsCertificateWhenTheNewOneCannotBeUsed) {
+    auto const old = folder->Write("old.pem", folder->Read("server.pem"));
+    folder->Write("server.key", "garbage");
+    host.GetProcess().Signal(SIGHUP);
+    ASSERT_TRUE(host.GetProcess().WaitForLog("The certificate stays as it was", 10s));
+    EXPECT_THAT(Curl({host.GetUrl() + "/api/health"}, old), HasSubstr("\"tls\":true"));
+}
+
+TEST_F(TlsHost, StopsWhileClientsAreConnected) { EXPECT_EQ(host.Stop(2s), 0); }
+
+} // namespace
+} // namespace zarn::tests::host
