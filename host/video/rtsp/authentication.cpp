@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 namespace zarn::host::video::rtsp {
 namespace {
@@ -42,6 +43,51 @@ private:
     int descriptor;
 };
 
+/// GObject's way of deriving: the base's instance comes first, and construction and destruction are functions of the class.
+struct Authentication {
+    GstRTSPAuth base;
+    std::shared_ptr<GuessLimit>* guesses;
+};
+
+struct AuthenticationClass {
+    GstRTSPAuthClass base;
+};
+
+GstRTSPAuthClass* GetParent() { return GST_RTSP_AUTH_CLASS(g_type_class_peek(GST_TYPE_RTSP_AUTH)); }
+
+bool HasAnswer(GstRTSPContext const* context) {
+    gchar* answer = nullptr;
+    return gst_rtsp_message_get_header(context->request, GST_RTSP_HDR_AUTHORIZATION, &answer, 0) == GST_RTSP_OK;
+}
+
+gboolean Authenticate(GstRTSPAuth* authentication, GstRTSPContext* context) {
+    if (!HasAnswer(context)) return GetParent()->authenticate(authentication, context);
+    auto& guesses = **reinterpret_cast<Authentication*>(authentication)->guesses;
+    std::string const address = gst_rtsp_connection_get_ip(context->conn);
+    auto const now = GuessLimit::Clock::now();
+    if (guesses.IsReached(address, now)) return FALSE;
+    auto const isKnown = GetParent()->authenticate(authentication, context);
+    if (isKnown == FALSE || context->token == nullptr) guesses.Count(address, now);
+    return isKnown;
+}
+
+void Finalize(GObject* object) {
+    delete reinterpret_cast<Authentication*>(object)->guesses;
+    G_OBJECT_CLASS(GetParent())->finalize(object);
+}
+
+void InitializeClass(gpointer type, gpointer) {
+    G_OBJECT_CLASS(type)->finalize = Finalize;
+    GST_RTSP_AUTH_CLASS(type)->authenticate = Authenticate;
+}
+
+GType GetAuthenticationType() {
+    static GType const Type =
+        g_type_register_static_simple(GST_TYPE_RTSP_AUTH, "ZarnRtspAuthentication", sizeof(AuthenticationClass),
+                                      InitializeClass, sizeof(Authentication), nullptr, static_cast<GTypeFlags>(0));
+    return Type;
+}
+
 bool IsHash(std::string const& text) {
     constexpr std::string_view Digits = "0123456789abcdef";
     return text.size() == 32 && text.find_first_not_of(Digits) == std::string::npos;
@@ -49,8 +95,9 @@ bool IsHash(std::string const& text) {
 
 } // namespace
 
-ObjectHandle<GstRTSPAuth> MakeAuthentication(std::string const& ha1) {
-    ObjectHandle<GstRTSPAuth> authentication(gst_rtsp_auth_new());
+ObjectHandle<GstRTSPAuth> MakeAuthentication(std::string const& ha1, std::shared_ptr<GuessLimit> guesses) {
+    ObjectHandle<GstRTSPAuth> authentication(GST_RTSP_AUTH(g_object_new(GetAuthenticationType(), nullptr)));
+    reinterpret_cast<Authentication*>(authentication.get())->guesses = new std::shared_ptr<GuessLimit>(std::move(guesses));
     gst_rtsp_auth_set_supported_methods(authentication.get(), GST_RTSP_AUTH_DIGEST);
     gst_rtsp_auth_set_realm(authentication.get(), zarn::authentication::Realm);
     if (!IsHash(ha1)) return authentication;

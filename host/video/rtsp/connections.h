@@ -27,7 +27,7 @@ public:
     static constexpr std::size_t Maximum = 128;
 
     /// How long one may be there without a session.
-    static constexpr std::chrono::seconds Patience{15};
+    static constexpr std::chrono::seconds Patience{10};
 
     Connections();
     ~Connections();

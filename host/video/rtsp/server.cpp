@@ -4,6 +4,7 @@
 #include "host/video/rtsp/authentication.h"
 #include "host/video/rtsp/bounded_server.h"
 #include "host/video/rtsp/connections.h"
+#include "host/video/rtsp/guess_limit.h"
 #include "host/video/rtsp/loop.h"
 #include "host/video/rtsp/media_factory.h"
 
@@ -122,7 +123,10 @@ public:
     Impl(Impl const&) = delete;
     Impl& operator=(Impl const&) = delete;
 
-    void SetAuthentication(GstRTSPAuth* authentication) { gst_rtsp_server_set_auth(server.get(), authentication); }
+    void SetAuthentication(bool authenticate, std::string const& ha1) {
+        auto const authentication = authenticate ? MakeAuthentication(ha1, guesses) : nullptr;
+        gst_rtsp_server_set_auth(server.get(), authentication.get());
+    }
 
     void Mount(std::string const& id, std::shared_ptr<Stream> const& stream) {
         gst_rtsp_mount_points_add_factory(mounts.get(), MakePath(id).c_str(), MakeMediaFactory(stream).release());
@@ -191,6 +195,7 @@ private:
 
     Connections connections;
     logging::RateLimit refusals;
+    std::shared_ptr<GuessLimit> const guesses = std::make_shared<GuessLimit>();
     std::shared_ptr<Streams> const streams = std::make_shared<Streams>();
     ObjectHandle<GstRTSPServer> server;
     ObjectHandle<GstRTSPSessionPool> sessions;
@@ -210,7 +215,7 @@ Server::~Server() = default;
 std::uint16_t Server::GetPort() const { return port; }
 
 void Server::SetAuthentication(bool authenticate, std::string const& ha1) {
-    impl->SetAuthentication(authenticate ? MakeAuthentication(ha1).get() : nullptr);
+    impl->SetAuthentication(authenticate, ha1);
 }
 
 void Server::Mount(std::string const& id, std::shared_ptr<Stream> const& stream) { impl->Mount(id, stream); }

@@ -12,13 +12,6 @@ using testing::HasSubstr;
 
 constexpr char Small[] = "test:ball?width=128&height=96&rate=10";
 
-/// What "about a second" is for; a sanitizer makes everything several times slower.
-#ifdef ZARN_SANITIZED
-constexpr auto StopLimit = 5s;
-#else
-constexpr auto StopLimit = 1s;
-#endif
-
 class EngineStop : public VideoTest {
 protected:
     std::chrono::steady_clock::duration MeasureStop() {

@@ -19,6 +19,13 @@ namespace zarn::host::video::test {
 /// Long enough for a loaded machine under a sanitizer; nothing waits for it that goes well.
 inline constexpr std::chrono::seconds Deadline{30};
 
+/// What "about a second" is for; a sanitizer makes everything several times slower.
+#ifdef ZARN_SANITIZED
+inline constexpr std::chrono::seconds StopLimit{5};
+#else
+inline constexpr std::chrono::seconds StopLimit{1};
+#endif
+
 /// Asks again and again until the condition holds; false when it does not before the deadline.
 bool WaitFor(std::function<bool()> const& condition, std::chrono::milliseconds deadline = Deadline);
 
