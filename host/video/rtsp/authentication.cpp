@@ -43,7 +43,8 @@ private:
     int descriptor;
 };
 
-/// GObject's way of deriving: the base's instance comes first, and construction and destruction are functions of the class.
+/// GObject's way of deriving: the base's instance comes first, and construction and destruction are functions of the
+/// class.
 struct Authentication {
     GstRTSPAuth base;
     std::shared_ptr<GuessLimit>* guesses;
@@ -97,7 +98,8 @@ bool IsHash(std::string const& text) {
 
 ObjectHandle<GstRTSPAuth> MakeAuthentication(std::string const& ha1, std::shared_ptr<GuessLimit> guesses) {
     ObjectHandle<GstRTSPAuth> authentication(GST_RTSP_AUTH(g_object_new(GetAuthenticationType(), nullptr)));
-    reinterpret_cast<Authentication*>(authentication.get())->guesses = new std::shared_ptr<GuessLimit>(std::move(guesses));
+    reinterpret_cast<Authentication*>(authentication.get())->guesses =
+        new std::shared_ptr<GuessLimit>(std::move(guesses));
     gst_rtsp_auth_set_supported_methods(authentication.get(), GST_RTSP_AUTH_DIGEST);
     gst_rtsp_auth_set_realm(authentication.get(), zarn::authentication::Realm);
     if (!IsHash(ha1)) return authentication;

@@ -60,7 +60,8 @@ void EndSessions(GstRTSPClient* client) {
 class Connections::Socket {
 public:
     explicit Socket(GstRTSPClient* client)
-        : descriptor(dup(g_socket_get_fd(gst_rtsp_connection_get_read_socket(gst_rtsp_client_get_connection(client))))) {}
+        : descriptor(
+              dup(g_socket_get_fd(gst_rtsp_connection_get_read_socket(gst_rtsp_client_get_connection(client))))) {}
 
     ~Socket() {
         if (descriptor >= 0) close(descriptor);
@@ -92,7 +93,8 @@ void Connections::Add(GstRTSPClient* client) {
     }
     g_signal_connect_data(
         client, "closed", G_CALLBACK(&Connections::OnClosed), new std::shared_ptr<State>(state),
-        [](gpointer shared, GClosure*) { delete static_cast<std::shared_ptr<State>*>(shared); }, static_cast<GConnectFlags>(0));
+        [](gpointer shared, GClosure*) { delete static_cast<std::shared_ptr<State>*>(shared); },
+        static_cast<GConnectFlags>(0));
 }
 
 void Connections::OnClosed(GstRTSPClient* client, gpointer shared) {

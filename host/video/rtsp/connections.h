@@ -16,8 +16,8 @@
 
 namespace zarn::host::video::rtsp {
 
-/// The connections of an RTSP server: how many there are, which watch a channel, which only sit there. Each is served by a
-/// thread of its own; they are ended by shutting down their socket, upon which that thread takes them apart.
+/// The connections of an RTSP server: how many there are, which watch a channel, which only sit there. Each is served
+/// by a thread of its own; they are ended by shutting down their socket, upon which that thread takes them apart.
 /// Thread: any.
 class Connections {
 public:

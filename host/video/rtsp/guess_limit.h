@@ -8,8 +8,8 @@
 
 namespace zarn::host::video::rtsp {
 
-/// Slows down the guessing of passwords: an address that gave too many wrong answers within a minute is not heard for the rest
-/// of that minute. Thread: any.
+/// Slows down the guessing of passwords: an address that gave too many wrong answers within a minute is not heard for
+/// the rest of that minute. Thread: any.
 class GuessLimit {
 public:
     using Clock = std::chrono::steady_clock;

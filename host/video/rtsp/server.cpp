@@ -44,7 +44,8 @@ logging::Logger const& Log() {
 
 std::string MakePath(std::string const& id) { return std::string(Prefix) + id; }
 
-/// The channel in the path of a stream, `/channels/1`, or of its media, `/channels/1/stream=0`; empty when there is none.
+/// The channel in the path of a stream, `/channels/1`, or of its media, `/channels/1/stream=0`; empty when there is
+/// none.
 std::string_view FindId(GstRTSPContext const* context) {
     if (context->uri == nullptr || context->uri->abspath == nullptr) return {};
     std::string_view path = context->uri->abspath;
@@ -87,8 +88,8 @@ private:
 
 } // namespace
 
-/// The loop's thread accepts connections and looks after them now and then; every connection has a thread of its own, since
-/// a peer that sends without end keeps GStreamer reading.
+/// The loop's thread accepts connections and looks after them now and then; every connection has a thread of its own,
+/// since a peer that sends without end keeps GStreamer reading.
 class Server::Impl {
 public:
     explicit Impl(std::uint16_t port) : server(MakeBoundedServer([this] { return HasRoom(); })) {

@@ -9,7 +9,6 @@
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/write.hpp>
-
 #include <gmock/gmock.h>
 #include <poll.h>
 #include <sys/socket.h>
@@ -126,7 +125,8 @@ TEST_F(EngineLimits, KeepAPeerThatSendsWithoutEndFromDisturbingOthers) {
     StartChannel();
     auto const peer = Connect();
     std::jthread const sender([&peer] {
-        while (peer->Send(std::string(65536, 'a'))) {}
+        while (peer->Send(std::string(65536, 'a'))) {
+        }
     });
     EXPECT_TRUE(CanBeViewed());
     auto const begin = std::chrono::steady_clock::now();
@@ -139,10 +139,12 @@ TEST_F(EngineLimits, SurviveWhatIsNoRtsp) {
     StartChannel();
     for (std::string const text :
          {"\r\n\r\n\r\n", "GET / HTTP/1.1\r\n\r\n", "DESCRIBE\r\n\r\n", "DESCRIBE rtsp:// RTSP/1.0\r\nCSeq: 1\r\n\r\n",
-          "DESCRIBE rtsp://a/channels/1 RTSP/9.9\r\nCSeq: 1\r\n\r\n", "SETUP * RTSP/1.0\r\nCSeq: x\r\nTransport: \r\n\r\n",
+          "DESCRIBE rtsp://a/channels/1 RTSP/9.9\r\nCSeq: 1\r\n\r\n",
+          "SETUP * RTSP/1.0\r\nCSeq: x\r\nTransport: \r\n\r\n",
           "PLAY rtsp://a/channels/1 RTSP/1.0\r\nCSeq: 1\r\nSession: none\r\n\r\n",
           "ANNOUNCE rtsp://a/channels/1 RTSP/1.0\r\nCSeq: 1\r\nContent-Length: 4294967295\r\n\r\n",
-          "SETUP rtsp://a/channels/1/stream=9 RTSP/1.0\r\nCSeq: 1\r\nTransport: RTP/AVP;unicast;client_port=0-99999\r\n\r\n",
+          "SETUP rtsp://a/channels/1/stream=9 RTSP/1.0\r\nCSeq: 1\r\nTransport: "
+          "RTP/AVP;unicast;client_port=0-99999\r\n\r\n",
           "$\x7f\xff\xff garbage", "\x16\x03\x01\x02\x00\x01\x00\x01\xfc\x03\x03"}) {
         auto const peer = Connect();
         peer->Send(text);
@@ -157,8 +159,9 @@ TEST_F(EngineLimits, RefuseTheRightPasswordAfterTooManyGuesses) {
     auto const describe = "DESCRIBE " + GetUrl("1") + " RTSP/1.0\r\nCSeq: 1\r\n";
     auto const peer = Connect();
     for (std::size_t guess = 0; guess <= rtsp::GuessLimit::Maximum; ++guess) {
-        ASSERT_TRUE(peer->Send(describe + "Authorization: Digest username=\"admin\", realm=\"x\", nonce=\"x\", uri=\"x\", "
-                                          "response=\"00000000000000000000000000000000\"\r\n\r\n"));
+        ASSERT_TRUE(peer->Send(describe +
+                               "Authorization: Digest username=\"admin\", realm=\"x\", nonce=\"x\", uri=\"x\", "
+                               "response=\"00000000000000000000000000000000\"\r\n\r\n"));
     }
     ASSERT_TRUE(WaitFor([&] { return peer->Read().empty(); }));
     Viewer viewer(GetUrl("1"), {.user = "admin", .password = "right"});

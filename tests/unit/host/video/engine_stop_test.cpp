@@ -1,5 +1,7 @@
 #include "unit/host/video/video_test.h"
 
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/tcp.hpp>
 #include <gmock/gmock.h>
 
 #include <stdexcept>
@@ -40,6 +42,15 @@ TEST_F(EngineStop, EndsTheStreamsInTime) {
 TEST_F(EngineStop, DoesNotWaitForSourcesThatAreBeingOpened) {
     // Nobody answers at 192.0.2.1, an address for documentation.
     engine->SetChannels({From("1", "rtsp://192.0.2.1/stream"), From("2", folder / "missing.mp4"), From("3", Small)});
+    EXPECT_LT(MeasureStop(), StopLimit);
+}
+
+TEST_F(EngineStop, DoesNotWaitForAServerThatNeverAnswers) {
+    boost::asio::io_context context;
+    boost::asio::ip::tcp::acceptor silent(context, {boost::asio::ip::address_v4::loopback(), 0});
+    engine->SetChannels({From("1", "rtsp://127.0.0.1:" + std::to_string(silent.local_endpoint().port()) + "/stream")});
+    auto const peer = silent.accept();
+    EXPECT_EQ(GetStatus("1").state, ChannelState::Connecting);
     EXPECT_LT(MeasureStop(), StopLimit);
 }
 

@@ -33,6 +33,19 @@ TEST_F(EngineStream, ServesH265) {
     EXPECT_EQ(engine->Describe("1"), meta::data::VideoInfo({128, 96}, "video/x-h265", 10, 1));
 }
 
+TEST_F(EngineStream, ServesTheSmallestAndSlowestTestVideo) {
+    engine->SetChannels({From("h264", "test:ball?width=64&height=64&rate=1"),
+                         From("h265", "test:ball?codec=h265&width=64&height=66&rate=1")});
+    for (auto const* id : {"h264", "h265"}) {
+        ASSERT_TRUE(WaitForState(id, ChannelState::Running)) << GetStatus(id).detail;
+        Viewer viewer(GetUrl(id));
+        auto const picture = viewer.Next();
+        ASSERT_TRUE(picture) << id << viewer.GetFailure();
+        EXPECT_EQ(picture->width, 64);
+        EXPECT_EQ(WaitForSnapshot(id).error, SnapshotError::None);
+    }
+}
+
 TEST_F(EngineStream, ServesOverUdp) {
     engine->SetChannels({From("1", Small)});
     ASSERT_TRUE(WaitForState("1", ChannelState::Running));

@@ -1,0 +1,105 @@
+#include "host/video/gstreamer.h"
+#include "host/video/still_service.h"
+#include "unit/host/video/stream_fixture.h"
+#include "unit/host/video/video_test.h"
+
+#include <gmock/gmock.h>
+
+#include <future>
+#include <vector>
+
+namespace zarn::host::video::test {
+namespace {
+
+using namespace std::chrono_literals;
+using Error = SnapshotError;
+
+class StillServiceTest : public StreamTest {
+protected:
+    StillServiceTest() { InitializeGStreamer(); }
+
+    std::future<Snapshot> Request(StillService& service) {
+        auto promise = std::make_shared<std::promise<Snapshot>>();
+        auto answer = promise->get_future();
+        service.Request(slot, [promise](Snapshot snapshot) { promise->set_value(std::move(snapshot)); });
+        return answer;
+    }
+
+    std::shared_ptr<StillService::Slot> slot = std::make_shared<StillService::Slot>(stream);
+    StillService::Bounds const nobodyWorks{.workers = 0, .waiting = 3, .patience = 50ms};
+};
+
+TEST_F(StillServiceTest, MakesAPictureOfTheNewestAccessUnit) {
+    StillService service;
+    PublishVideo(5);
+    auto const snapshot = Request(service).get();
+    ASSERT_EQ(snapshot.error, Error::None) << snapshot.detail;
+    auto const picture = DecodeJpeg(snapshot.jpeg->ToStringView());
+    ASSERT_TRUE(picture);
+    EXPECT_EQ(picture->width, 128);
+    EXPECT_EQ(picture->height, 96);
+}
+
+TEST_F(StillServiceTest, MakesANewPictureWhenTheOldIsTooOldToBeReused) {
+    StillService service({.reuse = 0ms});
+    PublishVideo(2);
+    auto const first = Request(service).get();
+    auto const second = Request(service).get();
+    ASSERT_EQ(second.error, Error::None) << second.detail;
+    EXPECT_NE(first.jpeg, second.jpeg);
+}
+
+TEST_F(StillServiceTest, TellsThatThereIsNoVideo) {
+    StillService service;
+    EXPECT_EQ(Request(service).get().error, Error::NoFrame);
+}
+
+TEST_F(StillServiceTest, TellsThatTheNewestPictureIsTooOld) {
+    StillService service;
+    SetFormat();
+    Publish(true, 10, 2001ms);
+    EXPECT_EQ(Request(service).get().error, Error::NoFrame);
+}
+
+TEST_F(StillServiceTest, TellsThatTheVideoCannotBeDecoded) {
+    StillService service;
+    SetFormat();
+    Publish(true);
+    auto const snapshot = Request(service).get();
+    EXPECT_EQ(snapshot.error, Error::Failed);
+    EXPECT_NE(snapshot.detail, "");
+}
+
+TEST_F(StillServiceTest, GivesUpWhenDecodingTakesTooLong) {
+    StillService service({.decodingTime = 0ms});
+    PublishVideo(2);
+    EXPECT_EQ(Request(service).get().error, Error::Failed);
+}
+
+TEST_F(StillServiceTest, RefusesRequestsPastTheNumberThatMayWait) {
+    StillService service({.workers = 0, .waiting = 3, .patience = 1h});
+    std::vector<std::future<Snapshot>> waiting;
+    for (int count = 0; count < 3; ++count) waiting.push_back(Request(service));
+    EXPECT_EQ(Request(service).get().error, Error::Busy);
+    EXPECT_EQ(waiting.front().wait_for(0s), std::future_status::timeout);
+}
+
+TEST_F(StillServiceTest, AnswersInTimeWhenNobodyGetsToIt) {
+    StillService service(nobodyWorks);
+    for (int round = 0; round < 3; ++round) {
+        EXPECT_EQ(Request(service).get().error, Error::Busy);
+        EXPECT_EQ(Request(service).get().error, Error::Busy);
+    }
+}
+
+TEST_F(StillServiceTest, AnswersAllThatWaitWhenItStops) {
+    StillService service({.workers = 0, .patience = 1h});
+    auto waiting = Request(service);
+    service.Stop();
+    service.Stop();
+    EXPECT_EQ(waiting.get().error, Error::Stopped);
+    EXPECT_EQ(Request(service).get().error, Error::Stopped);
+}
+
+} // namespace
+} // namespace zarn::host::video::test
