@@ -113,8 +113,8 @@ void WriteFileAtomically(std::string const& path, std::string_view text) {
     if (rename(beside.c_str(), target.c_str()) != 0) Fail(path, errno);
     remover.Keep();
     // Until the folder is on the disk the new name is not, either.
-    auto folder = std::filesystem::path(target).parent_path().string();
-    if (folder.empty()) folder = ".";
+    auto const parent = std::filesystem::path(target).parent_path();
+    std::string const folder = parent.empty() ? std::string(".") : parent.string();
     File const directory(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC), folder);
     directory.Sync();
 }
