@@ -1,6 +1,7 @@
 #include "host/video/channel.h"
 
 #include "host/video/back_off.h"
+#include "host/video/check_source.h"
 
 #include <zarn/logging/logger.h>
 
@@ -174,7 +175,7 @@ void Channel::Report(ChannelState next, std::string why) {
         reported.clear();
     } else if (next == ChannelState::Failed && reported != why) {
         Log().Log(logging::Level::Warning, "channel %0%: source %1% failed, it is tried again: %2%", settings.id,
-                  settings.source, why);
+                  WithoutSecrets(settings.source), why);
         reported = std::move(why);
     }
 }

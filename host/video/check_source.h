@@ -16,4 +16,8 @@ namespace zarn::host::video {
 /// described. Returns what is wrong, naming part, value and rule; none when nothing is. Thread: any.
 std::optional<std::string> CheckSource(std::string_view source);
 
+/// The text of a source as it may be shown: an address without what stands before "@" and behind "?", where people put
+/// credentials although they have members of their own. Any text will do. Thread: any.
+std::string WithoutSecrets(std::string_view source);
+
 } // namespace zarn::host::video

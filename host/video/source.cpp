@@ -171,4 +171,13 @@ std::optional<std::string> CheckSource(std::string_view source) {
     return std::move(parsed.error);
 }
 
+std::string WithoutSecrets(std::string_view source) {
+    auto const scheme = source.find("://");
+    if (scheme == std::string_view::npos) return std::string(source);
+    auto const start = scheme + 3;
+    auto rest = source.substr(start);
+    if (auto const user = rest.rfind('@'); user != std::string_view::npos) rest.remove_prefix(user + 1);
+    return std::string(source.substr(0, start)).append(rest.substr(0, rest.find('?')));
+}
+
 } // namespace zarn::host::video

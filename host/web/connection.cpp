@@ -146,6 +146,7 @@ private:
         if (auto refusal = CheckHeader(*parser)) return Refuse(*std::move(refusal));
         Allow(limits.idleTime);
         auto const& header = parser->get();
+        if (parser->chunked()) checkedHeader = header.base();
         bool const asked = header.version() >= 11 && boost::iequals(header[http::field::expect], "100-continue");
         if (!asked || parser->is_done() || buffer.size() > 0) return ReadBody({});
         asio::async_write(stream, asio::buffer(ContinueText), Then(&Session::ReadBody));
@@ -167,6 +168,8 @@ private:
         if (error) return OnReadError(error);
         auto message = parser->release();
         parser.reset();
+        // Trailer fields, which the parser adds to the header, have not been checked.
+        if (checkedHeader) message.base() = *std::exchange(checkedHeader, std::nullopt);
         form = {message.version() % 10, message.keep_alive()};
         headOnly = message.method() == http::verb::head;
         auto target = ToOriginForm(message.target()).value_or("/");
@@ -248,6 +251,7 @@ private:
     bool idle = false;     ///< waiting for the first byte of a request
     beast::flat_buffer buffer{MaximumHeader + FirstRead};
     std::optional<RequestParser> parser;
+    std::optional<RequestParser::value_type::header_type> checkedHeader; ///< of a chunked request
     ResponseForm form;
     bool headOnly = false;
     Reply reply;

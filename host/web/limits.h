@@ -37,6 +37,9 @@ struct Limits {
 /// characters, of which the carriage return is one.
 inline constexpr std::size_t MaximumFieldLine = 8190;
 
+/// The most header fields that a request may have.
+inline constexpr std::ptrdiff_t MaximumFields = 100;
+
 /// The longest header of a request, request line included.
 inline constexpr std::size_t MaximumHeader = 64 * 1024;
 

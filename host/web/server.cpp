@@ -126,8 +126,8 @@ void Server::Impl::Accept() {
         asio::make_strand(io),
         asio::bind_executor(acceptor.get_executor(), [this](boost::system::error_code error, Socket socket) {
             if (error) return OnAcceptError(error);
-            OnAccepted(std::move(socket));
             Accept();
+            OnAccepted(std::move(socket));
         }));
 }
 

@@ -20,9 +20,12 @@ std::shared_ptr<ssl::context> MakeTlsContext(std::string const& certificate, std
     boost::system::error_code error;
     context->use_certificate_chain_file(certificate, error);
     if (error) throw std::runtime_error("certificate " + certificate + " cannot be used: " + error.message());
-    // This also finds out whether the key belongs to the certificate.
     context->use_private_key_file(privateKey, ssl::context::pem, error);
     if (error) throw std::runtime_error("private key " + privateKey + " cannot be used: " + error.message());
+    // Reading the key compares it with a certificate of its own type only.
+    if (SSL_CTX_check_private_key(context->native_handle()) != 1) {
+        throw std::runtime_error("private key " + privateKey + " does not belong to certificate " + certificate);
+    }
     return context;
 }
 

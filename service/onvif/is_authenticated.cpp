@@ -6,7 +6,9 @@
 #include <httpda.h>
 #include <soapH.h>
 
+#include <algorithm>
 #include <string>
+#include <string_view>
 
 namespace zarn::service::onvif {
 
@@ -14,13 +16,24 @@ namespace {
 
 constexpr int DigestBytes = 16;
 
+constexpr std::size_t LongestRealm = 128;
+
 bool IsEmpty(char const* text) { return !text || !*text; }
+
+/// Whether the digest plugin can write the realm into a header field as it is. gSOAP has decoded what the client sent,
+/// so that it may hold anything: the end of the quoted text, and of the line.
+bool IsWritable(std::string_view realm) {
+    return realm.size() <= LongestRealm && std::none_of(realm.begin(), realm.end(), [](unsigned char character) {
+               return character < ' ' || character == 0x7F || character == '"' || character == '\\';
+           });
+}
 
 } // namespace
 
 bool IsAuthenticated(soap* soap, ZarnAuthenticationEngine const* engine) {
     if (!ZarnAuthenticationIsEnabled(engine)) return true;
-    if (IsEmpty(soap->userid) || IsEmpty(soap->authrealm)) {
+    // The challenge to wrong credentials repeats the client's realm, if that can be done.
+    if (IsEmpty(soap->userid) || IsEmpty(soap->authrealm) || !IsWritable(soap->authrealm)) {
         soap->authrealm = authentication::Realm;
         return false;
     }

@@ -1,5 +1,6 @@
 #include "analytics.h"
 #include "device.h"
+#include "dispatch.h"
 #include "events.h"
 #include "media.h"
 #include "media2.h"
@@ -29,29 +30,6 @@ using web::response::Pending;
 namespace {
 
 using SharedResponse = std::shared_ptr<http::Response>;
-
-/// The interface that all five services have in common is a generated member function, not a base class.
-using Dispatcher = std::function<int()>;
-
-/// Reads the request from the context's input, lets the first service that knows its operation serve it, and writes the
-/// response or the fault to the context's output.
-void Dispatch(soap* soap, std::initializer_list<Dispatcher> dispatchers) {
-    int const status = soap_begin_serve(soap);
-    AnswerAddressing(soap);
-    if (status != SOAP_OK) {
-        soap_send_fault(soap);
-        return;
-    }
-    for (auto const& dispatch : dispatchers) {
-        int const result = dispatch();
-        if (result == SOAP_NO_METHOD) continue;
-        soap_send_fault(soap);
-        // The fault of an operation is written twice, on purpose; who reads the output takes the first response.
-        if (result != SOAP_OK) soap_send_fault(soap);
-        return;
-    }
-    soap_send_fault(soap);
-}
 
 /// The state in which the host is told to ask again.
 Pending::Data MakeNotReady() { return {http::response::Status::Provisional, {}, {web::response::State::NotReady, {}}}; }
@@ -97,9 +75,7 @@ public:
         soap->os = &output;
         soap->is = &input;
         input << request << std::endl;
-        Dispatch(soap, {[&] { return device.dispatch(); }, [&] { return events.dispatch(); },
-                        [&] { return media.dispatch(); }, [&] { return media2.dispatch(); },
-                        [&] { return analytics.dispatch(); }});
+        Dispatch(soap, device, events, media, media2, analytics);
 
         auto buffer = std::make_shared<container::Buffer>(std::move(output).str());
         return std::make_shared<http::Response>(http::Response::Parse(std::move(buffer)));

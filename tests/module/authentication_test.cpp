@@ -70,6 +70,19 @@ TEST_F(Authentication, LeavesTheRealmAsTheClientSentItWhenItsCredentialsAreWrong
     EXPECT_THAT(AskForUsers({.fields = {{"Authorization", wrong}}, .authenticated = false}), IsChallenge("elsewhere"));
 }
 
+TEST_F(Authentication, NeverWritesARealmThatWouldBreakTheChallenge) {
+    for (std::string const& realm :
+         {std::string("a%22%0d%0aSet-Cookie:%20x=1%0d%0aX:%22"), std::string("a%0aX:1"), std::string("%22"),
+          std::string("\"a\\\\b\""), std::string(129, 'a'), std::string(5000, 'a')}) {
+        auto const reply = AskForUsers(
+            {.fields = {{"Authorization", "Digest username=admin, realm=" + realm + ", nonce=1, uri=/, response=00"}},
+             .authenticated = false});
+        EXPECT_THAT(reply, IsChallenge(Realm)) << realm;
+        EXPECT_FALSE(reply.fields.contains("Set-Cookie"));
+        EXPECT_FALSE(reply.fields.contains("X"));
+    }
+}
+
 TEST_F(Authentication, ChallengesCredentialsThatAreNoDigest) {
     EXPECT_THAT(AskForUsers({.fields = {{"Authorization", "Basic YWRtaW46c2VjcmV0"}}, .authenticated = false}),
                 IsChallenge(Realm));
@@ -83,6 +96,23 @@ TEST_F(Authentication, DoesNotLookAtUsernameTokens) {
         R"(<wsse:Security s:mustUnderstand="1" xmlns:wsse="http://docs.oasis-open.org/wss/2004/01/oasis-200401-wss-wssecurity-secext-1.0.xsd">)"
         R"(<wsse:UsernameToken><wsse:Username>admin</wsse:Username><wsse:Password>secret</wsse:Password></wsse:UsernameToken></wsse:Security>)";
     EXPECT_THAT(AskForUsers({.header = token, .authenticated = false}), IsChallenge(Realm));
+}
+
+TEST_F(Authentication, KnowsTheOlderFormOfTheDigestAndNoOtherQualityThanAuth) {
+    auto const without = [](std::string text, std::string const& part) {
+        return text.erase(text.find(part), part.size());
+    };
+    auto const send = [&](std::string const& authorization) {
+        return AskForUsers({.fields = {{"Authorization", authorization}}, .authenticated = false});
+    };
+    auto const right = MakeAuthorization({});
+    auto integrity = right;
+    integrity.replace(integrity.find("qop=auth"), 8, "qop=auth-int");
+    EXPECT_THAT(send(integrity), IsChallenge(Realm));
+    EXPECT_THAT(send(without(right, "cnonce=\"fedcba98\", ")), IsChallenge(Realm));
+    EXPECT_THAT(send(without(right, "nonce=\"0123456789abcdef\", ")), IsChallenge(Realm));
+    EXPECT_THAT(send(without(right, "qop=auth, ")), IsChallenge(Realm)); // its answer was made with one
+    EXPECT_EQ(send(MakeOldAuthorization({})).status, 200);
 }
 
 /// A gated operation of the device and media services answers 401 before it does anything else.
@@ -120,7 +150,8 @@ INSTANTIATE_TEST_SUITE_P(All, OpenOperation,
                                          "<trt:GetServiceCapabilities/>", "<trt:GetProfiles/>",
                                          "<trt:GetVideoSourceConfigurations/>", "<trt:GetVideoEncoderConfigurations/>",
                                          "<tr2:GetServiceCapabilities/>", "<tr2:GetProfiles/>",
-                                         "<tev:GetServiceCapabilities/>", "<tan:GetServiceCapabilities/>"));
+                                         "<tev:GetServiceCapabilities/>", "<tev:SetSynchronizationPoint/>",
+                                         "<tan:GetServiceCapabilities/>"));
 
 } // namespace
 } // namespace zarn::test

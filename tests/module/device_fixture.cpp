@@ -12,6 +12,7 @@
 #include <array>
 #include <chrono>
 #include <sstream>
+#include <stdexcept>
 #include <thread>
 
 namespace zarn::test {
@@ -81,6 +82,14 @@ std::string MakeAuthorization(Sending const& sending, std::string const& method)
            "\", response=\"" + response + "\"";
 }
 
+std::string MakeOldAuthorization(Sending const& sending) {
+    std::string const nonce = "0123456789abcdef";
+    auto const ha1 = Md5(sending.user + ":" + authentication::Realm + ":" + sending.password);
+    return "Digest username=\"" + sending.user + "\", realm=\"" + authentication::Realm + "\", nonce=\"" + nonce +
+           "\", uri=\"" + sending.path + "\", response=\"" +
+           Md5(ha1 + ":" + nonce + ":" + Md5("POST:" + sending.path)) + "\"";
+}
+
 DeviceFixture::DeviceFixture()
     : videos{{"1", {{1920, 1080}, "video/x-h264", 25, 1}}, {"2", {{1280, 720}, "video/x-h265", 30000, 1001}}},
       channelInfo([this](std::string const& id) {
@@ -120,9 +129,11 @@ Reply DeviceFixture::Post(std::string const& body, Sending const& sending) {
     fields.emplace("Content-Type", "application/soap+xml; charset=utf-8");
     if (sending.authenticated) fields.emplace("Authorization", MakeAuthorization(sending));
     auto const pending = Manager().Post(std::make_shared<TestRequest>(sending.path, body, std::move(fields)));
+    auto const deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
     for (;;) {
         auto const data = pending->GetData();
         if (data.GetState() == web::response::State::NotReady) {
+            if (std::chrono::steady_clock::now() > deadline) throw std::runtime_error("no answer within a minute");
             std::this_thread::sleep_for(std::chrono::microseconds(100));
             continue;
         }

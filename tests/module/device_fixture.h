@@ -71,4 +71,7 @@ std::string Envelope(std::string const& body, std::string const& header = {});
 /// The value of an Authorization field that answers a challenge with right or wrong credentials.
 std::string MakeAuthorization(Sending const& sending, std::string const& method = "POST");
 
+/// The same in the older form, which has neither a quality of protection nor a nonce of the client (RFC 2069).
+std::string MakeOldAuthorization(Sending const& sending);
+
 } // namespace zarn::test

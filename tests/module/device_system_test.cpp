@@ -57,7 +57,7 @@ std::vector<int> Told(std::chrono::sys_seconds moment) {
 }
 
 TEST(MakeSystemDateTime, TellsTheLastSecondOfAYearInUtcWhateverTheTimeZoneOfTheHost) {
-    setenv("TZ", "Pacific/Auckland", 1);
+    setenv("TZ", "NZST-12", 1);
     tzset();
     EXPECT_THAT(Told(std::chrono::sys_days(2025y / 12 / 31) + 23h + 59min + 59s),
                 ElementsAre(2025, 12, 31, 23, 59, 59));

@@ -48,10 +48,26 @@ bool HasSession(GstRTSPClient* client) {
     return count > 0;
 }
 
-/// One whose media go over UDP would outlive its connection.
-void EndSessions(GstRTSPClient* client) {
+/// GStreamer keeps sessions for a while when their connection goes.
+void EndSessions(GstRTSPClient* client, GstRTSPClientSessionFilterFunc remove) {
     ObjectHandle<GstRTSPSessionPool> const sessions(gst_rtsp_client_get_session_pool(client));
-    gst_rtsp_client_session_filter(client, RemoveSession, sessions.get());
+    gst_rtsp_client_session_filter(client, remove, sessions.get());
+}
+
+GstRTSPFilterResult FindUdp(GstRTSPSession*, GstRTSPSessionMedia* media, gpointer isFound) {
+    auto* const transport = gst_rtsp_session_media_get_transport(media, 0);
+    if (transport == nullptr || gst_rtsp_session_media_get_rtsp_state(media) != GST_RTSP_STATE_PLAYING) return GST_RTSP_FILTER_KEEP;
+    if (gst_rtsp_stream_transport_get_transport(transport)->lower_transport == GST_RTSP_LOWER_TRANS_UDP) {
+        *static_cast<bool*>(isFound) = true;
+    }
+    return GST_RTSP_FILTER_KEEP;
+}
+
+/// A client that gets video over UDP may come back to its session (RFC 2326, 1.1); its time runs out if it does not.
+GstRTSPFilterResult RemoveUnlessUdp(GstRTSPClient* client, GstRTSPSession* session, gpointer sessions) {
+    bool hasUdp = false;
+    gst_rtsp_session_filter(session, FindUdp, &hasUdp);
+    return hasUdp ? GST_RTSP_FILTER_KEEP : RemoveSession(client, session, sessions);
 }
 
 } // namespace
@@ -98,6 +114,7 @@ void Connections::Add(GstRTSPClient* client) {
 }
 
 void Connections::OnClosed(GstRTSPClient* client, gpointer shared) {
+    EndSessions(client, RemoveUnlessUdp);
     auto& state = **static_cast<std::shared_ptr<State>*>(shared);
     std::scoped_lock const lock(state.mutex);
     state.entries.erase(client);
@@ -132,7 +149,7 @@ std::vector<Connections::Client> Connections::FindViewers(std::string const& pat
 
 void Connections::End(std::vector<Client> const& clients) {
     for (auto const& client : clients) {
-        EndSessions(client.get());
+        EndSessions(client.get(), RemoveSession);
         std::scoped_lock const lock(state->mutex);
         auto const found = state->entries.find(client.get());
         if (found != state->entries.end()) found->second.socket->ShutDown();

@@ -35,6 +35,7 @@ constexpr std::chrono::milliseconds EndTimeout{600};
 
 constexpr guint LookSeconds = 2;
 constexpr guint MaximumBody = 64 * 1024;
+constexpr guint MaximumSessions = 2 * Connections::Maximum; // some wait for their connection to come back
 constexpr gint ThreadPerConnection = -1;
 
 logging::Logger const& Log() {
@@ -96,7 +97,7 @@ public:
         ObjectHandle<GstRTSPThreadPool> const threads(gst_rtsp_server_get_thread_pool(server.get()));
         gst_rtsp_thread_pool_set_max_threads(threads.get(), ThreadPerConnection);
         sessions.reset(gst_rtsp_server_get_session_pool(server.get()));
-        gst_rtsp_session_pool_set_max_sessions(sessions.get(), Connections::Maximum);
+        gst_rtsp_session_pool_set_max_sessions(sessions.get(), MaximumSessions);
         mounts.reset(gst_rtsp_server_get_mount_points(server.get()));
         gst_rtsp_server_set_content_length_limit(server.get(), MaximumBody);
         gst_rtsp_server_set_service(server.get(), std::to_string(port).c_str());

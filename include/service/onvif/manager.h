@@ -53,7 +53,7 @@ public:
     void UpdateSSLState(bool enabled);
 
 private:
-    class Impl;
+    class __attribute__((visibility("hidden"))) Impl;
     std::unique_ptr<Impl> impl;
 };
 

@@ -72,8 +72,9 @@ public:
     /// while one thread is in the callback, events of other threads are left to it, and so are those of changes that
     /// the callback makes itself. Waiting event::Changed of the same node become one.
     ///
-    /// What the callback throws comes out of the call that made the change (or out of Bind), after the change is
-    /// complete and every other callback has been called; of several, the first.
+    /// What the callback throws comes out of the call that delivered to it (Bind, or the call that made the change,
+    /// unless another thread was in the callback already), after the change is complete and every other callback has
+    /// been called; of several, the first.
     ///
     /// When the release of the binding returns, the callback is not running and never will again, and its captures are
     /// destroyed. The release waits for a callback that is running on another thread, so it must hold no lock which

@@ -83,7 +83,9 @@ private:
         // What cannot be written cannot be quoted as JSON either.
         if (!Conversion<T>::IsWritable(value))
             throw Error(path, std::string("the value is not ") + Conversion<T>::Rule);
-        if (rule.accepts && !rule.accepts(value)) throw Refusal(path, Quote(Conversion<T>::WriteJson(value)));
+        if (rule.accepts && !rule.accepts(value))
+            throw Refusal(path, rule.show ? Quote(std::string_view(rule.show(value)))
+                                          : Quote(Conversion<T>::WriteJson(value)));
     }
 
     Error Refusal(std::string const& path, std::string const& quoted) const {

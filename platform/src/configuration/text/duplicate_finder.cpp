@@ -1,6 +1,7 @@
 #include "configuration/text/duplicate_finder.h"
 
 #include "configuration/node/key.h"
+#include "configuration/schema/quote.h"
 
 #include <boost/json/basic_parser_impl.hpp>
 
@@ -79,7 +80,11 @@ public:
     /// The path of the key that was read last.
     std::string GetPath() const {
         std::string path;
-        for (auto const& object : objects) path = node::JoinPath(path, object.current);
+        for (auto const& object : objects) {
+            // Whatever is no key may be of any length and hold any character.
+            auto const& current = object.current;
+            path = node::JoinPath(path, node::IsKey(current) ? current : schema::Quote(current));
+        }
         return path;
     }
 

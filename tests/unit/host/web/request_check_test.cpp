@@ -50,6 +50,21 @@ TEST(RequestCheck, WantsTheLengthOfContent) {
     EXPECT_EQ(Check("PUT /a HTTP/1.1\r\nHost: h\r\n"), 411U);
 }
 
+TEST(RequestCheck, BoundsTheNumberOfFields) {
+    auto const request = [](int fields) {
+        auto header = Get;
+        for (int i = 1; i < fields; ++i) header += "a: b\r\n";
+        return header;
+    };
+    EXPECT_EQ(Check(request(100)), 0U);
+    EXPECT_EQ(Check(request(101)), 431U);
+}
+
+TEST(RequestCheck, TakesNoTransferCodingButChunkedAndNoneInHttp10) {
+    EXPECT_EQ(Check(Post + "Transfer-Encoding: gzip, chunked\r\n"), 400U);
+    EXPECT_EQ(Check("POST /a HTTP/1.0\r\nTransfer-Encoding: chunked\r\n"), 400U);
+}
+
 TEST(RequestCheck, BoundsTargetAndHostTogether) {
     auto const request = [](std::size_t target, std::size_t host) {
         return "GET /" + std::string(target - 1, 'a') + " HTTP/1.1\r\nHost: " + std::string(host, 'h') + "\r\n";

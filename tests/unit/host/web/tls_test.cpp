@@ -56,6 +56,15 @@ TEST(Tls, RefusesAKeyOfAnotherCertificate) {
     EXPECT_THAT(GetError(one.certificate, two.key), AllOf(HasSubstr("two.key"), HasSubstr("mismatch")));
 }
 
+TEST(Tls, RefusesAKeyOfAnotherKindThanTheCertificates) {
+    TemporaryFolder const folder;
+    Certificate const files(folder);
+    tests::host::Process openssl({"openssl", "genrsa", "-out", folder / "other", "2048"});
+    ASSERT_EQ(openssl.Wait(std::chrono::seconds(20)), 0);
+    EXPECT_THAT(GetError(files.certificate, folder / "other"),
+                AllOf(HasSubstr("/other"), HasSubstr("does not belong")));
+}
+
 TEST(Tls, RefusesAKeyThatIsProtectedByAPassword) {
     TemporaryFolder const folder;
     Certificate const files(folder);

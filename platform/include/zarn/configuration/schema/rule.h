@@ -17,6 +17,9 @@ struct Rule {
     /// Whether a value is accepted; empty accepts all values of the type. Must be callable on any thread and must not
     /// use the configuration.
     std::function<bool(T const&)> accepts;
+
+    /// How a refused value is shown, for values that may hold something secret; empty shows it as it is. As `accepts`.
+    std::function<std::string(T const&)> show = {};
 };
 
 } // namespace zarn::configuration::schema

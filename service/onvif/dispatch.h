@@ -1,0 +1,28 @@
+#pragma once
+
+#include "soap_context.h"
+
+#include <soapH.h>
+
+namespace zarn::service::onvif {
+
+/// Reads the request from the context's input, lets the first service that knows its operation serve it, and writes the
+/// response or the fault to the context's output.
+/// services  in the order in which they are asked; each has gSOAP's generated `int dispatch()`
+/// Thread: the one that runs the context's exchange.
+template <class... Services>
+void Dispatch(soap* soap, Services&... services) {
+    int status = soap_begin_serve(soap);
+    AnswerAddressing(soap);
+    if (status != SOAP_OK) {
+        soap_send_fault(soap);
+        return;
+    }
+    status = SOAP_NO_METHOD;
+    (void)(((status = services.dispatch()) == SOAP_NO_METHOD) && ...);
+    soap_send_fault(soap);
+    // The fault of an operation is written twice, on purpose; who reads the output takes the first response.
+    if (status != SOAP_OK && status != SOAP_NO_METHOD) soap_send_fault(soap);
+}
+
+} // namespace zarn::service::onvif
