@@ -56,7 +56,8 @@ void EndSessions(GstRTSPClient* client, GstRTSPClientSessionFilterFunc remove) {
 
 GstRTSPFilterResult FindUdp(GstRTSPSession*, GstRTSPSessionMedia* media, gpointer isFound) {
     auto* const transport = gst_rtsp_session_media_get_transport(media, 0);
-    if (transport == nullptr || gst_rtsp_session_media_get_rtsp_state(media) != GST_RTSP_STATE_PLAYING) return GST_RTSP_FILTER_KEEP;
+    if (transport == nullptr || gst_rtsp_session_media_get_rtsp_state(media) != GST_RTSP_STATE_PLAYING)
+        return GST_RTSP_FILTER_KEEP;
     if (gst_rtsp_stream_transport_get_transport(transport)->lower_transport == GST_RTSP_LOWER_TRANS_UDP) {
         *static_cast<bool*>(isFound) = true;
     }

@@ -1,7 +1,5 @@
 #include "exchange.h"
 
-#include <regex>
-
 namespace zarn::bindings {
 
 void ContextDeleter::operator()(soap* context) const {
@@ -36,8 +34,14 @@ std::string Outcome::Body() const {
 }
 
 std::string WithoutNamespaces(std::string text) {
-    static std::regex const declarations(R"(<\?xml[^>]*\?>\s*| xmlns(:[\w-]+)?="[^"]*")");
-    return std::regex_replace(text, declarations, "");
+    if (text.starts_with("<?xml")) {
+        text.erase(0, text.find('<', 1));
+    }
+    for (auto begin = text.find(" xmlns"); begin != std::string::npos; begin = text.find(" xmlns", begin)) {
+        auto const value = text.find('"', begin);
+        text.erase(begin, text.find('"', value + 1) + 1 - begin);
+    }
+    return text;
 }
 
 } // namespace zarn::bindings

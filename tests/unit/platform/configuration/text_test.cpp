@@ -43,6 +43,7 @@ TEST(ConfigurationText, RefusesAKeyThatOccursTwice) {
     EXPECT_EQ(ParseError("{\"channels\": {\n\"1\": {\"n\": 1},\n\"1\": {}}}"),
               "channels.1: line 3, column 3: the key occurs twice");
     EXPECT_THAT(ParseError(R"({"a": [{"b": 1, "\u0062": 2}]})"), testing::StartsWith("a.b: "));
+    EXPECT_THAT(ParseError("{\"a\\n\": 1, \"a\\n\": 2}"), testing::StartsWith("\"a\\n\": "));
     EXPECT_NO_THROW(Parse(R"({"a": {"b": 1}, "b": {"b": [{"a": 1}, {"a": 1}]}})"));
 }
 

@@ -8,8 +8,8 @@
 
 namespace zarn::protocol::network::http {
 
-MessageReader::MessageReader(std::string_view text, std::size_t maximumLine, std::size_t maximumHeader) noexcept
-    : text(text), maximumLine(maximumLine), maximumHeader(maximumHeader) {}
+MessageReader::MessageReader(std::string_view text, MessageBounds const& bounds) noexcept
+    : text(text), bounds(bounds) {}
 
 void MessageReader::StartHeader() noexcept { header = 0; }
 
@@ -17,14 +17,14 @@ std::string_view MessageReader::ReadLine() {
     constexpr std::string_view LineEnd = "\r\n";
     ++line;
     // Looking no further than the bound keeps a long body without line ends cheap.
-    auto const end = text.substr(0, maximumLine + LineEnd.size()).find(LineEnd);
+    auto const end = text.substr(0, bounds.line + LineEnd.size()).find(LineEnd);
     if (end == std::string_view::npos) {
-        if (text.size() < maximumLine + LineEnd.size()) throw ParseError(Where() + "the text ends within the line");
-        throw ParseError(Where() + "longer than " + std::to_string(maximumLine) + " bytes");
+        if (text.size() < bounds.line + LineEnd.size()) throw ParseError(Where() + "the text ends within the line");
+        throw ParseError(Where() + "longer than " + std::to_string(bounds.line) + " bytes");
     }
     header += end + LineEnd.size();
-    if (header > maximumHeader) {
-        throw ParseError(Where() + "the header is longer than " + std::to_string(maximumHeader) + " bytes");
+    if (header > bounds.header) {
+        throw ParseError(Where() + "the header is longer than " + std::to_string(bounds.header) + " bytes");
     }
     auto const content = text.substr(0, end);
     text.remove_prefix(end + LineEnd.size());
@@ -42,6 +42,9 @@ FieldList MessageReader::ReadFields() {
         if (!IsToken(name)) throw ParseError(Where() + "the name of the header field is not a token");
         if (value.find_first_of(Forbidden) != std::string_view::npos) {
             throw ParseError(Where() + "the header field " + std::string(name) + " holds a CR, LF or NUL");
+        }
+        if (fields.size() == bounds.fields) {
+            throw ParseError(Where() + "more than " + std::to_string(bounds.fields) + " header fields");
         }
         fields.emplace_back(name, value);
     }

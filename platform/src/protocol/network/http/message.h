@@ -11,12 +11,17 @@ namespace zarn::protocol::network::http {
 /// Header fields as they stand in a message, repeated ones one by one; views of the message.
 using FieldList = std::vector<std::pair<std::string_view, std::string_view>>;
 
+/// What a message may not exceed.
+struct MessageBounds {
+    std::size_t line;   ///< bytes of one line without its end
+    std::size_t header; ///< bytes of the lines between two calls of StartHeader
+    std::size_t fields; ///< number of fields that ReadFields takes
+};
+
 /// Takes parts from the front of a message, within bounds. What is wrong is thrown as ParseError with the line number.
 class MessageReader {
 public:
-    /// maximumLine    of one line without its end, in bytes
-    /// maximumHeader  of the lines between two calls of StartHeader, in bytes
-    MessageReader(std::string_view text, std::size_t maximumLine, std::size_t maximumHeader) noexcept;
+    MessageReader(std::string_view text, MessageBounds const& bounds) noexcept;
 
     /// The bound on the header counts from here.
     void StartHeader() noexcept;
@@ -38,8 +43,7 @@ public:
 
 private:
     std::string_view text; ///< not read yet
-    std::size_t const maximumLine;
-    std::size_t const maximumHeader;
+    MessageBounds const bounds;
     std::size_t header = 0; ///< bytes of the header so far
     std::size_t line = 0;
 };

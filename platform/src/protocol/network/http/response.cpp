@@ -61,7 +61,7 @@ Response::Response(Status status, std::map<std::string, std::string> fields, std
 
 Response Response::Parse(std::shared_ptr<container::Buffer> buffer) {
     if (buffer == nullptr || buffer->GetSize() == 0) throw ParseError("the response is empty");
-    MessageReader reader(buffer->ToStringView(), MaximumLineLength, MaximumHeaderLength);
+    MessageReader reader(buffer->ToStringView(), {MaximumLineLength, MaximumHeaderLength, MaximumFields});
     for (;;) {
         reader.StartHeader();
         auto const status = ReadStatusLine(reader);

@@ -17,9 +17,11 @@ namespace zarn::protocol::network::http {
 /// An HTTP response with its body already decoded.
 class Response {
 public:
-    /// Bounds of Parse, in bytes: a status or field line without its line end, and the header of one response.
+    /// Bounds of Parse: bytes of a status or field line without its line end, bytes and fields of the header of one
+    /// response.
     static constexpr std::size_t MaximumLineLength = 8191;
     static constexpr std::size_t MaximumHeaderLength = 65536;
+    static constexpr std::size_t MaximumFields = 256;
 
     Response(response::Status status, std::map<std::string, std::string> fields, std::string body);
 

@@ -172,6 +172,13 @@ TEST(HttpResponse, BoundsTheHeader) {
     EXPECT_EQ(ErrorOf(start + fields + field + "\r\n"), "line 65: the header is longer than 65536 bytes");
 }
 
+TEST(HttpResponse, BoundsTheNumberOfFields) {
+    std::string fields = "HTTP/1.1 200 OK\r\n";
+    for (std::size_t count = 0; count < Response::MaximumFields; ++count) fields += "A:\r\n";
+    EXPECT_EQ(ErrorOf(fields + "\r\n"), "accepted");
+    EXPECT_EQ(ErrorOf(fields + "A:\r\n\r\n"), "line 258: more than 256 header fields");
+}
+
 TEST(HttpResponse, BoundsTheHeaderNotTheBody) {
     std::string const body(2 * Response::MaximumHeaderLength, 'x');
     EXPECT_EQ(Parse("HTTP/1.1 200 OK\r\n\r\n" + body).GetBody(), body);
