@@ -55,8 +55,7 @@ Rule<std::uint32_t> Number(std::uint32_t least, std::uint32_t most) {
 
 Rule<std::string> Source() {
     return {"a source of video (test:PATTERN, rtsp://HOST/PATH, v4l2:/dev/videoN or the path of a file)",
-            [](std::string const& text) { return !video::CheckSource(text); },
-            [](std::string const& text) { return video::WithoutSecrets(text); }};
+            [](std::string const& text) { return !video::CheckSource(text); }, true};
 }
 
 Rule<std::string> FrameRate() {

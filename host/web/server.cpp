@@ -54,11 +54,11 @@ void Turn(Socket socket) {
 
 class Server::Impl {
 public:
-    Impl(asio::io_context& io, Listener listener, Router router, Options options)
+    Impl(asio::io_context& io, Listener listener, Router router, Options const& options)
         : io(io),
           acceptor(listener.Release()),
-          tls(std::move(options.tls)),
-          admission(std::move(options.admission)),
+          tls(options.tls),
+          admission(options.admission),
           ticker(io),
           dispatcher(std::move(router), ticker, *admission),
           context(std::make_shared<ConnectionContext>(dispatcher, options.limits)),
@@ -69,7 +69,16 @@ public:
             Accept();
             Sweep();
         });
-        for (unsigned i = 0; i < std::max(options.threads, 1U); ++i) threads.emplace_back([this] { Run(); });
+    }
+
+    ~Impl() { Stop(0ms); }
+
+    Impl(Impl const&) = delete;
+    Impl& operator=(Impl const&) = delete;
+
+    /// To be called once. Throws std::system_error when a thread cannot be started.
+    void StartThreads(unsigned count) {
+        for (unsigned i = 0; i < count; ++i) threads.emplace_back([this] { Run(); });
     }
 
     void SetLimits(Limits const& limits) { context->SetLimits(limits); }
@@ -218,9 +227,11 @@ void Server::Impl::Stop(std::chrono::milliseconds grace) {
 }
 
 Server::Server(asio::io_context& io, Listener listener, Router router, Options options)
-    : impl(std::make_unique<Impl>(io, std::move(listener), std::move(router), std::move(options))) {}
+    : impl(std::make_unique<Impl>(io, std::move(listener), std::move(router), options)) {
+    impl->StartThreads(std::max(options.threads, 1U));
+}
 
-Server::~Server() { impl->Stop(0ms); }
+Server::~Server() = default;
 
 void Server::SetLimits(Limits const& limits) { impl->SetLimits(limits); }
 

@@ -50,11 +50,13 @@ TEST(Start, PrintsOneLineWhenEverythingIsUp) {
 }
 
 TEST(Start, LeavesAPortOfZeroInTheFileAndCarriesTheBoundOneInTheTree) {
-    HostProcess const host;
+    HostProcess const host({.arguments = {"--set", "settings.authentication.enabled=false"}});
     auto const uri = RawConnection(host.GetPort()).Exchange(MakeSoapRequest("GetCapabilities")).body;
     EXPECT_THAT(uri, HasSubstr(":" + std::to_string(host.GetPort()) + "/onvif/device_service"));
     EXPECT_THAT(host.GetFolder().Read("config.json"), HasSubstr(R"("web_port": 0)"));
     EXPECT_NE(host.GetRtspPort(), 0);
+    EXPECT_THAT(RawConnection(host.GetPort()).Exchange(MakeSoapRequest("GetNetworkProtocols")).body,
+                HasSubstr("<tt:Port>" + std::to_string(host.GetRtspPort()) + "</tt:Port>"));
 }
 
 TEST(Start, WritesTheDefaultConfigurationWhenThereIsNone) {
@@ -188,7 +190,7 @@ INSTANTIATE_TEST_SUITE_P(
         Misstart{"BadSource",
                  R"({"channels": {"1": {"source": "test:nope"}}})",
                  {},
-                 "config.json: channels.1.source: \"test:nope\" is not"},
+                 "config.json: channels.1.source: the value is not a source"},
         Misstart{"BadRate",
                  R"({"channels": {"1": {"video": {"rate": "fast"}}}})",
                  {},

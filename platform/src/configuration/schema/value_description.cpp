@@ -72,7 +72,7 @@ private:
 
     static T const& Get(object::Object const& value) { return value.As<object::Primitive<T>>().Get(); }
 
-    bool IsSecret() const noexcept { return GetOptions().Has(Option::WriteOnly); }
+    bool IsSecret() const noexcept { return rule.secret || GetOptions().Has(Option::WriteOnly); }
 
     Value Accept(std::string const& path, T value) const {
         CheckValue(path, value);
@@ -83,9 +83,7 @@ private:
         // What cannot be written cannot be quoted as JSON either.
         if (!Conversion<T>::IsWritable(value))
             throw Error(path, std::string("the value is not ") + Conversion<T>::Rule);
-        if (rule.accepts && !rule.accepts(value))
-            throw Refusal(path, rule.show ? Quote(std::string_view(rule.show(value)))
-                                          : Quote(Conversion<T>::WriteJson(value)));
+        if (rule.accepts && !rule.accepts(value)) throw Refusal(path, Quote(Conversion<T>::WriteJson(value)));
     }
 
     Error Refusal(std::string const& path, std::string const& quoted) const {

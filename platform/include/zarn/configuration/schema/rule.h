@@ -18,8 +18,8 @@ struct Rule {
     /// use the configuration.
     std::function<bool(T const&)> accepts;
 
-    /// How a refused value is shown, for values that may hold something secret; empty shows it as it is. As `accepts`.
-    std::function<std::string(T const&)> show = {};
+    /// Whether values may hold something secret, so that a refused one is not shown.
+    bool secret = false;
 };
 
 } // namespace zarn::configuration::schema
