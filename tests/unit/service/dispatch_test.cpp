@@ -23,7 +23,7 @@ protected:
             return result == SOAP_FAULT ? NotSupported(soap) : soap->error = result;
         }
 
-        soap* soap;
+        struct soap* soap;
         std::vector<int>* calls;
         int name;
         int result;
