@@ -59,7 +59,7 @@ private:
     bool GiveToIdle(Job& job);
     void Start(Job& first);
     void Work(Job first);
-    void Run(Job job) noexcept;
+    void Run(Job&& taken) noexcept;
     void Report(std::string_view what) noexcept;
     bool WaitForJob(std::unique_lock<std::mutex>& lock, Worker& worker);
 
@@ -151,7 +151,7 @@ void DynamicThreadPool::Impl::Work(Job first) {
     std::unique_lock lock(mutex, std::defer_lock);
     do {
         if (lock.owns_lock()) lock.unlock();
-        if (worker.job) Run(std::exchange(worker.job, nullptr));
+        if (worker.job) Run(std::move(worker.job));
         lock.lock();
     } while (WaitForJob(lock, worker));
     auto const previous = std::exchange(last, GetCurrentThread());
@@ -162,7 +162,8 @@ void DynamicThreadPool::Impl::Work(Job first) {
 }
 
 /// Runs the job and destroys it. This is the boundary for what jobs throw.
-void DynamicThreadPool::Impl::Run(Job job) noexcept {
+void DynamicThreadPool::Impl::Run(Job&& taken) noexcept {
+    auto const job = std::exchange(taken, nullptr);
     try {
         job();
     } catch (std::exception const& exception) {

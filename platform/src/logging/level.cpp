@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <ranges>
 
 namespace zarn::logging {
 
@@ -13,17 +12,17 @@ struct Row {
     std::string_view name;
 };
 
+/// From the highest level down.
 constexpr std::array Rows{
-    Row{Level::Trace, "trace"},     Row{Level::Debug, "debug"}, Row{Level::Info, "info"},
-    Row{Level::Warning, "warning"}, Row{Level::Error, "error"}, Row{Level::Critical, "critical"},
+    Row{Level::Critical, "critical"}, Row{Level::Error, "error"}, Row{Level::Warning, "warning"},
+    Row{Level::Info, "info"},         Row{Level::Debug, "debug"}, Row{Level::Trace, "trace"},
 };
 
 } // namespace
 
 std::string_view ToString(Level level) noexcept {
-    auto const descending = Rows | std::views::reverse;
-    auto const row = std::ranges::find_if(descending, [level](Row const& each) { return each.level <= level; });
-    return row == descending.end() ? Rows.front().name : row->name;
+    auto const* row = std::ranges::find_if(Rows, [level](Row const& each) { return each.level <= level; });
+    return row == Rows.end() ? Rows.back().name : row->name;
 }
 
 std::optional<Level> LevelFromString(std::string_view name) noexcept {

@@ -32,7 +32,7 @@ std::string MakeAllow(std::vector<Service::Method> const& allowed) {
 
 } // namespace
 
-Service::Service(std::vector<Method> allowed) : allow(MakeAllow(allowed)) {}
+Service::Service(std::vector<Method> const& allowed) : allow(MakeAllow(allowed)) {}
 
 Service::~Service() = default;
 
@@ -44,6 +44,8 @@ Service::Response Service::Process(std::shared_ptr<Request> request) {
     return (this->*operation->process)(std::move(request));
 }
 
+// By value, for the services that keep the request beyond the call.
+// NOLINTBEGIN(performance-unnecessary-value-param)
 Service::Response Service::Get(std::shared_ptr<Request> /*request*/) { return NotAllowed(); }
 
 Service::Response Service::Put(std::shared_ptr<Request> /*request*/) { return NotAllowed(); }
@@ -61,6 +63,8 @@ Service::Response Service::Options(std::shared_ptr<Request> /*request*/) {
 }
 
 Service::Response Service::Connect(std::shared_ptr<Request> /*request*/) { return NotAllowed(); }
+
+// NOLINTEND(performance-unnecessary-value-param)
 
 Service::Response Service::NotAllowed() const {
     return response::MakeComplete(Status::MethodNotAllowed, {{"Allow", allow}});

@@ -11,7 +11,7 @@
 namespace zarn::logging {
 
 /// The longest text of a log line in bytes; what is longer is cut and says so.
-inline constexpr std::size_t MaximumLineLength = 16 * 1024;
+inline constexpr std::size_t MaximumLineLength = std::size_t{16} * 1024;
 
 /// Sets the least level that is written to standard error. Default: Level::Info. Thread: any.
 void SetLevel(Level least) noexcept;

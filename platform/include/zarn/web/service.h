@@ -20,7 +20,7 @@ public:
 
     /// allowed  what the field Allow names, beside OPTIONS; a service of this interface is a SOAP endpoint unless it
     /// says otherwise
-    explicit Service(std::vector<Method> allowed = {Method::Post});
+    explicit Service(std::vector<Method> const& allowed = {Method::Post});
 
     virtual ~Service();
     Service(Service const&) = delete;

@@ -75,6 +75,7 @@ TEST(DynamicThreadPoolStop, IsHarmlessAtTheSameTime) {
     std::atomic<int> ran = 0;
     for (int count = 0; count < 10; ++count) pool.Post([&] { ++ran; });
     std::vector<std::thread> threads;
+    threads.reserve(4);
     for (int number = 0; number < 4; ++number) {
         threads.emplace_back([&] {
             pool.Stop();
@@ -122,6 +123,7 @@ TEST(DynamicThreadPoolStop, LosesNoJobThatWasTakenWhileItStopped) {
         std::atomic<int> ran = 0;
         DynamicThreadPool pool(1, 0s);
         std::vector<std::thread> posting;
+        posting.reserve(3);
         for (int number = 0; number < 3; ++number) {
             posting.emplace_back([&] {
                 try {

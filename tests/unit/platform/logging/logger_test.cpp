@@ -90,6 +90,7 @@ TEST_F(LoggerTest, TakesLinesFromManyThreads) {
     SetLevel(Level::Critical);
     Capture const capture(Level::Info);
     std::vector<std::thread> threads;
+    threads.reserve(4);
     for (int number = 0; number < 4; ++number) {
         threads.emplace_back([this, number] {
             for (int count = 0; count < 100; ++count) logger.Log(Level::Info, "%0%", number);

@@ -79,6 +79,7 @@ TEST_F(LocalAddressTest, FollowsAChangeAtOnce) {
 TEST(GetLocalIPAddress, IsTheSameOnManyThreads) {
     auto const expected = GetLocalIPAddress();
     std::vector<std::thread> threads;
+    threads.reserve(4);
     for (int number = 0; number < 4; ++number) {
         threads.emplace_back([expected] {
             for (int count = 0; count < 100; ++count) EXPECT_EQ(GetLocalIPAddress(), expected);
@@ -87,6 +88,7 @@ TEST(GetLocalIPAddress, IsTheSameOnManyThreads) {
     for (auto& thread : threads) thread.join();
 }
 
+#ifndef ZARN_SANITIZED // which need descriptors of their own to look at objects
 TEST(GetLocalIPAddress, IsLoopbackWithoutASocketToAskWith) {
     rlimit before{};
     ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
@@ -97,6 +99,7 @@ TEST(GetLocalIPAddress, IsLoopbackWithoutASocketToAskWith) {
     ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
     EXPECT_EQ(address, "127.0.0.1");
 }
+#endif
 
 TEST(GetLocalIPAddress, LeavesNoDescriptorOpen) {
     int const before = dup(0);

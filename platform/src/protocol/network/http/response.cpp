@@ -59,7 +59,7 @@ std::map<std::string, std::string> Join(FieldList const& list) {
 Response::Response(Status status, std::map<std::string, std::string> fields, std::string body)
     : status(status), fields(std::move(fields)), body(std::move(body)) {}
 
-Response Response::Parse(std::shared_ptr<container::Buffer> buffer) {
+Response Response::Parse(std::shared_ptr<container::Buffer> const& buffer) {
     if (buffer == nullptr || buffer->GetSize() == 0) throw ParseError("the response is empty");
     MessageReader reader(buffer->ToStringView(), {MaximumLineLength, MaximumHeaderLength, MaximumFields});
     for (;;) {

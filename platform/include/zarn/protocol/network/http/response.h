@@ -29,7 +29,7 @@ public:
     /// Interim responses (1xx) are skipped. The body is what Transfer-Encoding (chunked only) says, else what
     /// Content-Length says, else everything to the end; 204 and 304 have none. Source: RFC 9112.
     /// Throws ParseError when the text is not such a response or ends before the body does.
-    static Response Parse(std::shared_ptr<container::Buffer> buffer);
+    static Response Parse(std::shared_ptr<container::Buffer> const& buffer);
 
     response::Status GetStatusCode() const noexcept { return status; }
 
