@@ -54,6 +54,7 @@ tt__OnvifVersion* MakeVersion(soap* soap, int major, int minor) {
 
 _tds__Service_Capabilities* MakeServiceCapabilitiesElement(soap* soap, ServiceRow const& row) {
     return Filled(soap_new__tds__Service_Capabilities(soap), [&](_tds__Service_Capabilities& capabilities) {
+        capabilities.__any.soap = soap; // which owns the name
         soap_elt_set(&capabilities.__any, nullptr, row.capabilitiesElement);
         row.attachCapabilities(soap, capabilities.__any);
     });

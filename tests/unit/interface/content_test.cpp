@@ -22,6 +22,7 @@ protected:
         tds__Service service;
         service.Version = soap_new_tt__OnvifVersion(context.get());
         service.Capabilities = soap_new__tds__Service_Capabilities(context.get());
+        service.Capabilities->__any.soap = context.get();
         soap_elt_set(&service.Capabilities->__any, nullptr, name);
         soap_elt_node(&service.Capabilities->__any, capabilities, type);
         auto const text = Written(service);
@@ -95,6 +96,7 @@ protected:
         item.Value = "Tür <1>";
         source.SimpleItem.push_back(item);
         topic.Dialect = "http://www.onvif.org/ver10/tev/topicExpression/ConcreteSet";
+        topic.__mixed.soap = context.get();
         soap_elt_text(&topic.__mixed, "tns1:RuleEngine/LineDetector/Crossed");
         holder.Topic = &topic;
     }
@@ -107,6 +109,7 @@ protected:
 };
 
 TEST_F(Notification, IsATopicAndAMessageThatIsNamedByHand) {
+    holder.Message.__any.soap = context.get();
     soap_elt_set(&holder.Message.__any, nullptr, "tt:Message");
     soap_elt_node(&holder.Message.__any, &message, SOAP_TYPE_tt__Message);
     EXPECT_EQ(Written(holder), NotificationText);
