@@ -4,12 +4,14 @@
 #include "uri_base.h"
 
 #include <zarn/configuration/node/root.h>
+#include <zarn/network/device.h>
 #include <zarn/utilities/name/config.h>
 
 #include <soapDeviceBindingService.h>
 
 #include <chrono>
 #include <memory>
+#include <vector>
 
 class ZarnAuthenticationEngine;
 
@@ -25,6 +27,11 @@ inline constexpr char AnalyticsServicePath[] = "/analytics_service";
 /// The device clock as GetSystemDateAndTime reports it: UTC, no zone, no local time. Null without memory.
 /// now  seconds since the epoch, UTC
 tt__SystemDateTime* MakeSystemDateTime(soap* soap, std::chrono::sys_seconds now);
+
+/// The devices that have an IPv4 address as GetNetworkInterfaces reports them, in their order. One for which there is
+/// no memory is left out.
+std::vector<tt__NetworkInterface*> MakeNetworkInterfaces(soap* soap,
+                                                         std::vector<std::shared_ptr<network::Device>> const& devices);
 
 /// The ONVIF Device service (ver10/device/wsdl): what the device is, where its services are, clock, network, users.
 /// Reports the host as it is and changes nothing. Lives for one request, on that request's context and thread.

@@ -3,7 +3,6 @@
 #include "filled.h"
 #include "is_authenticated.h"
 
-#include <zarn/network/device.h>
 #include <zarn/network/local.h>
 
 #include <chrono>
@@ -62,6 +61,24 @@ tt__SystemDateTime* MakeSystemDateTime(soap* soap, std::chrono::sys_seconds now)
     });
 }
 
+std::vector<tt__NetworkInterface*> MakeNetworkInterfaces(soap* soap,
+                                                         std::vector<std::shared_ptr<network::Device>> const& devices) {
+    std::vector<tt__NetworkInterface*> interfaces;
+    for (auto const& device : devices) {
+        auto const address = device->GetIPv4Address();
+        if (address.is_unspecified()) continue;
+        auto* interface = Filled(soap_new_tt__NetworkInterface(soap), [&](tt__NetworkInterface& out) {
+            out.token = device->GetName();
+            out.Enabled = true;
+            out.Info = Filled(soap_new_tt__NetworkInterfaceInfo(soap),
+                              [&](tt__NetworkInterfaceInfo& info) { info.HwAddress = device->GetHardwareAddress(); });
+            out.IPv4 = MakeIPv4(soap, address.to_string());
+        });
+        if (interface) interfaces.push_back(interface);
+    }
+    return interfaces;
+}
+
 int DeviceService::GetSystemDateAndTime(_tds__GetSystemDateAndTime*, _tds__GetSystemDateAndTimeResponse& response) {
     auto const now = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
     response.SystemDateAndTime = MakeSystemDateTime(soap, now);
@@ -80,18 +97,7 @@ int DeviceService::GetHostname(_tds__GetHostname*, _tds__GetHostnameResponse& re
 
 int DeviceService::GetNetworkInterfaces(_tds__GetNetworkInterfaces*, _tds__GetNetworkInterfacesResponse& response) {
     if (!IsAuthenticated(soap, authenticationEngine)) return 401;
-    for (auto const& device : network::GetDevices()) {
-        auto const address = device->GetIPv4Address();
-        if (address.is_unspecified()) continue;
-        auto* interface = Filled(soap_new_tt__NetworkInterface(soap), [&](tt__NetworkInterface& out) {
-            out.token = device->GetName();
-            out.Enabled = true;
-            out.Info = Filled(soap_new_tt__NetworkInterfaceInfo(soap),
-                              [&](tt__NetworkInterfaceInfo& info) { info.HwAddress = device->GetHardwareAddress(); });
-            out.IPv4 = MakeIPv4(soap, address.to_string());
-        });
-        if (interface) response.NetworkInterfaces.push_back(interface);
-    }
+    response.NetworkInterfaces = MakeNetworkInterfaces(soap, network::GetDevices());
     return SOAP_OK;
 }
 
