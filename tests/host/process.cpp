@@ -92,6 +92,7 @@ std::optional<int> Process::Wait(std::chrono::milliseconds limit) {
     int raw = 0;
     waitpid(id, &raw, 0);
     status = WIFEXITED(raw) ? WEXITSTATUS(raw) : 128 + WTERMSIG(raw);
+    AwaitEndOfStreams();
     return status;
 }
 
@@ -125,6 +126,16 @@ void Process::Collect(Stream& stream) {
     close(stream.descriptor);
     std::lock_guard const lock(mutex);
     stream.ended = true;
+}
+
+void Process::AwaitEndOfStreams() const {
+    // A child of the program may hold its ends of the pipes for longer; nobody wants to wait for that.
+    auto const deadline = Clock::now() + std::chrono::seconds(5);
+    auto const ended = [this] {
+        std::lock_guard const lock(mutex);
+        return output.ended && log.ended;
+    };
+    while (!ended() && Clock::now() < deadline) std::this_thread::sleep_for(std::chrono::milliseconds(1));
 }
 
 bool Process::WaitFor(Stream const& stream, std::string_view text, std::chrono::milliseconds limit) const {

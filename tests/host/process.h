@@ -30,7 +30,7 @@ public:
     void Signal(int number) const;
 
     /// Waits until the program ends, or `limit` is over. Its exit status, 128 + signal for one that was killed; none
-    /// when it still runs.
+    /// when it still runs. Once it has ended, output and log are complete.
     std::optional<int> Wait(std::chrono::milliseconds limit);
 
     /// What the program has written so far to standard output and standard error.
@@ -53,6 +53,7 @@ private:
     };
 
     void Collect(Stream& stream);
+    void AwaitEndOfStreams() const;
     bool WaitFor(Stream const& stream, std::string_view text, std::chrono::milliseconds limit) const;
 
     pid_t id = -1;

@@ -25,7 +25,6 @@ protected:
         Process curl({"curl", "-s", "-o", host.GetFolder() / "latest.jpeg", "-w", "%{http_code} %{content_type}\n",
                       "--digest", "-u", "admin:" + password, host.GetUrl() + "/snapshot/" + id + "/latest.jpeg"});
         EXPECT_EQ(curl.Wait(10s), 0);
-        EXPECT_TRUE(curl.WaitForOutput("\n", 1s));
         return curl.GetOutput();
     }
 
@@ -48,7 +47,6 @@ TEST_F(SnapshotHost, ServesAPictureOfTheChannelsSize) {
     Process decoder({"ffprobe", "-v", "error", "-show_entries", "stream=codec_name,width,height", "-of", "csv=p=0",
                      host.GetFolder() / "latest.jpeg"});
     ASSERT_EQ(decoder.Wait(20s), 0);
-    ASSERT_TRUE(decoder.WaitForOutput("\n", 1s));
     EXPECT_EQ(decoder.GetOutput(), "mjpeg,320,240\n");
 }
 
