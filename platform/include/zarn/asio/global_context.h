@@ -1,0 +1,47 @@
+#pragma once
+
+#include <memory>
+
+namespace boost::asio {
+class io_context;
+}
+
+namespace zarn::asio {
+
+/// A handle to the I/O context of the process and the one thread that runs it. The first handle makes the context and
+/// starts the thread; copies share it; the last one stops the thread, waits for it and destroys the context. A handle
+/// made after that starts anew, with another context.
+///
+/// Whatever is bound to the context, such as a timer, must be destroyed before the last handle: keep a handle beside
+/// it, declared before it. A handler that has not begun when the last handle goes is destroyed without having run, on
+/// the thread that lets the handle go. A handler must not own a handle that is waiting in the context itself, since
+/// the two would keep each other alive.
+///
+/// The last handle may also go on the context's own thread, within a handler. It does not wait then: the thread ends
+/// after that handler, destroys the context itself and is joined by the end of the process at the latest. Who must be
+/// sure that nothing runs any more, such as the owner of static state, keeps a handle of his own and lets it go
+/// elsewhere.
+///
+/// What a handler throws is logged and goes no further; the others run on.
+/// Thread: any; one handle is used by one thread at a time, as usual. A handle must not go while its thread holds a
+/// lock that a handler takes, because the last one waits for handlers.
+class GlobalContext {
+public:
+    /// Throws std::system_error when the thread cannot be started; nothing is left behind then.
+    GlobalContext();
+
+    /// Shares the context.
+    GlobalContext(GlobalContext const& other) noexcept;
+    /// Shares the other's context, then lets go of the one so far.
+    GlobalContext& operator=(GlobalContext const& other) noexcept;
+    ~GlobalContext();
+
+    /// The context; the reference holds as long as a handle to it lives.
+    boost::asio::io_context& Get() const noexcept;
+
+private:
+    class Context;
+    std::shared_ptr<Context> context;
+};
+
+} // namespace zarn::asio

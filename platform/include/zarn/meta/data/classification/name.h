@@ -1,0 +1,24 @@
+#pragma once
+
+#include <zarn/object/typed.h>
+
+#include <string>
+
+namespace zarn::meta::data::classification {
+
+/// What a tracked object is called, for example by a recogniser or by a person. Never changes, so any thread may read
+/// it.
+class Name : public object::Typed<Name> {
+public:
+    static constexpr char const* TypeName = "zarn.meta.data.classification.Name";
+
+    explicit Name(std::string text) noexcept;
+
+    /// The name, UTF-8; may be empty.
+    std::string const& GetValue() const noexcept { return value; }
+
+private:
+    std::string value;
+};
+
+} // namespace zarn::meta::data::classification

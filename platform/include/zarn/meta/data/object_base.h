@@ -1,0 +1,25 @@
+#pragma once
+
+#include <zarn/meta/data/container.h>
+
+#include <cstdint>
+
+namespace zarn::meta::data {
+
+/// What everything that is tracked has in common. Its properties, such as classification::Confidence, are in it as
+/// objects. Thread: as Container.
+class ObjectBase : public object::Typed<ObjectBase, Container> {
+public:
+    static constexpr char const* TypeName = "zarn.meta.data.ObjectBase";
+
+    /// The number by which the tracker knows it.
+    std::uint32_t GetId() const noexcept { return id; }
+
+protected:
+    explicit ObjectBase(std::uint32_t number) noexcept : id(number) {}
+
+private:
+    std::uint32_t id;
+};
+
+} // namespace zarn::meta::data
