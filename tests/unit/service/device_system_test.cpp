@@ -146,5 +146,15 @@ TEST_F(NetworkInterfaces, AreLeftOutOrIncompleteWhereMemoryRunsOut) {
     EXPECT_THAT(Made(), ElementsAre(Pointee(testing::Field(&tt__NetworkInterface::Info, nullptr))));
 }
 
+TEST(GetNetworkProtocols, HasToldOfHttpWhenTheRtspPortProvesMissing) {
+    auto const context = MakeSoapContext();
+    DeviceService device(context.get(), URIBase(443, true), nullptr, {}, std::make_shared<configuration::node::Root>());
+    _tds__GetNetworkProtocolsResponse response;
+    EXPECT_THROW(device.GetNetworkProtocols(nullptr, response), object::BadCast);
+    ASSERT_THAT(response.NetworkProtocols, SizeIs(1));
+    EXPECT_EQ(response.NetworkProtocols[0]->Name, tt__NetworkProtocolType__HTTP);
+    EXPECT_THAT(response.NetworkProtocols[0]->Port, ElementsAre(443));
+}
+
 } // namespace
 } // namespace zarn::service::onvif

@@ -5,11 +5,18 @@
 
 namespace {
 
-thread_local int Left = -1; ///< allocations that still succeed; negative: all do
+thread_local int Succeeding = 0; ///< allocations before those that fail
+thread_local int Failing = 0;    ///< allocations that fail then
+thread_local bool Failed = false;
 
 void* Allocate(std::size_t size) noexcept {
-    if (Left == 0) return nullptr;
-    if (Left > 0) --Left;
+    if (Succeeding > 0) {
+        --Succeeding;
+    } else if (Failing > 0) {
+        --Failing;
+        Failed = true;
+        return nullptr;
+    }
     try {
         return ::operator new(size);
     } catch (std::bad_alloc const&) {
@@ -25,8 +32,14 @@ void* operator new[](std::size_t size, std::nothrow_t const&) noexcept { return 
 
 namespace zarn::test {
 
-FailingNew::FailingNew(int n) { Left = n; }
+FailingNew::FailingNew(int n, int count) {
+    Succeeding = n;
+    Failing = count;
+    Failed = false;
+}
 
-FailingNew::~FailingNew() { Left = -1; }
+FailingNew::~FailingNew() { Failing = 0; }
+
+bool FailingNew::HasFailed() const { return Failed; }
 
 } // namespace zarn::test

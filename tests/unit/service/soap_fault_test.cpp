@@ -73,5 +73,12 @@ TEST_F(Fault, GoesOutWithWhatWasBuiltWhenMemoryIsShort) {
     EXPECT_THAT(Subcodes(), IsEmpty());
 }
 
+TEST_F(Fault, LosesTheLevelThatThereIsNoMemoryForWithWhatIsBelowIt) {
+    SoapFault(context.get(), FaultCode::Sender, "earlier", "ter:Earlier");
+    test::FailingNew const failing(0, 1); // the innermost is made first
+    EXPECT_EQ(SoapFault(context.get(), FaultCode::Sender, "reason", "ter:Outer", "ter:Inner"), SOAP_FAULT);
+    EXPECT_THAT(Subcodes(), ElementsAre("ter:Outer"));
+}
+
 } // namespace
 } // namespace zarn::service::onvif
