@@ -3,17 +3,101 @@
 #include <zarn/authentication/engine.h>
 #include <zarn/authentication/realm.h>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <httpda.h>
 #include <soapH.h>
+
+#include <deque>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+/// What the engine's check has been asked, and what it answers: the first answer to the first question, and so on.
+thread_local std::vector<std::vector<std::string>> Questions;
+thread_local std::deque<bool> Answers;
+
+} // namespace
+
+/// In the place of the host's own: the tests are about what it is asked.
+bool ZarnAuthenticationCheckDigest(ZarnAuthenticationEngine const* /*engine*/, char const* component, char const* empty,
+                                   char const* user, char const* response, char const* method, char const* uri,
+                                   char const* nonce, char const* nc, char const* cnonce, char const* qop) {
+    Questions.push_back({component, empty, user, response, method, uri, nonce, nc, cnonce, qop});
+    bool const answer = Answers.at(0);
+    Answers.pop_front();
+    return answer;
+}
 
 namespace zarn::service::onvif {
 namespace {
 
+using testing::ElementsAre;
+using testing::IsEmpty;
+
 class IsAuthenticatedTest : public testing::Test {
 protected:
+    static constexpr char Body[] =
+        R"(<s:Envelope xmlns:s="http://www.w3.org/2003/05/soap-envelope"><s:Body><x/></s:Body></s:Envelope>)";
+
+    /// Asks for a request with digest credentials to this path; the engine gives these answers.
+    bool IsAuthenticatedAt(std::string const& path, std::deque<bool> answers) {
+        std::stringstream input;
+        input << "POST " << path << " HTTP/1.1\r\nHost: device\r\nAuthorization: Digest username=\"operator\", "
+              << "realm=\"r\", nonce=\"n\", uri=\"/other\", qop=auth, nc=0000000a, cnonce=\"c\", "
+              << "response=\"0123456789ABCDEF0123456789abcdef\"\r\nContent-Length: " << sizeof(Body) - 1 << "\r\n\r\n"
+              << Body;
+        soap_register_plugin_arg(context.get(), http_da, http_da_md5());
+        context->is = &input;
+        EXPECT_EQ(soap_begin_serve(context.get()), SOAP_OK);
+        Questions.clear();
+        Answers = std::move(answers);
+        return IsAuthenticated(context.get(), &engine);
+    }
+
+    /// What the engine is asked about such a request, with this path.
+    static auto Question(char const* path) {
+        return ElementsAre("zarn.service.onvif", "", "admin", "0123456789abcdef0123456789abcdef", "POST", path, "n",
+                           "0000000a", "c", "auth");
+    }
+
     std::shared_ptr<soap> context = MakeSoapContext();
     ZarnAuthenticationEngine engine;
 };
+
+TEST_F(IsAuthenticatedTest, AsksTheEngineForTheAdministratorWithWhatTheClientSent) {
+    EXPECT_TRUE(IsAuthenticatedAt("/onvif/x", {true}));
+    EXPECT_THAT(Questions, ElementsAre(Question("/onvif/x")));
+}
+
+TEST_F(IsAuthenticatedTest, AsksOnceWhenThePathHasNoQuery) {
+    EXPECT_FALSE(IsAuthenticatedAt("/onvif/x", {false, true}));
+    EXPECT_THAT(Questions, ElementsAre(Question("/onvif/x")));
+    EXPECT_STREQ(context->authrealm, "r");
+}
+
+TEST_F(IsAuthenticatedTest, AsksOnceWhenTheWholePathIsRight) {
+    EXPECT_TRUE(IsAuthenticatedAt("/onvif/x?y=1", {true, false}));
+    EXPECT_THAT(Questions, ElementsAre(Question("/onvif/x?y=1")));
+}
+
+TEST_F(IsAuthenticatedTest, AsksAgainForThePathBeforeTheFirstQuestionMark) {
+    EXPECT_TRUE(IsAuthenticatedAt("/onvif/x?y=1?z", {false, true}));
+    EXPECT_THAT(Questions, ElementsAre(Question("/onvif/x?y=1?z"), Question("/onvif/x")));
+}
+
+TEST_F(IsAuthenticatedTest, IsFalseWhenBothPathsAreWrong) {
+    EXPECT_FALSE(IsAuthenticatedAt("/onvif/x?", {false, false}));
+    EXPECT_THAT(Questions, ElementsAre(Question("/onvif/x?"), Question("/onvif/x")));
+}
+
+TEST_F(IsAuthenticatedTest, AsksNothingWhileTheHostRequiresNone) {
+    engine.SetEnabled(false);
+    EXPECT_TRUE(IsAuthenticatedAt("/onvif/x", {}));
+    EXPECT_THAT(Questions, IsEmpty());
+}
 
 TEST_F(IsAuthenticatedTest, IsTrueWithoutALookAtTheRequestWhileTheHostRequiresNone) {
     engine.SetEnabled(false);
