@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cctype>
+
 namespace zarn::test {
 namespace {
 
@@ -29,6 +31,14 @@ TEST_F(Authentication, UsesARealmOfSeventeenCharacters) { EXPECT_EQ(std::string(
 TEST_F(Authentication, ChallengesWithANewNonceEveryTime) {
     EXPECT_NE(AskForUsers({.authenticated = false}).fields.at("WWW-Authenticate"),
               AskForUsers({.authenticated = false}).fields.at("WWW-Authenticate"));
+}
+
+TEST_F(Authentication, ReadsTheNameOfTheFieldAndTheDigestInAnyCase) {
+    auto authorization = MakeAuthorization({});
+    EXPECT_EQ(AskForUsers({.fields = {{"authorization", authorization}}, .authenticated = false}).status, 200);
+    for (auto at = authorization.rfind("response=\"") + 10; at < authorization.size(); ++at)
+        authorization[at] = static_cast<char>(std::toupper(authorization[at]));
+    EXPECT_EQ(AskForUsers({.fields = {{"AUTHORIZATION", authorization}}, .authenticated = false}).status, 200);
 }
 
 TEST_F(Authentication, ServesTheRightPassword) { EXPECT_EQ(AskForUsers({}).status, 200); }
@@ -143,15 +153,26 @@ TEST_P(OpenOperation, IsServedWithoutCredentials) {
     EXPECT_EQ(Ask(GetParam(), {.password = "wrong"}).status, 200);
 }
 
-INSTANTIATE_TEST_SUITE_P(All, OpenOperation,
-                         testing::Values("<tds:GetServices/>", "<tds:GetServiceCapabilities/>",
-                                         "<tds:GetCapabilities/>", "<tds:GetScopes/>", "<tds:GetSystemDateAndTime/>",
-                                         "<tds:GetHostname/>", "<tds:GetNetworkProtocols/>",
-                                         "<trt:GetServiceCapabilities/>", "<trt:GetProfiles/>",
-                                         "<trt:GetVideoSourceConfigurations/>", "<trt:GetVideoEncoderConfigurations/>",
-                                         "<tr2:GetServiceCapabilities/>", "<tr2:GetProfiles/>",
-                                         "<tev:GetServiceCapabilities/>", "<tev:SetSynchronizationPoint/>",
-                                         "<tan:GetServiceCapabilities/>"));
+INSTANTIATE_TEST_SUITE_P(
+    All, OpenOperation,
+    testing::Values("<tds:GetServices/>", "<tds:GetServiceCapabilities/>", "<tds:GetCapabilities/>", "<tds:GetScopes/>",
+                    "<tds:GetSystemDateAndTime/>", "<tds:GetHostname/>", "<tds:GetNetworkProtocols/>",
+                    "<trt:GetServiceCapabilities/>", "<trt:GetProfiles/>",
+                    "<trt:GetProfile><trt:ProfileToken>channels.1</trt:ProfileToken></trt:GetProfile>",
+                    "<trt:GetVideoSourceConfigurations/>", "<trt:GetVideoEncoderConfigurations/>",
+                    "<trt:GetVideoSourceConfiguration><trt:ConfigurationToken>channels.1</trt:ConfigurationToken>"
+                    "</trt:GetVideoSourceConfiguration>",
+                    "<trt:GetVideoEncoderConfiguration><trt:ConfigurationToken>channels.1</trt:ConfigurationToken>"
+                    "</trt:GetVideoEncoderConfiguration>",
+                    "<trt:GetVideoSourceConfigurationOptions/>", "<trt:GetVideoEncoderConfigurationOptions/>",
+                    "<trt:SetSynchronizationPoint/>", "<tr2:GetServiceCapabilities/>", "<tr2:GetProfiles/>",
+                    "<tr2:GetVideoSourceConfigurations/>", "<tr2:GetVideoEncoderConfigurations/>",
+                    "<tr2:GetMetadataConfigurations/>", "<tr2:GetAnalyticsConfigurations/>",
+                    "<tr2:GetVideoSourceConfigurationOptions/>", "<tr2:GetVideoEncoderConfigurationOptions/>",
+                    "<tr2:GetMetadataConfigurationOptions/>", "<tr2:SetMetadataConfiguration/>",
+                    "<tr2:SetVideoEncoderConfiguration/>", "<tr2:SetSynchronizationPoint/>",
+                    "<tev:GetServiceCapabilities/>", "<tev:SetSynchronizationPoint/>",
+                    "<tan:GetServiceCapabilities/>"));
 
 } // namespace
 } // namespace zarn::test

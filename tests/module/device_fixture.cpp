@@ -1,10 +1,11 @@
 #include "device_fixture.h"
 
+#include "test_request.h"
+
 #include <zarn/authentication/ha1.h>
 #include <zarn/authentication/realm.h>
 #include <zarn/configuration/schema.h>
 #include <zarn/container/buffer.h>
-#include <zarn/web/request.h>
 
 #include <boost/json/parse.hpp>
 #include <openssl/evp.h>
@@ -16,6 +17,8 @@
 #include <thread>
 
 namespace zarn::test {
+
+using web::response::Pending;
 
 namespace {
 
@@ -32,25 +35,6 @@ std::string Md5(std::string const& text) {
     }
     return hex;
 }
-
-class TestRequest : public web::Request {
-public:
-    TestRequest(std::string target, std::string body, std::map<std::string, std::string> fields)
-        : target(std::move(target)), body(std::move(body)), fields(std::move(fields)) {}
-
-    protocol::network::http::Method GetMethod() const override { return protocol::network::http::Method::Post; }
-
-    std::string_view GetTarget() const override { return target; }
-
-    std::string_view GetBody() const override { return body; }
-
-    std::map<std::string_view, std::string_view> GetFields() const override { return {fields.begin(), fields.end()}; }
-
-private:
-    std::string target;
-    std::string body;
-    std::map<std::string, std::string> fields;
-};
 
 constexpr char DefaultConfiguration[] = R"({
     "settings": {"web_port": 8080, "rtsp_port": 8554},
@@ -123,24 +107,29 @@ service::onvif::Manager& DeviceFixture::Manager() {
     return *manager;
 }
 
-Reply DeviceFixture::Post(std::string const& body, Sending const& sending) {
+std::shared_ptr<web::Request> DeviceFixture::MakeRequest(std::string const& body, Sending const& sending) {
     auto fields = sending.fields;
     fields.emplace("Host", "device");
     fields.emplace("Content-Type", "application/soap+xml; charset=utf-8");
     if (sending.authenticated) fields.emplace("Authorization", MakeAuthorization(sending));
-    auto const pending = Manager().Post(std::make_shared<TestRequest>(sending.path, body, std::move(fields)));
+    return std::make_shared<TestRequest>(sending.method, sending.path, body, std::move(fields));
+}
+
+Pending::Data DeviceFixture::WaitFor(Pending& pending) {
     auto const deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
     for (;;) {
-        auto const data = pending->GetData();
-        if (data.GetState() == web::response::State::NotReady) {
-            if (std::chrono::steady_clock::now() > deadline) throw std::runtime_error("no answer within a minute");
-            std::this_thread::sleep_for(std::chrono::microseconds(100));
-            continue;
-        }
-        std::string text;
-        for (auto const& chunk : data.GetBody()) text += chunk->ToStringView();
-        return {static_cast<int>(data.GetStatus()), data.GetFields(), text};
+        auto data = pending.GetData();
+        if (data.GetState() == web::response::State::Complete) return data;
+        if (std::chrono::steady_clock::now() > deadline) throw std::runtime_error("no answer within a minute");
+        std::this_thread::sleep_for(std::chrono::microseconds(100));
     }
+}
+
+Reply DeviceFixture::Post(std::string const& body, Sending const& sending) {
+    auto const data = WaitFor(*Manager().Post(MakeRequest(body, sending)));
+    std::string text;
+    for (auto const& chunk : data.GetBody()) text += chunk->ToStringView();
+    return {static_cast<int>(data.GetStatus()), data.GetFields(), text};
 }
 
 Reply DeviceFixture::Ask(std::string const& operation, Sending const& sending) {

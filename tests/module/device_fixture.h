@@ -6,7 +6,10 @@
 #include <zarn/authentication/engine.h>
 #include <zarn/configuration/node/root.h>
 #include <zarn/meta/data/video_info.h>
+#include <zarn/protocol/network/http/method.h>
 #include <zarn/utilities/name/config.h>
+#include <zarn/web/request.h>
+#include <zarn/web/response/pending.h>
 
 #include <gtest/gtest.h>
 
@@ -26,6 +29,7 @@ struct Sending {
     std::string header = {};     ///< content of the SOAP header; empty: no header
     std::map<std::string, std::string> fields = {};
     bool authenticated = true; ///< with an Authorization field
+    protocol::network::http::Method method = protocol::network::http::Method::Post;
 };
 
 /// A device of two channels, "Gate" (1) and "Yard" (2), that answers whole requests with whole responses: a real
@@ -45,6 +49,12 @@ protected:
 
     /// Sends a whole HTTP body and returns what the pending response yields in the end.
     Reply Post(std::string const& body, Sending const& sending = {});
+
+    /// The request that Post sends.
+    static std::shared_ptr<web::Request> MakeRequest(std::string const& body, Sending const& sending = {});
+
+    /// Asks the pending response until it is complete. Throws std::runtime_error when that takes more than a minute.
+    static web::response::Pending::Data WaitFor(web::response::Pending& pending);
 
     /// Replaces the configuration by this JSON: {"settings": ..., "channels": ...}.
     void Configure(std::string const& json);
