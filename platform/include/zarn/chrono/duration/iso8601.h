@@ -5,7 +5,8 @@
 
 namespace zarn::chrono::duration {
 
-/// Reads a duration, an `xsd:duration`: `[-]PnYnMnDTnHnMn[.fraction]S` with at least one of its parts, or weeks, `PnW`.
+/// Reads a duration, an `xsd:duration`: `[-]PnYnMnDTnHnMn[.fraction]S` with at least one of its parts;
+/// weeks (`nW`, between months and days) are read too.
 /// Years and months are those of the calendar (UTC) from `now` on: one month from January 31 ends on the last day of
 /// February. Digits of the fraction beyond nanoseconds are dropped; white space around the text is ignored.
 /// now  where the duration starts; without years and months it plays no part

@@ -1,0 +1,37 @@
+#include <zarn/chrono/add.h>
+
+#include <gtest/gtest.h>
+
+namespace zarn::chrono {
+namespace {
+
+using namespace std::chrono_literals;
+using System = std::chrono::system_clock::time_point;
+using Steady = std::chrono::steady_clock::time_point;
+
+TEST(ChronoAdd, IsTheSumWhenItIsOnTheClock) {
+    EXPECT_EQ(Add(System(10s), 5ns), System(10s + 5ns));
+    EXPECT_EQ(Add(System(10s), -11s), System(-1s));
+    EXPECT_EQ(Add(Steady(10s), 0ns), Steady(10s));
+}
+
+TEST(ChronoAdd, ReachesBothEndsOfTheClockExactly) {
+    EXPECT_EQ(Add(System::max() - 1ns, 1ns), System::max());
+    EXPECT_EQ(Add(System::min() + 1ns, -1ns), System::min());
+    EXPECT_EQ(Add(System::max(), 0ns), System::max());
+    EXPECT_EQ(Add(System(0ns), std::chrono::nanoseconds::min()), System::min());
+}
+
+TEST(ChronoAdd, StaysAtTheEndOfTheClockInsteadOfWrapping) {
+    EXPECT_EQ(Add(System::max() - 1ns, 2ns), System::max());
+    EXPECT_EQ(Add(System(1s), std::chrono::nanoseconds::max()), System::max());
+    EXPECT_EQ(Add(Steady(1s), std::chrono::nanoseconds::max()), Steady::max());
+}
+
+TEST(ChronoAdd, StaysAtTheBeginningOfTheClockInsteadOfWrapping) {
+    EXPECT_EQ(Add(System::min() + 1ns, -2ns), System::min());
+    EXPECT_EQ(Add(System(-1s), std::chrono::nanoseconds::min()), System::min());
+}
+
+} // namespace
+} // namespace zarn::chrono
