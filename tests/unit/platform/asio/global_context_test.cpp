@@ -1,0 +1,276 @@
+#include <zarn/asio/global_context.h>
+#include <zarn/logging/capture.h>
+
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/post.hpp>
+#include <boost/asio/system_timer.hpp>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstdlib>
+#include <functional>
+#include <future>
+#include <optional>
+#include <stdexcept>
+#include <thread>
+#include <vector>
+
+namespace zarn::asio {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto Patience = 20s;
+
+bool Eventually(std::function<bool()> const& condition) {
+    auto const deadline = std::chrono::steady_clock::now() + Patience;
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > deadline) return false;
+        std::this_thread::sleep_for(1ms);
+    }
+    return true;
+}
+
+/// Runs a function on the context's thread and waits for its end.
+template <class Function>
+auto Ask(GlobalContext const& handle, Function function) {
+    std::packaged_task<decltype(function())()> task(std::move(function));
+    auto result = task.get_future();
+    boost::asio::post(handle.Get(), std::move(task));
+    return result.get();
+}
+
+/// Tells when the context's thread has ended: its thread-local state goes with it.
+class ThreadEnd {
+public:
+    explicit ThreadEnd(GlobalContext const& handle) {
+        Ask(handle, [flag = ended] {
+            thread_local Mark mark;
+            mark.flag = flag;
+        });
+    }
+
+    bool HasCome() const { return *ended; }
+
+private:
+    struct Mark {
+        std::shared_ptr<std::atomic<bool>> flag;
+
+        ~Mark() { *flag = true; }
+    };
+
+    std::shared_ptr<std::atomic<bool>> ended = std::make_shared<std::atomic<bool>>(false);
+};
+
+/// A handle that a handler can let go of.
+using Released = std::shared_ptr<std::optional<GlobalContext>>;
+
+Released MakeReleased() { return std::make_shared<Released::element_type>(std::in_place); }
+
+TEST(GlobalContext, RunsHandlersOnOneThreadOfItsOwn) {
+    GlobalContext const handle;
+    auto const thread = Ask(handle, [] { return std::this_thread::get_id(); });
+    EXPECT_NE(thread, std::this_thread::get_id());
+    EXPECT_EQ(Ask(handle, [] { return std::this_thread::get_id(); }), thread);
+}
+
+TEST(GlobalContext, IsSharedByAllHandles) {
+    GlobalContext const first;
+    GlobalContext const second;
+    GlobalContext const copy(first);
+    EXPECT_EQ(&first.Get(), &second.Get());
+    EXPECT_EQ(&first.Get(), &copy.Get());
+}
+
+TEST(GlobalContext, RunsTimersOnTheSystemClock) {
+    GlobalContext const handle;
+    boost::asio::system_timer timer(handle.Get(), 1ms);
+    std::promise<boost::system::error_code> expired;
+    timer.async_wait([&](boost::system::error_code error) { expired.set_value(error); });
+    EXPECT_FALSE(expired.get_future().get());
+}
+
+TEST(GlobalContext, RunsATimerAtTheEndsOfTheClock) {
+    GlobalContext const handle;
+    boost::asio::system_timer last(handle.Get(), std::chrono::system_clock::time_point::max());
+    boost::asio::system_timer first(handle.Get(), std::chrono::system_clock::time_point::min());
+    std::promise<void> expired;
+    std::atomic<bool> lastExpired = false;
+    last.async_wait([&](boost::system::error_code error) { lastExpired = !error; });
+    first.async_wait([&](boost::system::error_code) { expired.set_value(); });
+    expired.get_future().get();
+    EXPECT_FALSE(lastExpired);
+}
+
+TEST(GlobalContext, EndsItsThreadWithTheLastHandle) {
+    std::optional<GlobalContext> first(std::in_place);
+    std::optional<GlobalContext> second(*first);
+    ThreadEnd const end(*first);
+    first.reset();
+    EXPECT_FALSE(end.HasCome());
+    Ask(*second, [] {});
+    second.reset();
+    EXPECT_TRUE(end.HasCome());
+}
+
+TEST(GlobalContext, LetsGoOfItsContextWhenAssignedTo) {
+    std::optional<GlobalContext> first(std::in_place);
+    GlobalContext second;
+    second = *first;
+    first.reset();
+    EXPECT_EQ(Ask(second, [] { return 1; }), 1);
+}
+
+TEST(GlobalContext, StartsAnewAfterItsEnd) {
+    for (int round = 0; round < 3; ++round) {
+        GlobalContext const handle;
+        EXPECT_EQ(Ask(handle, [] { return 1; }), 1);
+    }
+}
+
+TEST(GlobalContext, DestroysWhatWaitsWithoutRunningIt) {
+    auto const held = std::make_shared<std::atomic<bool>>(false);
+    {
+        GlobalContext const handle;
+        boost::asio::system_timer timer(handle.Get(), 1h);
+        timer.async_wait([held](boost::system::error_code) { *held = true; });
+        boost::asio::post(handle.Get(), [] { std::this_thread::sleep_for(10ms); });
+    }
+    EXPECT_EQ(held.use_count(), 1);
+    EXPECT_FALSE(*held);
+}
+
+TEST(GlobalContext, WaitsForTheHandlerThatRuns) {
+    std::promise<void> running;
+    std::atomic<bool> ended = false;
+    {
+        GlobalContext const handle;
+        boost::asio::post(handle.Get(), [&] {
+            running.set_value();
+            std::this_thread::sleep_for(20ms);
+            ended = true;
+        });
+        running.get_future().get();
+    }
+    EXPECT_TRUE(ended);
+}
+
+TEST(GlobalContext, EndsWhenTheLastHandleGoesOnItsThread) {
+    auto const released = MakeReleased();
+    ThreadEnd const end(**released);
+    auto const held = std::make_shared<int>();
+    boost::asio::post((*released)->Get(), [released, held] {
+        boost::asio::post((*released)->Get(), [held] {});
+        released->reset();
+    });
+    EXPECT_TRUE(Eventually([&] { return end.HasCome(); }));
+    EXPECT_EQ(held.use_count(), 1);
+}
+
+TEST(GlobalContext, StartsAnewWithinTheHandlerThatEndedIt) {
+    auto const released = MakeReleased();
+    ThreadEnd const end(**released);
+    std::promise<GlobalContext> made;
+    boost::asio::post((*released)->Get(), [&] {
+        released->reset();
+        GlobalContext const anew;
+        Ask(anew, [] {});
+        made.set_value(anew);
+    });
+    auto const anew = made.get_future().get();
+    EXPECT_TRUE(Eventually([&] { return end.HasCome(); }));
+    EXPECT_EQ(Ask(anew, [] { return 1; }), 1);
+}
+
+TEST(GlobalContext, LogsWhatAHandlerThrowsAndGoesOn) {
+    logging::Capture const capture;
+    GlobalContext const handle;
+    boost::asio::post(handle.Get(), [] { throw std::runtime_error("broken"); });
+    boost::asio::post(handle.Get(), [] { throw 1; });
+    EXPECT_EQ(Ask(handle, [] { return 1; }), 1);
+    EXPECT_TRUE(capture.Contains("A handler threw: broken"));
+    EXPECT_TRUE(capture.Contains("A handler threw: something that is no std::exception"));
+}
+
+TEST(GlobalContext, ComesAndGoesInManyThreadsAtOnce) {
+    std::atomic<int> ran = 0;
+    std::vector<std::thread> threads;
+    for (int count = 0; count < 4; ++count) {
+        threads.emplace_back([&ran] {
+            for (int round = 0; round < 2000; ++round) {
+                GlobalContext const handle;
+                GlobalContext const copy(handle);
+                boost::asio::system_timer timer(copy.Get(), 1h);
+                timer.async_wait([](boost::system::error_code) {});
+                if (round % 4 == 0) ran += Ask(handle, [] { return 1; });
+            }
+        });
+    }
+    for (auto& thread : threads) thread.join();
+    EXPECT_EQ(ran, 4 * 500);
+}
+
+TEST(GlobalContext, GoesOnItsThreadWhileOthersCome) {
+    std::vector<std::thread> threads;
+    std::atomic<int> ran = 0;
+    for (int count = 0; count < 4; ++count) {
+        threads.emplace_back([&ran] {
+            for (int round = 0; round < 1000; ++round) {
+                auto const released = MakeReleased();
+                boost::asio::post((*released)->Get(), [released, &ran] {
+                    released->reset();
+                    ++ran;
+                });
+            }
+        });
+    }
+    for (auto& thread : threads) thread.join();
+    EXPECT_TRUE(Eventually([&] { return ran == 4 * 1000; }));
+}
+
+class GlobalContextAtExit : public testing::Test {
+protected:
+    GlobalContextAtExit() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
+};
+
+TEST_F(GlobalContextAtExit, EndsWithAStaticHandle) {
+    EXPECT_EXIT(
+        {
+            static GlobalContext const handle;
+            static boost::asio::system_timer timer(handle.Get(), 1h);
+            timer.async_wait([](boost::system::error_code) {});
+            std::exit(3); // NOLINT(concurrency-mt-unsafe)
+        },
+        testing::ExitedWithCode(3), "");
+}
+
+TEST_F(GlobalContextAtExit, WaitsForAThreadThatLetsGoOfItself) {
+    EXPECT_EXIT(
+        {
+            auto const released = MakeReleased();
+            std::promise<void> running;
+            boost::asio::post((*released)->Get(), [&] {
+                released->reset();
+                running.set_value();
+                std::this_thread::sleep_for(20ms);
+                std::fputs("handler ended", stderr);
+            });
+            running.get_future().get();
+            std::exit(3); // NOLINT(concurrency-mt-unsafe)
+        },
+        testing::ExitedWithCode(3), "handler ended");
+}
+
+TEST_F(GlobalContextAtExit, MayBeEndedByItsHandler) {
+    EXPECT_EXIT(
+        {
+            static GlobalContext const handle;
+            boost::asio::post(handle.Get(), [] { std::exit(3); }); // NOLINT(concurrency-mt-unsafe)
+            std::this_thread::sleep_for(Patience);
+        },
+        testing::ExitedWithCode(3), "");
+}
+
+} // namespace
+} // namespace zarn::asio
