@@ -4,6 +4,7 @@
 #include "events.h"
 #include "media.h"
 #include "media2.h"
+#include "request_bounds.h"
 #include "soap_context.h"
 
 #include <service/onvif/manager.h>
@@ -69,13 +70,17 @@ public:
         Media2Service media2(soap, configuration, channelInfo, ssl, authenticationEngine);
         AnalyticsService analytics(soap, authenticationEngine);
         soap_register_plugin_arg(soap, http_da, http_da_md5());
+        soap->error = CheckBounds(request);
 
         std::stringstream input;
         std::ostringstream output;
         soap->os = &output;
         soap->is = &input;
         input << request << std::endl;
-        Dispatch(soap, device, events, media, media2, analytics);
+        if (soap->error)
+            soap_send_fault(soap);
+        else
+            Dispatch(soap, device, events, media, media2, analytics);
 
         auto buffer = std::make_shared<container::Buffer>(std::move(output).str());
         return std::make_shared<http::Response>(http::Response::Parse(std::move(buffer)));

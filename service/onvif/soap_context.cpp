@@ -12,11 +12,11 @@ namespace {
 // Without SOAP_C_UTFSTRING gSOAP takes every byte of a string for a Latin-1 character and garbles names such as "Grün".
 constexpr soap_mode Mode = SOAP_XML_NOTYPE | SOAP_DOM_ASIS | SOAP_C_UTFSTRING;
 
-// gSOAP reads nested elements by recursion: these are well above what the protocol needs and well below what a worker's
-// stack carries.
+// gSOAP reads nested elements by recursion: the level is well above what the protocol needs and well below what a
+// worker's stack carries. Lists have no bound but the message's: gSOAP's own (maxoccurs) is for arrays, which no
+// message has.
 constexpr unsigned MaximumLevel = 64;
 constexpr long MaximumTextLength = 1024 * 1024;
-constexpr std::size_t MaximumOccurrences = 4096;
 constexpr ULONG64 MaximumMessageLength = 16ULL * 1024 * 1024;
 
 constexpr char SecurityNamespace[] =
@@ -53,7 +53,6 @@ std::shared_ptr<soap> MakeSoapContext() {
     context->fignore = IgnoreElement;
     context->maxlevel = MaximumLevel;
     context->maxlength = MaximumTextLength;
-    context->maxoccurs = MaximumOccurrences;
     context->recv_maxlength = MaximumMessageLength;
     return context;
 }

@@ -247,6 +247,41 @@ TEST_F(RequestBound, IsOnTheWholeMessage) {
     EXPECT_GE(Ask(with(17 * 1024 * 1024)).status, 400);
 }
 
+TEST_F(RequestBound, IsNotOnTheElementsOfAListWhichAreAllRead) {
+    constexpr std::size_t Many = 100'000;
+    auto const with = [](std::string const& operation, std::string const& elements) {
+        return "<q:" + operation + " xmlns:q='http://www.onvif.org/ver20/media/wsdl'>" + elements + "</q:" + operation +
+               ">";
+    };
+    auto const reply = Ask(with("GetProfiles", Repeated(Many, "<q:Type/>") + "<q:Type>Metadata</q:Type>"));
+    EXPECT_EQ(reply.Select("//tr2:Profiles/tr2:Configurations/tr2:Metadata").size(), 2U);
+    EXPECT_EQ(Ask(with("GetProfiles", Repeated(Many, "<unknown/>"))).status, 200);
+    EXPECT_THAT(Ask("<tds:SetUser>" + Repeated(Many, "<tds:User/>") + "</tds:SetUser>").Text("//SOAP-ENV:Text"),
+                HasSubstr("Cannot modify this user"));
+    EXPECT_THAT(Ask("<wsnt:Notify>" + Repeated(Many, "<wsnt:x/>") + "</wsnt:Notify>").Text("//SOAP-ENV:Text"),
+                HasSubstr("Not supported"));
+}
+
+TEST_F(RequestBound, IsOnTheAttributesAndNamespaces) {
+    auto const with = [](std::size_t count, std::string const& name) {
+        std::string operation = "<tds:GetHostname";
+        for (std::size_t i = 0; i < count; ++i) operation += " " + name + std::to_string(i) + "='x'";
+        return operation + "/>";
+    };
+    for (auto const* name : {"a", "xmlns:a"}) {
+        EXPECT_EQ(Ask(with(400, name)).status, 200);
+        auto const refused = Ask(with(60'000, name));
+        EXPECT_EQ(refused.status, 400);
+        EXPECT_TRUE(refused.Has("//*[local-name()='Fault']")) << refused.text;
+    }
+}
+
+TEST_F(RequestBound, IsOnWhatIsSentAndNotInflated) {
+    auto const reply = Post(Envelope("<tds:GetHostname/>"), {.fields = {{"Content-Encoding", "gzip"}}});
+    EXPECT_EQ(reply.status, 415);
+    EXPECT_EQ(Post(Envelope("<tds:GetHostname/>"), {.fields = {{"content-encoding", "Identity"}}}).status, 200);
+}
+
 TEST_F(Exchange, ExpandsNoEntity) {
     std::string text = Envelope("<tr2:GetStreamUri><tr2:ProfileToken>&lol;</tr2:ProfileToken></tr2:GetStreamUri>");
     text.insert(text.find("<s:Envelope"), "<!DOCTYPE x [<!ENTITY lol 'expanded'>]>");
