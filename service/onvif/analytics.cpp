@@ -40,20 +40,19 @@ int AnalyticsService::GetSupportedAnalyticsModules(_tan__GetSupportedAnalyticsMo
     if (!IsAuthenticated(soap, authenticationEngine)) return 401;
     response.SupportedAnalyticsModules =
         Filled(soap_new_tt__SupportedAnalyticsModules(soap), [&](tt__SupportedAnalyticsModules& modules) {
-            auto* description =
-                Filled(soap_new_tt__ConfigDescription(soap), [](tt__ConfigDescription& out) { out.Name = ModuleName; });
-            if (description) modules.AnalyticsModuleDescription.push_back(description);
+            Append(modules.AnalyticsModuleDescription,
+                   Filled(soap_new_tt__ConfigDescription(soap),
+                          [](tt__ConfigDescription& description) { description.Name = ModuleName; }));
         });
     return SOAP_OK;
 }
 
 int AnalyticsService::GetAnalyticsModules(_tan__GetAnalyticsModules*, _tan__GetAnalyticsModulesResponse& response) {
     if (!IsAuthenticated(soap, authenticationEngine)) return 401;
-    auto* module = Filled(soap_new_tt__Config(soap), [](tt__Config& out) {
-        out.Name = ModuleName;
-        out.Type = ModuleName;
-    });
-    if (module) response.AnalyticsModule.push_back(module);
+    Append(response.AnalyticsModule, Filled(soap_new_tt__Config(soap), [](tt__Config& module) {
+               module.Name = ModuleName;
+               module.Type = ModuleName;
+           }));
     return SOAP_OK;
 }
 

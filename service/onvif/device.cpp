@@ -68,7 +68,7 @@ tt__SystemCapabilities* MakeSystemCapabilities(soap* soap) {
         system.SystemBackup = false;
         system.SystemLogging = false;
         system.FirmwareUpgrade = false;
-        if (auto* version = MakeVersion(soap, 23, 12)) system.SupportedVersions.push_back(version);
+        Append(system.SupportedVersions, MakeVersion(soap, 23, 12));
     });
 }
 
@@ -144,14 +144,14 @@ int DeviceService::GetServiceCapabilities(_tds__GetServiceCapabilities*,
 int DeviceService::GetServices(_tds__GetServices* request, _tds__GetServicesResponse& response) {
     auto const baseUri = GetBaseUri();
     for (auto const& row : Services) {
-        auto* service = soap_new_tds__Service(soap);
-        if (!service) continue;
-        service->Namespace = row.nameSpace;
-        service->XAddr = baseUri + row.path;
-        // One number for every service, on purpose; GetCapabilities reports another one.
-        service->Version = MakeVersion(soap, 1, 2);
-        if (OrEmpty(request).IncludeCapability) service->Capabilities = MakeServiceCapabilitiesElement(soap, row);
-        response.Service.push_back(service);
+        Append(response.Service, Filled(soap_new_tds__Service(soap), [&](tds__Service& service) {
+                   service.Namespace = row.nameSpace;
+                   service.XAddr = baseUri + row.path;
+                   // One number for every service, on purpose; GetCapabilities reports another one.
+                   service.Version = MakeVersion(soap, 1, 2);
+                   if (OrEmpty(request).IncludeCapability)
+                       service.Capabilities = MakeServiceCapabilitiesElement(soap, row);
+               }));
     }
     return SOAP_OK;
 }
@@ -179,12 +179,11 @@ int DeviceService::GetScopes(_tds__GetScopes*, _tds__GetScopesResponse& response
         {"name/", nameConfig.GetProductName()},
     };
     for (auto const& [category, value] : scopes) {
-        auto* scope = soap_new_tt__Scope(soap);
-        if (!scope) continue;
-        scope->ScopeDef = tt__ScopeDefinition__Fixed;
-        scope->ScopeItem = std::string(prefix) + category;
-        scope->ScopeItem += value;
-        response.Scopes.push_back(scope);
+        Append(response.Scopes, Filled(soap_new_tt__Scope(soap), [&](tt__Scope& scope) {
+                   scope.ScopeDef = tt__ScopeDefinition__Fixed;
+                   scope.ScopeItem = std::string(prefix) + category;
+                   scope.ScopeItem += value;
+               }));
     }
     return SOAP_OK;
 }

@@ -67,14 +67,14 @@ std::vector<tt__NetworkInterface*> MakeNetworkInterfaces(soap* soap,
     for (auto const& device : devices) {
         auto const address = device->GetIPv4Address();
         if (address.is_unspecified()) continue;
-        auto* interface = Filled(soap_new_tt__NetworkInterface(soap), [&](tt__NetworkInterface& out) {
-            out.token = device->GetName();
-            out.Enabled = true;
-            out.Info = Filled(soap_new_tt__NetworkInterfaceInfo(soap),
+        Append(interfaces, Filled(soap_new_tt__NetworkInterface(soap), [&](tt__NetworkInterface& interface) {
+                   interface.token = device->GetName();
+                   interface.Enabled = true;
+                   interface.Info =
+                       Filled(soap_new_tt__NetworkInterfaceInfo(soap),
                               [&](tt__NetworkInterfaceInfo& info) { info.HwAddress = device->GetHardwareAddress(); });
-            out.IPv4 = MakeIPv4(soap, address.to_string());
-        });
-        if (interface) interfaces.push_back(interface);
+                   interface.IPv4 = MakeIPv4(soap, address.to_string());
+               }));
     }
     return interfaces;
 }
@@ -102,21 +102,19 @@ int DeviceService::GetNetworkInterfaces(_tds__GetNetworkInterfaces*, _tds__GetNe
 }
 
 int DeviceService::GetNetworkProtocols(_tds__GetNetworkProtocols*, _tds__GetNetworkProtocolsResponse& response) {
-    auto const append = [&](tt__NetworkProtocolType name, unsigned short port) {
-        if (auto* protocol = MakeProtocol(soap, name, port)) response.NetworkProtocols.push_back(protocol);
-    };
-    append(tt__NetworkProtocolType__HTTP, GetPort()); // also when the web server speaks TLS
-    append(tt__NetworkProtocolType__RTSP, ReadPort(*configuration, RtspPortPath));
+    auto& protocols = response.NetworkProtocols;
+    // HTTP also when the web server speaks TLS.
+    Append(protocols, MakeProtocol(soap, tt__NetworkProtocolType__HTTP, GetPort()));
+    Append(protocols, MakeProtocol(soap, tt__NetworkProtocolType__RTSP, ReadPort(*configuration, RtspPortPath)));
     return SOAP_OK;
 }
 
 int DeviceService::GetUsers(_tds__GetUsers*, _tds__GetUsersResponse& response) {
     if (!IsAuthenticated(soap, authenticationEngine)) return 401;
-    auto* user = Filled(soap_new_tt__User(soap), [](tt__User& out) {
-        out.Username = "admin";
-        out.UserLevel = tt__UserLevel__Administrator;
-    });
-    if (user) response.User.push_back(user);
+    Append(response.User, Filled(soap_new_tt__User(soap), [](tt__User& user) {
+               user.Username = "admin";
+               user.UserLevel = tt__UserLevel__Administrator;
+           }));
     return SOAP_OK;
 }
 

@@ -12,4 +12,10 @@ T* Filled(T* object, Fill&& fill) {
     return object;
 }
 
+/// Appends an object that was just made, unless there was no memory for it.
+template <class List, class T>
+void Append(List& list, T* object) {
+    if (object) list.push_back(object);
+}
+
 } // namespace zarn::service::onvif

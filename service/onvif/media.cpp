@@ -35,18 +35,13 @@ tt__MediaUri* MakeMediaUri(soap* soap, std::string const& uri) {
 
 /// The options of every encoder: one quality.
 tt__VideoEncoderConfigurationOptions* MakeVideoEncoderOptions(soap* soap) {
-    return Filled(soap_new_tt__VideoEncoderConfigurationOptions(soap), [&](tt__VideoEncoderConfigurationOptions& out) {
-        out.QualityRange = Filled(soap_new_tt__IntRange(soap), [](tt__IntRange& range) {
-            range.Min = 1;
-            range.Max = 1;
-        });
-    });
+    return Filled(soap_new_tt__VideoEncoderConfigurationOptions(soap),
+                  [&](tt__VideoEncoderConfigurationOptions& out) { out.QualityRange = MakeIntRange(soap, 1, 1); });
 }
 
 tt__H264Options* MakeH264Options(soap* soap, meta::data::VideoInfo const& info) {
-    return Filled(soap_new_tt__H264Options(soap), [&](tt__H264Options& options) {
-        if (auto* resolution = MakeResolution(soap, info)) options.ResolutionsAvailable.push_back(resolution);
-    });
+    return Filled(soap_new_tt__H264Options(soap),
+                  [&](tt__H264Options& options) { Append(options.ResolutionsAvailable, MakeResolution(soap, info)); });
 }
 
 trt__StreamingCapabilities* MakeStreamingCapabilities(soap* soap) {
@@ -94,12 +89,11 @@ int MediaService::GetVideoSources(_trt__GetVideoSources*, _trt__GetVideoSourcesR
     for (auto const& entry : *channels) {
         auto const token = entry->GetPath();
         auto const info = channelInfo(GetChannelId(token));
-        auto* source = Filled(soap_new_tt__VideoSource(soap), [&](tt__VideoSource& out) {
-            out.token = token;
-            out.Framerate = GetFrameRate(info);
-            out.Resolution = MakeResolution(soap, info);
-        });
-        if (source) response.VideoSources.push_back(source);
+        Append(response.VideoSources, Filled(soap_new_tt__VideoSource(soap), [&](tt__VideoSource& source) {
+                   source.token = token;
+                   source.Framerate = GetFrameRate(info);
+                   source.Resolution = MakeResolution(soap, info);
+               }));
     }
     return SOAP_OK;
 }

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <tuple>
 #include <utility>
 
 namespace zarn::service::onvif {
@@ -15,8 +16,7 @@ namespace {
 
 tt__VideoResolution2* MakeResolution2(soap* soap, meta::data::VideoInfo const& info) {
     return Filled(soap_new_tt__VideoResolution2(soap), [&](tt__VideoResolution2& resolution) {
-        resolution.Width = static_cast<int>(info.GetResolution().first);
-        resolution.Height = static_cast<int>(info.GetResolution().second);
+        std::tie(resolution.Width, resolution.Height) = GetSize(info);
     });
 }
 
@@ -24,9 +24,7 @@ tt__VideoEncoder2Configuration* MakeVideoEncoder2Configuration(soap* soap, std::
                                                                std::string const& name,
                                                                meta::data::VideoInfo const& info) {
     return Filled(soap_new_tt__VideoEncoder2Configuration(soap), [&](tt__VideoEncoder2Configuration& configuration) {
-        configuration.Name = name;
-        configuration.UseCount = 1;
-        configuration.token = token;
+        Identify(configuration, token, name);
         configuration.Encoding = ConvertCodec(info.GetCodec());
         configuration.Resolution = MakeResolution2(soap, info);
         configuration.Quality = 1.0F;
@@ -40,11 +38,14 @@ tt__VideoEncoder2Configuration* MakeVideoEncoder2Configuration(soap* soap, std::
 tt__VideoAnalyticsConfiguration* MakeAnalyticsConfiguration(soap* soap, std::string const& token,
                                                             std::string const& name) {
     // The engine's modules and rules are told by the analytics service.
-    return Filled(soap_new_tt__VideoAnalyticsConfiguration(soap), [&](tt__VideoAnalyticsConfiguration& configuration) {
-        configuration.Name = name;
-        configuration.UseCount = 1;
-        configuration.token = token;
-    });
+    return Filled(soap_new_tt__VideoAnalyticsConfiguration(soap),
+                  [&](auto& configuration) { Identify(configuration, token, name); });
+}
+
+/// The maker of a configuration that tells nothing of the video, in the form of the others.
+template <auto Make>
+auto* WithoutVideo(soap* soap, std::string const& token, std::string const& name, meta::data::VideoInfo const&) {
+    return Make(soap, token, name);
 }
 
 /// One kind of configuration that a client may ask for in a profile.
@@ -54,24 +55,17 @@ struct ConfigurationKind {
                 meta::data::VideoInfo const&);
 };
 
+template <auto Member, auto Make>
+void Add(soap* soap, tr2__ConfigurationSet& set, std::string const& token, std::string const& name,
+         meta::data::VideoInfo const& info) {
+    set.*Member = Make(soap, token, name, info);
+}
+
 constexpr std::array ConfigurationKinds{
-    ConfigurationKind{"VideoSource",
-                      [](soap* soap, tr2__ConfigurationSet& set, std::string const& token, std::string const& name,
-                         meta::data::VideoInfo const& info) {
-                          set.VideoSource = MakeVideoSourceConfiguration(soap, token, name, info);
-                      }},
-    ConfigurationKind{"VideoEncoder",
-                      [](soap* soap, tr2__ConfigurationSet& set, std::string const& token, std::string const& name,
-                         meta::data::VideoInfo const& info) {
-                          set.VideoEncoder = MakeVideoEncoder2Configuration(soap, token, name, info);
-                      }},
-    ConfigurationKind{
-        "Metadata", [](soap* soap, tr2__ConfigurationSet& set, std::string const& token, std::string const& name,
-                       meta::data::VideoInfo const&) { set.Metadata = MakeMetadataConfiguration(soap, token, name); }},
-    ConfigurationKind{
-        "Analytics",
-        [](soap* soap, tr2__ConfigurationSet& set, std::string const& token, std::string const& name,
-           meta::data::VideoInfo const&) { set.Analytics = MakeAnalyticsConfiguration(soap, token, name); }},
+    ConfigurationKind{"VideoSource", Add<&tr2__ConfigurationSet::VideoSource, MakeVideoSourceConfiguration>},
+    ConfigurationKind{"VideoEncoder", Add<&tr2__ConfigurationSet::VideoEncoder, MakeVideoEncoder2Configuration>},
+    ConfigurationKind{"Metadata", Add<&tr2__ConfigurationSet::Metadata, WithoutVideo<MakeMetadataConfiguration>>},
+    ConfigurationKind{"Analytics", Add<&tr2__ConfigurationSet::Analytics, WithoutVideo<MakeAnalyticsConfiguration>>},
 };
 
 /// The configurations of a channel that a list of types asks for; null when the list is empty.
@@ -86,18 +80,10 @@ tr2__ConfigurationSet* MakeConfigurationSet(soap* soap, std::vector<std::string>
     });
 }
 
-tt__IntRange* MakeIntRange(soap* soap, int minimum, int maximum) {
-    return Filled(soap_new_tt__IntRange(soap), [&](tt__IntRange& range) {
-        range.Min = minimum;
-        range.Max = maximum;
-    });
-}
-
 /// The bounds that a video source of the channel can be set to: the whole picture only.
 tt__IntRectangleRange* MakeBoundsRange(soap* soap, meta::data::VideoInfo const& info) {
-    auto const width = static_cast<int>(info.GetResolution().first);
-    auto const height = static_cast<int>(info.GetResolution().second);
-    return Filled(soap_new_tt__IntRectangleRange(soap), [&](tt__IntRectangleRange& range) {
+    auto const [width, height] = GetSize(info);
+    return Filled(soap_new_tt__IntRectangleRange(soap), [&, width = width, height = height](auto& range) {
         range.XRange = MakeIntRange(soap, 0, width);
         range.YRange = MakeIntRange(soap, 0, height);
         range.WidthRange = MakeIntRange(soap, width, width);
@@ -188,19 +174,15 @@ int Media2Service::GetVideoEncoderConfigurations(tr2__GetConfiguration*,
 
 int Media2Service::GetMetadataConfigurations(tr2__GetConfiguration*,
                                              _tr2__GetMetadataConfigurationsResponse& response) {
-    auto const make = [](struct soap* soap, auto const& token, auto const& name, auto const&) {
-        return MakeMetadataConfiguration(soap, token, name);
-    };
-    PopulatePerChannel(soap, response.Configurations, make, channelInfo, configuration, "");
+    PopulatePerChannel(soap, response.Configurations, WithoutVideo<MakeMetadataConfiguration>, channelInfo,
+                       configuration, "");
     return SOAP_OK;
 }
 
 int Media2Service::GetAnalyticsConfigurations(tr2__GetConfiguration*,
                                               _tr2__GetAnalyticsConfigurationsResponse& response) {
-    auto const make = [](struct soap* soap, auto const& token, auto const& name, auto const&) {
-        return MakeAnalyticsConfiguration(soap, token, name);
-    };
-    PopulatePerChannel(soap, response.Configurations, make, channelInfo, configuration, "");
+    PopulatePerChannel(soap, response.Configurations, WithoutVideo<MakeAnalyticsConfiguration>, channelInfo,
+                       configuration, "");
     return SOAP_OK;
 }
 
@@ -234,11 +216,10 @@ int Media2Service::GetVideoEncoderConfigurationOptions(tr2__GetConfiguration* re
             range.Min = 1.0F;
             range.Max = 1.0F;
         });
-        if (auto* resolution = MakeResolution2(soap, info)) options.ResolutionsAvailable.push_back(resolution);
+        Append(options.ResolutionsAvailable, MakeResolution2(soap, info));
         options.BitrateRange = MakeIntRange(soap, 1000, 10000);
     };
-    if (auto* options = Filled(soap_new_tt__VideoEncoder2ConfigurationOptions(soap), fill))
-        response.Options.push_back(options);
+    Append(response.Options, Filled(soap_new_tt__VideoEncoder2ConfigurationOptions(soap), fill));
     return SOAP_OK;
 }
 

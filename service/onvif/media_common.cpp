@@ -1,25 +1,17 @@
 #include "media_common.h"
 
 #include "capability_values.h"
-#include "filled.h"
 #include "or_empty.h"
 
 #include <zarn/network/local.h>
 
 #include <algorithm>
 #include <locale>
+#include <tuple>
 
 namespace zarn::service::onvif {
 
 namespace {
-
-/// Fills what every configuration entity of a channel has.
-template <class Configuration>
-void Identify(Configuration& configuration, std::string const& token, std::string const& name) {
-    configuration.Name = name;
-    configuration.UseCount = 1;
-    configuration.token = token;
-}
 
 /// No multicast: the schema requires the record, and it says so by an address of no host and port 0.
 tt__MulticastConfiguration* MakeNoMulticast(soap* soap) {
@@ -61,8 +53,14 @@ std::string GetToken(tr2__GetConfiguration const* request) {
 
 tt__VideoResolution* MakeResolution(soap* soap, meta::data::VideoInfo const& info) {
     return Filled(soap_new_tt__VideoResolution(soap), [&](tt__VideoResolution& resolution) {
-        resolution.Width = static_cast<int>(info.GetResolution().first);
-        resolution.Height = static_cast<int>(info.GetResolution().second);
+        std::tie(resolution.Width, resolution.Height) = GetSize(info);
+    });
+}
+
+tt__IntRange* MakeIntRange(soap* soap, int minimum, int maximum) {
+    return Filled(soap_new_tt__IntRange(soap), [&](tt__IntRange& range) {
+        range.Min = minimum;
+        range.Max = maximum;
     });
 }
 
@@ -74,8 +72,7 @@ tt__VideoSourceConfiguration* MakeVideoSourceConfiguration(soap* soap, std::stri
         configuration.Bounds = Filled(soap_new_tt__IntRectangle(soap), [&](tt__IntRectangle& bounds) {
             bounds.x = 0;
             bounds.y = 0;
-            bounds.width = static_cast<int>(info.GetResolution().first);
-            bounds.height = static_cast<int>(info.GetResolution().second);
+            std::tie(bounds.width, bounds.height) = GetSize(info);
         });
     });
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "configuration_values.h"
+#include "filled.h"
 
 #include <zarn/configuration/node/dynamic.h>
 #include <zarn/configuration/node/root.h>
@@ -11,6 +12,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace zarn::service::onvif {
 
@@ -54,6 +56,22 @@ tt__Profile* MakeProfile(soap* soap, std::string const& token, std::string const
 /// The video size of a channel.
 tt__VideoResolution* MakeResolution(soap* soap, meta::data::VideoInfo const& info);
 
+/// A range of numbers, both ends included. Null without memory.
+tt__IntRange* MakeIntRange(soap* soap, int minimum, int maximum);
+
+/// Width and height of a channel's picture as the schema's numbers.
+inline std::pair<int, int> GetSize(meta::data::VideoInfo const& info) {
+    return {static_cast<int>(info.GetResolution().first), static_cast<int>(info.GetResolution().second)};
+}
+
+/// Fills what every configuration entity of a channel has.
+template <class Configuration>
+void Identify(Configuration& configuration, std::string const& token, std::string const& name) {
+    configuration.Name = name;
+    configuration.UseCount = 1;
+    configuration.token = token;
+}
+
 /// The address of a channel's live stream: rtsp://ADDRESS:PORT/ and the token's path with "/" for ".".
 /// Any token yields one. Throws object::BadCast when the RTSP port's setting is missing or of the wrong type.
 std::string MakeStreamUri(configuration::node::Root const& root, std::string const& token);
@@ -77,7 +95,7 @@ void PopulatePerChannel(soap* soap, List& out, Maker maker, ChannelInfo const& c
         auto const path = entry->GetPath();
         if (!token.empty() && token != path) continue;
         auto const name = ReadName(entry->As<configuration::node::Map>());
-        if (auto* object = maker(soap, path, name, channelInfo(GetChannelId(path)))) out.push_back(object);
+        Append(out, maker(soap, path, name, channelInfo(GetChannelId(path))));
     }
 }
 
