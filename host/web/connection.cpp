@@ -63,8 +63,9 @@ public:
         if (now < deadline.load()) return;
         asio::post(stream.get_executor(), [self = Self()] {
             if (Clock::now() < self->deadline.load()) return;
-            self->deadline = Clock::time_point::max();
-            self->timedOut = true;
+            // Cancelling misses an operation of several steps between two of them, and a client that floods the
+            // connection lets none of its steps wait. The deadline stands, so that the next look closes what is left.
+            if (std::exchange(self->timedOut, true)) return self->CloseNow();
             beast::error_code ignored;
             GetSocket(self->stream).cancel(ignored);
         });

@@ -3,6 +3,9 @@
 #include <gmock/gmock.h>
 
 #include <optional>
+#include <stop_token>
+#include <string>
+#include <thread>
 #include <vector>
 
 namespace zarn::host::web {
@@ -103,6 +106,19 @@ TEST_F(ServerBounds, HoldForTheTimeOfABody) {
     Start({.idleTime = 1s});
     auto connection = Connect();
     EXPECT_EQ(connection.Exchange("POST /echo/a HTTP/1.1\r\nHost: h\r\nContent-Length: 5\r\n\r\nhel").status, 408U);
+}
+
+TEST_F(ServerBounds, HoldForTheTimeOfABodyThatNeverLetsTheServerWait) {
+    Start({.bodyBytes = 1024 * 1024 * 1024, .idleTime = 1s});
+    auto connection = Connect();
+    connection.Send("POST /echo/a HTTP/1.1\r\nHost: h\r\nTransfer-Encoding: chunked\r\n\r\n");
+    std::string chunks;
+    for (int i = 0; i < 1000; ++i) chunks += "1\r\nx\r\n";
+    std::jthread const flood([&](std::stop_token const& stop) {
+        while (!stop.stop_requested()) connection.Send(chunks);
+    });
+    ASSERT_TRUE(AwaitConnections(1));
+    EXPECT_TRUE(AwaitConnections(0));
 }
 
 TEST_F(ServerBounds, EndAConnectionOnWhichNothingIsSaid) {
