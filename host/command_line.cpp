@@ -26,6 +26,24 @@ struct Texts {
     std::string logLevel = "info";
 };
 
+/// The part of a text that can be the path of a setting. What follows it may be a secret in the wrong place.
+std::string_view GetPathPart(std::string_view text) {
+    constexpr std::string_view PathCharacters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-_.";
+    return text.substr(0, text.find_first_not_of(PathCharacters));
+}
+
+/// What is wrong with arguments that nobody asked for. Names options only, without their values: a misspelt option may
+/// carry a password, and so may what stands behind it.
+Misuse RefuseExtras(std::vector<std::string> const& extras) {
+    for (auto const& text : extras) {
+        if (text.size() < 2 || !text.starts_with('-')) continue;
+        // Behind one dash comes one letter, then the value.
+        auto const name = text.starts_with("--") ? text.substr(0, text.find('=')) : text.substr(0, 2);
+        return Misuse{name + " is not an option; --help lists them"};
+    }
+    return Misuse{"there are arguments that belong to no option; --help lists the options"};
+}
+
 std::variant<CommandLine, Information, Misuse> Interpret(Texts const& texts, CLI::App const& app, bool check) {
     CommandLine commandLine;
     commandLine.check = check;
@@ -35,7 +53,9 @@ std::variant<CommandLine, Information, Misuse> Interpret(Texts const& texts, CLI
     }
     for (auto const& text : texts.overrides) {
         auto const sign = text.find('=');
-        if (sign == 0 || sign == std::string::npos) return Misuse{"--set: " + text + " is not PATH=VALUE"};
+        if (sign == 0 || sign == std::string::npos) {
+            return Misuse{"--set: \"" + std::string(GetPathPart(text)) + "\" is not followed by =VALUE"};
+        }
         commandLine.overrides.emplace_back(text.substr(0, sign), text.substr(sign + 1));
     }
     if (app.count("--password") > 0) {
@@ -50,6 +70,19 @@ std::variant<CommandLine, Information, Misuse> Interpret(Texts const& texts, CLI
     }
     commandLine.logLevel = *level;
     return commandLine;
+}
+
+/// What follows the first "="; null when there is none.
+char* FindValue(char* text) {
+    char* const sign = std::strchr(text, '=');
+    return sign == nullptr ? nullptr : sign + 1;
+}
+
+/// The value in PATH=VALUE when it is that of a password; else null.
+char* FindPassword(char* text) {
+    char* const value = FindValue(text);
+    if (value == nullptr) return nullptr;
+    return std::string_view(text, value - 1).ends_with("password") ? value : nullptr;
 }
 
 } // namespace
@@ -81,6 +114,10 @@ std::variant<CommandLine, Information, Misuse> ParseCommandLine(int count, char 
         return Information{app.help()};
     } catch (CLI::CallForVersion const& version) {
         return Information{std::string(version.what()) + '\n'};
+    } catch (CLI::ExtrasError const&) {
+        return RefuseExtras(app.remaining());
+    } catch (CLI::ConversionError const&) {
+        return Misuse{"--check, --help and --version take no value"};
     } catch (CLI::ParseError const& error) {
         std::string text = error.what();
         std::replace(text.begin(), text.end(), '\n', ' ');
@@ -89,12 +126,14 @@ std::variant<CommandLine, Information, Misuse> ParseCommandLine(int count, char 
 }
 
 void HidePassword(int count, char** arguments) {
-    constexpr std::string_view Option = "--password";
     for (int i = 1; i < count; ++i) {
         std::string_view const argument = arguments[i];
+        char* const next = i + 1 < count ? arguments[i + 1] : nullptr;
         char* secret = nullptr;
-        if (argument == Option && i + 1 < count) secret = arguments[i + 1];
-        if (argument.starts_with("--password=")) secret = arguments[i] + Option.size() + 1;
+        if (argument == "--password") secret = next;
+        if (argument.starts_with("--password=")) secret = FindValue(arguments[i]);
+        if (argument == "--set" && next != nullptr) secret = FindPassword(next);
+        if (argument.starts_with("--set=")) secret = FindPassword(FindValue(arguments[i]));
         if (secret != nullptr) std::memset(secret, '*', std::strlen(secret));
     }
 }

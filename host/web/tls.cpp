@@ -10,6 +10,18 @@ namespace zarn::host::web {
 
 namespace ssl = boost::asio::ssl;
 
+namespace {
+
+/// Where the configuration names the files.
+constexpr char const* CertificatePath = "settings.tls.certificate";
+constexpr char const* PrivateKeyPath = "settings.tls.private_key";
+
+std::runtime_error Unusable(std::string const& setting, std::string const& file, std::string const& why) {
+    return std::runtime_error(setting + ": " + file + " cannot be used: " + why);
+}
+
+} // namespace
+
 std::shared_ptr<ssl::context> MakeTlsContext(std::string const& certificate, std::string const& privateKey) {
     auto context = std::make_shared<ssl::context>(ssl::context::tls_server);
     context->set_options(ssl::context::default_workarounds | ssl::context::no_compression);
@@ -19,12 +31,12 @@ std::shared_ptr<ssl::context> MakeTlsContext(std::string const& certificate, std
     context->set_password_callback([](std::size_t, ssl::context::password_purpose) { return std::string(); });
     boost::system::error_code error;
     context->use_certificate_chain_file(certificate, error);
-    if (error) throw std::runtime_error("certificate " + certificate + " cannot be used: " + error.message());
+    if (error) throw Unusable(CertificatePath, certificate, error.message());
     context->use_private_key_file(privateKey, ssl::context::pem, error);
-    if (error) throw std::runtime_error("private key " + privateKey + " cannot be used: " + error.message());
+    if (error) throw Unusable(PrivateKeyPath, privateKey, error.message());
     // Reading the key compares it with a certificate of its own type only.
     if (SSL_CTX_check_private_key(context->native_handle()) != 1) {
-        throw std::runtime_error("private key " + privateKey + " does not belong to certificate " + certificate);
+        throw Unusable(PrivateKeyPath, privateKey, "it does not belong to the certificate " + certificate);
     }
     return context;
 }

@@ -160,9 +160,12 @@ TEST_P(Refuses, ToStartWithOneClearLineAndStatusTwo) {
 INSTANTIATE_TEST_SUITE_P(
     Start, Refuses,
     testing::Values(
-        Misstart{"UnknownOption", "{}", {"--bogus"}, "--bogus"}, Misstart{"StrayArgument", "{}", {"bogus"}, "bogus"},
-        Misstart{
-            "OverrideWithoutValue", "{}", {"--set", "settings.web_port"}, "--set: settings.web_port is not PATH=VALUE"},
+        Misstart{"UnknownOption", "{}", {"--bogus"}, "--bogus"},
+        Misstart{"StrayArgument", "{}", {"bogus"}, "arguments that belong to no option"},
+        Misstart{"OverrideWithoutValue",
+                 "{}",
+                 {"--set", "settings.web_port"},
+                 "--set: \"settings.web_port\" is not followed by =VALUE"},
         Misstart{"OverrideOfNothing",
                  "{}",
                  {"--set", "settings.nothing=1"},
@@ -202,7 +205,7 @@ INSTANTIATE_TEST_SUITE_P(
         Misstart{"MissingCertificate",
                  R"({"settings": {"tls": {"certificate": "/no/a.pem", "private_key": "/no/b.pem"}}})",
                  {},
-                 "/no/a.pem"}),
+                 "config.json: settings.tls.certificate: /no/a.pem cannot be used: No such file"}),
     [](auto const& row) { return row.param.name; });
 
 TEST(Start, SaysWhichPortIsTaken) {

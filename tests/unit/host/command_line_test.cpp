@@ -74,19 +74,36 @@ TEST_F(CommandLineTest, TakesThePasswordFromTheEnvironmentToo) {
 
 TEST_F(CommandLineTest, NamesWhatItDoesNotUnderstand) {
     EXPECT_THAT(GetMisuse({"--bogus"}), HasSubstr("--bogus"));
-    EXPECT_THAT(GetMisuse({"stray"}), HasSubstr("stray"));
+    EXPECT_THAT(GetMisuse({"stray"}), HasSubstr("arguments that belong to no option"));
+    EXPECT_THAT(GetMisuse({"stray", "--bogus=1"}), HasSubstr("--bogus is not an option"));
+    EXPECT_THAT(GetMisuse({"-x"}), HasSubstr("-x is not an option"));
+    EXPECT_THAT(GetMisuse({"--check=maybe"}), HasSubstr("--check"));
     EXPECT_THAT(GetMisuse({"--config"}), HasSubstr("--config"));
     EXPECT_THAT(GetMisuse({"--config", ""}), HasSubstr("--config"));
     EXPECT_THAT(GetMisuse({"--config", "a", "--config", "b"}), HasSubstr("--config"));
-    EXPECT_EQ(GetMisuse({"--set", "a"}), "--set: a is not PATH=VALUE");
-    EXPECT_EQ(GetMisuse({"--set", "=a"}), "--set: =a is not PATH=VALUE");
-    EXPECT_THAT(GetMisuse({"--set", "a=1", "b=2"}), HasSubstr("b=2"));
+    EXPECT_EQ(GetMisuse({"--set", "a.b"}), "--set: \"a.b\" is not followed by =VALUE");
+    EXPECT_EQ(GetMisuse({"--set", "=a"}), "--set: \"\" is not followed by =VALUE");
+    EXPECT_THAT(GetMisuse({"--set", "a=1", "b=2"}), HasSubstr("arguments that belong to no option"));
     EXPECT_THAT(GetMisuse({"--log-level", "loud"}), HasSubstr("loud"));
     EXPECT_THAT(GetMisuse({"--password", ""}), HasSubstr("--password"));
 }
 
 TEST_F(CommandLineTest, NeverRepeatsAPasswordInAMessage) {
-    EXPECT_THAT(GetMisuse({"--password", "sesame", "--bogus"}), testing::Not(HasSubstr("sesame")));
+    for (std::vector<char const*> const& arguments : std::vector<std::vector<char const*>>{
+             {"--password", "sesame", "--bogus"},
+             {"--pasword=sesame"},
+             {"--pasword", "sesame"},
+             {"-psesame"},
+             {"-p", "sesame"},
+             {"sesame"},
+             {"--password", "open", "sesame"},
+             {"--password", "sesame", "--password", "sesame"},
+             {"--set", "=sesame"},
+             {"--set", "channels.1.password:sesame"},
+             {"--check=sesame"},
+         }) {
+        EXPECT_THAT(GetMisuse(arguments), testing::Not(HasSubstr("sesame"))) << arguments.front();
+    }
 }
 
 TEST_F(CommandLineTest, GivesHelpAndVersion) {
@@ -95,11 +112,23 @@ TEST_F(CommandLineTest, GivesHelpAndVersion) {
 }
 
 TEST_F(CommandLineTest, LosesItsPasswordWhenItIsHidden) {
-    std::vector<std::string> texts{"zarn-host", "--password", "one", "--password=two", "three"};
+    std::vector<std::string> texts{"zarn-host",
+                                   "--password",
+                                   "one",
+                                   "--password=two",
+                                   "three",
+                                   "--set",
+                                   "channels.1.password=a=b",
+                                   "--set=channels.1.password=four",
+                                   "--set",
+                                   "a=b",
+                                   "--set"};
     std::vector<char*> arguments;
     for (auto& text : texts) arguments.push_back(text.data());
     HidePassword(static_cast<int>(arguments.size()), arguments.data());
-    EXPECT_THAT(texts, ElementsAre("zarn-host", "--password", "***", "--password=***", "three"));
+    EXPECT_THAT(texts,
+                ElementsAre("zarn-host", "--password", "***", "--password=***", "three", "--set",
+                            "channels.1.password=***", "--set=channels.1.password=****", "--set", "a=b", "--set"));
 }
 
 TEST_F(CommandLineTest, HasADefaultForTheConfiguration) {

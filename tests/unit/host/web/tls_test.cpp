@@ -44,16 +44,18 @@ TEST(Tls, NamesTheFileThatCannotBeUsed) {
     Certificate const files(folder);
     auto const garbage = folder.Write("garbage", "no PEM");
     EXPECT_THAT(GetError(folder / "none", files.key),
-                AllOf(HasSubstr("certificate "), HasSubstr("/none"), HasSubstr("No such file")));
-    EXPECT_THAT(GetError(garbage, files.key), AllOf(HasSubstr("certificate "), HasSubstr("/garbage")));
-    EXPECT_THAT(GetError(files.certificate, garbage), AllOf(HasSubstr("private key "), HasSubstr("/garbage")));
+                AllOf(HasSubstr("settings.tls.certificate: "), HasSubstr("/none"), HasSubstr("No such file")));
+    EXPECT_THAT(GetError(garbage, files.key), AllOf(HasSubstr("settings.tls.certificate: "), HasSubstr("/garbage")));
+    EXPECT_THAT(GetError(files.certificate, garbage),
+                AllOf(HasSubstr("settings.tls.private_key: "), HasSubstr("/garbage")));
 }
 
 TEST(Tls, RefusesAKeyOfAnotherCertificate) {
     TemporaryFolder const folder;
     Certificate const one(folder, "one");
     Certificate const two(folder, "two");
-    EXPECT_THAT(GetError(one.certificate, two.key), AllOf(HasSubstr("two.key"), HasSubstr("mismatch")));
+    EXPECT_THAT(GetError(one.certificate, two.key),
+                AllOf(HasSubstr("settings.tls.private_key: "), HasSubstr("two.key"), HasSubstr("mismatch")));
 }
 
 TEST(Tls, RefusesAKeyOfAnotherKindThanTheCertificates) {
