@@ -1,9 +1,11 @@
 #include "soap_context.h"
 
+#include <boost/algorithm/string/replace.hpp>
 #include <soapH.h>
 
 #include <cstring>
 #include <new>
+#include <string>
 
 namespace zarn::service::onvif {
 
@@ -37,6 +39,26 @@ int IgnoreElement(soap* soap, char const* tag) {
     return refused ? SOAP_MUSTUNDERSTAND : SOAP_OK;
 }
 
+using PostHeaderFunction = int (*)(soap*, char const*, char const*);
+
+/// What writes a header field in every new context.
+PostHeaderFunction GetDefaultPostHeader() {
+    static PostHeaderFunction const post = [] {
+        struct soap fresh;
+        return fresh.fposthdr;
+    }();
+    return post;
+}
+
+/// Writes a header field; of a challenge of the digest plugin only what can be kept. It offers "auth-int" as well, a
+/// digest over the body that the host's engine is not asked about: a client that prefers it, such as gSOAP's own, would
+/// never be let in.
+int PostHeader(soap* soap, char const* name, char const* value) {
+    if (!name || !value || std::strcmp(name, "WWW-Authenticate") != 0) return GetDefaultPostHeader()(soap, name, value);
+    auto const challenge = boost::replace_first_copy(std::string(value), R"(qop="auth,auth-int")", R"(qop="auth")");
+    return GetDefaultPostHeader()(soap, name, challenge.c_str());
+}
+
 void Release(soap* soap) {
     soap_delete(soap, nullptr);
     soap_end(soap);
@@ -51,6 +73,7 @@ std::shared_ptr<soap> MakeSoapContext() {
     });
     if (!context) throw std::bad_alloc();
     context->fignore = IgnoreElement;
+    context->fposthdr = PostHeader;
     context->maxlevel = MaximumLevel;
     context->maxlength = MaximumTextLength;
     context->recv_maxlength = MaximumMessageLength;

@@ -33,6 +33,14 @@ TEST_F(Authentication, ChallengesWithANewNonceEveryTime) {
               AskForUsers({.authenticated = false}).fields.at("WWW-Authenticate"));
 }
 
+TEST_F(Authentication, OffersNoQualityThatItCannotCheck) {
+    for (auto const& sending : {Sending{.authenticated = false}, Sending{.password = "wrong"}}) {
+        auto const challenge = AskForUsers(sending).fields.at("WWW-Authenticate");
+        EXPECT_THAT(challenge, testing::HasSubstr("qop=\"auth\""));
+        EXPECT_THAT(challenge, testing::Not(testing::HasSubstr("auth-int")));
+    }
+}
+
 TEST_F(Authentication, ReadsTheNameOfTheFieldAndTheDigestInAnyCase) {
     auto authorization = MakeAuthorization({});
     EXPECT_EQ(AskForUsers({.fields = {{"authorization", authorization}}, .authenticated = false}).status, 200);
