@@ -1,0 +1,63 @@
+#pragma once
+
+#include <httpda.h>
+#include <soapH.h>
+
+#include <memory>
+#include <string>
+#include <utility>
+
+namespace zarn::tests::interop {
+
+/// What a C++ program has that was generated from the service definitions: a context for proxies, with one kept
+/// connection, which logs in by HTTP digest when it is asked to.
+class GsoapClient {
+public:
+    explicit GsoapClient(std::string password);
+    ~GsoapClient();
+    GsoapClient(GsoapClient const&) = delete;
+    GsoapClient& operator=(GsoapClient const&) = delete;
+
+    /// Calls an operation of a service and returns gSOAP's status: SOAP_OK, 401 when the password is wrong, or another.
+    /// endpoint  the service's address
+    template <class Proxy, class Request, class Response>
+    int Call(std::string const& endpoint, int (Proxy::*operation)(Request*, Response&), Request request,
+             Response& response) {
+        Proxy proxy(GetContext(), endpoint.c_str());
+        auto const call = [&] { return (proxy.*operation)(&request, response); };
+        PrepareCall();
+        int const status = call();
+        return status == 401 && LogIn() ? call() : status;
+    }
+
+    /// How many connections it has opened so far.
+    int CountConnections() const { return connections; }
+
+    /// The realm that it is logged in to; empty before.
+    std::string const& GetRealm() const { return realm; }
+
+    struct soap* GetContext() const {
+        return context.get();
+    }
+
+private:
+    struct Free {
+        void operator()(struct soap* context) const;
+    };
+
+    static SOAP_SOCKET Connect(struct soap* context, char const* endpoint, char const* host, int port);
+
+    void PrepareCall();
+
+    /// Answers the challenge that has come; false when it has been answered before.
+    bool LogIn();
+
+    std::string password;
+    std::string realm;
+    int connections = 0;
+    http_da_info login{};
+    std::unique_ptr<struct soap, Free> context;
+    SOAP_SOCKET (*connect)(struct soap*, char const*, char const*, int);
+};
+
+} // namespace zarn::tests::interop
