@@ -1,6 +1,7 @@
 #include "host/application.h"
 
 #include "host/settings.h"
+#include "host/signals.h"
 #include "host/status.h"
 #include "host/web/health_route.h"
 #include "host/web/listener.h"
@@ -28,6 +29,8 @@ using logging::Level;
 /// Settings that are read once, at start.
 constexpr std::array FixedPaths{"identity", WebPortPath, RtspPortPath};
 
+std::vector<int> const HandledSignals{SIGTERM, SIGINT, SIGHUP};
+
 /// Threads of the web server: they never wait, so that more than a few would only get into each other's way.
 unsigned CountWebThreads() { return std::clamp(std::thread::hardware_concurrency(), 2U, 4U); }
 
@@ -48,8 +51,12 @@ Application::Application(Preparation prepared)
 
     web::Listener listener(webContext, ReadPort(root, WebPortPath));
     BindPort(WebPortPath, listener.GetPort());
-    engine = std::make_unique<video::Engine>(
-        video::RtspSettings{ReadPort(root, RtspPortPath), authenticate, preparation.credentials.ha1});
+    failedLogins->SetLimit(ReadFailedLoginsLimit(root));
+    engine = std::make_unique<video::Engine>(video::RtspSettings{.port = ReadPort(root, RtspPortPath),
+                                                                 .authenticate = authenticate,
+                                                                 .ha1 = preparation.credentials.ha1,
+                                                                 .limits = ReadRtspLimits(root),
+                                                                 .failedLogins = failedLogins});
     BindPort(RtspPortPath, engine->GetPort());
     engine->SetChannels(ReadChannels(root));
 
@@ -60,10 +67,12 @@ Application::Application(Preparation prepared)
     manager->UpdateSSLState(preparation.tls != nullptr);
     onvif = std::make_shared<web::OnvifRoute>(*manager, authentication);
 
-    server = std::make_unique<web::Server>(
-        webContext, std::move(listener), web::Router(MakeRoutes()),
-        web::Server::Options{
-            .limits = ReadLimits(root), .tls = preparation.tls, .threads = CountWebThreads(), .admission = admission});
+    server = std::make_unique<web::Server>(webContext, std::move(listener), web::Router(MakeRoutes()),
+                                           web::Server::Options{.limits = ReadLimits(root),
+                                                                .tls = preparation.tls,
+                                                                .threads = CountWebThreads(),
+                                                                .admission = admission,
+                                                                .failedLogins = failedLogins});
     changes = root.Bind([this](auto const&) { ScheduleApply(); });
     AwaitSignal();
 }
@@ -75,7 +84,10 @@ std::string Application::GetAddress() const {
            std::to_string(ReadPort(*preparation.configuration, WebPortPath)) + "/onvif/device_service";
 }
 
-void Application::Run() { control.run(); }
+void Application::Run() {
+    ReleaseSignals(HandledSignals);
+    control.run();
+}
 
 void Application::Stop() {
     if (!server) return;
@@ -115,7 +127,8 @@ void Application::AwaitSignal() {
         if (signal != SIGHUP) {
             logger.Log(Level::Info, "Stopping: signal %0%", signal);
             // A second one ends the process the system's way, should stopping take too long for somebody.
-            signals.clear();
+            signals.remove(SIGTERM);
+            signals.remove(SIGINT);
             control.stop();
             return;
         }
@@ -154,6 +167,8 @@ void Application::ScheduleApply() {
 
 void Application::Apply() {
     applyScheduled = false;
+    // The threads that begin here are not to get the signals.
+    SignalHold const hold(HandledSignals);
     auto const& root = *preparation.configuration;
     try {
         bool const authenticate = ReadBool(root, AuthenticationPath);
@@ -161,7 +176,9 @@ void Application::Apply() {
             authentication.SetEnabled(authenticate);
             engine->SetAuthentication(authenticate, preparation.credentials.ha1);
         }
+        failedLogins->SetLimit(ReadFailedLoginsLimit(root));
         server->SetLimits(ReadLimits(root));
+        engine->SetLimits(ReadRtspLimits(root));
         engine->SetChannels(ReadChannels(root));
         ReportLater();
         preparation.file->SaveChanges();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/failed_logins.h"
 #include "host/preparation.h"
 #include "host/video/engine.h"
 #include "host/web/admission.h"
@@ -40,6 +41,7 @@ public:
     std::string GetAddress() const;
 
     /// Works until SIGTERM or SIGINT comes: re-reads the configuration at SIGHUP, applies and saves its changes.
+    /// Releases these signals if they were held before; they come to this thread.
     void Run();
 
     /// Ends everything: no new connections, no new requests; the module answers those that wait; the answers are
@@ -63,6 +65,7 @@ private:
     boost::asio::signal_set signals;
     ZarnAuthenticationEngine authentication;
     boost::asio::io_context webContext; ///< run by the server's threads; outlives whoever may still complete a response
+    std::shared_ptr<FailedLogins> failedLogins = std::make_shared<FailedLogins>();
     std::unique_ptr<video::Engine> engine;
     std::unique_ptr<service::onvif::Manager> manager;
     std::shared_ptr<web::OnvifRoute> onvif;

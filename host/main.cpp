@@ -1,11 +1,13 @@
 #include "host/application.h"
 #include "host/command_line.h"
 #include "host/preparation.h"
+#include "host/signals.h"
 
 #include <zarn/logging/logger.h>
 
 #include <sys/resource.h>
 
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <exception>
@@ -22,6 +24,9 @@ constexpr int BadOptionOrFile = 2;
 
 /// Status of a process that could not do what it was told.
 constexpr int CannotRun = 1;
+
+/// What stopping may take after the signal.
+constexpr std::chrono::milliseconds StopTime{1500};
 
 int Fail(int status, std::string const& text) {
     std::fprintf(stderr, "zarn-host: %s\n", text.c_str());
@@ -45,10 +50,14 @@ int Serve(Preparation preparation) {
     if (auto const& password = preparation.credentials.generated) {
         Print("password of user admin, shown only now: " + *password + '\n');
     }
+    if (IsWaiting({SIGTERM, SIGINT})) return 0;
     Application application(std::move(preparation));
     Print("ready " + application.GetAddress() + '\n');
     application.Run();
+    EndWithin(StopTime);
     application.Stop();
+    // Nobody is left to read the configuration again; to end for that would be worse.
+    HoldSignals({SIGHUP});
     return 0;
 }
 
@@ -74,6 +83,8 @@ int Start(CommandLine const& commandLine) {
 } // namespace
 
 int main(int count, char** arguments) {
+    // Until the application can handle them, so that none ends it in the middle of writing a file.
+    HoldSignals({SIGTERM, SIGINT, SIGHUP});
     std::signal(SIGPIPE, SIG_IGN);
     RaiseFileLimit();
     auto const commandLine = ParseCommandLine(count, arguments);

@@ -1,7 +1,8 @@
 #include "host/settings.h"
 
-#include "host/frame_rate.h"
+#include "host/failed_logins.h"
 #include "host/video/check_source.h"
+#include "host/video/frame_rate.h"
 
 #include <zarn/configuration/error.h>
 #include <zarn/configuration/node/dynamic.h>
@@ -60,7 +61,7 @@ Rule<std::string> Source() {
 
 Rule<std::string> FrameRate() {
     return {"a frame rate such as 25 or 30000/1001",
-            [](std::string const& text) { return ParseFrameRate(text).has_value(); }};
+            [](std::string const& text) { return video::ParseFrameRate(text).has_value(); }};
 }
 
 std::vector<Schema> IdentitySchemas() {
@@ -107,8 +108,8 @@ std::vector<Schema> SettingsSchemas() {
          "Seconds that a connection may be silent, and a body or response may take",
          {},
          Number(1, 86400)},
-        {"settings.limits.failed_logins_per_minute",
-         number(limits.failedLoginsPerMinute),
+        {FailedLoginsPath,
+         number(FailedLogins::DefaultLimit),
          "Wrong logins from one address within a minute before further ones are refused",
          {},
          Number(1, 10000)},
@@ -164,8 +165,16 @@ web::Limits ReadLimits(configuration::node::Root const& root) {
             .exchanges = number("settings.limits.exchanges"),
             .bodyBytes = number("settings.limits.body_bytes"),
             .headerTime = std::chrono::seconds(number("settings.limits.header_seconds")),
-            .idleTime = std::chrono::seconds(number("settings.limits.idle_seconds")),
-            .failedLoginsPerMinute = number("settings.limits.failed_logins_per_minute")};
+            .idleTime = std::chrono::seconds(number("settings.limits.idle_seconds"))};
+}
+
+video::RtspLimits ReadRtspLimits(configuration::node::Root const& root) {
+    auto const limits = ReadLimits(root);
+    return {.connections = limits.connections, .connectionsPerAddress = limits.connectionsPerAddress};
+}
+
+std::size_t ReadFailedLoginsLimit(configuration::node::Root const& root) {
+    return Read<std::uint32_t>(root, FailedLoginsPath);
 }
 
 TlsFiles ReadTlsFiles(configuration::node::Root const& root) {
@@ -185,14 +194,15 @@ std::vector<video::ChannelSettings> ReadChannels(configuration::node::Root const
     std::vector<video::ChannelSettings> channels;
     for (auto const& node : root.Find("channels")->As<configuration::node::Dynamic>()) {
         auto const& entry = node->As<Map>();
-        auto const rate = ParseFrameRate(Read<std::string>(entry, "video.rate")).value_or(std::pair(0, 1));
+        auto const rate =
+            video::ParseFrameRate(Read<std::string>(entry, "video.rate")).value_or(video::FrameRate{0, 1});
         channels.push_back({.id = entry.GetKey(),
                             .source = Read<std::string>(entry, "source"),
                             .user = Read<std::string>(entry, "user"),
                             .password = Read<std::string>(entry, "password"),
                             .described = meta::data::VideoInfo(
                                 {Read<std::uint32_t>(entry, "video.width"), Read<std::uint32_t>(entry, "video.height")},
-                                Read<std::string>(entry, "video.codec"), rate.first, rate.second)});
+                                Read<std::string>(entry, "video.codec"), rate.numerator, rate.denominator)});
     }
     return channels;
 }

@@ -1,11 +1,13 @@
 #pragma once
 
 #include "host/video/channel_settings.h"
+#include "host/video/rtsp_settings.h"
 #include "host/web/limits.h"
 
 #include <zarn/configuration/node/root.h>
 #include <zarn/utilities/name/config.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -32,6 +34,12 @@ utilities::name::Config ReadIdentity(configuration::node::Root const& root);
 /// The bounds of the web server (`settings.limits`).
 web::Limits ReadLimits(configuration::node::Root const& root);
 
+/// The bounds of the RTSP server (`settings.limits`).
+video::RtspLimits ReadRtspLimits(configuration::node::Root const& root);
+
+/// How many wrong logins an address may try in a minute, on both servers together.
+std::size_t ReadFailedLoginsLimit(configuration::node::Root const& root);
+
 /// `settings.tls`. Throws configuration::Error when only one of the two files is given.
 TlsFiles ReadTlsFiles(configuration::node::Root const& root);
 
@@ -51,5 +59,6 @@ inline constexpr char const* WebPortPath = "settings.web_port";
 inline constexpr char const* RtspPortPath = "settings.rtsp_port";
 inline constexpr char const* AuthenticationPath = "settings.authentication.enabled";
 inline constexpr char const* OnvifPath = "settings.onvif.enabled";
+inline constexpr char const* FailedLoginsPath = "settings.limits.failed_logins_per_minute";
 
 } // namespace zarn::host

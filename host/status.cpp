@@ -39,7 +39,7 @@ json::value MakeStatus(configuration::node::Root const& configuration, video::En
     return json::object{{"status", failed ? "degraded" : "ok"},
                         {"version", ZARN_VERSION},
                         {"uptime_seconds", uptime.count()},
-                        {"module", {{"onvif", "serving"}, {"discovery", ReadBool(configuration, OnvifPath)}}},
+                        {"module", {{"onvif", "serving"}, {"enabled", ReadBool(configuration, OnvifPath)}}},
                         {"listeners",
                          {{"web",
                            {{"port", ReadPort(configuration, WebPortPath)},

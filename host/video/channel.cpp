@@ -2,10 +2,9 @@
 
 #include "host/video/back_off.h"
 #include "host/video/check_source.h"
+#include "host/video/log.h"
 
-#include <zarn/logging/logger.h>
-
-#include <exception>
+#include <system_error>
 #include <utility>
 
 namespace zarn::host::video {
@@ -23,11 +22,6 @@ constexpr std::chrono::seconds PictureTimeout = 10s;
 /// A file that lags more than this, because the machine could not follow, goes on in real time instead of catching up.
 constexpr std::chrono::seconds LagLimit = 1s;
 
-logging::Logger const& Log() {
-    static logging::Logger const Logger("zarn.host.video");
-    return Logger;
-}
-
 std::string ToText(meta::data::VideoInfo const& info) {
     auto const [width, height] = info.GetResolution();
     return info.GetCodec() + " " + std::to_string(width) + "x" + std::to_string(height) + " " +
@@ -43,25 +37,50 @@ Channel::Channel(ChannelSettings settings, std::function<void()> onBreak)
     if (!HasSource()) return;
     auto parsed = ParseSource(this->settings.source);
     if (!parsed.source) {
-        state = ChannelState::Failed;
-        detail = std::move(parsed.error);
-        Log().Log(logging::Level::Warning, "channel %0%: %1%", this->settings.id, detail);
+        Refuse({"the source is not understood", std::move(parsed.error)});
         return;
     }
     state = ChannelState::Connecting;
-    thread =
-        std::jthread([this, source = std::move(*parsed.source)](std::stop_token const& stop) { Run(stop, source); });
+    hasEnded = false;
+    try {
+        thread = std::jthread([this, source = std::move(*parsed.source)](std::stop_token const& stop) {
+            Run(stop, source);
+            std::scoped_lock const lock(mutex);
+            hasEnded = true;
+            end.notify_all();
+        });
+    } catch (std::system_error const& error) {
+        hasEnded = true;
+        couldBegin = false;
+        Refuse({"there is no thread for the source", error.what()});
+    }
 }
 
 Channel::~Channel() = default;
 
 void Channel::Stop() { thread.request_stop(); }
 
-void Channel::Join() {
-    if (thread.joinable()) thread.join();
+void Channel::Refuse(Failure const& why) {
+    state = ChannelState::Failed;
+    detail = why.summary;
+    Log().Log(logging::Level::Warning, "channel %0%: %1%: %2%", settings.id, why.summary, why.detail);
+}
+
+void Channel::Abandon() {
+    {
+        std::scoped_lock const lock(breakMutex);
+        onBreak = nullptr;
+    }
+    stream->End();
+}
+
+bool Channel::WaitForEnd(Clock::time_point deadline) {
+    std::unique_lock lock(mutex);
+    return end.wait_until(lock, deadline, [this] { return hasEnded; });
 }
 
 bool Channel::CanGoOnWith(ChannelSettings const& other) const {
+    if (!couldBegin) return false;
     auto same = other;
     same.described = settings.described;
     return same == settings;
@@ -86,9 +105,9 @@ void Channel::Run(std::stop_token const& stop, Source const& source) {
     OpenOptions options{settings.user, settings.password, false};
     while (!stop.stop_requested()) {
         auto outcome = RunOnce(stop, source, options);
-        if (stop.stop_requested() || outcome.failure.empty()) continue;
+        if (stop.stop_requested() || !outcome.failure) continue;
         stream->Interrupt();
-        SetState(ChannelState::Failed, std::move(outcome.failure));
+        SetState(ChannelState::Failed, *std::move(outcome.failure));
         auto const lasted = outcome.firstPicture ? Clock::now() - *outcome.firstPicture : Clock::duration{0};
         WaitUntil(stop, Clock::now() + backOff.Fail(lasted));
         // A server that refuses one transport may offer the other.
@@ -111,19 +130,21 @@ Channel::Outcome Channel::RunOnce(std::stop_token const& stop, Source const& sou
     auto newest = Clock::now();
     while (!stop.stop_requested()) {
         auto result = producer.Pull(PullWait);
+        // It may have hung for long, and another channel may have taken this one's place.
+        if (stop.stop_requested()) break;
         if (auto* picture = std::get_if<Producer::Picture>(&result)) {
             newest = Clock::now();
             Take(stop, std::move(*picture), isPaced);
             if (!outcome.firstPicture) outcome.firstPicture = newest;
-        } else if (auto* failed = std::get_if<Producer::Failed>(&result)) {
-            outcome.failure = std::move(failed->reason);
+        } else if (auto* failure = std::get_if<Failure>(&result)) {
+            outcome.failure = std::move(*failure);
             return outcome;
         } else if (std::holds_alternative<Producer::Ended>(result)) {
-            if (!isPaced) outcome.failure = "the video ended";
-            if (!outcome.firstPicture) outcome.failure = "it holds no video";
+            if (!isPaced) outcome.failure = Failure{"the video ended"};
+            if (!outcome.firstPicture) outcome.failure = Failure{"it holds no video"};
             return outcome;
         } else if (Clock::now() - newest > PictureTimeout) {
-            outcome.failure = "no picture came for 10 seconds";
+            outcome.failure = Failure{"no picture came for 10 seconds"};
             return outcome;
         }
     }
@@ -151,7 +172,9 @@ void Channel::Follow(GstCaps* next) {
     auto const format = ReadFormat(next);
     if (!format) return;
     caps = format->caps;
-    if (!stream->SetFormat(*format)) onBreak();
+    if (stream->SetFormat(*format)) return;
+    std::scoped_lock const lock(breakMutex);
+    if (onBreak) onBreak();
 }
 
 void Channel::WaitUntil(std::stop_token const& stop, Clock::time_point time) {
@@ -159,14 +182,14 @@ void Channel::WaitUntil(std::stop_token const& stop, Clock::time_point time) {
     wake.wait_until(lock, stop, time, [] { return false; });
 }
 
-void Channel::SetState(ChannelState next, std::string why) {
+void Channel::SetState(ChannelState next, Failure why) {
     {
         std::scoped_lock const lock(mutex);
-        if (state == next && detail == why) return;
+        if (state == next && detail == why.summary) return;
         state = next;
-        detail = why;
+        detail = why.summary;
     }
-    Report(next, std::move(why));
+    Report(next, why.GetText());
 }
 
 void Channel::Report(ChannelState next, std::string why) {

@@ -22,11 +22,12 @@ namespace zarn::host::video {
 /// another. Thread: any.
 class Channel {
 public:
+    /// A source that is not understood, or no thread for it, makes a channel that has failed.
     /// settings  see ChannelSettings
     /// onBreak   called on the channel's thread when the video changed so that those who view it cannot go on
     Channel(ChannelSettings settings, std::function<void()> onBreak);
 
-    /// Stop() and Join().
+    /// Stop(); waits without a deadline.
     ~Channel();
 
     Channel(Channel const&) = delete;
@@ -35,11 +36,15 @@ public:
     /// Begins to close the source, does not wait.
     void Stop();
 
-    /// Waits until a stopped channel has closed its source; nothing is published and onBreak is not called any more.
-    /// Thread: one at a time.
-    void Join();
+    /// Waits until a stopped channel has closed its source; false when the deadline comes first, as it does for a file
+    /// on a disk that does not answer. After that nothing is published and onBreak is not called.
+    bool WaitForEnd(std::chrono::steady_clock::time_point deadline);
 
-    /// True when only the description differs between the settings, so that the channel can go on.
+    /// Leaves a channel that does not end to itself: its streams end, and onBreak is not called any more.
+    void Abandon();
+
+    /// True when only the description differs between the settings, so that the channel can go on. One that could not
+    /// begin cannot.
     bool CanGoOnWith(ChannelSettings const& other) const;
 
     /// Changes the description that stands until the video is known.
@@ -57,31 +62,37 @@ public:
 private:
     /// How one run of the source ended.
     struct Outcome {
-        std::string failure;                                                    ///< empty: the file ended, or stopped
+        std::optional<Failure> failure = {};                                    ///< none: the file ended, or stopped
         std::optional<std::chrono::steady_clock::time_point> firstPicture = {}; ///< when video began
     };
 
+    void Refuse(Failure const& why);
     void Run(std::stop_token const& stop, Source const& source);
     Outcome RunOnce(std::stop_token const& stop, Source const& source, OpenOptions const& options);
     void Take(std::stop_token const& stop, Producer::Picture picture, bool isPaced);
     void Follow(GstCaps* caps);
     void WaitUntil(std::stop_token const& stop, std::chrono::steady_clock::time_point time);
-    void SetState(ChannelState next, std::string why);
+    void SetState(ChannelState next, Failure why);
     void Report(ChannelState next, std::string why);
 
     ChannelSettings const settings;
-    std::function<void()> const onBreak;
+    std::mutex breakMutex; ///< guards onBreak, over the call, which does not wait
+    std::function<void()> onBreak;
     std::shared_ptr<Stream> const stream;
     Timeline timeline;             ///< the channel's thread only
     std::shared_ptr<GstCaps> caps; ///< of the newest picture; the channel's thread only
 
     std::string reported; ///< the failure that was logged last; the channel's thread only
 
-    mutable std::mutex mutex; ///< guards state, detail and restarts
+    bool couldBegin = true;
+
+    mutable std::mutex mutex; ///< guards the members up to the next blank line
     std::condition_variable_any wake;
     ChannelState state = ChannelState::Described;
     std::string detail;
     std::uint64_t restarts = 0;
+    bool hasEnded = true; ///< no thread uses the source
+    std::condition_variable end;
 
     std::jthread thread;
 };

@@ -29,7 +29,8 @@ struct ChannelStatus {
     /// What the channel is doing.
     ChannelState state = ChannelState::Described;
 
-    /// Why the channel is in this state, for people; empty when there is nothing to say. Holds no credentials.
+    /// Why the channel is in this state, for everybody: names no address, path, user or password, which the log does.
+    /// Empty when there is nothing to say.
     std::string detail;
 
     /// What Engine::Describe() gives.

@@ -1,14 +1,16 @@
 #include "host/video/engine.h"
 
 #include "host/video/channel.h"
+#include "host/video/log.h"
 #include "host/video/rtsp/server.h"
 #include "host/video/still_service.h"
 
-#include <algorithm>
+#include <chrono>
 #include <map>
 #include <mutex>
 #include <set>
 #include <stdexcept>
+#include <system_error>
 #include <utility>
 
 namespace zarn::host::video {
@@ -31,6 +33,9 @@ struct Entries {
     std::map<std::string, EntryPtr, std::less<>> byId;
 };
 
+/// How long is waited for sources to close. One that hangs cannot be ended, only left to itself.
+constexpr std::chrono::milliseconds EndTimeout{400};
+
 void RefuseDoubles(std::vector<ChannelSettings> const& channels) {
     std::set<std::string_view> ids;
     for (auto const& channel : channels) {
@@ -43,7 +48,8 @@ void RefuseDoubles(std::vector<ChannelSettings> const& channels) {
 
 class Engine::Impl {
 public:
-    explicit Impl(RtspSettings const& settings) : server(settings.port), port(server.GetPort()) {
+    explicit Impl(RtspSettings const& settings) : server(settings.port, settings.failedLogins), port(server.GetPort()) {
+        server.SetLimits(settings.limits);
         server.SetAuthentication(settings.authenticate, settings.ha1);
     }
 
@@ -56,23 +62,25 @@ public:
         RefuseDoubles(settings);
         std::scoped_lock const changing(changeMutex);
         if (isStopped) return;
+        // Whatever is thrown on the way: what has ended is not found any more, the rest serves on, and the same call
+        // made again begins what is missing.
         auto kept = KeepUnchanged(settings);
         End(kept);
-        Entries next;
+        Replace(std::move(kept));
         for (auto const& one : settings) {
-            auto const found = kept.find(one.id);
-            auto entry = found == kept.end() ? Begin(one) : found->second;
-            entry->channel.SetDescribed(one.described);
-            next.order.push_back(entry);
-            next.byId.emplace(one.id, std::move(entry));
+            if (!Find(one.id)) Add(Begin(one), one.id);
         }
-        std::scoped_lock const lock(mutex);
-        entries = std::move(next);
+        Arrange(settings);
     }
 
     void SetAuthentication(bool authenticate, std::string const& ha1) {
         std::scoped_lock const changing(changeMutex);
         if (!isStopped) server.SetAuthentication(authenticate, ha1);
+    }
+
+    void SetLimits(RtspLimits const& limits) {
+        std::scoped_lock const changing(changeMutex);
+        if (!isStopped) server.SetLimits(limits);
     }
 
     std::uint16_t GetPort() const { return port; }
@@ -102,34 +110,69 @@ public:
         }
         for (auto const& entry : last.order) entry->channel.Stop();
         stills.Stop();
-        for (auto const& entry : last.order) entry->channel.Join();
+        Leave(last.order);
         server.Stop();
     }
 
 private:
-    using ById = std::map<std::string, EntryPtr, std::less<>>;
-
-    ById KeepUnchanged(std::vector<ChannelSettings> const& settings) const {
-        ById kept;
+    /// The present channels that go on with the settings.
+    Entries KeepUnchanged(std::vector<ChannelSettings> const& settings) const {
+        Entries kept;
         for (auto const& one : settings) {
             auto const entry = Find(one.id);
-            if (entry && entry->channel.CanGoOnWith(one)) kept.emplace(one.id, entry);
+            if (!entry || !entry->channel.CanGoOnWith(one)) continue;
+            kept.order.push_back(entry);
+            kept.byId.emplace(one.id, entry);
         }
         return kept;
     }
 
     /// Ends the channels that are not kept, all at the same time.
-    void End(ById const& kept) {
-        std::vector<std::pair<std::string, EntryPtr>> gone;
+    void End(Entries const& kept) {
+        std::vector<EntryPtr> gone;
         for (auto const& [id, entry] : entries.byId) {
-            if (kept.contains(id)) continue;
+            if (kept.byId.contains(id)) continue;
             entry->channel.Stop();
-            gone.emplace_back(id, entry);
+            gone.push_back(entry);
         }
-        for (auto const& [id, entry] : gone) {
-            entry->channel.Join();
-            if (entry->channel.HasSource()) server.Unmount(id);
+        Leave(gone);
+        for (auto const& [id, entry] : entries.byId) {
+            if (!kept.byId.contains(id) && entry->channel.HasSource()) server.Unmount(id);
         }
+    }
+
+    void Replace(Entries next) {
+        std::scoped_lock const lock(mutex);
+        std::swap(entries, next);
+    }
+
+    /// Waits for channels that have been stopped, and sets those aside that do not end in time.
+    void Leave(std::vector<EntryPtr> const& stopped) {
+        auto const deadline = std::chrono::steady_clock::now() + EndTimeout;
+        std::erase_if(late, [](auto const& entry) { return entry->channel.WaitForEnd({}); });
+        for (auto const& entry : stopped) {
+            if (entry->channel.WaitForEnd(deadline)) continue;
+            entry->channel.Abandon();
+            late.push_back(entry);
+            Log().Log(logging::Level::Warning, "channel %0%: its source does not close", entry->channel.GetStatus().id);
+        }
+    }
+
+    void Add(EntryPtr entry, std::string const& id) {
+        std::scoped_lock const lock(mutex);
+        entries.order.push_back(entry);
+        entries.byId.emplace(id, std::move(entry));
+    }
+
+    /// Puts the channels into the order of the settings, with their descriptions.
+    void Arrange(std::vector<ChannelSettings> const& settings) {
+        std::vector<EntryPtr> order;
+        for (auto const& one : settings) {
+            order.push_back(Find(one.id));
+            order.back()->channel.SetDescribed(one.described);
+        }
+        std::scoped_lock const lock(mutex);
+        entries.order = std::move(order);
     }
 
     EntryPtr Begin(ChannelSettings const& settings) {
@@ -143,11 +186,16 @@ private:
     StillService stills;
     std::mutex changeMutex; ///< held by what changes the channels, over the waiting; guards isStopped
     bool isStopped = false;
-    mutable std::mutex mutex; ///< guards entries; what holds changeMutex may read them without
+    std::vector<EntryPtr> late; ///< stopped, but their source hangs; guarded by changeMutex
+    mutable std::mutex mutex;   ///< guards entries; what holds changeMutex may read them without
     Entries entries;
 };
 
-Engine::Engine(RtspSettings const& settings) : impl(std::make_unique<Impl>(settings)) {}
+Engine::Engine(RtspSettings const& settings) try : impl(std::make_unique<Impl>(settings)) {
+} catch (std::system_error const& error) {
+
+    throw std::runtime_error(std::string("the video engine cannot be started: ") + error.what());
+}
 
 Engine::~Engine() = default;
 
@@ -156,6 +204,8 @@ void Engine::SetChannels(std::vector<ChannelSettings> const& channels) { impl->S
 void Engine::SetAuthentication(bool authenticate, std::string const& ha1) {
     impl->SetAuthentication(authenticate, ha1);
 }
+
+void Engine::SetLimits(RtspLimits const& limits) { impl->SetLimits(limits); }
 
 std::uint16_t Engine::GetPort() const { return impl->GetPort(); }
 

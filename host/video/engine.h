@@ -3,6 +3,7 @@
 #include "host/video/channel_settings.h"
 #include "host/video/channel_status.h"
 #include "host/video/check_source.h"
+#include "host/video/rtsp_settings.h"
 #include "host/video/snapshot.h"
 
 #include <zarn/meta/data/video_info.h>
@@ -16,19 +17,6 @@
 
 namespace zarn::host::video {
 
-/// How the RTSP server is set up.
-struct RtspSettings {
-    /// TCP port on all addresses; 0 binds a free one.
-    std::uint16_t port = 0;
-
-    /// Whether clients must authenticate (digest, user `admin`).
-    bool authenticate = false;
-
-    /// HA1 of `admin` in zarn::authentication::Realm, 32 lower-case hexadecimal digits; used when `authenticate` is
-    /// set.
-    std::string ha1;
-};
-
 /// The host's video: opens the sources of the channels, serves them over RTSP at `rtsp://ADDRESS:PORT/channels/ID` and
 /// makes still images of them. A source that fails is opened again after a pause; the other channels go on.
 /// Thread: every function may be called from any thread, and at the same time; those that say "waits" not from within a
@@ -36,7 +24,7 @@ struct RtspSettings {
 class Engine {
 public:
     /// Starts the RTSP server, with no channels yet.
-    /// Throws std::runtime_error when the port cannot be bound; the message names the port.
+    /// Throws std::runtime_error when the port cannot be bound, which names the port, or a thread cannot be started.
     explicit Engine(RtspSettings const& settings);
 
     /// Stop().
@@ -47,14 +35,18 @@ public:
 
     /// Makes the channels those of `channels`, in this order. A channel whose settings are the same goes on
     /// undisturbed; one whose source changed starts anew; one that is gone ends, and so do its streams. A source that
-    /// CheckSource() refuses leaves its channel Failed. Waits until what ends has ended (under a second). Throws
-    /// std::invalid_argument when two channels have the same identifier; nothing has changed then. Does nothing after
-    /// Stop().
+    /// CheckSource() refuses leaves its channel Failed. So does a channel for which no thread can be
+    /// started, until it is set again. Waits until what ends has ended, under half a second: a source that hangs is
+    /// left to itself. Throws std::invalid_argument when two channels have the same identifier; nothing has changed
+    /// then. Does nothing after Stop().
     void SetChannels(std::vector<ChannelSettings> const& channels);
 
     /// Switches authentication for connections that come from now on; `ha1` as in RtspSettings. Connections that are
     /// there keep what they were accepted with.
     void SetAuthentication(bool authenticate, std::string const& ha1);
+
+    /// Bounds for the connections that come from now on.
+    void SetLimits(RtspLimits const& limits);
 
     /// The bound RTSP port.
     std::uint16_t GetPort() const;
@@ -70,8 +62,9 @@ public:
     /// All channels in the order of SetChannels().
     std::vector<ChannelStatus> GetStatus() const;
 
-    /// Ends streams, connections, sources and waiting snapshot requests; waits until all has ended (about a second at
-    /// most). Stopping twice is harmless. Afterwards no channel is known.
+    /// Ends streams, connections, sources and waiting snapshot requests; waits until all has ended, about a second at
+    /// most: a source that hangs is left to the destructor, which waits for it. Stopping twice is harmless. Afterwards
+    /// no channel is known.
     void Stop();
 
 private:

@@ -3,6 +3,8 @@
 #include "host/video/gstreamer.h"
 #include "host/video/pipeline_text.h"
 
+#include <algorithm>
+#include <array>
 #include <string_view>
 #include <utility>
 
@@ -20,17 +22,44 @@ std::string GetDetail(std::string_view technical) {
     return std::string(technical.substr(0, Readable)) + (technical.size() > Readable ? "..." : "");
 }
 
+/// What is told everybody of an error of GStreamer, whose own text may hold addresses and paths.
+struct Summary {
+    GQuark (*domain)();
+    int code; ///< AnyCode: the rest of the domain
+    char const* text;
+};
+
+constexpr int AnyCode = -1;
+
+constexpr std::array Summaries{
+    Summary{gst_resource_error_quark, GST_RESOURCE_ERROR_NOT_FOUND, "the source is not there"},
+    Summary{gst_resource_error_quark, GST_RESOURCE_ERROR_NOT_AUTHORIZED, "the source refuses the user or password"},
+    Summary{gst_resource_error_quark, GST_RESOURCE_ERROR_BUSY, "the source is in use"},
+    Summary{gst_resource_error_quark, GST_RESOURCE_ERROR_READ, "the source cannot be read"},
+    Summary{gst_resource_error_quark, AnyCode, "the source cannot be opened"},
+    Summary{gst_stream_error_quark, AnyCode, "the video of the source cannot be decoded"},
+    Summary{gst_core_error_quark, GST_CORE_ERROR_MISSING_PLUGIN, "the video is of a kind that is not supported"},
+};
+
+char const* Summarize(GError const* error) {
+    auto const fits = [error](Summary const& row) {
+        return error != nullptr && row.domain() == error->domain && (row.code == AnyCode || row.code == error->code);
+    };
+    auto const row = std::ranges::find_if(Summaries, fits);
+    return row == Summaries.end() ? "the source has failed" : row->text;
+}
+
 /// GStreamer's message for people and what its technical text adds.
-std::string Explain(GstMessage* message) {
+Failure Explain(GstMessage* message) {
     GError* error = nullptr;
     gchar* technical = nullptr;
     gst_message_parse_error(message, &error, &technical);
-    std::string text = error == nullptr ? "unknown failure" : error->message;
+    Failure failure{Summarize(error), error == nullptr ? "unknown failure" : error->message};
     if (auto const detail = GetDetail(technical == nullptr ? "" : technical); !detail.empty())
-        text.append(" ").append(detail);
+        failure.detail.append(" ").append(detail);
     g_clear_error(&error);
     g_free(technical);
-    return text;
+    return failure;
 }
 
 } // namespace
@@ -47,7 +76,7 @@ Pipeline::~Pipeline() { End(); }
 GstElement* Pipeline::Add(char const* kind) {
     auto* element = gst_element_factory_make(kind, nullptr);
     if (element == nullptr) {
-        Fail(std::string("GStreamer has no element \"") + kind + "\"");
+        Fail({std::string("GStreamer has no element \"") + kind + "\""});
         return nullptr;
     }
     gst_bin_add(GetBin(), element);
@@ -59,7 +88,7 @@ GstElement* Pipeline::AddText(std::string const& text) {
     auto* element =
         gst_parse_bin_from_description_full(text.c_str(), TRUE, nullptr, GST_PARSE_FLAG_FATAL_ERRORS, &error);
     if (element == nullptr) {
-        Fail(error == nullptr ? "GStreamer cannot make the pipeline" : error->message);
+        Fail({"GStreamer cannot make the pipeline", error == nullptr ? "" : error->message});
         g_clear_error(&error);
         return nullptr;
     }
@@ -68,17 +97,18 @@ GstElement* Pipeline::AddText(std::string const& text) {
 }
 
 void Pipeline::Play() {
-    if (gst_element_set_state(pipeline.get(), GST_STATE_PLAYING) == GST_STATE_CHANGE_FAILURE) Fail("it does not start");
+    if (gst_element_set_state(pipeline.get(), GST_STATE_PLAYING) == GST_STATE_CHANGE_FAILURE)
+        Fail({"it does not start"});
 }
 
 void Pipeline::End() { gst_element_set_state(pipeline.get(), GST_STATE_NULL); }
 
-void Pipeline::Fail(std::string reason) {
+void Pipeline::Fail(Failure reason) {
     std::scoped_lock const lock(mutex);
-    if (failure.empty()) failure = std::move(reason);
+    if (!failure) failure = std::move(reason);
 }
 
-std::string Pipeline::GetFailure() const {
+std::optional<Failure> Pipeline::GetFailure() const {
     std::scoped_lock const lock(mutex);
     return failure;
 }

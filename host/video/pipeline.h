@@ -1,10 +1,12 @@
 #pragma once
 
+#include "host/video/failure.h"
 #include "host/video/handle.h"
 
 #include <gst/gst.h>
 
 #include <mutex>
+#include <optional>
 #include <string>
 
 namespace zarn::host::video {
@@ -36,10 +38,10 @@ public:
     void End();
 
     /// Puts down why the pipeline is of no use; the first reason stays.
-    void Fail(std::string reason);
+    void Fail(Failure reason);
 
-    /// Why the pipeline failed, for people; empty when it did not.
-    std::string GetFailure() const;
+    /// Why the pipeline failed; none when it did not.
+    std::optional<Failure> GetFailure() const;
 
     /// The application sink called `SinkName`, once it is there.
     ObjectHandle<GstElement> FindSink() const;
@@ -49,7 +51,7 @@ private:
 
     ObjectHandle<GstElement> pipeline;
     mutable std::mutex mutex; ///< guards `failure`
-    std::string failure;
+    std::optional<Failure> failure;
 };
 
 } // namespace zarn::host::video

@@ -73,7 +73,7 @@ class Producer::Impl {
 public:
     Impl(Source const& source, OpenOptions const& options) : isLive(!std::holds_alternative<FileSource>(source)) {
         std::visit([this, &options](auto const& kind) { Open(kind, options); }, source);
-        if (pipeline.GetFailure().empty()) pipeline.Play();
+        if (!pipeline.GetFailure()) pipeline.Play();
     }
 
     ~Impl() { pipeline.End(); }
@@ -92,7 +92,7 @@ public:
                 gst_app_sink_try_pull_sample(GST_APP_SINK(sink.get()), static_cast<GstClockTime>(nanoseconds)));
             if (sample) return MakePicture(std::move(sample));
         }
-        if (auto reason = pipeline.GetFailure(); !reason.empty()) return Failed{std::move(reason)};
+        if (auto failure = pipeline.GetFailure()) return *std::move(failure);
         if (sink && gst_app_sink_is_eos(GST_APP_SINK(sink.get())) != FALSE) return Ended{};
         return Nothing{};
     }
@@ -156,7 +156,7 @@ private:
         gst_element_sync_state_with_parent(element);
         ObjectHandle<GstPad> const target(gst_element_get_static_pad(element, "sink"));
         if (!target || GST_PAD_LINK_FAILED(gst_pad_link(pad, target.get())))
-            pipeline.Fail("its video is of no known kind");
+            pipeline.Fail({"its video is of no known kind"});
     }
 
     static void OnPackets(GstElement*, GstPad* pad, gpointer self) {
@@ -166,7 +166,7 @@ private:
 
     static void OnNoMorePackets(GstElement*, gpointer self) {
         auto& impl = *static_cast<Impl*>(self);
-        if (impl.decoder == nullptr) impl.pipeline.Fail(NoVideo);
+        if (impl.decoder == nullptr) impl.pipeline.Fail({NoVideo});
     }
 
     static void OnVideo(GstElement*, GstPad* pad, gpointer self) {
@@ -185,7 +185,7 @@ private:
 
     static void OnNoMoreVideo(GstElement*, gpointer self) {
         auto& impl = *static_cast<Impl*>(self);
-        if (!impl.hasVideo) impl.pipeline.Fail(NoVideo);
+        if (!impl.hasVideo) impl.pipeline.Fail({NoVideo});
     }
 
     static Picture MakePicture(MiniHandle<GstSample> sample) {

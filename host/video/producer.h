@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/video/failure.h"
 #include "host/video/handle.h"
 #include "host/video/source.h"
 #include "host/video/timeline.h"
@@ -32,11 +33,7 @@ public:
 
     struct Ended {}; ///< the source has no more pictures
 
-    struct Failed {
-        std::string reason; ///< for people
-    };
-
-    using Result = std::variant<Nothing, Picture, Ended, Failed>;
+    using Result = std::variant<Nothing, Picture, Ended, Failure>;
 
     /// Begins to open the source.
     Producer(Source const& source, OpenOptions const& options);

@@ -34,6 +34,16 @@ std::optional<std::uint32_t> ParseSide(std::string_view text, std::uint32_t maxi
     return value;
 }
 
+/// A frame rate of 1 to 60 frames per second in numbers that GStreamer can reckon with.
+std::optional<FrameRate> ParseTestRate(std::string_view text) {
+    constexpr std::int32_t Largest = 1'000'000;
+    auto const rate = ParseFrameRate(text);
+    if (!rate || rate->denominator == 0 || rate->numerator > Largest || rate->denominator > Largest)
+        return std::nullopt;
+    if (rate->numerator < rate->denominator || rate->numerator > MaximumRate * rate->denominator) return std::nullopt;
+    return rate;
+}
+
 /// One parameter of a test source: returns false when the value is against the rule.
 struct Parameter {
     std::string_view name;
@@ -57,7 +67,7 @@ constexpr std::array Parameters{
         "height", "an even number from 64 to 2160",
         [](TestSource& test, std::string_view value) { return Assign(test.height, ParseSide(value, MaximumHeight)); }},
     Parameter{"rate", "a frame rate from 1 to 60, such as 25 or 30000/1001",
-              [](TestSource& test, std::string_view value) { return Assign(test.rate, ParseFrameRate(value)); }},
+              [](TestSource& test, std::string_view value) { return Assign(test.rate, ParseTestRate(value)); }},
 };
 
 /// Sets one `name=value`; returns what is wrong.
@@ -148,20 +158,6 @@ ParsedSource ParseSource(std::string_view text) {
                      " is not a kind of source (test:PATTERN, rtsp://, v4l2:/dev/videoN or a file)");
     }
     return {FileSource{std::string(text)}, {}};
-}
-
-std::optional<FrameRate> ParseFrameRate(std::string_view text) {
-    auto const slash = text.find('/');
-    auto const numerator = ParseNumber(text.substr(0, slash));
-    auto const denominator = slash == std::string_view::npos ? 1U : ParseNumber(text.substr(slash + 1)).value_or(0);
-    constexpr std::uint32_t Largest = 1'000'000;
-    if (!numerator || denominator == 0 || *numerator > Largest || denominator > Largest) return std::nullopt;
-    FrameRate const rate{static_cast<std::int32_t>(*numerator), static_cast<std::int32_t>(denominator)};
-    if (rate.numerator < rate.denominator || rate.numerator / rate.denominator > MaximumRate ||
-        (rate.numerator / rate.denominator == MaximumRate && rate.numerator % rate.denominator != 0)) {
-        return std::nullopt;
-    }
-    return rate;
 }
 
 std::optional<std::string> CheckSource(std::string_view source) {

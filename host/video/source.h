@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/video/codec.h"
+#include "host/video/frame_rate.h"
 
 #include <cstdint>
 #include <optional>
@@ -9,14 +10,6 @@
 #include <variant>
 
 namespace zarn::host::video {
-
-/// Frames per second as a fraction.
-struct FrameRate {
-    std::int32_t numerator = 25;
-    std::int32_t denominator = 1;
-
-    bool operator==(FrameRate const&) const = default;
-};
 
 /// Test video made by this program.
 struct TestSource {
@@ -61,8 +54,5 @@ struct ParsedSource {
 /// Reads the text of a source, see CheckSource(). An empty text is an error here.
 /// Thread: any.
 ParsedSource ParseSource(std::string_view text);
-
-/// Reads a frame rate of 1 to 60 frames per second, as `25` or `30000/1001`.
-std::optional<FrameRate> ParseFrameRate(std::string_view text);
 
 } // namespace zarn::host::video

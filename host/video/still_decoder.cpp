@@ -50,7 +50,7 @@ public:
         gst_app_src_end_of_stream(GST_APP_SRC(feed.get()));
         MiniHandle<GstSample> last;
         auto* const end = GST_APP_SINK(sink.get());
-        while (!limit.IsReached() && pipeline.GetFailure().empty()) {
+        while (!limit.IsReached() && !pipeline.GetFailure()) {
             if (auto* sample = gst_app_sink_try_pull_sample(end, limit.GetSlice())) {
                 last.reset(sample);
             } else if (gst_app_sink_is_eos(end) != FALSE) {
@@ -61,8 +61,8 @@ public:
     }
 
     std::string GetFailure() const {
-        auto reason = pipeline.GetFailure();
-        return reason.empty() ? "the video cannot be decoded, or not in time" : reason;
+        auto const failure = pipeline.GetFailure();
+        return failure ? failure->GetText() : "the video cannot be decoded, or not in time";
     }
 
 private:

@@ -42,7 +42,7 @@ Digest::Digest(ZarnAuthenticationEngine const& engine) : engine(engine) {}
 zarn::web::Service::Response Digest::Refuse(zarn::web::Request const& request) const {
     if (!ZarnAuthenticationIsEnabled(&engine)) return nullptr;
     bool stale = false;
-    if (auto answer = ParseDigestParameters(FindField(request, "Authorization"))) {
+    if (auto answer = ParseDigestParameters(FindField(request.GetFields(), "Authorization"))) {
         if (IsRight(engine, request, *answer)) {
             if (nonces.IsFresh((*answer)["nonce"])) return nullptr;
             stale = true;

@@ -1,6 +1,5 @@
 #include "host/web/dispatcher.h"
 
-#include "host/web/find_field.h"
 #include "host/web/request_target.h"
 
 #include <boost/algorithm/string/find.hpp>
@@ -27,14 +26,14 @@ bool IsStale(Reply const& reply) {
 
 } // namespace
 
-Dispatcher::Dispatcher(Router router, PendingTicker& ticker, Admission& admission)
-    : router(std::move(router)), ticker(ticker), admission(admission) {}
+Dispatcher::Dispatcher(Router router, PendingTicker& ticker, Admission& admission, FailedLogins& failedLogins)
+    : router(std::move(router)), ticker(ticker), admission(admission), failedLogins(failedLogins) {}
 
 void Dispatcher::Handle(boost::asio::ip::address const& peer, std::shared_ptr<IncomingRequest> request,
                         Limits const& limits, Done done) {
-    auto const authorization = FindField(*request, "Authorization");
+    auto const authorization = request->FindField("Authorization");
     if (!authorization.empty()) {
-        if (auto const wait = failedLogins.GetWait(peer, limits.failedLoginsPerMinute)) {
+        if (auto const wait = failedLogins.GetWait(peer)) {
             if (auto const suppressed = throttled.Admit()) {
                 logger.Log(Level::Warning,
                            "%0% gave too many wrong passwords, refused for %1% s (%2% more refusals before)",
@@ -56,10 +55,10 @@ void Dispatcher::Handle(boost::asio::ip::address const& peer, std::shared_ptr<In
     }
     bool const answersDigest = boost::istarts_with(authorization, "Digest");
     auto pending = Ask(request);
-    ticker.Watch(std::move(pending), [this, peer, limits, answersDigest, slot = std::move(slot), request,
+    ticker.Watch(std::move(pending), [this, peer, answersDigest, slot = std::move(slot), request,
                                       done = std::move(done)](Reply reply) mutable {
         slot.reset();
-        if (answersDigest) CountFailure(peer, reply, limits);
+        if (answersDigest) CountFailure(peer, reply);
         done(std::move(reply));
     });
 }
@@ -84,8 +83,8 @@ std::shared_ptr<zarn::web::response::Pending> Dispatcher::Ask(std::shared_ptr<In
     }
 }
 
-void Dispatcher::CountFailure(boost::asio::ip::address const& peer, Reply const& reply, Limits const& limits) {
-    if (reply.status == Status::Unauthorized && !IsStale(reply)) failedLogins.Count(peer, limits.failedLoginsPerMinute);
+void Dispatcher::CountFailure(boost::asio::ip::address const& peer, Reply const& reply) {
+    if (reply.status == Status::Unauthorized && !IsStale(reply)) failedLogins.Count(peer);
 }
 
 } // namespace zarn::host::web

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "host/failed_logins.h"
 #include "host/web/admission.h"
-#include "host/web/failed_logins.h"
 #include "host/web/incoming_request.h"
 #include "host/web/limits.h"
 #include "host/web/pending_ticker.h"
@@ -26,7 +26,7 @@ public:
     using Done = std::function<void(Reply)>;
 
     /// What is passed by reference must outlive the dispatcher.
-    Dispatcher(Router router, PendingTicker& ticker, Admission& admission);
+    Dispatcher(Router router, PendingTicker& ticker, Admission& admission, FailedLogins& failedLogins);
 
     Dispatcher(Dispatcher const&) = delete;
     Dispatcher& operator=(Dispatcher const&) = delete;
@@ -37,12 +37,12 @@ public:
 
 private:
     std::shared_ptr<zarn::web::response::Pending> Ask(std::shared_ptr<IncomingRequest> const& request);
-    void CountFailure(boost::asio::ip::address const& peer, Reply const& reply, Limits const& limits);
+    void CountFailure(boost::asio::ip::address const& peer, Reply const& reply);
 
     Router router;
     PendingTicker& ticker;
     Admission& admission;
-    FailedLogins failedLogins;
+    FailedLogins& failedLogins;
     logging::Logger logger{"zarn.host.web"};
     logging::RateLimit throttled;
     logging::RateLimit overloaded;

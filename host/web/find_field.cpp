@@ -2,13 +2,14 @@
 
 #include <boost/algorithm/string/predicate.hpp>
 
+#include <algorithm>
+
 namespace zarn::host::web {
 
-std::string_view FindField(zarn::web::Request const& request, std::string_view name) {
-    for (auto const& [fieldName, value] : request.GetFields()) {
-        if (boost::iequals(fieldName, name)) return value;
-    }
-    return {};
+std::string_view FindField(std::map<std::string_view, std::string_view> const& fields, std::string_view name) {
+    auto const found = std::find_if(fields.begin(), fields.end(),
+                                    [name](auto const& field) { return boost::iequals(field.first, name); });
+    return found == fields.end() ? std::string_view() : found->second;
 }
 
 } // namespace zarn::host::web

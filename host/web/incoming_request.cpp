@@ -1,5 +1,7 @@
 #include "host/web/incoming_request.h"
 
+#include "host/web/find_field.h"
+
 #include <boost/algorithm/string/predicate.hpp>
 #include <boost/beast/http/rfc7230.hpp>
 
@@ -35,6 +37,8 @@ IncomingRequest::IncomingRequest(Message message, std::string target)
         if (!IsConnectionField(field.name_string(), connection)) AddField(field.name_string(), field.value());
     }
 }
+
+std::string_view IncomingRequest::FindField(std::string_view name) const { return web::FindField(fields, name); }
 
 void IncomingRequest::AddField(std::string_view name, std::string_view value) {
     auto const same = std::find_if(fields.begin(), fields.end(),

@@ -33,6 +33,9 @@ public:
 
     std::map<std::string_view, std::string_view> GetFields() const override { return fields; }
 
+    /// The value of one field, its name compared without case, without a copy of all; empty when there is none.
+    std::string_view FindField(std::string_view name) const;
+
 private:
     void AddField(std::string_view name, std::string_view value);
 

@@ -27,9 +27,6 @@ struct Limits {
     /// How long a connection may be silent between requests, and how long a body may take to come and a response to go.
     std::chrono::seconds idleTime{60};
 
-    /// Wrong digest answers that an address may give within a minute; more are answered 429.
-    std::size_t failedLoginsPerMinute = 60;
-
     bool operator==(Limits const&) const = default;
 };
 

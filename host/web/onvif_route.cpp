@@ -12,7 +12,7 @@ OnvifRoute::OnvifRoute(zarn::web::Service& module, ZarnAuthenticationEngine cons
     : digest(engine), module(&module) {}
 
 OnvifRoute::Response OnvifRoute::Post(std::shared_ptr<zarn::web::Request> request) {
-    if (request->GetBody().empty() && FindField(*request, "Authorization").empty()) {
+    if (request->GetBody().empty() && FindField(request->GetFields(), "Authorization").empty()) {
         if (auto challenge = digest.Refuse(*request)) return challenge;
     }
     std::shared_lock const lock(mutex);

@@ -52,6 +52,12 @@ struct Entry {
     Clock::time_point due;
 };
 
+/// Removes one of many whose order does not matter.
+void Remove(std::vector<Entry>& entries, std::size_t index) {
+    if (index + 1 < entries.size()) entries[index] = std::move(entries.back());
+    entries.pop_back();
+}
+
 } // namespace
 
 class PendingTicker::Impl : public std::enable_shared_from_this<Impl> {
@@ -64,6 +70,8 @@ public:
 private:
     std::optional<Reply> Ask(Entry const& entry, Clock::time_point now);
     Reply Unanswered(std::string_view why);
+    void Finish(Entry const& entry, Reply reply);
+    bool Settle(Entry& entry, Clock::time_point now);
     void Tick();
     void TakeArrived();
     void AskYoung(Clock::time_point now);
@@ -72,6 +80,7 @@ private:
 
     logging::Logger logger{"zarn.host.web"};
     logging::RateLimit throwing;
+    logging::RateLimit failing;
     boost::asio::strand<boost::asio::io_context::executor_type> strand;
 
     std::mutex mutex; ///< guards the members up to the next blank line
@@ -135,11 +144,32 @@ Reply PendingTicker::Impl::Unanswered(std::string_view why) {
     return MakeTextReply(Reply::Status::InternalServerError, "The request ended without an answer.");
 }
 
+/// Hands a reply over. What is thrown concerns this one only: the others are still to be asked.
+void PendingTicker::Impl::Finish(Entry const& entry, Reply reply) {
+    try {
+        entry.done(std::move(reply));
+    } catch (std::exception const& error) {
+        if (auto const suppressed = failing.Admit()) {
+            logger.Log(logging::Level::Error, "An answer could not be delivered: %0% (%1% more before)", error.what(),
+                       *suppressed);
+        }
+    }
+}
+
 void PendingTicker::Impl::Tick() {
-    TakeArrived();
     auto const now = Clock::now();
-    AskYoung(now);
-    if (!waiting.empty() && nextRound <= now) AskWaiting(now);
+    try {
+        TakeArrived();
+        AskYoung(now);
+        if (!waiting.empty() && nextRound <= now) AskWaiting(now);
+    } catch (std::exception const& error) {
+        // Out of memory, most likely. All that is left is asked again at the next tick.
+        nextRound = std::max(nextRound, now + LongestRoundPause);
+        if (auto const suppressed = failing.Admit()) {
+            logger.Log(logging::Level::Error, "Not all pending responses could be asked: %0% (%1% more before)",
+                       error.what(), *suppressed);
+        }
+    }
 
     std::optional<Clock::time_point> next;
     for (auto const& entry : young) next = next ? std::min(*next, entry.due) : entry.due;
@@ -152,40 +182,45 @@ void PendingTicker::Impl::Tick() {
 
 void PendingTicker::Impl::TakeArrived() {
     std::lock_guard const lock(mutex);
+    young.reserve(young.size() + arrived.size());
     std::move(arrived.begin(), arrived.end(), std::back_inserter(young));
     arrived.clear();
 }
 
+/// Asks a young response that is due. Returns true when it is young no more.
+bool PendingTicker::Impl::Settle(Entry& entry, Clock::time_point now) {
+    if (entry.due > now) return false;
+    if (auto reply = Ask(entry, now)) {
+        Finish(entry, *std::move(reply));
+        return true;
+    }
+    auto const age = now - entry.begun;
+    entry.due = now + std::max(age / PausesPerAge, ShortestPause);
+    if (age < WaitingAge) return false;
+    if (waiting.empty()) nextRound = now + ShortestRoundPause;
+    waiting.push_back(std::move(entry));
+    return true;
+}
+
 void PendingTicker::Impl::AskYoung(Clock::time_point now) {
-    auto taken = std::exchange(young, {});
-    for (auto& entry : taken) {
-        if (entry.due <= now) {
-            if (auto reply = Ask(entry, now)) {
-                entry.done(*std::move(reply));
-                continue;
-            }
-            auto const age = now - entry.begun;
-            entry.due = now + std::max(age / PausesPerAge, ShortestPause);
-            if (age >= WaitingAge) {
-                if (waiting.empty()) nextRound = now + ShortestRoundPause;
-                waiting.push_back(std::move(entry));
-                continue;
-            }
+    for (std::size_t i = 0; i < young.size();) {
+        if (Settle(young[i], now)) {
+            Remove(young, i);
+        } else {
+            ++i;
         }
-        young.push_back(std::move(entry));
     }
 }
 
 void PendingTicker::Impl::AskWaiting(Clock::time_point now) {
-    auto taken = std::exchange(waiting, {});
-    waiting.reserve(taken.size());
     bool ready = false;
-    for (auto& entry : taken) {
-        if (auto reply = Ask(entry, now)) {
-            entry.done(*std::move(reply));
+    for (std::size_t i = 0; i < waiting.size();) {
+        if (auto reply = Ask(waiting[i], now)) {
             ready = true;
+            Finish(waiting[i], *std::move(reply));
+            Remove(waiting, i);
         } else {
-            waiting.push_back(std::move(entry));
+            ++i;
         }
     }
     hastyRounds = ready ? HastyRounds : std::max(hastyRounds - 1, 0);

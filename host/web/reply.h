@@ -27,7 +27,10 @@ struct Reply {
 /// A reply with a line of plain text as its body.
 Reply MakeTextReply(Reply::Status status, std::string text, std::map<std::string, std::string> fields = {});
 
-/// The same as a pending response that is complete at once.
+/// The reply as the answer of a pending response that is complete.
+zarn::web::response::Pending::Data ToData(Reply reply);
+
+/// A line of plain text as a pending response that is complete at once.
 std::shared_ptr<zarn::web::response::Pending> MakeTextResponse(Reply::Status status, std::string text,
                                                                std::map<std::string, std::string> fields = {});
 

@@ -4,6 +4,7 @@
 #include "host/web/connection_context.h"
 #include "host/web/dispatcher.h"
 #include "host/web/pending_ticker.h"
+#include "host/web/repeating_timer.h"
 #include "host/web/response_head.h"
 
 #include <zarn/logging/logger.h>
@@ -20,7 +21,9 @@
 #include <future>
 #include <mutex>
 #include <optional>
+#include <stdexcept>
 #include <string>
+#include <system_error>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -34,7 +37,7 @@ using logging::Level;
 using namespace std::chrono_literals;
 
 /// How often the deadlines of the connections are looked at.
-constexpr auto SweepInterval = 250ms;
+constexpr std::chrono::milliseconds SweepInterval = 250ms;
 
 /// Pause after a connection could not be accepted, for instance because the process has too many files open.
 constexpr auto AcceptPause = 100ms;
@@ -59,15 +62,17 @@ public:
           acceptor(listener.Release()),
           tls(options.tls),
           admission(options.admission),
+          failedLogins(options.failedLogins),
           ticker(io),
-          dispatcher(std::move(router), ticker, *admission),
+          dispatcher(std::move(router), ticker, *admission, *failedLogins),
           context(std::make_shared<ConnectionContext>(dispatcher, options.limits)),
           acceptTimer(acceptor.get_executor()),
-          sweepTimer(acceptor.get_executor()),
+          sweeper(acceptor.get_executor(), SweepInterval, "The deadlines of the connections were not looked at",
+                  [this] { Sweep(); }),
           work(io.get_executor()) {
         asio::post(acceptor.get_executor(), [this] {
             Accept();
-            Sweep();
+            sweeper.Start();
         });
     }
 
@@ -76,9 +81,13 @@ public:
     Impl(Impl const&) = delete;
     Impl& operator=(Impl const&) = delete;
 
-    /// To be called once. Throws std::system_error when a thread cannot be started.
-    void StartThreads(unsigned count) {
+    /// To be called once. Throws std::runtime_error when a thread cannot be started.
+    void StartThreads(unsigned count) try {
         for (unsigned i = 0; i < count; ++i) threads.emplace_back([this] { Run(); });
+
+    } catch (std::system_error const& error) {
+
+        throw std::runtime_error(std::string("a thread of the web server cannot be started: ") + error.what());
     }
 
     void SetLimits(Limits const& limits) { context->SetLimits(limits); }
@@ -110,11 +119,12 @@ private:
     std::vector<std::weak_ptr<Connection>> connections;
 
     std::shared_ptr<Admission> admission;
+    std::shared_ptr<FailedLogins> failedLogins;
     PendingTicker ticker;
     Dispatcher dispatcher;
     std::shared_ptr<ConnectionContext> context;
     asio::steady_timer acceptTimer;
-    asio::steady_timer sweepTimer;
+    RepeatingTimer sweeper;
     asio::executor_work_guard<asio::io_context::executor_type> work;
     std::vector<std::thread> threads;
 };
@@ -183,6 +193,7 @@ void Server::Impl::OnAcceptError(boost::system::error_code error) {
 std::vector<std::shared_ptr<Connection>> Server::Impl::TakeLiving() {
     std::vector<std::shared_ptr<Connection>> living;
     std::lock_guard const lock(mutex);
+    living.reserve(connections.size()); // nothing may be thrown while elements are on the move
     std::erase_if(connections, [&](auto const& weak) {
         auto connection = weak.lock();
         if (connection) living.push_back(std::move(connection));
@@ -194,10 +205,6 @@ std::vector<std::shared_ptr<Connection>> Server::Impl::TakeLiving() {
 void Server::Impl::Sweep() {
     auto const now = Connection::Clock::now();
     for (auto const& connection : TakeLiving()) connection->CheckDeadline(now);
-    sweepTimer.expires_after(SweepInterval);
-    sweepTimer.async_wait([this](boost::system::error_code cancelled) {
-        if (!cancelled) Sweep();
-    });
 }
 
 void Server::Impl::StopAccepting() {
@@ -219,7 +226,7 @@ void Server::Impl::Stop(std::chrono::milliseconds grace) {
     auto const busy = [&] { return admission->GetConnections() > 0; };
     while (busy() && Connection::Clock::now() < deadline) std::this_thread::sleep_for(5ms);
     for (auto const& connection : TakeLiving()) connection->Close();
-    asio::post(acceptor.get_executor(), [this] { sweepTimer.cancel(); });
+    asio::post(acceptor.get_executor(), [this] { sweeper.Stop(); });
     work.reset();
     io.stop();
     for (auto& thread : threads) thread.join();

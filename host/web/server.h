@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/failed_logins.h"
 #include "host/web/admission.h"
 #include "host/web/limits.h"
 #include "host/web/listener.h"
@@ -29,9 +30,12 @@ public:
 
         /// Counts connections and exchanges; never null.
         std::shared_ptr<Admission> admission = std::make_shared<Admission>();
+
+        /// Slows down who guesses passwords; never null.
+        std::shared_ptr<FailedLogins> failedLogins = std::make_shared<FailedLogins>();
     };
 
-    /// Serves from now on.
+    /// Serves from now on. Throws std::runtime_error when a thread cannot be started; none is left then.
     /// io  run by the server's threads and by nobody else; must outlive the server, and whatever a service still does
     /// with
     ///     a response that it has not completed

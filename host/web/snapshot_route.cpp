@@ -38,8 +38,7 @@ Reply MakeReply(Snapshot const& snapshot) {
 Pending::Data Ask(Delivery& delivery) {
     std::lock_guard const lock(delivery.mutex);
     if (!delivery.snapshot) return {Status::Provisional, {}, {State::NotReady, {}}};
-    Reply reply = MakeReply(*delivery.snapshot);
-    return {reply.status, std::move(reply.fields), {State::Complete, std::move(reply.body)}};
+    return ToData(MakeReply(*delivery.snapshot));
 }
 
 /// The `<id>` of "/snapshot/<id>/latest.jpeg".

@@ -1,13 +1,20 @@
 #include "host/host_process.h"
 #include "host/raw_connection.h"
 
-#include <gtest/gtest.h>
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <chrono>
 #include <csignal>
 #include <exception>
+#include <filesystem>
 #include <memory>
+#include <stdexcept>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -16,6 +23,74 @@ namespace {
 
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
+
+/// What a pipe holds until somebody reads it, so that who writes next has to wait.
+class FullPipe {
+public:
+    explicit FullPipe(std::string const& path) {
+        if (mkfifo(path.c_str(), 0600) != 0) throw std::runtime_error("no pipe " + path);
+        descriptor = open(path.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
+        std::string const filling(4096, 'x');
+        while (write(descriptor, filling.data(), filling.size()) > 0) {
+        }
+    }
+
+    ~FullPipe() { close(descriptor); }
+
+    FullPipe(FullPipe const&) = delete;
+    FullPipe& operator=(FullPipe const&) = delete;
+
+    void Empty() const {
+        std::string content(4096, '\0');
+        while (read(descriptor, content.data(), content.size()) > 0) {
+        }
+    }
+
+private:
+    int descriptor = -1;
+};
+
+TEST(StopBeforeItRuns, WaitsUntilEverythingIsWrittenAndEndsWithStatusZero) {
+    for (int const signal : {SIGTERM, SIGINT}) {
+        TemporaryFolder const folder;
+        FullPipe const output(folder / "output");
+        // The password, which is printed when all files are written, does not fit into the pipe any more.
+        Process host({"sh", "-c", "exec \"$0\" --config \"$1\" > \"$2\"", ZARN_HOST_PROGRAM, folder / "config.json",
+                      folder / "output"});
+        auto const credentials = folder.GetPath() / "config.json.credentials";
+        auto const deadline = Clock::now() + 10s;
+        while (!std::filesystem::exists(credentials) && Clock::now() < deadline) std::this_thread::sleep_for(1ms);
+        host.Signal(SIGHUP);
+        host.Signal(signal);
+        EXPECT_FALSE(host.Wait(100ms));
+        output.Empty();
+        EXPECT_EQ(host.Wait(5s), 0) << host.GetLog();
+        std::vector<std::string> files;
+        for (auto const& entry : std::filesystem::directory_iterator(folder.GetPath())) {
+            files.push_back(entry.path().filename().string());
+        }
+        EXPECT_THAT(files, testing::UnorderedElementsAre("config.json", "config.json.credentials", "output"));
+    }
+}
+
+TEST(StopWithASourceThatHangs, EndsInTimeAllTheSame) {
+    auto const folder = std::make_shared<TemporaryFolder>();
+    // Opening it takes until somebody writes into it.
+    ASSERT_EQ(mkfifo((*folder / "pipe.ts").c_str(), 0600), 0);
+    auto const configure = [&](std::string const& source) {
+        return R"({"settings": {"web_port": 0, "rtsp_port": 0}, "channels": {"1": {"source": ")" + source + R"("}}})";
+    };
+    HostProcess host({.configuration = configure(*folder / "pipe.ts"), .folder = folder});
+    folder->Write("config.json", configure("test:ball?width=128&height=96&rate=10"));
+    host.GetProcess().Signal(SIGHUP);
+    auto const deadline = Clock::now() + 10s;
+    while (host.GetHealth().at("channels").at(0).at("state") != "running" && Clock::now() < deadline) {
+        std::this_thread::sleep_for(10ms);
+    }
+    EXPECT_TRUE(host.GetProcess().WaitForLog("channel 1: its source does not close", 1s));
+    EXPECT_EQ(host.Stop(2s), 0);
+    EXPECT_TRUE(host.GetProcess().WaitForLog("something does not stop", 1s));
+}
 
 class Stop : public testing::Test {
 protected:
@@ -27,6 +102,19 @@ TEST_F(Stop, EndsWithStatusZeroAtEitherSignal) {
     HostProcess interrupted;
     interrupted.GetProcess().Signal(SIGINT);
     EXPECT_EQ(interrupted.GetProcess().Wait(2s), 0);
+}
+
+TEST_F(Stop, IsNotWhatSighupDoesAtAnyTime) {
+    auto const ended = [&] {
+        siginfo_t information{};
+        waitid(P_PID, static_cast<id_t>(host.GetProcess().GetId()), &information, WEXITED | WNOHANG | WNOWAIT);
+        return information.si_pid != 0;
+    };
+    host.GetProcess().Signal(SIGHUP);
+    host.GetProcess().Signal(SIGTERM);
+    auto const deadline = Clock::now() + 2s;
+    while (!ended() && Clock::now() < deadline) host.GetProcess().Signal(SIGHUP);
+    EXPECT_EQ(host.GetProcess().Wait(0s), 0);
 }
 
 TEST_F(Stop, DoesNotWaitForClientsThatDoNotSendOrReadOrClose) {

@@ -4,6 +4,7 @@
 
 #include <zarn/authentication/realm.h>
 
+#include <boost/asio/ip/address.hpp>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -47,7 +48,7 @@ private:
 /// class.
 struct Authentication {
     GstRTSPAuth base;
-    std::shared_ptr<GuessLimit>* guesses;
+    std::shared_ptr<FailedLogins>* failedLogins;
 };
 
 struct AuthenticationClass {
@@ -63,17 +64,17 @@ bool HasAnswer(GstRTSPContext const* context) {
 
 gboolean Authenticate(GstRTSPAuth* authentication, GstRTSPContext* context) {
     if (!HasAnswer(context)) return GetParent()->authenticate(authentication, context);
-    auto& guesses = **reinterpret_cast<Authentication*>(authentication)->guesses;
-    std::string const address = gst_rtsp_connection_get_ip(context->conn);
-    auto const now = GuessLimit::Clock::now();
-    if (guesses.IsReached(address, now)) return FALSE;
+    auto& failedLogins = **reinterpret_cast<Authentication*>(authentication)->failedLogins;
+    boost::system::error_code ignored;
+    auto const peer = boost::asio::ip::make_address(gst_rtsp_connection_get_ip(context->conn), ignored);
+    if (failedLogins.GetWait(peer)) return FALSE;
     auto const isKnown = GetParent()->authenticate(authentication, context);
-    if (isKnown == FALSE || context->token == nullptr) guesses.Count(address, now);
+    if (isKnown == FALSE || context->token == nullptr) failedLogins.Count(peer);
     return isKnown;
 }
 
 void Finalize(GObject* object) {
-    delete reinterpret_cast<Authentication*>(object)->guesses;
+    delete reinterpret_cast<Authentication*>(object)->failedLogins;
     G_OBJECT_CLASS(GetParent())->finalize(object);
 }
 
@@ -96,10 +97,10 @@ bool IsHash(std::string const& text) {
 
 } // namespace
 
-ObjectHandle<GstRTSPAuth> MakeAuthentication(std::string const& ha1, std::shared_ptr<GuessLimit> guesses) {
+ObjectHandle<GstRTSPAuth> MakeAuthentication(std::string const& ha1, std::shared_ptr<FailedLogins> failedLogins) {
     ObjectHandle<GstRTSPAuth> authentication(GST_RTSP_AUTH(g_object_new(GetAuthenticationType(), nullptr)));
-    reinterpret_cast<Authentication*>(authentication.get())->guesses =
-        new std::shared_ptr<GuessLimit>(std::move(guesses));
+    reinterpret_cast<Authentication*>(authentication.get())->failedLogins =
+        new std::shared_ptr<FailedLogins>(std::move(failedLogins));
     gst_rtsp_auth_set_supported_methods(authentication.get(), GST_RTSP_AUTH_DIGEST);
     gst_rtsp_auth_set_realm(authentication.get(), zarn::authentication::Realm);
     if (!IsHash(ha1)) return authentication;

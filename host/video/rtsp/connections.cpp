@@ -3,6 +3,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace zarn::host::video::rtsp {
@@ -73,6 +74,11 @@ GstRTSPFilterResult RemoveUnlessUdp(GstRTSPClient* client, GstRTSPSession* sessi
 
 } // namespace
 
+std::string GetAddress(GstRTSPClient* client) {
+    auto const* address = gst_rtsp_connection_get_ip(gst_rtsp_client_get_connection(client));
+    return address == nullptr ? std::string() : address;
+}
+
 /// A second descriptor of a connection's socket: it can be shut down whatever the connection's thread is doing with it.
 class Connections::Socket {
 public:
@@ -102,9 +108,22 @@ std::size_t Connections::GetCount() const {
     return state->entries.size();
 }
 
+std::size_t Connections::CountFrom(std::string const& address) const {
+    std::scoped_lock const lock(state->mutex);
+    return static_cast<std::size_t>(
+        std::ranges::count(state->entries, address, [](auto const& entry) { return entry.second.address; }));
+}
+
+void Connections::ShutDown(GstRTSPClient* client) {
+    std::scoped_lock const lock(state->mutex);
+    auto const found = state->entries.find(client);
+    if (found != state->entries.end()) found->second.socket->ShutDown();
+}
+
 void Connections::Add(GstRTSPClient* client) {
     {
-        Entry entry{Client(GST_RTSP_CLIENT(g_object_ref(client))), std::make_unique<Socket>(client), Clock::now()};
+        Entry entry{Client(GST_RTSP_CLIENT(g_object_ref(client))), std::make_unique<Socket>(client), GetAddress(client),
+                    Clock::now()};
         std::scoped_lock const lock(state->mutex);
         state->entries.emplace(client, std::move(entry));
     }
@@ -151,9 +170,7 @@ std::vector<Connections::Client> Connections::FindViewers(std::string const& pat
 void Connections::End(std::vector<Client> const& clients) {
     for (auto const& client : clients) {
         EndSessions(client.get(), RemoveSession);
-        std::scoped_lock const lock(state->mutex);
-        auto const found = state->entries.find(client.get());
-        if (found != state->entries.end()) found->second.socket->ShutDown();
+        ShutDown(client.get());
     }
 }
 

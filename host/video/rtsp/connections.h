@@ -16,6 +16,9 @@
 
 namespace zarn::host::video::rtsp {
 
+/// The address of a connection's peer, in text.
+std::string GetAddress(GstRTSPClient* client);
+
 /// The connections of an RTSP server: how many there are, which watch a channel, which only sit there. Each is served
 /// by a thread of its own; they are ended by shutting down their socket, upon which that thread takes them apart.
 /// Thread: any.
@@ -37,8 +40,14 @@ public:
     /// How many there are.
     std::size_t GetCount() const;
 
+    /// How many there are from an address, as GetAddress() gives it.
+    std::size_t CountFrom(std::string const& address) const;
+
     /// A connection has come; it is forgotten when it closes.
     void Add(GstRTSPClient* client);
+
+    /// Ends one that has just come and has no session yet.
+    void ShutDown(GstRTSPClient* client);
 
     /// Ends those that have had no session for `Patience`.
     void EndIdle(Clock::time_point now);
@@ -60,6 +69,7 @@ private:
     struct Entry {
         Client client;
         std::unique_ptr<Socket> socket;
+        std::string address;
         Clock::time_point seen; ///< when it came or was last known to have a session
     };
 

@@ -1,18 +1,19 @@
 #include "host/video/rtsp/server.h"
 
 #include "host/video/gstreamer.h"
+#include "host/video/log.h"
 #include "host/video/rtsp/authentication.h"
 #include "host/video/rtsp/bounded_server.h"
 #include "host/video/rtsp/connections.h"
-#include "host/video/rtsp/guess_limit.h"
 #include "host/video/rtsp/loop.h"
 #include "host/video/rtsp/media_factory.h"
 
-#include <zarn/logging/logger.h>
 #include <zarn/logging/rate_limit.h>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
+#include <cstddef>
 #include <functional>
 #include <map>
 #include <mutex>
@@ -37,11 +38,6 @@ constexpr guint LookSeconds = 2;
 constexpr guint MaximumBody = 64 * 1024;
 constexpr guint MaximumSessions = 2 * Connections::Maximum; // some wait for their connection to come back
 constexpr gint ThreadPerConnection = -1;
-
-logging::Logger const& Log() {
-    static logging::Logger const Logger("zarn.host.video");
-    return Logger;
-}
 
 std::string MakePath(std::string const& id) { return std::string(Prefix) + id; }
 
@@ -93,7 +89,8 @@ private:
 /// since a peer that sends without end keeps GStreamer reading.
 class Server::Impl {
 public:
-    explicit Impl(std::uint16_t port) : server(MakeBoundedServer([this] { return HasRoom(); })) {
+    Impl(std::uint16_t port, std::shared_ptr<FailedLogins> failedLogins)
+        : failedLogins(std::move(failedLogins)), server(MakeBoundedServer([this] { return HasRoom(); })) {
         ObjectHandle<GstRTSPThreadPool> const threads(gst_rtsp_server_get_thread_pool(server.get()));
         gst_rtsp_thread_pool_set_max_threads(threads.get(), ThreadPerConnection);
         sessions.reset(gst_rtsp_server_get_session_pool(server.get()));
@@ -126,8 +123,13 @@ public:
     Impl& operator=(Impl const&) = delete;
 
     void SetAuthentication(bool authenticate, std::string const& ha1) {
-        auto const authentication = authenticate ? MakeAuthentication(ha1, guesses) : nullptr;
+        auto const authentication = authenticate ? MakeAuthentication(ha1, failedLogins) : nullptr;
         gst_rtsp_server_set_auth(server.get(), authentication.get());
+    }
+
+    void SetLimits(RtspLimits const& limits) {
+        maximum = std::min(limits.connections, Connections::Maximum);
+        maximumPerAddress = limits.connectionsPerAddress;
     }
 
     void Mount(std::string const& id, std::shared_ptr<Stream> const& stream) {
@@ -163,17 +165,30 @@ private:
     }
 
     bool HasRoom() {
-        if (connections.GetCount() < Connections::Maximum) return true;
+        auto const count = connections.GetCount();
+        if (count < maximum) return true;
         if (auto const more = refusals.Admit()) {
             Log().Log(logging::Level::Warning, "RTSP connection refused: there are %0% (%1% more refused before)",
-                      Connections::Maximum, *more);
+                      count, *more);
         }
         return false;
+    }
+
+    /// The address of a connection is known only once it is there.
+    void BoundPerAddress(GstRTSPClient* client) {
+        std::string const address = GetAddress(client);
+        if (connections.CountFrom(address) <= maximumPerAddress) return;
+        if (auto const more = refusals.Admit()) {
+            Log().Log(logging::Level::Warning,
+                      "RTSP connection of %0% refused: too many are open (%1% more refused before)", address, *more);
+        }
+        connections.ShutDown(client);
     }
 
     static void OnConnected(GstRTSPServer*, GstRTSPClient* client, gpointer self) {
         auto& impl = *static_cast<Impl*>(self);
         impl.connections.Add(client);
+        impl.BoundPerAddress(client);
         for (auto const* signal : {"pre-describe-request", "pre-setup-request"}) {
             g_signal_connect_data(
                 client, signal, G_CALLBACK(&Impl::OnRequest), new std::shared_ptr<Streams>(impl.streams),
@@ -197,7 +212,9 @@ private:
 
     Connections connections;
     logging::RateLimit refusals;
-    std::shared_ptr<GuessLimit> const guesses = std::make_shared<GuessLimit>();
+    std::atomic<std::size_t> maximum = Connections::Maximum;
+    std::atomic<std::size_t> maximumPerAddress = Connections::Maximum;
+    std::shared_ptr<FailedLogins> const failedLogins;
     std::shared_ptr<Streams> const streams = std::make_shared<Streams>();
     ObjectHandle<GstRTSPServer> server;
     ObjectHandle<GstRTSPSessionPool> sessions;
@@ -206,9 +223,9 @@ private:
     Loop loop;                     ///< last, so that it ends before what it uses goes
 };
 
-Server::Server(std::uint16_t port) {
+Server::Server(std::uint16_t port, std::shared_ptr<FailedLogins> failedLogins) {
     InitializeGStreamer();
-    impl = std::make_unique<Impl>(port);
+    impl = std::make_unique<Impl>(port, std::move(failedLogins));
     this->port = impl->GetPort();
 }
 
@@ -219,6 +236,8 @@ std::uint16_t Server::GetPort() const { return port; }
 void Server::SetAuthentication(bool authenticate, std::string const& ha1) {
     impl->SetAuthentication(authenticate, ha1);
 }
+
+void Server::SetLimits(RtspLimits const& limits) { impl->SetLimits(limits); }
 
 void Server::Mount(std::string const& id, std::shared_ptr<Stream> const& stream) { impl->Mount(id, stream); }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "host/failed_logins.h"
+#include "host/video/rtsp_settings.h"
 #include "host/video/stream.h"
 
 #include <cstdint>
@@ -13,9 +15,10 @@ namespace zarn::host::video::rtsp {
 /// Thread: any, one at a time, but for Disconnect(). Source: RFC 2326.
 class Server {
 public:
-    /// port  TCP port; 0 binds a free one
+    /// port          TCP port; 0 binds a free one
+    /// failedLogins  slows down who guesses passwords; never null
     /// Throws std::runtime_error when it cannot be bound; the message names the port.
-    explicit Server(std::uint16_t port);
+    Server(std::uint16_t port, std::shared_ptr<FailedLogins> failedLogins);
 
     /// Stop().
     ~Server();
@@ -28,6 +31,9 @@ public:
 
     /// Asks connections that come from now on for digest authentication with this hash, or lets everybody in.
     void SetAuthentication(bool authenticate, std::string const& ha1);
+
+    /// Bounds for the connections that come from now on.
+    void SetLimits(RtspLimits const& limits);
 
     /// Serves a stream at `/channels/ID`, in place of what was there.
     void Mount(std::string const& id, std::shared_ptr<Stream> const& stream);

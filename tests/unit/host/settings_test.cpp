@@ -61,8 +61,10 @@ TEST_F(SettingsTest, GiveEveryLimit) {
                                               .exchanges = 3,
                                               .bodyBytes = 4096,
                                               .headerTime = std::chrono::seconds(5),
-                                              .idleTime = std::chrono::seconds(6),
-                                              .failedLoginsPerMinute = 7}));
+                                              .idleTime = std::chrono::seconds(6)}));
+    EXPECT_EQ(ReadRtspLimits(*root).connections, 1U);
+    EXPECT_EQ(ReadRtspLimits(*root).connectionsPerAddress, 2U);
+    EXPECT_EQ(ReadFailedLoginsLimit(*root), 7U);
 }
 
 TEST_F(SettingsTest, GiveTheChannelsInTheOrderOfTheFile) {

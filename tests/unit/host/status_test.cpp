@@ -25,7 +25,7 @@ TEST(Status, SaysHowChannelsModuleAndListenersAre) {
 
     EXPECT_EQ(status.at("status"), "ok");
     EXPECT_EQ(status.at("uptime_seconds"), 5);
-    EXPECT_EQ(status.at("module").at("discovery"), false);
+    EXPECT_EQ(status.at("module").at("enabled"), false);
     EXPECT_EQ(status.at("listeners"),
               boost::json::parse(R"({"web": {"port": 8081, "tls": true, "connections": 0, "exchanges": 1},
         "rtsp": {"port": )" + std::to_string(engine.GetPort()) +
@@ -44,6 +44,7 @@ TEST(Status, IsDegradedWhenAChannelHasFailed) {
     auto const status = MakeStatus(*root, engine, web::Admission(), false, std::chrono::seconds(0));
     EXPECT_EQ(status.at("status"), "degraded");
     EXPECT_EQ(status.at("channels").at(0).at("state"), "failed");
+    EXPECT_THAT(boost::json::serialize(status), testing::Not(testing::HasSubstr("none-such")));
 }
 
 } // namespace

@@ -1,4 +1,7 @@
+#include "unit/host/thread_failure.h"
 #include "unit/host/video/video_test.h"
+
+#include <zarn/logging/capture.h>
 
 #include <gmock/gmock.h>
 
@@ -64,16 +67,20 @@ TEST_F(EngineChannels, TellHowOldTheNewestFrameIs) {
     EXPECT_LT(GetStatus("1").frameAge.value(), 5s);
 }
 
-TEST_F(EngineChannels, TellWhyTheirSourceFails) {
+TEST_F(EngineChannels, TellEverybodyWhyTheirSourceFailsAndTheLogWhichItIs) {
+    logging::Capture const log;
     engine->SetChannels({From("1", folder / "missing.mp4")});
     ASSERT_TRUE(WaitForState("1", ChannelState::Failed));
-    EXPECT_THAT(GetStatus("1").detail, HasSubstr("missing.mp4"));
+    EXPECT_EQ(GetStatus("1").detail, "the source is not there");
+    EXPECT_TRUE(log.Contains("missing.mp4"));
 }
 
 TEST_F(EngineChannels, FailForGoodWhenTheirSourceIsWrong) {
+    logging::Capture const log;
     engine->SetChannels({From("1", "test:none"), From("2", Small)});
     EXPECT_EQ(GetStatus("1").state, ChannelState::Failed);
-    EXPECT_THAT(GetStatus("1").detail, HasSubstr("unknown pattern"));
+    EXPECT_EQ(GetStatus("1").detail, "the source is not understood");
+    EXPECT_TRUE(log.Contains("unknown pattern \"none\""));
     EXPECT_TRUE(WaitForState("2", ChannelState::Running));
 }
 
@@ -138,6 +145,24 @@ TEST_F(EngineChannels, CanBeChangedAndAskedAtTheSameTime) {
         engine->SetChannels({From("1", Other), From("2", "")});
     }
     EXPECT_TRUE(WaitForState("1", ChannelState::Running));
+}
+
+TEST_F(EngineChannels, FailWithoutAThreadAndLeaveTheOthersAlone) {
+    engine->SetChannels({From("1", Small), From("2", Small)});
+    ASSERT_TRUE(WaitForState("1", ChannelState::Running));
+    {
+        tests::ThreadFailure const failure;
+        engine->SetChannels({From("3", Other), From("1", Small), From("2", Other)});
+    }
+    EXPECT_THAT(GetIds(), testing::ElementsAre("3", "1", "2"));
+    EXPECT_EQ(GetStatus("1").state, ChannelState::Running);
+    for (auto const* id : {"2", "3"}) {
+        EXPECT_EQ(GetStatus(id).state, ChannelState::Failed);
+        EXPECT_EQ(GetStatus(id).detail, "there is no thread for the source");
+    }
+    engine->SetChannels({From("3", Other), From("1", Small), From("2", Other)});
+    EXPECT_TRUE(WaitForState("2", ChannelState::Running));
+    EXPECT_TRUE(WaitForState("3", ChannelState::Running));
 }
 
 TEST_F(EngineChannels, AreNotTakenAfterStopping) {

@@ -1,5 +1,4 @@
 #include "host/video/rtsp/connections.h"
-#include "host/video/rtsp/guess_limit.h"
 #include "unit/host/video/video_test.h"
 
 #include <zarn/authentication/ha1.h>
@@ -107,6 +106,32 @@ TEST_F(EngineLimits, RefuseConnectionsPastTheirNumberUntilOneGoes) {
     EXPECT_TRUE(WaitFor([&] { return CanBeViewed(); }));
 }
 
+TEST_F(EngineLimits, RefuseConnectionsPastTheNumberThatTheSettingsAllow) {
+    engine->SetLimits({.connections = 3});
+    std::vector<std::unique_ptr<Peer>> peers;
+    for (int count = 0; count < 3; ++count) {
+        peers.push_back(Connect());
+        ASSERT_TRUE(peers.back()->Send(Options));
+        ASSERT_THAT(peers.back()->Read(20ms), StartsWith("RTSP/1.0 200"));
+    }
+    EXPECT_TRUE(Connect()->IsClosed(Deadline));
+}
+
+TEST_F(EngineLimits, RefuseConnectionsOfOneAddressPastTheirNumberUntilOneGoes) {
+    engine->SetLimits({.connectionsPerAddress = 1});
+    auto first = Connect();
+    ASSERT_TRUE(first->Send(Options));
+    EXPECT_THAT(first->Read(20ms), StartsWith("RTSP/1.0 200"));
+    EXPECT_TRUE(Connect()->IsClosed(Deadline));
+    ASSERT_TRUE(first->Send(Options));
+    EXPECT_THAT(first->Read(20ms), StartsWith("RTSP/1.0 200"));
+    first.reset();
+    EXPECT_TRUE(WaitFor([&] {
+        auto const peer = Connect();
+        return peer->Send(Options) && !peer->Read().empty();
+    }));
+}
+
 TEST_F(EngineLimits, EndConnectionsThatDoNothingButNoViewers) {
     StartChannel();
     Viewer overTcp(GetUrl("1"), {.decode = false});
@@ -158,7 +183,7 @@ TEST_F(EngineLimits, RefuseTheRightPasswordAfterTooManyGuesses) {
     StartChannel();
     auto const describe = "DESCRIBE " + GetUrl("1") + " RTSP/1.0\r\nCSeq: 1\r\n";
     auto const peer = Connect();
-    for (std::size_t guess = 0; guess <= rtsp::GuessLimit::Maximum; ++guess) {
+    for (std::size_t guess = 0; guess <= FailedLogins::DefaultLimit; ++guess) {
         ASSERT_TRUE(peer->Send(describe +
                                "Authorization: Digest username=\"admin\", realm=\"x\", nonce=\"x\", uri=\"x\", "
                                "response=\"00000000000000000000000000000000\"\r\n\r\n"));

@@ -107,9 +107,11 @@ TEST_F(EngineSource, FailsWhenAFileHoldsNoVideo) {
 }
 
 TEST_F(EngineSource, FailsWhenADeviceIsMissing) {
+    logging::Capture const log;
     engine->SetChannels({From("1", "v4l2:/dev/video99")});
     ASSERT_TRUE(WaitForState("1", ChannelState::Failed));
-    EXPECT_THAT(GetStatus("1").detail, HasSubstr("/dev/video99"));
+    EXPECT_EQ(GetStatus("1").detail, "the source is not there");
+    EXPECT_TRUE(log.Contains("/dev/video99"));
 }
 
 TEST_F(EngineSource, IsLoggedOnceForEachChange) {
@@ -172,7 +174,8 @@ TEST_F(EngineCamera, NeedsTheRightPasswordWhichIsNeverLogged) {
     StartCamera(Small);
     engine->SetChannels({FromCamera("a-wrong-one")});
     ASSERT_TRUE(WaitForState("1", ChannelState::Failed));
-    EXPECT_THAT(GetStatus("1").detail, HasSubstr("Unauthorized"));
+    EXPECT_EQ(GetStatus("1").detail, "the source refuses the user or password");
+    EXPECT_TRUE(capture.Contains("Unauthorized"));
     EXPECT_TRUE(capture.Contains("channel 1: source rtsp://127.0.0.1"));
     EXPECT_FALSE(capture.Contains("a-wrong-one"));
 }

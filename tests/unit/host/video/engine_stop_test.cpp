@@ -1,10 +1,15 @@
+#include "unit/host/thread_failure.h"
 #include "unit/host/video/video_test.h"
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <stdexcept>
+#include <thread>
 
 namespace zarn::host::video::test {
 namespace {
@@ -58,6 +63,54 @@ TEST_F(EngineStop, DoesNotWaitForAPause) {
     engine->SetChannels({From("1", folder / "missing.mp4")});
     ASSERT_TRUE(WaitForState("1", ChannelState::Failed));
     EXPECT_LT(MeasureStop(), StopLimit);
+}
+
+/// A source whose opening never ends while nobody writes into it.
+class EngineHang : public EngineStop {
+protected:
+    EngineHang() { mkfifo(path.c_str(), 0600); }
+
+    ~EngineHang() override {
+        // GStreamer opens a file several times.
+        std::jthread const writing([this](std::stop_token const& stop) {
+            while (!stop.stop_requested()) {
+                close(open(path.c_str(), O_RDWR | O_CLOEXEC));
+                std::this_thread::sleep_for(1ms);
+            }
+        });
+        engine.reset();
+    }
+
+    /// Waits until the channel's thread sits in the opening: the state alone would not tell.
+    void AwaitHang() const { std::this_thread::sleep_for(200ms); }
+
+    std::string const path = folder / "pipe.ts";
+};
+
+TEST_F(EngineHang, DoesNotKeepTheEngineFromStopping) {
+    engine->SetChannels({From("1", path), From("2", Small)});
+    AwaitHang();
+    EXPECT_LT(MeasureStop(), StopLimit);
+}
+
+TEST_F(EngineHang, DoesNotKeepChannelsFromBeingChanged) {
+    engine->SetChannels({From("1", path), From("2", Small)});
+    AwaitHang();
+    auto const begin = std::chrono::steady_clock::now();
+    engine->SetChannels({From("1", Small)});
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, StopLimit);
+    ASSERT_TRUE(WaitForState("1", ChannelState::Running));
+    EXPECT_TRUE(Viewer(GetUrl("1")).Next());
+}
+
+TEST_F(EngineStop, SaysThatThereIsNoThreadToStartWith) {
+    tests::ThreadFailure const failure;
+    try {
+        Engine const next({0, false, ""});
+        FAIL() << "the engine runs";
+    } catch (std::runtime_error const& error) {
+        EXPECT_THAT(error.what(), HasSubstr("the video engine cannot be started"));
+    }
 }
 
 TEST_F(EngineStop, IsHarmlessTwice) {

@@ -39,7 +39,7 @@ protected:
         Producer producer(*ParseSource("test:ball?width=128&height=96&rate=30").source, {});
         while (count > 0) {
             auto result = producer.Pull(std::chrono::seconds(1));
-            ASSERT_FALSE(std::holds_alternative<Producer::Failed>(result));
+            ASSERT_FALSE(std::holds_alternative<Failure>(result));
             auto const* picture = std::get_if<Producer::Picture>(&result);
             if (picture == nullptr) continue;
             auto* buffer = gst_sample_get_buffer(picture->sample.get());

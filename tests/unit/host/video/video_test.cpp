@@ -94,10 +94,13 @@ std::optional<Picture> Viewer::Next(std::chrono::milliseconds timeout) {
 }
 
 bool Viewer::HasEnded() const {
-    return !impl->pipeline.GetFailure().empty() || gst_app_sink_is_eos(GST_APP_SINK(impl->sink.get())) != FALSE;
+    return impl->pipeline.GetFailure() || gst_app_sink_is_eos(GST_APP_SINK(impl->sink.get())) != FALSE;
 }
 
-std::string Viewer::GetFailure() const { return impl->pipeline.GetFailure(); }
+std::string Viewer::GetFailure() const {
+    auto const failure = impl->pipeline.GetFailure();
+    return failure ? failure->GetText() : std::string();
+}
 
 std::optional<Picture> DecodeJpeg(std::string_view jpeg) {
     Pipeline pipeline;

@@ -47,8 +47,9 @@ protected:
     Admission admission;
     PendingTicker ticker{io.GetContext()};
     std::shared_ptr<Scripted> service = std::make_shared<Scripted>();
-    Dispatcher dispatcher{Router({{"/onvif/", service}}), ticker, admission};
-    Limits limits{.exchanges = 2, .failedLoginsPerMinute = 3};
+    FailedLogins failedLogins{3};
+    Dispatcher dispatcher{Router({{"/onvif/", service}}), ticker, admission, failedLogins};
+    Limits limits{.exchanges = 2};
 };
 
 TEST_F(DispatcherTest, TakesARequestToTheServiceOfItsPath) {

@@ -1,5 +1,4 @@
 #include "host/web/find_field.h"
-#include "web/fake_request.h"
 
 #include <gtest/gtest.h>
 
@@ -7,14 +6,11 @@ namespace zarn::host::web {
 namespace {
 
 TEST(FindField, ComparesNamesWithoutCase) {
-    FakeRequest const request(FakeRequest::Method::Get, "/", {{"AUTHORIZATION", "a"}, {"Host", "b"}});
-    EXPECT_EQ(FindField(request, "Authorization"), "a");
-    EXPECT_EQ(FindField(request, "host"), "b");
+    EXPECT_EQ(FindField({{"AUTHORIZATION", "a"}, {"Host", "b"}}, "Authorization"), "a");
+    EXPECT_EQ(FindField({{"AUTHORIZATION", "a"}, {"Host", "b"}}, "host"), "b");
 }
 
-TEST(FindField, GivesNothingForAFieldThatIsNotThere) {
-    EXPECT_EQ(FindField(FakeRequest(FakeRequest::Method::Get, "/"), "Host"), "");
-}
+TEST(FindField, GivesNothingForAFieldThatIsNotThere) { EXPECT_EQ(FindField({}, "Host"), ""); }
 
 } // namespace
 } // namespace zarn::host::web

@@ -43,6 +43,14 @@ TEST(IncomingRequest, JoinsTheValuesOfARepeatedField) {
     EXPECT_THAT(request.GetFields(), UnorderedElementsAre(Pair("Accept", "a, b, c")));
 }
 
+TEST(IncomingRequest, FindsAFieldWithoutRegardToCase) {
+    auto message = MakeMessage();
+    message.set("AUTHORIZATION", "a");
+    IncomingRequest const request(std::move(message), "/");
+    EXPECT_EQ(request.FindField("Authorization"), "a");
+    EXPECT_EQ(request.FindField("Host"), "");
+}
+
 TEST(IncomingRequest, LeavesOutWhatConcernsTheConnectionOnly) {
     auto message = MakeMessage();
     for (auto const* name : {"Keep-Alive", "EXPECT", "TE", "Trailer", "transfer-encoding", "Upgrade",

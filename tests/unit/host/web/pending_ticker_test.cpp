@@ -142,6 +142,24 @@ TEST_F(PendingTickerTest, ServesManyAtOnce) {
     for (auto& reply : replies) ASSERT_EQ(reply.wait_for(10s), std::future_status::ready);
 }
 
+TEST_F(PendingTickerTest, GoesOnWhenAnAnswerCannotBeDelivered) {
+    logging::Capture const log;
+    auto const young = std::make_shared<Work>();
+    auto const old = std::make_shared<Work>();
+    auto oldReply = Watch(MakePending(old));
+    auto const begun = Clock::now();
+    while (Clock::now() - begun < 50ms) std::this_thread::sleep_for(1ms);
+    for (int i = 0; i < 3; ++i) {
+        ticker->Watch(MakePending(young), [](Reply const&) { throw std::runtime_error("no memory"); });
+    }
+    auto youngReply = Watch(MakePending(young));
+    young->ready = true;
+    ASSERT_EQ(youngReply.wait_for(5s), std::future_status::ready);
+    old->ready = true;
+    ASSERT_EQ(oldReply.wait_for(5s), std::future_status::ready);
+    EXPECT_TRUE(log.Contains("no memory"));
+}
+
 TEST_F(PendingTickerTest, DropsWhatIsPendingWhenItGoes) {
     auto const work = std::make_shared<Work>();
     auto reply = Watch(MakePending(work));

@@ -1,9 +1,11 @@
+#include "unit/host/thread_failure.h"
 #include "web/server_fixture.h"
 
 #include <gmock/gmock.h>
 
 #include <chrono>
 #include <memory>
+#include <stdexcept>
 #include <vector>
 
 namespace zarn::host::web {
@@ -55,6 +57,19 @@ TEST_F(ServerStop, IsHarmlessWhenItIsDoneTwice) {
     server->Stop();
     EXPECT_NO_THROW(server->Stop());
     EXPECT_NO_THROW(server->StopAccepting());
+}
+
+TEST_F(ServerStop, LeavesNothingBehindWhenItCannotStartAllOfItsThreads) {
+    for (int const successes : {0, 1}) {
+        tests::ThreadFailure const failure(successes);
+        try {
+            Start();
+            FAIL() << "the server runs";
+        } catch (std::runtime_error const& error) {
+            EXPECT_THAT(error.what(), testing::HasSubstr("a thread of the web server cannot be started"));
+        }
+    }
+    EXPECT_THROW(Connect(), std::exception);
 }
 
 TEST_F(ServerStop, LetsGoOfAConnectionWhoseResponseNeverCame) {

@@ -1,9 +1,9 @@
-#include "host/frame_rate.h"
+#include "host/video/frame_rate.h"
 
 #include <charconv>
 #include <system_error>
 
-namespace zarn::host {
+namespace zarn::host::video {
 namespace {
 
 std::optional<std::int32_t> ParseNumber(std::string_view text) {
@@ -16,12 +16,12 @@ std::optional<std::int32_t> ParseNumber(std::string_view text) {
 
 } // namespace
 
-std::optional<std::pair<std::int32_t, std::int32_t>> ParseFrameRate(std::string_view text) {
+std::optional<FrameRate> ParseFrameRate(std::string_view text) {
     auto const slash = text.find('/');
     auto const numerator = ParseNumber(text.substr(0, slash));
     auto const denominator = slash == std::string_view::npos ? 1 : ParseNumber(text.substr(slash + 1));
     if (!numerator || !denominator) return std::nullopt;
-    return std::pair(*numerator, *denominator);
+    return FrameRate{*numerator, *denominator};
 }
 
-} // namespace zarn::host
+} // namespace zarn::host::video

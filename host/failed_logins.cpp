@@ -1,15 +1,20 @@
-#include "host/web/failed_logins.h"
+#include "host/failed_logins.h"
 
 #include <algorithm>
 
-namespace zarn::host::web {
+namespace zarn::host {
 namespace {
 
 constexpr std::chrono::minutes Window{1};
 
 } // namespace
 
-void FailedLogins::Count(boost::asio::ip::address const& peer, std::size_t limit, Clock::time_point now) {
+void FailedLogins::SetLimit(std::size_t value) {
+    std::lock_guard const lock(mutex);
+    limit = value;
+}
+
+void FailedLogins::Count(boost::asio::ip::address const& peer, Clock::time_point now) {
     std::lock_guard const lock(mutex);
     if (!failures.contains(peer) && failures.size() >= MaximumAddresses) ForgetOne();
     auto& times = failures[peer];
@@ -18,7 +23,7 @@ void FailedLogins::Count(boost::asio::ip::address const& peer, std::size_t limit
     while (times.size() > limit + 1) times.pop_front();
 }
 
-std::optional<std::chrono::seconds> FailedLogins::GetWait(boost::asio::ip::address const& peer, std::size_t limit,
+std::optional<std::chrono::seconds> FailedLogins::GetWait(boost::asio::ip::address const& peer,
                                                           Clock::time_point now) const {
     std::lock_guard const lock(mutex);
     auto const found = failures.find(peer);
@@ -37,4 +42,4 @@ void FailedLogins::ForgetOne() {
     failures.erase(oldest);
 }
 
-} // namespace zarn::host::web
+} // namespace zarn::host

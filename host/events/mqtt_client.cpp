@@ -1,0 +1,197 @@
+#include "host/events/mqtt_client.h"
+
+#include "host/events/mqtt_session.h"
+#include "host/events/read_events.h"
+
+#include <mosquitto.h>
+#include <poll.h>
+#include <resolv.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdint>
+#include <exception>
+#include <random>
+#include <system_error>
+#include <utility>
+
+namespace zarn::host::events {
+namespace {
+
+using logging::Level;
+using Clock = std::chrono::steady_clock;
+
+/// Makes the system's resolver give up soon, in this thread only, so that a name server which is away cannot keep the
+/// program from ending.
+void LimitResolving() {
+    res_init();
+    _res.retrans = 1;
+    _res.retry = 1;
+}
+
+/// Whether a topic is one that a subscription is for; of a shared one ("$share/GROUP/FILTER") the filter counts.
+bool IsSubscribed(std::string const& filter, std::string const& topic) {
+    constexpr std::string_view Shared = "$share/";
+    auto const begin = filter.starts_with(Shared) ? filter.find('/', Shared.size()) + 1 : 0;
+    bool matches = false;
+    mosquitto_topic_matches_sub(filter.c_str() + begin, topic.c_str(), &matches);
+    return matches;
+}
+
+} // namespace
+
+MqttClient::Wake::Wake() : descriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+    if (descriptor < 0) throw std::system_error(errno, std::system_category(), "eventfd");
+}
+
+MqttClient::Wake::~Wake() { close(descriptor); }
+
+void MqttClient::Wake::Set() const { eventfd_write(descriptor, 1); }
+
+void MqttClient::Wake::Clear() const {
+    eventfd_t value = 0;
+    eventfd_read(descriptor, &value);
+}
+
+MqttClient::Library::Library() { mosquitto_lib_init(); }
+
+MqttClient::Library::~Library() { mosquitto_lib_cleanup(); }
+
+MqttClient::MqttClient(Sink sink) : sink(std::move(sink)) {}
+
+MqttClient::~MqttClient() { Stop(); }
+
+void MqttClient::Configure(MqttSettings const& settings) {
+    {
+        std::lock_guard const lock(mutex);
+        if (stopping || settings == wanted) return;
+        wanted = settings;
+    }
+    if (!thread.joinable() && settings.enabled) thread = std::thread([this] { Work(); });
+    wake.Set();
+}
+
+void MqttClient::Stop() {
+    {
+        std::lock_guard const lock(mutex);
+        stopping = true;
+    }
+    wake.Set();
+    if (thread.joinable()) thread.join();
+}
+
+MqttStatus MqttClient::GetStatus() const {
+    std::lock_guard const lock(mutex);
+    return status;
+}
+
+void MqttClient::Work() {
+    LimitResolving();
+    std::minstd_rand chance(std::random_device{}());
+    std::uniform_real_distribution<double> distribution;
+    MqttSettings settings;
+    for (auto family = MqttSession::Family::Any;;) {
+        wake.Clear();
+        {
+            std::lock_guard const lock(mutex);
+            if (stopping) return;
+            if (settings != wanted) delay.Reset();
+            settings = wanted;
+        }
+        if (!settings.enabled) {
+            SetState(MqttState::Off, {});
+            AwaitWake(std::chrono::milliseconds(-1));
+            continue;
+        }
+        auto const lasted = RunSession(settings, family);
+        if (!IsCurrent(settings)) continue;
+        // A name may have addresses of both families, of which the broker serves only one.
+        bool const first = family == MqttSession::Family::Any && lasted == Clock::duration::zero();
+        family = first ? MqttSession::Family::Ipv4 : MqttSession::Family::Any;
+        AwaitWake(delay.Fail(lasted, distribution(chance)));
+    }
+}
+
+Clock::duration MqttClient::RunSession(MqttSettings const& settings, MqttSession::Family family) {
+    SetState(MqttState::Connecting, GetStatus().detail);
+    MqttSession session(settings, family, [&](MqttMessage const& message) { Take(settings, message); });
+    while (!session.IsReady() && !session.HasEnded() && IsCurrent(settings)) Serve(session);
+    auto const begin = Clock::now();
+    bool const connected = session.IsReady();
+    if (connected) {
+        logger.Log(Level::Info, "Connected to %0%, topic %1%", settings.url, settings.topic);
+        lastFailure.clear();
+        SetState(MqttState::Connected, {});
+    }
+    while (session.IsReady() && IsCurrent(settings)) Serve(session);
+    if (session.HasEnded()) {
+        Report(settings, session.GetReason());
+        SetState(MqttState::Waiting, session.GetReason());
+    } else if (IsAnotherTopic(settings)) {
+        session.Unsubscribe();
+    }
+    return connected ? Clock::now() - begin : Clock::duration::zero();
+}
+
+void MqttClient::Serve(MqttSession& session) const {
+    if (session.Serve(wake.GetDescriptor())) wake.Clear();
+}
+
+void MqttClient::Report(MqttSettings const& settings, std::string const& reason) {
+    auto const level = reason == lastFailure ? Level::Debug : Level::Warning;
+    logger.Log(level, "No connection to %0%: %1%; trying again", settings.url, reason);
+    lastFailure = reason;
+}
+
+void MqttClient::AwaitWake(std::chrono::milliseconds limit) const {
+    pollfd descriptor{wake.GetDescriptor(), POLLIN, 0};
+    poll(&descriptor, 1, static_cast<int>(limit.count()));
+}
+
+void MqttClient::Take(MqttSettings const& settings, MqttMessage const& message) {
+    std::uint64_t taken = 0;
+    bool refused = false;
+    try {
+        taken = Deliver(settings, message);
+    } catch (std::exception const& error) {
+        refused = true;
+        if (auto const more = refusals.Admit()) {
+            logger.Log(Level::Warning, "Refused a message of topic %0%: %1% (%2% more since the last such line)",
+                       message.topic, error.what(), *more);
+        }
+    }
+    std::lock_guard const lock(mutex);
+    ++status.received;
+    status.refused += refused ? 1 : 0;
+    status.events += taken;
+}
+
+std::size_t MqttClient::Deliver(MqttSettings const& settings, MqttMessage const& message) {
+    if (!IsSubscribed(settings.topic, std::string(message.topic)))
+        throw ReadError("the topic is not subscribed to; the broker keeps an earlier subscription of this client_id");
+    if (message.retained) throw ReadError("the message is retained: an event of the past");
+    if (message.payload.size() > LongestMessage)
+        throw ReadError("the message is longer than " + std::to_string(LongestMessage) + " bytes");
+    auto const events = ReadEvents(message.payload, std::chrono::system_clock::now());
+    for (auto const& event : events) sink(event);
+    return events.size();
+}
+
+bool MqttClient::IsCurrent(MqttSettings const& settings) const {
+    std::lock_guard const lock(mutex);
+    return !stopping && settings == wanted;
+}
+
+bool MqttClient::IsAnotherTopic(MqttSettings const& settings) const {
+    std::lock_guard const lock(mutex);
+    return settings.topic != wanted.topic;
+}
+
+void MqttClient::SetState(MqttState state, std::string detail) {
+    std::lock_guard const lock(mutex);
+    status.state = state;
+    status.detail = std::move(detail);
+}
+
+} // namespace zarn::host::events

@@ -1,0 +1,104 @@
+#pragma once
+
+#include "host/events/events_route.h"
+#include "host/events/mqtt_session.h"
+#include "host/events/mqtt_settings.h"
+#include "host/events/mqtt_status.h"
+#include "host/events/reconnect_delay.h"
+
+#include <zarn/logging/logger.h>
+#include <zarn/logging/rate_limit.h>
+
+#include <chrono>
+#include <cstddef>
+#include <mutex>
+#include <string>
+#include <thread>
+
+namespace zarn::host::events {
+
+/// Fetches events from an MQTT broker for as long as it lives, on one thread of its own, which is there from the first
+/// time that it is wanted. The broker keeps the session while the host is away; a connection that is lost is made anew.
+/// Thread: any, unless a function says otherwise.
+class MqttClient {
+public:
+    /// Bytes of a message; a longer one is refused.
+    static constexpr std::size_t LongestMessage = std::size_t{1024} * 1024;
+
+    /// sink  is called with each event, in the order in which the broker sent them
+    explicit MqttClient(Sink sink);
+
+    /// Stop().
+    ~MqttClient();
+
+    MqttClient(MqttClient const&) = delete;
+    MqttClient& operator=(MqttClient const&) = delete;
+
+    /// Follows the settings from now on; does not wait. Settings that are the same disturb nothing.
+    /// Throws std::system_error when the thread cannot be started. Thread: one with Stop.
+    void Configure(MqttSettings const& settings);
+
+    /// Ends the connection and the thread; the sink is not called any more. A broker cannot hold it up; while a name is
+    /// being resolved it takes until the system's resolver gives up, which in this thread asks each server once, for a
+    /// second. Stopping twice is harmless. Thread: one with Configure.
+    void Stop();
+
+    MqttStatus GetStatus() const;
+
+private:
+    /// Wakes the thread; stays readable until Clear().
+    class Wake {
+    public:
+        Wake();
+        ~Wake();
+        Wake(Wake const&) = delete;
+        Wake& operator=(Wake const&) = delete;
+
+        void Set() const;
+        void Clear() const;
+
+        int GetDescriptor() const { return descriptor; }
+
+    private:
+        int descriptor;
+    };
+
+    /// The library, initialised as long as this lives.
+    struct Library {
+        Library();
+        ~Library();
+        Library(Library const&) = delete;
+        Library& operator=(Library const&) = delete;
+    };
+
+    void Work();
+
+    /// Returns how long the connection was usable.
+    std::chrono::steady_clock::duration RunSession(MqttSettings const& settings, MqttSession::Family family);
+
+    void Serve(MqttSession& session) const;
+    void Report(MqttSettings const& settings, std::string const& reason);
+    void AwaitWake(std::chrono::milliseconds limit) const;
+    void Take(MqttSettings const& settings, MqttMessage const& message);
+    std::size_t Deliver(MqttSettings const& settings, MqttMessage const& message);
+    bool IsCurrent(MqttSettings const& settings) const;
+    bool IsAnotherTopic(MqttSettings const& settings) const;
+    void SetState(MqttState state, std::string detail);
+
+    logging::Logger logger{"zarn.host.mqtt"};
+    logging::RateLimit refusals;
+    Sink const sink;
+    Library library;
+    Wake wake;
+
+    mutable std::mutex mutex; ///< guards wanted, stopping and status
+    MqttSettings wanted;
+    bool stopping = false;
+    MqttStatus status;
+
+    ReconnectDelay delay;    ///< of the thread
+    std::string lastFailure; ///< of the thread: what was logged last, so that it is not repeated
+    std::thread thread;
+};
+
+} // namespace zarn::host::events

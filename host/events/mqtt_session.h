@@ -1,0 +1,83 @@
+#pragma once
+
+#include "host/events/mqtt_settings.h"
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+struct mosquitto;
+struct mosquitto_message;
+
+namespace zarn::host::events {
+
+/// A message as the broker sent it. Valid during the call that delivers it.
+struct MqttMessage {
+    std::string_view topic;
+    std::string_view payload;
+    bool retained = false; ///< the broker kept it from earlier: it was not sent now
+};
+
+/// One connection to a broker, from the first step to its end: logs in, takes up the session of the client identifier
+/// and subscribes with QoS 1. Nothing in it waits but Serve, which can be woken, and the resolution of a name. The
+/// library's own loop is not used: it cannot be woken, and it ends the process when its socket is above 1,023.
+/// Thread: one.
+class MqttSession {
+public:
+    /// Which addresses of a broker's name are tried. Of those of one family the library takes only the first.
+    enum class Family { Any, Ipv4 };
+
+    using OnMessage = std::function<void(MqttMessage const&)>;
+
+    /// Begins to connect. What goes wrong, here too, ends the session.
+    /// settings   of which the url is one
+    /// onMessage  must not throw
+    MqttSession(MqttSettings const& settings, Family family, OnMessage onMessage);
+
+    /// Takes leave of the broker as far as that needs no waiting; the broker keeps the session.
+    ~MqttSession();
+
+    MqttSession(MqttSession const&) = delete;
+    MqttSession& operator=(MqttSession const&) = delete;
+
+    /// Waits until there is something to do, for at most a second and until `wake` becomes readable, and does it.
+    /// Returns whether `wake` is readable.
+    bool Serve(int wake);
+
+    /// Whether the broker has confirmed the subscription, and the session has not ended.
+    bool IsReady() const { return ready && !HasEnded(); }
+
+    bool HasEnded() const { return !reason.empty(); }
+
+    /// Why the session has ended; one line without secrets.
+    std::string const& GetReason() const { return reason; }
+
+    /// Tells the broker not to keep messages of this topic for the session any longer.
+    void Unsubscribe();
+
+private:
+    struct Destroy {
+        void operator()(mosquitto* client) const;
+    };
+
+    void Connect(MqttSettings const& settings, Family family);
+    void Check(int result, std::string_view what);
+    void End(std::string why);
+
+    void Connected(int refusal);
+    void Subscribed(int granted);
+    void Message(mosquitto_message const& message);
+    void LibraryError(char const* text);
+
+    std::string topic;
+    OnMessage onMessage;
+    std::chrono::steady_clock::time_point const deadline; ///< for getting ready
+    bool ready = false;
+    std::string reason;  ///< empty: not ended
+    std::string problem; ///< what the library said first about an error
+    std::unique_ptr<mosquitto, Destroy> client;
+};
+
+} // namespace zarn::host::events

@@ -1,0 +1,49 @@
+#include "host/events/read_value.h"
+
+#include "host/events/bounds.h"
+
+#include <boost/json/array.hpp>
+#include <boost/json/object.hpp>
+#include <boost/json/string.hpp>
+
+#include <algorithm>
+#include <string_view>
+
+namespace zarn::host::events {
+namespace {
+
+/// Whether XML 1.0 can carry the characters of a text, which is valid UTF-8. Source: XML 1.0, 2.2 Characters.
+bool FitsIntoXml(std::string_view text) {
+    bool const controls = std::any_of(text.begin(), text.end(), [](char c) {
+        return static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n' && c != '\r';
+    });
+    return !controls && text.find("\xef\xbf\xbe") == text.npos && text.find("\xef\xbf\xbf") == text.npos;
+}
+
+} // namespace
+
+std::string ReadText(boost::json::value const& value, Place const& place) {
+    auto const* const string = value.if_string();
+    if (!string) place.Refuse(Quote(value) + " is not a text");
+    std::string_view const text(string->data(), string->size());
+    if (text.size() > MaximumTextBytes)
+        place.Refuse(Quote(value) + " is longer than " + std::to_string(MaximumTextBytes) + " bytes");
+    if (!FitsIntoXml(text)) place.Refuse(Quote(value) + " holds a character that XML cannot carry");
+    return std::string(text);
+}
+
+boost::json::array const& ReadList(boost::json::value const& value, Place const& place, std::size_t most) {
+    auto const* const list = value.if_array();
+    if (!list) place.Refuse(Quote(value) + " is not a list");
+    if (list->size() > most)
+        place.Refuse(std::to_string(list->size()) + " elements are more than " + std::to_string(most));
+    return *list;
+}
+
+boost::json::object const& ReadObject(boost::json::value const& value, Place const& place) {
+    auto const* const object = value.if_object();
+    if (!object) place.Refuse(Quote(value) + " is not an object");
+    return *object;
+}
+
+} // namespace zarn::host::events

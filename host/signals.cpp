@@ -1,0 +1,57 @@
+#include "host/signals.h"
+
+#include <pthread.h>
+#include <sys/time.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <csignal>
+#include <string_view>
+
+namespace zarn::host {
+namespace {
+
+sigset_t MakeSet(std::vector<int> const& signals) {
+    sigset_t set;
+    sigemptyset(&set);
+    for (int const signal : signals) sigaddset(&set, signal);
+    return set;
+}
+
+/// Only what may be done in a signal handler.
+void EndNow(int) {
+    constexpr std::string_view Text = "zarn-host: something does not stop; ended without waiting for it\n";
+    [[maybe_unused]] auto const written = write(STDERR_FILENO, Text.data(), Text.size());
+    _exit(0);
+}
+
+} // namespace
+
+void HoldSignals(std::vector<int> const& signals) {
+    auto const set = MakeSet(signals);
+    pthread_sigmask(SIG_BLOCK, &set, nullptr);
+}
+
+void ReleaseSignals(std::vector<int> const& signals) {
+    auto const set = MakeSet(signals);
+    pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
+}
+
+bool IsWaiting(std::vector<int> const& signals) {
+    sigset_t waiting;
+    sigpending(&waiting);
+    return std::any_of(signals.begin(), signals.end(), [&](int signal) { return sigismember(&waiting, signal) == 1; });
+}
+
+void EndWithin(std::chrono::milliseconds time) {
+    struct sigaction action {};
+
+    action.sa_handler = EndNow;
+    sigaction(SIGALRM, &action, nullptr);
+    itimerval timer{};
+    timer.it_value.tv_sec = time.count() / 1000;
+    timer.it_value.tv_usec = time.count() % 1000 * 1000;
+    setitimer(ITIMER_REAL, &timer, nullptr);
+}
+
+} // namespace zarn::host

@@ -1,0 +1,105 @@
+#include "broker.h"
+
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/tcp.hpp>
+#include <mosquitto.h>
+
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <stdexcept>
+#include <thread>
+#include <utility>
+
+namespace zarn::host::events {
+namespace {
+
+using namespace std::chrono_literals;
+using boost::asio::ip::tcp;
+
+tcp::endpoint OnThisMachine(std::uint16_t port) { return {boost::asio::ip::address_v4::loopback(), port}; }
+
+std::uint16_t FindFreePort() {
+    boost::asio::io_context context;
+    return tcp::acceptor(context, OnThisMachine(0)).local_endpoint().port();
+}
+
+bool IsListening(std::uint16_t port) {
+    boost::asio::io_context context;
+    tcp::socket socket(context);
+    boost::system::error_code error;
+    socket.connect(OnThisMachine(port), error);
+    return !error;
+}
+
+/// Debian's is where only administrators look.
+std::string FindProgram() {
+    std::string const path = "/usr/sbin/mosquitto";
+    return std::filesystem::exists(path) ? path : "mosquitto";
+}
+
+} // namespace
+
+Broker::Broker(std::string lines)
+    : folder(std::make_unique<zarn::tests::host::TemporaryFolder>()),
+      configuration(std::move(lines)),
+      port(FindFreePort()) {
+    Start();
+}
+
+void Broker::Stop() {
+    process->Signal(SIGTERM);
+    if (!process->Wait(10s)) throw std::runtime_error("the broker does not end");
+}
+
+void Broker::Start() {
+    // As root it would otherwise take on an account that may not write into the folder.
+    auto const file =
+        folder->Write("mosquitto.conf", "listener " + std::to_string(port) + " 127.0.0.1\nuser root\n" +
+                                            "persistence true\npersistence_location " + folder->GetPath().string() +
+                                            "/\nmax_queued_messages 0\n" + configuration);
+    process = std::make_unique<zarn::tests::host::Process>(std::vector<std::string>{FindProgram(), "-c", file});
+    auto const deadline = std::chrono::steady_clock::now() + 20s;
+    while (!IsListening(port)) {
+        if (std::chrono::steady_clock::now() > deadline || process->Wait(0ms))
+            throw std::runtime_error("the broker does not start: " + process->GetLog());
+        std::this_thread::sleep_for(5ms);
+    }
+}
+
+void Broker::Publish(std::string const& topic, std::string const& payload, std::vector<std::string> arguments) const {
+    std::vector<std::string> command{"mosquitto_pub",
+                                     "-h",
+                                     "127.0.0.1",
+                                     "-p",
+                                     std::to_string(port),
+                                     "-q",
+                                     "1",
+                                     "-t",
+                                     topic,
+                                     "-f",
+                                     folder->Write("payload", payload)};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    zarn::tests::host::Process publisher(command);
+    if (publisher.Wait(20s) != 0) throw std::runtime_error("mosquitto_pub: " + publisher.GetLog());
+}
+
+void Broker::PublishNumbered(std::string const& topic, int count) const {
+    mosquitto_lib_init();
+    auto* const client = mosquitto_new(nullptr, true, nullptr);
+    int acknowledged = 0;
+    mosquitto_user_data_set(client, &acknowledged);
+    mosquitto_publish_callback_set(client, [](auto*, void* number, int) { ++*static_cast<int*>(number); });
+    int result = mosquitto_connect(client, "127.0.0.1", port, 60);
+    for (int i = 0; i < count && result == MOSQ_ERR_SUCCESS; ++i) {
+        auto const payload = R"({"type": ")" + std::to_string(i) + "\"}";
+        result = mosquitto_publish(client, nullptr, topic.c_str(), static_cast<int>(payload.size()), payload.data(), 1,
+                                   false);
+    }
+    while (acknowledged < count && result == MOSQ_ERR_SUCCESS) result = mosquitto_loop(client, 1000, 1);
+    mosquitto_destroy(client);
+    mosquitto_lib_cleanup();
+    if (result != MOSQ_ERR_SUCCESS) throw std::runtime_error(mosquitto_strerror(result));
+}
+
+} // namespace zarn::host::events

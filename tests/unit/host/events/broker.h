@@ -1,0 +1,46 @@
+#pragma once
+
+#include "host/process.h"
+#include "host/temporary_folder.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace zarn::host::events {
+
+/// A mosquitto broker on a free port of 127.0.0.1, which keeps its sessions in a folder of the test.
+class Broker {
+public:
+    /// lines  of its configuration, behind the listener's
+    /// Throws std::runtime_error when it does not start.
+    explicit Broker(std::string lines = "allow_anonymous true\n");
+
+    /// Ends the broker as a system does that shuts down; what it keeps for sessions is on the disk then.
+    void Stop();
+
+    /// Starts it anew, on the same port with the same sessions.
+    void Start();
+
+    std::uint16_t GetPort() const { return port; }
+
+    std::string GetUrl() const { return "mqtt://127.0.0.1:" + std::to_string(port); }
+
+    /// Publishes with QoS 1, in order, and returns when the broker has them all.
+    /// arguments  further ones for mosquitto_pub
+    void Publish(std::string const& topic, std::string const& payload, std::vector<std::string> arguments = {}) const;
+
+    /// Publishes events of the types "0" to "count - 1", one message each, in order.
+    void PublishNumbered(std::string const& topic, int count) const;
+
+    zarn::tests::host::TemporaryFolder const& GetFolder() const { return *folder; }
+
+private:
+    std::unique_ptr<zarn::tests::host::TemporaryFolder> folder;
+    std::string configuration;
+    std::uint16_t port;
+    std::unique_ptr<zarn::tests::host::Process> process;
+};
+
+} // namespace zarn::host::events

@@ -1,0 +1,100 @@
+#include "host/events/events_route.h"
+#include "web/fake_request.h"
+
+#include <zarn/authentication/engine.h>
+#include <zarn/container/buffer.h>
+
+#include <gmock/gmock.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace zarn::host::events {
+namespace {
+
+using protocol::network::http::response::Status;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using Method = web::FakeRequest::Method;
+
+class EventsRouteTest : public testing::Test {
+protected:
+    EventsRouteTest() { engine.SetEnabled(false); }
+
+    zarn::web::response::Pending::Data Send(std::string body, std::map<std::string, std::string> fields = {},
+                                            Method method = Method::Post) {
+        auto const request =
+            std::make_shared<web::FakeRequest>(method, "/api/events", std::move(fields), std::move(body));
+        return route.Process(request)->GetData();
+    }
+
+    static std::string GetBody(zarn::web::response::Pending::Data const& data) {
+        return data.GetBody().empty() ? std::string() : std::string(data.GetBody().front()->ToStringView());
+    }
+
+    ZarnAuthenticationEngine engine;
+    std::vector<std::string> taken;
+    EventsRoute route{engine, [this](auto const& event) { taken.push_back(event->GetType()); }};
+};
+
+TEST_F(EventsRouteTest, TakesAnEvent) {
+    auto const answer = Send(R"({"type": "presence"})", {{"content-type", "application/json"}});
+    EXPECT_EQ(answer.GetStatus(), Status::Accepted);
+    EXPECT_EQ(GetBody(answer), "{\"taken\":1}\n");
+    EXPECT_EQ(answer.GetFields().at("Content-Type"), "application/json");
+    EXPECT_THAT(taken, ElementsAre("presence"));
+}
+
+TEST_F(EventsRouteTest, TakesAListInItsOrderBeforeItAnswers) {
+    EXPECT_EQ(GetBody(Send(R"([{"type": "a"}, {"type": "b"}, {"type": "c"}])")), "{\"taken\":3}\n");
+    EXPECT_THAT(taken, ElementsAre("a", "b", "c"));
+}
+
+TEST_F(EventsRouteTest, TakesNothingOfAListWithAWrongEvent) {
+    auto const answer = Send(R"([{"type": "a"}, {"type": "b", "count": "many"}])");
+    EXPECT_EQ(answer.GetStatus(), Status::BadRequest);
+    EXPECT_EQ(GetBody(answer), R"({"error":"event 2: count: \"many\" is not a number from -2147483648 to 2147483647"})"
+                               "\n");
+    EXPECT_THAT(taken, IsEmpty());
+}
+
+TEST_F(EventsRouteTest, RefusesABodyThatIsNotJson) {
+    auto const answer = Send("");
+    EXPECT_EQ(answer.GetStatus(), Status::BadRequest);
+    EXPECT_THAT(GetBody(answer), HasSubstr("this is not JSON"));
+}
+
+TEST_F(EventsRouteTest, TakesEveryMediaTypeThatIsJson) {
+    for (auto const* const type : {"application/json", "application/json; charset=utf-8", "Application/JSON ;a=b",
+                                   "application/vnd.example+json", ""}) {
+        EXPECT_EQ(Send(R"({"type": "a"})", {{"Content-Type", type}}).GetStatus(), Status::Accepted) << type;
+    }
+}
+
+TEST_F(EventsRouteTest, RefusesOtherMediaTypes) {
+    for (auto const* const type : {"application/x-www-form-urlencoded", "text/plain", "application/jsonx", "json"}) {
+        auto const answer = Send(R"({"type": "a"})", {{"Content-Type", type}});
+        EXPECT_EQ(answer.GetStatus(), Status::UnsupportedMediaType) << type;
+        EXPECT_EQ(GetBody(answer), "{\"error\":\"Content-Type: events come as application/json\"}\n");
+    }
+    EXPECT_THAT(taken, IsEmpty());
+}
+
+TEST_F(EventsRouteTest, TakesNothingFromWhoHasNotLoggedIn) {
+    engine.SetEnabled(true);
+    auto const answer = Send(R"({"type": "a"})");
+    EXPECT_EQ(answer.GetStatus(), Status::Unauthorized);
+    EXPECT_THAT(answer.GetFields().at("WWW-Authenticate"), HasSubstr("Digest"));
+    EXPECT_THAT(taken, IsEmpty());
+}
+
+TEST_F(EventsRouteTest, RefusesOtherMethods) {
+    auto const answer = Send({}, {}, Method::Get);
+    EXPECT_EQ(answer.GetStatus(), Status::MethodNotAllowed);
+    EXPECT_THAT(answer.GetFields().at("Allow"), HasSubstr("POST"));
+}
+
+} // namespace
+} // namespace zarn::host::events

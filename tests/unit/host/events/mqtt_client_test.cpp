@@ -1,0 +1,398 @@
+#include "broker.h"
+#include "host/certificate.h"
+#include "host/events/mqtt_client.h"
+
+#include <zarn/logging/capture.h>
+
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/json/serialize.hpp>
+#include <gmock/gmock.h>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace zarn::host::events {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+bool Await(std::function<bool()> const& condition) {
+    auto const deadline = std::chrono::steady_clock::now() + 20s;
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > deadline) return false;
+        std::this_thread::sleep_for(2ms);
+    }
+    return true;
+}
+
+/// A client with a note of the types of the events that it took.
+class Intake {
+public:
+    explicit Intake(MqttSettings const& settings) { client.Configure(settings); }
+
+    std::vector<std::string> GetTaken() const {
+        std::lock_guard const lock(mutex);
+        return taken;
+    }
+
+    bool AwaitState(MqttState state) const {
+        return Await([&] { return client.GetStatus().state == state; });
+    }
+
+    bool AwaitTaken(std::size_t count) const {
+        return Await([&] { return GetTaken().size() >= count; });
+    }
+
+    bool AwaitReceived(std::uint64_t count) const {
+        return Await([&] { return client.GetStatus().received >= count; });
+    }
+
+private:
+    mutable std::mutex mutex;
+    std::vector<std::string> taken;
+
+public:
+    MqttClient client{[this](auto const& event) {
+        std::lock_guard const lock(mutex);
+        taken.push_back(event->GetType());
+    }};
+};
+
+std::vector<std::string> Numbers(int count) {
+    std::vector<std::string> numbers;
+    for (int i = 0; i < count; ++i) numbers.push_back(std::to_string(i));
+    return numbers;
+}
+
+MqttSettings For(Broker const& broker) {
+    return {.enabled = true, .url = broker.GetUrl(), .topic = "events", .clientId = "a test's host"};
+}
+
+TEST(MqttClient, TakesEventsInTheirOrder) {
+    Broker const broker;
+    Intake intake(For(broker));
+    ASSERT_TRUE(intake.AwaitState(MqttState::Connected));
+    broker.PublishNumbered("events", 1000);
+    EXPECT_TRUE(intake.AwaitTaken(1000));
+    EXPECT_EQ(intake.GetTaken(), Numbers(1000));
+    auto const status = intake.client.GetStatus();
+    EXPECT_EQ(status.received, 1000U);
+    EXPECT_EQ(status.events, 1000U);
+    EXPECT_EQ(status.refused, 0U);
+}
+
+TEST(MqttClient, TakesListsWhole) {
+    Broker const broker;
+    Intake intake(For(broker));
+    ASSERT_TRUE(intake.AwaitState(MqttState::Connected));
+    broker.Publish("events", R"([{"type": "a"}, {"type": ""}])");
+    broker.Publish("events", R"([{"type": "b"}, {"type": "c"}])");
+    ASSERT_TRUE(intake.AwaitReceived(2));
+    EXPECT_THAT(intake.GetTaken(), ElementsAre("b", "c"));
+    EXPECT_EQ(intake.client.GetStatus().events, 2U);
+    EXPECT_EQ(intake.client.GetStatus().refused, 1U);
+}
+
+TEST(MqttClient, SaysWhatIsWrongWithAMessageAtMostOnceASecond) {
+    logging::Capture const log;
+    Broker const broker;
+    Intake intake(For(broker));
+    ASSERT_TRUE(intake.AwaitState(MqttState::Connected));
+    auto const begin = std::chrono::steady_clock::now();
+    for (int i = 0; i < 5; ++i) broker.Publish("events", R"({"type": "a", "colour": 1})");
+    ASSERT_TRUE(intake.AwaitReceived(5));
+    auto const seconds = std::chrono::ceil<std::chrono::seconds>(std::chrono::steady_clock::now() - begin).count();
+    EXPECT_EQ(intake.client.GetStatus().refused, 5U);
+    EXPECT_THAT(intake.GetTaken(), IsEmpty());
+    EXPECT_TRUE(log.Contains("topic events: event 1: colour: there is no such field"));
+    long lines = 0;
+    for (auto const& line : log.GetLines()) lines += line.text.starts_with("Refused a message") ? 1 : 0;
+    EXPECT_LE(lines, seconds);
+}
+
+TEST(MqttClient, TakesWhatTheBrokerKeptWhileBothWereAway) {
+    Broker broker;
+    {
+        Intake first(For(broker));
+        ASSERT_TRUE(first.AwaitState(MqttState::Connected));
+    }
+    broker.PublishNumbered("events", 500);
+    broker.Stop();
+    broker.Start();
+    Intake second(For(broker));
+    EXPECT_TRUE(second.AwaitTaken(500));
+    EXPECT_EQ(second.GetTaken(), Numbers(500));
+}
+
+TEST(MqttClient, ComesBackWhenTheBrokerDoes) {
+    logging::Capture const log;
+    Broker broker;
+    Intake intake(For(broker));
+    ASSERT_TRUE(intake.AwaitState(MqttState::Connected));
+    broker.Publish("events", R"({"type": "before"})");
+    ASSERT_TRUE(intake.AwaitTaken(1));
+    broker.Stop();
+    ASSERT_TRUE(intake.AwaitState(MqttState::Waiting));
+    EXPECT_NE(intake.client.GetStatus().detail, "");
+    broker.Start();
+    broker.Publish("events", R"({"type": "while away"})");
+    ASSERT_TRUE(intake.AwaitTaken(2));
+    EXPECT_THAT(intake.GetTaken(), ElementsAre("before", "while away"));
+    EXPECT_TRUE(intake.AwaitState(MqttState::Connected));
+    EXPECT_EQ(intake.client.GetStatus().detail, "");
+    EXPECT_TRUE(log.Contains("No connection to " + broker.GetUrl()));
+}
+
+/// A broker that knows the user "host" with the password "the right one".
+class PasswordBroker {
+public:
+    PasswordBroker() : broker(Protect()) {}
+
+    MqttSettings Login(std::string password) const {
+        auto settings = For(broker);
+        settings.user = "host";
+        settings.password = std::move(password);
+        return settings;
+    }
+
+    void Publish() const { broker.Publish("events", R"({"type": "a"})", {"-u", "host", "-P", "the right one"}); }
+
+private:
+    std::string Protect() const {
+        auto const file = folder / "passwords";
+        zarn::tests::host::Process program({"mosquitto_passwd", "-b", "-c", file, "host", "the right one"});
+        EXPECT_EQ(program.Wait(20s), 0) << program.GetLog();
+        return "allow_anonymous false\npassword_file " + file + "\n";
+    }
+
+    zarn::tests::host::TemporaryFolder folder;
+    Broker broker;
+};
+
+TEST(MqttClient, LogsIn) {
+    PasswordBroker const broker;
+    Intake intake(broker.Login("the right one"));
+    ASSERT_TRUE(intake.AwaitState(MqttState::Connected));
+    broker.Publish();
+    EXPECT_TRUE(intake.AwaitTaken(1));
+}
+
+TEST(MqttClient, SaysThatThePasswordIsWrongWithoutSayingIt) {
+    logging::Capture const log;
+    PasswordBroker const broker;
+    Intake intake(broker.Login("a wrong one"));
+    ASSERT_TRUE(intake.AwaitState(MqttState::Waiting));
+    auto const health = boost::json::serialize(ToJson(intake.client.GetStatus()));
+    EXPECT_THAT(health, AllOf(HasSubstr(R"("state":"waiting")"), HasSubstr("login: "), Not(HasSubstr("wrong one"))));
+    EXPECT_TRUE(log.Contains("login: "));
+    EXPECT_FALSE(log.Contains("wrong one"));
+    intake.client.Configure(broker.Login("the right one"));
+    EXPECT_TRUE(intake.AwaitState(MqttState::Connected));
+}
+
+/// A broker that speaks TLS, with a certificate of its own for localhost and 127.0.0.1.
+class TlsBroker {
+public:
+    MqttSettings For(std::string const& host, std::string caFile) const {
+        return {.enabled = true,
+                .url = "mqtts://" + host + ":" + std::to_string(broker.GetPort()),
+                .topic = "events",
+                .clientId = "a",
+                .caFile = std::move(caFile)};
+    }
+
+    zarn::tests::host::TemporaryFolder const folder;
+    zarn::tests::host::Certificate const own{folder, "own"};
+    zarn::tests::host::Certificate const other{folder, "other"};
+    Broker const broker{"allow_anonymous true\ncertfile " + own.certificate + "\nkeyfile " + own.key + "\n"};
+};
+
+TEST(MqttClientWithTls, BelievesTheAuthorityOfTheSettings) {
+    TlsBroker const tls;
+    for (auto const* const host : {"127.0.0.1", "localhost"}) {
+        Intake intake(tls.For(host, tls.own.certificate));
+        ASSERT_TRUE(intake.AwaitState(MqttState::Connected)) << intake.client.GetStatus().detail;
+        auto const before = intake.GetTaken().size();
+        tls.broker.Publish("events", R"({"type": "a"})", {"--cafile", tls.own.certificate});
+        EXPECT_TRUE(intake.AwaitTaken(before + 1));
+    }
+}
+
+TEST(MqttClientWithTls, BelievesNoOtherAuthority) {
+    TlsBroker const tls;
+    for (auto const& caFile : {tls.other.certificate, std::string()}) {
+        Intake intake(tls.For("127.0.0.1", caFile));
+        ASSERT_TRUE(intake.AwaitState(MqttState::Waiting));
+        EXPECT_THAT(intake.client.GetStatus().detail, HasSubstr("certificate verify failed"));
+    }
+}
+
+TEST(MqttClientWithTls, BelievesNoCertificateOfAnotherName) {
+    TlsBroker const tls;
+    Intake intake(tls.For("127.0.0.2", tls.own.certificate));
+    Broker const other{"allow_anonymous true\nlistener " + std::to_string(tls.broker.GetPort()) +
+                       " 127.0.0.2\ncertfile " + tls.own.certificate + "\nkeyfile " + tls.own.key + "\n"};
+    EXPECT_TRUE(Await([&] {
+        return intake.client.GetStatus().detail.find("host name verification failed") != std::string::npos;
+    })) << intake.client.GetStatus().detail;
+}
+
+TEST(MqttClientWithTls, SaysThatThereIsNoCaFile) {
+    TlsBroker const tls;
+    Intake intake(tls.For("127.0.0.1", tls.folder / "none"));
+    ASSERT_TRUE(intake.AwaitState(MqttState::Waiting));
+    EXPECT_THAT(intake.client.GetStatus().detail, HasSubstr("ca_file"));
+}
+
+TEST(MqttClient, IsOffUntilItIsWanted) {
+    Broker const broker;
+    auto settings = For(broker);
+    settings.enabled = false;
+    Intake intake(settings);
+    EXPECT_EQ(intake.client.GetStatus().state, MqttState::Off);
+    settings.enabled = true;
+    intake.client.Configure(settings);
+    EXPECT_TRUE(intake.AwaitState(MqttState::Connected));
+    settings.enabled = false;
+    intake.client.Configure(settings);
+    EXPECT_TRUE(intake.AwaitState(MqttState::Off));
+}
+
+TEST(MqttClient, FollowsAChangeOfTheTopic) {
+    Broker const broker;
+    auto settings = For(broker);
+    Intake intake(settings);
+    ASSERT_TRUE(intake.AwaitState(MqttState::Connected));
+    settings.topic = "site/+/events";
+    intake.client.Configure(settings);
+    ASSERT_TRUE(Await([&] {
+        broker.Publish("site/1/events", R"({"type": "new"})");
+        return !intake.GetTaken().empty();
+    }));
+    auto const before = intake.client.GetStatus().received;
+    broker.Publish("events", R"({"type": "old"})");
+    broker.Publish("site/1/events", R"({"type": "last"})");
+    ASSERT_TRUE(Await([&] { return intake.GetTaken().back() == "last"; }));
+    EXPECT_EQ(intake.client.GetStatus().received, before + 1);
+}
+
+TEST(MqttClient, FollowsAChangeOfTheBroker) {
+    Broker const first;
+    Broker const second;
+    Intake intake(For(first));
+    ASSERT_TRUE(intake.AwaitState(MqttState::Connected));
+    intake.client.Configure(For(second));
+    ASSERT_TRUE(Await([&] {
+        second.Publish("events", R"({"type": "a"})");
+        return !intake.GetTaken().empty();
+    }));
+}
+
+TEST(MqttClient, RefusesWhatAnEarlierSubscriptionOfItsSessionBrings) {
+    logging::Capture const log;
+    Broker const broker;
+    auto settings = For(broker);
+    {
+        Intake earlier(settings);
+        ASSERT_TRUE(earlier.AwaitState(MqttState::Connected));
+    }
+    settings.topic = "other";
+    Intake intake(settings);
+    ASSERT_TRUE(intake.AwaitState(MqttState::Connected));
+    broker.Publish("events", R"({"type": "a"})");
+    ASSERT_TRUE(intake.AwaitReceived(1));
+    EXPECT_THAT(intake.GetTaken(), IsEmpty());
+    EXPECT_TRUE(log.Contains("an earlier subscription of this client_id"));
+}
+
+TEST(MqttClient, TakesNoEventOfThePast) {
+    Broker const broker;
+    broker.Publish("events", R"({"type": "a"})", {"--retain"});
+    Intake intake(For(broker));
+    ASSERT_TRUE(intake.AwaitReceived(1));
+    EXPECT_THAT(intake.GetTaken(), IsEmpty());
+    EXPECT_EQ(intake.client.GetStatus().refused, 1U);
+}
+
+TEST(MqttClient, BoundsTheSizeOfAMessage) {
+    Broker const broker;
+    Intake intake(For(broker));
+    ASSERT_TRUE(intake.AwaitState(MqttState::Connected));
+    std::string const event = R"({"type": "a"})";
+    broker.Publish("events", event + std::string(MqttClient::LongestMessage - event.size(), ' '));
+    broker.Publish("events", event + std::string(MqttClient::LongestMessage - event.size() + 1, ' '));
+    ASSERT_TRUE(intake.AwaitReceived(2));
+    EXPECT_EQ(intake.client.GetStatus().events, 1U);
+    EXPECT_EQ(intake.client.GetStatus().refused, 1U);
+}
+
+TEST(MqttClient, TakesPartInASharedSubscription) {
+    Broker const broker;
+    auto settings = For(broker);
+    settings.topic = "$share/hosts/events";
+    Intake intake(settings);
+    ASSERT_TRUE(intake.AwaitState(MqttState::Connected));
+    broker.Publish("events", R"({"type": "a"})");
+    EXPECT_TRUE(intake.AwaitTaken(1));
+}
+
+TEST(MqttClient, FindsABrokerThatServesOnlyOneOfTheAddressesOfItsName) {
+    Broker const broker;
+    auto settings = For(broker);
+    settings.url = "mqtt://localhost:" + std::to_string(broker.GetPort());
+    Intake intake(settings);
+    EXPECT_TRUE(intake.AwaitState(MqttState::Connected)) << intake.client.GetStatus().detail;
+}
+
+TEST(MqttClient, SaysThatNobodyListens) {
+    Broker broker;
+    broker.Stop();
+    Intake intake(For(broker));
+    ASSERT_TRUE(intake.AwaitState(MqttState::Waiting));
+    EXPECT_THAT(intake.client.GetStatus().detail, HasSubstr("connection: "));
+}
+
+/// Takes connections and says nothing.
+class SilentServer {
+public:
+    std::string GetAddress() const { return "127.0.0.1:" + std::to_string(acceptor.local_endpoint().port()); }
+
+private:
+    boost::asio::io_context context;
+    boost::asio::ip::tcp::acceptor acceptor{context, {boost::asio::ip::address_v4::loopback(), 0}};
+};
+
+TEST(MqttClient, StopsAtOnceWhateverTheBrokerDoes) {
+    SilentServer const silent;
+    Broker const broker;
+    for (auto const& url : {broker.GetUrl(), "mqtt://" + silent.GetAddress(), "mqtts://" + silent.GetAddress(),
+                            std::string("mqtt://192.0.2.1"), std::string("mqtt://127.0.0.1:1")}) {
+        Intake intake({.enabled = true, .url = url, .topic = "events", .clientId = "a"});
+        EXPECT_TRUE(Await([&] { return intake.client.GetStatus().state != MqttState::Off; }));
+        auto const begin = std::chrono::steady_clock::now();
+        intake.client.Stop();
+        EXPECT_LT(std::chrono::steady_clock::now() - begin, 1s) << url;
+        intake.client.Stop();
+    }
+}
+
+TEST(MqttClient, GivesUpABrokerThatDoesNotAnswer) {
+    SilentServer const silent;
+    Intake intake({.enabled = true, .url = "mqtt://" + silent.GetAddress(), .topic = "events", .clientId = "a"});
+    ASSERT_TRUE(intake.AwaitState(MqttState::Waiting));
+    EXPECT_EQ(intake.client.GetStatus().detail, "the broker does not answer");
+}
+
+} // namespace
+} // namespace zarn::host::events

@@ -1,0 +1,37 @@
+#include "host/signals.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <thread>
+
+namespace zarn::host {
+namespace {
+
+using namespace std::chrono_literals;
+
+TEST(Signals, WaitWhileTheyAreHeldAndComeWhenTheyAreReleased) {
+    static int count = 0;
+    std::signal(SIGHUP, [](int) { ++count; });
+    HoldSignals({SIGTERM, SIGHUP});
+    EXPECT_FALSE(IsWaiting({SIGTERM, SIGHUP}));
+    raise(SIGHUP);
+    EXPECT_FALSE(IsWaiting({SIGTERM}));
+    EXPECT_TRUE(IsWaiting({SIGTERM, SIGHUP}));
+    EXPECT_EQ(count, 0);
+    ReleaseSignals({SIGTERM, SIGHUP});
+    EXPECT_FALSE(IsWaiting({SIGTERM, SIGHUP}));
+    EXPECT_EQ(count, 1);
+}
+
+TEST(SignalsDeathTest, EndAProcessThatDoesNotEndByItself) {
+    EXPECT_EXIT(
+        {
+            EndWithin(50ms);
+            std::this_thread::sleep_for(20s);
+        },
+        testing::ExitedWithCode(0), "something does not stop");
+}
+
+} // namespace
+} // namespace zarn::host
