@@ -1,0 +1,162 @@
+#include "host/host_process.h"
+#include "host/raw_connection.h"
+
+#include <gmock/gmock.h>
+
+#include <chrono>
+#include <csignal>
+#include <memory>
+#include <set>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace zarn::tests::host {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::HasSubstr;
+
+constexpr std::size_t Width = 160;
+constexpr std::size_t Height = 120;
+constexpr std::size_t Frames = 10;
+
+std::string Configure(std::string const& settings = {}) {
+    return R"({"settings": {"web_port": 0, "rtsp_port": 0)" + settings + R"(}, "channels": {
+        "gate-1": {"name": "Gate", "source": "test:ball?width=160&height=120&rate=10"}}})";
+}
+
+/// What ffmpeg made of a stream.
+struct View {
+    int status;
+    std::vector<std::string> pictures; ///< one byte of brightness per pixel
+    std::string log;
+};
+
+class RtspHost : public testing::Test {
+protected:
+    RtspHost() : RtspHost(std::vector<std::string>()) {}
+
+    /// Waits until the channel has video.
+    void AwaitVideo() const {
+        auto const deadline = std::chrono::steady_clock::now() + 20s;
+        while (host.GetHealth().at("channels").at(0).at("state") != "running") {
+            ASSERT_LT(std::chrono::steady_clock::now(), deadline);
+            std::this_thread::sleep_for(10ms);
+        }
+    }
+
+    std::string GetAddress(std::string const& credentials) const {
+        return "rtsp://" + credentials + "127.0.0.1:" + std::to_string(host.GetRtspPort()) + "/channels/gate-1";
+    }
+
+    /// Lets ffmpeg, a client that is none of ours, decode the stream.
+    /// credentials  "user:password@", percent-encoded, or nothing
+    View Watch(std::string const& credentials, std::string const& transport = "tcp") const {
+        host.GetFolder().Write("pictures", "");
+        Process ffmpeg({"ffmpeg", "-y", "-nostdin", "-loglevel", "error", "-rtsp_transport", transport, "-i",
+                        GetAddress(credentials), "-frames:v", std::to_string(Frames), "-pix_fmt", "gray", "-f",
+                        "rawvideo", host.GetFolder() / "pictures"});
+        View view{ffmpeg.Wait(30s).value_or(-1), {}, ffmpeg.GetLog()};
+        auto const bytes = host.GetFolder().Read("pictures");
+        for (std::size_t at = 0; at < bytes.size(); at += Width * Height) {
+            view.pictures.push_back(bytes.substr(at, Width * Height));
+        }
+        return view;
+    }
+
+    void ExpectMovingPictures(View const& view) const {
+        EXPECT_EQ(view.status, 0) << view.log;
+        ASSERT_EQ(view.pictures.size(), Frames) << view.log;
+        EXPECT_EQ(view.pictures.back().size(), Width * Height);
+        EXPECT_GT(std::set<std::string>(view.pictures.begin(), view.pictures.end()).size(), Frames / 2);
+    }
+
+    /// Whether ffmpeg comes to be served, or to be refused, before long.
+    bool AwaitAnswer(std::string const& credentials, bool served) const {
+        auto const deadline = std::chrono::steady_clock::now() + 20s;
+        while ((Watch(credentials).status == 0) != served) {
+            if (std::chrono::steady_clock::now() > deadline) return false;
+        }
+        return true;
+    }
+
+    void Reconfigure(std::string const& settings) {
+        host.GetFolder().Write("config.json", Configure(settings));
+        host.GetProcess().Signal(SIGHUP);
+    }
+
+    explicit RtspHost(std::vector<std::string> arguments)
+        : host({.configuration = Configure(), .arguments = std::move(arguments), .password = "p:w@ /%"}) {
+        AwaitVideo();
+    }
+
+    HostProcess host;
+
+    static constexpr char const* Right = "admin:p%3Aw%40%20%2F%25@";
+};
+
+TEST_F(RtspHost, ServesMovingPicturesOverEitherTransport) {
+    ExpectMovingPictures(Watch(Right, "tcp"));
+    ExpectMovingPictures(Watch(Right, "udp"));
+}
+
+TEST_F(RtspHost, ServesNothingWithoutTheRightPassword) {
+    for (auto const* credentials : {"", "admin:wrong@", "admin:@", "root:p%3Aw%40%20%2F%25@"}) {
+        auto const view = Watch(credentials);
+        EXPECT_NE(view.status, 0) << credentials;
+        EXPECT_TRUE(view.pictures.empty()) << credentials;
+        EXPECT_THAT(view.log, HasSubstr("401 Unauthorized")) << credentials;
+    }
+}
+
+TEST_F(RtspHost, FollowsTheSwitchOfAuthentication) {
+    Reconfigure(R"(, "authentication": {"enabled": false})");
+    EXPECT_TRUE(AwaitAnswer("", true));
+    Reconfigure("");
+    EXPECT_TRUE(AwaitAnswer("", false));
+    ExpectMovingPictures(Watch(Right));
+}
+
+TEST_F(RtspHost, StopsInTimeWhileItIsWatched) {
+    std::vector<std::unique_ptr<Process>> viewers;
+    for (auto const* transport : {"tcp", "udp"}) {
+        viewers.push_back(std::make_unique<Process>(
+            std::vector<std::string>{"ffmpeg", "-nostdin", "-loglevel", "error", "-rtsp_transport", transport, "-i",
+                                     GetAddress(Right), "-f", "framecrc", "-flush_packets", "1", "-"}));
+    }
+    // The third line of packets: the stream runs.
+    for (auto const& viewer : viewers) ASSERT_TRUE(viewer->WaitForOutput("\n0,          2,", 20s)) << viewer->GetLog();
+    EXPECT_EQ(host.Stop(2s), 0);
+    for (auto const& viewer : viewers) EXPECT_TRUE(viewer->Wait(20s));
+}
+
+class RtspGuessing : public RtspHost {
+protected:
+    RtspGuessing() : RtspHost({"--set", "settings.limits.failed_logins_per_minute=3"}) {}
+
+    unsigned GuessOverHttp() const {
+        return RawConnection(host.GetPort())
+            .Exchange(
+                MakeSoapRequest("GetDeviceInformation",
+                                "Authorization: Digest username=\"admin\", nonce=\"a\", "
+                                "uri=\"/onvif/device_service\", response=\"00000000000000000000000000000000\"\r\n"))
+            .status;
+    }
+};
+
+TEST_F(RtspGuessing, EndsForWhoGuessedOnTheWebServer) {
+    EXPECT_EQ(Watch(Right).status, 0);
+    for (int i = 0; i < 4; ++i) EXPECT_EQ(GuessOverHttp(), 401U);
+    EXPECT_THAT(Watch(Right).log, HasSubstr("401 Unauthorized"));
+}
+
+TEST_F(RtspGuessing, EndsForTheWebServerToo) {
+    for (int i = 0; i < 4; ++i) EXPECT_NE(Watch("admin:wrong@").status, 0);
+    EXPECT_EQ(GuessOverHttp(), 429U);
+}
+
+} // namespace
+} // namespace zarn::tests::host
