@@ -12,10 +12,11 @@ namespace zarn::asio {
 /// starts the thread; copies share it; the last one stops the thread, waits for it and destroys the context. A handle
 /// made after that starts anew, with another context.
 ///
-/// Whatever is bound to the context, such as a timer, must be destroyed before the last handle: keep a handle beside
-/// it, declared before it. A handler that has not begun when the last handle goes is destroyed without having run, on
-/// the thread that lets the handle go. A handler must not own a handle that is waiting in the context itself, since
-/// the two would keep each other alive.
+/// Whoever calls something of the context, such as posting a handler or starting a timer, holds a handle until the call
+/// has returned. Whatever is bound to the context, such as a timer, must be destroyed before the last handle: keep a
+/// handle beside it, declared before it. A handler that has not begun when the last handle goes is destroyed without
+/// having run, on the thread that lets the handle go. A handler must not own a handle that is waiting in the context
+/// itself, since the two would keep each other alive.
 ///
 /// The last handle may also go on the context's own thread, within a handler. It does not wait then: the thread ends
 /// after that handler, destroys the context itself and is joined by the end of the process at the latest. Who must be

@@ -63,10 +63,23 @@ private:
     std::shared_ptr<std::atomic<bool>> ended = std::make_shared<std::atomic<bool>>(false);
 };
 
-/// A handle that a handler can let go of.
-using Released = std::shared_ptr<std::optional<GlobalContext>>;
-
-Released MakeReleased() { return std::make_shared<Released::element_type>(std::in_place); }
+/// Leaves a handle to a handler, which lets go of it and then calls `then`. It is the last one when nobody else has
+/// one: the handler waits until the one with which it was posted has gone. prepare  called with the handle before
+template <class Prepare, class Then>
+void LetGoOnItsThread(Prepare prepare, Then then) {
+    std::promise<void> alone;
+    {
+        GlobalContext const handle;
+        prepare(handle);
+        auto const last = std::make_shared<std::optional<GlobalContext>>(handle);
+        boost::asio::post(handle.Get(), [last, then, waited = alone.get_future().share()] {
+            waited.get();
+            last->reset();
+            then();
+        });
+    }
+    alone.set_value();
+}
 
 TEST(GlobalContext, RunsHandlersOnOneThreadOfItsOwn) {
     GlobalContext const handle;
@@ -157,29 +170,31 @@ TEST(GlobalContext, WaitsForTheHandlerThatRuns) {
 }
 
 TEST(GlobalContext, EndsWhenTheLastHandleGoesOnItsThread) {
-    auto const released = MakeReleased();
-    ThreadEnd const end(**released);
-    auto const held = std::make_shared<int>();
-    boost::asio::post((*released)->Get(), [released, held] {
-        boost::asio::post((*released)->Get(), [held] {});
-        released->reset();
-    });
-    EXPECT_TRUE(Eventually([&] { return end.HasCome(); }));
+    std::optional<ThreadEnd> end;
+    auto const held = std::make_shared<std::atomic<bool>>(false);
+    LetGoOnItsThread(
+        [&](GlobalContext const& handle) {
+            end.emplace(handle);
+            auto const timer = std::make_shared<boost::asio::system_timer>(handle.Get(), 1h);
+            timer->async_wait([held, timer](boost::system::error_code) { *held = true; });
+        },
+        [] {});
+    EXPECT_TRUE(Eventually([&] { return end->HasCome(); }));
     EXPECT_EQ(held.use_count(), 1);
+    EXPECT_FALSE(*held);
 }
 
 TEST(GlobalContext, StartsAnewWithinTheHandlerThatEndedIt) {
-    auto const released = MakeReleased();
-    ThreadEnd const end(**released);
+    std::optional<ThreadEnd> end;
     std::promise<GlobalContext> made;
-    boost::asio::post((*released)->Get(), [&] {
-        released->reset();
-        GlobalContext const anew;
-        Ask(anew, [] {});
-        made.set_value(anew);
-    });
+    LetGoOnItsThread([&](GlobalContext const& handle) { end.emplace(handle); },
+                     [&made] {
+                         GlobalContext const anew;
+                         Ask(anew, [] {});
+                         made.set_value(anew);
+                     });
     auto const anew = made.get_future().get();
-    EXPECT_TRUE(Eventually([&] { return end.HasCome(); }));
+    EXPECT_TRUE(Eventually([&] { return end->HasCome(); }));
     EXPECT_EQ(Ask(anew, [] { return 1; }), 1);
 }
 
@@ -217,11 +232,7 @@ TEST(GlobalContext, GoesOnItsThreadWhileOthersCome) {
     for (int count = 0; count < 4; ++count) {
         threads.emplace_back([&ran] {
             for (int round = 0; round < 1000; ++round) {
-                auto const released = MakeReleased();
-                boost::asio::post((*released)->Get(), [released, &ran] {
-                    released->reset();
-                    ++ran;
-                });
+                LetGoOnItsThread([](GlobalContext const&) {}, [&ran] { ++ran; });
             }
         });
     }
@@ -248,14 +259,13 @@ TEST_F(GlobalContextAtExit, EndsWithAStaticHandle) {
 TEST_F(GlobalContextAtExit, WaitsForAThreadThatLetsGoOfItself) {
     EXPECT_EXIT(
         {
-            auto const released = MakeReleased();
             std::promise<void> running;
-            boost::asio::post((*released)->Get(), [&] {
-                released->reset();
-                running.set_value();
-                std::this_thread::sleep_for(20ms);
-                std::fputs("handler ended", stderr);
-            });
+            LetGoOnItsThread([](GlobalContext const&) {},
+                             [&running] {
+                                 running.set_value();
+                                 std::this_thread::sleep_for(20ms);
+                                 std::fputs("handler ended", stderr);
+                             });
             running.get_future().get();
             std::exit(3); // NOLINT(concurrency-mt-unsafe)
         },
