@@ -1,14 +1,336 @@
 #include "events.h"
 
 #include "capability_values.h"
+#include "device.h"
+#include "events/types.h"
 #include "filled.h"
+#include "is_authenticated.h"
+#include "or_empty.h"
+#include "soap_context.h"
+
+#include <zarn/chrono/add.h>
+#include <zarn/chrono/duration/iso8601.h>
+#include <zarn/chrono/error.h>
+#include <zarn/chrono/iso8601.h>
+#include <zarn/onvif/events/handler.h>
+
+#include <boost/algorithm/string/classification.hpp>
+#include <boost/algorithm/string/split.hpp>
+#include <boost/asio/post.hpp>
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <future>
+#include <limits>
+#include <utility>
 
 namespace zarn::service::onvif {
 
+namespace {
+
+using std::chrono::steady_clock;
+using std::chrono::system_clock;
+
+constexpr char PullPointSubscriptionResponseActionURI[] =
+    "http://www.onvif.org/ver10/events/wsdl/EventPortType/CreatePullPointSubscriptionResponse";
+constexpr char PullMessagesResponseActionURI[] =
+    "http://www.onvif.org/ver10/events/wsdl/PullPointSubscription/PullMessagesResponse";
+
+constexpr char TopicNamespaceURI[] = "http://www.onvif.org/onvif/ver10/topic/topicns.xml";
+constexpr char ConcreteTopicExpressionURI[] = "http://docs.oasis-open.org/wsn/t-1/TopicExpression/Concrete";
+constexpr char ConcreteTopicSetURI[] = "http://www.onvif.org/ver10/tev/topicExpression/ConcreteSet";
+constexpr char OnvifItemFilterURI[] = "http://www.onvif.org/ver10/tev/messageContentFilter/ItemFilter";
+constexpr char OnvifSchemaURI[] = "http://www.onvif.org/onvif/ver10/schema/onvif.xsd";
+
+/// Stands before the id in the address of a subscription.
+constexpr char SubscriptionMarker[] = "Subscription?Idx=";
+
+/// How long a subscription lasts when its client does not say.
+constexpr std::chrono::seconds DefaultLifetime{300};
+
+constexpr std::int32_t NoId = -1;
+
+/// What xsd:dateTime members carry.
+time_t ToSeconds(system_clock::time_point time) {
+    return std::chrono::duration_cast<std::chrono::seconds>(time.time_since_epoch()).count();
+}
+
+/// The id in the address that the request came to; NoId when there is none.
+std::int32_t ExtractSubscriptionId(char const* path) {
+    char const* const marker = std::strstr(path, SubscriptionMarker);
+    if (!marker) return NoId;
+    char const* const text = marker + std::strlen(SubscriptionMarker);
+    char* end = nullptr;
+    errno = 0;
+    long const id = std::strtol(text, &end, 10);
+    using Limits = std::numeric_limits<std::int32_t>;
+    bool const isId = end != text && errno == 0 && id >= Limits::min() && id <= Limits::max();
+    return isId ? static_cast<std::int32_t>(id) : NoId;
+}
+
+/// The end of a subscription as a client asks for it: a span from now when it begins with "P", else a time. Without a
+/// text a default. Throws chrono::Error when the text is neither.
+system_clock::time_point ReadTermination(std::string const* text, system_clock::time_point now) {
+    if (!text) return now + DefaultLifetime;
+    if (text->starts_with('P')) return chrono::Add(now, chrono::duration::FromIso8601(*text, now));
+    return chrono::FromIso8601(*text);
+}
+
+/// The last element of the filter wins, whatever its kind and dialect.
+std::vector<std::string> ReadTopics(wsnt__FilterType const* filter) {
+    std::vector<std::string> topics;
+    if (!filter || filter->__any.empty()) return topics;
+    char const* const text = soap_elt_get_text(&filter->__any.back());
+    boost::algorithm::split(topics, std::string(text ? text : ""), boost::algorithm::is_any_of("|"));
+    return topics;
+}
+
+int CannotExtractId(soap* soap) {
+    return SoapFault(soap, FaultCode::Sender, "Unable to extract subscription ID", "ter:InvalidArgs");
+}
+
+int NotFound(soap* soap) {
+    return SoapFault(soap, FaultCode::Sender, "Subscription ID not found", "ter:InvalidArgVal");
+}
+
+/// A time or a span that is not one.
+int BadTime(soap* soap, chrono::Error const& error) {
+    return SoapFault(soap, FaultCode::Sender, error.what(), "ter:InvalidArgVal");
+}
+
+} // namespace
+
+std::mutex EventsService::Mutex;
+std::condition_variable EventsService::Cv;
+std::map<std::int32_t, EventsService::Subscription> EventsService::Subscriptions;
+type::Binding EventsService::EventHandlerBinding;
+
+struct EventsService::Ending {
+    Ending() = default;
+    Ending(Ending const&) = delete;
+    Ending& operator=(Ending const&) = delete;
+
+    ~Ending() {
+        asio::GlobalContext const last;
+        type::Binding binding;
+        std::map<std::int32_t, Subscription> subscriptions;
+        {
+            std::scoped_lock const lock(Mutex);
+            std::swap(binding, EventHandlerBinding);
+            std::swap(subscriptions, Subscriptions);
+        }
+        binding.Reset();
+        subscriptions.clear();
+        // What the timers have handed over runs before this.
+        std::promise<void> done;
+        boost::asio::post(last.Get(), [&done] { done.set_value(); });
+        done.get_future().wait();
+    }
+};
+
 EventsService::EventsService(struct soap* soap, URIBase uriBase, ZarnAuthenticationEngine const* engine)
-    : PullPointSubscriptionBindingService(soap), URIBase(uriBase), authenticationEngine(engine) {}
+    : PullPointSubscriptionBindingService(soap), URIBase(uriBase), authenticationEngine(engine) {
+    RegisterForEvents();
+}
+
+void EventsService::RegisterForEvents() {
+    std::scoped_lock const lock(Mutex);
+    if (EventHandlerBinding) return;
+    EventHandlerBinding = zarn::onvif::events::RegisterHandler(Queue);
+    static Ending const ending; // made after what it uses, so that it goes before
+}
+
+/// Thread: the host's.
+void EventsService::Queue(std::shared_ptr<meta::data::Event> const& event) {
+    {
+        std::scoped_lock const lock(Mutex);
+        for (auto& [id, subscription] : Subscriptions) subscription.events.push_back(event);
+    }
+    Cv.notify_all();
+}
+
+std::int32_t EventsService::GetNextSubscriptionId() {
+    static std::atomic<std::int32_t> SubscriptionId = 0;
+    return ++SubscriptionId;
+}
+
+EventsService::Subscription* EventsService::Find(std::int32_t id) {
+    auto const found = Subscriptions.find(id);
+    return found == Subscriptions.end() ? nullptr : &found->second;
+}
+
+/// Replaces the wait for the end that was there before.
+void EventsService::StartTimer(std::int32_t id, Subscription& subscription, Time termination) {
+    subscription.timer.expires_at(termination);
+    subscription.timer.async_wait([id, termination](boost::system::error_code error) {
+        if (!error) Expire(id, termination);
+    });
+}
+
+/// The end of a wait may be told late, when the subscription has been renewed meanwhile.
+void EventsService::Expire(std::int32_t id, Time termination) {
+    decltype(Subscriptions)::node_type gone; // and its events, which may be many, without the mutex
+    {
+        std::scoped_lock const lock(Mutex);
+        auto const* subscription = Find(id);
+        if (!subscription || subscription->timer.expiry() != termination) return;
+        gone = Subscriptions.extract(id);
+    }
+    Cv.notify_all();
+}
+
+void EventsService::WakeWaiting() {
+    // Whoever is between its look and its wait holds the mutex.
+    { std::scoped_lock const lock(Mutex); }
+    Cv.notify_all();
+}
 
 PullPointSubscriptionBindingService* EventsService::copy() { return nullptr; }
+
+void EventsService::SetActionHeader(char const* uri) {
+    if (!soap->header) soap->header = soap_new_SOAP_ENV__Header(soap);
+    if (soap->header) soap->header->wsa5__Action = soap_strdup(soap, uri);
+}
+
+int EventsService::CreatePullPointSubscription(_tev__CreatePullPointSubscription* given,
+                                               _tev__CreatePullPointSubscriptionResponse& response) try {
+    SetActionHeader(PullPointSubscriptionResponseActionURI);
+    if (!IsAuthenticated(soap, authenticationEngine)) return 401;
+    auto const& request = OrEmpty(given);
+    auto const termination = ReadTermination(request.InitialTerminationTime, system_clock::now());
+    auto topics = ReadTopics(request.Filter);
+    auto const id = GetNextSubscriptionId();
+    {
+        std::scoped_lock const lock(Mutex);
+        auto& subscription = Subscriptions[id];
+        subscription.topics = std::move(topics);
+        StartTimer(id, subscription, termination);
+    }
+    auto const address = GetBaseUri() + EventsServicePath + '/' + SubscriptionMarker + std::to_string(id);
+    response.SubscriptionReference.Address = soap_strdup(soap, address.c_str());
+    response.wsnt__CurrentTime = ToSeconds(system_clock::now());
+    response.wsnt__TerminationTime = ToSeconds(termination);
+    return SOAP_OK;
+
+} catch (chrono::Error const& error) {
+
+    return BadTime(soap, error);
+}
+
+/// Waits until the subscription has events, is gone, or the time is over; returns false when it is gone.
+bool EventsService::WaitForEvents(std::unique_lock<std::mutex>& lock, std::int32_t id,
+                                  steady_clock::time_point deadline) {
+    for (;;) {
+        auto const* subscription = Find(id);
+        if (!subscription) return false;
+        if (!subscription->events.empty() || IsEnding(soap) || steady_clock::now() >= deadline) return true;
+        Cv.wait_until(lock, deadline);
+    }
+}
+
+/// Appends the event's message, if it has one that the client wants; returns whether it counts towards the limit.
+bool EventsService::Append(std::shared_ptr<meta::data::Event> const& event, std::vector<std::string> const& topics,
+                           std::vector<wsnt__NotificationMessageHolderType*>& messages) {
+    auto const count = messages.size();
+    // A conversion that appends a message without claiming the event leaves it in, whatever the filter.
+    bool const isHandled = std::ranges::any_of(
+        events::Types, [&](events::Type const& type) { return type.convert(soap, messages, event); });
+    if (!isHandled || messages.size() == count) return false;
+    auto const* const topic = messages.back()->Topic;
+    bool const isWanted =
+        topics.empty() || (topic && std::ranges::find(topics, soap_elt_get_text(&topic->__mixed)) != topics.end());
+    if (!isWanted) messages.pop_back();
+    return isWanted;
+}
+
+int EventsService::PullMessages(_tev__PullMessages* given, _tev__PullMessagesResponse& response) try {
+    SetActionHeader(PullMessagesResponseActionURI);
+    if (!IsAuthenticated(soap, authenticationEngine)) return 401;
+    auto const id = ExtractSubscriptionId(soap->path);
+    if (id == NoId) return CannotExtractId(soap);
+    auto const& request = OrEmpty(given);
+
+    std::unique_lock lock(Mutex);
+    auto* subscription = Find(id);
+    if (!subscription) return NotFound(soap);
+    response.TerminationTime = ToSeconds(subscription->timer.expiry());
+    auto const topics = subscription->topics;
+    if (subscription->events.empty()) {
+        auto const deadline = chrono::Add(steady_clock::now(), chrono::duration::FromIso8601(request.Timeout));
+        if (!WaitForEvents(lock, id, deadline)) return NotFound(soap);
+    }
+    int count = 0;
+    // The subscription may end whenever the mutex is free.
+    while (count < request.MessageLimit && (subscription = Find(id)) && !subscription->events.empty()) {
+        auto const event = std::move(subscription->events.front());
+        subscription->events.pop_front();
+        lock.unlock();
+        if (Append(event, topics, response.wsnt__NotificationMessage)) ++count;
+        lock.lock();
+    }
+    lock.unlock();
+    response.CurrentTime = ToSeconds(system_clock::now());
+    return SOAP_OK;
+
+} catch (chrono::Error const& error) {
+
+    return BadTime(soap, error);
+}
+
+int EventsService::Renew(_wsnt__Renew* given, _wsnt__RenewResponse& response) try {
+    if (!IsAuthenticated(soap, authenticationEngine)) return 401;
+    auto const id = ExtractSubscriptionId(soap->path);
+    if (id == NoId) return CannotExtractId(soap);
+    std::scoped_lock const lock(Mutex);
+    auto* const subscription = Find(id);
+    if (!subscription) return NotFound(soap);
+    auto const now = system_clock::now();
+    auto const termination = ReadTermination(OrEmpty(given).TerminationTime, now);
+    StartTimer(id, *subscription, termination);
+    response.TerminationTime = ToSeconds(termination);
+    response.CurrentTime = static_cast<time_t*>(soap_malloc(soap, sizeof(time_t)));
+    if (response.CurrentTime) *response.CurrentTime = ToSeconds(now);
+    return SOAP_OK;
+
+} catch (chrono::Error const& error) {
+
+    return BadTime(soap, error);
+}
+
+int EventsService::Unsubscribe(_wsnt__Unsubscribe*, _wsnt__UnsubscribeResponse&) {
+    if (!IsAuthenticated(soap, authenticationEngine)) return 401;
+    auto const id = ExtractSubscriptionId(soap->path);
+    if (id == NoId) return SOAP_OK;
+    decltype(Subscriptions)::node_type gone;
+    {
+        std::scoped_lock const lock(Mutex);
+        gone = Subscriptions.extract(id);
+    }
+    Cv.notify_all();
+    return SOAP_OK;
+}
+
+int EventsService::GetEventProperties(_tev__GetEventProperties*, _tev__GetEventPropertiesResponse& response) {
+    response.TopicNamespaceLocation = {TopicNamespaceURI};
+    response.wsnt__FixedTopicSet = false;
+    response.wstop__TopicSet = Filled(soap_new_wstop__TopicSetType(soap), [this](wstop__TopicSetType& topics) {
+        // Elements know where their parent is: no growing once they have children.
+        topics.__any.assign(2, soap_dom_element(soap));
+        auto& ruleEngine = topics.__any[0];
+        soap_elt_set(&ruleEngine, nullptr, "tns1:RuleEngine");
+        for (auto const& type : events::Types) type.describe(soap, ruleEngine);
+        auto& videoSource = topics.__any[1];
+        soap_elt_set(&videoSource, nullptr, "tns1:VideoSource");
+        soap_att_text(soap_att(soap_elt(&videoSource, nullptr, "MotionAlarm"), nullptr, "wstop:topic"), "true");
+    });
+    response.wsnt__TopicExpressionDialect = {ConcreteTopicExpressionURI, ConcreteTopicSetURI};
+    response.MessageContentFilterDialect = {OnvifItemFilterURI};
+    response.MessageContentSchemaLocation = {OnvifSchemaURI};
+    return SOAP_OK;
+}
 
 tev__Capabilities* EventsService::MakeServiceCapabilities(struct soap* soap) {
     return Filled(soap_new_tev__Capabilities(soap), [](tev__Capabilities& capabilities) {

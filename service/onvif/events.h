@@ -3,23 +3,52 @@
 #include "events_unserved.h"
 #include "uri_base.h"
 
+#include <zarn/asio/global_context.h>
+#include <zarn/type/binding.h>
+
+#include <boost/asio/system_timer.hpp>
 #include <soapPullPointSubscriptionBindingService.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
 
 class ZarnAuthenticationEngine;
 
+namespace zarn::meta::data {
+class Event;
+}
+
 namespace zarn::service::onvif {
 
-/// The ONVIF Events service (ver10/events/wsdl). Lives for one request, on that request's context and thread.
+/// The ONVIF Events service (ver10/events/wsdl), pull points only. Lives for one request, on that request's context and
+/// thread; the subscriptions are those of the process.
 class EventsService final : public PullPointSubscriptionBindingService, private URIBase {
 public:
+    /// The first one registers for the host's events, for as long as the library is there.
     EventsService(struct soap* soap, URIBase uriBase, ZarnAuthenticationEngine const* engine);
 
     /// The capabilities of this service, allocated in the context anew; null without memory.
     static tev__Capabilities* MakeServiceCapabilities(struct soap* soap);
 
+    /// Has every waiting PullMessages look again whether its exchange is to end (StopsWaiting). Thread: any.
+    static void WakeWaiting();
+
     /// Always null: services are made afresh for every request, never cloned.
     PullPointSubscriptionBindingService* copy() override;
 
+    int CreatePullPointSubscription(_tev__CreatePullPointSubscription* request,
+                                    _tev__CreatePullPointSubscriptionResponse& response) override;
+    int PullMessages(_tev__PullMessages* request, _tev__PullMessagesResponse& response) override;
+    int Renew(_wsnt__Renew* request, _wsnt__RenewResponse& response) override;
+    int Unsubscribe(_wsnt__Unsubscribe* request, _wsnt__UnsubscribeResponse& response) override;
+    int GetEventProperties(_tev__GetEventProperties* request, _tev__GetEventPropertiesResponse& response) override;
     int GetServiceCapabilities(_tev__GetServiceCapabilities* request,
                                _tev__GetServiceCapabilitiesResponse& response) override;
     int SetSynchronizationPoint(_tev__SetSynchronizationPoint* request,
@@ -32,7 +61,38 @@ public:
     int Notify_(_wsnt__Notify* message) override;
 
 private:
+    using Time = std::chrono::system_clock::time_point;
+
+    struct Subscription {
+        asio::GlobalContext context;                           ///< keeps the timer's thread
+        boost::asio::system_timer timer{context.Get()};        ///< its expiry is the termination time
+        std::deque<std::shared_ptr<meta::data::Event>> events; ///< in the order of arrival
+        std::vector<std::string> topics;                       ///< empty: all
+    };
+
+    /// Ends the registration and the subscriptions when the library goes, before the state below does.
+    struct Ending;
+
+    static void RegisterForEvents();
+    static void Queue(std::shared_ptr<meta::data::Event> const& event);
+    static std::int32_t GetNextSubscriptionId();
+    static Subscription* Find(std::int32_t id);
+    static void StartTimer(std::int32_t id, Subscription& subscription, Time termination);
+    static void Expire(std::int32_t id, Time termination);
+
+    void SetActionHeader(char const* uri);
+    bool WaitForEvents(std::unique_lock<std::mutex>& lock, std::int32_t id,
+                       std::chrono::steady_clock::time_point deadline);
+    bool Append(std::shared_ptr<meta::data::Event> const& event, std::vector<std::string> const& topics,
+                std::vector<wsnt__NotificationMessageHolderType*>& messages);
+
+    static std::mutex Mutex;           ///< guards Subscriptions, their queues and timers, and EventHandlerBinding
+    static std::condition_variable Cv; ///< an event came, a subscription ended, or waiting is to end
+    static std::map<std::int32_t, Subscription> Subscriptions;
+    static type::Binding EventHandlerBinding;
+
     ZarnAuthenticationEngine const* authenticationEngine;
+    asio::GlobalContext context;
 };
 
 } // namespace zarn::service::onvif

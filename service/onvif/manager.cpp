@@ -8,6 +8,7 @@
 #include "soap_context.h"
 
 #include <service/onvif/manager.h>
+#include <zarn/asio/global_context.h>
 #include <zarn/container/buffer.h>
 #include <zarn/job/dynamic_thread_pool.h>
 #include <zarn/protocol/network/http/request.h>
@@ -60,7 +61,7 @@ public:
 
     /// Runs one SOAP exchange. Thread: a worker of the pool.
     SharedResponse Serve(http::Request const& request) const {
-        auto const context = MakeSoapContext();
+        auto const context = MakeSoapContext(&ending);
         auto* const soap = context.get();
         bool const ssl = sslEnabled;
         URIBase const uriBase(serverPort, ssl);
@@ -86,12 +87,15 @@ public:
         return std::make_shared<http::Response>(http::Response::Parse(std::move(buffer)));
     }
 
+    asio::GlobalContext context; // so that its thread does not come and go with every request
+
     // Members go in the reverse of this order; the destructor of Manager has stopped the pool by then.
     ZarnAuthenticationEngine const* authenticationEngine;
     job::DynamicThreadPool threadPool;
     // Written by the host's threads and read by the workers, without a lock.
     std::atomic<std::uint16_t> serverPort = 0;
     std::atomic<bool> sslEnabled = false;
+    std::atomic<bool> ending = false;
     std::shared_ptr<configuration::node::Root> configuration;
     ChannelInfo channelInfo;
     utilities::name::Config nameConfig;
@@ -102,7 +106,11 @@ Manager::Manager(ZarnAuthenticationEngine const* engine, std::shared_ptr<configu
                  utilities::name::Config const& nameConfig)
     : impl(std::make_unique<Impl>(engine, std::move(configuration), std::move(channelInfo), nameConfig)) {}
 
-Manager::~Manager() { impl->threadPool.Stop(); }
+Manager::~Manager() {
+    impl->ending = true;
+    EventsService::WakeWaiting();
+    impl->threadPool.Stop();
+}
 
 Manager::Response Manager::Post(std::shared_ptr<web::Request> request) {
     auto promise = std::make_shared<std::promise<SharedResponse>>();

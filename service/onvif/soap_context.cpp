@@ -67,17 +67,23 @@ void Release(soap* soap) {
 
 } // namespace
 
-std::shared_ptr<soap> MakeSoapContext() {
+std::shared_ptr<soap> MakeSoapContext(std::atomic<bool> const* ending) {
     std::shared_ptr<soap> context(soap_new2(Mode, Mode), [](soap* soap) {
         if (soap) Release(soap);
     });
     if (!context) throw std::bad_alloc();
+    context->user = const_cast<std::atomic<bool>*>(ending); // read only, by IsEnding
     context->fignore = IgnoreElement;
     context->fposthdr = PostHeader;
     context->maxlevel = MaximumLevel;
     context->maxlength = MaximumTextLength;
     context->recv_maxlength = MaximumMessageLength;
     return context;
+}
+
+bool IsEnding(soap const* soap) {
+    auto const* ending = static_cast<std::atomic<bool> const*>(soap->user);
+    return ending && *ending;
 }
 
 void AnswerAddressing(soap* soap) {

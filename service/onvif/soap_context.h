@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <memory>
 
 struct soap;
@@ -8,8 +9,12 @@ namespace zarn::service::onvif {
 
 /// Makes the gSOAP context of one request: no xsi:type on output, strings in UTF-8, and bounds on what a request may
 /// hold. Its deleter frees everything that was allocated in it.
+/// ending  true from when on the exchange is to wait for nothing; must outlive the context; null: never
 /// Throws std::bad_alloc.
-std::shared_ptr<soap> MakeSoapContext();
+std::shared_ptr<soap> MakeSoapContext(std::atomic<bool> const* ending = nullptr);
+
+/// Whether an operation that waits is to answer now, as it would at the end of its time. Thread: any.
+bool IsEnding(soap const* soap);
 
 /// Turns the header that came with the request into the header of the response: it relates to the request's message and
 /// carries nothing else of the client's. A request without a message id is answered without a header.

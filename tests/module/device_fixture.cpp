@@ -107,6 +107,11 @@ service::onvif::Manager& DeviceFixture::Manager() {
     return *manager;
 }
 
+void DeviceFixture::ReplaceManager() {
+    manager.reset();
+    Manager();
+}
+
 std::shared_ptr<web::Request> DeviceFixture::MakeRequest(std::string const& body, Sending const& sending) {
     auto fields = sending.fields;
     fields.emplace("Host", "device");

@@ -41,6 +41,9 @@ protected:
     /// Makes the device. Called by the first request; before it a test may change what the device is made of.
     service::onvif::Manager& Manager();
 
+    /// Lets the device's manager go and makes another.
+    void ReplaceManager();
+
     /// Sends a request whose body is this element, with right credentials.
     Reply Ask(std::string const& operation, Sending const& sending = {});
 

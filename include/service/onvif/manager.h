@@ -30,7 +30,7 @@ public:
             std::function<meta::data::VideoInfo(std::string const&)> channelInfo,
             utilities::name::Config const& nameConfig);
 
-    /// Finishes the exchanges under way, then lets go of everything.
+    /// Finishes the exchanges under way, then lets go of everything. Exchanges that wait for events answer at once.
     ~Manager() override;
 
     Manager(Manager const&) = delete;

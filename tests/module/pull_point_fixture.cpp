@@ -1,0 +1,57 @@
+#include "pull_point_fixture.h"
+
+#include <zarn/chrono/iso8601.h>
+#include <zarn/meta/data/zone.h>
+#include <zarn/onvif/events/handler.h>
+
+#include <utility>
+
+namespace zarn::test {
+
+std::string PullPointFixture::Subscribe(std::string const& content) {
+    auto const reply = Ask("<tev:CreatePullPointSubscription>" + content + "</tev:CreatePullPointSubscription>");
+    EXPECT_EQ(reply.status, 200) << reply.text;
+    auto const address = reply.Text("//tev:SubscriptionReference/wsa5:Address");
+    return address.substr(std::min(address.find("/onvif/"), address.size()));
+}
+
+Reply PullPointFixture::Pull(std::string const& path, int limit, std::string const& timeout) {
+    return Ask("<tev:PullMessages><tev:Timeout>" + timeout + "</tev:Timeout><tev:MessageLimit>" +
+                   std::to_string(limit) + "</tev:MessageLimit></tev:PullMessages>",
+               {.path = path});
+}
+
+Reply PullPointFixture::Renew(std::string const& path, std::string const& termination) {
+    return Ask("<wsnt:Renew><wsnt:TerminationTime>" + termination + "</wsnt:TerminationTime></wsnt:Renew>",
+               {.path = path});
+}
+
+Reply PullPointFixture::Unsubscribe(std::string const& path) { return Ask("<wsnt:Unsubscribe/>", {.path = path}); }
+
+std::vector<std::string> PullPointFixture::GetRules(Reply const& reply) {
+    return reply.Texts("//tt:Message/tt:Source/tt:SimpleItem[@Name='Rule']/@Value");
+}
+
+std::vector<std::string> PullPointFixture::GetTopics(Reply const& reply) {
+    return reply.Texts("//wsnt:NotificationMessage/wsnt:Topic");
+}
+
+std::shared_ptr<meta::data::Event> MakeEvent(std::string const& type, std::string const& name) {
+    return std::make_shared<meta::data::Event>(type, name, chrono::FromIso8601("2026-01-31T12:00:00.25Z"));
+}
+
+std::shared_ptr<meta::data::Event> MakeFieldEvent(std::string const& name, std::string const& type) {
+    auto event = MakeEvent(type, name);
+    event->Emplace<meta::data::Zone>(meta::data::Zone::Field);
+    return event;
+}
+
+void Publish(std::shared_ptr<meta::data::Event> event) { zarn::onvif::events::Publish(std::move(event)); }
+
+std::chrono::seconds GetLifetime(Reply const& reply) {
+    auto const read = [&](char const* xpath) { return chrono::FromIso8601(reply.Text(xpath)); };
+    return std::chrono::duration_cast<std::chrono::seconds>(read("//*[local-name()='TerminationTime']") -
+                                                            read("//*[local-name()='CurrentTime']"));
+}
+
+} // namespace zarn::test

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "device_fixture.h"
+
+#include <zarn/meta/data/event.h>
+
+#include <chrono>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace zarn::test {
+
+/// A device whose clients have subscriptions. Events are published as the host does.
+class PullPointFixture : public DeviceFixture {
+protected:
+    /// Creates a subscription with this content of the request and returns the path of its address.
+    std::string Subscribe(std::string const& content = {});
+
+    /// Pulls from an address. With a span of "PT0S" it does not wait.
+    Reply Pull(std::string const& path, int limit = 100, std::string const& timeout = "PT0S");
+
+    /// Extends a subscription; the text goes into TerminationTime.
+    Reply Renew(std::string const& path, std::string const& termination);
+
+    Reply Unsubscribe(std::string const& path);
+
+    /// The values of the source item "Rule" of all messages, which are the names of the events.
+    static std::vector<std::string> GetRules(Reply const& reply);
+
+    /// The topics of all messages.
+    static std::vector<std::string> GetTopics(Reply const& reply);
+};
+
+/// An event that started at 2026-01-31T12:00:00.25Z.
+std::shared_ptr<meta::data::Event> MakeEvent(std::string const& type, std::string const& name = "rule");
+
+/// An event in a field, "presence" by default: topic `tns1:RuleEngine/FieldDetector/ObjectsInside`.
+std::shared_ptr<meta::data::Event> MakeFieldEvent(std::string const& name = "rule",
+                                                  std::string const& type = "presence");
+
+/// Publishes an event as the host does.
+void Publish(std::shared_ptr<meta::data::Event> event);
+
+/// The span between the two times in the first element of the body, `CurrentTime` and `TerminationTime`.
+std::chrono::seconds GetLifetime(Reply const& reply);
+
+} // namespace zarn::test

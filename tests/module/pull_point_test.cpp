@@ -1,0 +1,428 @@
+#include "pull_point_fixture.h"
+
+#include <zarn/chrono/iso8601.h>
+#include <zarn/meta/data/count/value.h>
+#include <zarn/meta/data/zone.h>
+
+#include <gmock/gmock.h>
+
+#include <chrono>
+#include <future>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace zarn::test {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::AllOf;
+using testing::AnyOf;
+using testing::ElementsAre;
+using testing::Ge;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Le;
+using testing::MatchesRegex;
+using testing::SizeIs;
+using Clock = std::chrono::steady_clock;
+
+auto const CannotExtractId = IsFault("Sender", "Unable to extract subscription ID", {"ter:InvalidArgs"});
+auto const NotFound = IsFault("Sender", "Subscription ID not found", {"ter:InvalidArgVal"});
+
+/// A span of whole seconds between two times, each cut to its second.
+auto Lasts(std::chrono::seconds span) { return AllOf(Ge(span - 1s), Le(span + 1s)); }
+
+std::string Termination(std::string const& text) {
+    return "<tev:InitialTerminationTime>" + text + "</tev:InitialTerminationTime>";
+}
+
+std::string Filter(std::string const& content) { return "<tev:Filter>" + content + "</tev:Filter>"; }
+
+std::string Topics(std::string const& expression) {
+    return "<wsnt:TopicExpression Dialect='http://www.onvif.org/ver10/tev/topicExpression/ConcreteSet'>" + expression +
+           "</wsnt:TopicExpression>";
+}
+
+std::shared_ptr<meta::data::Event> MakeCount(std::string const& name) {
+    auto event = MakeEvent("count", name);
+    event->Emplace<meta::data::count::Value>(3);
+    return event;
+}
+
+std::shared_ptr<meta::data::Event> MakeCrossing(std::string const& name) {
+    auto event = MakeEvent("direction", name);
+    event->Emplace<meta::data::Zone>(meta::data::Zone::Line);
+    return event;
+}
+
+class PullPoint : public PullPointFixture {
+protected:
+    Reply Create(std::string const& content) {
+        return Ask("<tev:CreatePullPointSubscription>" + content + "</tev:CreatePullPointSubscription>");
+    }
+
+    /// The id in an address.
+    static int GetId(std::string const& path) { return std::stoi(path.substr(path.rfind('=') + 1)); }
+
+    /// Pulls in the background.
+    std::future<Reply> PullLater(std::string const& path, std::string const& timeout) {
+        return std::async(std::launch::async, [this, path, timeout] { return Pull(path, 100, timeout); });
+    }
+
+    /// Pulls until the subscription is gone; false when it is still there after ten seconds.
+    bool EndsSoon(std::string const& path) {
+        for (auto const deadline = Clock::now() + 10s; Clock::now() < deadline; std::this_thread::sleep_for(10ms)) {
+            if (Pull(path).status != 200) return true;
+        }
+        return false;
+    }
+};
+
+TEST_F(PullPoint, IsCreatedForFiveMinutesUnlessAskedOtherwise) {
+    auto const reply = Create("");
+    EXPECT_EQ(reply.status, 200);
+    EXPECT_EQ(GetLifetime(reply), 300s);
+    EXPECT_THAT(GetLifetime(Create(Termination("PT10S"))), Lasts(10s));
+    EXPECT_THAT(GetLifetime(Create(Termination("P1DT2H"))), Lasts(26h));
+}
+
+TEST_F(PullPoint, LastsUntilAnAbsoluteTime) {
+    EXPECT_EQ(Create(Termination("2061-07-28T12:30:00Z")).Text("//wsnt:TerminationTime"), "2061-07-28T12:30:00Z");
+    EXPECT_EQ(Create(Termination("2061-07-28T12:30:00.75+02:00")).Text("//wsnt:TerminationTime"),
+              "2061-07-28T10:30:00Z");
+}
+
+TEST_F(PullPoint, LastsToTheEndOfTheClockForWhoAsksForMore) {
+    for (auto const* text : {"P292Y", "P200Y", "9999-12-31T23:59:59Z"}) {
+        auto const reply = Create(Termination(text));
+        EXPECT_THAT(reply.Text("//wsnt:TerminationTime"), AnyOf(HasSubstr("2262-04-11T"), HasSubstr("2226-")));
+        auto const address = reply.Text("//wsa5:Address");
+        EXPECT_EQ(Pull(address.substr(address.find("/onvif/"))).status, 200) << text;
+    }
+}
+
+TEST_F(PullPoint, OfTheWholePathHasIdsThatAscend) {
+    auto const first = Subscribe();
+    EXPECT_THAT(first, MatchesRegex("/onvif/events_service/Subscription\\?Idx=[0-9]+"));
+    EXPECT_EQ(GetId(Subscribe()), GetId(first) + 1);
+    Unsubscribe(first);
+    EXPECT_EQ(GetId(Subscribe()), GetId(first) + 2);
+}
+
+TEST_F(PullPoint, HasAnAddressBelowTheBaseUri) {
+    EXPECT_THAT(Create("").Text("//wsa5:Address"),
+                MatchesRegex("http://[0-9.]+:8080/onvif/events_service/Subscription\\?Idx=[0-9]+"));
+    Manager().UpdateSSLState(true);
+    EXPECT_THAT(Create("").Text("//wsa5:Address"), HasSubstr("https://"));
+}
+
+TEST_F(PullPoint, AnswersWithItsAction) {
+    EXPECT_EQ(Create("").Text("//SOAP-ENV:Header/wsa5:Action"),
+              "http://www.onvif.org/ver10/events/wsdl/EventPortType/CreatePullPointSubscriptionResponse");
+    EXPECT_EQ(Pull(Subscribe()).Text("//SOAP-ENV:Header/wsa5:Action"),
+              "http://www.onvif.org/ver10/events/wsdl/PullPointSubscription/PullMessagesResponse");
+    EXPECT_FALSE(Renew(Subscribe(), "PT10S").Has("//wsa5:Action"));
+}
+
+TEST_F(PullPoint, AnswersWithItsActionToWhoSentOne) {
+    auto const reply =
+        Ask("<tev:CreatePullPointSubscription/>",
+            {.header = "<a:Action>urn:x</a:Action><a:MessageID>urn:uuid:1</a:MessageID><a:To>urn:long-long</a:To>"});
+    EXPECT_EQ(reply.Text("//SOAP-ENV:Header/wsa5:Action"),
+              "http://www.onvif.org/ver10/events/wsdl/EventPortType/CreatePullPointSubscriptionResponse");
+    EXPECT_EQ(reply.Text("//SOAP-ENV:Header/wsa5:RelatesTo"), "urn:uuid:1");
+}
+
+TEST_F(PullPoint, IsForThoseWhoLogIn) {
+    auto const path = Subscribe();
+    for (auto const* operation :
+         {"<tev:CreatePullPointSubscription/>", "<tev:PullMessages/>", "<wsnt:Renew/>", "<wsnt:Unsubscribe/>"}) {
+        EXPECT_THAT(Ask(operation, {.path = path, .authenticated = false}), IsChallenge("zarnsuite.example"))
+            << operation;
+    }
+    EXPECT_EQ(Pull(path).status, 200);
+}
+
+TEST_F(PullPoint, RefusesTimesThatAreNone) {
+    for (auto const* text : {"", "P", "-PT5S", "PT5X", "tomorrow", "P400Y", "2026-13-01T00:00:00Z"}) {
+        auto const reply = Create(Termination(text));
+        EXPECT_EQ(reply.status, 400) << text;
+        EXPECT_EQ(reply.Text("//SOAP-ENV:Subcode/SOAP-ENV:Value"), "ter:InvalidArgVal") << text;
+        EXPECT_THAT(reply.Text("//SOAP-ENV:Reason/SOAP-ENV:Text"), HasSubstr("ISO 8601")) << text;
+        EXPECT_EQ(Renew(Subscribe(), text).status, 400) << text;
+    }
+    EXPECT_THAT(Pull(Subscribe(), 1, "soon").Text("//SOAP-ENV:Reason/SOAP-ENV:Text"), HasSubstr("\"soon\""));
+}
+
+TEST_F(PullPoint, ReadsAnEndThatHasPassedAsTheEnd) {
+    EXPECT_TRUE(EndsSoon(Subscribe(Termination("2001-01-01T00:00:00Z"))));
+}
+
+TEST_F(PullPoint, FaultsForAnAddressWithoutAnId) {
+    for (auto const* path :
+         {"/onvif/events_service", "/onvif/events_service/Subscription?Idx=",
+          "/onvif/events_service/Subscription?Idx=abc", "/onvif/events_service/Subscription?Idx=-1",
+          "/onvif/events_service/Subscription?Idx=2147483648", "/onvif/events_service/Subscription?Idx=-2147483649",
+          "/onvif/events_service/Subscription?Idx=99999999999999999999"}) {
+        EXPECT_THAT(Pull(path), CannotExtractId) << path;
+        EXPECT_THAT(Renew(path, "PT10S"), CannotExtractId) << path;
+        EXPECT_EQ(Unsubscribe(path).status, 200) << path;
+    }
+}
+
+TEST_F(PullPoint, FaultsForAnUnknownId) {
+    for (auto const* path :
+         {"/onvif/events_service/Subscription?Idx=2147483647", "/onvif/events_service/Subscription?Idx=0",
+          "/onvif/events_service/Subscription?Idx=-2147483648"}) {
+        EXPECT_THAT(Pull(path), NotFound) << path;
+        EXPECT_THAT(Renew(path, "PT10S"), NotFound) << path;
+        EXPECT_EQ(Unsubscribe(path).status, 200) << path;
+    }
+}
+
+TEST_F(PullPoint, TakesTheNumberAtTheBeginningOfWhatFollowsTheMarker) {
+    auto const path = Subscribe();
+    auto const id = std::to_string(GetId(path));
+    for (auto const& text : {id + "abc", "+" + id, "00" + id, id + "&x=y", id + "?Subscription?Idx=7"}) {
+        EXPECT_EQ(Pull("/any/path/Subscription?Idx=" + text).status, 200) << text;
+    }
+}
+
+TEST_F(PullPoint, GivesWhatHappenedSinceItsCreation) {
+    Publish(MakeFieldEvent("before"));
+    auto const path = Subscribe();
+    EXPECT_THAT(GetRules(Pull(path)), IsEmpty());
+    Publish(MakeFieldEvent("one"));
+    Publish(MakeFieldEvent("two"));
+    EXPECT_THAT(GetRules(Pull(path)), ElementsAre("one", "two"));
+    EXPECT_THAT(GetRules(Pull(path)), IsEmpty());
+}
+
+TEST_F(PullPoint, GivesEveryClientEveryEvent) {
+    auto const first = Subscribe();
+    auto const second = Subscribe();
+    Publish(MakeFieldEvent("one"));
+    EXPECT_THAT(GetRules(Pull(first)), ElementsAre("one"));
+    EXPECT_THAT(GetRules(Pull(second)), ElementsAre("one"));
+}
+
+TEST_F(PullPoint, TellsItsEndWithEveryAnswer) {
+    auto const path = Subscribe(Termination("2061-07-28T12:30:00Z"));
+    auto const reply = Pull(path);
+    EXPECT_EQ(reply.Text("//tev:PullMessagesResponse/tev:TerminationTime"), "2061-07-28T12:30:00Z");
+    EXPECT_THAT(std::chrono::system_clock::now() -
+                    chrono::FromIso8601(reply.Text("//tev:PullMessagesResponse/tev:CurrentTime")),
+                AllOf(Ge(0s), Le(60s)));
+}
+
+TEST_F(PullPoint, GivesNoMoreMessagesThanAskedFor) {
+    auto const path = Subscribe();
+    for (auto const* name : {"one", "two", "three"}) Publish(MakeFieldEvent(name));
+    EXPECT_THAT(GetRules(Pull(path, 0)), IsEmpty());
+    EXPECT_THAT(GetRules(Pull(path, -1)), IsEmpty());
+    EXPECT_THAT(GetRules(Pull(path, 1)), ElementsAre("one"));
+    EXPECT_THAT(GetRules(Pull(path, 1)), ElementsAre("two"));
+    EXPECT_THAT(GetRules(Pull(path)), ElementsAre("three"));
+}
+
+TEST_F(PullPoint, DropsEventsThatHaveNoMessage) {
+    auto const path = Subscribe();
+    Publish(MakeEvent("presence"));
+    Publish(MakeEvent("no such type"));
+    Publish(MakeFieldEvent("one"));
+    EXPECT_THAT(GetRules(Pull(path, 1)), ElementsAre("one"));
+    EXPECT_THAT(GetRules(Pull(path)), IsEmpty());
+}
+
+TEST_F(PullPoint, AnswersAtOnceWhenThereIsSomethingThatHasNoMessage) {
+    auto const path = Subscribe();
+    Publish(MakeEvent("no such type"));
+    EXPECT_THAT(GetRules(Pull(path, 1, "PT1H")), IsEmpty());
+}
+
+TEST_F(PullPoint, LetsThroughTheTopicsOfItsFilter) {
+    auto const path =
+        Subscribe(Filter(Topics("tns1:RuleEngine/LineDetector/Crossed|tns1:RuleEngine/CountAggregation/Counter")));
+    Publish(MakeFieldEvent("field"));
+    Publish(MakeCrossing("line"));
+    Publish(MakeCount("count"));
+    EXPECT_THAT(GetTopics(Pull(path)),
+                ElementsAre("tns1:RuleEngine/LineDetector/Crossed", "tns1:RuleEngine/CountAggregation/Counter"));
+    EXPECT_THAT(GetTopics(Pull(path)), IsEmpty());
+}
+
+TEST_F(PullPoint, DoesNotCountWhatItsFilterHoldsBack) {
+    auto const path = Subscribe(Filter(Topics("tns1:RuleEngine/LineDetector/Crossed")));
+    Publish(MakeFieldEvent("field"));
+    Publish(MakeCrossing("first"));
+    Publish(MakeCrossing("second"));
+    EXPECT_THAT(GetRules(Pull(path, 1)), ElementsAre("first"));
+    EXPECT_THAT(GetRules(Pull(path, 1)), ElementsAre("second"));
+}
+
+TEST_F(PullPoint, ComparesTopicsExactly) {
+    for (auto const* text :
+         {"tns1:RuleEngine/FieldDetector/ObjectsInside ", "tns1:RuleEngine/FieldDetector/objectsinside",
+          "tns1:RuleEngine//.", "", "|", "tns1:RuleEngine/FieldDetector/Grün"}) {
+        auto const path = Subscribe(Filter(Topics(text)));
+        Publish(MakeFieldEvent("field"));
+        EXPECT_THAT(GetRules(Pull(path)), IsEmpty()) << text;
+    }
+}
+
+TEST_F(PullPoint, TakesTheLastElementOfItsFilter) {
+    auto const both = Subscribe(
+        Filter(Topics("tns1:RuleEngine/FieldDetector/ObjectsInside") + Topics("tns1:RuleEngine/LineDetector/Crossed")));
+    auto const content = Subscribe(Filter(Topics("tns1:RuleEngine/FieldDetector/ObjectsInside") +
+                                          "<wsnt:MessageContent Dialect='urn:x'>boolean(1)</wsnt:MessageContent>"));
+    auto const none = Subscribe(Filter(""));
+    Publish(MakeFieldEvent("field"));
+    Publish(MakeCrossing("line"));
+    EXPECT_THAT(GetRules(Pull(both)), ElementsAre("line"));
+    EXPECT_THAT(GetRules(Pull(content)), IsEmpty());
+    EXPECT_THAT(GetRules(Pull(none)), ElementsAre("field", "line"));
+}
+
+TEST_F(PullPoint, GivesLoiteringToEveryoneAndDoesNotCountIt) {
+    auto const path = Subscribe(Filter(Topics("tns1:RuleEngine/LineDetector/Crossed")));
+    for (auto const* name : {"dwell", "stopped", "aggressive-behaviour"}) Publish(MakeEvent(name, name));
+    Publish(MakeCrossing("first"));
+    Publish(MakeCrossing("second"));
+    EXPECT_THAT(GetRules(Pull(path, 1)), ElementsAre("dwell", "stopped", "aggressive-behaviour", "first"));
+    EXPECT_THAT(GetRules(Pull(path, 1)), ElementsAre("second"));
+}
+
+TEST_F(PullPoint, WaitsNoLongerThanAsked) {
+    auto const path = Subscribe();
+    auto const begin = Clock::now();
+    auto const reply = Pull(path, 1, "PT0.3S");
+    EXPECT_GE(Clock::now() - begin, 300ms);
+    EXPECT_EQ(reply.status, 200);
+    EXPECT_THAT(GetRules(reply), IsEmpty());
+}
+
+TEST_F(PullPoint, DoesNotWaitForASpanThatIsOverOrForNoMessages) {
+    auto const path = Subscribe();
+    EXPECT_EQ(Pull(path, 1, "-PT1H").status, 200);
+    Publish(MakeFieldEvent());
+    EXPECT_EQ(Pull(path, 0, "PT1H").status, 200);
+}
+
+TEST_F(PullPoint, AnswersAWaitingClientWhenAnEventComes) {
+    auto const path = Subscribe();
+    auto reply = PullLater(path, "PT1H");
+    EXPECT_EQ(reply.wait_for(50ms), std::future_status::timeout);
+    Publish(MakeFieldEvent("one"));
+    EXPECT_THAT(GetRules(reply.get()), ElementsAre("one"));
+}
+
+TEST_F(PullPoint, WaitsAsLongAsTheClockLasts) {
+    auto const path = Subscribe();
+    auto reply = PullLater(path, "P292Y");
+    EXPECT_EQ(reply.wait_for(50ms), std::future_status::timeout);
+    Publish(MakeFieldEvent("one"));
+    EXPECT_THAT(GetRules(reply.get()), ElementsAre("one"));
+}
+
+TEST_F(PullPoint, TellsAWaitingClientThatItWasUnsubscribed) {
+    auto const path = Subscribe();
+    auto reply = PullLater(path, "PT1H");
+    EXPECT_EQ(reply.wait_for(50ms), std::future_status::timeout);
+    EXPECT_EQ(Unsubscribe(path).status, 200);
+    EXPECT_THAT(reply.get(), NotFound);
+}
+
+TEST_F(PullPoint, TellsAWaitingClientThatItsTimeIsOver) {
+    auto const path = Subscribe(Termination("PT0.2S"));
+    EXPECT_THAT(Pull(path, 1, "PT1H"), NotFound);
+}
+
+TEST_F(PullPoint, IsGoneOnceUnsubscribed) {
+    auto const path = Subscribe();
+    auto const reply = Unsubscribe(path);
+    EXPECT_EQ(reply.status, 200);
+    EXPECT_EQ(reply.Message(), "<wsnt:UnsubscribeResponse/>");
+    EXPECT_EQ(Unsubscribe(path).status, 200);
+    EXPECT_THAT(Pull(path), NotFound);
+    EXPECT_THAT(Renew(path, "PT10S"), NotFound);
+}
+
+TEST_F(PullPoint, EndsAtItsTime) { EXPECT_TRUE(EndsSoon(Subscribe(Termination("PT0.1S")))); }
+
+TEST_F(PullPoint, DoesNotLastLongerForBeingPulled) {
+    auto const path = Subscribe(Termination("2061-07-28T12:30:00Z"));
+    Publish(MakeFieldEvent());
+    Pull(path);
+    EXPECT_EQ(Pull(path).Text("//tev:TerminationTime"), "2061-07-28T12:30:00Z");
+}
+
+TEST_F(PullPoint, IsRenewed) {
+    auto const path = Subscribe(Termination("PT0.4S"));
+    auto const reply = Renew(path, "2061-07-28T12:30:00Z");
+    EXPECT_EQ(reply.Text("//wsnt:RenewResponse/wsnt:TerminationTime"), "2061-07-28T12:30:00Z");
+    EXPECT_TRUE(reply.Has("//wsnt:RenewResponse/wsnt:CurrentTime"));
+    EXPECT_EQ(Pull(path, 1, "PT0.6S").Text("//tev:TerminationTime"), "2061-07-28T12:30:00Z");
+    EXPECT_THAT(GetLifetime(Renew(path, "PT1M")), Lasts(1min));
+    EXPECT_THAT(GetLifetime(Ask("<wsnt:Renew/>", {.path = path})), Lasts(5min));
+    EXPECT_EQ(Renew(path, "2001-01-01T00:00:00Z").status, 200);
+    EXPECT_TRUE(EndsSoon(path));
+}
+
+TEST_F(PullPoint, IsRenewedByNil) {
+    auto const path = Subscribe();
+    constexpr auto nil = "xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance' xsi:nil='true'";
+    auto const reply = Ask(std::string("<wsnt:Renew><wsnt:TerminationTime ") + nil + "/></wsnt:Renew>", {.path = path});
+    EXPECT_THAT(GetLifetime(reply), Lasts(5min));
+    EXPECT_THAT(GetLifetime(Ask(std::string("<wsnt:Renew ") + nil + "/>", {.path = path})), Lasts(5min));
+    EXPECT_EQ(Ask(std::string("<tev:CreatePullPointSubscription ") + nil + "/>").status, 200);
+    EXPECT_EQ(Ask(std::string("<tev:PullMessages ") + nil + "/>", {.path = path}).status, 400);
+}
+
+TEST_F(PullPoint, OutlivesTheManagerThatMadeIt) {
+    auto const path = Subscribe();
+    ReplaceManager();
+    Publish(MakeFieldEvent("one"));
+    EXPECT_THAT(GetRules(Pull(path)), ElementsAre("one"));
+}
+
+TEST_F(PullPoint, LetsItsManagerGoWhileAHundredClientsWait) {
+    std::vector<std::shared_ptr<web::response::Pending>> replies;
+    for (int i = 0; i < 100; ++i) {
+        replies.push_back(
+            Manager().Post(MakeRequest(Envelope("<tev:PullMessages><tev:Timeout>PT1H</tev:Timeout><tev:MessageLimit>1</"
+                                                "tev:MessageLimit></tev:PullMessages>"),
+                                       {.path = Subscribe()})));
+    }
+    std::this_thread::sleep_for(100ms); // most wait by now; those that do not must not begin to
+    auto const begin = Clock::now();
+    ReplaceManager();
+    EXPECT_LT(Clock::now() - begin, 2s);
+    for (auto& reply : replies) EXPECT_EQ(WaitFor(*reply).GetStatus(), protocol::network::http::response::Status::Ok);
+}
+
+TEST_F(PullPoint, SurvivesEverythingAtOnce) {
+    std::vector<std::future<void>> clients;
+    for (int i = 0; i < 4; ++i) {
+        clients.push_back(std::async(std::launch::async, [this] {
+            for (int round = 0; round < 15; ++round) {
+                auto const path = Subscribe(Termination("PT0.01S"));
+                Renew(path, "PT0.02S");
+                Pull(path, 2, "PT0.02S");
+                Renew(path, "PT0.01S");
+                if (round % 2 == 0) Unsubscribe(path);
+            }
+        }));
+    }
+    for (auto const& client : clients) {
+        while (client.wait_for(0s) != std::future_status::ready) Publish(MakeFieldEvent());
+    }
+}
+
+TEST_F(PullPoint, AcceptsSynchronizationAndTellsItsCapabilitiesToEverybody) {
+    EXPECT_EQ(AskAnonymously("<tev:SetSynchronizationPoint/>").Message(), "<tev:SetSynchronizationPointResponse/>");
+    EXPECT_TRUE(AskAnonymously("<tev:GetServiceCapabilities/>").Has("//tev:Capabilities[@WSPullPointSupport='true']"));
+}
+
+} // namespace
+} // namespace zarn::test

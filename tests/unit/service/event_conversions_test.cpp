@@ -1,0 +1,80 @@
+#include "service/onvif/events/create_base_event.h"
+#include "service/onvif/events/types.h"
+#include "service/onvif/soap_context.h"
+
+#include <zarn/meta/data/event.h>
+#include <zarn/meta/data/object.h>
+#include <zarn/meta/data/zone.h>
+
+#include <gmock/gmock.h>
+#include <soapH.h>
+
+#include <chrono>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace zarn::service::onvif::events {
+namespace {
+
+namespace data = meta::data;
+using testing::ElementsAre;
+
+class EventConversions : public testing::Test {
+protected:
+    /// The families that claim the event, out of those that it is offered to.
+    std::vector<std::string> GetClaims(std::shared_ptr<data::Event> const& event) {
+        std::vector<std::string> claims;
+        for (auto const& type : Types) {
+            if (type.convert(context.get(), messages, event)) claims.emplace_back(type.name);
+        }
+        return claims;
+    }
+
+    static std::shared_ptr<data::Event> Make(std::string const& type) {
+        return std::make_shared<data::Event>(type, "rule", std::chrono::system_clock::time_point());
+    }
+
+    std::shared_ptr<struct soap> const context = MakeSoapContext();
+    std::vector<wsnt__NotificationMessageHolderType*> messages;
+};
+
+TEST_F(EventConversions, AreOfferedInTheOrderOfTheFamilies) {
+    std::vector<std::string> names;
+    for (auto const& type : Types) names.emplace_back(type.name);
+    EXPECT_THAT(names, ElementsAre("FieldDetector", "LineDetector", "LoiteringDetector", "CountAggregation"));
+}
+
+TEST_F(EventConversions, ClaimWhatTheyMakeAMessageOf) {
+    auto const field = Make("presence");
+    field->Emplace<data::Zone>(data::Zone::Field);
+    EXPECT_THAT(GetClaims(field), ElementsAre("FieldDetector"));
+    auto const line = Make("presence");
+    line->Emplace<data::Zone>(data::Zone::Line);
+    EXPECT_THAT(GetClaims(line), ElementsAre("LineDetector"));
+    EXPECT_THAT(GetClaims(Make("count")), ElementsAre("CountAggregation"));
+    EXPECT_EQ(messages.size(), 3U);
+}
+
+TEST_F(EventConversions, DoNotClaimLoiteringAlthoughTheyMakeAMessageOfIt) {
+    EXPECT_THAT(GetClaims(Make("dwell")), ElementsAre());
+    EXPECT_EQ(messages.size(), 1U);
+}
+
+TEST_F(EventConversions, LeaveOtherEventsAlone) {
+    EXPECT_THAT(GetClaims(Make("presence")), ElementsAre());
+    EXPECT_THAT(GetClaims(Make("unknown")), ElementsAre());
+    EXPECT_EQ(messages.size(), 0U);
+}
+
+TEST(ObjectCompare, OrdersByIdAlone) {
+    data::Object const first(2);
+    data::Object const second(2);
+    data::Object const third(3);
+    EXPECT_FALSE(ObjectCompare()(&first, &second));
+    EXPECT_TRUE(ObjectCompare()(&first, &third));
+    EXPECT_FALSE(ObjectCompare()(&third, &first));
+}
+
+} // namespace
+} // namespace zarn::service::onvif::events
