@@ -107,7 +107,7 @@ void Channel::Run(std::stop_token const& stop, Source const& source) {
         auto outcome = RunOnce(stop, source, options);
         if (stop.stop_requested() || !outcome.failure) continue;
         stream->Interrupt();
-        SetState(ChannelState::Failed, *std::move(outcome.failure));
+        SetState(ChannelState::Failed, *outcome.failure);
         auto const lasted = outcome.firstPicture ? Clock::now() - *outcome.firstPicture : Clock::duration{0};
         WaitUntil(stop, Clock::now() + backOff.Fail(lasted));
         // A server that refuses one transport may offer the other.
@@ -182,7 +182,7 @@ void Channel::WaitUntil(std::stop_token const& stop, Clock::time_point time) {
     wake.wait_until(lock, stop, time, [] { return false; });
 }
 
-void Channel::SetState(ChannelState next, Failure why) {
+void Channel::SetState(ChannelState next, Failure const& why) {
     {
         std::scoped_lock const lock(mutex);
         if (state == next && detail == why.summary) return;

@@ -72,7 +72,7 @@ private:
     void Take(std::stop_token const& stop, Producer::Picture picture, bool isPaced);
     void Follow(GstCaps* caps);
     void WaitUntil(std::stop_token const& stop, std::chrono::steady_clock::time_point time);
-    void SetState(ChannelState next, Failure why);
+    void SetState(ChannelState next, Failure const& why);
     void Report(ChannelState next, std::string why);
 
     ChannelSettings const settings;

@@ -233,7 +233,7 @@ void Server::Impl::Stop(std::chrono::milliseconds grace) {
     threads.clear();
 }
 
-Server::Server(asio::io_context& io, Listener listener, Router router, Options options)
+Server::Server(asio::io_context& io, Listener listener, Router router, Options const& options)
     : impl(std::make_unique<Impl>(io, std::move(listener), std::move(router), options)) {
     impl->StartThreads(std::max(options.threads, 1U));
 }

@@ -39,7 +39,7 @@ public:
     /// io  run by the server's threads and by nobody else; must outlive the server, and whatever a service still does
     /// with
     ///     a response that it has not completed
-    Server(boost::asio::io_context& io, Listener listener, Router router, Options options);
+    Server(boost::asio::io_context& io, Listener listener, Router router, Options const& options);
 
     /// Stop().
     ~Server();
