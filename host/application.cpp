@@ -1,5 +1,7 @@
 #include "host/application.h"
 
+#include "host/events/events_route.h"
+#include "host/events/mqtt_configuration.h"
 #include "host/settings.h"
 #include "host/signals.h"
 #include "host/status.h"
@@ -11,6 +13,7 @@
 #include <zarn/configuration/layer.h>
 #include <zarn/configuration/node/primitive.h>
 #include <zarn/network/local.h>
+#include <zarn/onvif/events/handler.h>
 
 #include <boost/asio/post.hpp>
 
@@ -65,6 +68,7 @@ Application::Application(Preparation prepared)
         ReadIdentity(root));
     manager->UpdateServerPort(listener.GetPort());
     manager->UpdateSSLState(preparation.tls != nullptr);
+    mqtt = std::make_unique<events::MqttClient>(zarn::onvif::events::Publish);
     onvif = std::make_shared<web::OnvifRoute>(*manager, authentication);
 
     server = std::make_unique<web::Server>(webContext, std::move(listener), web::Router(MakeRoutes()),
@@ -73,6 +77,7 @@ Application::Application(Preparation prepared)
                                                                 .threads = CountWebThreads(),
                                                                 .admission = admission,
                                                                 .failedLogins = failedLogins});
+    ApplyMqtt();
     changes = root.Bind([this](auto const&) { ScheduleApply(); });
     AwaitSignal();
 }
@@ -93,10 +98,12 @@ void Application::Stop() {
     if (!server) return;
     changes.Reset();
     server->StopAccepting();
+    mqtt->RequestStop();
     onvif->Stop();
     manager.reset();
     server->Stop();
     engine->Stop();
+    mqtt->Stop();
     server.reset();
 }
 
@@ -112,11 +119,13 @@ std::vector<web::Route> Application::MakeRoutes() {
     auto const describe = [this] {
         auto const uptime =
             std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - started);
-        return MakeStatus(*preparation.configuration, *engine, *admission, preparation.tls != nullptr, uptime);
+        return MakeStatus(*preparation.configuration, *engine, *admission, mqtt->GetStatus(),
+                          preparation.tls != nullptr, uptime);
     };
     return {
         {"/onvif/", onvif},
         {"/snapshot/*/latest.jpeg", std::make_shared<web::SnapshotRoute>(authentication, snapshot)},
+        {"/api/events", std::make_shared<events::EventsRoute>(authentication, zarn::onvif::events::Publish)},
         {"/api/health", std::make_shared<web::HealthRoute>(describe)},
     };
 }
@@ -180,10 +189,19 @@ void Application::Apply() {
         server->SetLimits(ReadLimits(root));
         engine->SetLimits(ReadRtspLimits(root));
         engine->SetChannels(ReadChannels(root));
+        ApplyMqtt();
         ReportLater();
         preparation.file->SaveChanges();
     } catch (std::exception const& error) {
         logger.Log(Level::Error, "A change of the configuration could not be applied or saved: %0%", error.what());
+    }
+}
+
+void Application::ApplyMqtt() {
+    try {
+        mqtt->Configure(events::ReadMqttSettings(*preparation.configuration));
+    } catch (std::exception const& error) {
+        logger.Log(Level::Error, "The intake of events over MQTT stays as it was: %0%", error.what());
     }
 }
 

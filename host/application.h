@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/events/mqtt_client.h"
 #include "host/failed_logins.h"
 #include "host/preparation.h"
 #include "host/video/engine.h"
@@ -56,6 +57,7 @@ private:
     void ReloadTls();
     void ScheduleApply();
     void Apply();
+    void ApplyMqtt();
     void ReportLater();
 
     logging::Logger logger{"zarn.host"};
@@ -68,6 +70,7 @@ private:
     std::shared_ptr<FailedLogins> failedLogins = std::make_shared<FailedLogins>();
     std::unique_ptr<video::Engine> engine;
     std::unique_ptr<service::onvif::Manager> manager;
+    std::unique_ptr<events::MqttClient> mqtt;
     std::shared_ptr<web::OnvifRoute> onvif;
     std::shared_ptr<web::Admission> admission = std::make_shared<web::Admission>();
     std::unique_ptr<web::Server> server;

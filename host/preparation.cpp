@@ -1,5 +1,6 @@
 #include "host/preparation.h"
 
+#include "host/events/mqtt_configuration.h"
 #include "host/web/tls.h"
 
 #include <zarn/configuration/error.h>
@@ -37,6 +38,14 @@ std::shared_ptr<boost::asio::ssl::context> ReadTls(Preparation const& preparatio
     }
 }
 
+void CheckMqtt(Preparation const& preparation) {
+    try {
+        events::ReadMqttSettings(*preparation.configuration);
+    } catch (configuration::Error const& error) {
+        throw std::runtime_error(preparation.file->GetPath() + ": " + error.what());
+    }
+}
+
 } // namespace
 
 Preparation Prepare(CommandLine const& commandLine) {
@@ -48,6 +57,7 @@ Preparation Prepare(CommandLine const& commandLine) {
     ReadConfiguration(*preparation.file, commandLine.check);
     ApplyOverrides(*preparation.configuration, commandLine);
     preparation.tls = ReadTls(preparation);
+    CheckMqtt(preparation);
     if (!commandLine.check) {
         preparation.credentials = LoadCredentials(preparation.file->GetPath() + ".credentials", commandLine.password);
     }

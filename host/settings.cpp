@@ -1,5 +1,6 @@
 #include "host/settings.h"
 
+#include "host/events/mqtt_configuration.h"
 #include "host/failed_logins.h"
 #include "host/video/check_source.h"
 #include "host/video/frame_rate.h"
@@ -145,6 +146,7 @@ T Read(Map const& map, std::string_view path) {
 void DescribeSettings(configuration::node::Root& root) {
     root.Schema(IdentitySchemas());
     root.Schema(SettingsSchemas());
+    root.Schema(events::MakeMqttSchemas());
     root.Schema({ChannelsSchema()});
 }
 

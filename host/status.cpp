@@ -30,13 +30,15 @@ json::object MakeChannel(video::ChannelStatus const& channel) {
 } // namespace
 
 json::value MakeStatus(configuration::node::Root const& configuration, video::Engine const& engine,
-                       web::Admission const& admission, bool tls, std::chrono::seconds uptime) {
+                       web::Admission const& admission, events::MqttStatus const& mqtt, bool tls,
+                       std::chrono::seconds uptime) {
     auto const channels = engine.GetStatus();
     json::array list;
     for (auto const& channel : channels) list.push_back(MakeChannel(channel));
     bool const failed = std::any_of(channels.begin(), channels.end(),
                                     [](auto const& channel) { return channel.state == video::ChannelState::Failed; });
-    return json::object{{"status", failed ? "degraded" : "ok"},
+    bool const degraded = failed || mqtt.state == events::MqttState::Waiting;
+    return json::object{{"status", degraded ? "degraded" : "ok"},
                         {"version", ZARN_VERSION},
                         {"uptime_seconds", uptime.count()},
                         {"module", {{"onvif", "serving"}, {"enabled", ReadBool(configuration, OnvifPath)}}},
@@ -47,6 +49,7 @@ json::value MakeStatus(configuration::node::Root const& configuration, video::En
                             {"connections", admission.GetConnections()},
                             {"exchanges", admission.GetExchanges()}}},
                           {"rtsp", {{"port", engine.GetPort()}}}}},
+                        {"events", {{"mqtt", events::ToJson(mqtt)}}},
                         {"channels", std::move(list)}};
 }
 

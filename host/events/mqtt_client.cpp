@@ -72,12 +72,16 @@ void MqttClient::Configure(MqttSettings const& settings) {
     wake.Set();
 }
 
-void MqttClient::Stop() {
+void MqttClient::RequestStop() {
     {
         std::lock_guard const lock(mutex);
         stopping = true;
     }
     wake.Set();
+}
+
+void MqttClient::Stop() {
+    RequestStop();
     if (thread.joinable()) thread.join();
 }
 
@@ -126,7 +130,7 @@ Clock::duration MqttClient::RunSession(MqttSettings const& settings, MqttSession
     }
     while (session.IsReady() && IsCurrent(settings)) Serve(session);
     if (session.HasEnded()) {
-        Report(settings, session.GetReason());
+        Report(settings, session.GetDetailedReason());
         SetState(MqttState::Waiting, session.GetReason());
     } else if (IsAnotherTopic(settings)) {
         session.Unsubscribe();

@@ -38,6 +38,9 @@ public:
     /// Throws std::system_error when the thread cannot be started. Thread: one with Stop.
     void Configure(MqttSettings const& settings);
 
+    /// Lets the thread end without waiting for it: at most the message that it is at goes to the sink yet. Thread: any.
+    void RequestStop();
+
     /// Ends the connection and the thread; the sink is not called any more. A broker cannot hold it up; while a name is
     /// being resolved it takes until the system's resolver gives up, which in this thread asks each server once, for a
     /// second. Stopping twice is harmless. Thread: one with Configure.

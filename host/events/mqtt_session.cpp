@@ -4,12 +4,14 @@
 
 #include <mosquitto.h>
 #include <poll.h>
+#include <sys/socket.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstddef>
 #include <new>
+#include <system_error>
 #include <utility>
 
 namespace zarn::host::events {
@@ -21,6 +23,12 @@ constexpr int RefusedSubscription = 0x80;
 constexpr int IdleMilliseconds = 1000;
 constexpr std::size_t LongestReason = 300;
 constexpr std::chrono::seconds TimeToConnect{10};
+
+int TakeSocketError(int socket) {
+    int error = 0;
+    socklen_t size = sizeof(error);
+    return getsockopt(socket, SOL_SOCKET, SO_ERROR, &error, &size) == 0 ? error : errno;
+}
 
 MqttSession& ToSession(void* session) { return *static_cast<MqttSession*>(session); }
 
@@ -67,8 +75,9 @@ void MqttSession::Connect(MqttSettings const& settings, Family family) {
         Check(mosquitto_username_pw_set(library, settings.user.c_str(), settings.password.c_str()), "user");
     if (broker->tls && settings.caFile.empty())
         Check(mosquitto_int_option(library, MOSQ_OPT_TLS_USE_OS_CERTS, 1), "certificates of the system");
-    if (broker->tls && !settings.caFile.empty())
-        Check(mosquitto_tls_set(library, settings.caFile.c_str(), nullptr, nullptr, nullptr, nullptr), "ca_file");
+    if (broker->tls && !settings.caFile.empty() &&
+        mosquitto_tls_set(library, settings.caFile.c_str(), nullptr, nullptr, nullptr, nullptr) != MOSQ_ERR_SUCCESS)
+        End("ca_file: it cannot be read");
     Check(mosquitto_int_option(library, MOSQ_OPT_TCP_NODELAY, 1), "TCP_NODELAY");
     if (HasEnded()) return;
     // A local address of one family leaves only the broker's addresses of that family.
@@ -86,8 +95,13 @@ bool MqttSession::Serve(int wake) {
     descriptors[1] = {mosquitto_socket(library), POLLIN, 0};
     if (mosquitto_want_write(library)) descriptors[1].events |= POLLOUT;
     if (poll(descriptors.data(), descriptors.size(), IdleMilliseconds) > 0 && descriptors[1].revents != 0) {
+        // The library does not notice when the connection for a TLS handshake fails, and would be called for ever.
+        bool const broken = (descriptors[1].revents & (POLLERR | POLLHUP)) != 0;
+        if (int const error = broken ? TakeSocketError(descriptors[1].fd) : 0; error != 0)
+            End("connection: " + std::system_category().message(error));
         // Writing and reading, whichever of them became possible: a TLS handshake goes on in the reading function.
-        Check(mosquitto_loop_read(library, 1), "connection");
+        if (!HasEnded()) Check(mosquitto_loop_read(library, 1), "connection");
+        if (broken && !HasEnded()) End(ready ? "connection: lost" : "connection: the broker cannot be reached");
         if (!HasEnded() && mosquitto_want_write(library)) Check(mosquitto_loop_write(library, 1), "connection");
     }
     if (!HasEnded()) Check(mosquitto_loop_misc(library), "connection");
@@ -102,13 +116,15 @@ void MqttSession::Unsubscribe() {
 
 void MqttSession::Check(int result, std::string_view what) {
     if (result == MOSQ_ERR_SUCCESS || HasEnded()) return;
-    std::string why = std::string(what) + ": " + mosquitto_strerror(result);
-    if (!problem.empty()) why += " (" + problem + ')';
-    End(std::move(why));
+    End(std::string(what) + ": " + mosquitto_strerror(result));
 }
 
-void MqttSession::End(std::string why) {
+void MqttSession::End(std::string_view why) {
     if (!HasEnded()) reason = logging::ToLine(why, LongestReason);
+}
+
+std::string MqttSession::GetDetailedReason() const {
+    return problem.empty() ? reason : reason + " (" + logging::ToLine(problem, LongestReason) + ')';
 }
 
 void MqttSession::Connected(int refusal) {

@@ -51,8 +51,11 @@ public:
 
     bool HasEnded() const { return !reason.empty(); }
 
-    /// Why the session has ended; one line without secrets.
+    /// Why the session has ended: one line that anybody may read.
     std::string const& GetReason() const { return reason; }
+
+    /// The same with what the library says, which may name files: one line for the log.
+    std::string GetDetailedReason() const;
 
     /// Tells the broker not to keep messages of this topic for the session any longer.
     void Unsubscribe();
@@ -64,7 +67,7 @@ private:
 
     void Connect(MqttSettings const& settings, Family family);
     void Check(int result, std::string_view what);
-    void End(std::string why);
+    void End(std::string_view why);
 
     void Connected(int refusal);
     void Subscribed(int granted);

@@ -1,4 +1,4 @@
-#include "broker.h"
+#include "host/broker.h"
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
@@ -11,24 +11,26 @@
 #include <thread>
 #include <utility>
 
-namespace zarn::host::events {
+namespace zarn::tests::host {
 namespace {
 
 using namespace std::chrono_literals;
 using boost::asio::ip::tcp;
 
-tcp::endpoint OnThisMachine(std::uint16_t port) { return {boost::asio::ip::address_v4::loopback(), port}; }
-
-std::uint16_t FindFreePort() {
-    boost::asio::io_context context;
-    return tcp::acceptor(context, OnThisMachine(0)).local_endpoint().port();
+tcp::endpoint MakeEndpoint(std::string const& address, std::uint16_t port) {
+    return {boost::asio::ip::make_address(address), port};
 }
 
-bool IsListening(std::uint16_t port) {
+std::uint16_t FindFreePort(std::string const& address) {
+    boost::asio::io_context context;
+    return tcp::acceptor(context, MakeEndpoint(address, 0)).local_endpoint().port();
+}
+
+bool IsListening(std::string const& address, std::uint16_t port) {
     boost::asio::io_context context;
     tcp::socket socket(context);
     boost::system::error_code error;
-    socket.connect(OnThisMachine(port), error);
+    socket.connect(MakeEndpoint(address, port), error);
     return !error;
 }
 
@@ -40,10 +42,11 @@ std::string FindProgram() {
 
 } // namespace
 
-Broker::Broker(std::string lines)
-    : folder(std::make_unique<zarn::tests::host::TemporaryFolder>()),
+Broker::Broker(std::string lines, std::string listened)
+    : folder(std::make_unique<TemporaryFolder>()),
       configuration(std::move(lines)),
-      port(FindFreePort()) {
+      address(std::move(listened)),
+      port(FindFreePort(address)) {
     Start();
 }
 
@@ -55,12 +58,12 @@ void Broker::Stop() {
 void Broker::Start() {
     // As root it would otherwise take on an account that may not write into the folder.
     auto const file =
-        folder->Write("mosquitto.conf", "listener " + std::to_string(port) + " 127.0.0.1\nuser root\n" +
+        folder->Write("mosquitto.conf", "listener " + std::to_string(port) + " " + address + "\nuser root\n" +
                                             "persistence true\npersistence_location " + folder->GetPath().string() +
                                             "/\nmax_queued_messages 0\n" + configuration);
-    process = std::make_unique<zarn::tests::host::Process>(std::vector<std::string>{FindProgram(), "-c", file});
+    process = std::make_unique<Process>(std::vector<std::string>{FindProgram(), "-c", file});
     auto const deadline = std::chrono::steady_clock::now() + 20s;
-    while (!IsListening(port)) {
+    while (!IsListening(address, port)) {
         if (std::chrono::steady_clock::now() > deadline || process->Wait(0ms))
             throw std::runtime_error("the broker does not start: " + process->GetLog());
         std::this_thread::sleep_for(5ms);
@@ -80,7 +83,7 @@ void Broker::Publish(std::string const& topic, std::string const& payload, std::
                                      "-f",
                                      folder->Write("payload", payload)};
     command.insert(command.end(), arguments.begin(), arguments.end());
-    zarn::tests::host::Process publisher(command);
+    Process publisher(command);
     if (publisher.Wait(20s) != 0) throw std::runtime_error("mosquitto_pub: " + publisher.GetLog());
 }
 
@@ -90,7 +93,7 @@ void Broker::PublishNumbered(std::string const& topic, int count) const {
     int acknowledged = 0;
     mosquitto_user_data_set(client, &acknowledged);
     mosquitto_publish_callback_set(client, [](auto*, void* number, int) { ++*static_cast<int*>(number); });
-    int result = mosquitto_connect(client, "127.0.0.1", port, 60);
+    int result = mosquitto_connect(client, address.c_str(), port, 60);
     for (int i = 0; i < count && result == MOSQ_ERR_SUCCESS; ++i) {
         auto const payload = R"({"type": ")" + std::to_string(i) + "\"}";
         result = mosquitto_publish(client, nullptr, topic.c_str(), static_cast<int>(payload.size()), payload.data(), 1,
@@ -102,4 +105,4 @@ void Broker::PublishNumbered(std::string const& topic, int count) const {
     if (result != MOSQ_ERR_SUCCESS) throw std::runtime_error(mosquitto_strerror(result));
 }
 
-} // namespace zarn::host::events
+} // namespace zarn::tests::host

@@ -8,14 +8,15 @@
 #include <string>
 #include <vector>
 
-namespace zarn::host::events {
+namespace zarn::tests::host {
 
-/// A mosquitto broker on a free port of 127.0.0.1, which keeps its sessions in a folder of the test.
+/// A mosquitto broker on a free port of an address of this machine, which keeps its sessions in a folder of the test.
 class Broker {
 public:
-    /// lines  of its configuration, behind the listener's
+    /// lines    of its configuration, behind the listener's
+    /// address  one of the loopback's, an IPv4 address
     /// Throws std::runtime_error when it does not start.
-    explicit Broker(std::string lines = "allow_anonymous true\n");
+    explicit Broker(std::string lines = "allow_anonymous true\n", std::string address = "127.0.0.1");
 
     /// Ends the broker as a system does that shuts down; what it keeps for sessions is on the disk then.
     void Stop();
@@ -25,7 +26,7 @@ public:
 
     std::uint16_t GetPort() const { return port; }
 
-    std::string GetUrl() const { return "mqtt://127.0.0.1:" + std::to_string(port); }
+    std::string GetUrl() const { return "mqtt://" + address + ':' + std::to_string(port); }
 
     /// Publishes with QoS 1, in order, and returns when the broker has them all.
     /// arguments  further ones for mosquitto_pub
@@ -34,13 +35,14 @@ public:
     /// Publishes events of the types "0" to "count - 1", one message each, in order.
     void PublishNumbered(std::string const& topic, int count) const;
 
-    zarn::tests::host::TemporaryFolder const& GetFolder() const { return *folder; }
+    TemporaryFolder const& GetFolder() const { return *folder; }
 
 private:
-    std::unique_ptr<zarn::tests::host::TemporaryFolder> folder;
+    std::unique_ptr<TemporaryFolder> folder;
     std::string configuration;
+    std::string address;
     std::uint16_t port;
-    std::unique_ptr<zarn::tests::host::Process> process;
+    std::unique_ptr<Process> process;
 };
 
-} // namespace zarn::host::events
+} // namespace zarn::tests::host
