@@ -74,7 +74,7 @@ TEST_F(Concurrency, ReadsWholeStatesWhileEverythingChanges) {
         Channels().Add("new");
     };
     auto const bind = [&](int) {
-        int calls = 0;
+        std::atomic<int> calls = 0;
         auto const port =
             At<UInt16>("settings.port").Bind([&](auto const&) { ++calls; }, node::binding::Option::DeliverCurrent);
         EXPECT_GE(calls, 1);
