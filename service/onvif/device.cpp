@@ -179,10 +179,11 @@ int DeviceService::GetScopes(_tds__GetScopes*, _tds__GetScopesResponse& response
         {"name/", nameConfig.GetProductName()},
     };
     for (auto const& [category, value] : scopes) {
+        auto item = std::string(prefix) + category;
+        item += value;
         Append(response.Scopes, Filled(soap_new_tt__Scope(soap), [&](tt__Scope& scope) {
                    scope.ScopeDef = tt__ScopeDefinition__Fixed;
-                   scope.ScopeItem = std::string(prefix) + category;
-                   scope.ScopeItem += value;
+                   scope.ScopeItem = item;
                }));
     }
     return SOAP_OK;

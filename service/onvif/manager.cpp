@@ -83,8 +83,8 @@ public:
         else
             Dispatch(soap, device, events, media, media2, analytics);
 
-        auto buffer = std::make_shared<container::Buffer>(std::move(output).str());
-        return std::make_shared<http::Response>(http::Response::Parse(std::move(buffer)));
+        auto const buffer = std::make_shared<container::Buffer>(std::move(output).str());
+        return std::make_shared<http::Response>(http::Response::Parse(buffer));
     }
 
     asio::GlobalContext context; // so that its thread does not come and go with every request
