@@ -155,7 +155,8 @@ protected:
     /// The names of the configurations of the first profile.
     std::vector<std::string> Kinds(std::vector<std::string> const& types) {
         std::vector<std::string> names;
-        for (auto const& node : AskForTypes(types).Select("//tr2:Profiles[1]/tr2:Configurations/*"))
+        auto const reply = AskForTypes(types);
+        for (auto const& node : reply.Select("//tr2:Profiles[1]/tr2:Configurations/*"))
             names.emplace_back(node.node().name());
         return names;
     }
