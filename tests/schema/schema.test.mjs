@@ -76,6 +76,8 @@ const responses = [
     [`<tr2:GetSnapshotUri>${token('tr2')}</tr2:GetSnapshotUri>`, []],
     ['<tev:GetServiceCapabilities/>', []],
     ['<tev:SetSynchronizationPoint/>', []],
+    ['<tev:GetEventProperties/>', []],
+    ['<tev:CreatePullPointSubscription/>', []],
     ['<tan:GetServiceCapabilities/>', []],
     ['<tan:GetSupportedAnalyticsModules/>', [noParameters('tt:AnalyticsModuleDescription')]],
     ['<tan:GetAnalyticsModules/>', [noParameters('tan:AnalyticsModule')]],

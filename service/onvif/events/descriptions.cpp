@@ -50,8 +50,8 @@ tt__MessageDescription* CreateBaseEventDescription(soap* soap, soap_dom_element&
     auto* const description = Filled(soap_new_tt__MessageDescription(soap), [&](tt__MessageDescription& made) {
         made.IsProperty = &TrueValue;
         made.Source = MakeItems(soap, {{"VideoSourceConfigurationToken", "tt:ReferenceToken"},
-                                              {"VideoAnalyticsConfigurationToken", "tt:ReferenceToken"},
-                                              {"Rule", "xsd:string"}});
+                                       {"VideoAnalyticsConfigurationToken", "tt:ReferenceToken"},
+                                       {"Rule", "xsd:string"}});
         made.Data = MakeItems(soap, {{"ObjectId", "xsd:integer"}});
     });
     soap_elt_node(soap_elt(&leaf, nullptr, "tt:MessageDescription"), description, SOAP_TYPE_tt__MessageDescription);
