@@ -69,21 +69,20 @@ public:
           acceptTimer(acceptor.get_executor()),
           sweeper(acceptor.get_executor(), SweepInterval, "The deadlines of the connections were not looked at",
                   [this] { Sweep(); }),
-          work(io.get_executor()) {
-        asio::post(acceptor.get_executor(), [this] {
-            Accept();
-            sweeper.Start();
-        });
-    }
+          work(io.get_executor()) {}
 
     ~Impl() { Stop(0ms); }
 
     Impl(Impl const&) = delete;
     Impl& operator=(Impl const&) = delete;
 
-    /// To be called once. Throws std::runtime_error when a thread cannot be started.
+    /// Begins to serve; to be called once. Throws std::runtime_error when a thread cannot be started.
     void StartThreads(unsigned count) try {
         for (unsigned i = 0; i < count; ++i) threads.emplace_back([this] { Run(); });
+        asio::post(acceptor.get_executor(), [this] {
+            Accept();
+            sweeper.Start();
+        });
 
     } catch (std::system_error const& error) {
 

@@ -65,9 +65,6 @@ constexpr std::array Operations{
     Operation{"<tr2:GetStreamUri><tr2:ProfileToken>channels.2</tr2:ProfileToken></tr2:GetStreamUri>", 200},
     Operation{"<tev:GetServiceCapabilities/>", 200},
     Operation{"<tev:GetEventProperties/>", 200},
-    Operation{"<tev:CreatePullPointSubscription><tev:InitialTerminationTime>PT1S</tev:InitialTerminationTime>"
-              "</tev:CreatePullPointSubscription>",
-              200},
     Operation{"<tan:GetServiceCapabilities/>", 200},
     Operation{"<tan:GetAnalyticsModules/>", 200},
 };

@@ -59,18 +59,20 @@ TEST_F(ServerStop, IsHarmlessWhenItIsDoneTwice) {
     EXPECT_NO_THROW(server->StopAccepting());
 }
 
-TEST_F(ServerStop, LeavesNothingBehindWhenItCannotStartAllOfItsThreads) {
-    for (int const successes : {0, 1}) {
-        tests::ThreadFailure const failure(successes);
-        try {
-            Start();
-            FAIL() << "the server runs";
-        } catch (std::runtime_error const& error) {
-            EXPECT_THAT(error.what(), testing::HasSubstr("a thread of the web server cannot be started"));
-        }
+class ServerStopWithoutThreads : public ServerStop, public testing::WithParamInterface<int> {};
+
+TEST_P(ServerStopWithoutThreads, LeavesNothingBehind) {
+    tests::ThreadFailure const failure(GetParam());
+    try {
+        Start();
+        FAIL() << "the server runs";
+    } catch (std::runtime_error const& error) {
+        EXPECT_THAT(error.what(), testing::HasSubstr("a thread of the web server cannot be started"));
     }
     EXPECT_THROW(Connect(), std::exception);
 }
+
+INSTANTIATE_TEST_SUITE_P(AfterThreads, ServerStopWithoutThreads, testing::Values(0, 1));
 
 TEST_F(ServerStop, LetsGoOfAConnectionWhoseResponseNeverCame) {
     Start();
