@@ -402,6 +402,11 @@ private:
 };
 
 TEST(MqttClient, StopsAtOnceWhateverTheBrokerDoes) {
+#ifdef ZARN_SANITIZED // reading the system's certificates takes longer, and cannot be broken off
+    constexpr auto limit = 10s;
+#else
+    constexpr auto limit = 1s;
+#endif
     SilentServer const silent;
     Broker const broker;
     for (auto const& url : {broker.GetUrl(), "mqtt://" + silent.GetAddress(), "mqtts://" + silent.GetAddress(),
@@ -410,7 +415,7 @@ TEST(MqttClient, StopsAtOnceWhateverTheBrokerDoes) {
         EXPECT_TRUE(Await([&] { return intake.client.GetStatus().state != MqttState::Off; }));
         auto const begin = std::chrono::steady_clock::now();
         intake.client.Stop();
-        EXPECT_LT(std::chrono::steady_clock::now() - begin, 1s) << url;
+        EXPECT_LT(std::chrono::steady_clock::now() - begin, limit) << url;
         intake.client.Stop();
     }
 }
