@@ -110,7 +110,7 @@ std::vector<StillService::Slot::Waiter> StillService::TakeExpired(Clock::time_po
     for (auto const& slot : active) {
         auto const late =
             std::ranges::stable_partition(slot->waiters, [now](auto const& waiter) { return waiter.deadline > now; });
-        std::ranges::move(late, std::back_inserter(expired));
+        std::move(late.begin(), late.end(), std::back_inserter(expired));
         slot->waiters.erase(late.begin(), late.end());
     }
     waiting -= expired.size();
