@@ -308,6 +308,9 @@ TEST(MqttClient, FollowsAChangeOfTheTopic) {
         broker.Publish("site/1/events", R"({"type": "new"})");
         return !intake.GetTaken().empty();
     }));
+    // Whatever came between the change and its taking effect is taken before this one is.
+    broker.Publish("site/1/events", R"({"type": "settled"})");
+    ASSERT_TRUE(Await([&] { return intake.GetTaken().back() == "settled"; }));
     auto const before = intake.client.GetStatus().received;
     broker.Publish("events", R"({"type": "old"})");
     broker.Publish("site/1/events", R"({"type": "last"})");
