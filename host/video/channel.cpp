@@ -182,14 +182,13 @@ void Channel::WaitUntil(std::stop_token const& stop, Clock::time_point time) {
     wake.wait_until(lock, stop, time, [] { return false; });
 }
 
+/// Thread: the channel's own, the only one that writes the state.
 void Channel::SetState(ChannelState next, Failure const& why) {
-    {
-        std::scoped_lock const lock(mutex);
-        if (state == next && detail == why.summary) return;
-        state = next;
-        detail = why.summary;
-    }
-    Report(next, why.GetText());
+    if (state == next && detail == why.summary) return;
+    Report(next, why.GetText()); // first, so that whoever sees the state finds its line in the log
+    std::scoped_lock const lock(mutex);
+    state = next;
+    detail = why.summary;
 }
 
 void Channel::Report(ChannelState next, std::string why) {
