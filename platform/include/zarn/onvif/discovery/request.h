@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+namespace zarn::onvif::discovery {
+
+/// A datagram that came to the discovery port, read as a WS-Discovery message. What matters of it is whether it is a
+/// Probe for a device such as this one.
+///
+/// Understood are SOAP 1.2 envelopes with WS-Discovery of 2005/04 and WS-Addressing headers of 2004/08 or 2005/08. A
+/// message asks for this device when its body is a Probe, its Action, if any, says so too, and
+/// - its Types are absent, empty, or name at least one of `tds:Device` and `dn:NetworkVideoTransmitter`;
+/// - each of its Scopes is absent, or one that this kind of device can have (see MayMatchScopes). The identity is not
+///   known here: a scope below `hardware`, `manufacturer`, `location` or `name` is taken to match whatever it says, and
+///   the client sees by the scopes of the answer whether it does.
+///
+/// Immutable. Thread: any. Source: WS-Discovery 2005/04, 5.2 Probe; ONVIF Core Specification, 7.3 Device discovery.
+class Request {
+public:
+    /// The longest message in bytes.
+    static constexpr std::size_t MaximumSize = std::size_t{64} * 1024;
+    /// How deep elements may be nested.
+    static constexpr int MaximumDepth = 64;
+    /// The longest message id and the longest address in bytes.
+    static constexpr std::size_t MaximumTextLength = 1024;
+
+    /// Reads a message. Never throws because of its contents.
+    explicit Request(std::string const& text);
+
+    /// True for what is no SOAP 1.2 envelope: XML that is not well formed, another encoding than UTF-8 or bytes that are
+    /// none, a document type declaration, or a bound above exceeded. Message id and address are empty then.
+    bool IsParseError() const noexcept { return parseError; }
+
+    /// The MessageID of a Probe that asks for this device, which the answer relates to. Empty for a message that is not
+    /// to be answered: another kind of message, a Probe for other devices, or one without MessageID.
+    std::string const& GetMessageId() const noexcept { return messageId; }
+
+    /// The address of ReplyTo, which the answer carries in its header (it goes to where the datagram came from); the
+    /// anonymous role http://schemas.xmlsoap.org/ws/2004/08/addressing/role/anonymous when the message has none.
+    std::string const& GetAddress() const noexcept { return address; }
+
+private:
+    bool parseError = true;
+    std::string messageId;
+    std::string address;
+};
+
+} // namespace zarn::onvif::discovery
