@@ -107,8 +107,10 @@ service::onvif::Manager& DeviceFixture::Manager() {
     return *manager;
 }
 
+void DeviceFixture::EndManager() { manager.reset(); }
+
 void DeviceFixture::ReplaceManager() {
-    manager.reset();
+    EndManager();
     Manager();
 }
 

@@ -41,6 +41,9 @@ protected:
     /// Makes the device. Called by the first request; before it a test may change what the device is made of.
     service::onvif::Manager& Manager();
 
+    /// Lets the device's manager go. The next request makes another.
+    void EndManager();
+
     /// Lets the device's manager go and makes another.
     void ReplaceManager();
 

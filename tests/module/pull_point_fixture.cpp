@@ -28,12 +28,24 @@ Reply PullPointFixture::Renew(std::string const& path, std::string const& termin
 
 Reply PullPointFixture::Unsubscribe(std::string const& path) { return Ask("<wsnt:Unsubscribe/>", {.path = path}); }
 
+std::future<Reply> PullPointFixture::PullLater(std::string const& path, std::string const& timeout) {
+    return std::async(std::launch::async, [this, path, timeout] { return Pull(path, 100, timeout); });
+}
+
 std::vector<std::string> PullPointFixture::GetRules(Reply const& reply) {
     return reply.Texts("//tt:Message/tt:Source/tt:SimpleItem[@Name='Rule']/@Value");
 }
 
 std::vector<std::string> PullPointFixture::GetTopics(Reply const& reply) {
     return reply.Texts("//wsnt:NotificationMessage/wsnt:Topic");
+}
+
+std::string Termination(std::string const& text) {
+    return "<tev:InitialTerminationTime>" + text + "</tev:InitialTerminationTime>";
+}
+
+testing::Matcher<Reply const&> IsNotFound() {
+    return IsFault("Sender", "Subscription ID not found", {"ter:InvalidArgVal"});
 }
 
 std::shared_ptr<meta::data::Event> MakeEvent(std::string const& type, std::string const& name) {

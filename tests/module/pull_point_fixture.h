@@ -5,6 +5,7 @@
 #include <zarn/meta/data/event.h>
 
 #include <chrono>
+#include <future>
 #include <memory>
 #include <string>
 #include <vector>
@@ -25,12 +26,21 @@ protected:
 
     Reply Unsubscribe(std::string const& path);
 
+    /// Pulls in the background.
+    std::future<Reply> PullLater(std::string const& path, std::string const& timeout);
+
     /// The values of the source item "Rule" of all messages, which are the names of the events.
     static std::vector<std::string> GetRules(Reply const& reply);
 
     /// The topics of all messages.
     static std::vector<std::string> GetTopics(Reply const& reply);
 };
+
+/// When a subscription is to end, as content of the request that creates it.
+std::string Termination(std::string const& text);
+
+/// The answer to who uses a subscription that is not there, or no longer.
+testing::Matcher<Reply const&> IsNotFound();
 
 /// An event that started at 2026-01-31T12:00:00.25Z.
 std::shared_ptr<meta::data::Event> MakeEvent(std::string const& type, std::string const& name = "rule");

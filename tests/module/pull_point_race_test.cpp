@@ -1,0 +1,203 @@
+#include "pull_point_fixture.h"
+
+#include <zarn/asio/global_context.h>
+
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/post.hpp>
+#include <boost/asio/system_timer.hpp>
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cstdlib>
+#include <future>
+#include <latch>
+#include <set>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace zarn::test {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+using testing::SizeIs;
+
+/// Holds up the thread of the timers while it lives.
+class TimersThread {
+public:
+    TimersThread() {
+        boost::asio::post(context.Get(), [this] {
+            held.set_value();
+            noticing.get_future().wait();
+        });
+        held.get_future().wait();
+        // Due before any other, so that it is acted upon first.
+        first.expires_at({});
+        first.async_wait([this](boost::system::error_code) {
+            noticed.set_value();
+            goingOn.get_future().wait();
+        });
+    }
+
+    /// Lets the thread take notice of all timers that are due by now, and holds it up before it acts upon them.
+    void TakeNotice() {
+        noticing.set_value();
+        noticed.get_future().wait();
+    }
+
+    /// Lets it go on, and waits until it has acted upon what it took notice of.
+    void GoOn() {
+        goingOn.set_value();
+        std::promise<void> done;
+        boost::asio::post(context.Get(), [&done] { done.set_value(); });
+        done.get_future().wait();
+    }
+
+private:
+    asio::GlobalContext context;
+    boost::asio::system_timer first{context.Get()};
+    std::promise<void> held;
+    std::promise<void> noticing;
+    std::promise<void> noticed;
+    std::promise<void> goingOn;
+};
+
+class PullPointRace : public PullPointFixture {
+protected:
+    /// Runs something on several threads at once. Returns what they return.
+    template <class Function>
+    static auto RunAtOnce(int threads, Function function) {
+        std::latch begin(threads);
+        std::vector<std::future<decltype(function())>> running;
+        for (int i = 0; i < threads; ++i) {
+            running.push_back(std::async(std::launch::async, [&] {
+                begin.arrive_and_wait();
+                return function();
+            }));
+        }
+        std::vector<decltype(function())> results;
+        for (auto& each : running) results.push_back(each.get());
+        return results;
+    }
+};
+
+TEST_F(PullPointRace, OfTheFirstClientsGivesEachAnIdOfItsOwnAndEveryEventOnce) {
+    Manager(); // which nobody but this thread makes
+    std::set<std::string> paths;
+    for (auto const& some : RunAtOnce(8, [this] {
+             std::vector<std::string> made;
+             while (made.size() < 10) made.push_back(Subscribe());
+             return made;
+         })) {
+        paths.insert(some.begin(), some.end());
+    }
+    EXPECT_THAT(paths, SizeIs(80));
+    Publish(MakeFieldEvent("one"));
+    for (auto const& path : paths) EXPECT_THAT(GetRules(Pull(path)), ElementsAre("one")) << path;
+}
+
+TEST_F(PullPointRace, OfItsEndWithARenewalLetsTheRenewedLive) {
+    TimersThread thread;
+    auto const renewed = Subscribe(Termination("2001-01-01T00:00:00Z"));
+    auto const other = Subscribe(Termination("2001-01-01T00:00:00Z"));
+    thread.TakeNotice();
+    EXPECT_EQ(Renew(renewed, "PT1H").status, 200);
+    EXPECT_EQ(Pull(other).status, 200);
+    thread.GoOn();
+    EXPECT_EQ(Pull(renewed).status, 200);
+    EXPECT_THAT(Pull(other), IsNotFound());
+}
+
+TEST_F(PullPointRace, OfItsEndWithItsUnsubscriptionEndsItAlone) {
+    TimersThread thread;
+    auto const path = Subscribe(Termination("2001-01-01T00:00:00Z"));
+    auto const other = Subscribe();
+    thread.TakeNotice();
+    EXPECT_EQ(Unsubscribe(path).status, 200);
+    auto const next = Subscribe();
+    thread.GoOn();
+    EXPECT_THAT(Pull(path), IsNotFound());
+    EXPECT_EQ(Pull(other).status, 200);
+    EXPECT_EQ(Pull(next).status, 200);
+}
+
+TEST_F(PullPointRace, OfSeveralWhoPullGivesEachEventToOneOfThemInOrder) {
+    constexpr int Count = 400;
+    auto const path = Subscribe();
+    std::atomic<bool> published = false;
+    auto publisher = std::async(std::launch::async, [&] {
+        for (int i = 0; i < Count; ++i) Publish(MakeFieldEvent(std::to_string(i)));
+        published = true;
+    });
+    std::multiset<int> all;
+    for (auto const& some : RunAtOnce(4, [&] {
+             std::vector<int> numbers;
+             for (bool last = false, some = true; !last || some;) {
+                 last = published;
+                 auto const rules = GetRules(Pull(path, 3, "PT0.05S"));
+                 for (auto const& rule : rules) numbers.push_back(std::stoi(rule));
+                 some = !rules.empty();
+             }
+             return numbers;
+         })) {
+        EXPECT_TRUE(std::ranges::is_sorted(some));
+        all.insert(some.begin(), some.end());
+    }
+    std::multiset<int> expected;
+    for (int i = 0; i < Count; ++i) expected.insert(i);
+    EXPECT_EQ(all, expected);
+}
+
+TEST_F(PullPointRace, SurvivesEverythingAtOnce) {
+    Manager(); // which nobody but this thread makes
+    std::vector<std::future<void>> clients;
+    for (int i = 0; i < 4; ++i) {
+        clients.push_back(std::async(std::launch::async, [this] {
+            for (int round = 0; round < 15; ++round) {
+                auto const path = Subscribe(Termination("PT0.01S"));
+                Renew(path, "PT0.02S");
+                Pull(path, 2, "PT0.02S");
+                Renew(path, "PT0.01S");
+                if (round % 2 == 0) Unsubscribe(path);
+            }
+        }));
+    }
+    for (auto const& client : clients) {
+        while (client.wait_for(0s) != std::future_status::ready) Publish(MakeFieldEvent());
+    }
+}
+
+class PullPointDeathTest : public PullPointFixture {
+protected:
+    /// Ends the process while events come and subscriptions end, one every millisecond.
+    [[noreturn]] void ExitInTheMidst() {
+        static std::atomic<bool> ended = false;
+        static std::thread publisher;
+        // What is told first to be done at the end is done last: after the subscriptions have gone.
+        std::atexit([] {
+            ended = true;
+            publisher.join();
+        });
+        for (int i = 0; i < 200; ++i) Subscribe(Termination("PT0." + std::to_string(1000 + i).substr(1) + "S"));
+        EndManager();
+        std::latch begun(1);
+        publisher = std::thread([&begun] {
+            Publish(MakeFieldEvent());
+            begun.count_down();
+            while (!ended) Publish(MakeFieldEvent());
+        });
+        begun.wait();
+        std::exit(HasFailure() ? 1 : 0);
+    }
+};
+
+TEST_F(PullPointDeathTest, EndsWithItsProcess) {
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    for (int i = 0; i < 5; ++i) EXPECT_EXIT(ExitInTheMidst(), testing::ExitedWithCode(0), "");
+}
+
+} // namespace
+} // namespace zarn::test

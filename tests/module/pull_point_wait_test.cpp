@@ -1,0 +1,157 @@
+#include "pull_point_fixture.h"
+
+#include <gmock/gmock.h>
+
+#include <chrono>
+#include <future>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace zarn::test {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using Clock = std::chrono::steady_clock;
+
+constexpr auto Waiting = std::future_status::timeout;
+
+/// Nothing more is expected to happen in this time; a test that is too early sees nothing wrong.
+constexpr auto Moment = 50ms;
+
+/// How long PullMessages waits.
+class PullPointWait : public PullPointFixture {};
+
+TEST_F(PullPointWait, LastsNoLongerThanAsked) {
+    auto const path = Subscribe();
+    auto const begin = Clock::now();
+    auto const reply = Pull(path, 1, "PT0.3S");
+    EXPECT_GE(Clock::now() - begin, 300ms);
+    EXPECT_EQ(reply.status, 200);
+    EXPECT_THAT(GetRules(reply), IsEmpty());
+}
+
+TEST_F(PullPointWait, IsNoneForASpanThatIsOverOrForNoMessages) {
+    auto const path = Subscribe();
+    EXPECT_EQ(Pull(path, 1, "-PT1H").status, 200);
+    Publish(MakeFieldEvent());
+    EXPECT_EQ(Pull(path, 0, "PT1H").status, 200);
+}
+
+TEST_F(PullPointWait, IsThereAlsoForWhoWantsNoMessage) {
+    auto const begin = Clock::now();
+    EXPECT_EQ(Pull(Subscribe(), 0, "PT0.3S").status, 200);
+    EXPECT_GE(Clock::now() - begin, 300ms);
+}
+
+TEST_F(PullPointWait, LooksAtTheTimeoutOnlyWhenThereIsNothing) {
+    auto const path = Subscribe();
+    Publish(MakeFieldEvent("one"));
+    EXPECT_THAT(GetRules(Pull(path, 1, "soon")), ElementsAre("one"));
+    EXPECT_EQ(Pull(path, 1, "soon").status, 400);
+}
+
+TEST_F(PullPointWait, EndsAlsoWithAnEventThatTheFilterHoldsBack) {
+    auto const path = Subscribe(
+        "<tev:Filter><wsnt:TopicExpression>tns1:RuleEngine/LineDetector/Crossed</wsnt:TopicExpression></tev:Filter>");
+    auto reply = PullLater(path, "PT1H");
+    EXPECT_EQ(reply.wait_for(Moment), Waiting);
+    Publish(MakeFieldEvent("field"));
+    EXPECT_THAT(GetRules(reply.get()), IsEmpty());
+}
+
+TEST_F(PullPointWait, EndsWithAnEvent) {
+    auto const path = Subscribe();
+    auto reply = PullLater(path, "PT1H");
+    EXPECT_EQ(reply.wait_for(Moment), Waiting);
+    Publish(MakeFieldEvent("one"));
+    EXPECT_THAT(GetRules(reply.get()), ElementsAre("one"));
+}
+
+TEST_F(PullPointWait, LastsAsLongAsTheClockDoes) {
+    auto const path = Subscribe();
+    auto reply = PullLater(path, "P292Y");
+    EXPECT_EQ(reply.wait_for(Moment), Waiting);
+    Publish(MakeFieldEvent("one"));
+    EXPECT_THAT(GetRules(reply.get()), ElementsAre("one"));
+}
+
+TEST_F(PullPointWait, EndsWhenTheSubscriptionIsUnsubscribed) {
+    auto const path = Subscribe();
+    auto reply = PullLater(path, "PT1H");
+    EXPECT_EQ(reply.wait_for(Moment), Waiting);
+    EXPECT_EQ(Unsubscribe(path).status, 200);
+    EXPECT_THAT(reply.get(), IsNotFound());
+}
+
+TEST_F(PullPointWait, EndsWhenTheTimeOfTheSubscriptionIsOver) {
+    auto const path = Subscribe(Termination("PT0.2S"));
+    EXPECT_THAT(Pull(path, 1, "PT1H"), IsNotFound());
+}
+
+TEST_F(PullPointWait, OfTwoEndsForOneWhenASingleEventComes) {
+    auto const path = Subscribe();
+    std::vector<std::future<Reply>> clients;
+    for (int i = 0; i < 2; ++i) clients.push_back(PullLater(path, "PT1H"));
+    for (auto const& client : clients) EXPECT_EQ(client.wait_for(Moment), Waiting);
+    Publish(MakeFieldEvent("one"));
+    while (clients[0].wait_for(1ms) == Waiting && clients[1].wait_for(1ms) == Waiting) {
+    }
+    bool const first = clients[0].wait_for(0s) != Waiting;
+    EXPECT_EQ(clients[first ? 1 : 0].wait_for(Moment), Waiting);
+    EXPECT_THAT(GetRules(clients[first ? 0 : 1].get()), ElementsAre("one"));
+    Publish(MakeFieldEvent("two"));
+    EXPECT_THAT(GetRules(clients[first ? 1 : 0].get()), ElementsAre("two"));
+}
+
+TEST_F(PullPointWait, EndsForAllWhenTheSubscriptionEnds) {
+    auto const path = Subscribe();
+    std::vector<std::future<Reply>> clients;
+    for (int i = 0; i < 4; ++i) clients.push_back(PullLater(path, "PT1H"));
+    for (auto const& client : clients) EXPECT_EQ(client.wait_for(Moment), Waiting);
+    EXPECT_EQ(Renew(path, "2001-01-01T00:00:00Z").status, 200);
+    for (auto& client : clients) EXPECT_THAT(client.get(), IsNotFound());
+}
+
+TEST_F(PullPointWait, GoesOnWhenAnotherSubscriptionEnds) {
+    auto const path = Subscribe();
+    auto const other = Subscribe();
+    auto client = PullLater(path, "PT1H");
+    EXPECT_EQ(client.wait_for(Moment), Waiting);
+    EXPECT_EQ(Unsubscribe(other).status, 200);
+    EXPECT_EQ(client.wait_for(Moment), Waiting);
+    Publish(MakeFieldEvent("one"));
+    EXPECT_THAT(GetRules(client.get()), ElementsAre("one"));
+}
+
+TEST_F(PullPointWait, GoesOnOverARenewalAndTellsTheEndThatStoodBefore) {
+    auto const path = Subscribe(Termination("2061-07-28T12:30:00Z"));
+    auto client = PullLater(path, "PT1H");
+    EXPECT_EQ(client.wait_for(Moment), Waiting);
+    EXPECT_EQ(Renew(path, "2071-07-28T12:30:00Z").status, 200);
+    EXPECT_EQ(client.wait_for(Moment), Waiting);
+    Publish(MakeFieldEvent("one"));
+    auto const reply = client.get();
+    EXPECT_THAT(GetRules(reply), ElementsAre("one"));
+    EXPECT_EQ(reply.Text("//tev:PullMessagesResponse/tev:TerminationTime"), "2061-07-28T12:30:00Z");
+    EXPECT_EQ(Pull(path).Text("//tev:PullMessagesResponse/tev:TerminationTime"), "2071-07-28T12:30:00Z");
+}
+
+TEST_F(PullPointWait, OfAHundredClientsEndsWithTheirManager) {
+    std::vector<std::shared_ptr<web::response::Pending>> replies;
+    for (int i = 0; i < 100; ++i) {
+        replies.push_back(
+            Manager().Post(MakeRequest(Envelope("<tev:PullMessages><tev:Timeout>PT1H</tev:Timeout><tev:MessageLimit>1</"
+                                                "tev:MessageLimit></tev:PullMessages>"),
+                                       {.path = Subscribe()})));
+    }
+    std::this_thread::sleep_for(100ms); // most wait by now; those that do not must not begin to
+    ReplaceManager();                   // which does not take an hour
+    for (auto& reply : replies) EXPECT_EQ(WaitFor(*reply).GetStatus(), protocol::network::http::response::Status::Ok);
+}
+
+} // namespace
+} // namespace zarn::test
