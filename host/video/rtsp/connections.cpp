@@ -121,11 +121,12 @@ void Connections::ShutDown(GstRTSPClient* client) {
 }
 
 void Connections::Add(GstRTSPClient* client) {
+    auto socket = std::make_unique<Socket>(client);
+    auto address = GetAddress(client);
     {
-        Entry entry{Client(GST_RTSP_CLIENT(g_object_ref(client))), std::make_unique<Socket>(client), GetAddress(client),
-                    Clock::now()};
         std::scoped_lock const lock(state->mutex);
-        state->entries.emplace(client, std::move(entry));
+        state->entries.emplace(client, Entry{Client(GST_RTSP_CLIENT(g_object_ref(client))), std::move(socket),
+                                             std::move(address), Clock::now()});
     }
     g_signal_connect_data(
         client, "closed", G_CALLBACK(&Connections::OnClosed), new std::shared_ptr<State>(state),
