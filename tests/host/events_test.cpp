@@ -1,5 +1,6 @@
 #include "host/broker.h"
 #include "host/host_process.h"
+#include "host/pull_point_client.h"
 #include "host/raw_connection.h"
 
 #include <boost/json/parse.hpp>
@@ -8,9 +9,7 @@
 
 #include <chrono>
 #include <csignal>
-#include <functional>
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -20,15 +19,6 @@ namespace {
 using namespace std::chrono_literals;
 using testing::HasSubstr;
 using testing::Not;
-
-bool Await(std::function<bool()> const& condition) {
-    auto const deadline = std::chrono::steady_clock::now() + 20s;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > deadline) return false;
-        std::this_thread::sleep_for(5ms);
-    }
-    return true;
-}
 
 /// A configuration with an intake over MQTT.
 std::string Configure(std::string const& mqtt) {
