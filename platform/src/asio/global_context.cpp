@@ -1,12 +1,11 @@
+#include "run.h"
+
 #include <zarn/asio/global_context.h>
-#include <zarn/logging/level.h>
-#include <zarn/logging/logger.h>
 
 #include <boost/asio/executor_work_guard.hpp>
 #include <boost/asio/io_context.hpp>
 
 #include <atomic>
-#include <exception>
 #include <mutex>
 #include <thread>
 #include <utility>
@@ -30,13 +29,6 @@ void Join(Worker& worker) {
         worker.thread.detach();
     } else {
         worker.thread.join();
-    }
-}
-
-void Report(char const* what) noexcept {
-    try {
-        logging::Logger("zarn.asio.GlobalContext").Log(logging::Level::Error, "A handler threw: %0%", what);
-    } catch (...) { // no memory for the line: the thread matters more
     }
 }
 
@@ -137,15 +129,7 @@ void GlobalContext::Context::End(Context* context) noexcept {
 }
 
 void GlobalContext::Context::Run() {
-    while (!ioContext.stopped()) {
-        try {
-            ioContext.run();
-        } catch (std::exception const& error) {
-            Report(error.what());
-        } catch (...) {
-            Report("something that is no std::exception");
-        }
-    }
+    RunUntilStopped(ioContext, "zarn.asio.GlobalContext");
     if (orphaned) delete this;
 }
 

@@ -21,6 +21,7 @@ namespace zarn::network {
 namespace {
 
 using boost::asio::ip::address_v4;
+using boost::asio::ip::network_v4;
 
 /// Lower-case hex pairs joined with ":".
 std::string FormatHardwareAddress(std::span<unsigned char const> bytes) {
@@ -50,7 +51,22 @@ Interface MakeInterface(ifaddrs const& entry) {
     interface.hardwareAddress = FormatHardwareAddress(std::span(link.sll_addr).first(length));
     interface.up = (entry.ifa_flags & IFF_UP) != 0;
     interface.loopback = (entry.ifa_flags & IFF_LOOPBACK) != 0;
+    interface.multicast = (entry.ifa_flags & IFF_MULTICAST) != 0;
     return interface;
+}
+
+address_v4 ReadAddress(sockaddr const* address) {
+    return address_v4(ntohl(Read<sockaddr_in>(address).sin_addr.s_addr));
+}
+
+/// The networks that an address connects to.
+std::vector<network_v4> MakeNetworks(ifaddrs const& entry) {
+    constexpr unsigned short HostPrefix = 32;
+    auto const address = ReadAddress(entry.ifa_addr);
+    if (entry.ifa_netmask == nullptr) return {network_v4(address, HostPrefix)};
+    auto const mask = ReadAddress(entry.ifa_netmask);
+    if ((entry.ifa_flags & IFF_POINTOPOINT) == 0 || entry.ifa_dstaddr == nullptr) return {network_v4(address, mask)};
+    return {network_v4(address, HostPrefix), network_v4(ReadAddress(entry.ifa_dstaddr), mask)};
 }
 
 /// The name of the interface that an address belongs to: the label of an address may add ":" and more.
@@ -65,17 +81,19 @@ std::vector<Interface> ReadInterfaces() {
     }
     std::unique_ptr<ifaddrs, decltype(&freeifaddrs)> const list(raw, &freeifaddrs);
     std::vector<Interface> interfaces;
-    std::map<std::string, address_v4, std::less<>> addresses;
+    std::map<std::string, std::vector<network_v4>, std::less<>> networks;
     for (auto const* entry = list.get(); entry != nullptr; entry = entry->ifa_next) {
         if (entry->ifa_addr == nullptr) continue;
         if (entry->ifa_addr->sa_family == AF_PACKET) interfaces.push_back(MakeInterface(*entry));
         if (entry->ifa_addr->sa_family != AF_INET) continue;
-        auto const address = Read<sockaddr_in>(entry->ifa_addr);
-        addresses.emplace(WithoutLabel(entry->ifa_name), address_v4(ntohl(address.sin_addr.s_addr)));
+        auto& known = networks[std::string(WithoutLabel(entry->ifa_name))];
+        std::ranges::copy(MakeNetworks(*entry), std::back_inserter(known));
     }
     for (auto& interface : interfaces) {
-        auto const found = addresses.find(interface.name);
-        if (found != addresses.end()) interface.address = found->second;
+        auto const found = networks.find(interface.name);
+        if (found == networks.end()) continue;
+        interface.address = found->second.front().address();
+        interface.networks = std::move(found->second);
     }
     std::ranges::sort(interfaces, {}, &Interface::index);
     return interfaces;

@@ -8,8 +8,8 @@ class io_context;
 
 namespace zarn::asio {
 
-/// An I/O context with threads of its own that run it. It runs on when there is nothing to do, and what a handler throws
-/// is logged and goes no further.
+/// An I/O context with threads of its own that run it. It runs on when there is nothing to do, and what a handler
+/// throws is logged and goes no further.
 ///
 /// Whatever is bound to the context, such as a timer or a socket, must be destroyed before it: declare it behind.
 class IoContext {
@@ -27,10 +27,10 @@ public:
     /// The context; the reference holds as long as this object lives. Thread: any.
     boost::asio::io_context& Get() noexcept;
 
-    /// Ends the threads after the handlers that are running and waits for them: when it returns, no handler runs or will
-    /// run, so that what handlers use may be taken apart. Stopping twice is harmless. From within a handler it cannot
-    /// wait: it only stops the context, and the next call from outside waits.
-    /// Thread: any; the caller must hold no lock that a handler takes.
+    /// Ends the threads after the handlers that are running and waits for them: when it returns, no handler runs or
+    /// will run, so that what handlers use may be taken apart. Stopping twice is harmless. From within a handler it
+    /// cannot wait: it only stops the context, and the next call from outside waits. Thread: any; the caller must hold
+    /// no lock that a handler takes.
     void Stop() noexcept;
 
 private:

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <boost/asio/ip/address_v4.hpp>
+#include <boost/asio/ip/network_v4.hpp>
 
 #include <span>
 #include <string>
@@ -16,6 +17,11 @@ struct Interface {
     boost::asio::ip::address_v4 address; ///< its first IPv4 address; 0.0.0.0 when it has none
     bool up = false;
     bool loopback = false;
+    bool multicast = false; ///< it can send and receive multicast datagrams
+    /// Every IPv4 address with the length of its network's prefix; on a point-to-point link the peer's as well.
+    std::vector<boost::asio::ip::network_v4> networks{};
+
+    bool operator==(Interface const&) const = default;
 };
 
 /// Every interface of this network namespace, in the order of the kernel's interface index.

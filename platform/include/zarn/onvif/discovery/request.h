@@ -28,8 +28,8 @@ public:
     /// Reads a message. Never throws because of its contents.
     explicit Request(std::string const& text);
 
-    /// True for what is no SOAP 1.2 envelope: XML that is not well formed, another encoding than UTF-8 or bytes that are
-    /// none, a document type declaration, or a bound above exceeded. Message id and address are empty then.
+    /// True for what is no SOAP 1.2 envelope: XML that is not well formed, another encoding than UTF-8 or bytes that
+    /// are none, a document type declaration, or a bound above exceeded. Message id and address are empty then.
     bool IsParseError() const noexcept { return parseError; }
 
     /// The MessageID of a Probe that asks for this device, which the answer relates to. Empty for a message that is not

@@ -13,8 +13,9 @@ namespace zarn::onvif::discovery {
 /// - the device's scopes (see MakeScopes);
 /// - one address, "http" or "https", the local IPv4 address of this machine, the port and "/onvif/device_service";
 /// - metadata version 1.
-/// Each answer has a message id of its own, and an application sequence that grows within the process and over restarts.
-/// Immutable. Thread: any. Source: WS-Discovery 2005/04, 5.3 Probe Match and Appendix I Application Sequencing.
+/// Each answer has a message id of its own, and an application sequence that grows within the process and over
+/// restarts. Immutable. Thread: any. Source: WS-Discovery 2005/04, 5.3 Probe Match and Appendix I Application
+/// Sequencing.
 class Response {
 public:
     /// Not valid: there is nothing to answer.

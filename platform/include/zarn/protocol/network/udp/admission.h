@@ -1,6 +1,6 @@
 #pragma once
 
-#include <zarn/network/link.h>
+#include <zarn/network/interface.h>
 
 #include <boost/asio/ip/address_v4.hpp>
 
@@ -18,9 +18,9 @@ bool IsAnySourceAllowed() noexcept;
 
 /// True when a datagram comes from nearby: its source is on a network of the interface that it came in on, or, on a
 /// loopback interface, is an address of this machine.
-/// links      the interfaces as they are now
-/// interface  the kernel's index of the interface that the datagram came in on
-bool IsNearby(std::span<zarn::network::Link const> links, unsigned interface,
+/// interfaces  those of this machine as they are now
+/// index       the kernel's index of the interface that the datagram came in on
+bool IsNearby(std::span<zarn::network::Interface const> interfaces, unsigned index,
               boost::asio::ip::address_v4 const& source);
 
 } // namespace zarn::protocol::network::udp

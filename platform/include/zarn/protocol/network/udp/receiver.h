@@ -46,13 +46,13 @@ public:
     /// buffer  the datagram, never null; empty when receiving failed
     /// source  who sent it; unspecified when receiving failed
     /// What it throws is left to the context's thread; receiving goes on.
-    using Callback = std::function<Operation(boost::system::error_code const& error,
-                                             std::shared_ptr<container::Buffer> buffer,
-                                             boost::asio::ip::udp::endpoint source)>;
+    using Callback =
+        std::function<Operation(boost::system::error_code const& error, std::shared_ptr<container::Buffer> buffer,
+                                boost::asio::ip::udp::endpoint source)>;
 
     /// Binds nothing yet, so that another receiver for the same port may still exist.
     /// ioContext       where the callback runs; must outlive the receiver
-    /// port            0 binds a free one
+    /// port            to bind on all IPv4 addresses of this machine
     /// multicastGroup  an IPv4 group to join; none: unicast and broadcast only
     /// bufferSize      the longest datagram in bytes, at least 1 and at most 65,535
     Receiver(boost::asio::io_context& ioContext, unsigned short port,
@@ -65,10 +65,10 @@ public:
 
     /// Binds the port, joins the group and begins to receive. To be called once; a receiver whose start failed has
     /// bound nothing and may be started again.
-    /// Throws std::runtime_error (std::system_error where the system gave a reason) whose text names the port, the group
-    /// and the reason: the port is taken, the group is no IPv4 multicast address, no interface can multicast, none could
-    /// be joined, the buffer size is out of range, or it has been started before. Groups that could be joined on some
-    /// interfaces only are no failure: the others are logged and tried again every ten seconds.
+    /// Throws std::runtime_error whose text names the port, the group and the reason: the port is taken, the group is
+    /// no IPv4 multicast address, no interface can multicast, none could be joined, the buffer size is out of range, or
+    /// it has been started before. A group that can be joined on some interfaces only is no failure: the others are
+    /// logged and tried again every ten seconds.
     void Start();
 
 private:

@@ -1,0 +1,73 @@
+#include "onvif/discovery/text.h"
+#include "onvif/discovery/xml.h"
+
+#include <zarn/onvif/discovery/request.h>
+#include <zarn/onvif/discovery/scopes.h>
+
+#include <algorithm>
+#include <array>
+
+namespace zarn::onvif::discovery {
+
+namespace {
+
+constexpr char ProbeAction[] = "http://schemas.xmlsoap.org/ws/2005/04/discovery/Probe";
+constexpr char Anonymous[] = "http://schemas.xmlsoap.org/ws/2004/08/addressing/role/anonymous";
+
+/// What this device is.
+constexpr std::array OurTypes{Name{DeviceNamespace, "Device"}, Name{NetworkNamespace, "NetworkVideoTransmitter"}};
+
+/// Nobody asks for more types; the rest is not looked at.
+constexpr std::size_t MaximumTypes = 64;
+
+/// A child of the message's header, or of a part of it, by either edition of WS-Addressing.
+pugi::xml_node FindAddressing(pugi::xml_node parent, std::string_view local) {
+    auto const found = FindChild(parent, {AddressingNamespace, local});
+    return found ? found : FindChild(parent, {NewAddressingNamespace, local});
+}
+
+std::string GetTrimmedText(pugi::xml_node element) { return std::string(Trim(GetText(element))); }
+
+bool MatchesTypes(pugi::xml_node types) {
+    auto const text = GetText(types);
+    auto const names = Split(text);
+    auto const isOurs = [&](std::string_view name) {
+        return std::ranges::find(OurTypes, Resolve(types, name)) != OurTypes.end();
+    };
+    return names.empty() || std::any_of(names.begin(), names.begin() + std::min(names.size(), MaximumTypes), isOurs);
+}
+
+bool MatchesScopes(pugi::xml_node scopes) {
+    auto const text = GetText(scopes);
+    return MayMatchScopes(Split(text), scopes.attribute("MatchBy").value());
+}
+
+/// True for a Probe that this device is to answer.
+bool AsksForThisDevice(pugi::xml_node header, pugi::xml_node body) {
+    auto const action = GetTrimmedText(FindAddressing(header, "Action"));
+    auto const probe = FindChild(body, {DiscoveryNamespace, "Probe"});
+    return (action.empty() || action == ProbeAction) && probe &&
+           MatchesTypes(FindChild(probe, {DiscoveryNamespace, "Types"})) &&
+           MatchesScopes(FindChild(probe, {DiscoveryNamespace, "Scopes"}));
+}
+
+bool IsAcceptable(std::string const& text) { return text.size() <= Request::MaximumTextLength && IsXmlLine(text); }
+
+} // namespace
+
+Request::Request(std::string const& text) {
+    pugi::xml_document document;
+    if (text.size() > MaximumSize || !Load(document, text, MaximumDepth)) return;
+    auto const envelope = document.document_element();
+    auto const body = FindChild(envelope, {SoapNamespace, "Body"});
+    if (!Is(envelope, {SoapNamespace, "Envelope"}) || !body) return;
+    auto const header = FindChild(envelope, {SoapNamespace, "Header"});
+    auto const id = GetTrimmedText(FindAddressing(header, "MessageID"));
+    auto const replyTo = GetTrimmedText(FindAddressing(FindAddressing(header, "ReplyTo"), "Address"));
+    if (!IsAcceptable(id) || !IsAcceptable(replyTo)) return;
+    parseError = false;
+    address = replyTo.empty() ? Anonymous : replyTo;
+    if (AsksForThisDevice(header, body)) messageId = id;
+}
+
+} // namespace zarn::onvif::discovery
