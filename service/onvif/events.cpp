@@ -240,8 +240,8 @@ bool EventsService::Append(std::shared_ptr<meta::data::Event> const& event, std:
         events::Types, [&](events::Type const& type) { return type.convert(soap, messages, event); });
     if (!isHandled || messages.size() == count) return false;
     auto const* const topic = messages.back()->Topic;
-    bool const isWanted =
-        topics.empty() || (topic && std::ranges::find(topics, soap_elt_get_text(&topic->__mixed)) != topics.end());
+    char const* const text = topic ? soap_elt_get_text(&topic->__mixed) : nullptr; // null for want of memory
+    bool const isWanted = topics.empty() || (text && std::ranges::find(topics, text) != topics.end());
     if (!isWanted) messages.pop_back();
     return isWanted;
 }

@@ -2,16 +2,25 @@
 
 #include <service/onvif/analytics.h>
 #include <service/onvif/device.h>
+#include <service/onvif/events.h>
 #include <service/onvif/media.h>
 #include <service/onvif/media2.h>
 #include <service/onvif/soap_context.h>
 #include <zarn/authentication/engine.h>
 #include <zarn/configuration/schema.h>
+#include <zarn/meta/data/classification/name.h>
+#include <zarn/meta/data/event.h>
+#include <zarn/meta/data/object.h>
+#include <zarn/meta/data/zone.h>
+#include <zarn/onvif/events/handler.h>
 
 #include <boost/json/parse.hpp>
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <cstdio>
 #include <sstream>
+#include <utility>
 
 namespace zarn::service::onvif {
 namespace {
@@ -128,6 +137,58 @@ TEST_F(OperationWithoutMemory, OfTheAnalyticsServiceSucceeds) {
     Expect(make, &AnalyticsService::GetServiceCapabilities);
     Expect(make, &AnalyticsService::GetSupportedAnalyticsModules);
     Expect(make, &AnalyticsService::GetAnalyticsModules);
+}
+
+TEST_F(OperationWithoutMemory, OfTheEventsServiceSucceeds) {
+    auto const make = [this](soap* soap) { return EventsService(soap, URIBase(80, false), &engine); };
+    Expect(make, &EventsService::GetServiceCapabilities);
+    Expect(make, &EventsService::GetEventProperties);
+    Expect(make, &EventsService::CreatePullPointSubscription);
+}
+
+/// A client with a subscription, and an event of every family in its queue.
+class PullMessagesWithoutMemory : public OperationWithoutMemory {
+protected:
+    /// topics  of its filter; null: none
+    std::string Subscribe(char const* topics) {
+        auto const context = MakeSoapContext();
+        _tev__CreatePullPointSubscription subscription;
+        wsnt__FilterType filter;
+        if (topics) {
+            soap_elt_text(&filter.__any.emplace_back(context.get()), topics);
+            subscription.Filter = &filter;
+        }
+        _tev__CreatePullPointSubscriptionResponse response;
+        EXPECT_EQ(EventsService(context.get(), URIBase(80, false), &engine)
+                      .CreatePullPointSubscription(&subscription, response),
+                  SOAP_OK);
+        return response.SubscriptionReference.Address;
+    }
+
+    EventsService MakeEvents(soap* soap, std::string const& address) {
+        for (auto const& [type, zone] : {std::pair("enter", 0U), {"presence", 1U}, {"dwell", 7U}, {"count", 7U}}) {
+            auto event = std::make_shared<meta::data::Event>(type, "rule", std::chrono::system_clock::now());
+            event->Emplace<meta::data::Zone>(zone);
+            event->Emplace<meta::data::Object>(3).Emplace<meta::data::classification::Name>("visitor");
+            zarn::onvif::events::Publish(std::move(event));
+        }
+        std::snprintf(soap->path, sizeof(soap->path), "%s", address.substr(address.find("/onvif")).c_str());
+        return EventsService(soap, URIBase(80, false), &engine);
+    }
+
+    PullMessagesWithoutMemory() {
+        request.Timeout = "PT0S";
+        request.MessageLimit = 10;
+    }
+
+    _tev__PullMessages request;
+};
+
+TEST_F(PullMessagesWithoutMemory, SucceedsWithWhatCouldBeMade) {
+    for (char const* topics : {static_cast<char const*>(nullptr), "tns1:RuleEngine/CountAggregation/Counter"}) {
+        auto const address = Subscribe(topics);
+        Expect([&](soap* soap) { return MakeEvents(soap, address); }, &EventsService::PullMessages, request);
+    }
 }
 
 } // namespace
