@@ -1,4 +1,4 @@
-// Sends one SOAP 1.2 request, with HTTP digest when the host asks for it, and returns {status, text}.
+// Sends SOAP 1.2 requests and events to a host.
 import {createHash, randomBytes} from 'node:crypto';
 
 import {password} from './host.mjs';
@@ -22,12 +22,10 @@ function answer(challenge, uri) {
         `nc=${nc}, cnonce="${cnonce}", response="${response}"`;
 }
 
-export async function ask(host, operation, {header = '', path = '/onvif/device_service'} = {}) {
-    const declarations = Object.entries(namespaces).map(([prefix, uri]) => ` xmlns:${prefix}="${uri}"`).join('');
-    const body = `<?xml version="1.0" encoding="UTF-8"?><s:Envelope xmlns:s="http://www.w3.org/2003/05/soap-envelope"${declarations}>` +
-        `${header && `<s:Header>${header}</s:Header>`}<s:Body>${operation}</s:Body></s:Envelope>`;
+// Posts a body, with HTTP digest when the host asks for it, and returns {status, text}. The path may have a query.
+export async function post(host, path, type, body) {
     const send = headers => fetch(new URL(path, host.url), {
-        method: 'POST', body, headers: {'Content-Type': 'application/soap+xml; charset=utf-8', ...headers},
+        method: 'POST', body, headers: {'Content-Type': type, ...headers},
     });
     let response = await send({});
     if (response.status === 401) {
@@ -35,4 +33,17 @@ export async function ask(host, operation, {header = '', path = '/onvif/device_s
         response = await send({Authorization: answer(response.headers.get('www-authenticate'), path)});
     }
     return {status: response.status, text: await response.text()};
+}
+
+export function ask(host, operation, {header = '', path = '/onvif/device_service'} = {}) {
+    const declarations = Object.entries(namespaces).map(([prefix, uri]) => ` xmlns:${prefix}="${uri}"`).join('');
+    const body = `<?xml version="1.0" encoding="UTF-8"?><s:Envelope xmlns:s="http://www.w3.org/2003/05/soap-envelope"${declarations}>` +
+        `${header && `<s:Header>${header}</s:Header>`}<s:Body>${operation}</s:Body></s:Envelope>`;
+    return post(host, path, 'application/soap+xml; charset=utf-8', body);
+}
+
+// Hands events to the host as an analytics program does; they are in the queues of the subscriptions then.
+export async function postEvents(host, events) {
+    const {status, text} = await post(host, '/api/events', 'application/json', JSON.stringify(events));
+    if (status !== 202) throw new Error(`${status}: ${text}`);
 }
