@@ -2,7 +2,8 @@
 // WSDLs. What stands in the way, and is changed in the copies:
 // - a WSDL holds its schema inside; it gets a file of its own, with the prefixes of the WSDL around it;
 // - libxml2 reads one document per namespace, and the ONVIF schema is two: a document of its own includes both;
-// - libxml2 refuses as ambiguous a wildcard of the schema's own namespace behind a repeated element: it is left out.
+// - libxml2 refuses as ambiguous a wildcard of the schema's own namespace behind a repeated element: it is left out;
+// - a topic set may hold any element: that of message descriptions gets a declaration, so that they are looked at.
 import {mkdirSync, readFileSync, writeFileSync} from 'node:fs';
 import {join, resolve} from 'node:path';
 import {pathToFileURL} from 'node:url';
@@ -46,8 +47,9 @@ export function makeSchemas(folder, out) {
             .replaceAll('../../ver20/', `${pathToFileURL(join(from, 'ver20'))}/`)
             .replaceAll(/<xs:any namespace="##targetNamespace"[^>]*\/>/g, ''));
     }
-    write('types.xsd', `targetNamespace="${typesNamespace}">`,
-        ...['onvif', 'metadatastream'].map(name => `<xs:include schemaLocation="${name}.xsd"/>`));
+    write('types.xsd', `xmlns:tt="${typesNamespace}" targetNamespace="${typesNamespace}">`,
+        ...['onvif', 'metadatastream'].map(name => `<xs:include schemaLocation="${name}.xsd"/>`),
+        '<xs:element name="MessageDescription" type="tt:MessageDescription"/>');
     const imports = [importOf(typesNamespace, 'types.xsd')];
     for (const [namespace, location] of Object.entries(published)) imports.push(importOf(namespace, location));
     for (const [name, path] of Object.entries(services)) {

@@ -5,11 +5,11 @@ import assert from 'node:assert/strict';
 import {existsSync, mkdtempSync, rmSync, writeFileSync} from 'node:fs';
 import {tmpdir} from 'node:os';
 import {dirname, join} from 'node:path';
-import {after, before, test} from 'node:test';
+import {after, before, describe, test} from 'node:test';
 import {fileURLToPath} from 'node:url';
 
 import {run, startHost} from '../interop/host.mjs';
-import {ask} from '../interop/soap.mjs';
+import {ask, postEvents} from '../interop/soap.mjs';
 import {makeSchemas} from './make_schemas.mjs';
 
 const beside = join(dirname(fileURLToPath(import.meta.url)), '../../../shared/onvif-wsdl');
@@ -83,6 +83,37 @@ const responses = [
     ['<tan:GetAnalyticsModules/>', [noParameters('tan:AnalyticsModule')]],
 ];
 
+// What the host is told: every kind of event that has a message.
+const rows = [
+    ...['presence', 'direction', 'directional-crossing', 'enter', 'exit', 'appear', 'disappear', 'tailgating', 'fall', 'and', 'not', 'or']
+        .map(type => ({type, zone: {type: 'field'}})),
+    ...['presence', 'direction', 'directional-crossing', 'tailgating', 'and', 'not', 'or'].map(type => ({type, zone: {type: 'line'}})),
+    ...['dwell', 'stopped', 'aggressive-behaviour', 'count'].map(type => ({type})),
+];
+
+const pull = '<tev:PullMessages><tev:Timeout>PT0S</tev:Timeout><tev:MessageLimit>100</tev:MessageLimit></tev:PullMessages>';
+const renew = '<wsnt:Renew><wsnt:TerminationTime>PT1M</wsnt:TerminationTime></wsnt:Renew>';
+const noSuch = '/onvif/events_service/Subscription?Idx=999';
+const noId = '/onvif/events_service';
+
+// [what, operation, deviations, path]: the address of the subscription that is there when no path is given.
+const ofSubscriptions = [
+    ['a subscription with filter and time', '<tev:CreatePullPointSubscription><tev:Filter><wsnt:TopicExpression Dialect="urn:x">a|b' +
+        '</wsnt:TopicExpression></tev:Filter><tev:InitialTerminationTime>PT1M</tev:InitialTerminationTime></tev:CreatePullPointSubscription>', [], noId],
+    ['a time that is none', '<tev:CreatePullPointSubscription><tev:InitialTerminationTime>soon</tev:InitialTerminationTime>' +
+        '</tev:CreatePullPointSubscription>', [], noId],
+    ['no messages', pull, []],
+    ['messages without an address', pull, [], noId],
+    ['messages of no subscription', pull, [], noSuch],
+    ['a renewal', renew, []],
+    ['a renewal without a time', '<wsnt:Renew/>', []],
+    ['a renewal without an address', renew, [], noId],
+    ['a renewal of no subscription', renew, [], noSuch],
+    ['the end of no subscription', '<wsnt:Unsubscribe/>', [], noSuch],
+    ['what is not served', '<wsnt:GetCurrentMessage/>', []],
+    ['the end of a subscription', '<wsnt:Unsubscribe/>', []],
+];
+
 const prefixes = {
     tt: 'http://www.onvif.org/ver10/schema', tds: 'http://www.onvif.org/ver10/device/wsdl',
     trt: 'http://www.onvif.org/ver10/media/wsdl', tr2: 'http://www.onvif.org/ver20/media/wsdl',
@@ -109,17 +140,42 @@ if (!wsdl) {
         await host.stop();
         rmSync(folder, {recursive: true});
     });
+    const header = '<a:MessageID>urn:uuid:1</a:MessageID>';
+    const expect = async (text, deviations) => {
+        const file = join(folder, 'response.xml');
+        writeFileSync(file, text);
+        const {stderr} = await run('xmllint', ['--nonet', '--noout', '--schema', schema, file], {env: {...process.env, ...env}});
+        assert.match(stderr, /response\.xml (validates|fails to validate)/);
+        const complaints = complaintsOf(stderr);
+        assert.deepEqual(complaints.map((complaint, index) => deviations[index] && complaint.startsWith(deviations[index])
+            ? deviations[index] : complaint), deviations, text);
+    };
     for (const [operation, deviations] of responses) {
-        test(operation, async () => {
-            const {text} = await ask(host, operation, {header: '<a:MessageID>urn:uuid:1</a:MessageID>'});
-            const file = join(folder, 'response.xml');
-            writeFileSync(file, text);
-            const {stderr} = await run('xmllint', ['--nonet', '--noout', '--schema', schema, file],
-                {env: {...process.env, ...env}});
-            assert.match(stderr, /response\.xml (validates|fails to validate)/);
-            const complaints = complaintsOf(stderr);
-            assert.deepEqual(complaints.map((complaint, index) => deviations[index] && complaint.startsWith(deviations[index])
-                ? deviations[index] : complaint), deviations, text);
-        });
+        test(operation, async () => expect((await ask(host, operation, {header})).text, deviations));
     }
+    const subscribe = async () => {
+        const {text} = await ask(host, '<tev:CreatePullPointSubscription/>');
+        const {pathname, search} = new URL(/Address>([^<]+)</.exec(text)[1]);
+        return pathname + search;
+    };
+    describe('subscription', () => {
+        let subscription;
+        before(async () => { subscription = await subscribe(); });
+        for (const [what, operation, deviations, path] of ofSubscriptions) {
+            test(what, async () => expect((await ask(host, operation, {header, path: path ?? subscription})).text, deviations));
+        }
+    });
+    describe('message', () => {
+        for (const row of rows) {
+            test(`${row.type} ${row.zone?.type ?? ''}`, async () => {
+                const path = await subscribe();
+                await postEvents(host, {
+                    ...row, name: 'Tür <1>', channel: 1, objects: [{id: 12, class: 'person'}, {id: 3}], count: -3,
+                });
+                const {text} = await ask(host, pull, {header, path});
+                assert.equal(text.split('<wsnt:NotificationMessage>').length, 2, text);
+                await expect(text, []);
+            });
+        }
+    });
 }
