@@ -71,6 +71,14 @@ TEST_F(PullPointWait, EndsWithAnEvent) {
     EXPECT_THAT(GetRules(reply.get()), ElementsAre("one"));
 }
 
+TEST_F(PullPointWait, EndsForEverySubscriptionWithOneEvent) {
+    std::vector<std::future<Reply>> clients;
+    for (int i = 0; i < 4; ++i) clients.push_back(PullLater(Subscribe(), "PT1H"));
+    for (auto const& client : clients) EXPECT_EQ(client.wait_for(Moment), Waiting);
+    Publish(MakeFieldEvent("one"));
+    for (auto& client : clients) EXPECT_THAT(GetRules(client.get()), ElementsAre("one"));
+}
+
 TEST_F(PullPointWait, LastsAsLongAsTheClockDoes) {
     auto const path = Subscribe();
     auto reply = PullLater(path, "P292Y");
