@@ -43,12 +43,16 @@ T Read(sockaddr const* address) {
 }
 
 Interface MakeInterface(ifaddrs const& entry) {
-    auto const link = Read<sockaddr_ll>(entry.ifa_addr);
-    auto const length = std::min<std::size_t>(link.sll_halen, std::size(link.sll_addr));
     Interface interface;
-    interface.index = static_cast<unsigned>(link.sll_ifindex);
     interface.name = entry.ifa_name;
-    interface.hardwareAddress = FormatHardwareAddress(std::span(link.sll_addr).first(length));
+    if (entry.ifa_addr != nullptr) {
+        auto const link = Read<sockaddr_ll>(entry.ifa_addr);
+        auto const length = std::min<std::size_t>(link.sll_halen, std::size(link.sll_addr));
+        interface.index = static_cast<unsigned>(link.sll_ifindex);
+        interface.hardwareAddress = FormatHardwareAddress(std::span(link.sll_addr).first(length));
+    } else {
+        interface.index = if_nametoindex(entry.ifa_name);
+    }
     interface.up = (entry.ifa_flags & IFF_UP) != 0;
     interface.loopback = (entry.ifa_flags & IFF_LOOPBACK) != 0;
     interface.multicast = (entry.ifa_flags & IFF_MULTICAST) != 0;
@@ -83,9 +87,10 @@ std::vector<Interface> ReadInterfaces() {
     std::vector<Interface> interfaces;
     std::map<std::string, std::vector<network_v4>, std::less<>> networks;
     for (auto const* entry = list.get(); entry != nullptr; entry = entry->ifa_next) {
-        if (entry->ifa_addr == nullptr) continue;
-        if (entry->ifa_addr->sa_family == AF_PACKET) interfaces.push_back(MakeInterface(*entry));
-        if (entry->ifa_addr->sa_family != AF_INET) continue;
+        // An interface without hardware address, such as a tunnel, comes without any.
+        auto const family = entry->ifa_addr == nullptr ? AF_PACKET : entry->ifa_addr->sa_family;
+        if (family == AF_PACKET) interfaces.push_back(MakeInterface(*entry));
+        if (family != AF_INET) continue;
         auto& known = networks[std::string(WithoutLabel(entry->ifa_name))];
         std::ranges::copy(MakeNetworks(*entry), std::back_inserter(known));
     }

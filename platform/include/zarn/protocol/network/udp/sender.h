@@ -20,7 +20,7 @@ namespace zarn::protocol::network::udp {
 /// Thread: one object is used by one thread at a time; completions run on the context's thread.
 class Sender {
 public:
-    /// Opens nothing yet and does not throw because of the network.
+    /// Opens no socket yet and does not throw because of the network.
     /// ioContext  must outlive the sender, unless a completion that never ran holds it
     Sender(boost::asio::io_context& ioContext, boost::asio::ip::udp::endpoint endpoint);
 

@@ -1,0 +1,124 @@
+#include <zarn/asio/io_context.h>
+#include <zarn/logging/capture.h>
+
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/post.hpp>
+#include <boost/asio/steady_timer.hpp>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <future>
+#include <latch>
+#include <memory>
+#include <stdexcept>
+#include <thread>
+
+namespace zarn::asio {
+namespace {
+
+using namespace std::chrono_literals;
+
+template <class Work>
+void Post(IoContext& context, Work work) {
+    boost::asio::post(context.Get(), std::move(work));
+}
+
+/// The thread that runs a handler.
+std::thread::id RunOn(IoContext& context) {
+    std::promise<std::thread::id> id;
+    Post(context, [&] { id.set_value(std::this_thread::get_id()); });
+    return id.get_future().get();
+}
+
+TEST(IoContext, RunsHandlersOnAThreadOfItsOwn) {
+    IoContext context(1);
+    auto const first = RunOn(context);
+    EXPECT_NE(first, std::this_thread::get_id());
+    EXPECT_EQ(RunOn(context), first); // it waited for more
+}
+
+TEST(IoContext, RunsOnAsManyThreadsAsAskedFor) {
+    constexpr std::ptrdiff_t Count = 3;
+    IoContext context(Count);
+    auto const together = std::make_shared<std::latch>(Count + 1);
+    for (int i = 0; i < Count; ++i) {
+        Post(context, [together] { together->arrive_and_wait(); });
+    }
+    together->arrive_and_wait();
+}
+
+TEST(IoContext, RefusesToRunOnNoThread) { EXPECT_THROW(IoContext(0), std::invalid_argument); }
+
+TEST(IoContext, LogsWhatAHandlerThrowsAndGoesOn) {
+    logging::Capture const capture;
+    IoContext context(1);
+    auto const thread = RunOn(context);
+    Post(context, [] { throw std::runtime_error("out of paper"); });
+    Post(context, [] { throw 5; });
+    EXPECT_EQ(RunOn(context), thread);
+    EXPECT_TRUE(capture.Contains("A handler threw: out of paper"));
+    EXPECT_TRUE(capture.Contains("A handler threw: something that is no std::exception"));
+    EXPECT_EQ(capture.GetLines().front().name, "zarn.asio.IoContext");
+}
+
+TEST(IoContext, WaitsForTheRunningHandlerWhenItStops) {
+    IoContext context(1);
+    std::promise<void> begun;
+    std::promise<void> end;
+    std::atomic<bool> finished = false;
+    Post(context, [&] {
+        begun.set_value();
+        end.get_future().get();
+        finished = true;
+    });
+    begun.get_future().get();
+    auto stopping = std::async(std::launch::async, [&] { context.Stop(); });
+    EXPECT_EQ(stopping.wait_for(20ms), std::future_status::timeout);
+    end.set_value();
+    stopping.get();
+    EXPECT_TRUE(finished);
+}
+
+TEST(IoContext, RunsNothingOnceItHasStopped) {
+    bool ran = false;
+    IoContext context(2);
+    context.Stop();
+    context.Stop();
+    Post(context, [&] { ran = true; });
+    context.Stop();
+    EXPECT_FALSE(ran);
+}
+
+TEST(IoContext, MayBeStoppedByAHandler) {
+    IoContext context(1);
+    std::promise<void> stopped;
+    Post(context, [&] {
+        context.Stop();
+        stopped.set_value();
+    });
+    stopped.get_future().get();
+    context.Stop();
+}
+
+TEST(IoContext, MayBeStoppedBySeveralThreadsAtOnce) {
+    IoContext context(2);
+    auto other = std::async(std::launch::async, [&] { context.Stop(); });
+    context.Stop();
+    other.get();
+}
+
+TEST(IoContext, DestroysHandlersThatNeverRan) {
+    auto const held = std::make_shared<int>();
+    std::weak_ptr<int> const observed = held;
+    {
+        IoContext context(1);
+        auto const timer = std::make_shared<boost::asio::steady_timer>(context.Get(), 1h);
+        timer->async_wait([timer, held](boost::system::error_code const&) { FAIL(); });
+        context.Stop();
+    }
+    EXPECT_EQ(observed.use_count(), 1);
+}
+
+} // namespace
+} // namespace zarn::asio

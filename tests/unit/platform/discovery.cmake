@@ -1,0 +1,17 @@
+# What the discovery responder stands on: zarn::asio (I/O context), network (networks), onvif::discovery, protocol (UDP)
+set(sources
+  asio/io_context_test.cpp
+  network/networks_test.cpp
+  onvif/discovery/endpoint_test.cpp
+  onvif/discovery/request_hostile_test.cpp
+  onvif/discovery/request_test.cpp
+  onvif/discovery/response_test.cpp
+  onvif/discovery/scopes_test.cpp
+  protocol/network/udp/admission_test.cpp
+  protocol/network/udp/receiver_group_test.cpp
+  protocol/network/udp/receiver_test.cpp
+  protocol/network/udp/sender_test.cpp
+  protocol/network/udp/throttle_test.cpp)
+list(TRANSFORM sources PREPEND "${CMAKE_CURRENT_LIST_DIR}/")
+find_package(pugixml REQUIRED)
+zarn_add_tests(NAME platform_discovery_tests SOURCES ${sources} LIBRARIES zarn::platform pugixml::pugixml)

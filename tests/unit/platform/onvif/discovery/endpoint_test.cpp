@@ -1,0 +1,68 @@
+#include <zarn/onvif/discovery/endpoint.h>
+
+#include <boost/uuid/string_generator.hpp>
+#include <boost/uuid/uuid.hpp>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+
+namespace zarn::onvif::discovery {
+namespace {
+
+Machine const Known{"0123456789abcdef0123456789abcdef", "aa:bb:cc:dd:ee:ff", "gate"};
+
+TEST(MakeEndpoint, IsAUuidOfVersion5) {
+    auto const endpoint = MakeEndpoint(Known);
+    ASSERT_TRUE(endpoint.starts_with("urn:uuid:"));
+    auto const uuid = boost::uuids::string_generator()(endpoint.substr(9));
+    EXPECT_EQ(uuid.version(), boost::uuids::uuid::version_name_based_sha1);
+    EXPECT_EQ(uuid.variant(), boost::uuids::uuid::variant_rfc_4122);
+}
+
+TEST(MakeEndpoint, StaysTheSameForEver) {
+    // As devices in the field have it; clients know them by it.
+    EXPECT_EQ(MakeEndpoint(Known), "urn:uuid:3a3bdbf9-ff97-5d91-aeae-7375ffb9f612");
+}
+
+TEST(MakeEndpoint, GoesByTheFirstIdentityThatIsThere) {
+    auto other = Known;
+    other.hardwareAddress = "00:00:00:00:00:01";
+    other.hostname = "yard";
+    EXPECT_EQ(MakeEndpoint(other), MakeEndpoint(Known));
+    EXPECT_EQ(MakeEndpoint({"", "aa:bb:cc:dd:ee:ff", "gate"}), MakeEndpoint({"", "aa:bb:cc:dd:ee:ff", "yard"}));
+}
+
+TEST(MakeEndpoint, DiffersBetweenMachines) {
+    std::set<std::string> const endpoints{
+        MakeEndpoint(Known),
+        MakeEndpoint({"1123456789abcdef0123456789abcdef", "", ""}),
+        MakeEndpoint({"", "aa:bb:cc:dd:ee:ff", ""}),
+        MakeEndpoint({"", "aa:bb:cc:dd:ee:fe", ""}),
+        MakeEndpoint({"", "", "gate"}),
+        MakeEndpoint({"", "", "yard"}),
+        MakeEndpoint({"", "", "aa:bb:cc:dd:ee:ff"}), // a host name that looks like something else
+        MakeEndpoint({"", "", ""}),
+    };
+    EXPECT_EQ(endpoints.size(), 8U);
+}
+
+TEST(MakeEndpoint, DoesNotShowWhatItIsMadeOf) {
+    EXPECT_THAT(MakeEndpoint(Known), testing::Not(testing::HasSubstr("01234567")));
+    EXPECT_THAT(MakeEndpoint({"", "aa:bb:cc:dd:ee:ff", ""}), testing::Not(testing::HasSubstr("ddeeff")));
+}
+
+TEST(ReadMachine, FindsSomethingThatTellsThisMachineApart) {
+    auto const machine = ReadMachine();
+    EXPECT_TRUE(machine.id.empty() || machine.id.size() == 32U);
+    EXPECT_FALSE(machine.id.empty() && machine.hardwareAddress.empty() && machine.hostname.empty());
+}
+
+TEST(GetEndpoint, IsThatOfThisMachine) {
+    EXPECT_EQ(GetEndpoint(), MakeEndpoint(ReadMachine()));
+    EXPECT_EQ(&GetEndpoint(), &GetEndpoint());
+}
+
+} // namespace
+} // namespace zarn::onvif::discovery

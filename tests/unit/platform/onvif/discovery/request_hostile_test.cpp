@@ -1,0 +1,129 @@
+#include "probe.h"
+
+#include <zarn/onvif/discovery/request.h>
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <string>
+#include <string_view>
+
+namespace zarn::onvif::discovery {
+namespace {
+
+using test::Probe;
+
+std::string Repeat(std::string_view part, std::size_t count) {
+    std::string text;
+    for (std::size_t i = 0; i < count; ++i) text += part;
+    return text;
+}
+
+std::string const Good = Probe{}.ToString();
+
+/// A probe with this in its body, beside what it asks for.
+Probe With(std::string const& content) { return {.body = "<d:Probe>" + content + "</d:Probe>"}; }
+
+Probe WithId(std::string const& id) { return {.id = "<a:MessageID>" + id + "</a:MessageID>"}; }
+
+Probe WithAddress(std::string const& address) {
+    return {.replyTo = "<a:ReplyTo><a:Address>" + address + "</a:Address></a:ReplyTo>"};
+}
+
+/// Elements within each other; three more are around them.
+std::string Nested(std::size_t depth) { return Repeat("<x>", depth) + Repeat("</x>", depth); }
+
+std::string Attributes(int count) {
+    std::string text;
+    for (int i = 0; i < count; ++i) text += " a" + std::to_string(i) + "=''";
+    return "<x" + text + "/>";
+}
+
+struct Case {
+    char const* name;
+    std::string text;
+};
+
+void PrintTo(Case const& each, std::ostream* stream) { *stream << each.name; }
+
+class HostileMessage : public testing::TestWithParam<Case> {};
+
+TEST_P(HostileMessage, IsAParseError) {
+    Request const request(GetParam().text);
+    EXPECT_TRUE(request.IsParseError());
+    EXPECT_EQ(request.GetMessageId(), "");
+    EXPECT_EQ(request.GetAddress(), "");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, HostileMessage,
+    testing::Values(
+        Case{"Empty", ""}, Case{"Blank", " \n"}, Case{"NoXml", "hello"}, Case{"Null", std::string(1, '\0')},
+        Case{"CutOff", Good.substr(0, Good.size() - 1)}, Case{"TrailingNull", Good + '\0'},
+        Case{"TwoRoots", Good + "<x/>"}, Case{"WrongEndTag", "<a><b></a></b>"},
+        Case{"NoEnvelope", "<x xmlns='http://www.w3.org/2003/05/soap-envelope'/>"},
+        Case{"NoBody", "<s:Envelope xmlns:s='http://www.w3.org/2003/05/soap-envelope'/>"},
+        Case{"UndeclaredPrefix", "<s:Envelope><s:Body/></s:Envelope>"},
+        Case{"Soap11", Probe{.soap = "http://schemas.xmlsoap.org/soap/envelope/"}.ToString()},
+        Case{"DocumentType", "<!DOCTYPE x>" + Probe{.declaration = ""}.ToString()},
+        Case{"Entities", "<!DOCTYPE x [<!ENTITY a 'aaaa'><!ENTITY b '&a;&a;'>]>" + Probe{.declaration = ""}.ToString()},
+        Case{"DocumentTypeCutOff", "<!DOCTYPE x [" + Repeat("<![IGNORE[", 5000)},
+        Case{"Latin1Declared", Probe{.declaration = "<?xml version='1.0' encoding='ISO-8859-1'?>"}.ToString()},
+        Case{"Utf16Declared", Probe{.declaration = "<?xml version='1.0' encoding='UTF-16'?>"}.ToString()},
+        Case{"Utf16", std::string("\xff\xfe<\0x\0/\0>\0", 10)}, Case{"Latin1", WithId("Gr\xfcn").ToString()},
+        Case{"OverlongUtf8", WithId("\xc0\xaf").ToString()}, Case{"SurrogateUtf8", WithId("\xed\xa0\x80").ToString()},
+        Case{"CutOffUtf8", WithId("\xe2\x82").ToString()}, Case{"ControlCharacter", With("\x01").ToString()},
+        Case{"NoCharacter", With("\xef\xbf\xbe").ToString()}, Case{"NullReference", WithId("a&#0;b").ToString()},
+        Case{"HexNullReference", WithId("a&#x000;b").ToString()}, Case{"ControlReference", WithId("a&#1;b").ToString()},
+        Case{"LineFeedInId", WithId("a&#10;b").ToString()}, Case{"SurrogateReference", WithId("a&#xD800;b").ToString()},
+        Case{"HugeReference", WithId("a&#x110000;b").ToString()},
+        Case{"ControlReferenceInAddress", WithAddress("a&#13;&#10;b").ToString()},
+        Case{"LongId", WithId(std::string(1025, 'x')).ToString()},
+        Case{"LongAddress", WithAddress(std::string(1025, 'x')).ToString()},
+        Case{"Large", With(std::string(Request::MaximumSize, 'x')).ToString()},
+        Case{"Deep", With(Nested(62)).ToString()}, Case{"VeryDeep", Repeat("<x>", 20'000)},
+        Case{"ManyAttributes", With(Attributes(65)).ToString()}),
+    [](auto const& each) { return std::string(each.param.name); });
+
+class HarmlessMessage : public testing::TestWithParam<Case> {};
+
+TEST_P(HarmlessMessage, IsRead) { EXPECT_FALSE(Request(GetParam().text).IsParseError()); }
+
+INSTANTIATE_TEST_SUITE_P(
+    All, HarmlessMessage,
+    testing::Values(Case{"ByteOrderMark", "\xef\xbb\xbf" + Good},
+                    Case{"NoDeclaration", Probe{.declaration = ""}.ToString()},
+                    Case{"LowerCaseEncoding",
+                         Probe{.declaration = "<?xml version='1.0' encoding='utf-8'?>"}.ToString()},
+                    Case{"NoEncoding", Probe{.declaration = "<?xml version='1.0'?>"}.ToString()},
+                    Case{"Comment", "<!-- x -->" + Probe{.declaration = ""}.ToString() + "\r\n"},
+                    Case{"LongestId", WithId(std::string(1024, 'x')).ToString()},
+                    Case{"LongestAddress", WithAddress(std::string(1024, 'x')).ToString()},
+                    Case{"Deep", With(Nested(61)).ToString()}, Case{"ManyAttributes", With(Attributes(64)).ToString()},
+                    Case{"ReferencesThatAreNotNull", WithId("&#48;&#x0041;&#0x;&#").ToString()}),
+    [](auto const& each) { return std::string(each.param.name); });
+
+/// Messages of the largest size that make the most work; a sender may have many of them read in a second.
+class LaboriousMessage : public testing::TestWithParam<Case> {};
+
+TEST_P(LaboriousMessage, IsReadInShortTime) {
+    constexpr auto Limit = std::chrono::seconds(1); // a small part of it without instrumentation
+    ASSERT_GT(GetParam().text.size(), 50'000U);
+    ASSERT_LE(GetParam().text.size(), Request::MaximumSize);
+    auto const start = std::chrono::steady_clock::now();
+    Request const request(GetParam().text);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, Limit);
+    EXPECT_FALSE(request.IsParseError());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, LaboriousMessage,
+    testing::Values(Case{"Types", With("<d:Types>" + Repeat("x:y ", 15'000) + "</d:Types>").ToString()},
+                    Case{"Headers", Probe{.id = "", .action = Repeat("<x:Action/>", 5700)}.ToString()},
+                    Case{"Elements", With(Repeat("<x/>", 15'000)).ToString()},
+                    Case{"Scopes", With("<d:Scopes>" + Repeat("onvif: ", 9000) + "</d:Scopes>").ToString()},
+                    Case{"Text", With(Repeat("<!-- -->x", 7000)).ToString()}),
+    [](auto const& each) { return std::string(each.param.name); });
+
+} // namespace
+} // namespace zarn::onvif::discovery

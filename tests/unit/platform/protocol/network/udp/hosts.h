@@ -1,0 +1,56 @@
+#pragma once
+
+#include <fcntl.h>
+#include <sched.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <functional>
+#include <string>
+#include <thread>
+
+namespace zarn::test {
+
+/// A machine of its own as far as the network goes, with a loopback interface that is down.
+class Host {
+public:
+    Host() {
+        std::thread([this] {
+            // Namespaces belong to the thread, so that the process around it keeps its own.
+            if (unshare(CLONE_NEWNET) == 0) descriptor = open("/proc/thread-self/ns/net", O_RDONLY | O_CLOEXEC);
+        }).join();
+    }
+
+    ~Host() {
+        if (descriptor >= 0) close(descriptor);
+    }
+
+    Host(Host const&) = delete;
+    Host& operator=(Host const&) = delete;
+
+    /// False when the kernel does not allow it.
+    bool Exists() const { return descriptor >= 0; }
+
+    /// Runs `work` on a thread there, as well as the threads that it starts, and waits for it.
+    void Run(std::function<void()> const& work) const {
+        std::thread([&] {
+            if (setns(descriptor, CLONE_NEWNET) == 0) work();
+        }).join();
+    }
+
+    /// Runs `ip` there; false when it fails.
+    bool Ip(std::string const& arguments) const {
+        bool succeeded = false;
+        // NOLINTNEXTLINE: fixed texts
+        Run([&] { succeeded = std::system(("PATH=$PATH:/sbin:/usr/sbin ip " + arguments).c_str()) == 0; });
+        return succeeded;
+    }
+
+    /// Where others find its network.
+    std::string GetPath() const { return "/proc/" + std::to_string(getpid()) + "/fd/" + std::to_string(descriptor); }
+
+private:
+    int descriptor = -1;
+};
+
+} // namespace zarn::test

@@ -1,0 +1,118 @@
+#include "hosts.h"
+#include "peer.h"
+
+#include <zarn/asio/io_context.h>
+#include <zarn/container/buffer.h>
+#include <zarn/protocol/network/udp/sender.h>
+
+#include <boost/asio/io_context.hpp>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <future>
+#include <memory>
+#include <string>
+#include <thread>
+
+namespace zarn::protocol::network::udp {
+namespace {
+
+using boost::asio::ip::make_address;
+using boost::system::error_code;
+using test::Peer;
+
+std::shared_ptr<container::Buffer> MakeBuffer(std::string text) {
+    return std::make_shared<container::Buffer>(std::move(text));
+}
+
+/// Sends and waits for the completion.
+error_code Send(asio::IoContext& context, std::string const& address, unsigned short port, std::string text) {
+    std::promise<error_code> result;
+    auto const sender =
+        std::make_shared<Sender>(context.Get(), boost::asio::ip::udp::endpoint(make_address(address), port));
+    sender->Send(MakeBuffer(std::move(text)), [&, sender](error_code const& error) { result.set_value(error); });
+    return result.get_future().get();
+}
+
+TEST(Sender, SendsADatagramToItsEndpoint) {
+    asio::IoContext context(1);
+    Peer const peer("127.0.0.1");
+    EXPECT_FALSE(Send(context, "127.0.0.1", peer.GetPort(), "hello"));
+    EXPECT_EQ(peer.Receive(), "hello");
+}
+
+TEST(Sender, SendsSeveralDatagrams) {
+    asio::IoContext context(1);
+    Peer const peer("127.0.0.1");
+    Sender sender(context.Get(), {make_address("127.0.0.1"), peer.GetPort()});
+    for (auto const* text : {"1", "", "3"}) sender.Send(MakeBuffer(text), [](error_code const&) {});
+    EXPECT_EQ(peer.Receive(), "1");
+    EXPECT_EQ(peer.Receive(), "");
+    EXPECT_EQ(peer.Receive(), "3");
+    context.Stop();
+}
+
+TEST(Sender, CompletesOnTheContextsThread) {
+    asio::IoContext context(1);
+    std::promise<std::thread::id> thread;
+    Sender sender(context.Get(), {make_address("127.0.0.1"), test::FindFreePort()});
+    sender.Send(MakeBuffer("x"), [&](error_code const&) { thread.set_value(std::this_thread::get_id()); });
+    EXPECT_NE(thread.get_future().get(), std::this_thread::get_id());
+    context.Stop();
+}
+
+TEST(Sender, TellsOfADatagramThatIsTooLong) {
+    asio::IoContext context(1);
+    EXPECT_EQ(Send(context, "127.0.0.1", test::FindFreePort(), std::string(65'508, 'x')),
+              boost::asio::error::message_size);
+}
+
+TEST(Sender, TellsThatThereIsNoRoute) {
+    test::Host const host;
+    if (!host.Exists()) GTEST_SKIP() << "network namespaces need root";
+    host.Run([] {
+        asio::IoContext context(1);
+        EXPECT_EQ(Send(context, "10.0.0.1", 3702, "hello"), boost::asio::error::network_unreachable);
+    });
+}
+
+/// Lets this process open no files while it lives.
+class NoDescriptors {
+public:
+    NoDescriptors() {
+        getrlimit(RLIMIT_NOFILE, &before);
+        rlimit const none{0, before.rlim_max};
+        setrlimit(RLIMIT_NOFILE, &none);
+    }
+
+    ~NoDescriptors() { setrlimit(RLIMIT_NOFILE, &before); }
+
+    NoDescriptors(NoDescriptors const&) = delete;
+    NoDescriptors& operator=(NoDescriptors const&) = delete;
+
+private:
+    rlimit before{};
+};
+
+TEST(Sender, TellsThatThereIsNoSocketToBeHad) {
+    asio::IoContext context(1);
+    Sender const first(context.Get(), {make_address("127.0.0.1"), 9}); // the context opens what it needs itself
+    NoDescriptors const none;
+    EXPECT_EQ(Send(context, "127.0.0.1", 3702, "hello"), boost::asio::error::no_descriptors);
+}
+
+TEST(Sender, IsLetGoWithTheContextWhenItNeverCompleted) {
+    std::weak_ptr<Sender> observed;
+    {
+        asio::IoContext context(1);
+        context.Stop();
+        auto const sender =
+            std::make_shared<Sender>(context.Get(), boost::asio::ip::udp::endpoint(make_address("127.0.0.1"), 9));
+        observed = sender;
+        sender->Send(MakeBuffer("x"), [sender](error_code const&) { FAIL(); });
+    }
+    EXPECT_TRUE(observed.expired());
+}
+
+} // namespace
+} // namespace zarn::protocol::network::udp
