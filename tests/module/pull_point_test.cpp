@@ -130,12 +130,20 @@ TEST_F(PullPoint, AnswersWithItsActionToWhoSentOne) {
 
 TEST_F(PullPoint, IsForThoseWhoLogIn) {
     auto const path = Subscribe();
-    for (auto const* operation :
-         {"<tev:CreatePullPointSubscription/>", "<tev:PullMessages/>", "<wsnt:Renew/>", "<wsnt:Unsubscribe/>"}) {
-        EXPECT_THAT(Ask(operation, {.path = path, .authenticated = false}), IsChallenge("zarnsuite.example"))
-            << operation;
+    Publish(MakeFieldEvent("one"));
+    for (std::string const operation :
+         {"<tev:CreatePullPointSubscription/>",
+          "<tev:PullMessages><tev:Timeout>PT0S</tev:Timeout><tev:MessageLimit>1</tev:MessageLimit></tev:PullMessages>",
+          "<wsnt:Renew/>", "<wsnt:Unsubscribe/>"}) {
+        for (auto const& at : {path, std::string("/onvif/events_service")}) {
+            EXPECT_THAT(Ask(operation, {.path = at, .authenticated = false}), IsChallenge("zarnsuite.example"))
+                << operation;
+            EXPECT_THAT(Ask(operation, {.path = at, .password = "wrong"}), IsChallenge("zarnsuite.example"))
+                << operation;
+        }
     }
-    EXPECT_EQ(Pull(path).status, 200);
+    EXPECT_THAT(GetRules(Pull(path)), ElementsAre("one"));
+    EXPECT_EQ(GetId(Subscribe()), GetId(path) + 1);
 }
 
 TEST_F(PullPoint, RefusesTimesThatAreNone) {
