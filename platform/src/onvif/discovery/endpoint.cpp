@@ -1,4 +1,3 @@
-#include <zarn/network/interface.h>
 #include <zarn/network/local.h>
 #include <zarn/onvif/discovery/endpoint.h>
 
@@ -33,20 +32,16 @@ std::string ReadMachineId() {
     return valid && !zero ? id : std::string();
 }
 
-/// True for a hardware address that software made up: the second bit of the first byte. Source: IEEE 802, 8.4.
-bool IsLocallyAdministered(std::string_view address) {
-    constexpr std::string_view DigitsWithTheBit = "2367abef";
-    return address.size() > 1 && DigitsWithTheBit.find(address[1]) != std::string_view::npos;
+/// Six bytes that are not all zero; tunnels have something else.
+bool IsHardwareAddress(std::string_view address) {
+    return address.size() == std::string_view("aa:bb:cc:dd:ee:ff").size() &&
+           address.find_first_not_of("0:") != std::string_view::npos;
 }
 
-std::string FindLowestHardwareAddress() {
-    std::optional<std::pair<bool, std::string>> lowest;
-    for (auto const& interface : network::ReadInterfaces()) {
-        if (interface.loopback || interface.hardwareAddress.empty()) continue;
-        std::pair candidate(IsLocallyAdministered(interface.hardwareAddress), interface.hardwareAddress);
-        if (!lowest || candidate < *lowest) lowest = std::move(candidate);
-    }
-    return lowest ? lowest->second : std::string();
+/// The second bit of the first byte.
+bool IsMadeUpBySoftware(std::string_view address) {
+    constexpr std::string_view DigitsWithTheBit = "2367abef";
+    return DigitsWithTheBit.find(address[1]) != std::string_view::npos;
 }
 
 template <class Read>
@@ -60,8 +55,19 @@ std::string ReadIfPossible(Read read) {
 
 } // namespace
 
+std::string ChooseHardwareAddress(std::span<network::Interface const> interfaces) {
+    std::optional<std::pair<bool, std::string>> lowest;
+    for (auto const& interface : interfaces) {
+        if (interface.loopback || !IsHardwareAddress(interface.hardwareAddress)) continue;
+        std::pair candidate(IsMadeUpBySoftware(interface.hardwareAddress), interface.hardwareAddress);
+        if (!lowest || candidate < *lowest) lowest = std::move(candidate);
+    }
+    return lowest ? lowest->second : std::string();
+}
+
 Machine ReadMachine() {
-    return {ReadMachineId(), ReadIfPossible(FindLowestHardwareAddress), ReadIfPossible(network::GetHostname)};
+    return {ReadMachineId(), ReadIfPossible([] { return ChooseHardwareAddress(network::ReadInterfaces()); }),
+            ReadIfPossible(network::GetHostname)};
 }
 
 std::string MakeEndpoint(Machine const& machine) {

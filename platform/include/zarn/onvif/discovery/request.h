@@ -9,9 +9,10 @@ namespace zarn::onvif::discovery {
 /// Probe for a device such as this one.
 ///
 /// Understood are SOAP 1.2 envelopes with WS-Discovery of 2005/04 and WS-Addressing headers of 2004/08 or 2005/08. A
-/// message asks for this device when its body is a Probe, its Action, if any, says so too, and
+/// message asks for this device when its body has a Probe, its Action, if any, says so too, and
 /// - its Types are absent, empty, or name at least one of `tds:Device` and `dn:NetworkVideoTransmitter`;
-/// - each of its Scopes is absent, or one that this kind of device can have (see MayMatchScopes). The identity is not
+/// - its Scopes are absent, or each is one that a device of this kind can have (see MayMatchScopes). The identity is
+/// not
 ///   known here: a scope below `hardware`, `manufacturer`, `location` or `name` is taken to match whatever it says, and
 ///   the client sees by the scopes of the answer whether it does.
 ///

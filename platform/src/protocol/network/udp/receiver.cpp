@@ -82,7 +82,6 @@ private:
     void Begin();
 
     void AwaitDatagram();
-    void Pause();
     void OnReadable();
     void TakeSome();
     void Take(Datagram const& datagram);

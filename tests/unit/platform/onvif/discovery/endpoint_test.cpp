@@ -7,6 +7,7 @@
 
 #include <set>
 #include <string>
+#include <vector>
 
 namespace zarn::onvif::discovery {
 namespace {
@@ -51,6 +52,28 @@ TEST(MakeEndpoint, DiffersBetweenMachines) {
 TEST(MakeEndpoint, DoesNotShowWhatItIsMadeOf) {
     EXPECT_THAT(MakeEndpoint(Known), testing::Not(testing::HasSubstr("01234567")));
     EXPECT_THAT(MakeEndpoint({"", "aa:bb:cc:dd:ee:ff", ""}), testing::Not(testing::HasSubstr("ddeeff")));
+}
+
+std::string Choose(std::vector<std::string> const& addresses) {
+    std::vector<network::Interface> interfaces(1);
+    interfaces[0].loopback = true;
+    interfaces[0].hardwareAddress = "00:00:00:00:00:01";
+    for (auto const& address : addresses) interfaces.emplace_back().hardwareAddress = address;
+    return ChooseHardwareAddress(interfaces);
+}
+
+TEST(ChooseHardwareAddress, TakesTheLowest) {
+    EXPECT_EQ(Choose({"a4:bb:cc:dd:ee:ff", "94:bb:cc:dd:ee:f1", "94:bb:cc:dd:ee:f2"}), "94:bb:cc:dd:ee:f1");
+}
+
+TEST(ChooseHardwareAddress, PrefersWhatAManufacturerGave) {
+    EXPECT_EQ(Choose({"02:42:ac:11:00:02", "a4:bb:cc:dd:ee:ff", "0e:00:00:00:00:01"}), "a4:bb:cc:dd:ee:ff");
+    EXPECT_EQ(Choose({"fe:00:00:00:00:01", "02:42:ac:11:00:02"}), "02:42:ac:11:00:02");
+}
+
+TEST(ChooseHardwareAddress, PassesOverWhatIsNone) {
+    EXPECT_EQ(Choose({}), "");
+    EXPECT_EQ(Choose({"", "00:00:00:00", "00:00:00:00:00:00", "0a:01:00:02"}), "");
 }
 
 TEST(ReadMachine, FindsSomethingThatTellsThisMachineApart) {

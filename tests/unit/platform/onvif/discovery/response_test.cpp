@@ -92,7 +92,8 @@ TEST(DiscoveryResponse, HasTheOrderOfTheSchemaAndOneMatch) {
 }
 
 TEST(DiscoveryResponse, DeclaresItsPrefixes) {
-    auto const envelope = Answer(MakeResponse()).document.document_element();
+    Answer const answer(MakeResponse());
+    auto const envelope = answer.document.document_element();
     EXPECT_STREQ(envelope.attribute("xmlns:SOAP-ENV").value(), "http://www.w3.org/2003/05/soap-envelope");
     EXPECT_STREQ(envelope.attribute("xmlns:wsa").value(), "http://schemas.xmlsoap.org/ws/2004/08/addressing");
     EXPECT_STREQ(envelope.attribute("xmlns:d").value(), "http://schemas.xmlsoap.org/ws/2005/04/discovery");
