@@ -1,5 +1,7 @@
 #include "pull_point_fixture.h"
 
+#include <service/onvif/events.h>
+#include <service/onvif/soap_context.h>
 #include <zarn/asio/global_context.h>
 
 #include <boost/asio/io_context.hpp>
@@ -97,6 +99,21 @@ TEST_F(PullPointRace, OfTheFirstClientsGivesEachAnIdOfItsOwnAndEveryEventOnce) {
     EXPECT_THAT(paths, SizeIs(80));
     Publish(MakeFieldEvent("one"));
     for (auto const& path : paths) EXPECT_THAT(GetRules(Pull(path)), ElementsAre("one")) << path;
+}
+
+TEST_F(PullPointRace, OfTheFirstServicesLetsThemRegisterOnce) {
+    // The services themselves, whose first steps are nearer to each other than those of requests.
+    using service::onvif::EventsService;
+    std::latch ready(8);
+    RunAtOnce(8, [&] {
+        auto const context = service::onvif::MakeSoapContext();
+        ready.arrive_and_wait();
+        EventsService(context.get(), service::onvif::URIBase(80, false), &engine);
+        return true;
+    });
+    auto const path = Subscribe();
+    Publish(MakeFieldEvent("one"));
+    EXPECT_THAT(GetRules(Pull(path)), ElementsAre("one"));
 }
 
 TEST_F(PullPointRace, OfItsEndWithARenewalLetsTheRenewedLive) {
