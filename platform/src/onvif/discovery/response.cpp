@@ -80,7 +80,7 @@ struct StringWriter : pugi::xml_writer {
 } // namespace
 
 Response::Response(std::string const& relatesTo, std::string const& address, unsigned short port, bool ssl,
-                   utilities::name::Config nameConfig) {
+                   utilities::name::Config nameConfig) { // NOLINT: by value as callers link it
     if (relatesTo.empty() || !IsXmlLine(relatesTo) || !IsXmlLine(address)) return;
     pugi::xml_document document;
     auto declaration = document.append_child(pugi::node_declaration);

@@ -26,9 +26,9 @@ void Post(IoContext& context, Work work) {
 
 /// The thread that runs a handler.
 std::thread::id RunOn(IoContext& context) {
-    std::promise<std::thread::id> id;
-    Post(context, [&] { id.set_value(std::this_thread::get_id()); });
-    return id.get_future().get();
+    auto const id = std::make_shared<std::promise<std::thread::id>>(); // the handler ends after its value is here
+    Post(context, [id] { id->set_value(std::this_thread::get_id()); });
+    return id->get_future().get();
 }
 
 TEST(IoContext, RunsHandlersOnAThreadOfItsOwn) {
@@ -63,10 +63,10 @@ TEST(IoContext, LogsWhatAHandlerThrowsAndGoesOn) {
 }
 
 TEST(IoContext, WaitsForTheRunningHandlerWhenItStops) {
-    IoContext context(1);
     std::promise<void> begun;
     std::promise<void> end;
     std::atomic<bool> finished = false;
+    IoContext context(1);
     Post(context, [&] {
         begun.set_value();
         end.get_future().get();
@@ -92,12 +92,12 @@ TEST(IoContext, RunsNothingOnceItHasStopped) {
 
 TEST(IoContext, MayBeStoppedByAHandler) {
     IoContext context(1);
-    std::promise<void> stopped;
-    Post(context, [&] {
+    auto const stopped = std::make_shared<std::promise<void>>();
+    Post(context, [&context, stopped] {
         context.Stop();
-        stopped.set_value();
+        stopped->set_value();
     });
-    stopped.get_future().get();
+    stopped->get_future().get();
     context.Stop();
 }
 

@@ -51,12 +51,12 @@ protected:
 
     /// Runs `work` on the context's thread and waits for it.
     void RunInside(std::function<void()> work) {
-        std::promise<void> done;
-        boost::asio::post(context.Get(), [&] {
+        auto const done = std::make_shared<std::promise<void>>(); // the handler ends after this function
+        boost::asio::post(context.Get(), [&work, done] {
             work();
-            done.set_value();
+            done->set_value();
         });
-        done.get_future().get();
+        done->get_future().get();
     }
 
     unsigned short port = FindFreePort();

@@ -27,11 +27,11 @@ std::shared_ptr<container::Buffer> MakeBuffer(std::string text) {
 
 /// Sends and waits for the completion.
 error_code Send(asio::IoContext& context, std::string const& address, unsigned short port, std::string text) {
-    std::promise<error_code> result;
+    auto const result = std::make_shared<std::promise<error_code>>(); // the completion ends after this function
     auto const sender =
         std::make_shared<Sender>(context.Get(), boost::asio::ip::udp::endpoint(make_address(address), port));
-    sender->Send(MakeBuffer(std::move(text)), [&, sender](error_code const& error) { result.set_value(error); });
-    return result.get_future().get();
+    sender->Send(MakeBuffer(std::move(text)), [result, sender](error_code const& error) { result->set_value(error); });
+    return result->get_future().get();
 }
 
 TEST(Sender, SendsADatagramToItsEndpoint) {
@@ -53,8 +53,8 @@ TEST(Sender, SendsSeveralDatagrams) {
 }
 
 TEST(Sender, CompletesOnTheContextsThread) {
-    asio::IoContext context(1);
     std::promise<std::thread::id> thread;
+    asio::IoContext context(1);
     Sender sender(context.Get(), {make_address("127.0.0.1"), test::FindFreePort()});
     sender.Send(MakeBuffer("x"), [&](error_code const&) { thread.set_value(std::this_thread::get_id()); });
     EXPECT_NE(thread.get_future().get(), std::this_thread::get_id());
@@ -95,6 +95,9 @@ private:
 };
 
 TEST(Sender, TellsThatThereIsNoSocketToBeHad) {
+#ifdef ZARN_SANITIZED
+    GTEST_SKIP() << "the sanitizers need descriptors themselves";
+#endif
     asio::IoContext context(1);
     Sender const first(context.Get(), {make_address("127.0.0.1"), 9}); // the context opens what it needs itself
     NoDescriptors const none;
