@@ -63,7 +63,7 @@ type::Binding RegisterHandler(Handler handler) {
     return type::Binding(std::move(release));
 }
 
-void Publish(std::shared_ptr<meta::data::Event> event) {
+void Publish(std::shared_ptr<zarn::meta::data::Event> event) {
     if (!event) throw std::invalid_argument("Publish: the event is null");
     auto const published = std::move(event); // no handler can take it from the next one
     auto const registrations = TheRegistry.Get();

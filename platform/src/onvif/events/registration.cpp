@@ -41,7 +41,7 @@ private:
 
 Registration::Registration(Handler eventHandler) : handler(std::move(eventHandler)) {}
 
-void Registration::Call(std::shared_ptr<meta::data::Event> const& event) noexcept {
+void Registration::Call(std::shared_ptr<zarn::meta::data::Event> const& event) noexcept {
     try {
         Visit const visit(*this);
         if (visit.IsAdmitted()) handler(event);

@@ -17,7 +17,7 @@ public:
     explicit Registration(Handler eventHandler);
 
     /// Calls the handler, unless it is closed. What it throws is logged.
-    void Call(std::shared_ptr<meta::data::Event> const& event) noexcept;
+    void Call(std::shared_ptr<zarn::meta::data::Event> const& event) noexcept;
 
     /// Ends the registration: no call begins any more. Waits for the calls on other threads, then destroys the handler,
     /// or leaves that to the call on this thread in which Close is called. Called once.

@@ -9,7 +9,7 @@
 namespace zarn::onvif::events {
 
 /// What is called with each analytics event. The event is shared by all handlers and must not be changed.
-using Handler = std::function<void(std::shared_ptr<meta::data::Event>)>;
+using Handler = std::function<void(std::shared_ptr<zarn::meta::data::Event>)>;
 
 /// Calls a handler for every event published from now on, until the binding goes.
 ///
@@ -28,6 +28,6 @@ using Handler = std::function<void(std::shared_ptr<meta::data::Event>)>;
 /// thread. Handlers that are registered meanwhile do not get it. This is the host's side: whatever makes analytics
 /// events calls it. Throws std::invalid_argument for a null event, and nothing because of a handler. Thread: any,
 /// several at once.
-void Publish(std::shared_ptr<meta::data::Event> event);
+void Publish(std::shared_ptr<zarn::meta::data::Event> event);
 
 } // namespace zarn::onvif::events

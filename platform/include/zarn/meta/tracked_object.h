@@ -1,0 +1,30 @@
+#pragma once
+
+#include <zarn/meta/box.h>
+#include <zarn/meta/color.h>
+#include <zarn/meta/data/classification/confidence.h>
+#include <zarn/meta/point.h>
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace zarn::meta {
+
+/// What a tracker knows of an object in one frame.
+struct TrackedObject {
+    /// The number by which the tracker knows it in every frame; that of data::Object in events.
+    std::uint32_t number;
+
+    Box boundingBox;
+
+    Point centerOfGravity;
+
+    /// What it may be, each with its likelihood. Empty when no classifier has looked at it.
+    std::vector<data::classification::Confidence> classes;
+
+    /// The colour that most of it has, when that is known.
+    std::optional<Color> color;
+};
+
+} // namespace zarn::meta

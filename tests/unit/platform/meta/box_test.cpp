@@ -1,0 +1,35 @@
+#include <zarn/meta/box.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+namespace zarn::meta {
+namespace {
+
+using testing::HasSubstr;
+using testing::ThrowsMessage;
+
+TEST(Box, TellsItsCorners) {
+    Box const box({0.125, 0.25}, {0.5, 0.75});
+    EXPECT_EQ(box.GetTopLeft(), Point(0.125, 0.25));
+    EXPECT_EQ(box.GetBottomRight(), Point(0.5, 0.75));
+}
+
+TEST(Box, MayBeEmptyAndMayReachBeyondThePicture) {
+    EXPECT_EQ(Box({0.5, 0.5}, {0.5, 0.5}).GetTopLeft(), Point(0.5, 0.5));
+    EXPECT_EQ(Box({-1, -1}, {2, 2}).GetBottomRight(), Point(2, 2));
+}
+
+TEST(Box, HasItsCornersWhereTheirNamesSay) {
+    EXPECT_THAT(
+        [] {
+            Box({0.75, 0}, {0.5, 1});
+        },
+        ThrowsMessage<std::invalid_argument>(HasSubstr("left and right: 0.75")));
+    EXPECT_THAT([] { Box({0, 1}, {1, 0.5}); }, ThrowsMessage<std::invalid_argument>(HasSubstr("top and bottom: 1.0")));
+}
+
+} // namespace
+} // namespace zarn::meta
