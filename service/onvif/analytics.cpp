@@ -4,11 +4,14 @@
 #include "filled.h"
 #include "is_authenticated.h"
 
+#include <zarn/meta/data/sample_meta.h>
+#include <zarn/onvif/meta/convert.h>
+
 namespace zarn::service::onvif {
 
 namespace {
 
-/// Name and type of the one module.
+/// Name and type of the one module, and the type of its metadata.
 constexpr char ModuleName[] = "ZARN";
 
 } // namespace
@@ -56,9 +59,15 @@ int AnalyticsService::GetAnalyticsModules(_tan__GetAnalyticsModules*, _tan__GetA
     return SOAP_OK;
 }
 
-int AnalyticsService::GetSupportedMetadata(_tan__GetSupportedMetadata*, _tan__GetSupportedMetadataResponse&) {
+int AnalyticsService::GetSupportedMetadata(_tan__GetSupportedMetadata*, _tan__GetSupportedMetadataResponse& response) {
     if (!IsAuthenticated(soap, authenticationEngine)) return 401;
-    return NotSupported(soap);
+    // Whatever type the request asks for: there is one module.
+    auto const sample = meta::data::GetSampleMeta();
+    Append(response.AnalyticsModule, Filled(soap_new_tan__MetadataInfo(soap), [&](tan__MetadataInfo& info) {
+               info.Type = ModuleName;
+               info.SampleFrame = zarn::onvif::meta::Convert(soap, sample);
+           }));
+    return SOAP_OK;
 }
 
 } // namespace zarn::service::onvif

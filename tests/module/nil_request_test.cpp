@@ -31,7 +31,10 @@ constexpr std::array Elements{"tds:GetServices",
                               "tr2:SetVideoEncoderConfiguration",
                               "tr2:SetSynchronizationPoint",
                               "tr2:GetStreamUri",
-                              "tr2:GetSnapshotUri"};
+                              "tr2:GetSnapshotUri",
+                              "tan:GetSupportedAnalyticsModules",
+                              "tan:GetAnalyticsModules",
+                              "tan:GetSupportedMetadata"};
 
 class NilRequest : public DeviceFixture {};
 

@@ -60,6 +60,10 @@ const responses = [
     ['<tr2:GetServiceCapabilities/>', []],
     ['<tr2:GetProfiles/>', []],
     ['<tr2:GetProfiles><tr2:Type>All</tr2:Type></tr2:GetProfiles>', [noEngine('tr2:Analytics'), noEngine('tr2:Analytics')]],
+    ['<tr2:GetProfiles><tr2:Type>VideoSource</tr2:Type><tr2:Type>VideoEncoder</tr2:Type></tr2:GetProfiles>', []],
+    ['<tr2:GetProfiles><tr2:Type>Metadata</tr2:Type><tr2:Type>All</tr2:Type></tr2:GetProfiles>', []],
+    ['<tr2:GetProfiles><tr2:Type>AudioSource</tr2:Type></tr2:GetProfiles>', []],
+    ['<tr2:GetProfiles><tr2:Token>none</tr2:Token></tr2:GetProfiles>', []],
     ['<tr2:GetVideoSourceConfigurations/>', []],
     ['<tr2:GetVideoEncoderConfigurations/>', []],
     ['<tr2:GetMetadataConfigurations/>', []],
@@ -81,6 +85,7 @@ const responses = [
     ['<tan:GetServiceCapabilities/>', []],
     ['<tan:GetSupportedAnalyticsModules/>', [noParameters('tt:AnalyticsModuleDescription')]],
     ['<tan:GetAnalyticsModules/>', [noParameters('tan:AnalyticsModule')]],
+    ['<tan:GetSupportedMetadata/>', []],
 ];
 
 // What the host is told: every kind of event that has a message.

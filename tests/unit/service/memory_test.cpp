@@ -137,6 +137,7 @@ TEST_F(OperationWithoutMemory, OfTheAnalyticsServiceSucceeds) {
     Expect(make, &AnalyticsService::GetServiceCapabilities);
     Expect(make, &AnalyticsService::GetSupportedAnalyticsModules);
     Expect(make, &AnalyticsService::GetAnalyticsModules);
+    Expect(make, &AnalyticsService::GetSupportedMetadata);
 }
 
 TEST_F(OperationWithoutMemory, OfTheEventsServiceSucceeds) {
