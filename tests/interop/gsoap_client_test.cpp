@@ -1,15 +1,9 @@
-#include "gsoap_client.h"
-#include "host/host_process.h"
+#include "generated_client_test.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <soapDeviceBindingProxy.h>
-#include <soapMedia2BindingProxy.h>
-#include <soapMediaBindingProxy.h>
 #include <unistd.h>
 
 #include <array>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -37,34 +31,9 @@ std::string GetHostName() {
     return name.data();
 }
 
-/// A client that was generated from the service definitions, and a host of two described channels.
-class GeneratedClient : public testing::Test {
+class GeneratedClient : public GeneratedClientTest {
 protected:
-    /// Calls an operation at the address of its service; throws when it does not succeed.
-    template <class Response, class Proxy, class Request>
-    Response Ask(int (Proxy::*operation)(Request*, Response&), Request request = {}) {
-        Response response;
-        auto const* proxy = static_cast<Proxy*>(nullptr);
-        int const status = client.Call(AddressOf(proxy), operation, std::move(request), response);
-        if (status != SOAP_OK) throw std::runtime_error("gSOAP's status is " + std::to_string(status));
-        return response;
-    }
-
-    std::string AddressOf(DeviceBindingProxy const*) const { return host.GetUrl() + "/onvif/device_service"; }
-
-    std::string AddressOf(MediaBindingProxy const*) const { return host.GetUrl() + "/onvif/media_service"; }
-
-    std::string AddressOf(Media2BindingProxy const*) const { return host.GetUrl() + "/onvif/media2_service"; }
-
-    /// The beginning of the addresses that the host tells for a port.
-    std::string Advertised(std::string const& scheme, unsigned port) {
-        auto const address = Ask(&DeviceBindingProxy::GetCapabilities).Capabilities->Device->XAddr;
-        auto const begin = address.find("://") + 3;
-        return scheme + "://" + address.substr(begin, address.find(':', begin) - begin) + ":" + std::to_string(port);
-    }
-
-    host::HostProcess host{{.configuration = Configuration}};
-    GsoapClient client{host.GetPassword()};
+    GeneratedClient() : GeneratedClientTest(Configuration) {}
 };
 
 TEST_F(GeneratedClient, ReadsTheDeviceInformation) {

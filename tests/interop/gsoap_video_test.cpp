@@ -1,0 +1,97 @@
+#include "generated_client_test.h"
+#include "host/process.h"
+
+#include <gmock/gmock.h>
+
+#include <chrono>
+#include <set>
+#include <string>
+#include <thread>
+
+namespace zarn::tests::interop {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr char Configuration[] = R"({
+  "settings": {"web_port": 0, "rtsp_port": 0, "onvif": {"enabled": false}},
+  "channels": {
+    "1": {"name": "Gate", "source": "test:ball?width=160&height=120&rate=10"},
+    "2": {"name": "Yard", "source": "test:ball?codec=h265&width=192&height=144&rate=10"}
+  }
+})";
+
+constexpr std::size_t Frames = 10;
+
+/// A client that shows the video of each profile: it plays and fetches what the Media2 service tells it.
+class ViewingClient : public GeneratedClientTest {
+protected:
+    ViewingClient() : GeneratedClientTest(Configuration) { AwaitVideo(); }
+
+    void AwaitVideo() const {
+        auto const deadline = std::chrono::steady_clock::now() + 20s;
+        for (std::size_t channel = 0; channel < 2; ++channel)
+            while (host.GetHealth().at("channels").at(channel).at("state") != "running") {
+                ASSERT_LT(std::chrono::steady_clock::now(), deadline);
+                std::this_thread::sleep_for(10ms);
+            }
+    }
+
+    /// The profiles with their sizes, which the encoders tell once there is video.
+    std::vector<tr2__MediaProfile*> Profiles() {
+        _tr2__GetProfiles request;
+        request.Type = {"VideoEncoder"};
+        return Ask(&Media2BindingProxy::GetProfiles, request).Profiles;
+    }
+
+    /// What GStreamer's RTSP client decodes of a stream: its pictures, one byte of brightness per pixel.
+    std::string Play(std::string const& uri) const {
+        auto const pictures = host.GetFolder() / "pictures";
+        Process player({"gst-launch-1.0", "-q", "rtspsrc", "location=" + uri, "protocols=tcp", "user-id=admin",
+                        "user-pw=" + host.GetPassword(), "!", "decodebin", "!", "videoconvert", "!",
+                        "video/x-raw,format=GRAY8", "!", "identity", "eos-after=" + std::to_string(Frames + 1), "!",
+                        "filesink", "location=" + pictures});
+        EXPECT_EQ(player.Wait(60s), 0) << player.GetLog();
+        return host.GetFolder().Read("pictures");
+    }
+
+    using Process = host::Process;
+};
+
+TEST_F(ViewingClient, PlaysTheStreamOfEveryProfile) {
+    auto const profiles = Profiles();
+    ASSERT_EQ(profiles.size(), 2U);
+    for (auto const* profile : profiles) {
+        _tr2__GetStreamUri request;
+        request.Protocol = "RTSP";
+        request.ProfileToken = profile->token;
+        auto const bytes = Play(Ask(&Media2BindingProxy::GetStreamUri, request).Uri);
+        auto const& resolution = *profile->Configurations->VideoEncoder->Resolution;
+        auto const size = static_cast<std::size_t>(resolution.Width * resolution.Height);
+        ASSERT_EQ(bytes.size(), size * Frames) << profile->token;
+        std::set<std::string> pictures;
+        for (std::size_t at = 0; at < bytes.size(); at += size) pictures.insert(bytes.substr(at, size));
+        EXPECT_GT(pictures.size(), Frames / 2) << "the video does not move";
+    }
+}
+
+TEST_F(ViewingClient, FetchesTheSnapshotOfEveryProfile) {
+    for (auto const* profile : Profiles()) {
+        _tr2__GetSnapshotUri request;
+        request.ProfileToken = profile->token;
+        auto const uri = Ask(&Media2BindingProxy::GetSnapshotUri, request).Uri;
+        auto const file = host.GetFolder() / "snapshot.jpeg";
+        Process curl({"curl", "-sS", "--fail", "--retry", "5", "--digest", "-u", "admin:" + host.GetPassword(), "-o",
+                      file, uri});
+        ASSERT_EQ(curl.Wait(60s), 0) << uri << curl.GetLog();
+        Process decoder(
+            {"ffprobe", "-v", "error", "-show_entries", "stream=codec_name,width,height", "-of", "csv=p=0", file});
+        ASSERT_EQ(decoder.Wait(20s), 0) << decoder.GetLog();
+        auto const& resolution = *profile->Configurations->VideoEncoder->Resolution;
+        EXPECT_EQ(decoder.GetOutput(),
+                  "mjpeg," + std::to_string(resolution.Width) + "," + std::to_string(resolution.Height) + "\n");
+    }
+}
+
+} // namespace
+} // namespace zarn::tests::interop
