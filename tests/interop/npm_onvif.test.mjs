@@ -94,7 +94,22 @@ for (const useWSSecurity of [true, false]) {
                 const encoder = profile.videoEncoderConfiguration;
                 assert.equal(encoder.resolution.width, channels[index].width);
                 assert.equal(encoder.resolution.height, channels[index].height);
-                if (cam.media2Support) assert.equal(encoder.encoding, channels[index].encoding);
+                assert.equal(encoder.encoding, channels[index].encoding);
+            }
+        });
+
+        test('takes the device for one of Media2', () => assert.equal(cam.media2Support, true));
+
+        test('reads the encoder of every channel and what can be set of it, and sets it as it is', async () => {
+            const encoders = await call(cam, 'getVideoEncoderConfigurations');
+            assert.deepEqual(encoders.map(encoder => [encoder.$.token, encoder.encoding, encoder.resolution.height]),
+                channels.map(channel => [channel.token, channel.encoding, channel.height]));
+            for (const [index, channel] of channels.entries()) {
+                const options = await call(cam, 'getVideoEncoderConfigurationOptions', {configurationToken: channel.token});
+                assert.equal(options.encoding, channel.encoding);
+                assert.equal(options.resolutionsAvailable.width, channel.width);
+                assert.equal(options.bitrateRange.max, 10000);
+                assert.deepEqual(await call(cam, 'setVideoEncoderConfiguration', encoders[index]), encoders);
             }
         });
 

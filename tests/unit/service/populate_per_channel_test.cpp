@@ -1,9 +1,7 @@
-#include "configuration/node/children.h"
-#include "configuration/node/place.h"
+#include "odd_root.h"
 
 #include <service/onvif/media_common.h>
 #include <service/onvif/soap_context.h>
-#include <zarn/configuration/node/undescribed.h>
 #include <zarn/configuration/schema.h>
 
 #include <boost/json/parse.hpp>
@@ -26,19 +24,6 @@ using testing::Property;
 using testing::SizeIs;
 using testing::StartsWith;
 using testing::Throws;
-
-/// A collection that holds something that is no map, which no schema brings about.
-class OddCollection : public configuration::node::Dynamic {
-public:
-    explicit OddCollection(configuration::node::Place const& place) : Dynamic(place, nullptr) {
-        children->Put(std::make_shared<configuration::node::Undescribed>(MakePlace("1"), "no map"));
-    }
-};
-
-class OddRoot : public configuration::node::Root {
-public:
-    OddRoot() { children->Put(std::make_shared<OddCollection>(MakePlace("channels"))); }
-};
 
 class PopulatePerChannelTest : public testing::Test {
 protected:
@@ -153,13 +138,13 @@ TEST_F(PopulatePerChannelTest, ThrowsBadCastWithUnknownWhenTheChannelsAreNoColle
 }
 
 TEST_F(PopulatePerChannelTest, ThrowsBadCastWithTheTypeOfMapsWhenAnEntryIsNone) {
-    root = std::make_shared<OddRoot>();
+    root = std::make_shared<test::OddRoot>();
     ExpectBadCast("zarn.configuration.node.Map", "channels.1");
     EXPECT_THAT(asked, IsEmpty());
 }
 
 TEST_F(PopulatePerChannelTest, SkipsAnEntryThatIsNoMapWhenAnotherIsAskedFor) {
-    root = std::make_shared<OddRoot>();
+    root = std::make_shared<test::OddRoot>();
     EXPECT_NO_THROW(Populate("channels.2"));
     EXPECT_THAT(out, IsEmpty());
 }

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <service/onvif/manager.h>
+#include <zarn/web/request.h>
+
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace zarn::bench {
+
+/// A request as the web server hands it over.
+class Request : public web::Request {
+public:
+    /// operation  the element of the SOAP body
+    explicit Request(std::string_view operation);
+
+    protocol::network::http::Method GetMethod() const override { return protocol::network::http::Method::Post; }
+
+    std::string_view GetTarget() const override { return "/onvif/device_service"; }
+
+    std::string_view GetBody() const override { return body; }
+
+    std::map<std::string_view, std::string_view> GetFields() const override {
+        return {{"Host", "device:8080"}, {"Content-Type", "application/soap+xml; charset=utf-8"}};
+    }
+
+private:
+    std::string body;
+};
+
+/// Hands the manager a request, waits for the answer and returns its status.
+int Post(service::onvif::Manager& manager, std::shared_ptr<Request> const& request);
+
+} // namespace zarn::bench

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "configuration/node/children.h"
+#include "configuration/node/place.h"
+
+#include <zarn/configuration/node/dynamic.h>
+#include <zarn/configuration/node/root.h>
+#include <zarn/configuration/node/undescribed.h>
+
+#include <boost/json/value.hpp>
+
+#include <memory>
+
+namespace zarn::test {
+
+/// A collection that holds something that is no map, which no schema brings about.
+class OddCollection : public configuration::node::Dynamic {
+public:
+    explicit OddCollection(configuration::node::Place const& place) : Dynamic(place, nullptr) {
+        children->Put(std::make_shared<configuration::node::Undescribed>(MakePlace("1"), "no map"));
+    }
+};
+
+/// A configuration whose `channels` are one.
+class OddRoot : public configuration::node::Root {
+public:
+    OddRoot() { children->Put(std::make_shared<OddCollection>(MakePlace("channels"))); }
+};
+
+} // namespace zarn::test
