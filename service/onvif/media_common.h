@@ -97,6 +97,9 @@ void PopulatePerChannel(soap* soap, List& out, Maker maker, ChannelInfo const& c
         auto const name = ReadName(entry->As<configuration::node::Map>());
         Append(out, maker(soap, path, name, channelInfo(GetChannelId(path))));
     }
+    // Lists of a thousand channels are long: gSOAP keeps what it writes, and need not write all of it beforehand just
+    // to count the bytes.
+    soap_set_omode(soap, SOAP_IO_STORE);
 }
 
 } // namespace zarn::service::onvif
