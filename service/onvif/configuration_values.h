@@ -9,6 +9,10 @@
 
 namespace zarn::service::onvif {
 
+/// The module's own setting, a path in the host's configuration: whether the device can be discovered. Requests are
+/// served whatever it says.
+inline constexpr char EnabledPath[] = "settings.onvif.enabled";
+
 /// Settings of the host that are told to clients, as paths in its configuration.
 inline constexpr char RtspPortPath[] = "settings.rtsp_port";
 inline constexpr char WebPortPath[] = "settings.web_port";

@@ -1,5 +1,7 @@
 #include "analytics.h"
+#include "configuration_values.h"
 #include "device.h"
+#include "discovery.h"
 #include "dispatch.h"
 #include "events.h"
 #include "media.h"
@@ -9,10 +11,16 @@
 
 #include <service/onvif/manager.h>
 #include <zarn/asio/global_context.h>
+#include <zarn/configuration/event/changed.h>
+#include <zarn/configuration/node/binding/option.h>
+#include <zarn/configuration/node/primitive.h>
+#include <zarn/configuration/schema.h>
 #include <zarn/container/buffer.h>
 #include <zarn/job/dynamic_thread_pool.h>
+#include <zarn/logging/logger.h>
 #include <zarn/protocol/network/http/request.h>
 #include <zarn/protocol/network/http/response.h>
+#include <zarn/type/binding.h>
 
 #include <httpda.h>
 
@@ -20,6 +28,7 @@
 #include <chrono>
 #include <future>
 #include <map>
+#include <mutex>
 #include <ostream>
 #include <sstream>
 #include <utility>
@@ -32,6 +41,11 @@ using web::response::Pending;
 namespace {
 
 using SharedResponse = std::shared_ptr<http::Response>;
+
+logging::Logger const& Log() {
+    static logging::Logger const logger("zarn.service.onvif.manager");
+    return logger;
+}
 
 /// The state in which the host is told to ask again.
 Pending::Data MakeNotReady() { return {http::response::Status::Provisional, {}, {web::response::State::NotReady, {}}}; }
@@ -57,7 +71,32 @@ public:
           threadPool(1, std::chrono::seconds(10)),
           configuration(std::move(configuration)),
           channelInfo(std::move(channelInfo)),
-          nameConfig(nameConfig) {}
+          nameConfig(nameConfig) {
+        BindEnabled();
+    }
+
+    /// Ends the exchanges and the responder; nothing of this object runs on another thread afterwards.
+    void End() {
+        enabledBinding.Reset();
+        Stop();
+        ending = true;
+        EventsService::WakeWaiting();
+        threadPool.Stop();
+    }
+
+    void Post(std::function<void()> job) { threadPool.Post(std::move(job)); }
+
+    void UpdateServerPort(std::uint16_t port) {
+        std::scoped_lock const lock(discoveryMutex);
+        serverPort = port;
+        if (discovery) discovery->SetPort(port);
+    }
+
+    void UpdateSSLState(bool enabled) {
+        std::scoped_lock const lock(discoveryMutex);
+        sslEnabled = enabled;
+        if (discovery) discovery->SetSSlEnabled(enabled);
+    }
 
     /// Runs one SOAP exchange. Thread: a worker of the pool.
     SharedResponse Serve(http::Request const& request) const {
@@ -87,17 +126,62 @@ public:
         return std::make_shared<http::Response>(http::Response::Parse(buffer));
     }
 
+private:
+    void BindEnabled() {
+        configuration->Schema({{EnabledPath, false, "The boolean denoting whether ONVIF is enabled for Zarnsuite"}});
+        enabledBinding = configuration->Find(EnabledPath)
+                             ->Bind([this](auto const& event) { FollowEnabled(*event); },
+                                    configuration::node::binding::Option::DeliverCurrent);
+    }
+
+    /// Thread: whoever changes the configuration.
+    void FollowEnabled(configuration::Event const& event) {
+        if (!event.Is<configuration::event::Changed>()) return;
+        if (event.GetNode()->As<configuration::node::Primitive<bool>>().Get())
+            Start();
+        else
+            Stop();
+    }
+
+    void Start() {
+        std::scoped_lock const lock(mutex);
+        if (discovery) return;
+        Log().Log(logging::Level::Info, "Starting ONVIF discovery service");
+        std::uint16_t const port = serverPort;
+        bool const ssl = sslEnabled;
+        auto made = std::make_unique<Discovery>(nameConfig, port, ssl);
+        std::scoped_lock const publishing(discoveryMutex);
+        // What the host has told meanwhile, it told nobody.
+        if (serverPort != port) made->SetPort(serverPort);
+        if (sslEnabled != ssl) made->SetSSlEnabled(sslEnabled);
+        discovery = std::move(made);
+    }
+
+    void Stop() {
+        std::scoped_lock const lock(mutex);
+        Log().Log(logging::Level::Info, "Stopping ONVIF discovery service");
+        std::unique_ptr<Discovery> gone;
+        {
+            std::scoped_lock const withdrawing(discoveryMutex);
+            gone = std::move(discovery);
+        }
+    }
+
     asio::GlobalContext context; // so that its thread does not come and go with every request
 
-    // Members go in the reverse of this order; the destructor of Manager has stopped the pool by then.
+    // Members go in the reverse of this order, after End.
     ZarnAuthenticationEngine const* authenticationEngine;
     job::DynamicThreadPool threadPool;
-    // Written by the host's threads and read by the workers, without a lock.
+    // Read by the workers without a lock.
     std::atomic<std::uint16_t> serverPort = 0;
     std::atomic<bool> sslEnabled = false;
     std::atomic<bool> ending = false;
+    std::unique_ptr<Discovery> discovery;
     std::shared_ptr<configuration::node::Root> configuration;
+    type::Binding enabledBinding;
     ChannelInfo channelInfo;
+    std::mutex mutex;          ///< held while the responder starts or stops
+    std::mutex discoveryMutex; ///< guards the pointer and what the responder is told; never held for long
     utilities::name::Config nameConfig;
 };
 
@@ -106,19 +190,15 @@ Manager::Manager(ZarnAuthenticationEngine const* engine, std::shared_ptr<configu
                  utilities::name::Config const& nameConfig)
     : impl(std::make_unique<Impl>(engine, std::move(configuration), std::move(channelInfo), nameConfig)) {}
 
-Manager::~Manager() {
-    impl->ending = true;
-    EventsService::WakeWaiting();
-    impl->threadPool.Stop();
-}
+Manager::~Manager() { impl->End(); }
 
 Manager::Response Manager::Post(std::shared_ptr<web::Request> request) {
     auto promise = std::make_shared<std::promise<SharedResponse>>();
     auto future = std::make_shared<std::future<SharedResponse>>(promise->get_future());
     // std::function wants a copyable job, hence the shared request. An exception leaves the job to the pool, which
     // destroys it and with it the promise's last owner: the host then sees a broken promise.
-    impl->threadPool.Post([impl = impl.get(), promise = std::move(promise),
-                           request = std::make_shared<http::Request const>(Repackage(*request))] {
+    impl->Post([impl = impl.get(), promise = std::move(promise),
+                request = std::make_shared<http::Request const>(Repackage(*request))] {
         promise->set_value(impl->Serve(*request));
     });
     auto data = [future = std::move(future)]() -> Pending::Data {
@@ -130,8 +210,8 @@ Manager::Response Manager::Post(std::shared_ptr<web::Request> request) {
                                      std::chrono::milliseconds(0));
 }
 
-void Manager::UpdateServerPort(std::uint16_t port) { impl->serverPort = port; }
+void Manager::UpdateServerPort(std::uint16_t port) { impl->UpdateServerPort(port); }
 
-void Manager::UpdateSSLState(bool enabled) { impl->sslEnabled = enabled; }
+void Manager::UpdateSSLState(bool enabled) { impl->UpdateSSLState(enabled); }
 
 } // namespace zarn::service::onvif

@@ -19,6 +19,9 @@ namespace zarn::service::onvif {
 /// The host constructs one, registers it with its web server for every POST below "/onvif", and keeps it for as long as
 /// it runs. The request path selects nothing: the operation element of the SOAP body decides which of the five services
 /// (Device, Events, Media, Media2, Analytics) answers.
+///
+/// It adds the setting `settings.onvif.enabled` (false unless stated) to the host's configuration and follows it: while
+/// it is true, the device answers the WS-Discovery probes of its network. Requests are served either way.
 class __attribute__((visibility("default"))) Manager final : public web::Service {
 public:
     /// engine         decides about credentials; must outlive the manager; never null
@@ -26,11 +29,13 @@ public:
     /// channelInfo    the present video description of the channel with the given id; called on worker threads, several
     ///                at a time, and while the configuration lock is held: it must be quick and must not wait for it
     /// nameConfig     the product identity that clients are told
+    /// Throws configuration::Error or object::BadCast when `settings.onvif.enabled` is there and no boolean.
     Manager(ZarnAuthenticationEngine const* engine, std::shared_ptr<configuration::node::Root> configuration,
             std::function<meta::data::VideoInfo(std::string const&)> channelInfo,
             utilities::name::Config const& nameConfig);
 
-    /// Finishes the exchanges under way, then lets go of everything. Exchanges that wait for events answer at once.
+    /// Ends the answering of probes, finishes the exchanges under way, then lets go of everything. Exchanges that wait
+    /// for events answer at once. Waits for a change of the setting that is being followed on another thread.
     ~Manager() override;
 
     Manager(Manager const&) = delete;
@@ -44,12 +49,13 @@ public:
     /// Thread: any; several at a time.
     Response Post(std::shared_ptr<web::Request> request) override;
 
-    /// The port of the host's web server, as advertised from the next request on. 0 until the first call.
+    /// The port of the host's web server, as advertised from the next request or probe on. 0 until the first call, and
+    /// until then no probe is answered.
     /// Thread: any.
     void UpdateServerPort(std::uint16_t port);
 
-    /// Whether the host's web server speaks TLS, as advertised from the next request on. False until the first call.
-    /// Thread: any.
+    /// Whether the host's web server speaks TLS, as advertised from the next request or probe on. False until the first
+    /// call. Thread: any.
     void UpdateSSLState(bool enabled);
 
 private:

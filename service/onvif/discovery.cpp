@@ -1,0 +1,29 @@
+#include "discovery.h"
+
+#include <utility>
+
+namespace zarn::service::onvif {
+
+using zarn::onvif::discovery::Request;
+using zarn::onvif::discovery::Response;
+
+Discovery::Discovery(utilities::name::Config nameConfig, std::uint16_t port, bool sslEnabled)
+    : port(port), sslEnabled(sslEnabled), portKnown(port != 0), nameConfig(std::move(nameConfig)) {
+    Begin();
+}
+
+Discovery::~Discovery() { End(); }
+
+void Discovery::SetPort(std::uint16_t newPort) {
+    port = newPort;
+    portKnown = true; // 0 too, which the host has then told
+}
+
+void Discovery::SetSSlEnabled(bool enabled) { sslEnabled = enabled; }
+
+Response Discovery::HandleReceive(Request const& request) {
+    if (!portKnown) return {};
+    return {request.GetMessageId(), request.GetAddress(), port, sslEnabled, nameConfig};
+}
+
+} // namespace zarn::service::onvif

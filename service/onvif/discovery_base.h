@@ -1,0 +1,66 @@
+#pragma once
+
+#include <zarn/asio/io_context.h>
+#include <zarn/container/buffer.h>
+#include <zarn/onvif/discovery/request.h>
+#include <zarn/onvif/discovery/response.h>
+#include <zarn/protocol/network/udp/operation.h>
+#include <zarn/protocol/network/udp/receiver.h>
+
+#include <boost/asio/ip/address.hpp>
+#include <boost/asio/ip/udp.hpp>
+#include <boost/asio/steady_timer.hpp>
+
+#include <chrono>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace zarn::service::onvif {
+
+/// The group that WS-Discovery clients send their probes to (WS-Discovery 2005/04, section 2.4).
+extern boost::asio::ip::address const MulticastAddress;
+
+/// Receives WS-Discovery messages and sends the answers that the derived class gives, each to the source of its
+/// message.
+///
+/// The derived class calls Begin when it is complete and End when it begins to go: it is called in between only. While
+/// the port cannot be had, that is logged and tried again.
+class DiscoveryBase {
+public:
+    /// How long a failed attempt to receive is followed by none.
+    static constexpr std::chrono::milliseconds RetryInterval = std::chrono::seconds(10);
+
+    explicit DiscoveryBase(std::chrono::milliseconds retryInterval = RetryInterval);
+    virtual ~DiscoveryBase();
+
+    DiscoveryBase(DiscoveryBase const&) = delete;
+    DiscoveryBase& operator=(DiscoveryBase const&) = delete;
+
+    /// The answer to a message; one that is not valid is not sent. Thread: the responder's own.
+    virtual zarn::onvif::discovery::Response HandleReceive(zarn::onvif::discovery::Request const& request) = 0;
+
+protected:
+    /// Makes the first attempt to receive, which never throws. To be called once, as the last act of construction.
+    void Begin();
+
+    /// Ends receiving, trying and sending: when it returns, nothing of this object runs any more. To be called as the
+    /// first act of destruction, on another thread than the responder's.
+    void End();
+
+private:
+    void TrySetup();
+    void RetryLater();
+    protocol::network::udp::Operation HandleReceiveFrom(boost::system::error_code const& error,
+                                                        std::shared_ptr<container::Buffer> const& datagram,
+                                                        boost::asio::ip::udp::endpoint const& source);
+    void Answer(std::string_view text, boost::asio::ip::udp::endpoint const& source);
+    void Send(std::string xml, boost::asio::ip::udp::endpoint const& destination);
+
+    std::chrono::milliseconds const retryInterval;
+    asio::IoContext ioContext;
+    std::unique_ptr<protocol::network::udp::Receiver> receiver;
+    boost::asio::steady_timer retryTimer;
+};
+
+} // namespace zarn::service::onvif

@@ -1,0 +1,219 @@
+#include "device_fixture.h"
+#include "unit/service/probe_client.h"
+
+#include <zarn/configuration/error.h>
+#include <zarn/configuration/node/primitive.h>
+#include <zarn/configuration/schema.h>
+#include <zarn/logging/capture.h>
+#include <zarn/object/bad_cast.h>
+
+#include <boost/json/parse.hpp>
+#include <boost/json/value.hpp>
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <atomic>
+#include <thread>
+
+namespace zarn::test {
+namespace {
+
+using namespace std::chrono_literals;
+using configuration::node::Primitive;
+using testing::HasSubstr;
+
+constexpr char Path[] = "settings.onvif.enabled";
+constexpr char Starting[] = "Starting ONVIF discovery service";
+constexpr char Stopping[] = "Stopping ONVIF discovery service";
+
+/// The manager's lines with this text, each of which is at the level for starts and stops.
+long Count(logging::Capture const& log, std::string const& text) {
+    auto const lines = log.GetLines();
+    return std::ranges::count_if(lines, [&](logging::Line const& line) {
+        return line.name == "zarn.service.onvif.manager" && static_cast<int>(line.level) == 4 && line.text == text;
+    });
+}
+
+class EnabledSetting : public DeviceFixture {
+protected:
+    Primitive<bool>& Setting() { return root->Find(Path)->As<Primitive<bool>>(); }
+
+    /// What the file of the host says, read before anybody has described the setting.
+    void Read(std::string const& enabled) {
+        root->FromJson(boost::json::parse(R"({"settings": {"onvif": {"enabled": )" + enabled + "}}}"),
+                       configuration::Unknown::Keep);
+    }
+
+    service::onvif::Manager MakeManager() { return {&engine, root, channelInfo, identity}; }
+};
+
+TEST_F(EnabledSetting, IsFalseInAFreshConfiguration) {
+    OnOwnNetwork([&] {
+        Manager();
+        EXPECT_FALSE(Setting().Get());
+        EXPECT_FALSE(ProbeClient().FindsAnybody(300ms));
+    });
+}
+
+TEST_F(EnabledSetting, IsDescribed) {
+    Manager();
+    EXPECT_EQ(root->Find(Path)->GetSchema(),
+              boost::json::parse(R"({"type": "boolean", "default": false, "readOnly": false, "writeOnly": false,
+                                    "description": "The boolean denoting whether ONVIF is enabled for Zarnsuite"})"));
+}
+
+TEST_F(EnabledSetting, MakesTheDeviceAppearAndDisappear) {
+    OnOwnNetwork([&] {
+        Manager();
+        ProbeClient client;
+        Setting().Set(true);
+        EXPECT_TRUE(client.FindsAnybody());
+        Setting().Set(false);
+        EXPECT_NO_THROW(PortHolder());
+        Setting().Set(true);
+        EXPECT_TRUE(client.FindsAnybody());
+    });
+}
+
+TEST_F(EnabledSetting, IsFollowedFromTheBeginning) {
+    OnOwnNetwork([&] {
+        Read("true");
+        logging::Capture const log;
+        Manager();
+        EXPECT_EQ(Count(log, Starting), 1);
+        EXPECT_TRUE(ProbeClient().FindsAnybody());
+    });
+}
+
+TEST_F(EnabledSetting, StartsOneResponderWhenItIsSetTwice) {
+    OnOwnNetwork([&] {
+        Manager();
+        logging::Capture const log;
+        Setting().Set(true);
+        Setting().Set(true);
+        EXPECT_EQ(Count(log, Starting), 1);
+        EXPECT_FALSE(log.Contains("Failed to start"));
+    });
+}
+
+TEST_F(EnabledSetting, LogsEachTimeThatItIsSetToFalse) {
+    OnOwnNetwork([&] {
+        Manager();
+        Setting().Set(true);
+        logging::Capture const log;
+        Setting().Set(false);
+        Setting().Set(false);
+        EXPECT_EQ(Count(log, Stopping), 2);
+    });
+}
+
+TEST_F(EnabledSetting, LeavesRequestsServed) {
+    OnOwnNetwork([&] {
+        EXPECT_EQ(Ask("<trt:GetProfiles/>").status, 200);
+        Setting().Set(true);
+        EXPECT_EQ(Ask("<trt:GetProfiles/>").status, 200);
+    });
+}
+
+TEST_F(EnabledSetting, MustBeABoolean) {
+    root->Schema({configuration::Schema(Path, "yes", "a text")});
+    try {
+        Manager();
+        FAIL() << "a text was taken";
+    } catch (object::BadCast const& error) {
+        EXPECT_EQ(error.GetTypeName(), "zarn.configuration.node.Bool");
+    }
+}
+
+TEST_F(EnabledSetting, MustBeABooleanInTheFile) {
+    Read("\"maybe\"");
+    EXPECT_THROW(Manager(), configuration::Error);
+}
+
+TEST_F(EnabledSetting, EndsWithTheManager) {
+    OnOwnNetwork([&] {
+        Read("true");
+        logging::Capture const log;
+        {
+            auto const device = MakeManager();
+            EXPECT_EQ(Count(log, Stopping), 0);
+        }
+        EXPECT_EQ(Count(log, Stopping), 1);
+        EXPECT_NO_THROW(PortHolder());
+        Setting().Set(true);
+        EXPECT_EQ(Count(log, Starting), 1) << "nobody follows the setting any more";
+    });
+}
+
+TEST_F(EnabledSetting, MayChangeWhileTheHostTellsItsPort) {
+    OnOwnNetwork([&] {
+        auto& device = Manager();
+        std::atomic<bool> over = false;
+        std::thread host([&] {
+            for (std::uint16_t port = 1; !over; ++port) {
+                device.UpdateServerPort(port);
+                device.UpdateSSLState(port % 2 == 0);
+            }
+        });
+        std::thread other([&] {
+            while (!over) Setting().Set(true);
+        });
+        for (int i = 0; i < 100; ++i) Setting().Set(i % 2 == 0);
+        over = true;
+        host.join();
+        other.join();
+        Setting().Set(true);
+        device.UpdateServerPort(4711);
+        device.UpdateSSLState(true);
+        auto const answer = ProbeClient().Ask(MakeProbe("urn:uuid:1"));
+        ASSERT_TRUE(answer);
+        EXPECT_THAT(*answer, HasSubstr("https://127.0.0.1:4711/onvif/device_service"));
+    });
+}
+
+/// What the probes of clients are told of the host.
+class DiscoveredDevice : public EnabledSetting {
+protected:
+    static std::string Discover() { return ProbeClient().Ask(MakeProbe("urn:uuid:1")).value_or(""); }
+};
+
+TEST_F(DiscoveredDevice, IsSilentUntilTheHostTellsItsPort) {
+    OnOwnNetwork([&] {
+        Read("true");
+        auto device = MakeManager();
+        EXPECT_FALSE(ProbeClient().FindsAnybody(300ms));
+        device.UpdateServerPort(8081);
+        EXPECT_THAT(Discover(), HasSubstr("http://127.0.0.1:8081/onvif/device_service"));
+    });
+}
+
+TEST_F(DiscoveredDevice, HasThePortAndTlsStateThatWereToldBeforeItStarted) {
+    OnOwnNetwork([&] {
+        Manager().UpdateServerPort(8443);
+        Manager().UpdateSSLState(true);
+        Setting().Set(true);
+        EXPECT_THAT(Discover(), HasSubstr("https://127.0.0.1:8443/onvif/device_service"));
+    });
+}
+
+TEST_F(DiscoveredDevice, HasThePortAndTlsStateThatWereToldLast) {
+    OnOwnNetwork([&] {
+        Manager();
+        Setting().Set(true);
+        EXPECT_THAT(Discover(), HasSubstr("http://127.0.0.1:8080/onvif/device_service"));
+        Manager().UpdateServerPort(8443);
+        Manager().UpdateSSLState(true);
+        EXPECT_THAT(Discover(), HasSubstr("https://127.0.0.1:8443/onvif/device_service"));
+    });
+}
+
+TEST_F(DiscoveredDevice, TellsItsIdentity) {
+    OnOwnNetwork([&] {
+        Manager();
+        Setting().Set(true);
+        EXPECT_THAT(Discover(), HasSubstr("onvif://www.onvif.org/location/Hall%203"));
+    });
+}
+
+} // namespace
+} // namespace zarn::test

@@ -1,0 +1,209 @@
+#include "unit/service/probe_client.h"
+
+#include <service/onvif/discovery_base.h>
+#include <zarn/logging/capture.h>
+
+#include <gmock/gmock.h>
+
+#include <atomic>
+#include <memory>
+#include <thread>
+#include <vector>
+
+namespace zarn::service::onvif {
+namespace {
+
+using namespace std::chrono_literals;
+using test::MakeProbe;
+using test::OnOwnNetwork;
+using test::PortHolder;
+using test::ProbeClient;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::StartsWith;
+using zarn::onvif::discovery::Request;
+using zarn::onvif::discovery::Response;
+
+/// Answers every message that parses, and keeps count.
+class Responder : public DiscoveryBase {
+public:
+    explicit Responder(std::chrono::milliseconds retryInterval = RetryInterval, std::string location = "Vienna")
+        : DiscoveryBase(retryInterval), location(std::move(location)) {
+        Begin();
+    }
+
+    ~Responder() override { End(); }
+
+    Responder(Responder const&) = delete;
+    Responder& operator=(Responder const&) = delete;
+
+    Response HandleReceive(Request const& request) override {
+        ++asked;
+        return {request.GetMessageId(), request.GetAddress(), 8080, false,
+                utilities::name::Config({"Maker", "Model", "1.0", "rack", location, "Door"})};
+    }
+
+    std::atomic<int> asked = 0;
+
+private:
+    std::string const location;
+};
+
+/// "level text" of the lines of the responder.
+std::vector<std::string> LinesOf(logging::Capture const& log) {
+    std::vector<std::string> lines;
+    for (auto const& line : log.GetLines()) {
+        if (line.name == "zarn.service.onvif.DiscoveryBase")
+            lines.push_back(std::to_string(static_cast<int>(line.level)) + ' ' + line.text);
+    }
+    return lines;
+}
+
+TEST(DiscoveryBase, AnswersAProbeOfTheGroupAtItsSource) {
+    OnOwnNetwork([] {
+        Responder const responder;
+        auto const answer = ProbeClient().Ask(MakeProbe("urn:uuid:1"));
+        ASSERT_TRUE(answer);
+        EXPECT_THAT(*answer, HasSubstr("ProbeMatches"));
+        EXPECT_THAT(*answer, HasSubstr("urn:uuid:1"));
+    });
+}
+
+TEST(DiscoveryBase, AnswersAProbeSentToItsOwnAddress) {
+    OnOwnNetwork([] {
+        Responder const responder;
+        ProbeClient client;
+        client.Send(MakeProbe("urn:uuid:1"), "127.0.0.1");
+        EXPECT_TRUE(client.Receive());
+    });
+}
+
+TEST(DiscoveryBase, AnswersOneProbeAfterTheOther) {
+    OnOwnNetwork([] {
+        Responder const responder;
+        ProbeClient client;
+        for (auto const* id : {"urn:uuid:1", "urn:uuid:2", "urn:uuid:3"}) {
+            auto const answer = client.Ask(MakeProbe(id));
+            ASSERT_TRUE(answer);
+            EXPECT_THAT(*answer, HasSubstr(id));
+        }
+    });
+}
+
+TEST(DiscoveryBase, LogsWhatItReceivesAndSends) {
+    OnOwnNetwork([] {
+        logging::Capture const log;
+        auto const probe = MakeProbe("urn:uuid:1");
+        Responder const responder;
+        auto const answer = ProbeClient().Ask(probe);
+        ASSERT_TRUE(answer);
+        EXPECT_THAT(LinesOf(log), ElementsAre("4 Onvif discovery service started successfully",
+                                              "2 Successfully parsed discovery request: " + probe,
+                                              "2 Successfully generated discovery response: " + *answer));
+    });
+}
+
+TEST(DiscoveryBase, LogsWhatItCannotParseAndGoesOn) {
+    OnOwnNetwork([] {
+        logging::Capture const log;
+        Responder const responder;
+        ProbeClient client;
+        client.Send("no \x01 probe");
+        ASSERT_TRUE(client.Ask(MakeProbe("urn:uuid:1")));
+        EXPECT_EQ(LinesOf(log).at(1), "2 Failed to parse discovery request: no \\x01 probe");
+        EXPECT_EQ(responder.asked, 1);
+    });
+}
+
+TEST(DiscoveryBase, SendsNothingWhenTheAnswerIsNotValid) {
+    OnOwnNetwork([] {
+        logging::Capture const log;
+        Responder const responder;
+        ProbeClient client;
+        auto const pointless = MakeProbe("");
+        client.Send(pointless);
+        auto const answer = client.Ask(MakeProbe("urn:uuid:1"));
+        ASSERT_TRUE(answer);
+        EXPECT_THAT(*answer, HasSubstr("urn:uuid:1")) << "the first answer is to the second message";
+        EXPECT_EQ(LinesOf(log).at(2), "2 Failed to generate discovery response for request: " + pointless);
+    });
+}
+
+TEST(DiscoveryBase, LogsAnAnswerThatCannotBeSent) {
+    OnOwnNetwork([] {
+        logging::Capture const log;
+        Responder const responder(DiscoveryBase::RetryInterval, std::string(70000, 'x'));
+        ProbeClient client;
+        client.Send(MakeProbe("urn:uuid:1"));
+        EXPECT_TRUE(log.WaitFor("Failed to send discovery response: <", 10s));
+    });
+}
+
+TEST(DiscoveryBase, TriesAgainUntilThePortIsFree) {
+    OnOwnNetwork([] {
+        logging::Capture const log;
+        auto holder = std::make_unique<PortHolder>();
+        Responder const responder(20ms);
+        ASSERT_TRUE(log.WaitFor("Failed to start Onvif discovery service: ", 10s));
+        while (LinesOf(log).size() < 3) std::this_thread::sleep_for(1ms);
+        for (auto const& line : LinesOf(log))
+            EXPECT_THAT(line, StartsWith("16 Failed to start Onvif discovery service: "));
+        holder.reset();
+        EXPECT_TRUE(log.WaitFor("Onvif discovery service started successfully", 10s));
+        EXPECT_TRUE(ProbeClient().FindsAnybody());
+    });
+}
+
+TEST(DiscoveryBase, TriesAgainAfterTenSeconds) {
+    OnOwnNetwork([] {
+        logging::Capture const log;
+        auto holder = std::make_unique<PortHolder>();
+        auto const begin = std::chrono::steady_clock::now();
+        Responder const responder;
+        holder.reset();
+        EXPECT_TRUE(log.WaitFor("Onvif discovery service started successfully", 30s));
+        EXPECT_GE(std::chrono::steady_clock::now() - begin, 10s);
+    });
+}
+
+TEST(DiscoveryBase, DoesNotTryAgainOnceItIsGone) {
+    OnOwnNetwork([] {
+        logging::Capture const log;
+        PortHolder const holder;
+        { Responder const responder(1h); }
+        EXPECT_EQ(LinesOf(log).size(), 1U);
+        { Responder const responder(1ms); }
+        auto const lines = LinesOf(log).size();
+        std::this_thread::sleep_for(20ms);
+        EXPECT_EQ(LinesOf(log).size(), lines);
+    });
+}
+
+TEST(DiscoveryBase, LeavesThePortFree) {
+    OnOwnNetwork([] {
+        { Responder const responder; }
+        EXPECT_NO_THROW(PortHolder());
+    });
+}
+
+TEST(DiscoveryBase, BeginsAndEndsInAFloodOfProbes) {
+    OnOwnNetwork([] {
+        std::atomic<bool> over = false;
+        std::thread flood([&] {
+            ProbeClient client;
+            while (!over) client.Send(MakeProbe("urn:uuid:flood"), "127.0.0.1");
+        });
+        int asked = 0;
+        for (int i = 0; i < 2000; ++i) {
+            Responder const responder;
+            if (i % 2 == 0) std::this_thread::yield();
+            asked += responder.asked;
+        }
+        over = true;
+        flood.join();
+        EXPECT_GT(asked, 0) << "the flood did not reach the responder";
+    });
+}
+
+} // namespace
+} // namespace zarn::service::onvif

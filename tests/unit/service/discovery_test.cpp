@@ -1,0 +1,84 @@
+#include "unit/service/probe_client.h"
+
+#include <service/onvif/discovery.h>
+#include <zarn/network/local.h>
+
+#include <gmock/gmock.h>
+
+#include <atomic>
+#include <thread>
+
+namespace zarn::service::onvif {
+namespace {
+
+using namespace std::chrono_literals;
+using test::MakeProbe;
+using test::OnOwnNetwork;
+using test::ProbeClient;
+using testing::AllOf;
+using testing::HasSubstr;
+using zarn::onvif::discovery::Request;
+
+utilities::name::Config Identity() {
+    return utilities::name::Config({"Maker", "Model", "1.0", "rack", "Cellar", "Door camera"});
+}
+
+/// The answer that the responder would send, without a network.
+zarn::onvif::discovery::Response Ask(Discovery& discovery) {
+    return discovery.HandleReceive(Request(MakeProbe("urn:uuid:1")));
+}
+
+std::string Address() { return network::GetLocalIPAddress().to_string(); }
+
+TEST(Discovery, AnswersNothingWithPortZeroUntilItIsToldThePort) {
+    OnOwnNetwork([] {
+        Discovery discovery(Identity(), 0, false);
+        EXPECT_FALSE(Ask(discovery).IsValid());
+        EXPECT_FALSE(ProbeClient().FindsAnybody(300ms));
+        discovery.SetPort(0);
+        EXPECT_TRUE(Ask(discovery).IsValid());
+        auto const answer = ProbeClient().Ask(MakeProbe("urn:uuid:1"));
+        ASSERT_TRUE(answer);
+        EXPECT_THAT(*answer, HasSubstr("http://" + Address() + ":0/onvif/device_service"));
+    });
+}
+
+TEST(Discovery, AnswersAtOnceWithAPort) {
+    OnOwnNetwork([] {
+        Discovery const discovery(Identity(), 8080, false);
+        auto const answer = ProbeClient().Ask(MakeProbe("urn:uuid:1"));
+        ASSERT_TRUE(answer);
+        EXPECT_THAT(*answer, AllOf(HasSubstr("urn:uuid:1"), HasSubstr("onvif://www.onvif.org/location/Cellar"),
+                                   HasSubstr("http://" + Address() + ":8080/onvif/device_service")));
+    });
+}
+
+TEST(Discovery, TellsPortAndTlsAsTheyWereToldLast) {
+    OnOwnNetwork([] {
+        Discovery discovery(Identity(), 8443, true);
+        EXPECT_THAT(Ask(discovery).GetXML(), HasSubstr("https://" + Address() + ":8443/onvif/device_service"));
+        discovery.SetPort(80);
+        discovery.SetSSlEnabled(false);
+        EXPECT_THAT(Ask(discovery).GetXML(), HasSubstr("http://" + Address() + ":80/onvif/device_service"));
+    });
+}
+
+TEST(Discovery, MayBeToldWhileItAnswers) {
+    OnOwnNetwork([] {
+        Discovery discovery(Identity(), 1, false);
+        std::atomic<bool> over = false;
+        std::thread host([&] {
+            for (std::uint16_t port = 1; !over; ++port) {
+                discovery.SetPort(port);
+                discovery.SetSSlEnabled(port % 2 == 0);
+            }
+        });
+        ProbeClient client;
+        for (int i = 0; i < 5; ++i) EXPECT_TRUE(client.Ask(MakeProbe("urn:uuid:1")));
+        over = true;
+        host.join();
+    });
+}
+
+} // namespace
+} // namespace zarn::service::onvif

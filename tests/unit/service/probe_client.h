@@ -1,0 +1,107 @@
+#pragma once
+
+#include "unit/platform/network/network_namespace.h"
+
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/multicast.hpp>
+#include <boost/asio/ip/udp.hpp>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <chrono>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace zarn::test {
+
+/// Runs `work` where the port of WS-Discovery is nobody else's: on a network of its own, which is the loopback device
+/// with multicast. Skips the test where the kernel does not allow that.
+inline void OnOwnNetwork(std::function<void()> const& work) {
+    bool const entered = network::RunInNetworkNamespace([&] {
+        ASSERT_TRUE(network::Ip("link set lo up multicast on"));
+        work();
+    });
+    if (!entered) GTEST_SKIP() << "no network namespace may be made here";
+}
+
+/// A probe of WS-Discovery 2005/04 for ONVIF devices.
+inline std::string MakeProbe(std::string const& messageId) {
+    return R"(<?xml version="1.0" encoding="utf-8"?>)"
+           R"(<e:Envelope xmlns:e="http://www.w3.org/2003/05/soap-envelope")"
+           R"( xmlns:w="http://schemas.xmlsoap.org/ws/2004/08/addressing")"
+           R"( xmlns:d="http://schemas.xmlsoap.org/ws/2005/04/discovery")"
+           R"( xmlns:dn="http://www.onvif.org/ver10/network/wsdl">)"
+           R"(<e:Header><w:MessageID>)" +
+           messageId +
+           R"(</w:MessageID><w:To>urn:schemas-xmlsoap-org:ws:2005:04:discovery</w:To>)"
+           R"(<w:Action>http://schemas.xmlsoap.org/ws/2005/04/discovery/Probe</w:Action></e:Header>)"
+           R"(<e:Body><d:Probe><d:Types>dn:NetworkVideoTransmitter</d:Types></d:Probe></e:Body></e:Envelope>)";
+}
+
+/// A client of WS-Discovery on the device with an address, by default the loopback device.
+class ProbeClient {
+public:
+    explicit ProbeClient(std::string const& address = "127.0.0.1")
+        : socket(context, {boost::asio::ip::make_address(address), 0}) {
+        socket.set_option(boost::asio::ip::multicast::outbound_interface(boost::asio::ip::make_address_v4(address)));
+        socket.set_option(boost::asio::ip::multicast::enable_loopback(true));
+    }
+
+    /// Sends a datagram to the group, or to another address.
+    void Send(std::string const& text, std::string const& address = "239.255.255.250") {
+        socket.send_to(boost::asio::buffer(text), {boost::asio::ip::make_address(address), 3702});
+    }
+
+    /// The next datagram, if one comes within the time.
+    std::optional<std::string> Receive(std::chrono::milliseconds limit = std::chrono::seconds(10)) {
+        std::optional<std::string> answer;
+        socket.async_receive(boost::asio::buffer(datagram), [&](boost::system::error_code error, std::size_t size) {
+            if (!error) answer.emplace(datagram.data(), size);
+        });
+        context.restart();
+        context.run_for(limit);
+        if (!context.stopped()) {
+            socket.cancel();
+            context.run();
+        }
+        return answer;
+    }
+
+    /// The answer to a datagram sent to the group.
+    std::optional<std::string> Ask(std::string const& text) {
+        Send(text);
+        return Receive();
+    }
+
+    /// Whether a responder answers within the time, however often it has to be asked.
+    bool FindsAnybody(std::chrono::milliseconds limit = std::chrono::seconds(10)) {
+        auto const deadline = std::chrono::steady_clock::now() + limit;
+        do {
+            Send(MakeProbe("urn:uuid:anybody"));
+            if (Receive(std::chrono::milliseconds(100))) return true;
+        } while (std::chrono::steady_clock::now() < deadline);
+        return false;
+    }
+
+private:
+    boost::asio::io_context context;
+    boost::asio::ip::udp::socket socket;
+    std::array<char, 65536> datagram{};
+};
+
+/// Holds the port of WS-Discovery as another program would.
+class PortHolder {
+public:
+    PortHolder() : socket(context, {boost::asio::ip::udp::v4(), 3702}) {
+        fcntl(socket.native_handle(), F_SETFD, FD_CLOEXEC); // programs that are started meanwhile hold it not
+    }
+
+private:
+    boost::asio::io_context context;
+    boost::asio::ip::udp::socket socket;
+};
+
+} // namespace zarn::test
