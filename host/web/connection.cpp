@@ -73,6 +73,7 @@ public:
 
     void Finish() override {
         asio::post(stream.get_executor(), [self = Self()] {
+            self->finishing = true;
             if (self->idle) self->CloseNow();
         });
     }
@@ -85,6 +86,9 @@ private:
     using Handler = void (Session::*)(beast::error_code);
 
     std::shared_ptr<Session> Self() { return this->shared_from_this(); }
+
+    /// Whether the present request is the last one.
+    bool IsFinishing() const { return finishing || context->IsFinishing(); }
 
     /// A completion handler that calls `method`.
     auto Then(Handler method) {
@@ -111,7 +115,7 @@ private:
     }
 
     void AwaitRequest() {
-        if (context->IsFinishing()) return Linger();
+        if (IsFinishing()) return Linger();
         SkipEmptyLines();
         if (buffer.size() > 0) return ReadHeader();
         idle = true;
@@ -191,7 +195,7 @@ private:
     }
 
     void Write(Reply answer) {
-        form.keepAlive = form.keepAlive && !context->IsFinishing();
+        form.keepAlive = form.keepAlive && !IsFinishing();
         reply = std::move(answer);
         head = MakeResponseHead(reply, form);
         std::vector<asio::const_buffer> chunks{asio::buffer(head)};
@@ -250,6 +254,7 @@ private:
     Limits limits;         ///< of the present request
     bool timedOut = false; ///< the present operation was cancelled because its time was over
     bool idle = false;     ///< waiting for the first byte of a request
+    bool finishing = false;
     beast::flat_buffer buffer{MaximumHeader + FirstRead};
     std::optional<RequestParser> parser;
     std::optional<RequestParser::value_type::header_type> checkedHeader; ///< of a chunked request

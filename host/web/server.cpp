@@ -1,5 +1,6 @@
 #include "host/web/server.h"
 
+#include "host/web/acceptor.h"
 #include "host/web/connection.h"
 #include "host/web/connection_context.h"
 #include "host/web/dispatcher.h"
@@ -10,15 +11,12 @@
 #include <zarn/logging/logger.h>
 #include <zarn/logging/rate_limit.h>
 
-#include <boost/asio/bind_executor.hpp>
 #include <boost/asio/executor_work_guard.hpp>
 #include <boost/asio/post.hpp>
-#include <boost/asio/steady_timer.hpp>
-#include <boost/asio/use_future.hpp>
+#include <boost/asio/strand.hpp>
 
 #include <algorithm>
 #include <exception>
-#include <future>
 #include <mutex>
 #include <optional>
 #include <stdexcept>
@@ -39,9 +37,6 @@ using namespace std::chrono_literals;
 /// How often the deadlines of the connections are looked at.
 constexpr std::chrono::milliseconds SweepInterval = 250ms;
 
-/// Pause after a connection could not be accepted, for instance because the process has too many files open.
-constexpr auto AcceptPause = 100ms;
-
 /// Tells a client that there is no room, if that can be done without waiting.
 void Turn(Socket socket) {
     Reply const reply = MakeTextReply(Reply::Status::ServiceUnavailable, "Too many connections; try again later.",
@@ -59,16 +54,15 @@ class Server::Impl {
 public:
     Impl(asio::io_context& io, Listener listener, Router router, Options const& options)
         : io(io),
-          acceptor(listener.Release()),
+          acceptor(MakeAcceptor(std::move(listener))),
           tls(options.tls),
           admission(options.admission),
           failedLogins(options.failedLogins),
           ticker(io),
           dispatcher(std::move(router), ticker, *admission, *failedLogins),
           context(std::make_shared<ConnectionContext>(dispatcher, options.limits)),
-          acceptTimer(acceptor.get_executor()),
-          sweeper(acceptor.get_executor(), SweepInterval, "The deadlines of the connections were not looked at",
-                  [this] { Sweep(); }),
+          sweeping(asio::make_strand(io)),
+          sweeper(sweeping, SweepInterval, "The deadlines of the connections were not looked at", [this] { Sweep(); }),
           work(io.get_executor()) {}
 
     ~Impl() { Stop(0ms); }
@@ -79,10 +73,8 @@ public:
     /// Begins to serve; to be called once. Throws std::runtime_error when a thread cannot be started.
     void StartThreads(unsigned count) try {
         for (unsigned i = 0; i < count; ++i) threads.emplace_back([this] { Run(); });
-        asio::post(acceptor.get_executor(), [this] {
-            Accept();
-            sweeper.Start();
-        });
+        acceptor->Start();
+        asio::post(sweeping, [this] { sweeper.Start(); });
 
     } catch (std::system_error const& error) {
 
@@ -91,9 +83,21 @@ public:
 
     void SetLimits(Limits const& limits) { context->SetLimits(limits); }
 
+    void SetListener(Listener listener) {
+        if (threads.empty()) return;
+        auto const former = std::exchange(acceptor, MakeAcceptor(std::move(listener)));
+        acceptor->Start();
+        former->Close();
+        FinishAll();
+    }
+
     void SetTls(std::shared_ptr<asio::ssl::context> value) {
-        std::lock_guard const lock(mutex);
-        if (tls) tls = std::move(value);
+        {
+            std::lock_guard const lock(mutex);
+            std::swap(tls, value);
+            if (!tls == !value) return;
+        }
+        FinishAll();
     }
 
     void StopAccepting();
@@ -101,17 +105,16 @@ public:
 
 private:
     void Run();
-    void Accept();
+    std::shared_ptr<Acceptor> MakeAcceptor(Listener listener);
     void OnAccepted(Socket socket);
-    void OnAcceptError(boost::system::error_code error);
     void Sweep();
+    void FinishAll();
     std::vector<std::shared_ptr<Connection>> TakeLiving();
 
     asio::io_context& io;
-    tcp::acceptor acceptor; ///< used on its own strand only
+    std::shared_ptr<Acceptor> acceptor;
     logging::Logger logger{"zarn.host.web"};
     logging::RateLimit refused;
-    logging::RateLimit acceptFailed;
 
     std::mutex mutex; ///< guards the members up to the next blank line
     std::shared_ptr<asio::ssl::context> tls;
@@ -122,8 +125,8 @@ private:
     PendingTicker ticker;
     Dispatcher dispatcher;
     std::shared_ptr<ConnectionContext> context;
-    asio::steady_timer acceptTimer;
-    RepeatingTimer sweeper;
+    asio::strand<asio::io_context::executor_type> sweeping;
+    RepeatingTimer sweeper; ///< used on that strand only
     asio::executor_work_guard<asio::io_context::executor_type> work;
     std::vector<std::thread> threads;
 };
@@ -139,14 +142,9 @@ void Server::Impl::Run() {
     }
 }
 
-void Server::Impl::Accept() {
-    acceptor.async_accept(
-        asio::make_strand(io),
-        asio::bind_executor(acceptor.get_executor(), [this](boost::system::error_code error, Socket socket) {
-            if (error) return OnAcceptError(error);
-            Accept();
-            OnAccepted(std::move(socket));
-        }));
+std::shared_ptr<Acceptor> Server::Impl::MakeAcceptor(Listener listener) {
+    return std::make_shared<Acceptor>(io, std::move(listener),
+                                      [this](Socket socket) { OnAccepted(std::move(socket)); });
 }
 
 void Server::Impl::OnAccepted(Socket socket) {
@@ -177,18 +175,6 @@ void Server::Impl::OnAccepted(Socket socket) {
     connection->Start();
 }
 
-void Server::Impl::OnAcceptError(boost::system::error_code error) {
-    if (error == asio::error::operation_aborted || !acceptor.is_open()) return;
-    if (error == asio::error::connection_aborted) return Accept();
-    if (auto const suppressed = acceptFailed.Admit()) {
-        logger.Log(Level::Error, "Cannot accept a connection: %0% (%1% more before)", error.message(), *suppressed);
-    }
-    acceptTimer.expires_after(AcceptPause);
-    acceptTimer.async_wait([this](boost::system::error_code cancelled) {
-        if (!cancelled) Accept();
-    });
-}
-
 std::vector<std::shared_ptr<Connection>> Server::Impl::TakeLiving() {
     std::vector<std::shared_ptr<Connection>> living;
     std::lock_guard const lock(mutex);
@@ -206,16 +192,15 @@ void Server::Impl::Sweep() {
     for (auto const& connection : TakeLiving()) connection->CheckDeadline(now);
 }
 
+void Server::Impl::FinishAll() {
+    for (auto const& connection : TakeLiving()) connection->Finish();
+}
+
 void Server::Impl::StopAccepting() {
     if (threads.empty()) return;
     context->SetFinishing();
-    asio::post(acceptor.get_executor(), asio::use_future([this] {
-                   boost::system::error_code ignored;
-                   acceptor.close(ignored);
-                   acceptTimer.cancel();
-               }))
-        .get();
-    for (auto const& connection : TakeLiving()) connection->Finish();
+    acceptor->Close();
+    FinishAll();
 }
 
 void Server::Impl::Stop(std::chrono::milliseconds grace) {
@@ -225,7 +210,7 @@ void Server::Impl::Stop(std::chrono::milliseconds grace) {
     auto const busy = [&] { return admission->GetConnections() > 0; };
     while (busy() && Connection::Clock::now() < deadline) std::this_thread::sleep_for(5ms);
     for (auto const& connection : TakeLiving()) connection->Close();
-    asio::post(acceptor.get_executor(), [this] { sweeper.Stop(); });
+    asio::post(sweeping, [this] { sweeper.Stop(); });
     work.reset();
     io.stop();
     for (auto& thread : threads) thread.join();
@@ -240,6 +225,8 @@ Server::Server(asio::io_context& io, Listener listener, Router router, Options c
 Server::~Server() = default;
 
 void Server::SetLimits(Limits const& limits) { impl->SetLimits(limits); }
+
+void Server::SetListener(Listener listener) { impl->SetListener(std::move(listener)); }
 
 void Server::SetTls(std::shared_ptr<asio::ssl::context> tls) { impl->SetTls(std::move(tls)); }
 

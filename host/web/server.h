@@ -16,7 +16,7 @@
 namespace zarn::host::web {
 
 /// The web server: accepts connections on a listener and serves them on a few threads that never wait.
-/// Thread: any, except that Stop and the destructor must not run on one of its own threads.
+/// Thread: any for setting limits and TLS; one at a time, and none of the server's own, for the rest.
 class Server {
 public:
     struct Options {
@@ -50,7 +50,12 @@ public:
     /// Bounds for the requests that begin from now on.
     void SetLimits(Limits const& limits);
 
-    /// Certificate and key for the connections that come from now on. Only for a server that speaks TLS already.
+    /// Accepts connections on another listener from now on, and none any more on the one before. The connections before
+    /// end after the request that they are at.
+    void SetListener(Listener listener);
+
+    /// Certificate and key for the connections that come from now on; null: plain HTTP. When plain HTTP gives way to
+    /// TLS or TLS to it, the connections before end after the request that they are at.
     void SetTls(std::shared_ptr<boost::asio::ssl::context> tls);
 
     /// Accepts no more connections, closes those that wait for a request, and keeps the others only until their present

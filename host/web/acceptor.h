@@ -1,0 +1,49 @@
+#pragma once
+
+#include "host/web/connection.h"
+#include "host/web/listener.h"
+
+#include <zarn/logging/logger.h>
+#include <zarn/logging/rate_limit.h>
+
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/steady_timer.hpp>
+
+#include <functional>
+#include <memory>
+
+namespace zarn::host::web {
+
+/// Accepts the connections of one listener until it is closed, whatever goes wrong with some of them. What is under way
+/// keeps it alive.
+class Acceptor : public std::enable_shared_from_this<Acceptor> {
+public:
+    /// Gets each connection, one at a time.
+    using Handler = std::function<void(Socket)>;
+
+    Acceptor(boost::asio::io_context& io, Listener listener, Handler handler);
+
+    Acceptor(Acceptor const&) = delete;
+    Acceptor& operator=(Acceptor const&) = delete;
+
+    /// Begins to accept. To be called once. Thread: any.
+    void Start();
+
+    /// Closes the port; the handler is not called after this has returned. Closing twice is harmless.
+    /// Thread: any but those that run the I/O context, which must be running.
+    void Close();
+
+private:
+    void Accept();
+    void OnError(boost::system::error_code error);
+
+    boost::asio::io_context& io;
+    boost::asio::ip::tcp::acceptor acceptor; ///< used on its own strand only
+    boost::asio::steady_timer pause;
+    Handler const handler;
+    logging::Logger logger{"zarn.host.web"};
+    logging::RateLimit failures;
+};
+
+} // namespace zarn::host::web

@@ -1,0 +1,114 @@
+#include "host/certificate.h"
+#include "host/web/tls.h"
+#include "web/server_fixture.h"
+
+#include <gmock/gmock.h>
+
+#include <atomic>
+#include <chrono>
+#include <thread>
+
+namespace zarn::host::web {
+namespace {
+
+using namespace std::chrono_literals;
+using tests::host::Certificate;
+using tests::host::RawConnection;
+using tests::host::TemporaryFolder;
+
+/// A server that goes to another port, or takes to TLS, while it serves.
+class ServerMove : public ServerTest {
+protected:
+    /// Goes to a free port; returns the former one.
+    std::uint16_t Move() {
+        Listener listener(io, 0);
+        auto const former = std::exchange(port, listener.GetPort());
+        server->SetListener(std::move(listener));
+        return former;
+    }
+};
+
+TEST_F(ServerMove, ServesTheNewPortAndNoLongerTheFormerOne) {
+    Start();
+    auto const former = Move();
+    EXPECT_EQ(Connect().Exchange(Echo()).status, 200U);
+    EXPECT_THROW(RawConnection{former}, std::exception);
+}
+
+TEST_F(ServerMove, ServesWhoConnectedBeforeItCame) {
+    Start();
+    Listener listener(io, 0);
+    port = listener.GetPort();
+    auto early = Connect();
+    early.Send(Echo());
+    server->SetListener(std::move(listener));
+    EXPECT_EQ(early.Read().status, 200U);
+}
+
+TEST_F(ServerMove, FinishesRequestsUnderWayAndEndsTheirConnections) {
+    Start();
+    auto waiting = Connect();
+    waiting.Send(Wait);
+    ASSERT_TRUE(AwaitExchanges(1));
+    Move();
+    Release();
+    auto const response = waiting.Read();
+    EXPECT_EQ(response.body, "waited");
+    EXPECT_EQ(response.fields.at("connection"), "close");
+}
+
+TEST_F(ServerMove, EndsConnectionsThatWaitForARequest) {
+    Start();
+    auto idle = Connect();
+    ASSERT_EQ(idle.Exchange(Echo()).status, 200U);
+    Move();
+    EXPECT_TRUE(idle.IsClosedWithin(5s));
+}
+
+TEST_F(ServerMove, MayBeDoneAgainAndAgainUnderLoad) {
+    Start();
+    std::atomic<bool> over = false;
+    std::atomic<std::uint16_t> present = port;
+    std::thread client([&] {
+        while (!over) {
+            try {
+                RawConnection(present).Exchange(Echo());
+            } catch (std::exception const&) {
+                // It has just moved away.
+            }
+        }
+    });
+    for (int i = 0; i < 50; ++i) {
+        Move();
+        present = port;
+        EXPECT_EQ(Connect().Exchange(Echo()).status, 200U);
+    }
+    over = true;
+    client.join();
+}
+
+TEST_F(ServerMove, IsHarmlessWhenItHasStopped) {
+    Start();
+    server->Stop();
+    EXPECT_NO_THROW(Move());
+}
+
+TEST_F(ServerMove, TakesToTlsAndBack) {
+    Start();
+    TemporaryFolder const folder;
+    Certificate const files(folder);
+    auto before = Connect();
+    ASSERT_EQ(before.Exchange(Echo()).status, 200U);
+
+    server->SetTls(MakeTlsContext(files.certificate, files.key));
+    EXPECT_TRUE(before.IsClosedWithin(5s));
+    auto plain = Connect();
+    plain.Send(Echo());
+    EXPECT_THAT(plain.ReadAll(), testing::Not(testing::StartsWith("HTTP")));
+
+    server->SetTls(nullptr);
+    EXPECT_EQ(Connect().Exchange(Echo()).status, 200U);
+}
+
+} // namespace
+} // namespace zarn::host::web
