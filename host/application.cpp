@@ -14,6 +14,7 @@
 #include <zarn/configuration/node/primitive.h>
 #include <zarn/network/local.h>
 #include <zarn/onvif/events/handler.h>
+#include <zarn/protocol/network/udp/admission.h>
 
 #include <boost/asio/post.hpp>
 
@@ -28,14 +29,19 @@ namespace zarn::host {
 namespace {
 
 using logging::Level;
+namespace udp = protocol::network::udp;
 
 /// Settings that are read once, at start.
-constexpr std::array FixedPaths{"identity", WebPortPath, RtspPortPath};
+constexpr std::array FixedPaths{"identity", RtspPortPath};
 
 std::vector<int> const HandledSignals{SIGTERM, SIGINT, SIGHUP};
 
 /// Threads of the web server: they never wait, so that more than a few would only get into each other's way.
 unsigned CountWebThreads() { return std::clamp(std::thread::hardware_concurrency(), 2U, 4U); }
+
+bool IsOverridden(configuration::node::Root const& root, char const* path) {
+    return root.Find(path)->As<configuration::node::Value>().IsOverridden();
+}
 
 boost::json::value ReadPersisted(configuration::node::Root const& root, char const* path) {
     return root.Find(path)->ToJson(configuration::Layer::Persisted);
@@ -44,7 +50,10 @@ boost::json::value ReadPersisted(configuration::node::Root const& root, char con
 } // namespace
 
 Application::Application(Preparation prepared)
-    : preparation(std::move(prepared)), control(1), signals(control, SIGTERM, SIGINT, SIGHUP) {
+    : preparation(std::move(prepared)),
+      control(1),
+      signals(control, SIGTERM, SIGINT, SIGHUP),
+      speaksTls(preparation.tls != nullptr) {
     auto& root = *preparation.configuration;
     for (auto const* path : FixedPaths) fixed.push_back(ReadPersisted(root, path));
 
@@ -52,9 +61,11 @@ Application::Application(Preparation prepared)
     authentication.SetHa1(preparation.credentials.ha1);
     authentication.SetEnabled(authenticate);
 
+    if (!IsOverridden(root, WebPortPath)) followedPort = ReadPersisted(root, WebPortPath);
     web::Listener listener(webContext, ReadPort(root, WebPortPath));
     BindPort(WebPortPath, listener.GetPort());
     failedLogins->SetLimit(ReadFailedLoginsLimit(root));
+    udp::AllowAnySource(ReadBool(root, DiscoveryAnywherePath));
     engine = std::make_unique<video::Engine>(video::RtspSettings{.port = ReadPort(root, RtspPortPath),
                                                                  .authenticate = authenticate,
                                                                  .ha1 = preparation.credentials.ha1,
@@ -67,7 +78,7 @@ Application::Application(Preparation prepared)
         &authentication, preparation.configuration, [this](std::string const& id) { return engine->Describe(id); },
         ReadIdentity(root));
     manager->UpdateServerPort(listener.GetPort());
-    manager->UpdateSSLState(preparation.tls != nullptr);
+    manager->UpdateSSLState(speaksTls);
     mqtt = std::make_unique<events::MqttClient>(zarn::onvif::events::Publish);
     onvif = std::make_shared<web::OnvifRoute>(*manager, authentication);
 
@@ -85,7 +96,7 @@ Application::Application(Preparation prepared)
 Application::~Application() { Stop(); }
 
 std::string Application::GetAddress() const {
-    return std::string(preparation.tls ? "https://" : "http://") + network::GetLocalIPAddress().to_string() + ':' +
+    return std::string(speaksTls ? "https://" : "http://") + network::GetLocalIPAddress().to_string() + ':' +
            std::to_string(ReadPort(*preparation.configuration, WebPortPath)) + "/onvif/device_service";
 }
 
@@ -119,8 +130,7 @@ std::vector<web::Route> Application::MakeRoutes() {
     auto const describe = [this] {
         auto const uptime =
             std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - started);
-        return MakeStatus(*preparation.configuration, *engine, *admission, mqtt->GetStatus(),
-                          preparation.tls != nullptr, uptime);
+        return MakeStatus(*preparation.configuration, *engine, *admission, mqtt->GetStatus(), speaksTls, uptime);
     };
     return {
         {"/onvif/", onvif},
@@ -147,26 +157,15 @@ void Application::AwaitSignal() {
 }
 
 void Application::Reload() {
+    // The threads that begin here are not to get the signals.
+    SignalHold const hold(HandledSignals);
     try {
         preparation.file->Load();
         logger.Log(Level::Info, "Read %0% again", preparation.file->GetPath());
+        // Also when the file is as it was: the certificate may be another, or a port free.
+        ScheduleApply();
     } catch (std::exception const& error) {
         logger.Log(Level::Error, "The configuration stays as it was: %0%", error.what());
-        return;
-    }
-    ReloadTls();
-}
-
-void Application::ReloadTls() {
-    try {
-        auto const files = ReadTlsFiles(*preparation.configuration);
-        if (files.IsEmpty() != (preparation.tls == nullptr)) {
-            logger.Log(Level::Warning, "settings.tls: whether TLS is spoken changes at the next start");
-        } else if (!files.IsEmpty()) {
-            server->SetTls(web::MakeTlsContext(files.certificate, files.privateKey));
-        }
-    } catch (std::exception const& error) {
-        logger.Log(Level::Error, "The certificate stays as it was: %0%", error.what());
     }
 }
 
@@ -176,7 +175,6 @@ void Application::ScheduleApply() {
 
 void Application::Apply() {
     applyScheduled = false;
-    // The threads that begin here are not to get the signals.
     SignalHold const hold(HandledSignals);
     auto const& root = *preparation.configuration;
     try {
@@ -186,14 +184,46 @@ void Application::Apply() {
             engine->SetAuthentication(authenticate, preparation.credentials.ha1);
         }
         failedLogins->SetLimit(ReadFailedLoginsLimit(root));
+        udp::AllowAnySource(ReadBool(root, DiscoveryAnywherePath));
         server->SetLimits(ReadLimits(root));
         engine->SetLimits(ReadRtspLimits(root));
         engine->SetChannels(ReadChannels(root));
+        ApplyWebPort();
+        ApplyTls();
         ApplyMqtt();
         ReportLater();
         preparation.file->SaveChanges();
     } catch (std::exception const& error) {
         logger.Log(Level::Error, "A change of the configuration could not be applied or saved: %0%", error.what());
+    }
+}
+
+/// A port that the command line sets stays for the run.
+void Application::ApplyWebPort() {
+    if (followedPort.is_null()) return;
+    auto wanted = ReadPersisted(*preparation.configuration, WebPortPath);
+    if (wanted == followedPort) return;
+    try {
+        web::Listener listener(webContext, wanted.to_number<std::uint16_t>());
+        auto const port = listener.GetPort();
+        server->SetListener(std::move(listener));
+        followedPort = std::move(wanted);
+        BindPort(WebPortPath, port);
+        manager->UpdateServerPort(port);
+        logger.Log(Level::Info, "The web server has moved to port %0%", port);
+    } catch (std::exception const& error) {
+        logger.Log(Level::Error, "The web server stays where it was: %0%", error.what());
+    }
+}
+
+void Application::ApplyTls() {
+    try {
+        auto const files = ReadTlsFiles(*preparation.configuration);
+        server->SetTls(files.IsEmpty() ? nullptr : web::MakeTlsContext(files.certificate, files.privateKey));
+        speaksTls = !files.IsEmpty();
+        manager->UpdateSSLState(speaksTls);
+    } catch (std::exception const& error) {
+        logger.Log(Level::Error, "The certificate stays as it was: %0%", error.what());
     }
 }
 

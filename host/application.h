@@ -54,9 +54,10 @@ private:
     std::vector<web::Route> MakeRoutes();
     void AwaitSignal();
     void Reload();
-    void ReloadTls();
     void ScheduleApply();
     void Apply();
+    void ApplyWebPort();
+    void ApplyTls();
     void ApplyMqtt();
     void ReportLater();
 
@@ -74,6 +75,9 @@ private:
     std::shared_ptr<web::OnvifRoute> onvif;
     std::shared_ptr<web::Admission> admission = std::make_shared<web::Admission>();
     std::unique_ptr<web::Server> server;
+    std::atomic<bool> speaksTls; ///< the web server, to connections that come now
+    /// What the file says of the web port, as far as it has been followed; null when the command line sets the port.
+    boost::json::value followedPort;
     std::vector<boost::json::value> fixed; ///< what the file says of the settings that are used at start only
     std::atomic<bool> applyScheduled = false;
     type::Binding changes;

@@ -84,6 +84,7 @@ std::vector<Schema> SettingsSchemas() {
         {WebPortPath, std::uint16_t{8080}, "TCP port of the web server", {}, Port()},
         {RtspPortPath, std::uint16_t{8554}, "TCP port of the RTSP server", {}, Port()},
         {OnvifPath, false, "The boolean denoting whether ONVIF is enabled for Zarnsuite"},
+        {DiscoveryAnywherePath, false, "Whether probes of networks are answered that the machine is not connected to"},
         {AuthenticationPath, true, "Whether clients have to log in"},
         {"settings.tls.certificate", "", "PEM file with the certificate chain; empty: no TLS"},
         {"settings.tls.private_key", "", "PEM file with the private key of the certificate"},

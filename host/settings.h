@@ -59,6 +59,7 @@ inline constexpr char const* WebPortPath = "settings.web_port";
 inline constexpr char const* RtspPortPath = "settings.rtsp_port";
 inline constexpr char const* AuthenticationPath = "settings.authentication.enabled";
 inline constexpr char const* OnvifPath = "settings.onvif.enabled";
+inline constexpr char const* DiscoveryAnywherePath = "settings.onvif.discovery_anywhere";
 inline constexpr char const* FailedLoginsPath = "settings.limits.failed_logins_per_minute";
 
 } // namespace zarn::host

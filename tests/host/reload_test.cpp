@@ -1,6 +1,8 @@
 #include "host/host_process.h"
 #include "host/raw_connection.h"
 
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/tcp.hpp>
 #include <boost/json/array.hpp>
 #include <boost/json/serialize.hpp>
 #include <gmock/gmock.h>
@@ -123,11 +125,75 @@ TEST_F(Reload, KeepsPortsAndOverridesOfThisRun) {
 }
 
 TEST_F(Reload, SaysWhatChangesAtTheNextStartOnly) {
-    Write(R"({"identity": {"name": "other"}, "settings": {"web_port": 1, "rtsp_port": 2}})");
-    for (auto const* path : {"identity", "settings.web_port", "settings.rtsp_port"}) {
+    Write(R"({"identity": {"name": "other"}, "settings": {"web_port": 0, "rtsp_port": 2}})");
+    for (auto const* path : {"identity", "settings.rtsp_port"}) {
         EXPECT_TRUE(host.GetProcess().WaitForLog(std::string(path) + " changes at the next start", 10s));
     }
-    EXPECT_EQ(host.GetHealth().at("listeners").at("web").at("port"), host.GetPort());
+}
+
+/// A port that nobody else has, held until it is released.
+class FreePort {
+public:
+    std::uint16_t Get() const { return acceptor.local_endpoint().port(); }
+
+    void Release() { acceptor.close(); }
+
+private:
+    boost::asio::io_context io;
+    boost::asio::ip::tcp::acceptor acceptor{io, {boost::asio::ip::tcp::v4(), 0}};
+};
+
+std::string WebPort(std::uint16_t port) {
+    return R"({"settings": {"rtsp_port": 0, "web_port": )" + std::to_string(port) + "}}";
+}
+
+/// The status of a request to a port; 0 when nobody listens there.
+unsigned Ask(std::uint16_t port) {
+    try {
+        return RawConnection(port).Exchange(MakeSoapRequest("GetDeviceInformation")).status;
+    } catch (std::exception const&) {
+        return 0;
+    }
+}
+
+TEST_F(Reload, MovesTheWebServer) {
+    FreePort next;
+    auto const port = next.Get();
+    next.Release();
+    Write(WebPort(port));
+    EXPECT_TRUE(Await([&] { return Ask(port) == 200; })) << host.GetProcess().GetLog();
+    EXPECT_TRUE(Await([&] { return Ask(host.GetPort()) == 0; }));
+    EXPECT_THAT(RawConnection(port).Exchange(MakeSoapRequest("GetCapabilities")).body,
+                HasSubstr(":" + std::to_string(port) + "/onvif/device_service"));
+    EXPECT_THAT(RawConnection(port).Exchange("GET /api/health HTTP/1.1\r\nHost: h\r\n\r\n").body,
+                HasSubstr("\"web\":{\"port\":" + std::to_string(port)));
+}
+
+TEST_F(Reload, StaysWhereItIsUntilTheWantedPortIsFree) {
+    FreePort taken;
+    auto const port = taken.Get();
+    Write(WebPort(port));
+    EXPECT_TRUE(host.GetProcess().WaitForLog("The web server stays where it was: web port " + std::to_string(port) +
+                                                 " cannot be bound: Address already in use",
+                                             10s));
+    EXPECT_EQ(Ask(host.GetPort()), 200U);
+    taken.Release();
+    host.GetProcess().Signal(SIGHUP);
+    EXPECT_TRUE(Await([&] { return Ask(port) == 200; }));
+}
+
+TEST_F(Reload, LeavesThePortOfTheCommandLine) {
+    HostProcess fixed{
+        {.arguments = {"--set", "settings.web_port=0", "--set", "settings.authentication.enabled=false"}}};
+    FreePort next;
+    auto const port = next.Get();
+    next.Release();
+    fixed.GetFolder().Write("config.json", R"({"settings": {"web_port": )" + std::to_string(port) +
+                                               R"(, "rtsp_port": 0}, "channels": {"7": {"name": "G"}}})");
+    fixed.GetProcess().Signal(SIGHUP);
+    EXPECT_TRUE(Await([&] { return fixed.GetHealth().at("channels").at(0).at("id") == "7"; }));
+    EXPECT_EQ(Ask(fixed.GetPort()), 200U);
+    EXPECT_EQ(Ask(port), 0U);
 }
 
 TEST_F(Reload, LeavesTheFileAsItsOwnerWroteIt) {

@@ -79,6 +79,27 @@ TEST_F(TlsHost, KeepsItsCertificateWhenTheNewOneCannotBeUsed) {
     EXPECT_THAT(Curl({host.GetUrl() + "/api/health"}, old), HasSubstr("\"tls\":true"));
 }
 
+TEST_F(TlsHost, IsMadeAndUnmadeAtSighup) {
+    HostProcess plain;
+    auto const configure = [&](std::string const& tls) {
+        plain.GetFolder().Write("config.json", R"({"settings": {"web_port": 0, "rtsp_port": 0, "tls": )" + tls + "}}");
+        plain.GetProcess().Signal(SIGHUP);
+    };
+    auto const address = "://127.0.0.1:" + std::to_string(plain.GetPort()) + "/api/health";
+    auto const answers = [&](std::string const& scheme, std::string const& part) {
+        auto const deadline = std::chrono::steady_clock::now() + 10s;
+        while (std::chrono::steady_clock::now() < deadline) {
+            if (Curl({scheme + address}, files.certificate).find(part) != std::string::npos) return true;
+        }
+        return false;
+    };
+    configure(R"({"certificate": ")" + files.certificate + R"(", "private_key": ")" + files.key + "\"}");
+    EXPECT_TRUE(answers("https", "\"tls\":true")) << plain.GetProcess().GetLog();
+    EXPECT_EQ(Curl({"http" + address}, files.certificate), "");
+    configure("{}");
+    EXPECT_TRUE(answers("http", "\"tls\":false"));
+}
+
 TEST_F(TlsHost, StopsWhileClientsAreConnected) { EXPECT_EQ(host.Stop(2s), 0); }
 
 } // namespace

@@ -1,0 +1,238 @@
+#include "host/host_process.h"
+#include "unit/platform/protocol/network/udp/hosts.h"
+#include "unit/service/probe_client.h"
+
+#include <gmock/gmock.h>
+
+#include <chrono>
+#include <csignal>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <thread>
+
+namespace zarn::tests::host {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::HasSubstr;
+using zarn::test::Host;
+using zarn::test::MakeProbe;
+using zarn::test::ProbeClient;
+
+std::string Configure(bool enabled, std::string const& location = "Hall", std::uint16_t webPort = 0) {
+    return R"({"identity": {"location": ")" + location + R"("}, "settings": {"rtsp_port": 0, "web_port": )" +
+           std::to_string(webPort) + R"(, "onvif": {"enabled": )" + (enabled ? "true" : "false") + "}}}";
+}
+
+/// Waits until the condition holds; false when it does not within a time that is plenty.
+bool Await(std::function<bool()> const& condition) {
+    auto const deadline = std::chrono::steady_clock::now() + 40s;
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > deadline) return false;
+        std::this_thread::sleep_for(10ms);
+    }
+    return true;
+}
+
+/// Configures the network of a machine.
+void Ip(Host const& machine, std::string const& arguments) { ASSERT_TRUE(machine.Ip(arguments)) << "ip " << arguments; }
+
+/// Lays a cable from a new device of one machine to a new device of the other.
+void Connect(Host const& left, std::string const& leftDevice, Host const& right, std::string const& rightDevice) {
+    Ip(left, "link add " + leftDevice + " type veth peer name " + rightDevice + " netns " + right.GetPath());
+    Ip(left, "link set " + leftDevice + " up");
+    Ip(right, "link set " + rightDevice + " up");
+}
+
+/// A network of two machines: 10.9.0.1, where the host runs, and 10.9.0.2, where its clients are.
+class DiscoveredHost : public testing::Test {
+protected:
+    void SetUp() override {
+        if (!server.Exists()) GTEST_SKIP() << "no network namespace may be made here";
+        Ip(server, "link set lo up");
+        Ip(client, "link set lo up");
+        Connect(server, "lan", client, "lan");
+        Ip(server, "address add 10.9.0.1/24 dev lan");
+        Ip(client, "address add 10.9.0.2/24 dev lan");
+    }
+
+    void Start(bool enabled) {
+        server.Run([&] {
+            host = std::make_unique<HostProcess>(
+                HostProcess::Options{.configuration = Configure(enabled), .folder = folder});
+        });
+    }
+
+    void Reload(std::string const& configuration) {
+        folder->Write("config.json", configuration);
+        host->GetProcess().Signal(SIGHUP);
+    }
+
+    /// The answer to a probe from the other machine; empty when there is none.
+    std::string Discover(std::chrono::milliseconds limit = 200ms) {
+        std::string answer;
+        client.Run([&] {
+            ProbeClient probe("10.9.0.2");
+            probe.Send(MakeProbe("urn:uuid:1"));
+            answer = probe.Receive(limit).value_or("");
+        });
+        return answer;
+    }
+
+    bool AwaitDiscovery(std::string const& part) {
+        return Await([&] { return Discover().find(part) != std::string::npos; });
+    }
+
+    static std::string AddressAt(std::uint16_t port) {
+        return "http://10.9.0.1:" + std::to_string(port) + "/onvif/device_service";
+    }
+
+    Host server;
+    Host client;
+    std::shared_ptr<TemporaryFolder> folder = std::make_shared<TemporaryFolder>();
+    std::unique_ptr<HostProcess> host;
+};
+
+TEST_F(DiscoveredHost, TellsAnotherMachineWhereItsDeviceServiceIs) {
+    Start(true);
+    EXPECT_TRUE(AwaitDiscovery("<d:XAddrs>" + AddressAt(host->GetPort()) + "</d:XAddrs>")) << Discover();
+    client.Run([&] {
+        Process curl({"curl", "-s", "--data-binary",
+                      R"(<s:Envelope xmlns:s="http://www.w3.org/2003/05/soap-envelope"><s:Body>)"
+                      R"(<GetSystemDateAndTime xmlns="http://www.onvif.org/ver10/device/wsdl"/></s:Body></s:Envelope>)",
+                      "-H", "Content-Type: application/soap+xml", AddressAt(host->GetPort())});
+        EXPECT_EQ(curl.Wait(10s), 0);
+        EXPECT_THAT(curl.GetOutput(), HasSubstr("UTCDateTime"));
+    });
+}
+
+TEST_F(DiscoveredHost, AppearsAndDisappearsWithItsSetting) {
+    Start(false);
+    EXPECT_EQ(Discover(), "");
+    Reload(Configure(true));
+    EXPECT_TRUE(AwaitDiscovery("ProbeMatch"));
+    server.Run([&] { EXPECT_TRUE(host->GetHealth().at("module").at("enabled").as_bool()); });
+    Reload(Configure(false));
+    EXPECT_TRUE(Await([&] { return Discover().empty(); }));
+    server.Run([&] { EXPECT_FALSE(host->GetHealth().at("module").at("enabled").as_bool()); });
+}
+
+TEST_F(DiscoveredHost, IsThereAgainAfterARestart) {
+    Start(false);
+    Reload(Configure(true));
+    EXPECT_TRUE(AwaitDiscovery("ProbeMatch"));
+    EXPECT_EQ(host->Stop(), 0);
+    EXPECT_EQ(Discover(), "");
+    server.Run(
+        [&] { host = std::make_unique<HostProcess>(HostProcess::Options{.configuration = "", .folder = folder}); });
+    EXPECT_TRUE(AwaitDiscovery(AddressAt(host->GetPort())));
+}
+
+TEST_F(DiscoveredHost, KeepsItsEndpointReferenceOverRestarts) {
+    auto const reference = [&] {
+        std::string answer;
+        EXPECT_TRUE(Await([&] { return !(answer = Discover()).empty(); }));
+        auto const begin = answer.find("urn:uuid:", answer.find("EndpointReference"));
+        return answer.substr(begin, answer.find('<', begin) - begin);
+    };
+    Start(true);
+    auto const first = reference();
+    EXPECT_EQ(first.size(), std::string("urn:uuid:00000000-0000-0000-0000-000000000000").size()) << first;
+    EXPECT_EQ(host->Stop(), 0);
+    Start(true);
+    EXPECT_EQ(reference(), first);
+}
+
+TEST_F(DiscoveredHost, TellsTheWebPortThatItHasMovedTo) {
+    Start(true);
+    EXPECT_TRUE(AwaitDiscovery(AddressAt(host->GetPort())));
+    Reload(Configure(true, "Hall", 8123));
+    EXPECT_TRUE(AwaitDiscovery(AddressAt(8123)));
+}
+
+TEST_F(DiscoveredHost, IsFoundAgainWhenItsNetworkComesBack) {
+    Start(true);
+    EXPECT_TRUE(AwaitDiscovery("ProbeMatch"));
+    Ip(server, "link delete lan");
+    Connect(server, "lan", client, "lan");
+    Ip(server, "address add 10.9.0.7/24 dev lan");
+    Ip(client, "address add 10.9.0.2/24 dev lan");
+    EXPECT_TRUE(AwaitDiscovery("http://10.9.0.7:"));
+}
+
+TEST_F(DiscoveredHost, IsListedByOnvifUtil) {
+    Start(true);
+    EXPECT_TRUE(AwaitDiscovery("ProbeMatch"));
+    Ip(client, "route add default dev lan");
+    client.Run([&] {
+        Process util({"onvif-util", "-a"});
+        ASSERT_EQ(util.Wait(20s), 0);
+        EXPECT_THAT(util.GetOutput(), testing::AllOf(HasSubstr("Found 1 cameras"), HasSubstr("10.9.0.1")));
+    });
+}
+
+TEST_F(DiscoveredHost, LeavesOthersOfItsNetworkToAnswerForThemselves) {
+    // Two hosts and a client at one switch, which the client's machine is.
+    Host const second;
+    Ip(second, "link set lo up");
+    Ip(client, "address delete 10.9.0.2/24 dev lan");
+    Connect(second, "lan", client, "lan2");
+    Ip(second, "address add 10.9.0.3/24 dev lan");
+    for (auto const* command :
+         {"link add switch type bridge", "link set lan master switch", "link set lan2 master switch",
+          "link set switch up", "address add 10.9.0.2/24 dev switch"})
+        Ip(client, command);
+    Start(true);
+    std::unique_ptr<HostProcess> other;
+    second.Run(
+        [&] { other = std::make_unique<HostProcess>(HostProcess::Options{.configuration = Configure(true, "Yard")}); });
+    std::set<std::string> found;
+    client.Run([&] {
+        ProbeClient probe("10.9.0.2");
+        EXPECT_TRUE(Await([&] {
+            probe.Send(MakeProbe("urn:uuid:1"));
+            while (auto const answer = probe.Receive(200ms)) {
+                for (auto const* address : {"http://10.9.0.1:", "http://10.9.0.3:"})
+                    if (answer->find(address) != std::string::npos) found.insert(address);
+            }
+            return found.size() == 2;
+        }));
+    });
+}
+
+TEST_F(DiscoveredHost, AnswersNetworksThatItIsNotConnectedToOnlyWhenItIsTold) {
+    // The client's address is of no network of the server, which would still find its way back.
+    Ip(client, "address add 10.10.0.2/24 dev lan");
+    Ip(client, "route add 10.9.0.1/32 dev lan src 10.10.0.2");
+    Ip(server, "route add default via 10.9.0.2 dev lan");
+    Start(true);
+    EXPECT_TRUE(AwaitDiscovery("ProbeMatch"));
+    auto const discoverFromAfar = [&] {
+        bool found = false;
+        client.Run([&] {
+            ProbeClient probe("10.10.0.2");
+            probe.Send(MakeProbe("urn:uuid:1"), "10.9.0.1");
+            found = probe.Receive(300ms).has_value();
+        });
+        return found;
+    };
+    EXPECT_FALSE(discoverFromAfar());
+    Reload(R"({"settings": {"rtsp_port": 0, "web_port": 0, "onvif": {"enabled": true, "discovery_anywhere": true}}})");
+    EXPECT_TRUE(Await(discoverFromAfar));
+}
+
+TEST_F(DiscoveredHost, WaitsForThePortThatAnotherProgramHolds) {
+    std::optional<zarn::test::PortHolder> holder;
+    server.Run([&] { holder.emplace(); });
+    Start(true);
+    EXPECT_TRUE(host->GetProcess().WaitForLog("Failed to start Onvif discovery service: ", 10s));
+    EXPECT_EQ(Discover(), "");
+    holder.reset();
+    EXPECT_TRUE(AwaitDiscovery("ProbeMatch"));
+}
+
+} // namespace
+} // namespace zarn::tests::host
