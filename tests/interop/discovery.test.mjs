@@ -1,0 +1,42 @@
+// Other people's searches for devices find a zarn-host. To be run on a network of its own (on_own_network.sh), where no other
+// device answers and the port of WS-Discovery is free.
+import assert from 'node:assert/strict';
+import {after, before, test} from 'node:test';
+import {promisify} from 'node:util';
+
+import onvif from 'onvif';
+
+import {password, startHost} from './host.mjs';
+
+let host;
+before(async () => {
+    host = await startHost({settings: {web_port: 0, rtsp_port: 0, onvif: {enabled: true}}});
+});
+after(async () => assert.equal(await host.stop(), 0));
+
+test('npm onvif finds the device, and what it found logs in', async () => {
+    const found = await promisify(onvif.Discovery.probe)({timeout: 1500});
+    assert.equal(found.length, 1);
+    const [cam] = found;
+    assert.equal(Number(cam.port), host.port);
+    assert.equal(cam.path, '/onvif/device_service');
+    cam.username = 'admin';
+    cam.password = password;
+    await promisify(cam.connect.bind(cam))();
+    const information = await promisify(cam.getDeviceInformation.bind(cam))();
+    assert.equal(information.model, 'Würfel');
+});
+
+test('npm onvif is told type, scopes and address', async () => {
+    const [answer] = await promisify(onvif.Discovery.probe)({timeout: 1500, resolve: false});
+    const match = answer.probeMatches.probeMatch;
+    assert.equal(match.types, 'dn:NetworkVideoTransmitter tds:Device');
+    assert.equal(match.XAddrs, host.url);
+    assert.ok(match.scopes.split(' ').includes(`onvif://www.onvif.org/name/${encodeURIComponent('北门')}`), match.scopes);
+});
+
+test('nobody finds a device whose setting is off', async () => {
+    await host.stop();
+    host = await startHost();
+    assert.deepEqual(await promisify(onvif.Discovery.probe)({timeout: 1500}), []);
+});
