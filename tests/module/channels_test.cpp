@@ -283,6 +283,7 @@ TEST_P(SingleLookup, TakesNoLockOfTheConfiguration) {
 }
 
 TEST_P(SingleLookup, AnswersWhileAnotherThreadHoldsTheLockOfTheConfiguration) {
+    Manager();
     auto lock = std::make_optional(root->GetLock());
     auto reply = std::async(std::launch::async, [this] { return LookUp("channels.1"); });
     EXPECT_EQ(reply.wait_for(std::chrono::seconds(30)), std::future_status::ready);

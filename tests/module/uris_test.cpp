@@ -116,6 +116,7 @@ TEST_P(Uris, NeedNoChannelsAndNoDescriptions) {
 }
 
 TEST_P(Uris, TakeNoLockOfTheConfiguration) {
+    Manager();
     auto lock = std::make_optional(root->GetLock());
     auto statuses = std::async(
         std::launch::async, [this] { return std::pair(Stream("channels.1").status, Snapshot("channels.1").status); });
