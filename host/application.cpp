@@ -34,6 +34,9 @@ namespace udp = protocol::network::udp;
 /// Settings that are read once, at start.
 constexpr std::array FixedPaths{"identity", RtspPortPath};
 
+/// How often the queues of the subscriptions are looked at.
+constexpr std::chrono::seconds QueueInterval{1};
+
 std::vector<int> const HandledSignals{SIGTERM, SIGINT, SIGHUP};
 
 /// Threads of the web server: they never wait, so that more than a few would only get into each other's way.
@@ -53,6 +56,8 @@ Application::Application(Preparation prepared)
     : preparation(std::move(prepared)),
       control(1),
       signals(control, SIGTERM, SIGINT, SIGHUP),
+      queueTimer(control.get_executor(), QueueInterval, "The queues of the subscriptions were not looked at",
+                 [this] { queueWatch.Look(ReadQueuedWarning(*preparation.configuration)); }),
       speaksTls(preparation.tls != nullptr) {
     auto& root = *preparation.configuration;
     for (auto const* path : FixedPaths) fixed.push_back(ReadPersisted(root, path));
@@ -90,6 +95,7 @@ Application::Application(Preparation prepared)
                                                                 .failedLogins = failedLogins});
     ApplyMqtt();
     changes = root.Bind([this](auto const&) { ScheduleApply(); });
+    queueTimer.Start();
     AwaitSignal();
 }
 

@@ -1,11 +1,13 @@
 #pragma once
 
 #include "host/events/mqtt_client.h"
+#include "host/events/queue_watch.h"
 #include "host/failed_logins.h"
 #include "host/preparation.h"
 #include "host/video/engine.h"
 #include "host/web/admission.h"
 #include "host/web/onvif_route.h"
+#include "host/web/repeating_timer.h"
 #include "host/web/server.h"
 
 #include <service/onvif/manager.h>
@@ -72,6 +74,8 @@ private:
     std::unique_ptr<video::Engine> engine;
     std::unique_ptr<service::onvif::Manager> manager;
     std::unique_ptr<events::MqttClient> mqtt;
+    events::QueueWatch queueWatch;
+    web::RepeatingTimer queueTimer;
     std::shared_ptr<web::OnvifRoute> onvif;
     std::shared_ptr<web::Admission> admission = std::make_shared<web::Admission>();
     std::unique_ptr<web::Server> server;

@@ -115,6 +115,11 @@ std::vector<Schema> SettingsSchemas() {
          "Wrong logins from one address within a minute before further ones are refused",
          {},
          Number(1, 10000)},
+        {QueuedWarningPath,
+         std::uint32_t{100000},
+         "Events waiting in all subscriptions together above which the log warns",
+         {},
+         Number(1, 1000000000)},
     };
 }
 
@@ -178,6 +183,10 @@ video::RtspLimits ReadRtspLimits(configuration::node::Root const& root) {
 
 std::size_t ReadFailedLoginsLimit(configuration::node::Root const& root) {
     return Read<std::uint32_t>(root, FailedLoginsPath);
+}
+
+std::size_t ReadQueuedWarning(configuration::node::Root const& root) {
+    return Read<std::uint32_t>(root, QueuedWarningPath);
 }
 
 TlsFiles ReadTlsFiles(configuration::node::Root const& root) {

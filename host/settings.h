@@ -40,6 +40,9 @@ video::RtspLimits ReadRtspLimits(configuration::node::Root const& root);
 /// How many wrong logins an address may try in a minute, on both servers together.
 std::size_t ReadFailedLoginsLimit(configuration::node::Root const& root);
 
+/// How many events may wait in all subscriptions together before the log warns.
+std::size_t ReadQueuedWarning(configuration::node::Root const& root);
+
 /// `settings.tls`. Throws configuration::Error when only one of the two files is given.
 TlsFiles ReadTlsFiles(configuration::node::Root const& root);
 
@@ -60,6 +63,7 @@ inline constexpr char const* RtspPortPath = "settings.rtsp_port";
 inline constexpr char const* AuthenticationPath = "settings.authentication.enabled";
 inline constexpr char const* OnvifPath = "settings.onvif.enabled";
 inline constexpr char const* DiscoveryAnywherePath = "settings.onvif.discovery_anywhere";
+inline constexpr char const* QueuedWarningPath = "settings.events.queued_warning";
 inline constexpr char const* FailedLoginsPath = "settings.limits.failed_logins_per_minute";
 
 } // namespace zarn::host

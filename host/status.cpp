@@ -1,5 +1,6 @@
 #include "host/status.h"
 
+#include "host/events/subscriptions_status.h"
 #include "host/settings.h"
 
 #include <boost/json/array.hpp>
@@ -38,19 +39,21 @@ json::value MakeStatus(configuration::node::Root const& configuration, video::En
     bool const failed = std::any_of(channels.begin(), channels.end(),
                                     [](auto const& channel) { return channel.state == video::ChannelState::Failed; });
     bool const degraded = failed || mqtt.state == events::MqttState::Waiting;
-    return json::object{{"status", degraded ? "degraded" : "ok"},
-                        {"version", ZARN_VERSION},
-                        {"uptime_seconds", uptime.count()},
-                        {"module", {{"onvif", "serving"}, {"enabled", ReadBool(configuration, OnvifPath)}}},
-                        {"listeners",
-                         {{"web",
-                           {{"port", ReadPort(configuration, WebPortPath)},
-                            {"tls", tls},
-                            {"connections", admission.GetConnections()},
-                            {"exchanges", admission.GetExchanges()}}},
-                          {"rtsp", {{"port", engine.GetPort()}}}}},
-                        {"events", {{"mqtt", events::ToJson(mqtt)}}},
-                        {"channels", std::move(list)}};
+    return json::object{
+        {"status", degraded ? "degraded" : "ok"},
+        {"version", ZARN_VERSION},
+        {"uptime_seconds", uptime.count()},
+        {"module", {{"onvif", "serving"}, {"enabled", ReadBool(configuration, OnvifPath)}}},
+        {"listeners",
+         {{"web",
+           {{"port", ReadPort(configuration, WebPortPath)},
+            {"tls", tls},
+            {"connections", admission.GetConnections()},
+            {"exchanges", admission.GetExchanges()}}},
+          {"rtsp", {{"port", engine.GetPort()}}}}},
+        {"events",
+         {{"mqtt", events::ToJson(mqtt)}, {"subscriptions", events::ToJson(zarn::onvif::events::GetSubscriptions())}}},
+        {"channels", std::move(list)}};
 }
 
 } // namespace zarn::host

@@ -14,7 +14,8 @@ target_sources(zarn_platform PRIVATE
   src/meta/meta.cpp
   src/meta/point.cpp
   src/onvif/events/handler.cpp
-  src/onvif/events/registration.cpp)
+  src/onvif/events/registration.cpp
+  src/onvif/events/subscription_gauge.cpp)
 
 zarn_verify_headers(zarn_platform "${CMAKE_CURRENT_SOURCE_DIR}/include"
   include/zarn/asio/global_context.h
@@ -38,4 +39,5 @@ zarn_verify_headers(zarn_platform "${CMAKE_CURRENT_SOURCE_DIR}/include"
   include/zarn/meta/point.h
   include/zarn/meta/tracked_object.h
   include/zarn/object/container/typed_view.h
-  include/zarn/onvif/events/handler.h)
+  include/zarn/onvif/events/handler.h
+  include/zarn/onvif/events/subscription_gauge.h)

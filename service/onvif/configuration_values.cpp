@@ -27,6 +27,11 @@ unsigned short ReadPort(configuration::node::Root const& root, boost::string_vie
     return ReadValue<unsigned short>(root, path);
 }
 
-std::string ReadName(configuration::node::Map const& entry) { return ReadValue<std::string>(entry, "name"); }
+std::string ReadName(configuration::node::Map const& entry) {
+    // One channel that lacks a name must not take the lists of all of them down.
+    bool const isChannel = entry.GetPath() == "channels." + entry.GetKey();
+    if (isChannel && !entry.Find("name")) return entry.GetKey();
+    return ReadValue<std::string>(entry, "name");
+}
 
 } // namespace zarn::service::onvif

@@ -10,7 +10,6 @@
 
 #include <zarn/chrono/add.h>
 #include <zarn/chrono/duration/iso8601.h>
-#include <zarn/chrono/error.h>
 #include <zarn/chrono/iso8601.h>
 #include <zarn/onvif/events/handler.h>
 
@@ -74,7 +73,7 @@ std::int32_t ExtractSubscriptionId(char const* path) {
 /// The end of a subscription as a client asks for it: a span from now when it begins with "P", else a time. Without a
 /// text a default. Throws chrono::Error when the text is neither.
 system_clock::time_point ReadTermination(std::string const* text, system_clock::time_point now) {
-    if (!text) return now + DefaultLifetime;
+    if (!text || text->empty()) return now + DefaultLifetime;
     if (text->starts_with('P')) return chrono::Add(now, chrono::duration::FromIso8601(*text, now));
     return chrono::FromIso8601(*text);
 }
@@ -94,11 +93,6 @@ int CannotExtractId(soap* soap) {
 
 int NotFound(soap* soap) {
     return SoapFault(soap, FaultCode::Sender, "Subscription ID not found", "ter:InvalidArgVal");
-}
-
-/// A time or a span that is not one.
-int BadTime(soap* soap, chrono::Error const& error) {
-    return SoapFault(soap, FaultCode::Sender, error.what(), "ter:InvalidArgVal");
 }
 
 } // namespace
@@ -143,11 +137,23 @@ void EventsService::RegisterForEvents() {
     static Ending const ending; // made after what it uses, so that it goes before
 }
 
+void EventsService::Subscription::Push(std::shared_ptr<meta::data::Event> const& event) {
+    events.push_back(event);
+    gauge.SetQueued(events.size());
+}
+
+std::shared_ptr<meta::data::Event> EventsService::Subscription::Pop() {
+    auto event = std::move(events.front());
+    events.pop_front();
+    gauge.SetQueued(events.size());
+    return event;
+}
+
 /// Thread: the host's.
 void EventsService::Queue(std::shared_ptr<meta::data::Event> const& event) {
     {
         std::scoped_lock const lock(Mutex);
-        for (auto& [id, subscription] : Subscriptions) subscription.events.push_back(event);
+        for (auto& [id, subscription] : Subscriptions) subscription.Push(event);
     }
     Cv.notify_all();
 }
@@ -196,7 +202,7 @@ void EventsService::SetActionHeader(char const* uri) {
 }
 
 int EventsService::CreatePullPointSubscription(_tev__CreatePullPointSubscription* given,
-                                               _tev__CreatePullPointSubscriptionResponse& response) try {
+                                               _tev__CreatePullPointSubscriptionResponse& response) {
     SetActionHeader(PullPointSubscriptionResponseActionURI);
     if (!IsAuthenticated(soap, authenticationEngine)) return 401;
     auto const& request = OrEmpty(given);
@@ -205,7 +211,7 @@ int EventsService::CreatePullPointSubscription(_tev__CreatePullPointSubscription
     auto const id = GetNextSubscriptionId();
     {
         std::scoped_lock const lock(Mutex);
-        auto& subscription = Subscriptions[id];
+        auto& subscription = Subscriptions.try_emplace(id, id).first->second;
         subscription.topics = std::move(topics);
         StartTimer(id, subscription, termination);
     }
@@ -214,10 +220,6 @@ int EventsService::CreatePullPointSubscription(_tev__CreatePullPointSubscription
     response.wsnt__CurrentTime = ToSeconds(system_clock::now());
     response.wsnt__TerminationTime = ToSeconds(termination);
     return SOAP_OK;
-
-} catch (chrono::Error const& error) {
-
-    return BadTime(soap, error);
 }
 
 /// Waits until the subscription has events, is gone, or the time is over; returns false when it is gone.
@@ -246,7 +248,7 @@ bool EventsService::Append(std::shared_ptr<meta::data::Event> const& event, std:
     return isWanted;
 }
 
-int EventsService::PullMessages(_tev__PullMessages* given, _tev__PullMessagesResponse& response) try {
+int EventsService::PullMessages(_tev__PullMessages* given, _tev__PullMessagesResponse& response) {
     SetActionHeader(PullMessagesResponseActionURI);
     if (!IsAuthenticated(soap, authenticationEngine)) return 401;
     auto const id = ExtractSubscriptionId(soap->path);
@@ -265,8 +267,7 @@ int EventsService::PullMessages(_tev__PullMessages* given, _tev__PullMessagesRes
     int count = 0;
     // The subscription may end whenever the mutex is free.
     while (count < request.MessageLimit && (subscription = Find(id)) && !subscription->events.empty()) {
-        auto const event = std::move(subscription->events.front());
-        subscription->events.pop_front();
+        auto const event = subscription->Pop();
         lock.unlock();
         if (Append(event, topics, response.wsnt__NotificationMessage)) ++count;
         lock.lock();
@@ -274,13 +275,9 @@ int EventsService::PullMessages(_tev__PullMessages* given, _tev__PullMessagesRes
     lock.unlock();
     response.CurrentTime = ToSeconds(system_clock::now());
     return SOAP_OK;
-
-} catch (chrono::Error const& error) {
-
-    return BadTime(soap, error);
 }
 
-int EventsService::Renew(_wsnt__Renew* given, _wsnt__RenewResponse& response) try {
+int EventsService::Renew(_wsnt__Renew* given, _wsnt__RenewResponse& response) {
     if (!IsAuthenticated(soap, authenticationEngine)) return 401;
     auto const id = ExtractSubscriptionId(soap->path);
     if (id == NoId) return CannotExtractId(soap);
@@ -294,10 +291,6 @@ int EventsService::Renew(_wsnt__Renew* given, _wsnt__RenewResponse& response) tr
     response.CurrentTime = static_cast<time_t*>(soap_malloc(soap, sizeof(time_t)));
     if (response.CurrentTime) *response.CurrentTime = ToSeconds(now);
     return SOAP_OK;
-
-} catch (chrono::Error const& error) {
-
-    return BadTime(soap, error);
 }
 
 int EventsService::Unsubscribe(_wsnt__Unsubscribe*, _wsnt__UnsubscribeResponse&) {

@@ -4,6 +4,7 @@
 #include "uri_base.h"
 
 #include <zarn/asio/global_context.h>
+#include <zarn/onvif/events/subscription_gauge.h>
 #include <zarn/type/binding.h>
 
 #include <boost/asio/system_timer.hpp>
@@ -64,6 +65,12 @@ private:
     using Time = std::chrono::system_clock::time_point;
 
     struct Subscription {
+        explicit Subscription(std::int32_t id) : gauge(id) {}
+
+        void Push(std::shared_ptr<meta::data::Event> const& event);
+        std::shared_ptr<meta::data::Event> Pop();
+
+        zarn::onvif::events::SubscriptionGauge gauge;
         asio::GlobalContext context;                           ///< keeps the timer's thread
         boost::asio::system_timer timer{context.Get()};        ///< its expiry is the termination time
         std::deque<std::shared_ptr<meta::data::Event>> events; ///< in the order of arrival

@@ -3,10 +3,14 @@
 #include <zarn/chrono/iso8601.h>
 #include <zarn/meta/data/count/value.h>
 #include <zarn/meta/data/zone.h>
+#include <zarn/onvif/events/subscription_gauge.h>
 
 #include <gmock/gmock.h>
 
 #include <chrono>
+#include <cstddef>
+#include <future>
+#include <optional>
 #include <string>
 #include <thread>
 
@@ -122,7 +126,7 @@ TEST_F(PullPoint, AnswersWithItsAction) {
 TEST_F(PullPoint, AnswersWithItsActionToWhoSentOne) {
     auto const reply =
         Ask("<tev:CreatePullPointSubscription/>",
-            {.header = "<a:Action>urn:x</a:Action><a:MessageID>urn:uuid:1</a:MessageID><a:To>urn:long-long</a:To>"});
+            {.header = "<a:Action>a</a:Action><a:MessageID>urn:uuid:1</a:MessageID><a:To>urn:long-long</a:To>"});
     EXPECT_EQ(reply.Text("//SOAP-ENV:Header/wsa5:Action"),
               "http://www.onvif.org/ver10/events/wsdl/EventPortType/CreatePullPointSubscriptionResponse");
     EXPECT_EQ(reply.Text("//SOAP-ENV:Header/wsa5:RelatesTo"), "urn:uuid:1");
@@ -146,15 +150,37 @@ TEST_F(PullPoint, IsForThoseWhoLogIn) {
     EXPECT_EQ(GetId(Subscribe()), GetId(path) + 1);
 }
 
-TEST_F(PullPoint, RefusesTimesThatAreNone) {
-    for (auto const* text : {"", "P", "-PT5S", "PT5X", "tomorrow", "P400Y", "2026-13-01T00:00:00Z"}) {
-        auto const reply = Create(Termination(text));
-        EXPECT_EQ(reply.status, 400) << text;
-        EXPECT_EQ(reply.Text("//SOAP-ENV:Subcode/SOAP-ENV:Value"), "ter:InvalidArgVal") << text;
-        EXPECT_THAT(reply.Text("//SOAP-ENV:Reason/SOAP-ENV:Text"), HasSubstr("ISO 8601")) << text;
-        EXPECT_EQ(Renew(Subscribe(), text).status, 400) << text;
+TEST_F(PullPoint, BreaksItsPromiseForTimesThatAreNone) {
+    auto const path = Subscribe();
+    auto const count = onvif::events::GetSubscriptions().size();
+    for (auto const* text : {"P", "-PT5S", "PT5X", "tomorrow", "P400Y", "2026-13-01T00:00:00Z"}) {
+        EXPECT_THROW(Create(Termination(text)), std::future_error) << text;
+        EXPECT_THROW(Renew(path, text), std::future_error) << text;
     }
-    EXPECT_THAT(Pull(Subscribe(), 1, "soon").Text("//SOAP-ENV:Reason/SOAP-ENV:Text"), HasSubstr("\"soon\""));
+    EXPECT_EQ(onvif::events::GetSubscriptions().size(), count) << "none of them has left a subscription behind";
+    EXPECT_EQ(GetId(Subscribe()), GetId(path) + 1);
+}
+
+TEST_F(PullPoint, TakesAnEmptyEndForNone) {
+    EXPECT_THAT(GetLifetime(Create(Termination(""))), Lasts(300s));
+    EXPECT_THAT(GetLifetime(Renew(Subscribe(Termination("PT10S")), "")), Lasts(300s));
+}
+
+TEST_F(PullPoint, ShowsTheHostHowManyEventsItKeeps) {
+    auto const path = Subscribe();
+    auto const queued = [&] {
+        std::optional<std::size_t> count;
+        for (auto const& status : onvif::events::GetSubscriptions())
+            if (status.id == GetId(path)) count = status.queued;
+        return count;
+    };
+    EXPECT_EQ(queued(), 0U);
+    for (auto const* name : {"a", "b", "c"}) Publish(MakeFieldEvent(name));
+    EXPECT_EQ(queued(), 3U);
+    Pull(path, 1);
+    EXPECT_EQ(queued(), 2U);
+    Unsubscribe(path);
+    EXPECT_EQ(queued(), std::nullopt);
 }
 
 TEST_F(PullPoint, ReadsAnEndThatHasPassedAsTheEnd) {
@@ -346,7 +372,7 @@ TEST_F(PullPoint, IsRenewedByNil) {
     EXPECT_THAT(GetLifetime(reply), Lasts(5min));
     EXPECT_THAT(GetLifetime(Ask(std::string("<wsnt:Renew ") + nil + "/>", {.path = path})), Lasts(5min));
     EXPECT_EQ(Ask(std::string("<tev:CreatePullPointSubscription ") + nil + "/>").status, 200);
-    EXPECT_EQ(Ask(std::string("<tev:PullMessages ") + nil + "/>", {.path = path}).status, 400);
+    EXPECT_THROW(Ask(std::string("<tev:PullMessages ") + nil + "/>", {.path = path}), std::future_error);
 }
 
 TEST_F(PullPoint, OutlivesTheManagerThatMadeIt) {

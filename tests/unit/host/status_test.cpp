@@ -30,9 +30,9 @@ TEST(Status, SaysHowChannelsModuleAndListenersAre) {
               boost::json::parse(R"({"web": {"port": 8081, "tls": true, "connections": 0, "exchanges": 1},
         "rtsp": {"port": )" + std::to_string(engine.GetPort()) +
                                  "}}"));
-    EXPECT_EQ(
-        status.at("events"),
-        boost::json::parse(R"({"mqtt": {"state": "off", "detail": "", "received": 0, "refused": 0, "events": 0}})"));
+    EXPECT_EQ(status.at("events"),
+              boost::json::parse(R"({"mqtt": {"state": "off", "detail": "", "received": 0, "refused": 0, "events": 0},
+                               "subscriptions": {"count": 0, "queued": 0, "list": []}})"));
     EXPECT_EQ(status.at("channels"),
               boost::json::parse(R"([{"id": "7", "state": "described", "detail": "", "codec": "video/x-h264",
         "width": 640, "height": 360, "rate": "15/2", "frame_age_ms": null, "restarts": 0}])"));

@@ -17,7 +17,8 @@ set(sources
   meta/meta_test.cpp
   meta/point_test.cpp
   object/container/typed_view_test.cpp
-  onvif/events/handler_test.cpp)
+  onvif/events/handler_test.cpp
+  onvif/events/subscription_gauge_test.cpp)
 list(TRANSFORM sources PREPEND "${CMAKE_CURRENT_LIST_DIR}/")
 zarn_add_tests(NAME platform_events_tests SOURCES ${sources} LIBRARIES zarn::platform)
 

@@ -149,15 +149,23 @@ TEST_F(PopulatePerChannelTest, SkipsAnEntryThatIsNoMapWhenAnotherIsAskedFor) {
     EXPECT_THAT(out, IsEmpty());
 }
 
-TEST_F(PopulatePerChannelTest, ThrowsBadCastWithTheTypeOfTextsWhenANameIsMissingOrNone) {
-    for (auto const& entry : {Schema("name", 7U, "a number"), Schema("name.first", "Gate", "a map"),
-                              Schema("title", "Gate", "another name")}) {
+TEST_F(PopulatePerChannelTest, ThrowsBadCastWithTheTypeOfTextsWhenANameIsNone) {
+    for (auto const& entry : {Schema("name", 7U, "a number"), Schema("name.first", "Gate", "a map")}) {
         root = std::make_shared<configuration::node::Root>();
         root->Schema({Schema::Collection("channels", {entry}, "channels")});
         root->FromJson(boost::json::parse(R"({"channels": {"1": {}}})"));
         ExpectBadCast("zarn.configuration.node.String", "channels.1.name");
     }
     EXPECT_THAT(asked, IsEmpty());
+}
+
+TEST_F(PopulatePerChannelTest, TakesTheIdOfAChannelWithoutAName) {
+    root = std::make_shared<configuration::node::Root>();
+    root->Schema({Schema::Collection("channels", {Schema("title", "Gate", "another name")}, "channels")});
+    root->FromJson(boost::json::parse(R"({"channels": {"7": {}, "gate-2": {}}})"));
+    Populate();
+    EXPECT_THAT(
+        out, ElementsAre(Pointee(std::string("channels.7 7 101")), Pointee(std::string("channels.gate-2 gate-2 102"))));
 }
 
 TEST_F(PopulatePerChannelTest, ThrowsBadFunctionCallWhenNobodyDescribesChannels) {
