@@ -1,13 +1,23 @@
 #include "post.h"
 
+#include <zarn/logging/logger.h>
 #include <zarn/web/response/pending.h>
 
 #include <thread>
+#include <utility>
 
 namespace zarn::bench {
 
-Request::Request(std::string_view operation)
-    : body(R"(<?xml version="1.0" encoding="UTF-8"?><s:Envelope xmlns:s="http://www.w3.org/2003/05/soap-envelope">)"
+namespace {
+
+/// Between the lines of results nobody wants those of the log.
+[[maybe_unused]] bool const quiet = (logging::SetLevel(logging::Level::Warning), true);
+
+} // namespace
+
+Request::Request(std::string_view operation, std::string target)
+    : target(std::move(target)),
+      body(R"(<?xml version="1.0" encoding="UTF-8"?><s:Envelope xmlns:s="http://www.w3.org/2003/05/soap-envelope">)"
            "<s:Body>" +
            std::string(operation) + "</s:Body></s:Envelope>") {}
 

@@ -14,11 +14,12 @@ namespace zarn::bench {
 class Request : public web::Request {
 public:
     /// operation  the element of the SOAP body
-    explicit Request(std::string_view operation);
+    /// target     path and query
+    explicit Request(std::string_view operation, std::string target = "/onvif/device_service");
 
     protocol::network::http::Method GetMethod() const override { return protocol::network::http::Method::Post; }
 
-    std::string_view GetTarget() const override { return "/onvif/device_service"; }
+    std::string_view GetTarget() const override { return target; }
 
     std::string_view GetBody() const override { return body; }
 
@@ -27,6 +28,7 @@ public:
     }
 
 private:
+    std::string target;
     std::string body;
 };
 

@@ -1,0 +1,85 @@
+// What the host's thread pays for an event, per subscription that lives: the handler alone, against the number of
+// subscriptions. Their queues are emptied outside the measured time.
+
+#include "post.h"
+
+#include <service/onvif/manager.h>
+#include <zarn/authentication/engine.h>
+#include <zarn/configuration/node/root.h>
+#include <zarn/meta/data/event.h>
+#include <zarn/onvif/events/handler.h>
+#include <zarn/onvif/events/subscription_gauge.h>
+
+#include <benchmark/benchmark.h>
+
+#include <chrono>
+#include <memory>
+#include <string>
+
+namespace {
+
+using namespace zarn;
+
+constexpr char Create[] = R"(<CreatePullPointSubscription xmlns="http://www.onvif.org/ver10/events/wsdl">)"
+                          "<InitialTerminationTime>PT1H</InitialTerminationTime></CreatePullPointSubscription>";
+constexpr char End[] = R"(<Unsubscribe xmlns="http://docs.oasis-open.org/wsn/b-2"/>)";
+
+/// Events that are queued before the queues are emptied.
+constexpr int Batch = 1000;
+
+class Subscriptions {
+public:
+    explicit Subscriptions(std::int64_t count) : count(count) {
+        engine.SetEnabled(false);
+        Make();
+    }
+
+    ~Subscriptions() { Clear(); }
+
+    Subscriptions(Subscriptions const&) = delete;
+    Subscriptions& operator=(Subscriptions const&) = delete;
+
+    void Empty() {
+        Clear();
+        Make();
+    }
+
+private:
+    void Make() {
+        for (std::int64_t i = 0; i < count; ++i) bench::Post(manager, std::make_shared<bench::Request>(Create));
+    }
+
+    void Clear() {
+        for (auto const& [id, queued] : onvif::events::GetSubscriptions()) {
+            auto const path = "/onvif/events_service/Subscription?Idx=" + std::to_string(id);
+            bench::Post(manager, std::make_shared<bench::Request>(End, path));
+        }
+    }
+
+    std::int64_t count;
+    ZarnAuthenticationEngine engine;
+    service::onvif::Manager manager{&engine, std::make_shared<configuration::node::Root>(), nullptr, {}};
+};
+
+void QueueEvent(benchmark::State& state) {
+    Subscriptions subscriptions(state.range(0));
+    auto const event = std::make_shared<meta::data::Event>("presence", "rule", std::chrono::system_clock::now());
+    int queued = 0;
+    for ([[maybe_unused]] auto _ : state) {
+        onvif::events::Publish(event);
+        if (++queued % Batch != 0) continue;
+        state.PauseTiming();
+        subscriptions.Empty();
+        state.ResumeTiming();
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+    state.counters["per event and subscription"] =
+        benchmark::Counter(static_cast<double>(state.iterations() * state.range(0)),
+                           benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+
+BENCHMARK(QueueEvent)->Arg(1)->Arg(10)->Arg(100)->Arg(1000)->Iterations(20000)->UseRealTime();
+
+} // namespace
+
+BENCHMARK_MAIN();

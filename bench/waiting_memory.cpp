@@ -1,0 +1,109 @@
+// waiting_memory bare|module COUNT: the resident memory that each of so many waiting exchanges takes, in KiB. Bare is a
+// gSOAP exchange that has read its request and waits, on a thread of its own: context, digest plugin, streams and one
+// service. The module's are PullMessages through Manager::Post.
+
+#include "post.h"
+
+#include <service/onvif/device.h>
+#include <service/onvif/manager.h>
+#include <service/onvif/soap_context.h>
+#include <zarn/authentication/engine.h>
+#include <zarn/configuration/node/root.h>
+#include <zarn/onvif/events/subscription_gauge.h>
+#include <zarn/web/response/pending.h>
+
+#include <httpda.h>
+
+#include <barrier>
+#include <chrono>
+#include <cstdlib>
+#include <fstream>
+#include <future>
+#include <iostream>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using namespace zarn;
+
+constexpr char Pull[] = R"(<PullMessages xmlns="http://www.onvif.org/ver10/events/wsdl">)"
+                        "<Timeout>PT1H</Timeout><MessageLimit>10</MessageLimit></PullMessages>";
+
+long ReadResidentKilobytes() {
+    std::ifstream status("/proc/self/status");
+    for (std::string line; std::getline(status, line);)
+        if (line.starts_with("VmRSS:")) return std::atol(line.c_str() + 6);
+    return 0;
+}
+
+void Wait(std::string const& text, std::barrier<>& ready, std::shared_future<void> const& over) {
+    auto const context = service::onvif::MakeSoapContext();
+    auto* soap = context.get();
+    service::onvif::DeviceService const device(soap, service::onvif::URIBase(8080, false), nullptr, {}, nullptr);
+    soap_register_plugin_arg(soap, http_da, http_da_md5());
+    std::stringstream input;
+    std::ostringstream output;
+    soap->is = &input;
+    soap->os = &output;
+    input << text << std::endl;
+    if (soap_begin_serve(soap)) std::cerr << "the request was not read\n";
+    ready.arrive_and_wait();
+    over.wait();
+}
+
+double MeasureBare(int count) {
+    std::string const body(bench::Request(Pull).GetBody());
+    std::string const text = "POST /onvif/events_service HTTP/1.1\r\nHost: device:8080\r\n"
+                             "Content-Type: application/soap+xml; charset=utf-8\r\nContent-Length: " +
+                             std::to_string(body.size()) + "\r\n\r\n" + body;
+    std::barrier ready(count + 1);
+    std::promise<void> end;
+    auto const over = end.get_future().share();
+    auto const before = ReadResidentKilobytes();
+    std::vector<std::thread> threads;
+    threads.reserve(static_cast<std::size_t>(count));
+    for (int i = 0; i < count; ++i) threads.emplace_back([&] { Wait(text, ready, over); });
+    ready.arrive_and_wait();
+    auto const after = ReadResidentKilobytes();
+    end.set_value();
+    for (auto& thread : threads) thread.join();
+    return static_cast<double>(after - before) / count;
+}
+
+double MeasureModule(int count) {
+    ZarnAuthenticationEngine engine;
+    engine.SetEnabled(false);
+    service::onvif::Manager manager(&engine, std::make_shared<configuration::node::Root>(), nullptr, {});
+    bench::Post(manager, std::make_shared<bench::Request>(
+                             R"(<CreatePullPointSubscription xmlns="http://www.onvif.org/ver10/events/wsdl"/>)"));
+    auto const path =
+        "/onvif/events_service/Subscription?Idx=" + std::to_string(onvif::events::GetSubscriptions().front().id);
+    auto const before = ReadResidentKilobytes();
+    std::vector<std::shared_ptr<web::response::Pending>> pending;
+    for (int i = 0; i < count; ++i) pending.push_back(manager.Post(std::make_shared<bench::Request>(Pull, path)));
+    // All of them wait when nothing has changed for a while.
+    long after = 0;
+    for (int quiet = 0; quiet < 20; std::this_thread::sleep_for(std::chrono::milliseconds(50))) {
+        auto const now = ReadResidentKilobytes();
+        quiet = now == after ? quiet + 1 : 0;
+        after = now;
+    }
+    for (auto const& exchange : pending)
+        if (exchange->GetData().GetState() == web::response::State::Complete) std::cerr << "a pull did not wait\n";
+    return static_cast<double>(after - before) / count;
+}
+
+} // namespace
+
+int main(int arguments, char** argument) {
+    int const count = arguments == 3 ? std::atoi(argument[2]) : 0;
+    if (count < 1) {
+        std::cerr << "usage: waiting_memory bare|module COUNT\n";
+        return 2;
+    }
+    std::cout << (std::string(argument[1]) == "bare" ? MeasureBare(count) : MeasureModule(count)) << '\n';
+}
