@@ -23,8 +23,6 @@ namespace data = meta::data;
 
 namespace {
 
-constexpr char ConcreteSet[] = "http://www.onvif.org/ver10/tev/topicExpression/ConcreteSet";
-
 /// Stands for the channel of an event that names none.
 constexpr auto NoChannel = std::numeric_limits<std::uint32_t>::max();
 
@@ -86,7 +84,7 @@ tt__Message* MakeMessage(soap* soap, data::Event const& event) {
 
 wsnt__TopicExpressionType* MakeTopic(soap* soap, std::string const& text) {
     return Filled(soap_new_wsnt__TopicExpressionType(soap), [&](wsnt__TopicExpressionType& topic) {
-        topic.Dialect = ConcreteSet;
+        topic.Dialect = ConcreteTopicSetURI;
         topic.__mixed.soap = soap; // which owns the text
         soap_elt_text(&topic.__mixed, text.c_str());
     });

@@ -6,6 +6,8 @@
 
 #include <soapH.h>
 
+#include <initializer_list>
+
 namespace zarn::service::onvif::events {
 
 namespace {

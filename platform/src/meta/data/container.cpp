@@ -1,6 +1,7 @@
 #include <zarn/meta/data/container.h>
 
 #include <stdexcept>
+#include <utility>
 
 namespace zarn::meta::data {
 

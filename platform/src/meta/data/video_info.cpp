@@ -1,5 +1,7 @@
 #include <zarn/meta/data/video_info.h>
 
+#include <utility>
+
 namespace zarn::meta::data {
 
 VideoInfo::VideoInfo() : VideoInfo({0, 0}, "", 0, 1) {}

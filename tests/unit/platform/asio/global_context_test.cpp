@@ -64,7 +64,9 @@ private:
 };
 
 /// Leaves a handle to a handler, which lets go of it and then calls `then`. It is the last one when nobody else has
-/// one: the handler waits until the one with which it was posted has gone. prepare  called with the handle before
+/// one: the handler waits until the one with which it was posted has gone.
+///
+/// prepare  called with the handle before
 template <class Prepare, class Then>
 void LetGoOnItsThread(Prepare prepare, Then then) {
     std::promise<void> alone;
