@@ -2,6 +2,7 @@
 
 #include "capability_values.h"
 #include "device.h"
+#include "events/create_base_event.h"
 #include "events/types.h"
 #include "filled.h"
 #include "is_authenticated.h"
@@ -13,8 +14,6 @@
 #include <zarn/chrono/iso8601.h>
 #include <zarn/onvif/events/handler.h>
 
-#include <boost/algorithm/string/classification.hpp>
-#include <boost/algorithm/string/split.hpp>
 #include <boost/asio/post.hpp>
 
 #include <algorithm>
@@ -24,6 +23,7 @@
 #include <cstring>
 #include <future>
 #include <limits>
+#include <string_view>
 #include <utility>
 
 namespace zarn::service::onvif {
@@ -40,7 +40,6 @@ constexpr char PullMessagesResponseActionURI[] =
 
 constexpr char TopicNamespaceURI[] = "http://www.onvif.org/onvif/ver10/topic/topicns.xml";
 constexpr char ConcreteTopicExpressionURI[] = "http://docs.oasis-open.org/wsn/t-1/TopicExpression/Concrete";
-constexpr char ConcreteTopicSetURI[] = "http://www.onvif.org/ver10/tev/topicExpression/ConcreteSet";
 constexpr char OnvifItemFilterURI[] = "http://www.onvif.org/ver10/tev/messageContentFilter/ItemFilter";
 constexpr char OnvifSchemaURI[] = "http://www.onvif.org/onvif/ver10/schema/onvif.xsd";
 
@@ -73,18 +72,11 @@ std::int32_t ExtractSubscriptionId(char const* path) {
 /// The end of a subscription as a client asks for it: a span from now when it begins with "P", else a time. Without a
 /// text a default. Throws chrono::Error when the text is neither.
 system_clock::time_point ReadTermination(std::string const* text, system_clock::time_point now) {
-    if (!text || text->empty()) return now + DefaultLifetime;
-    if (text->starts_with('P')) return chrono::Add(now, chrono::duration::FromIso8601(*text, now));
+    // White space around it means nothing, as in other times and spans.
+    auto const begin = text ? text->find_first_not_of(" \t\r\n") : std::string::npos;
+    if (begin == std::string::npos) return now + DefaultLifetime;
+    if ((*text)[begin] == 'P') return chrono::Add(now, chrono::duration::FromIso8601(*text, now));
     return chrono::FromIso8601(*text);
-}
-
-/// The last element of the filter wins, whatever its kind and dialect.
-std::vector<std::string> ReadTopics(wsnt__FilterType const* filter) {
-    std::vector<std::string> topics;
-    if (!filter || filter->__any.empty()) return topics;
-    char const* const text = soap_elt_get_text(&filter->__any.back());
-    boost::algorithm::split(topics, std::string(text ? text : ""), boost::algorithm::is_any_of("|"));
-    return topics;
 }
 
 int CannotExtractId(soap* soap) {
@@ -151,11 +143,13 @@ std::shared_ptr<meta::data::Event> EventsService::Subscription::Pop() {
 
 /// Thread: the host's.
 void EventsService::Queue(std::shared_ptr<meta::data::Event> const& event) {
-    {
-        std::scoped_lock const lock(Mutex);
-        for (auto& [id, subscription] : Subscriptions) subscription.Push(event);
-    }
-    Cv.notify_all();
+    // Some have got the event also when there is no memory for others.
+    struct Notification {
+        ~Notification() { Cv.notify_all(); }
+    } const afterwards;
+
+    std::scoped_lock const lock(Mutex);
+    for (auto& [id, subscription] : Subscriptions) subscription.Push(event);
 }
 
 std::int32_t EventsService::GetNextSubscriptionId() {
@@ -168,12 +162,27 @@ EventsService::Subscription* EventsService::Find(std::int32_t id) {
     return found == Subscriptions.end() ? nullptr : &found->second;
 }
 
-/// Replaces the wait for the end that was there before.
+/// The last element of the filter wins, whatever its kind and dialect.
+std::shared_ptr<EventsService::Topics const> EventsService::ReadTopics(wsnt__FilterType const* filter) {
+    auto topics = std::make_shared<Topics>();
+    if (!filter || filter->__any.empty()) return topics;
+    char const* const text = soap_elt_get_text(&filter->__any.back());
+    std::string_view rest(text ? text : "");
+    for (auto end = rest.find('|'); end != rest.npos; end = rest.find('|')) {
+        topics->emplace(rest.substr(0, end));
+        rest.remove_prefix(end + 1);
+    }
+    topics->emplace(rest);
+    return topics;
+}
+
+/// Replaces the wait for the end that was there before. When it throws, that one goes on.
 void EventsService::StartTimer(std::int32_t id, Subscription& subscription, Time termination) {
-    subscription.timer.expires_at(termination);
-    subscription.timer.async_wait([id, termination](boost::system::error_code error) {
+    boost::asio::system_timer next(subscription.context.Get(), termination);
+    next.async_wait([id, termination](boost::system::error_code error) {
         if (!error) Expire(id, termination);
     });
+    subscription.timer = std::move(next); // which cancels the wait before
 }
 
 /// The end of a wait may be told late, when the subscription has been renewed meanwhile.
@@ -209,11 +218,13 @@ int EventsService::CreatePullPointSubscription(_tev__CreatePullPointSubscription
     auto const termination = ReadTermination(request.InitialTerminationTime, system_clock::now());
     auto topics = ReadTopics(request.Filter);
     auto const id = GetNextSubscriptionId();
+    decltype(Subscriptions) made; // without the mutex: making and ending one takes other locks
+    auto& subscription = made.try_emplace(id, id).first->second;
+    subscription.topics = std::move(topics);
     {
         std::scoped_lock const lock(Mutex);
-        auto& subscription = Subscriptions.try_emplace(id, id).first->second;
-        subscription.topics = std::move(topics);
-        StartTimer(id, subscription, termination);
+        StartTimer(id, subscription, termination); // whose end waits until the subscription is there
+        Subscriptions.merge(made);
     }
     auto const address = GetBaseUri() + EventsServicePath + '/' + SubscriptionMarker + std::to_string(id);
     response.SubscriptionReference.Address = soap_strdup(soap, address.c_str());
@@ -234,7 +245,7 @@ bool EventsService::WaitForEvents(std::unique_lock<std::mutex>& lock, std::int32
 }
 
 /// Appends the event's message, if it has one that the client wants; returns whether it counts towards the limit.
-bool EventsService::Append(std::shared_ptr<meta::data::Event> const& event, std::vector<std::string> const& topics,
+bool EventsService::Append(std::shared_ptr<meta::data::Event> const& event, Topics const& topics,
                            std::vector<wsnt__NotificationMessageHolderType*>& messages) {
     auto const count = messages.size();
     // A conversion that appends a message without claiming the event leaves it in, whatever the filter.
@@ -243,7 +254,7 @@ bool EventsService::Append(std::shared_ptr<meta::data::Event> const& event, std:
     if (!isHandled || messages.size() == count) return false;
     auto const* const topic = messages.back()->Topic;
     char const* const text = topic ? soap_elt_get_text(&topic->__mixed) : nullptr; // null for want of memory
-    bool const isWanted = topics.empty() || (text && std::ranges::find(topics, text) != topics.end());
+    bool const isWanted = topics.empty() || (text && topics.contains(std::string_view(text)));
     if (!isWanted) messages.pop_back();
     return isWanted;
 }
@@ -254,12 +265,13 @@ int EventsService::PullMessages(_tev__PullMessages* given, _tev__PullMessagesRes
     auto const id = ExtractSubscriptionId(soap->path);
     if (id == NoId) return CannotExtractId(soap);
     auto const& request = OrEmpty(given);
+    std::shared_ptr<Topics const> topics; // goes after the mutex is free: this may be all that holds them
 
     std::unique_lock lock(Mutex);
     auto* subscription = Find(id);
     if (!subscription) return NotFound(soap);
     response.TerminationTime = ToSeconds(subscription->timer.expiry());
-    auto const topics = subscription->topics;
+    topics = subscription->topics;
     if (subscription->events.empty()) {
         auto const deadline = chrono::Add(steady_clock::now(), chrono::duration::FromIso8601(request.Timeout));
         if (!WaitForEvents(lock, id, deadline)) return NotFound(soap);
@@ -269,7 +281,7 @@ int EventsService::PullMessages(_tev__PullMessages* given, _tev__PullMessagesRes
     while (count < request.MessageLimit && (subscription = Find(id)) && !subscription->events.empty()) {
         auto const event = subscription->Pop();
         lock.unlock();
-        if (Append(event, topics, response.wsnt__NotificationMessage)) ++count;
+        if (Append(event, *topics, response.wsnt__NotificationMessage)) ++count;
         lock.lock();
     }
     lock.unlock();
@@ -285,6 +297,7 @@ int EventsService::Renew(_wsnt__Renew* given, _wsnt__RenewResponse& response) {
     auto* const subscription = Find(id);
     if (!subscription) return NotFound(soap);
     auto const now = system_clock::now();
+    // Under the mutex, since it counts only when the subscription is there; a wrong text is refused where it is wrong.
     auto const termination = ReadTermination(OrEmpty(given).TerminationTime, now);
     StartTimer(id, *subscription, termination);
     response.TerminationTime = ToSeconds(termination);
@@ -319,7 +332,7 @@ int EventsService::GetEventProperties(_tev__GetEventProperties*, _tev__GetEventP
         soap_elt_set(&videoSource, nullptr, "tns1:VideoSource");
         soap_att_text(soap_att(soap_elt(&videoSource, nullptr, "MotionAlarm"), nullptr, "wstop:topic"), "true");
     });
-    response.wsnt__TopicExpressionDialect = {ConcreteTopicExpressionURI, ConcreteTopicSetURI};
+    response.wsnt__TopicExpressionDialect = {ConcreteTopicExpressionURI, events::ConcreteTopicSetURI};
     response.MessageContentFilterDialect = {OnvifItemFilterURI};
     response.MessageContentSchemaLocation = {OnvifSchemaURI};
     return SOAP_OK;

@@ -14,9 +14,11 @@
 #include <condition_variable>
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -64,6 +66,9 @@ public:
 private:
     using Time = std::chrono::system_clock::time_point;
 
+    /// What a client wants; empty: all.
+    using Topics = std::set<std::string, std::less<>>;
+
     struct Subscription {
         explicit Subscription(std::int32_t id) : gauge(id) {}
 
@@ -74,7 +79,7 @@ private:
         asio::GlobalContext context;                           ///< keeps the timer's thread
         boost::asio::system_timer timer{context.Get()};        ///< its expiry is the termination time
         std::deque<std::shared_ptr<meta::data::Event>> events; ///< in the order of arrival
-        std::vector<std::string> topics;                       ///< empty: all
+        std::shared_ptr<Topics const> topics;                  ///< shared with those who pull
     };
 
     /// Ends the registration and the subscriptions when the library goes, before the state below does.
@@ -83,6 +88,7 @@ private:
     static void RegisterForEvents();
     static void Queue(std::shared_ptr<meta::data::Event> const& event);
     static std::int32_t GetNextSubscriptionId();
+    static std::shared_ptr<Topics const> ReadTopics(wsnt__FilterType const* filter);
     static Subscription* Find(std::int32_t id);
     static void StartTimer(std::int32_t id, Subscription& subscription, Time termination);
     static void Expire(std::int32_t id, Time termination);
@@ -90,7 +96,7 @@ private:
     void SetActionHeader(char const* uri);
     bool WaitForEvents(std::unique_lock<std::mutex>& lock, std::int32_t id,
                        std::chrono::steady_clock::time_point deadline);
-    bool Append(std::shared_ptr<meta::data::Event> const& event, std::vector<std::string> const& topics,
+    bool Append(std::shared_ptr<meta::data::Event> const& event, Topics const& topics,
                 std::vector<wsnt__NotificationMessageHolderType*>& messages);
 
     static std::mutex Mutex;           ///< guards Subscriptions, their queues and timers, and EventHandlerBinding
