@@ -168,25 +168,6 @@ TEST_F(PullPointRace, OfSeveralWhoPullGivesEachEventToOneOfThemInOrder) {
     EXPECT_EQ(all, expected);
 }
 
-TEST_F(PullPointRace, SurvivesEverythingAtOnce) {
-    Manager(); // which nobody but this thread makes
-    std::vector<std::future<void>> clients;
-    for (int i = 0; i < 4; ++i) {
-        clients.push_back(std::async(std::launch::async, [this] {
-            for (int round = 0; round < 15; ++round) {
-                auto const path = Subscribe(Termination("PT0.01S"));
-                Renew(path, "PT0.02S");
-                Pull(path, 2, "PT0.02S");
-                Renew(path, "PT0.01S");
-                if (round % 2 == 0) Unsubscribe(path);
-            }
-        }));
-    }
-    for (auto const& client : clients) {
-        while (client.wait_for(0s) != std::future_status::ready) Publish(MakeFieldEvent());
-    }
-}
-
 class PullPointDeathTest : public PullPointFixture {
 protected:
     /// Ends the process while events come and subscriptions end, one every millisecond.
