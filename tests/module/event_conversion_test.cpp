@@ -125,9 +125,11 @@ TEST_F(EventConversion, MakesAWholeMessageOfAFieldEvent) {
 }
 
 TEST_F(EventConversion, SaysInsideForEveryFieldEvent) {
-    for (auto const* type : {"presence", "exit", "disappear", "or"}) {
-        EXPECT_THAT(GetDataNames(Convert(InZone(type, Zone::Field))), ElementsAre("ObjectId", "IsInside"));
-        EXPECT_EQ(GetItem(Convert(InZone(type, Zone::Field)), "IsInside"), "true") << type;
+    for (auto const* type : {"presence", "direction", "directional-crossing", "enter", "exit", "appear", "disappear",
+                             "tailgating", "fall", "and", "not", "or"}) {
+        auto const reply = Convert(InZone(type, Zone::Field));
+        EXPECT_THAT(GetDataNames(reply), ElementsAre("ObjectId", "IsInside")) << type;
+        EXPECT_EQ(GetItem(reply, "IsInside"), "true") << type;
     }
 }
 
@@ -186,9 +188,11 @@ TEST_F(EventConversion, ListsNoClassesWhenAllAreEmpty) {
 }
 
 TEST_F(EventConversion, SaysSinceWhenAnObjectLoiters) {
-    auto const reply = Convert(MakeEvent("dwell"));
-    EXPECT_THAT(GetDataNames(reply), ElementsAre("ObjectId", "Since"));
-    EXPECT_EQ(GetItem(reply, "Since"), "2026-01-31T12:00:00.25Z");
+    for (auto const* type : {"dwell", "stopped", "aggressive-behaviour"}) {
+        auto const reply = Convert(MakeEvent(type));
+        EXPECT_THAT(GetDataNames(reply), ElementsAre("ObjectId", "Since")) << type;
+        EXPECT_EQ(GetItem(reply, "Since"), "2026-01-31T12:00:00.25Z") << type;
+    }
 }
 
 TEST_F(EventConversion, SaysTheFirstCount) {
