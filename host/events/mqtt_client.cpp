@@ -12,7 +12,6 @@
 #include <cerrno>
 #include <cstdint>
 #include <exception>
-#include <random>
 #include <system_error>
 #include <utility>
 
@@ -63,12 +62,17 @@ MqttClient::MqttClient(Sink sink) : sink(std::move(sink)) {}
 MqttClient::~MqttClient() { Stop(); }
 
 void MqttClient::Configure(MqttSettings const& settings) {
+    auto next = std::make_shared<MqttSettings const>(settings);
     {
         std::lock_guard const lock(mutex);
-        if (stopping || settings == wanted) return;
-        wanted = settings;
+        if (stopping || settings == *wanted) return;
     }
+    // Before the settings count: when it cannot be started, the same ones are to be tried again.
     if (!thread.joinable() && settings.enabled) thread = std::thread([this] { Work(); });
+    {
+        std::lock_guard const lock(mutex);
+        wanted.swap(next);
+    }
     wake.Set();
 }
 
@@ -92,9 +96,8 @@ MqttStatus MqttClient::GetStatus() const {
 
 void MqttClient::Work() {
     LimitResolving();
-    std::minstd_rand chance(std::random_device{}());
     std::uniform_real_distribution<double> distribution;
-    MqttSettings settings;
+    std::shared_ptr<MqttSettings const> settings;
     for (auto family = MqttSession::Family::Any;;) {
         wake.Clear();
         {
@@ -103,18 +106,31 @@ void MqttClient::Work() {
             if (settings != wanted) delay.Reset();
             settings = wanted;
         }
-        if (!settings.enabled) {
+        if (!settings->enabled) {
             SetState(MqttState::Off, {});
             AwaitWake(std::chrono::milliseconds(-1));
             continue;
         }
-        auto const lasted = RunSession(settings, family);
-        if (!IsCurrent(settings)) continue;
+        auto const lasted = TrySession(*settings, family);
+        if (!IsCurrent(*settings)) continue;
         // A name may have addresses of both families, of which the broker serves only one.
         bool const first = family == MqttSession::Family::Any && lasted == Clock::duration::zero();
         family = first ? MqttSession::Family::Ipv4 : MqttSession::Family::Any;
         AwaitWake(delay.Fail(lasted, distribution(chance)));
     }
+}
+
+Clock::duration MqttClient::TrySession(MqttSettings const& settings, MqttSession::Family family) noexcept {
+    try {
+        return RunSession(settings, family);
+    } catch (std::exception const& error) {
+        try {
+            Report(settings, error.what());
+            SetState(MqttState::Waiting, error.what());
+        } catch (std::exception const&) { // no memory for the line: the next attempt matters more
+        }
+    }
+    return Clock::duration::zero();
 }
 
 Clock::duration MqttClient::RunSession(MqttSettings const& settings, MqttSession::Family family) {
@@ -184,12 +200,12 @@ std::size_t MqttClient::Deliver(MqttSettings const& settings, MqttMessage const&
 
 bool MqttClient::IsCurrent(MqttSettings const& settings) const {
     std::lock_guard const lock(mutex);
-    return !stopping && settings == wanted;
+    return !stopping && settings == *wanted;
 }
 
 bool MqttClient::IsAnotherTopic(MqttSettings const& settings) const {
     std::lock_guard const lock(mutex);
-    return settings.topic != wanted.topic;
+    return settings.topic != wanted->topic;
 }
 
 void MqttClient::SetState(MqttState state, std::string detail) {

@@ -11,7 +11,9 @@
 
 #include <chrono>
 #include <cstddef>
+#include <memory>
 #include <mutex>
+#include <random>
 #include <string>
 #include <thread>
 
@@ -35,7 +37,7 @@ public:
     MqttClient& operator=(MqttClient const&) = delete;
 
     /// Follows the settings from now on; does not wait. Settings that are the same disturb nothing.
-    /// Throws std::system_error when the thread cannot be started. Thread: one with Stop.
+    /// Throws std::system_error when the thread cannot be started; nothing has changed then. Thread: one with Stop.
     void Configure(MqttSettings const& settings);
 
     /// Lets the thread end without waiting for it: at most the message that it is at goes to the sink yet. Thread: any.
@@ -76,6 +78,10 @@ private:
 
     void Work();
 
+    /// What goes wrong in a session, want of memory too, ends that session alone: it is tried again as a connection
+    /// that was lost.
+    std::chrono::steady_clock::duration TrySession(MqttSettings const& settings, MqttSession::Family family) noexcept;
+
     /// Returns how long the connection was usable.
     std::chrono::steady_clock::duration RunSession(MqttSettings const& settings, MqttSession::Family family);
 
@@ -95,11 +101,12 @@ private:
     Wake wake;
 
     mutable std::mutex mutex; ///< guards wanted, stopping and status
-    MqttSettings wanted;
+    std::shared_ptr<MqttSettings const> wanted = std::make_shared<MqttSettings const>();
     bool stopping = false;
     MqttStatus status;
 
-    ReconnectDelay delay;    ///< of the thread
+    std::minstd_rand chance{std::random_device{}()}; ///< of the thread
+    ReconnectDelay delay;                            ///< of the thread
     std::string lastFailure; ///< of the thread: what was logged last, so that it is not repeated
     std::thread thread;
 };
