@@ -4,9 +4,13 @@
 
 #include <boost/algorithm/string/predicate.hpp>
 #include <boost/algorithm/string/trim.hpp>
+#include <boost/asio/post.hpp>
 #include <boost/json/object.hpp>
 #include <boost/json/serialize.hpp>
 
+#include <chrono>
+#include <exception>
+#include <future>
 #include <map>
 #include <string>
 #include <string_view>
@@ -15,7 +19,9 @@
 namespace zarn::host::events {
 namespace {
 
+using namespace std::chrono_literals;
 namespace json = boost::json;
+using zarn::web::response::Pending;
 using Status = protocol::network::http::response::Status;
 
 /// Whether a media type is JSON or unknown: not every client says what it sends. Source: RFC 6839, 3.1.
@@ -31,6 +37,11 @@ zarn::web::Service::Response Answer(Status status, json::object const& body,
     return zarn::web::response::MakeComplete(status, std::move(fields), json::serialize(body) + '\n');
 }
 
+Pending::Data GetData(std::shared_future<zarn::web::Service::Response> const& answer) {
+    if (answer.wait_for(0ms) == std::future_status::ready) return answer.get()->GetData();
+    return {Status::Provisional, {}, {zarn::web::response::State::NotReady, {}}};
+}
+
 } // namespace
 
 EventsRoute::EventsRoute(ZarnAuthenticationEngine const& engine, Sink sink) : digest(engine), sink(std::move(sink)) {}
@@ -41,8 +52,22 @@ EventsRoute::Response EventsRoute::Post(std::shared_ptr<zarn::web::Request> requ
         return Answer(Status::UnsupportedMediaType, {{"error", "Content-Type: events come as application/json"}},
                       {{"Accept", "application/json"}});
     }
+    auto const answer = std::make_shared<std::promise<Response>>();
+    auto const future = answer->get_future().share();
+    boost::asio::post(readers, [this, answer, request = std::move(request)] {
+        try {
+            answer->set_value(Take(*request));
+        } catch (...) {
+            answer->set_exception(std::current_exception());
+        }
+    });
+    return std::make_shared<Pending>(
+        Status::Provisional, [future] { return GetData(future); }, 0ms);
+}
+
+EventsRoute::Response EventsRoute::Take(zarn::web::Request const& request) const {
     try {
-        auto const events = ReadEvents(request->GetBody(), std::chrono::system_clock::now());
+        auto const events = ReadEvents(request.GetBody(), std::chrono::system_clock::now());
         for (auto const& event : events) sink(event);
         return Answer(Status::Accepted, {{"taken", events.size()}});
     } catch (ReadError const& error) {

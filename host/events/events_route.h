@@ -5,6 +5,8 @@
 
 #include <zarn/web/service.h>
 
+#include <boost/asio/thread_pool.hpp>
+
 #include <functional>
 #include <memory>
 
@@ -17,17 +19,26 @@ using Sink = std::function<void(std::shared_ptr<meta::data::Event>)>;
 class EventsRoute final : public zarn::web::Service {
 public:
     /// engine  decides who may bring events; must outlive the route
-    /// sink    is called with each event, before the answer
+    /// sink    is called with each event, before the answer, on a thread of the route
     EventsRoute(ZarnAuthenticationEngine const& engine, Sink sink);
 
+    /// Drops the requests whose events have not been read, and waits for those that have.
+    ~EventsRoute() override = default;
+
+    /// Pending while the body is read and its events are taken, which does not hold up the web server's thread: it may
+    /// be a list of thousands, for each of a thousand subscriptions.
     /// 202 with `{"taken": N}` when all events of the body have gone to the sink; 400 with `{"error": "..."}` when it
     /// does not hold events, none of which has been taken then; 401 for who has not logged in; 415 with the same form
     /// for a body that says that it is not JSON.
     Response Post(std::shared_ptr<zarn::web::Request> request) override;
 
 private:
+    Response Take(zarn::web::Request const& request) const;
+
     web::Digest digest;
     Sink sink;
+    /// Few threads, since a text takes many times its length while it is read: the others wait for their turn.
+    boost::asio::thread_pool readers{2};
 };
 
 } // namespace zarn::host::events

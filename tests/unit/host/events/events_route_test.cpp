@@ -6,17 +6,24 @@
 
 #include <gmock/gmock.h>
 
+#include <chrono>
+#include <future>
 #include <map>
+#include <new>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace zarn::host::events {
 namespace {
 
 using protocol::network::http::response::Status;
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using zarn::web::response::State;
 using Method = web::FakeRequest::Method;
 
 class EventsRouteTest : public testing::Test {
@@ -27,7 +34,15 @@ protected:
                                             Method method = Method::Post) {
         auto const request =
             std::make_shared<web::FakeRequest>(method, "/api/events", std::move(fields), std::move(body));
-        return route.Process(request)->GetData();
+        return Await(*route.Process(request));
+    }
+
+    static zarn::web::response::Pending::Data Await(zarn::web::response::Pending const& response) {
+        auto data = response.GetData();
+        for (auto const deadline = Clock::now() + 10s; data.GetState() == State::NotReady && Clock::now() < deadline;
+             data = response.GetData())
+            std::this_thread::sleep_for(1ms);
+        return data;
     }
 
     static std::string GetBody(zarn::web::response::Pending::Data const& data) {
@@ -50,6 +65,28 @@ TEST_F(EventsRouteTest, TakesAnEvent) {
 TEST_F(EventsRouteTest, TakesAListInItsOrderBeforeItAnswers) {
     EXPECT_EQ(GetBody(Send(R"([{"type": "a"}, {"type": "b"}, {"type": "c"}])")), "{\"taken\":3}\n");
     EXPECT_THAT(taken, ElementsAre("a", "b", "c"));
+}
+
+TEST_F(EventsRouteTest, DoesNotWaitUntilTheEventsAreTaken) {
+    std::promise<void> taking;
+    EventsRoute slow(engine, [&](auto const&) { taking.get_future().wait(); });
+    auto const response = slow.Process(std::make_shared<web::FakeRequest>(
+        Method::Post, "/api/events", std::map<std::string, std::string>(), R"({"type": "a"})"));
+    EXPECT_EQ(response->GetStatus(), Status::Provisional);
+    EXPECT_EQ(response->GetTimeout(), 0ms);
+    EXPECT_EQ(response->GetData().GetState(), State::NotReady);
+    EXPECT_EQ(response->GetData().GetStatus(), Status::Provisional);
+    taking.set_value();
+    auto const answer = Await(*response);
+    EXPECT_EQ(answer.GetStatus(), Status::Accepted);
+    EXPECT_EQ(GetBody(answer), "{\"taken\":1}\n");
+}
+
+TEST_F(EventsRouteTest, LetsTheServerKnowWhatWentWrong) {
+    EventsRoute failing(engine, [](auto const&) { throw std::bad_alloc(); });
+    auto const response = failing.Process(std::make_shared<web::FakeRequest>(
+        Method::Post, "/api/events", std::map<std::string, std::string>(), R"({"type": "a"})"));
+    EXPECT_THROW(Await(*response), std::bad_alloc);
 }
 
 TEST_F(EventsRouteTest, TakesNothingOfAListWithAWrongEvent) {
