@@ -3,6 +3,7 @@
 #include "host/pull_point_client.h"
 #include "host/raw_connection.h"
 
+#include <boost/json/parse.hpp>
 #include <gmock/gmock.h>
 
 #include <chrono>
@@ -38,6 +39,26 @@ TEST_F(PullPointOverHttp, HasTheFirstIdInANewProcess) {
     EXPECT_THAT(client.Subscribe(), MatchesRegex("http://[0-9.]+:" + std::to_string(host.GetPort()) +
                                                  "/onvif/events_service/Subscription\\?Idx=1"));
     EXPECT_THAT(client.Subscribe(), HasSubstr("?Idx=2"));
+}
+
+TEST_F(PullPointOverHttp, ShowsInTheStatusWhatNobodyHasFetched) {
+    auto const address = client.Subscribe();
+    auto const status = [&] { return host.GetHealth().at("events").at("subscriptions"); };
+    EXPECT_EQ(status(), boost::json::parse(R"({"count": 1, "queued": 0, "list": [{"id": 1, "queued": 0}]})"));
+    EXPECT_EQ(client.Post(MakeEvent("Gate")).status, 202);
+    EXPECT_EQ(status(), boost::json::parse(R"({"count": 1, "queued": 1, "list": [{"id": 1, "queued": 1}]})"));
+    EXPECT_THAT(GetRules(client.Pull(address)), ElementsAre("Gate"));
+    EXPECT_EQ(status().at("queued"), 0);
+    EXPECT_EQ(client.Unsubscribe(address).status, 200);
+    EXPECT_EQ(status(), boost::json::parse(R"({"count": 0, "queued": 0, "list": []})"));
+}
+
+TEST(PullPointOverHttpOfAHost, WarnsOfMoreThanMayWait) {
+    HostProcess host({.arguments = {"--set", "settings.events.queued_warning=1"}});
+    PullPointClient const client(host);
+    client.Subscribe();
+    EXPECT_EQ(client.Post(MakeEvents(2)).status, 202);
+    EXPECT_TRUE(host.GetProcess().WaitForLog("2 events wait in 1 subscriptions", 10s)) << host.GetProcess().GetLog();
 }
 
 TEST_F(PullPointOverHttp, AnswersAWaitingClientWithWhatIsPosted) {
