@@ -4,6 +4,7 @@
 #include <zarn/configuration/node/primitive.h>
 #include <zarn/configuration/schema.h>
 
+#include <boost/algorithm/string/replace.hpp>
 #include <boost/json/parse.hpp>
 #include <gtest/gtest.h>
 
@@ -97,6 +98,28 @@ TEST_P(EveryChannelList, KeepsNothingFromOneRequestToTheNext) {
     auto const reply = AskForList();
     EXPECT_THAT(Tokens(reply), ElementsAre("channels.3", "channels.1"));
     EXPECT_THAT(Names(reply), ElementsAre("Roof", "Gate"));
+}
+
+TEST_P(EveryChannelList, ArrivesWholeWhenItIsLong) {
+    auto const id = [](int i) { return "c" + std::to_string(1000 + i); };
+    auto const describe = [](std::string const& channel) {
+        return '"' + channel + R"(": {"name": "Name of )" + channel + "\"}";
+    };
+    Configure(R"({"channels": {)" + describe(id(0)) + "}}");
+    auto const one = AskForList().Message();
+    auto const begin = one.find('>') + 1;
+    auto const end = one.rfind("</");
+    std::string all = describe(id(0));
+    std::string expected = one.substr(0, end);
+    for (int i = 1; i < 300; ++i) {
+        all += ", " + describe(id(i));
+        expected += boost::algorithm::replace_all_copy(one.substr(begin, end - begin), id(0), id(i));
+    }
+    EndManager();
+    Configure(R"({"channels": {)" + all + "}}");
+    auto const reply = AskForList();
+    EXPECT_TRUE(reply.Message() == expected + one.substr(end)) << reply.Message().substr(0, 2000);
+    EXPECT_THAT(Tokens(reply), SizeIs(300));
 }
 
 TEST_P(EveryChannelList, IsEmptyWithoutChannels) {
