@@ -53,9 +53,13 @@ void ConfigurationFile::Create() {
 
 boost::json::value ConfigurationFile::Read() const try {
     return configuration::text::Parse(ReadWholeFile(path));
+
 } catch (configuration::Error const& error) {
+
     throw LoadError(path + ": " + error.what());
+
 } catch (std::exception const& error) {
+
     throw LoadError(error.what());
 }
 

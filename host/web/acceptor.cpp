@@ -20,6 +20,9 @@ namespace {
 /// Pause after a connection could not be accepted, for instance because the process has too many files open.
 constexpr std::chrono::milliseconds PauseAfterFailure{100};
 
+/// How long those who are about to connect when the port is to be closed are given to get through.
+constexpr std::chrono::milliseconds HandshakeTime{10};
+
 /// More than can wait to be accepted: a limit to what closing takes.
 constexpr int MostWaiting = 8192;
 
@@ -41,7 +44,11 @@ void DropNewcomers(int listening) {
 } // namespace
 
 Acceptor::Acceptor(asio::io_context& io, Listener listener, Handler handler)
-    : io(io), acceptor(listener.Release()), pause(acceptor.get_executor()), handler(std::move(handler)) {}
+    : io(io),
+      acceptor(listener.Release()),
+      pause(acceptor.get_executor()),
+      settling(acceptor.get_executor()),
+      handler(std::move(handler)) {}
 
 void Acceptor::Start() {
     asio::post(acceptor.get_executor(), [self = shared_from_this()] { self->Accept(); });
@@ -51,21 +58,28 @@ void Acceptor::Close() {
     auto over = std::make_shared<std::promise<void>>();
     auto const future = over->get_future();
     // The future is ready when the promise's last owner is gone, whatever happens to it.
-    asio::post(acceptor.get_executor(), [this, over = std::move(over)] {
-        pause.cancel();
-        if (acceptor.is_open()) {
-            DropNewcomers(acceptor.native_handle());
-            try {
-                AcceptWaiting();
-            } catch (std::exception const& error) {
-                logger.Log(logging::Level::Error, "Connections were lost when a port was closed: %0%", error.what());
-            }
-            boost::system::error_code ignored;
-            acceptor.close(ignored);
-        }
-        if (accepting) closing.push_back(over);
+    asio::post(acceptor.get_executor(), [self = shared_from_this(), over = std::move(over)] {
+        if (self->acceptor.is_open() || self->accepting) self->closing.push_back(over);
+        if (!self->acceptor.is_open()) return;
+        DropNewcomers(self->acceptor.native_handle());
+        self->settling.expires_after(HandshakeTime);
+        self->settling.async_wait([self](boost::system::error_code) { self->OnSettled(); });
     });
     future.wait();
+}
+
+void Acceptor::OnSettled() {
+    if (acceptor.is_open()) {
+        pause.cancel();
+        try {
+            AcceptWaiting();
+        } catch (std::exception const& error) {
+            logger.Log(logging::Level::Error, "Connections were lost when a port was closed: %0%", error.what());
+        }
+        boost::system::error_code ignored;
+        acceptor.close(ignored);
+    }
+    if (!accepting) closing.clear();
 }
 
 void Acceptor::Accept() {
@@ -77,6 +91,7 @@ void Acceptor::Accept() {
                                 self->OnAccepted(error, std::move(socket));
                             }));
 }
+
 /// Accepts those who have connected already: they may have sent a request, and closing the port would reset them.
 void Acceptor::AcceptWaiting() {
     boost::system::error_code error;

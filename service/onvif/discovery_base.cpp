@@ -35,7 +35,9 @@ logging::Logger const& Log() {
 
 void TellOfFailure(std::exception const& failure) noexcept try {
     Log().Log(logging::Level::Error, "Failed to start Onvif discovery service: %0%", failure.what());
+
 } catch (std::exception const&) {
+
     // It is tried again either way.
 }
 

@@ -30,9 +30,8 @@ protected:
     std::string GetCapabilities(std::string const& url) const {
         auto const body = R"(<s:Envelope xmlns:s="http://www.w3.org/2003/05/soap-envelope"><s:Body>)"
                           R"(<GetCapabilities xmlns="http://www.onvif.org/ver10/device/wsdl"/></s:Body></s:Envelope>)";
-        return Curl(
-            {"--data-binary", body, "-H", "Content-Type: application/soap+xml", url + "/onvif/device_service"},
-            files.certificate);
+        return Curl({"--data-binary", body, "-H", "Content-Type: application/soap+xml", url + "/onvif/device_service"},
+                    files.certificate);
     }
 
     std::shared_ptr<TemporaryFolder> folder = std::make_shared<TemporaryFolder>();

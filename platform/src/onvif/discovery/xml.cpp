@@ -145,6 +145,7 @@ private:
             std::string_view end;
             bool anywhere; ///< also beside the root element
         };
+
         constexpr std::array Kinds{Kind{"<!--", "-->", true}, Kind{"<![CDATA[", "]]>", false}, Kind{"<?", "?>", true}};
         for (auto const& [begin, end, anywhere] : Kinds) {
             if (!rest.starts_with(begin)) continue;

@@ -91,7 +91,7 @@ TEST_F(ServerMove, LosesNoRequestThatWasSent) {
             }
         });
     }
-    for (int i = 0; i < 100; ++i) {
+    for (int i = 0; i < 30; ++i) {
         int const before = answered;
         Move();
         present = port;
