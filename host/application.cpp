@@ -1,5 +1,6 @@
 #include "host/application.h"
 
+#include "host/configuration_file.h"
 #include "host/events/events_route.h"
 #include "host/events/mqtt_configuration.h"
 #include "host/settings.h"
@@ -50,6 +51,10 @@ boost::json::value ReadPersisted(configuration::node::Root const& root, char con
     return root.Find(path)->ToJson(configuration::Layer::Persisted);
 }
 
+std::uint16_t ReadPersistedPort(configuration::node::Root const& root) {
+    return ReadPersisted(root, WebPortPath).to_number<std::uint16_t>();
+}
+
 } // namespace
 
 Application::Application(Preparation prepared)
@@ -66,10 +71,11 @@ Application::Application(Preparation prepared)
     authentication.SetHa1(preparation.credentials.ha1);
     authentication.SetEnabled(authenticate);
 
-    if (!IsOverridden(root, WebPortPath)) followedPort = ReadPersisted(root, WebPortPath);
+    if (!IsOverridden(root, WebPortPath)) followedPort = ReadPersistedPort(root);
     web::Listener listener(webContext, ReadPort(root, WebPortPath));
     BindPort(WebPortPath, listener.GetPort());
     failedLogins->SetLimit(ReadFailedLoginsLimit(root));
+    // For the whole process: the module makes the responder, and has no setting to hand on to it.
     udp::AllowAnySource(ReadBool(root, DiscoveryAnywherePath));
     engine = std::make_unique<video::Engine>(video::RtspSettings{.port = ReadPort(root, RtspPortPath),
                                                                  .authenticate = authenticate,
@@ -168,11 +174,14 @@ void Application::Reload() {
     try {
         preparation.file->Load();
         logger.Log(Level::Info, "Read %0% again", preparation.file->GetPath());
-        // Also when the file is as it was: the certificate may be another, or a port free.
-        ScheduleApply();
-    } catch (std::exception const& error) {
+    } catch (LoadError const& error) {
         logger.Log(Level::Error, "The configuration stays as it was: %0%", error.what());
+        return;
+    } catch (std::exception const& error) {
+        logger.Log(Level::Error, "The configuration has changed, but could not be applied wholly: %0%", error.what());
     }
+    // Also when the file is as it was: the certificate may be another, or a port free.
+    ScheduleApply();
 }
 
 void Application::ScheduleApply() {
@@ -194,8 +203,8 @@ void Application::Apply() {
         server->SetLimits(ReadLimits(root));
         engine->SetLimits(ReadRtspLimits(root));
         engine->SetChannels(ReadChannels(root));
+        ApplyTls(); // before the port, so that a new one never speaks the former protocol
         ApplyWebPort();
-        ApplyTls();
         ApplyMqtt();
         ReportLater();
         preparation.file->SaveChanges();
@@ -206,14 +215,19 @@ void Application::Apply() {
 
 /// A port that the command line sets stays for the run.
 void Application::ApplyWebPort() {
-    if (followedPort.is_null()) return;
-    auto wanted = ReadPersisted(*preparation.configuration, WebPortPath);
+    if (!followedPort) return;
+    auto const& root = *preparation.configuration;
+    auto const wanted = ReadPersistedPort(root);
     if (wanted == followedPort) return;
+    if (wanted == ReadPort(root, WebPortPath)) { // the one that the system has chosen before
+        followedPort = wanted;
+        return;
+    }
     try {
-        web::Listener listener(webContext, wanted.to_number<std::uint16_t>());
+        web::Listener listener(webContext, wanted);
         auto const port = listener.GetPort();
         server->SetListener(std::move(listener));
-        followedPort = std::move(wanted);
+        followedPort = wanted;
         BindPort(WebPortPath, port);
         manager->UpdateServerPort(port);
         logger.Log(Level::Info, "The web server has moved to port %0%", port);

@@ -21,7 +21,9 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -80,8 +82,8 @@ private:
     std::shared_ptr<web::Admission> admission = std::make_shared<web::Admission>();
     std::unique_ptr<web::Server> server;
     std::atomic<bool> speaksTls; ///< the web server, to connections that come now
-    /// What the file says of the web port, as far as it has been followed; null when the command line sets the port.
-    boost::json::value followedPort;
+    /// What the file says of the web port, as far as it has been followed; none when the command line sets the port.
+    std::optional<std::uint16_t> followedPort;
     std::vector<boost::json::value> fixed; ///< what the file says of the settings that are used at start only
     std::atomic<bool> applyScheduled = false;
     type::Binding changes;

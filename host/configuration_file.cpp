@@ -51,12 +51,28 @@ void ConfigurationFile::Create() {
     SaveChanges();
 }
 
+boost::json::value ConfigurationFile::Read() const try {
+    return configuration::text::Parse(ReadWholeFile(path));
+
+} catch (configuration::Error const& error) {
+
+    throw LoadError(path + ": " + error.what());
+
+} catch (std::exception const& error) {
+
+    throw LoadError(error.what());
+}
+
 void ConfigurationFile::Load() {
     std::lock_guard const lock(mutex);
+    auto const content = Read();
     try {
-        root->FromJson(configuration::text::Parse(ReadWholeFile(path)));
+        root->FromJson(content);
     } catch (configuration::Error const& error) {
-        throw std::runtime_error(path + ": " + error.what());
+        throw LoadError(path + ": " + error.what());
+    } catch (std::exception const&) {
+        kept = root->ToJson(Layer::Persisted);
+        throw;
     }
     kept = root->ToJson(Layer::Persisted);
 }

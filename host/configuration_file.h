@@ -7,9 +7,16 @@
 
 #include <memory>
 #include <mutex>
+#include <stdexcept>
 #include <string>
 
 namespace zarn::host {
+
+/// The file cannot be taken, and the tree is unchanged.
+class LoadError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
 
 /// Keeps a configuration tree in a file, as JSON. Thread: any.
 class ConfigurationFile {
@@ -28,8 +35,8 @@ public:
     void Create();
 
     /// Reads the file into the tree, all or nothing.
-    /// Throws std::runtime_error with one line that names the file, and the path in it or line and column: the tree is
-    /// then unchanged.
+    /// Throws LoadError with one line that names the file, and the path in it or line and column: the tree is then
+    /// unchanged. Passes on what those who follow the tree throw: it has changed then.
     void Load();
 
     /// Writes the file if the tree holds something else than what was last read or written. Overrides are not written.
@@ -39,6 +46,8 @@ public:
     std::string const& GetPath() const noexcept { return path; }
 
 private:
+    boost::json::value Read() const;
+
     std::string const path;
     std::shared_ptr<configuration::node::Root> const root;
     std::mutex mutex;        ///< guards kept, and the file

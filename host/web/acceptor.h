@@ -11,7 +11,9 @@
 #include <boost/asio/steady_timer.hpp>
 
 #include <functional>
+#include <future>
 #include <memory>
+#include <vector>
 
 namespace zarn::host::web {
 
@@ -30,17 +32,24 @@ public:
     /// Begins to accept. To be called once. Thread: any.
     void Start();
 
-    /// Closes the port; the handler is not called after this has returned. Closing twice is harmless.
+    /// Closes the port. Who has connected before is still handed to the handler, which is not called after this has
+    /// returned. Closing twice is harmless.
     /// Thread: any but those that run the I/O context, which must be running.
     void Close();
 
 private:
     void Accept();
+    void OnSettled();
+    void AcceptWaiting();
+    void OnAccepted(boost::system::error_code error, Socket socket);
     void OnError(boost::system::error_code error);
 
     boost::asio::io_context& io;
     boost::asio::ip::tcp::acceptor acceptor; ///< used on its own strand only
     boost::asio::steady_timer pause;
+    boost::asio::steady_timer settling;
+    bool accepting = false; ///< a connection is awaited, or has come and is not handled yet
+    std::vector<std::shared_ptr<std::promise<void>>> closing; ///< of who waits in Close until that is over
     Handler const handler;
     logging::Logger logger{"zarn.host.web"};
     logging::RateLimit failures;

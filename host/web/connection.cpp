@@ -38,6 +38,9 @@ constexpr std::size_t FirstRead = 4096;
 constexpr std::chrono::seconds LingerTime{2};
 constexpr std::size_t LingerBytes = 16 * 1024 * 1024;
 
+/// How long a connection that is to end is given for a request that is on its way.
+constexpr std::chrono::seconds LastRequestTime{1};
+
 constexpr std::string_view ContinueText = "HTTP/1.1 100 Continue\r\n\r\n";
 
 Socket& GetSocket(Socket& stream) { return stream; }
@@ -74,7 +77,11 @@ public:
     void Finish() override {
         asio::post(stream.get_executor(), [self = Self()] {
             self->finishing = true;
-            if (self->idle) self->CloseNow();
+            if (!self->idle) return;
+            // What has been read already is not lost by that.
+            self->deadline = Clock::now() + LastRequestTime;
+            beast::error_code ignored;
+            GetSocket(self->stream).cancel(ignored);
         });
     }
 
@@ -115,17 +122,31 @@ private:
     }
 
     void AwaitRequest() {
-        if (IsFinishing()) return Linger();
         SkipEmptyLines();
         if (buffer.size() > 0) return ReadHeader();
+        if (IsFinishing() && !MayHaveRequest()) return Linger();
         idle = true;
-        Allow(context->GetLimits().idleTime);
+        Allow(IsFinishing() ? LastRequestTime : context->GetLimits().idleTime);
         stream.async_read_some(buffer.prepare(FirstRead), [self = Self()](beast::error_code error, std::size_t count) {
             self->idle = false;
             self->buffer.commit(count);
-            if (error) return self->CloseNow();
+            if (count > 0) self->fresh = false;
+            bool const woken = error == asio::error::operation_aborted && self->finishing && !self->timedOut;
+            if (error && !(woken && self->MayHaveRequest())) return self->CloseNow();
             self->AwaitRequest();
         });
+    }
+
+    /// Whether a connection that is to end still has a request to answer: something has come, or it is so new that the
+    /// client is about to send its first.
+    bool MayHaveRequest() {
+        beast::error_code error;
+        if (GetSocket(stream).available(error) > 0) return true;
+        if constexpr (std::is_same_v<Stream, TlsStream>) {
+            if (SSL_has_pending(stream.native_handle()) || BIO_pending(SSL_get_rbio(stream.native_handle())) > 0)
+                return true;
+        }
+        return !error && fresh && !context->IsFinishing();
     }
 
     /// Old clients end a body with a line end that does not belong to it. Source: RFC 9112, 2.2.
@@ -254,6 +275,7 @@ private:
     Limits limits;         ///< of the present request
     bool timedOut = false; ///< the present operation was cancelled because its time was over
     bool idle = false;     ///< waiting for the first byte of a request
+    bool fresh = true;     ///< nothing of a request has come yet
     bool finishing = false;
     beast::flat_buffer buffer{MaximumHeader + FirstRead};
     std::optional<RequestParser> parser;

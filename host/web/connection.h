@@ -37,7 +37,8 @@ public:
     /// 408. Has to be called again and again, a few times a second. Thread: any.
     virtual void CheckDeadline(Clock::time_point now) = 0;
 
-    /// Closes the connection if it waits for a request, else as soon as the present one is answered. Thread: any.
+    /// Closes the connection when the present request is answered, or one that has come meanwhile. One on which nothing
+    /// has come yet is given a second for its first request, unless the whole server ends. Thread: any.
     virtual void Finish() = 0;
 
     /// Closes the connection now. Thread: any.

@@ -168,11 +168,14 @@ void Server::Impl::OnAccepted(Socket socket) {
     }
     socket.set_option(tcp::no_delay(true), error);
     auto const connection = MakeConnection({std::move(socket), peer, std::move(slot), context}, secure);
+    bool stale = false;
     {
         std::lock_guard const lock(mutex);
         connections.push_back(connection);
+        stale = !tls != !secure;
     }
     connection->Start();
+    if (stale) connection->Finish(); // the protocol has changed before it was listed to be told so
 }
 
 std::vector<std::shared_ptr<Connection>> Server::Impl::TakeLiving() {

@@ -37,8 +37,7 @@ public:
 
     /// Serves from now on. Throws std::runtime_error when a thread cannot be started; none is left then.
     /// io  run by the server's threads and by nobody else; must outlive the server, and whatever a service still does
-    /// with
-    ///     a response that it has not completed
+    ///     with a response that it has not completed
     Server(boost::asio::io_context& io, Listener listener, Router router, Options const& options);
 
     /// Stop().

@@ -33,6 +33,14 @@ logging::Logger const& Log() {
     return logger;
 }
 
+void TellOfFailure(std::exception const& failure) noexcept try {
+    Log().Log(logging::Level::Error, "Failed to start Onvif discovery service: %0%", failure.what());
+
+} catch (std::exception const&) {
+
+    // It is tried again either way.
+}
+
 } // namespace
 
 DiscoveryBase::DiscoveryBase(std::chrono::milliseconds retryInterval)
@@ -54,8 +62,8 @@ void DiscoveryBase::TrySetup() {
         receiver->Start();
         Log().Log(logging::Level::Info, "Onvif discovery service started successfully");
     } catch (std::exception const& error) {
-        Log().Log(logging::Level::Error, "Failed to start Onvif discovery service: %0%", error.what());
-        RetryLater();
+        RetryLater(); // first: telling of it may fail as well
+        TellOfFailure(error);
     }
 }
 

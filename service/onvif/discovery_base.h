@@ -41,7 +41,8 @@ public:
     virtual zarn::onvif::discovery::Response HandleReceive(zarn::onvif::discovery::Request const& request) = 0;
 
 protected:
-    /// Makes the first attempt to receive, which never throws. To be called once, as the last act of construction.
+    /// Makes the first attempt to receive; a failure is logged and tried again. To be called once, as the last act of
+    /// construction. Throws std::bad_alloc when not even the next attempt can be prepared.
     void Begin();
 
     /// Ends receiving, trying and sending: when it returns, nothing of this object runs any more. To be called as the

@@ -169,6 +169,18 @@ TEST_F(Reload, MovesTheWebServer) {
                 HasSubstr("\"web\":{\"port\":" + std::to_string(port)));
 }
 
+TEST_F(Reload, KeepsThePortThatTheSystemChoseWhenTheFileNamesIt) {
+    auto const port = host.GetPort();
+    Write(WebPort(port));
+    ASSERT_TRUE(host.GetProcess().WaitForLog("again", 10s));
+    host.GetProcess().Signal(SIGHUP);
+    EXPECT_TRUE(Await([&] { return CountLogLines("again") == 2; }));
+    EXPECT_EQ(Ask(port), 200U);
+    Write(WebPort(0));
+    EXPECT_TRUE(host.GetProcess().WaitForLog("The web server has moved to port ", 10s));
+    EXPECT_EQ(CountLogLines("stays where it was"), 0U) << host.GetProcess().GetLog();
+}
+
 TEST_F(Reload, StaysWhereItIsUntilTheWantedPortIsFree) {
     FreePort taken;
     auto const port = taken.Get();

@@ -26,6 +26,14 @@ protected:
         return curl.GetOutput();
     }
 
+    /// What the device service at this address says of itself and the other services.
+    std::string GetCapabilities(std::string const& url) const {
+        auto const body = R"(<s:Envelope xmlns:s="http://www.w3.org/2003/05/soap-envelope"><s:Body>)"
+                          R"(<GetCapabilities xmlns="http://www.onvif.org/ver10/device/wsdl"/></s:Body></s:Envelope>)";
+        return Curl({"--data-binary", body, "-H", "Content-Type: application/soap+xml", url + "/onvif/device_service"},
+                    files.certificate);
+    }
+
     std::shared_ptr<TemporaryFolder> folder = std::make_shared<TemporaryFolder>();
     Certificate files{*folder};
     HostProcess host{{.arguments = {"--set", "settings.tls.certificate=" + files.certificate, "--set",
@@ -39,12 +47,7 @@ TEST_F(TlsHost, AnnouncesAndServesHttps) {
 }
 
 TEST_F(TlsHost, TellsClientsOfTheModuleToUseHttps) {
-    auto const body = R"(<s:Envelope xmlns:s="http://www.w3.org/2003/05/soap-envelope"><s:Body>)"
-                      R"(<GetCapabilities xmlns="http://www.onvif.org/ver10/device/wsdl"/></s:Body></s:Envelope>)";
-    EXPECT_THAT(Curl({"--data-binary", body, "-H", "Content-Type: application/soap+xml",
-                      host.GetUrl() + "/onvif/device_service"},
-                     files.certificate),
-                HasSubstr("https://"));
+    EXPECT_THAT(GetCapabilities(host.GetUrl()), HasSubstr("XAddr>https://"));
 }
 
 TEST_F(TlsHost, SpeaksNoPlainHttp) {
@@ -85,7 +88,12 @@ TEST_F(TlsHost, IsMadeAndUnmadeAtSighup) {
         plain.GetFolder().Write("config.json", R"({"settings": {"web_port": 0, "rtsp_port": 0, "tls": )" + tls + "}}");
         plain.GetProcess().Signal(SIGHUP);
     };
-    auto const address = "://127.0.0.1:" + std::to_string(plain.GetPort()) + "/api/health";
+    auto const server = "://127.0.0.1:" + std::to_string(plain.GetPort());
+    auto const address = server + "/api/health";
+    auto const refersTo = [&](std::string const& scheme) {
+        EXPECT_THAT(GetCapabilities(scheme + server), HasSubstr("XAddr>" + scheme + "://"));
+    };
+    refersTo("http");
     auto const answers = [&](std::string const& scheme, std::string const& part) {
         auto const deadline = std::chrono::steady_clock::now() + 10s;
         while (std::chrono::steady_clock::now() < deadline) {
@@ -96,8 +104,10 @@ TEST_F(TlsHost, IsMadeAndUnmadeAtSighup) {
     configure(R"({"certificate": ")" + files.certificate + R"(", "private_key": ")" + files.key + "\"}");
     EXPECT_TRUE(answers("https", "\"tls\":true")) << plain.GetProcess().GetLog();
     EXPECT_EQ(Curl({"http" + address}, files.certificate), "");
+    refersTo("https");
     configure("{}");
     EXPECT_TRUE(answers("http", "\"tls\":false"));
+    refersTo("http");
 }
 
 TEST_F(TlsHost, StopsWhileClientsAreConnected) { EXPECT_EQ(host.Stop(2s), 0); }

@@ -15,7 +15,7 @@ before(async () => {
 after(async () => assert.equal(await host.stop(), 0));
 
 test('npm onvif finds the device, and what it found logs in', async () => {
-    const found = await promisify(onvif.Discovery.probe)({timeout: 1500});
+    const found = await promisify(onvif.Discovery.probe)({timeout: 4000});
     assert.equal(found.length, 1);
     const [cam] = found;
     assert.equal(Number(cam.port), host.port);
@@ -28,7 +28,7 @@ test('npm onvif finds the device, and what it found logs in', async () => {
 });
 
 test('npm onvif is told type, scopes and address', async () => {
-    const [answer] = await promisify(onvif.Discovery.probe)({timeout: 1500, resolve: false});
+    const [answer] = await promisify(onvif.Discovery.probe)({timeout: 4000, resolve: false});
     const match = answer.probeMatches.probeMatch;
     assert.equal(match.types, 'dn:NetworkVideoTransmitter tds:Device');
     assert.equal(match.XAddrs, host.url);
@@ -38,5 +38,5 @@ test('npm onvif is told type, scopes and address', async () => {
 test('nobody finds a device whose setting is off', async () => {
     await host.stop();
     host = await startHost();
-    assert.deepEqual(await promisify(onvif.Discovery.probe)({timeout: 1500}), []);
+    assert.deepEqual(await promisify(onvif.Discovery.probe)({timeout: 4000}), []);
 });

@@ -171,6 +171,30 @@ TEST_F(EnabledSetting, MayChangeWhileTheHostTellsItsPort) {
     });
 }
 
+TEST_F(EnabledSetting, LosesNothingThatTheHostTellsWhileItStarts) {
+    OnOwnNetwork([&] {
+        auto& device = Manager();
+        for (unsigned i = 1; i <= 100; ++i) {
+            auto const port = static_cast<std::uint16_t>(i);
+            std::thread starter([&] { Setting().Set(true); });
+            std::thread host([&] {
+                // Anywhere between the beginning of the start and its end.
+                std::this_thread::sleep_for(std::chrono::microseconds(i * 5));
+                device.UpdateServerPort(port);
+                device.UpdateSSLState(port % 2 == 0);
+            });
+            starter.join();
+            host.join();
+            // Each asks from an address of its own, since one that asks too often gets no answer.
+            ProbeClient client("127.0.0." + std::to_string(i));
+            client.Send(MakeProbe("urn:uuid:1"), "127.0.0.1");
+            EXPECT_THAT(client.Receive().value_or(""),
+                        HasSubstr((port % 2 == 0 ? "https" : "http") + ("://127.0.0.1:" + std::to_string(port)) + "/"));
+            Setting().Set(false);
+        }
+    });
+}
+
 /// What the probes of clients are told of the host.
 class DiscoveredDevice : public EnabledSetting {
 protected:

@@ -21,7 +21,9 @@ namespace zarn::service::onvif {
 /// (Device, Events, Media, Media2, Analytics) answers.
 ///
 /// It adds the setting `settings.onvif.enabled` (false unless stated) to the host's configuration and follows it: while
-/// it is true, the device answers the WS-Discovery probes of its network. Requests are served either way.
+/// it is true, the device answers the WS-Discovery probes of its network. Requests are served either way. When there is
+/// no thread to be had for that, whoever sets it to true gets a std::system_error: the setting has changed then, no
+/// probe is answered, and setting it to true again tries again.
 class __attribute__((visibility("default"))) Manager final : public web::Service {
 public:
     /// engine         decides about credentials; must outlive the manager; never null
@@ -29,7 +31,8 @@ public:
     /// channelInfo    the present video description of the channel with the given id; called on worker threads, several
     ///                at a time, and while the configuration lock is held: it must be quick and must not wait for it
     /// nameConfig     the product identity that clients are told
-    /// Throws configuration::Error or object::BadCast when `settings.onvif.enabled` is there and no boolean.
+    /// Throws configuration::Error or object::BadCast when `settings.onvif.enabled` is there and no boolean, and
+    /// std::system_error when it is true and no thread can be started.
     Manager(ZarnAuthenticationEngine const* engine, std::shared_ptr<configuration::node::Root> configuration,
             std::function<meta::data::VideoInfo(std::string const&)> channelInfo,
             utilities::name::Config const& nameConfig);

@@ -63,6 +63,15 @@ TEST(Discovery, TellsPortAndTlsAsTheyWereToldLast) {
     });
 }
 
+TEST(Discovery, AnswersToWhomTheProbeSays) {
+    OnOwnNetwork([] {
+        Discovery const discovery(Identity(), 8080, false);
+        auto probe = MakeProbe("urn:uuid:1");
+        probe.insert(probe.find("<w:To>"), "<w:ReplyTo><w:Address>urn:uuid:client</w:Address></w:ReplyTo>");
+        EXPECT_THAT(ProbeClient().Ask(probe).value_or(""), HasSubstr("To>urn:uuid:client</wsa:To>"));
+    });
+}
+
 TEST(Discovery, MayBeToldWhileItAnswers) {
     OnOwnNetwork([] {
         Discovery discovery(Identity(), 1, false);

@@ -56,6 +56,17 @@ bool HasPrefix(std::string_view path, std::string_view prefix) {
     return path.starts_with(prefix) && (path.size() == prefix.size() || prefix.empty() || path[prefix.size()] == '/');
 }
 
+/// True for a path with a segment "." or "..", which by WS-Discovery 2005/04, 5.1 never matches.
+bool HasDotSegment(std::string_view path) {
+    for (;;) {
+        auto const end = path.find('/');
+        auto const segment = path.substr(0, end);
+        if (segment == "." || segment == "..") return true;
+        if (end == std::string_view::npos) return false;
+        path.remove_prefix(end + 1);
+    }
+}
+
 /// Removes the part from the beginning of the text, whatever its case; false when the text begins otherwise.
 bool Consume(std::string_view& text, std::string_view part) {
     if (!boost::istarts_with(text, part)) return false;
@@ -69,6 +80,7 @@ bool MayMatchPath(std::string_view wanted) {
     if (!Consume(wanted, Scheme) || !Consume(wanted, Authority)) return false;
     if (!wanted.empty() && wanted.front() != '/') return false; // the authority goes on
     if (!wanted.empty()) wanted.remove_prefix(1);
+    if (HasDotSegment(wanted)) return false;
     if (wanted.ends_with('/')) wanted.remove_suffix(1);
     return std::ranges::any_of(Scopes, [&](Scope const& scope) {
         return HasPrefix(scope.path, wanted) || (scope.value != nullptr && HasPrefix(wanted, scope.path));

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <gtest/gtest.h>
 #include <sched.h>
 
 #include <cstdlib>
+#include <exception>
 #include <functional>
 #include <string>
 #include <thread>
@@ -16,7 +18,12 @@ inline bool RunInNetworkNamespace(std::function<void()> const& work) {
     std::thread([&] {
         // A namespace belongs to the thread, so that the process around it keeps its own.
         entered = unshare(CLONE_NEWNET) == 0;
-        if (entered) work();
+        if (!entered) return;
+        try {
+            work();
+        } catch (std::exception const& error) {
+            ADD_FAILURE() << "in the namespace: " << error.what();
+        }
     }).join();
     return entered;
 }

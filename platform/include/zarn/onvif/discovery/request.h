@@ -12,9 +12,8 @@ namespace zarn::onvif::discovery {
 /// message asks for this device when its body has a Probe, its Action, if any, says so too, and
 /// - its Types are absent, empty, or name at least one of `tds:Device` and `dn:NetworkVideoTransmitter`;
 /// - its Scopes are absent, or each is one that a device of this kind can have (see MayMatchScopes). The identity is
-/// not
-///   known here: a scope below `hardware`, `manufacturer`, `location` or `name` is taken to match whatever it says, and
-///   the client sees by the scopes of the answer whether it does.
+///   not known here: a scope below `hardware`, `manufacturer`, `location` or `name` is taken to match whatever it says,
+///   and the client sees by the scopes of the answer whether it does.
 ///
 /// Immutable. Thread: any. Source: WS-Discovery 2005/04, 5.2 Probe; ONVIF Core Specification, 7.3 Device discovery.
 class Request {

@@ -18,8 +18,8 @@ std::string MakeScopes(utilities::name::Config const& nameConfig);
 /// scopes   absolute URIs
 /// matchBy  the rule: empty or http://schemas.xmlsoap.org/ws/2005/04/discovery/rfc3986 (or .../rfc2396, its name in the
 ///          first edition) compares scheme and authority without case and the path by whole segments from its
-///          beginning;
-///          .../strcmp0 compares the whole text. By a rule that is not known, nothing matches.
+///          beginning, and a path with a segment "." or ".." matches nothing; .../strcmp0 compares the whole text. By a
+///          rule that is not known, nothing matches.
 /// Source: WS-Discovery 2005/04, 5.1 Matching Types and Scopes.
 bool MayMatchScopes(std::span<std::string_view const> scopes, std::string_view matchBy);
 

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <ctime>
 #include <string>
 #include <string_view>
 
@@ -82,7 +83,21 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"LongAddress", WithAddress(std::string(1025, 'x')).ToString()},
         Case{"Large", With(std::string(Request::MaximumSize, 'x')).ToString()},
         Case{"Deep", With(Nested(62)).ToString()}, Case{"VeryDeep", Repeat("<x>", 20'000)},
-        Case{"ManyAttributes", With(Attributes(65)).ToString()}),
+        Case{"ManyAttributes", With(Attributes(65)).ToString()},
+        Case{"AttributeTwice", With("<x a='1' b='' a='2'/>").ToString()},
+        Case{"TextBefore", "x" + Probe{.declaration = ""}.ToString()}, Case{"TextAfter", Good + "x"},
+        Case{"ReferenceAfter", Good + "&#32;"},
+        Case{"CharacterDataBefore", "<![CDATA[]]>" + Probe{.declaration = ""}.ToString()},
+        Case{"UndefinedEntity", With("&nbsp;").ToString()},
+        Case{"UndefinedEntityInAttribute", With("<x a='&a;'/>").ToString()},
+        Case{"BareAmpersand", With("a & b").ToString()}, Case{"AmpersandAtTheEndOfAText", With("a&").ToString()},
+        Case{"EntityOverTags", With("&lt<x/>;").ToString()},
+        Case{"BareAmpersandInAttribute", With("<x a='?a&b'/>").ToString()},
+        Case{"EmptyReference", With("&;").ToString()}, Case{"ReferenceWithoutNumber", With("&#;").ToString()},
+        Case{"HexReferenceWithoutNumber", With("&#x;").ToString()}, Case{"NegativeReference", With("&#-1;").ToString()},
+        Case{"VastReference", With("&#99999999999999999999;").ToString()},
+        Case{"LessInAttribute", With("<x a='<'/>").ToString()},
+        Case{"TagInAttribute", With("<x a='<y/>'/>").ToString()}, Case{"SectionEndInText", With("a]]>b").ToString()}),
     [](auto const& each) { return std::string(each.param.name); });
 
 class HarmlessMessage : public testing::TestWithParam<Case> {};
@@ -91,28 +106,39 @@ TEST_P(HarmlessMessage, IsRead) { EXPECT_FALSE(Request(GetParam().text).IsParseE
 
 INSTANTIATE_TEST_SUITE_P(
     All, HarmlessMessage,
-    testing::Values(Case{"ByteOrderMark", "\xef\xbb\xbf" + Good},
-                    Case{"NoDeclaration", Probe{.declaration = ""}.ToString()},
-                    Case{"LowerCaseEncoding",
-                         Probe{.declaration = "<?xml version='1.0' encoding='utf-8'?>"}.ToString()},
-                    Case{"NoEncoding", Probe{.declaration = "<?xml version='1.0'?>"}.ToString()},
-                    Case{"Comment", "<!-- x -->" + Probe{.declaration = ""}.ToString() + "\r\n"},
-                    Case{"LongestId", WithId(std::string(1024, 'x')).ToString()},
-                    Case{"LongestAddress", WithAddress(std::string(1024, 'x')).ToString()},
-                    Case{"Deep", With(Nested(61)).ToString()}, Case{"ManyAttributes", With(Attributes(64)).ToString()},
-                    Case{"ReferencesThatAreNotNull", WithId("&#48;&#x0041;&#0x;&#").ToString()}),
+    testing::Values(
+        Case{"ByteOrderMark", "\xef\xbb\xbf" + Good}, Case{"NoDeclaration", Probe{.declaration = ""}.ToString()},
+        Case{"LowerCaseEncoding", Probe{.declaration = "<?xml version='1.0' encoding='utf-8'?>"}.ToString()},
+        Case{"NoEncoding", Probe{.declaration = "<?xml version='1.0'?>"}.ToString()},
+        Case{"Comment", "<!-- x -->" + Probe{.declaration = ""}.ToString() + "\r\n"},
+        Case{"LongestId", WithId(std::string(1024, 'x')).ToString()},
+        Case{"LongestAddress", WithAddress(std::string(1024, 'x')).ToString()},
+        Case{"Deep", With(Nested(61)).ToString()}, Case{"ManyAttributes", With(Attributes(64)).ToString()},
+        Case{"ReferencesThatAreNotNull", WithId("&#48;&#x0041;&#0000000065;").ToString()},
+        Case{"EntitiesOfXml", With("<x a='&lt;&quot;&apos;'>&lt;&gt;&amp;&apos;&quot;</x>").ToString()},
+        Case{"GreaterInText", With("<x a='>]]>' b=\"'\">a>b ]] &gt;</x>").ToString()},
+        Case{"AnythingInSections", With("<![CDATA[<x a='<'>&a; ]] >]]><!-- <x> & ]]> --><?x <& ]]>?>").ToString()},
+        Case{"BlanksInTags", With("<x  a = '/' ></x >").ToString()},
+        Case{"SameNameInOtherNamespaces", With("<x a='' d:a='' dn:a=''/>").ToString()}),
     [](auto const& each) { return std::string(each.param.name); });
+
+/// What this thread has used, however busy the machine is.
+std::chrono::nanoseconds GetProcessorTime() {
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+}
 
 /// Messages of the largest size that make the most work; a sender may have many of them read in a second.
 class LaboriousMessage : public testing::TestWithParam<Case> {};
 
 TEST_P(LaboriousMessage, IsReadInShortTime) {
-    constexpr auto Limit = std::chrono::seconds(1); // a small part of it without instrumentation
+    constexpr auto Limit = std::chrono::seconds(1); // of this thread; a small part of it without instrumentation
     ASSERT_GT(GetParam().text.size(), 50'000U);
     ASSERT_LE(GetParam().text.size(), Request::MaximumSize);
-    auto const start = std::chrono::steady_clock::now();
+    auto const start = GetProcessorTime();
     Request const request(GetParam().text);
-    EXPECT_LT(std::chrono::steady_clock::now() - start, Limit);
+    EXPECT_LT(GetProcessorTime() - start, Limit);
     EXPECT_FALSE(request.IsParseError());
 }
 
@@ -122,7 +148,9 @@ INSTANTIATE_TEST_SUITE_P(
                     Case{"Headers", Probe{.id = "", .action = Repeat("<x:Action/>", 5700)}.ToString()},
                     Case{"Elements", With(Repeat("<x/>", 15'000)).ToString()},
                     Case{"Scopes", With("<d:Scopes>" + Repeat("onvif: ", 9000) + "</d:Scopes>").ToString()},
-                    Case{"Text", With(Repeat("<!-- -->x", 7000)).ToString()}),
+                    Case{"Text", With(Repeat("<!-- -->x", 7000)).ToString()},
+                    Case{"References", With(Repeat("&#65;", 12'000)).ToString()},
+                    Case{"Attributes", With(Repeat(Attributes(64), 135)).ToString()}),
     [](auto const& each) { return std::string(each.param.name); });
 
 } // namespace

@@ -53,8 +53,10 @@ TEST(MayMatchScopes, ComparesWholeSegmentsFromTheBeginning) {
     for (auto const* scope :
          {"onvif://www.onvif.org/type/video", "onvif://www.onvif.org/type/video_encoder/more",
           "onvif://www.onvif.org/typ", "onvif://www.onvif.org/profile/M", "onvif://www.onvif.org/..",
-          "onvif://www.onvif.org/Profile/G", "onvif://www.onvif.orgy", "onvif://www.onvif.org:80/type",
-          "http://www.onvif.org/type", "onvif:/www.onvif.org/type", "urn:x", "type", "onvif:", "//"}) {
+          "onvif://www.onvif.org/name/.", "onvif://www.onvif.org/name/../x", "onvif://www.onvif.org/location/a/./b",
+          "onvif://www.onvif.org/hardware/../", "onvif://www.onvif.org/Profile/G", "onvif://www.onvif.orgy",
+          "onvif://www.onvif.org:80/type", "http://www.onvif.org/type", "onvif:/www.onvif.org/type", "urn:x", "type",
+          "onvif:", "//"}) {
         EXPECT_FALSE(MayMatch(scope)) << scope;
     }
 }

@@ -1,12 +1,16 @@
 #pragma once
 
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <sched.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdlib>
+#include <exception>
 #include <functional>
 #include <string>
+#include <system_error>
 #include <thread>
 
 namespace zarn::test {
@@ -34,7 +38,12 @@ public:
     /// Runs `work` on a thread there, as well as the threads that it starts, and waits for it.
     void Run(std::function<void()> const& work) const {
         std::thread([&] {
-            if (setns(descriptor, CLONE_NEWNET) == 0) work();
+            try {
+                if (setns(descriptor, CLONE_NEWNET) != 0) throw std::system_error(errno, std::generic_category());
+                work();
+            } catch (std::exception const& error) {
+                ADD_FAILURE() << "on the other machine: " << error.what();
+            }
         }).join();
     }
 
