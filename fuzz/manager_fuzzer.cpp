@@ -1,5 +1,6 @@
 // Whole requests into the module, on the host's real libraries.
 #include "exchange_script.h"
+#include "onvif/discovery/text.h"
 #include "require.h"
 
 #include <service/onvif/manager.h>
@@ -69,6 +70,19 @@ constexpr std::array OpenAnswers{"GetSystemDateAndTimeResponse",
                                  "SetMetadataConfigurationResponse",
                                  "SetVideoEncoderConfigurationResponse"};
 
+/// Whether a text has no character that XML cannot carry, neither itself nor as a reference. Source: XML 1.0, 2.2.
+bool IsXmlText(std::string_view text) {
+    if (!onvif::discovery::IsXmlText(text)) return false;
+    constexpr std::string_view Start = "&#x";
+    for (auto at = text.find(Start); at != std::string_view::npos; at = text.find(Start, at + 1)) {
+        unsigned long code = 0;
+        auto const digits = text.substr(at + Start.size());
+        std::from_chars(digits.data(), digits.data() + digits.size(), code, 16);
+        if (code < 0x20 && code != '\t' && code != '\n' && code != '\r') return false;
+    }
+    return true;
+}
+
 class Request final : public web::Request {
 public:
     using Method = protocol::network::http::Method;
@@ -132,7 +146,9 @@ private:
         if (request.hasEvent) onvif::events::Publish(MakeEvent());
         engine.SetEnabled(!request.isOpen);
         bool const isKnown = request.isOpen || request.isSigned;
-        Check(Ask(std::move(request)), isKnown);
+        bool const tells = HasCredentials(request); // libFuzzer learns them where they are compared
+        auto const body = Check(Ask(std::move(request)), isKnown);
+        Require(tells || !HasCredentials(body), "an answer holds no credentials");
     }
 
     void Sign(ScriptedRequest& request) const {
@@ -176,7 +192,20 @@ private:
         }
     }
 
-    void Check(Pending::Data const& data, bool isKnown) {
+    bool HasCredentials(std::string_view text) const {
+        return text.find(Password) != std::string::npos || text.find(ha1) != std::string::npos;
+    }
+
+    bool HasCredentials(ScriptedRequest const& request) const {
+        auto const inField = [&](auto const& field) {
+            return HasCredentials(field.first) || HasCredentials(field.second);
+        };
+        return HasCredentials(request.target) || HasCredentials(request.body) ||
+               std::ranges::any_of(request.fields, inField);
+    }
+
+    /// Returns the body.
+    std::string Check(Pending::Data const& data, bool isKnown) {
         for (auto const& [name, value] : data.GetFields()) {
             constexpr std::string_view LineEnds("\0\r\n", 3);
             Require(name.find_first_of(LineEnds) == std::string::npos, "the name of a field is in one line");
@@ -185,14 +214,14 @@ private:
         std::string body;
         for (auto const& chunk : data.GetBody()) body += chunk->ToStringView();
         Require(body.size() <= LongestAnswer, "an answer is bounded");
-        Require(body.find(Password) == std::string::npos && body.find(ha1) == std::string::npos,
-                "an answer holds no credentials");
-        if (body.empty()) return;
+        if (body.empty()) return body;
         pugi::xml_document document;
         Require(document.load_buffer(body.data(), body.size(), pugi::parse_default, pugi::encoding_utf8),
                 "an answer is XML");
+        Require(IsXmlText(body), "an answer holds no characters that XML cannot carry");
         Remember(body);
         if (static_cast<int>(data.GetStatus()) == 200 && !isKnown) CheckOpen(document);
+        return body;
     }
 
     /// What anybody may know.

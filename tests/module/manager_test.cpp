@@ -337,6 +337,19 @@ TEST_F(Header, IsAbsentFromTheAnswerToAMessageWithoutId) {
     EXPECT_FALSE(Ask("<tds:GetHostname/>").Has("//SOAP-ENV:Header"));
 }
 
+TEST_F(Header, IsAbsentFromTheAnswerToAMessageWhoseIdXmlCannotCarry) {
+    for (std::string const id : {"&#1;", "urn:&#x1B;[0m", "urn:\xff", "urn:&#xFFFE;", "urn:\xEF\xBF\xBF"}) {
+        auto const reply = Ask("<tds:GetHostname/>", {.header = "<a:MessageID>" + id + "</a:MessageID>"});
+        EXPECT_EQ(reply.status, 200) << id;
+        EXPECT_FALSE(reply.Has("//SOAP-ENV:Header")) << id;
+    }
+}
+
+TEST_F(Header, RelatesTheAnswerToAnIdOfAnyLanguageAndOverLines) {
+    auto const reply = Ask("<tds:GetHostname/>", {.header = "<a:MessageID>urn:\tGr\u00fcn\n</a:MessageID>"});
+    EXPECT_THAT(reply.Text("//wsa5:RelatesTo"), testing::HasSubstr("Gr\u00fcn"));
+}
+
 TEST_F(Header, RelatesAFaultToo) {
     EXPECT_EQ(Ask("<tds:GetDNS/>", {.header = "<a:MessageID>urn:uuid:2</a:MessageID>"}).Text("//wsa5:RelatesTo"),
               "urn:uuid:2");
