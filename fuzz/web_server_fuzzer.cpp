@@ -76,11 +76,11 @@ public:
         setsockopt(descriptor, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
         setsockopt(descriptor, SOL_SOCKET, SO_RCVTIMEO, &span, sizeof span);
         setsockopt(descriptor, SOL_SOCKET, SO_SNDTIMEO, &span, sizeof span);
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_port = htons(port);
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        Require(connect(descriptor, reinterpret_cast<sockaddr const*>(&address), sizeof address) == 0,
+        setsockopt(descriptor, IPPROTO_IP, IP_BIND_ADDRESS_NO_PORT, &on, sizeof on);
+        auto const own = MakeAddress(ChooseAddress(), 0);
+        auto const server = MakeAddress(INADDR_LOOPBACK, port);
+        Require(bind(descriptor, reinterpret_cast<sockaddr const*>(&own), sizeof own) == 0 &&
+                    connect(descriptor, reinterpret_cast<sockaddr const*>(&server), sizeof server) == 0,
                 "a client can connect");
     }
 
@@ -115,6 +115,21 @@ public:
     }
 
 private:
+    static sockaddr_in MakeAddress(std::uint32_t address, std::uint16_t port) {
+        sockaddr_in made{};
+        made.sin_family = AF_INET;
+        made.sin_port = htons(port);
+        made.sin_addr.s_addr = htonl(address);
+        return made;
+    }
+
+    /// The ports of one address would be used up in a minute: the system keeps them for a while.
+    static std::uint32_t ChooseAddress() {
+        constexpr std::uint32_t Addresses = 200;
+        static std::uint32_t next = 0;
+        return INADDR_LOOPBACK + 1 + next++ % Addresses;
+    }
+
     int descriptor;
 };
 

@@ -1,11 +1,10 @@
 #include "soap_context.h"
 
-#include <zarn/logging/format.h>
+#include "xml_text.h"
 
 #include <boost/algorithm/string/replace.hpp>
 #include <soapH.h>
 
-#include <algorithm>
 #include <cstring>
 #include <new>
 #include <string>
@@ -40,16 +39,6 @@ bool IsSecurity(soap* soap, char const* tag) {
 int IgnoreElement(soap* soap, char const* tag) {
     bool const refused = soap->mustUnderstand && !soap->other && !IsSecurity(soap, tag);
     return refused ? SOAP_MUSTUNDERSTAND : SOAP_OK;
-}
-
-/// Whether XML can carry a text that a client has sent. gSOAP takes references to any character and bytes that are no
-/// UTF-8, and writes them as they are. Control characters that XML only discourages are refused as well.
-bool IsWritable(std::string text) {
-    std::ranges::replace_if(
-        text, [](char each) { return each == '\t' || each == '\n' || each == '\r'; }, ' ');
-    auto const holds = [&](char const* character) { return text.find(character) != std::string::npos; };
-    constexpr char const* NoCharacters[] = {"\xEF\xBF\xBE", "\xEF\xBF\xBF"}; // U+FFFE and U+FFFF
-    return logging::ToLine(text, text.size()) == text && std::ranges::none_of(NoCharacters, holds);
 }
 
 using PostHeaderFunction = int (*)(soap*, char const*, char const*);
@@ -102,7 +91,7 @@ bool IsEnding(soap const* soap) {
 void AnswerAddressing(soap* soap) {
     if (!soap->header) return;
     char* const messageId = soap->header->wsa5__MessageID;
-    bool const isRelated = messageId && IsWritable(messageId);
+    bool const isRelated = messageId && IsXmlText(messageId);
     soap_default_SOAP_ENV__Header(soap, soap->header);
     auto* const relatesTo = isRelated ? soap_new_wsa5__RelatesToType(soap) : nullptr;
     if (!relatesTo) {

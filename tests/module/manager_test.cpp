@@ -320,6 +320,16 @@ TEST_F(Exchange, HandlesManyRequestsAtOnce) {
     EXPECT_EQ(right, 16 * 20);
 }
 
+class Fault : public DeviceFixture {};
+
+TEST_F(Fault, QuotesTheNamesOfARequestInCharactersOfXml) {
+    for (std::string const name : {"\xE0", "a\xff\xfe", "\xEF\xBF\xBE"}) {
+        auto const reply = Post("<s:Envelope" + name + R"( xmlns:s="http://www.w3.org/2003/05/soap-envelope"/>)");
+        EXPECT_EQ(reply.status, 400) << name;
+        EXPECT_EQ(reply.text.find(name), std::string::npos) << name;
+    }
+}
+
 class Header : public DeviceFixture {};
 
 TEST_F(Header, RelatesTheAnswerToTheMessageAndCarriesNothingElseOfTheClients) {
