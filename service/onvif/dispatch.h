@@ -1,7 +1,6 @@
 #pragma once
 
 #include "soap_context.h"
-#include "soap_fault.h"
 
 #include <soapH.h>
 
@@ -16,14 +15,14 @@ void Dispatch(soap* soap, Services&... services) {
     int status = soap_begin_serve(soap);
     AnswerAddressing(soap);
     if (status != SOAP_OK) {
-        SendFault(soap);
+        soap_send_fault(soap);
         return;
     }
     status = SOAP_NO_METHOD;
     (void)(((status = services.dispatch()) == SOAP_NO_METHOD) && ...);
-    SendFault(soap);
+    soap_send_fault(soap);
     // The fault of an operation is written twice, on purpose; who reads the output takes the first response.
-    if (status != SOAP_OK && status != SOAP_NO_METHOD) SendFault(soap);
+    if (status != SOAP_OK && status != SOAP_NO_METHOD) soap_send_fault(soap);
 }
 
 } // namespace zarn::service::onvif

@@ -1,18 +1,12 @@
 #include "soap_fault.h"
 
-#include "xml_text.h"
-
 #include <soapH.h>
 
-#include <cstddef>
 #include <iterator>
 
 namespace zarn::service::onvif {
 
 namespace {
-
-/// More than any reason has that means something.
-constexpr std::size_t LongestReason = 4096;
 
 SOAP_ENV__Code* MakeSubcode(soap* soap, char const* text, SOAP_ENV__Code* inner) {
     SOAP_ENV__Code* code = soap_new_SOAP_ENV__Code(soap);
@@ -36,15 +30,6 @@ int SetFault(soap* soap, FaultCode code, char const* reason, std::initializer_li
         chain = MakeSubcode(soap, *subcode, chain);
     if (soap->fault && soap->fault->SOAP_ENV__Code) soap->fault->SOAP_ENV__Code->SOAP_ENV__Subcode = chain;
     return SOAP_FAULT;
-}
-
-void SendFault(soap* soap) {
-    if (soap->error != SOAP_OK && soap->error != SOAP_STOP) {
-        soap_set_fault(soap);
-        char const** const reason = soap_faultstring(soap);
-        if (*reason) *reason = soap_strdup(soap, ToXmlLine(*reason, LongestReason).c_str());
-    }
-    soap_send_fault(soap);
 }
 
 int NotSupported(soap* soap) { return SoapFault(soap, FaultCode::Receiver, "Not supported", "ter:ActionNotSupported"); }

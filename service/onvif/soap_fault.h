@@ -28,8 +28,4 @@ int SoapFault(soap* soap, FaultCode code, char const* reason, Subcodes... subcod
 /// "ter:ActionNotSupported". Reads nothing of the request.
 int NotSupported(soap* soap);
 
-/// Writes the context's fault to its output, as soap_send_fault does. gSOAP's own reasons quote names of the request:
-/// what XML cannot carry is escaped first. Without an error nothing is written.
-void SendFault(soap* soap);
-
 } // namespace zarn::service::onvif

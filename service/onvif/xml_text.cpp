@@ -2,24 +2,31 @@
 
 #include <zarn/logging/format.h>
 
-#include <boost/algorithm/string/replace.hpp>
-
 #include <algorithm>
 
 namespace zarn::service::onvif {
 
-std::string ToXmlLine(std::string_view text, std::size_t most) {
-    auto line = logging::ToLine(text, most);
-    boost::replace_all(line, "\xEF\xBF\xBE", "\\uFFFE");
-    boost::replace_all(line, "\xEF\xBF\xBF", "\\uFFFF");
-    return line;
-}
+namespace {
+
+bool IsWhiteSpace(char each) { return each == '\t' || each == '\n' || each == '\r'; }
+
+bool IsAscii(char each) { return static_cast<unsigned char>(each) < 0x80; }
+
+} // namespace
 
 bool IsXmlText(std::string_view text) {
     std::string line(text);
-    std::ranges::replace_if(
-        line, [](char each) { return each == '\t' || each == '\n' || each == '\r'; }, ' ');
-    return ToXmlLine(line, line.size()) == line;
+    std::ranges::replace_if(line, IsWhiteSpace, ' ');
+    auto const holds = [&](std::string_view character) { return line.find(character) != std::string::npos; };
+    return logging::ToLine(line, line.size()) == line && !holds("\xEF\xBF\xBE") && !holds("\xEF\xBF\xBF");
+}
+
+void MaskForXml(std::string& text) {
+    for (auto at = text.begin(); at != text.end();) {
+        auto const end = IsAscii(*at) ? at + 1 : std::find_if(at, text.end(), IsAscii);
+        if (!IsXmlText({at, end})) std::fill(at, end, '?');
+        at = end;
+    }
 }
 
 } // namespace zarn::service::onvif
