@@ -9,6 +9,7 @@
 #include <zarn/configuration/node/dynamic.h>
 #include <zarn/configuration/node/primitive.h>
 #include <zarn/configuration/schema.h>
+#include <zarn/logging/format.h>
 
 #include <boost/json/parse.hpp>
 #include <boost/json/serialize.hpp>
@@ -227,7 +228,7 @@ std::uint16_t ReadPort(configuration::node::Root const& root, std::string_view p
 
 void OverrideSetting(configuration::node::Root const& root, std::string const& path, std::string const& text) {
     auto const node = root.Find(boost::string_view(path.data(), path.size()));
-    if (!node) throw configuration::Error(path, "there is no such setting");
+    if (!node) throw configuration::Error(logging::ToLine(path, MaximumTextLength), "there is no such setting");
     if (!node->Is<configuration::node::Value>())
         throw configuration::Error(path, "this is a group of settings, no value");
     node->As<configuration::node::Value>().OverrideFromString(text);

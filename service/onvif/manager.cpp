@@ -8,6 +8,7 @@
 #include "media2.h"
 #include "request_bounds.h"
 #include "soap_context.h"
+#include "xml_text.h"
 
 #include <service/onvif/manager.h>
 #include <zarn/asio/global_context.h>
@@ -53,6 +54,14 @@ Pending::Data MakeNotReady() { return {http::response::Status::Provisional, {}, 
 Pending::Data MakeComplete(http::Response const& response) {
     auto body = std::make_shared<container::Buffer>(std::string(response.GetBody()));
     return {response.GetStatusCode(), response.GetFields(), {web::response::State::Complete, {std::move(body)}}};
+}
+
+/// gSOAP's reasons quote names of the request as they came.
+http::Response MakeReadable(http::Response response) {
+    if (response.GetStatusCode() < http::response::Status::BadRequest) return response;
+    std::string body(response.GetBody());
+    MaskForXml(body);
+    return {response.GetStatusCode(), response.GetFields(), std::move(body)};
 }
 
 http::Request Repackage(web::Request& request) {
@@ -123,7 +132,7 @@ public:
             Dispatch(soap, device, events, media, media2, analytics);
 
         auto const buffer = std::make_shared<container::Buffer>(std::move(output).str());
-        return std::make_shared<http::Response>(http::Response::Parse(buffer));
+        return std::make_shared<http::Response>(MakeReadable(http::Response::Parse(buffer)));
     }
 
 private:

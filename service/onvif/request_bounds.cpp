@@ -18,10 +18,18 @@ bool IsCompressed(protocol::network::http::Request const& request) {
     });
 }
 
+/// Whether the body is said to hold attachments. gSOAP takes the words for it wherever they stand in the field.
+bool HasAttachments(protocol::network::http::Request const& request) {
+    return std::ranges::any_of(request.GetFields(), [](auto const& field) {
+        return boost::iequals(field.first, "Content-Type") &&
+               (boost::icontains(field.second, "multipart/") || boost::icontains(field.second, "application/dime"));
+    });
+}
+
 } // namespace
 
 int CheckBounds(protocol::network::http::Request const& request) {
-    if (IsCompressed(request)) return UnsupportedMediaType;
+    if (IsCompressed(request) || HasAttachments(request)) return UnsupportedMediaType;
     // Counted without a look at what they are: whatever gSOAP takes for an attribute, there is one in it.
     return std::ranges::count(request.GetBody(), '=') > MaximumAttributes ? SOAP_OCCURS : SOAP_OK;
 }

@@ -8,7 +8,9 @@ namespace zarn::service::onvif {
 /// SOAP_OCCURS  the body has more than 512 "=", and so may have as many attributes: gSOAP keeps the attributes of an
 ///              element and the namespaces in scope in lists, and walks them for each name that it reads, so that a
 ///              body of a megabyte could keep a worker busy for minutes. No message that is served needs a tenth.
-/// 415          the body is compressed (RFC 9110, 15.5.16): gSOAP would inflate it past every bound on its size
+/// 415          the body is compressed (RFC 9110, 15.5.16): gSOAP would inflate it past every bound on its size;
+///              or it holds attachments (multipart, DIME), which no message has: gSOAP would answer in the same form,
+///              in DIME without the header of an HTTP response
 int CheckBounds(protocol::network::http::Request const& request);
 
 } // namespace zarn::service::onvif

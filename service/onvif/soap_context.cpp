@@ -1,5 +1,7 @@
 #include "soap_context.h"
 
+#include "xml_text.h"
+
 #include <boost/algorithm/string/replace.hpp>
 #include <soapH.h>
 
@@ -89,8 +91,9 @@ bool IsEnding(soap const* soap) {
 void AnswerAddressing(soap* soap) {
     if (!soap->header) return;
     char* const messageId = soap->header->wsa5__MessageID;
+    bool const isRelated = messageId && IsXmlText(messageId);
     soap_default_SOAP_ENV__Header(soap, soap->header);
-    auto* const relatesTo = messageId ? soap_new_wsa5__RelatesToType(soap) : nullptr;
+    auto* const relatesTo = isRelated ? soap_new_wsa5__RelatesToType(soap) : nullptr;
     if (!relatesTo) {
         soap->header = nullptr;
         return;

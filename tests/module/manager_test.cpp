@@ -320,6 +320,17 @@ TEST_F(Exchange, HandlesManyRequestsAtOnce) {
     EXPECT_EQ(right, 16 * 20);
 }
 
+class Fault : public DeviceFixture {};
+
+TEST_F(Fault, QuotesTheNamesOfARequestInCharactersOfXml) {
+    auto message = Envelope("<tds:GetHostname/>");
+    for (std::string const name : {"\xE0", "a\xff\xfe", "\xEF\xBF\xBE"}) {
+        auto const reply = Post(std::string(message).insert(message.rfind('>'), name));
+        EXPECT_GE(reply.status, 400) << name;
+        EXPECT_EQ(reply.text.find(name), std::string::npos) << name;
+    }
+}
+
 class Header : public DeviceFixture {};
 
 TEST_F(Header, RelatesTheAnswerToTheMessageAndCarriesNothingElseOfTheClients) {
@@ -335,6 +346,19 @@ TEST_F(Header, RelatesTheAnswerToTheMessageAndCarriesNothingElseOfTheClients) {
 TEST_F(Header, IsAbsentFromTheAnswerToAMessageWithoutId) {
     EXPECT_FALSE(Ask("<tds:GetHostname/>", {.header = "<a:To>urn:device</a:To>"}).Has("//SOAP-ENV:Header"));
     EXPECT_FALSE(Ask("<tds:GetHostname/>").Has("//SOAP-ENV:Header"));
+}
+
+TEST_F(Header, IsAbsentFromTheAnswerToAMessageWhoseIdXmlCannotCarry) {
+    for (std::string const id : {"&#1;", "urn:&#x1B;[0m", "urn:&#xFFFE;", "urn:\xEF\xBF\xBF"}) {
+        auto const reply = Ask("<tds:GetHostname/>", {.header = "<a:MessageID>" + id + "</a:MessageID>"});
+        EXPECT_EQ(reply.status, 200) << id;
+        EXPECT_FALSE(reply.Has("//SOAP-ENV:Header")) << id;
+    }
+}
+
+TEST_F(Header, RelatesTheAnswerToAnIdOfAnyLanguageAndOverLines) {
+    auto const reply = Ask("<tds:GetHostname/>", {.header = "<a:MessageID>urn:\tGr\u00fcn\n</a:MessageID>"});
+    EXPECT_THAT(reply.Text("//wsa5:RelatesTo"), testing::HasSubstr("Gr\u00fcn"));
 }
 
 TEST_F(Header, RelatesAFaultToo) {

@@ -152,5 +152,24 @@ TEST_F(SettingsTest, CannotBeOverriddenWithWhatTheyDoNotTake) {
     }
 }
 
+TEST_F(SettingsTest, QuoteAWrongValueInOneLine) {
+    try {
+        OverrideSetting(*root, "settings.limits.connections", "4\x7F\xC2\x85");
+        FAIL() << "taken";
+    } catch (Error const& error) {
+        EXPECT_THAT(error.what(), testing::HasSubstr(R"("4\x7f\xc2\x85")"));
+    }
+}
+
+TEST_F(SettingsTest, NameAnUnknownPathInOneShortLine) {
+    try {
+        OverrideSetting(*root, "channels.\x01\n\xff" + std::string(10000, 'a'), "1");
+        FAIL() << "taken";
+    } catch (Error const& error) {
+        EXPECT_THAT(error.what(), testing::StartsWith(R"(channels.\x01\n\xffaaa)"));
+        EXPECT_THAT(error.what(), testing::EndsWith("more): there is no such setting"));
+    }
+}
+
 } // namespace
 } // namespace zarn::host

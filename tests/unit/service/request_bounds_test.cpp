@@ -36,5 +36,19 @@ TEST(CheckBounds, LetsThroughABodyThatIsSaidNotToBeCompressed) {
     EXPECT_EQ(Check("", {{"content-encoding", "IDENTITY"}}), SOAP_OK);
 }
 
+TEST(CheckBounds, RefusesABodyWithAttachments) {
+    for (auto const* type : {"application/dime", "APPLICATION/Dime", "multipart/related; boundary=b",
+                             "multipart/form-data", "application/soap+xml; application/dime"})
+        EXPECT_EQ(Check("", {{"Content-Type", type}}), 415) << type;
+    EXPECT_EQ(Check("", {{"content-TYPE", "application/dime"}}), 415);
+}
+
+TEST(CheckBounds, LetsThroughTheTypesOfSoapAndWhatIsSaidOfThem) {
+    for (auto const* type :
+         {"application/soap+xml; charset=utf-8; action=\"urn:multipart\"", "text/xml", "text/plain", ""})
+        EXPECT_EQ(Check("", {{"Content-Type", type}}), SOAP_OK) << type;
+    EXPECT_EQ(Check("", {{"Accept", "multipart/related"}}), SOAP_OK);
+}
+
 } // namespace
 } // namespace zarn::service::onvif

@@ -2,6 +2,8 @@
 
 #include "configuration/text/writer.h"
 
+#include <zarn/logging/format.h>
+
 #include <boost/json/parse.hpp>
 #include <boost/json/serialize.hpp>
 #include <boost/json/value.hpp>
@@ -13,6 +15,7 @@ namespace {
 constexpr std::size_t MaximumLength = 80;
 
 std::string Shorten(std::string text) {
+    text = logging::ToLine(text, std::string::npos); // JSON leaves some control characters as they are
     if (text.size() <= MaximumLength) return text;
     std::size_t length = MaximumLength;
     // Not in the middle of a UTF-8 sequence.

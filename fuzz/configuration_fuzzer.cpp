@@ -1,0 +1,103 @@
+// The configuration file, which people write, and the overrides of the command line.
+#include "host/settings.h"
+#include "require.h"
+
+#include <zarn/configuration/error.h>
+#include <zarn/configuration/layer.h>
+#include <zarn/configuration/text.h>
+
+#include <boost/json/value.hpp>
+
+#include <algorithm>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace zarn::fuzz {
+namespace {
+
+using configuration::Layer;
+using configuration::node::Root;
+
+constexpr std::size_t MaximumLength = std::size_t{64} * 1024;
+constexpr std::size_t MaximumOverrides = 16;
+
+/// Behind this line stand overrides, one a line as in `--set`.
+constexpr std::string_view Separator = "\n--set\n";
+
+/// Whether it worked; errors are lines.
+template <class Work>
+bool Try(Work const& work) {
+    try {
+        work();
+        return true;
+    } catch (configuration::Error const& error) {
+        std::string_view const text = error.what();
+        Require(IsLine(text, text.size()), "an error is one line");
+        return false;
+    }
+}
+
+std::shared_ptr<Root> MakeTree() {
+    auto root = std::make_shared<Root>();
+    host::DescribeSettings(*root);
+    return root;
+}
+
+/// Everything that the host reads of the tree can be read.
+void ReadAll(Root const& root) {
+    host::ReadIdentity(root);
+    host::ReadLimits(root);
+    host::ReadRtspLimits(root);
+    host::ReadFailedLoginsLimit(root);
+    host::ReadChannels(root);
+    Try([&] { host::ReadTlsFiles(root); });
+}
+
+void CheckFile(Root& root, std::string_view text) {
+    auto const before = root.ToJson(Layer::Persisted);
+    bool const taken = Try([&] { root.FromJson(configuration::text::Parse(text)); });
+    auto const after = root.ToJson(Layer::Persisted);
+    if (!taken) {
+        Require(after == before, "a file that is refused changes nothing");
+        return;
+    }
+    auto const written = configuration::text::Format(after);
+    auto const again = MakeTree();
+    Require(Try([&] { again->FromJson(configuration::text::Parse(written)); }), "what was saved can be read");
+    Require(configuration::text::Format(again->ToJson(Layer::Persisted)) == written, "saving it again changes nothing");
+}
+
+void Override(Root& root, std::string_view line) {
+    auto const sign = line.find('=');
+    if (sign == 0 || sign == std::string_view::npos) return;
+    Try([&] { host::OverrideSetting(root, std::string(line.substr(0, sign)), std::string(line.substr(sign + 1))); });
+}
+
+void CheckOverrides(Root& root, std::string_view lines) {
+    auto const before = root.ToJson(Layer::Persisted);
+    for (std::size_t count = 0; !lines.empty() && count < MaximumOverrides; ++count) {
+        auto const line = lines.substr(0, lines.find('\n'));
+        Override(root, line);
+        lines.remove_prefix(std::min(line.size() + 1, lines.size()));
+    }
+    Require(root.ToJson(Layer::Persisted) == before, "overrides are never saved");
+}
+
+} // namespace
+} // namespace zarn::fuzz
+
+/// A file is refused with one line and changes nothing, or it is taken and reads the same once saved; overrides are
+/// taken or refused likewise and never saved; and whatever the tree holds then can be used.
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
+    using namespace zarn::fuzz;
+    if (size > MaximumLength) return 0;
+    std::string_view const text(reinterpret_cast<char const*>(data), size);
+    auto const end = std::min(text.find(Separator), text.size());
+    auto const root = MakeTree();
+    CheckFile(*root, text.substr(0, end));
+    CheckOverrides(*root, text.substr(std::min(end + Separator.size(), text.size())));
+    ReadAll(*root);
+    return 0;
+}

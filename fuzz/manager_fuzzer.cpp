@@ -1,0 +1,268 @@
+// Whole requests into the module, on the host's real libraries.
+#include "exchange_script.h"
+#include "onvif/discovery/text.h"
+#include "require.h"
+
+#include <service/onvif/manager.h>
+#include <zarn/authentication/digest.h>
+#include <zarn/authentication/engine.h>
+#include <zarn/authentication/ha1.h>
+#include <zarn/authentication/realm.h>
+#include <zarn/configuration/node/root.h>
+#include <zarn/configuration/schema.h>
+#include <zarn/container/buffer.h>
+#include <zarn/logging/logger.h>
+#include <zarn/meta/data/object.h>
+#include <zarn/meta/data/zone.h>
+#include <zarn/onvif/events/handler.h>
+
+#include <boost/json/parse.hpp>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <chrono>
+#include <cstdint>
+#include <pugixml.hpp>
+#include <set>
+#include <thread>
+#include <utility>
+
+namespace zarn::fuzz {
+namespace {
+
+using namespace std::chrono_literals;
+using web::response::Pending;
+
+constexpr std::size_t MaximumLength = std::size_t{64} * 1024;
+constexpr std::size_t MaximumRequests = 4;
+constexpr std::size_t LongestTarget = 1000;
+constexpr std::size_t LongestAnswer = std::size_t{4} * 1024 * 1024;
+constexpr char Password[] = "vermilion-Zarn-4711";
+
+/// When a client that waits for events gets one, when its subscription ends, and when it has waited too long.
+constexpr auto EventAfter = 10ms;
+constexpr auto EndAfter = 20ms;
+constexpr auto GiveUpAfter = 8s;
+
+/// What is answered to anybody, as the first element of the body.
+constexpr std::array OpenAnswers{"GetSystemDateAndTimeResponse",
+                                 "GetCapabilitiesResponse",
+                                 "GetServicesResponse",
+                                 "GetServiceCapabilitiesResponse",
+                                 "GetScopesResponse",
+                                 "GetHostnameResponse",
+                                 "GetNetworkProtocolsResponse",
+                                 "GetSupportedAnalyticsModulesResponse",
+                                 "GetEventPropertiesResponse",
+                                 "SetSynchronizationPointResponse",
+                                 "GetProfilesResponse",
+                                 "GetProfileResponse",
+                                 "GetVideoSourceConfigurationsResponse",
+                                 "GetVideoSourceConfigurationResponse",
+                                 "GetVideoEncoderConfigurationsResponse",
+                                 "GetVideoEncoderConfigurationResponse",
+                                 "GetVideoSourceConfigurationOptionsResponse",
+                                 "GetVideoEncoderConfigurationOptionsResponse",
+                                 "GetMetadataConfigurationsResponse",
+                                 "GetMetadataConfigurationOptionsResponse",
+                                 "GetAnalyticsConfigurationsResponse",
+                                 "SetMetadataConfigurationResponse",
+                                 "SetVideoEncoderConfigurationResponse"};
+
+/// Whether a text has no character that XML cannot carry, neither itself nor as a reference. Source: XML 1.0, 2.2.
+bool IsXmlText(std::string_view text) {
+    if (!onvif::discovery::IsXmlText(text)) return false;
+    constexpr std::string_view Start = "&#x";
+    for (auto at = text.find(Start); at != std::string_view::npos; at = text.find(Start, at + 1)) {
+        unsigned long code = 0;
+        auto const digits = text.substr(at + Start.size());
+        std::from_chars(digits.data(), digits.data() + digits.size(), code, 16);
+        if (code < 0x20 && code != '\t' && code != '\n' && code != '\r') return false;
+    }
+    return true;
+}
+
+class Request final : public web::Request {
+public:
+    using Method = protocol::network::http::Method;
+
+    explicit Request(ScriptedRequest scripted) : scripted(std::move(scripted)) {}
+
+    Method GetMethod() const override { return Method::Post; }
+
+    std::string_view GetTarget() const override { return scripted.target; }
+
+    std::string_view GetBody() const override { return scripted.body; }
+
+    std::map<std::string_view, std::string_view> GetFields() const override {
+        return {scripted.fields.begin(), scripted.fields.end()};
+    }
+
+private:
+    ScriptedRequest scripted;
+};
+
+std::shared_ptr<configuration::node::Root> MakeConfiguration() {
+    using configuration::Schema;
+    auto root = std::make_shared<configuration::node::Root>();
+    root->Schema({Schema("settings.web_port", std::uint16_t{8080}, "web port"),
+                  Schema("settings.rtsp_port", std::uint16_t{8554}, "RTSP port"),
+                  Schema::Collection("channels", {Schema("name", "", "name")}, "channels")});
+    root->FromJson(boost::json::parse(R"({"channels": {"1": {"name": "Gate"}, "2": {"name": "Yard <&> Süd"}}})"));
+    return root;
+}
+
+std::shared_ptr<meta::data::Event> MakeEvent() {
+    auto event = std::make_shared<meta::data::Event>("presence", "Gate <&> \"rule\"",
+                                                     std::chrono::system_clock::time_point(1'770'000'000s));
+    event->Add(std::make_shared<meta::data::Zone>(meta::data::Zone::Field));
+    event->Add(std::make_shared<meta::data::Object>(7));
+    return event;
+}
+
+/// A device of two channels, for all inputs.
+class Device {
+public:
+    Device() : ha1(authentication::MakeHa1("admin", authentication::Realm, Password)) {
+        logging::SetLevel(logging::Level::Critical);
+        engine.SetHa1(ha1);
+        manager.UpdateServerPort(8080);
+    }
+
+    /// Sends the requests one after the other; no subscription is left behind.
+    void Run(std::vector<ScriptedRequest> requests) {
+        for (auto& request : requests) Run(std::move(request));
+        EndSubscriptions();
+    }
+
+private:
+    void Run(ScriptedRequest request) {
+        if (auto const at = request.target.find("Idx=@"); at != std::string::npos) {
+            request.target.replace(at + 4, 1, std::to_string(subscriptions.empty() ? 0 : *subscriptions.rbegin()));
+        }
+        if (request.target.size() > LongestTarget) return; // the web server refuses it
+        if (request.isSigned) Sign(request);
+        if (request.hasEvent) onvif::events::Publish(MakeEvent());
+        engine.SetEnabled(!request.isOpen);
+        bool const isKnown = request.isOpen || request.isSigned;
+        bool const tells = HasCredentials(request); // libFuzzer learns them where they are compared
+        auto const body = Check(Ask(std::move(request)), isKnown);
+        Require(tells || !HasCredentials(body), "an answer holds no credentials");
+    }
+
+    void Sign(ScriptedRequest& request) const {
+        auto const response = authentication::MakeDigestResponse({.ha1 = ha1,
+                                                                  .method = "POST",
+                                                                  .uri = request.target,
+                                                                  .nonce = "0123456789abcdef",
+                                                                  .nonceCount = "00000001",
+                                                                  .clientNonce = "fedcba98",
+                                                                  .qop = "auth"});
+        request.fields["Authorization"] = std::string("Digest username=\"admin\", realm=\"") + authentication::Realm +
+                                          "\", nonce=\"0123456789abcdef\", uri=\"" + request.target +
+                                          "\", qop=auth, nc=00000001, cnonce=\"fedcba98\", response=\"" + response +
+                                          "\"";
+    }
+
+    Pending::Data Ask(ScriptedRequest request) {
+        auto const pending = manager.Post(std::make_shared<Request>(std::move(request)));
+        auto const start = std::chrono::steady_clock::now();
+        bool hasEvent = false;
+        for (;;) {
+            auto data = pending->GetData();
+            if (data.GetState() == web::response::State::Complete) return data;
+            auto const waited = std::chrono::steady_clock::now() - start;
+            Require(waited < GiveUpAfter, "a request is answered in time");
+            if (waited > EventAfter && !std::exchange(hasEvent, true)) onvif::events::Publish(MakeEvent());
+            if (waited > EndAfter) EndSubscriptions();
+            std::this_thread::yield();
+        }
+    }
+
+    void EndSubscriptions() {
+        for (auto const id : std::exchange(subscriptions, {})) {
+            ScriptedRequest request{.target = "/onvif/event_service/Subscription?Idx=" + std::to_string(id)};
+            request.fields = {{"Host", "device"}, {"Content-Type", "application/soap+xml"}};
+            request.body = R"(<s:Envelope xmlns:s="http://www.w3.org/2003/05/soap-envelope"><s:Body>)"
+                           R"(<Unsubscribe xmlns="http://docs.oasis-open.org/wsn/b-2"/></s:Body></s:Envelope>)";
+            Sign(request);
+            auto const data = Ask(std::move(request));
+            Require(static_cast<int>(data.GetStatus()) == 200, "a subscription can be ended");
+        }
+    }
+
+    bool HasCredentials(std::string_view text) const {
+        return text.find(Password) != std::string::npos || text.find(ha1) != std::string::npos;
+    }
+
+    bool HasCredentials(ScriptedRequest const& request) const {
+        auto const inField = [&](auto const& field) {
+            return HasCredentials(field.first) || HasCredentials(field.second);
+        };
+        return HasCredentials(request.target) || HasCredentials(request.body) ||
+               std::ranges::any_of(request.fields, inField);
+    }
+
+    /// Returns the body.
+    std::string Check(Pending::Data const& data, bool isKnown) {
+        for (auto const& [name, value] : data.GetFields()) {
+            constexpr std::string_view LineEnds("\0\r\n", 3);
+            Require(name.find_first_of(LineEnds) == std::string::npos, "the name of a field is in one line");
+            Require(value.find_first_of(LineEnds) == std::string::npos, "a field is one line");
+        }
+        std::string body;
+        for (auto const& chunk : data.GetBody()) body += chunk->ToStringView();
+        Require(body.size() <= LongestAnswer, "an answer is bounded");
+        if (body.empty()) return body;
+        pugi::xml_document document;
+        Require(document.load_buffer(body.data(), body.size(), pugi::parse_default, pugi::encoding_utf8),
+                "an answer is XML");
+        Require(IsXmlText(body), "an answer holds no characters that XML cannot carry");
+        Remember(body);
+        if (static_cast<int>(data.GetStatus()) == 200 && !isKnown) CheckOpen(document);
+        return body;
+    }
+
+    /// What anybody may know.
+    static void CheckOpen(pugi::xml_document const& document) {
+        auto const message = document.document_element().child("SOAP-ENV:Body").first_child();
+        std::string_view name = message.name();
+        name.remove_prefix(std::min(name.find(':') + 1, name.size()));
+        Require(std::ranges::find(OpenAnswers, name) != OpenAnswers.end(), "a protected answer goes to who logged in");
+    }
+
+    /// The subscription that an answer tells of.
+    void Remember(std::string_view body) {
+        constexpr std::string_view Marker = "Subscription?Idx=";
+        auto const found = body.find(Marker);
+        if (found == std::string_view::npos) return;
+        std::int32_t id = 0;
+        auto const digits = body.substr(found + Marker.size());
+        if (std::from_chars(digits.data(), digits.data() + digits.size(), id).ec == std::errc())
+            subscriptions.insert(id);
+    }
+
+    std::string ha1;
+    ZarnAuthenticationEngine engine;
+    std::set<std::int32_t> subscriptions;
+    service::onvif::Manager manager{
+        &engine, MakeConfiguration(),
+        [](std::string const& id) {
+            return id == "1" ? meta::data::VideoInfo({1920, 1080}, "video/x-h264", 25, 1) : meta::data::VideoInfo();
+        },
+        utilities::name::Config({.manufacturer = "Zarnsuite", .model = "Analytics Server", .name = "Gate <&>"})};
+};
+
+} // namespace
+} // namespace zarn::fuzz
+
+/// Every request is answered in time with bounded, well-formed XML (or nothing) and sound fields; credentials are never
+/// in it; and what is protected goes to nobody who has not logged in.
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
+    using namespace zarn::fuzz;
+    if (size > MaximumLength) return 0;
+    static Device device;
+    device.Run(ReadScript({reinterpret_cast<char const*>(data), size}, MaximumRequests));
+    return 0;
+}

@@ -1,0 +1,45 @@
+// Analytics events as other programs send them, over HTTP or through a broker.
+#include "host/events/bounds.h"
+#include "host/events/read_events.h"
+#include "require.h"
+
+#include <zarn/meta/data/object.h>
+
+#include <cstdint>
+#include <string_view>
+
+namespace zarn::fuzz {
+namespace {
+
+using host::events::MaximumEvents;
+using host::events::MaximumTextBytes;
+
+constexpr std::size_t MaximumLength = std::size_t{256} * 1024;
+constexpr std::size_t LongestError = 1024;
+constexpr std::chrono::system_clock::time_point Now{std::chrono::seconds(1'770'000'000)};
+
+void Check(meta::data::Event const& event) {
+    Require(!event.GetType().empty(), "an event has a type");
+    Require(event.GetType().size() <= MaximumTextBytes, "a type is short");
+    Require(event.GetName().size() <= MaximumTextBytes, "a name is short");
+}
+
+} // namespace
+} // namespace zarn::fuzz
+
+/// A text is refused with one line, or it holds a bounded number of events with bounded texts; and reading it again
+/// gives as many.
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
+    using namespace zarn::fuzz;
+    if (size > MaximumLength) return 0;
+    std::string_view const text(reinterpret_cast<char const*>(data), size);
+    try {
+        auto const events = zarn::host::events::ReadEvents(text, Now);
+        Require(events.size() <= MaximumEvents, "a text holds a bounded number of events");
+        for (auto const& event : events) Check(*event);
+        Require(zarn::host::events::ReadEvents(text, Now).size() == events.size(), "reading depends on the text only");
+    } catch (zarn::host::events::ReadError const& error) {
+        Require(IsLine(error.what(), LongestError), "an error is one short line");
+    }
+    return 0;
+}

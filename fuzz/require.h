@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdio>
+#include <cstdlib>
+#include <string_view>
+
+namespace zarn::fuzz {
+
+/// Ends the run with a finding when what must hold does not.
+/// rule  what must hold, a literal
+inline void Require(bool holds, char const* rule) {
+    if (holds) return;
+    std::fprintf(stderr, "does not hold: %s\n", rule);
+    std::abort();
+}
+
+/// Whether a text is one line that can be shown to a person and written into a log: no control characters, no more than
+/// `most` bytes.
+inline bool IsLine(std::string_view text, std::size_t most) {
+    if (text.empty() || text.size() > most) return false;
+    for (char const character : text) {
+        if (static_cast<unsigned char>(character) < 0x20 || character == 0x7F) return false;
+    }
+    return true;
+}
+
+} // namespace zarn::fuzz

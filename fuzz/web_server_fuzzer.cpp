@@ -1,0 +1,208 @@
+// Bytes on a connection to the web server, in front of everything else that reads requests.
+#include "host/web/server.h"
+#include "require.h"
+
+#include <zarn/logging/logger.h>
+#include <zarn/web/response/pending.h>
+#include <zarn/web/service.h>
+
+#include <boost/algorithm/string/predicate.hpp>
+#include <boost/asio/io_context.hpp>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
+#include <sys/time.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <utility>
+
+namespace zarn::fuzz {
+namespace {
+
+using host::web::MaximumTargetAndHost;
+
+constexpr std::size_t MaximumLength = std::size_t{256} * 1024;
+constexpr std::size_t BodyBytes = 4096;
+constexpr std::chrono::seconds Deadline(8);
+
+/// Every how many inputs a client that means well is served in between.
+constexpr unsigned GoodClientEvery = 64;
+
+constexpr std::array Statuses{"200", "204", "400", "404", "405", "411", "413", "414", "415", "417", "431", "505"};
+
+bool IsFree(std::string_view text, std::string_view characters) {
+    return text.find_first_of(characters) == std::string_view::npos;
+}
+
+/// Answers what it was asked, and looks at how the request reached it.
+class Echo final : public web::Service {
+public:
+    Response Process(std::shared_ptr<web::Request> request) override {
+        Require(request->GetTarget().starts_with('/'), "a target is in origin form");
+        Require(request->GetTarget().size() <= MaximumTargetAndHost, "a target is short");
+        Require(IsFree(request->GetTarget(), std::string_view("\0\r\n ", 4)), "a target is one word");
+        Require(request->GetBody().size() <= BodyBytes, "a body is no longer than it may be");
+        for (auto const& [name, value] : request->GetFields()) {
+            Require(!name.empty() && IsFree(name, std::string_view("\0\r\n :", 5)), "a field has a name");
+            Require(IsFree(value, std::string_view("\0\r\n", 3)), "a field is one line");
+            Require(!IsOfConnection(name), "fields of the connection do not reach a service");
+        }
+        return web::response::MakeComplete(protocol::network::http::response::Status::Ok,
+                                           {{"Content-Type", "text/plain"}}, std::string(request->GetBody()));
+    }
+
+private:
+    static bool IsOfConnection(std::string_view name) {
+        constexpr std::array Names{"Connection", "Transfer-Encoding", "Keep-Alive", "Upgrade"};
+        return std::ranges::any_of(Names, [&](char const* each) { return boost::iequals(each, name); });
+    }
+};
+
+/// A connection on which every step ends with the deadline.
+class Client {
+public:
+    explicit Client(std::uint16_t port) : descriptor(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+        int const on = 1;
+        timeval const span{Deadline.count(), 0};
+        setsockopt(descriptor, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+        setsockopt(descriptor, SOL_SOCKET, SO_RCVTIMEO, &span, sizeof span);
+        setsockopt(descriptor, SOL_SOCKET, SO_SNDTIMEO, &span, sizeof span);
+        setsockopt(descriptor, IPPROTO_IP, IP_BIND_ADDRESS_NO_PORT, &on, sizeof on);
+        auto const own = MakeAddress(ChooseAddress(), 0);
+        auto const server = MakeAddress(INADDR_LOOPBACK, port);
+        Require(bind(descriptor, reinterpret_cast<sockaddr const*>(&own), sizeof own) == 0 &&
+                    connect(descriptor, reinterpret_cast<sockaddr const*>(&server), sizeof server) == 0,
+                "a client can connect");
+    }
+
+    ~Client() { close(descriptor); }
+
+    Client(Client const&) = delete;
+    Client& operator=(Client const&) = delete;
+
+    /// Sends bytes; a server that has closed does not take them.
+    void Send(std::string_view bytes) const {
+        while (!bytes.empty()) {
+            auto const count = send(descriptor, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+            if (count < 0) {
+                Require(errno != EAGAIN, "a server takes what is sent, or closes");
+                return;
+            }
+            bytes.remove_prefix(static_cast<std::size_t>(count));
+        }
+    }
+
+    /// Says that nothing more comes, and reads up to the end.
+    std::string Finish() const {
+        shutdown(descriptor, SHUT_WR);
+        std::string answer;
+        std::array<char, 4096> chunk{};
+        for (;;) {
+            auto const count = recv(descriptor, chunk.data(), chunk.size(), 0);
+            Require(count >= 0 || errno != EAGAIN, "a connection ends in time");
+            if (count <= 0) return answer;
+            answer.append(chunk.data(), static_cast<std::size_t>(count));
+        }
+    }
+
+private:
+    static sockaddr_in MakeAddress(std::uint32_t address, std::uint16_t port) {
+        sockaddr_in made{};
+        made.sin_family = AF_INET;
+        made.sin_port = htons(port);
+        made.sin_addr.s_addr = htonl(address);
+        return made;
+    }
+
+    /// The ports of one address would be used up in a minute: the system keeps them for a while.
+    static std::uint32_t ChooseAddress() {
+        constexpr std::uint32_t Addresses = 200;
+        static std::uint32_t next = 0;
+        return INADDR_LOOPBACK + 1 + next++ % Addresses;
+    }
+
+    int descriptor;
+};
+
+/// A web server on loopback for all inputs.
+class Site {
+public:
+    Site() {
+        logging::SetLevel(logging::Level::Critical);
+        host::web::Listener listener(io, 0);
+        port = listener.GetPort();
+        host::web::Server::Options options;
+        options.limits = {.connections = 8, .bodyBytes = BodyBytes};
+        options.threads = 1;
+        options.admission = admission;
+        server = std::make_unique<host::web::Server>(io, std::move(listener),
+                                                     host::web::Router({{"/", std::make_shared<Echo>()}}), options);
+    }
+
+    /// Sends the bytes, then that there are no more, and returns everything that is answered until the connection ends.
+    std::string Exchange(std::string_view bytes) const {
+        Client const client(port);
+        // Some inputs come in two pieces.
+        auto const first = bytes.size() % 3 == 0 ? bytes.size() / 2 : bytes.size();
+        client.Send(bytes.substr(0, first));
+        client.Send(bytes.substr(first));
+        return client.Finish();
+    }
+
+    /// Whether the server lets go of every connection in time.
+    bool AwaitQuiet() const {
+        auto const end = std::chrono::steady_clock::now() + Deadline;
+        while (admission->GetConnections() > 0 || admission->GetExchanges() > 0) {
+            if (std::chrono::steady_clock::now() > end) return false;
+            std::this_thread::yield();
+        }
+        return true;
+    }
+
+private:
+    boost::asio::io_context io;
+    std::uint16_t port = 0;
+    std::shared_ptr<host::web::Admission> admission = std::make_shared<host::web::Admission>();
+    std::unique_ptr<host::web::Server> server;
+};
+
+void CheckAnswer(std::string_view answer) {
+    if (answer.empty()) return; // the request was not complete
+    constexpr std::string_view Continue = "HTTP/1.1 100 Continue\r\n\r\n";
+    if (answer.starts_with(Continue)) return CheckAnswer(answer.substr(Continue.size()));
+    Require(answer.starts_with("HTTP/1."), "an answer is one of HTTP");
+    auto const status = answer.substr(std::min<std::size_t>(answer.size(), 9), 3);
+    Require(std::ranges::find(Statuses, status) != Statuses.end(), "a status is one of those that are promised");
+    Require(answer.find("\r\n\r\n") != std::string_view::npos, "an answer has a whole header");
+}
+
+void ServeGoodClient(Site& site) {
+    auto const answer =
+        site.Exchange("POST /a HTTP/1.1\r\nHost: h\r\nContent-Length: 5\r\nConnection: close\r\n\r\nhello");
+    Require(answer.starts_with("HTTP/1.1 200 ") && answer.ends_with("hello"), "a client that means well is served");
+}
+
+} // namespace
+} // namespace zarn::fuzz
+
+/// Whatever is sent, the connection ends, what is answered is HTTP with a status that is promised, no request past a
+/// bound or with line ends in its fields reaches a service, and the next client is served.
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
+    using namespace zarn::fuzz;
+    if (size > MaximumLength) return 0;
+    static Site site;
+    static unsigned count = 0;
+    CheckAnswer(site.Exchange({reinterpret_cast<char const*>(data), size}));
+    if (++count % GoodClientEvery == 0) ServeGoodClient(site);
+    Require(site.AwaitQuiet(), "a connection that is over leaves nothing behind");
+    return 0;
+}
