@@ -1,14 +1,12 @@
 #include "discovery.h"
 
-#include <utility>
-
 namespace zarn::service::onvif {
 
 using zarn::onvif::discovery::Request;
 using zarn::onvif::discovery::Response;
 
-Discovery::Discovery(utilities::name::Config nameConfig, std::uint16_t port, bool sslEnabled)
-    : port(port), sslEnabled(sslEnabled), portKnown(port != 0), nameConfig(std::move(nameConfig)) {
+Discovery::Discovery(utilities::name::Config const& nameConfig, std::uint16_t port, bool sslEnabled)
+    : port(port), sslEnabled(sslEnabled), portKnown(port != 0), nameConfig(nameConfig) {
     Begin();
 }
 

@@ -16,7 +16,7 @@ public:
     /// port        of the web server; while it is 0 nothing is answered, until SetPort is called
     /// sslEnabled  whether the web server speaks TLS
     /// Throws std::system_error when there is no thread for it; whatever else is wrong is logged and tried again.
-    Discovery(utilities::name::Config nameConfig, std::uint16_t port, bool sslEnabled);
+    Discovery(utilities::name::Config const& nameConfig, std::uint16_t port, bool sslEnabled);
 
     ~Discovery() override;
 
