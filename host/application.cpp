@@ -60,7 +60,7 @@ std::uint16_t ReadPersistedPort(configuration::node::Root const& root) {
 Application::Application(Preparation prepared)
     : preparation(std::move(prepared)),
       control(1),
-      signals(control, SIGTERM, SIGINT, SIGHUP),
+      signals(control, OpenSignals(HandledSignals)),
       queueTimer(control.get_executor(), QueueInterval, "The queues of the subscriptions were not looked at",
                  [this] { queueWatch.Look(ReadQueuedWarning(*preparation.configuration)); }),
       speaksTls(preparation.tls != nullptr) {
@@ -112,10 +112,7 @@ std::string Application::GetAddress() const {
            std::to_string(ReadPort(*preparation.configuration, WebPortPath)) + "/onvif/device_service";
 }
 
-void Application::Run() {
-    ReleaseSignals(HandledSignals);
-    control.run();
-}
+void Application::Run() { control.run(); }
 
 void Application::Stop() {
     if (!server) return;
@@ -153,24 +150,22 @@ std::vector<web::Route> Application::MakeRoutes() {
 }
 
 void Application::AwaitSignal() {
-    signals.async_wait([this](boost::system::error_code error, int signal) {
+    signals.async_wait(signals.wait_read, [this](boost::system::error_code error) {
         if (error) return;
-        if (signal != SIGHUP) {
-            logger.Log(Level::Info, "Stopping: signal %0%", signal);
-            // A second one ends the process the system's way, should stopping take too long for somebody.
-            signals.remove(SIGTERM);
-            signals.remove(SIGINT);
-            control.stop();
-            return;
-        }
-        Reload();
+        if (auto const signal = ReadSignal(signals.native_handle())) OnSignal(*signal);
         AwaitSignal();
     });
 }
 
+void Application::OnSignal(int signal) {
+    if (signal == SIGHUP) return Reload();
+    logger.Log(Level::Info, "Stopping: signal %0%", signal);
+    // A second one ends the process the system's way, should stopping take too long for somebody.
+    ReleaseSignals({SIGTERM, SIGINT});
+    control.stop();
+}
+
 void Application::Reload() {
-    // The threads that begin here are not to get the signals.
-    SignalHold const hold(HandledSignals);
     try {
         preparation.file->Load();
         logger.Log(Level::Info, "Read %0% again", preparation.file->GetPath());
@@ -190,7 +185,6 @@ void Application::ScheduleApply() {
 
 void Application::Apply() {
     applyScheduled = false;
-    SignalHold const hold(HandledSignals);
     auto const& root = *preparation.configuration;
     try {
         bool const authenticate = ReadBool(root, AuthenticationPath);

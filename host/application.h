@@ -16,7 +16,7 @@
 #include <zarn/type/binding.h>
 
 #include <boost/asio/io_context.hpp>
-#include <boost/asio/signal_set.hpp>
+#include <boost/asio/posix/stream_descriptor.hpp>
 #include <boost/json/value.hpp>
 
 #include <atomic>
@@ -46,7 +46,7 @@ public:
     std::string GetAddress() const;
 
     /// Works until SIGTERM or SIGINT comes: re-reads the configuration at SIGHUP, applies and saves its changes.
-    /// Releases these signals if they were held before; they come to this thread.
+    /// These signals have to be held, in all threads.
     void Run();
 
     /// Ends everything: no new connections, no new requests; the module answers those that wait; the answers are
@@ -57,6 +57,7 @@ private:
     void BindPort(char const* path, std::uint16_t bound);
     std::vector<web::Route> MakeRoutes();
     void AwaitSignal();
+    void OnSignal(int signal);
     void Reload();
     void ScheduleApply();
     void Apply();
@@ -69,7 +70,7 @@ private:
     std::chrono::steady_clock::time_point const started = std::chrono::steady_clock::now();
     Preparation preparation;
     boost::asio::io_context control; ///< run by Run()
-    boost::asio::signal_set signals;
+    boost::asio::posix::stream_descriptor signals;
     ZarnAuthenticationEngine authentication;
     boost::asio::io_context webContext; ///< run by the server's threads; outlives whoever may still complete a response
     std::shared_ptr<FailedLogins> failedLogins = std::make_shared<FailedLogins>();

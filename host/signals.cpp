@@ -1,12 +1,15 @@
 #include "host/signals.h"
 
 #include <pthread.h>
+#include <sys/signalfd.h>
 #include <sys/time.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <csignal>
 #include <string_view>
+#include <system_error>
 
 namespace zarn::host {
 namespace {
@@ -35,6 +38,19 @@ void HoldSignals(std::vector<int> const& signals) {
 void ReleaseSignals(std::vector<int> const& signals) {
     auto const set = MakeSet(signals);
     pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
+}
+
+int OpenSignals(std::vector<int> const& signals) {
+    auto const set = MakeSet(signals);
+    int const descriptor = signalfd(-1, &set, SFD_NONBLOCK | SFD_CLOEXEC);
+    if (descriptor < 0) throw std::system_error(errno, std::generic_category(), "signals cannot be waited for");
+    return descriptor;
+}
+
+std::optional<int> ReadSignal(int descriptor) {
+    signalfd_siginfo information{};
+    if (read(descriptor, &information, sizeof(information)) != sizeof(information)) return std::nullopt;
+    return static_cast<int>(information.ssi_signo);
 }
 
 bool IsWaiting(std::vector<int> const& signals) {

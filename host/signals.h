@@ -1,7 +1,7 @@
 #pragma once
 
 #include <chrono>
-#include <utility>
+#include <optional>
 #include <vector>
 
 namespace zarn::host {
@@ -13,19 +13,13 @@ void HoldSignals(std::vector<int> const& signals);
 /// Lets signals that were held come to this thread, those that wait first.
 void ReleaseSignals(std::vector<int> const& signals);
 
-/// Holds signals back for as long as it lives, for instance while threads are started.
-class SignalHold {
-public:
-    explicit SignalHold(std::vector<int> held) : signals(std::move(held)) { HoldSignals(signals); }
+/// A descriptor that is readable while one of these signals, which are held, waits; it does not block. However often a
+/// signal comes meanwhile, it waits once, so that no flood of them keeps anybody busy.
+/// Throws std::system_error when there is none.
+int OpenSignals(std::vector<int> const& signals);
 
-    ~SignalHold() { ReleaseSignals(signals); }
-
-    SignalHold(SignalHold const&) = delete;
-    SignalHold& operator=(SignalHold const&) = delete;
-
-private:
-    std::vector<int> const signals;
-};
+/// The next signal of such a descriptor, if one waits.
+std::optional<int> ReadSignal(int descriptor);
 
 /// Whether one of these signals was held and waits.
 bool IsWaiting(std::vector<int> const& signals);
