@@ -87,9 +87,9 @@ TEST(StopWithASourceThatHangs, EndsInTimeAllTheSame) {
     while (host.GetHealth().at("channels").at(0).at("state") != "running" && Clock::now() < deadline) {
         std::this_thread::sleep_for(10ms);
     }
-    EXPECT_TRUE(host.GetProcess().WaitForLog("channel 1: its source does not close", 1s));
+    EXPECT_TRUE(host.GetProcess().WaitForLog("channel 1: its source does not close", 10s));
     EXPECT_EQ(host.Stop(2s), 0);
-    EXPECT_TRUE(host.GetProcess().WaitForLog("something does not stop", 1s));
+    EXPECT_TRUE(host.GetProcess().WaitForLog("something does not stop", 10s));
 }
 
 class Stop : public testing::Test {
