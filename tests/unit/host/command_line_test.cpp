@@ -132,12 +132,12 @@ TEST_F(CommandLineTest, LosesItsPasswordWhenItIsHidden) {
 }
 
 TEST_F(CommandLineTest, HasADefaultForTheConfiguration) {
-    SetVariable("HOME", "/home/a");
+    SetVariable("HOME", "/people/a");
     SetVariable("XDG_CONFIG_HOME", "/config");
     EXPECT_EQ(DefaultConfigurationPath(), "/config/zarn-host/config.json");
     for (char const* useless : {static_cast<char const*>(nullptr), "", "relative"}) {
         SetVariable("XDG_CONFIG_HOME", useless);
-        EXPECT_EQ(DefaultConfigurationPath(), "/home/a/.config/zarn-host/config.json");
+        EXPECT_EQ(DefaultConfigurationPath(), "/people/a/.config/zarn-host/config.json");
     }
     SetVariable("HOME", nullptr);
     EXPECT_THROW(DefaultConfigurationPath(), std::runtime_error);
