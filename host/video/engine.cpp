@@ -31,6 +31,11 @@ using EntryPtr = std::shared_ptr<Entry>;
 struct Entries {
     std::vector<EntryPtr> order;
     std::map<std::string, EntryPtr, std::less<>> byId;
+
+    void Add(std::string const& id, EntryPtr const& entry) {
+        order.push_back(entry);
+        byId.emplace(id, entry);
+    }
 };
 
 /// How long is waited for sources to close. One that hangs cannot be ended, only left to itself.
@@ -62,15 +67,18 @@ public:
         RefuseDoubles(settings);
         std::scoped_lock const changing(changeMutex);
         if (isStopped) return;
-        // Whatever is thrown on the way: what has ended is not found any more, the rest serves on, and the same call
-        // made again begins what is missing.
-        auto kept = KeepUnchanged(settings);
-        End(kept);
-        Replace(std::move(kept));
-        for (auto const& one : settings) {
-            if (!Find(one.id)) Add(Begin(one), one.id);
+        auto next = KeepUnchanged(settings);
+        End(next);
+        // Replaced in one step, so that nobody who asks meanwhile misses a channel that only changes. Whatever is
+        // thrown on the way: what has ended is not found any more, the rest serves on, and the same call made again
+        // begins what is missing.
+        try {
+            Begin(settings, next);
+        } catch (...) {
+            Replace(std::move(next));
+            throw;
         }
-        Arrange(settings);
+        Replace(std::move(next));
     }
 
     void SetAuthentication(bool authenticate, std::string const& ha1) {
@@ -121,8 +129,7 @@ private:
         for (auto const& one : settings) {
             auto const entry = Find(one.id);
             if (!entry || !entry->channel.CanGoOnWith(one)) continue;
-            kept.order.push_back(entry);
-            kept.byId.emplace(one.id, entry);
+            kept.Add(one.id, entry);
         }
         return kept;
     }
@@ -158,21 +165,17 @@ private:
         }
     }
 
-    void Add(EntryPtr entry, std::string const& id) {
-        std::scoped_lock const lock(mutex);
-        entries.order.push_back(entry);
-        entries.byId.emplace(id, std::move(entry));
-    }
-
-    /// Puts the channels into the order of the settings, with their descriptions.
-    void Arrange(std::vector<ChannelSettings> const& settings) {
-        std::vector<EntryPtr> order;
+    /// Begins the channels that are not among the entries, and puts all into the order of the settings, with their
+    /// descriptions.
+    void Begin(std::vector<ChannelSettings> const& settings, Entries& next) {
         for (auto const& one : settings) {
-            order.push_back(Find(one.id));
-            order.back()->channel.SetDescribed(one.described);
+            if (!next.byId.contains(one.id)) next.Add(one.id, Begin(one));
         }
-        std::scoped_lock const lock(mutex);
-        entries.order = std::move(order);
+        next.order.clear();
+        for (auto const& one : settings) {
+            next.order.push_back(next.byId.at(one.id));
+            next.order.back()->channel.SetDescribed(one.described);
+        }
     }
 
     EntryPtr Begin(ChannelSettings const& settings) {

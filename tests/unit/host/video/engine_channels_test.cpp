@@ -5,6 +5,7 @@
 
 #include <gmock/gmock.h>
 
+#include <atomic>
 #include <stdexcept>
 #include <thread>
 
@@ -130,6 +131,18 @@ TEST_F(EngineChannels, ServeTheNewSourceAfterAChange) {
     auto const picture = viewer.Next();
     ASSERT_TRUE(picture) << viewer.GetFailure();
     EXPECT_EQ(picture->width, 192);
+}
+
+TEST_F(EngineChannels, AreListedWithoutAGapWhileTheyChange) {
+    engine->SetChannels({From("1", Small), From("2", "")});
+    std::atomic<bool> isComplete = true;
+    std::jthread const asking([&](std::stop_token const& stop) {
+        while (!stop.stop_requested()) {
+            if (GetIds() != std::vector<std::string>{"1", "2"}) isComplete = false;
+        }
+    });
+    for (auto const* source : {Other, Small, "", Other}) engine->SetChannels({From("1", source), From("2", "")});
+    EXPECT_TRUE(isComplete);
 }
 
 TEST_F(EngineChannels, CanBeChangedAndAskedAtTheSameTime) {
