@@ -5,13 +5,11 @@
 
 #include <gtest/gtest.h>
 #include <malloc.h>
-#include <unistd.h>
 
 #include <atomic>
 #include <charconv>
 #include <chrono>
 #include <cstdlib>
-#include <fstream>
 #include <iostream>
 #include <memory>
 #include <string>
@@ -32,14 +30,10 @@ std::chrono::seconds GetDuration() {
     return std::chrono::seconds(text ? std::stoi(text) : 2);
 }
 
-/// What the process has in memory, in MiB, without what it has set free.
+/// What of the heap is in use, in MiB.
 double GetMemory() {
-    malloc_trim(0);
-    std::ifstream statm("/proc/self/statm");
-    double size = 0;
-    double resident = 0;
-    statm >> size >> resident;
-    return resident * static_cast<double>(sysconf(_SC_PAGESIZE)) / (1 << 20);
+    auto const heap = mallinfo2();
+    return static_cast<double>(heap.uordblks + heap.hblkhd) / (1 << 20);
 }
 
 /// Publishes events of the names "0", "1", ... at a rate per second; a slow machine makes it slower.
@@ -118,15 +112,18 @@ protected:
         for (auto& puller : pullers) WaitFor(*puller.pending);
     }
 
-    /// The same, and that what it took of memory is given back.
+    /// The same, and that what it took of memory is given back. Measured without a manager: each of the thousand
+    /// threads on which clients wait keeps some freed memory for itself while it lives.
     void RunAndExpectMemoryBack(int rate, std::size_t clients) {
-        Run(rate, clients, 200ms); // after which all threads and pools are as large as they get
+        Run(rate, clients, 200ms);
+        EndManager();
         auto const before = GetMemory();
         Run(rate, clients, GetDuration());
+        EndManager();
         auto const after = GetMemory();
         std::cout << "memory before " << before << " MiB, after " << after << " MiB\n";
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // which keep what was set free
-        EXPECT_LT(after, before + 32);
+        EXPECT_LT(after, before + 1);
 #endif
         EXPECT_TRUE(onvif::events::GetSubscriptions().empty());
     }
