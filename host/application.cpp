@@ -38,7 +38,7 @@ constexpr std::array FixedPaths{"identity", RtspPortPath};
 /// How often the queues of the subscriptions are looked at.
 constexpr std::chrono::seconds QueueInterval{1};
 
-std::vector<int> const HandledSignals{SIGTERM, SIGINT, SIGHUP};
+std::vector<int> const EndingSignals{SIGTERM, SIGINT};
 
 /// Threads of the web server: they never wait, so that more than a few would only get into each other's way.
 unsigned CountWebThreads() { return std::clamp(std::thread::hardware_concurrency(), 2U, 4U); }
@@ -60,7 +60,8 @@ std::uint16_t ReadPersistedPort(configuration::node::Root const& root) {
 Application::Application(Preparation prepared)
     : preparation(std::move(prepared)),
       control(1),
-      signals(control, OpenSignals(HandledSignals)),
+      endSignals(control, OpenSignals(EndingSignals)),
+      reloadSignals(control, OpenSignals({SIGHUP})),
       queueTimer(control.get_executor(), QueueInterval, "The queues of the subscriptions were not looked at",
                  [this] { queueWatch.Look(ReadQueuedWarning(*preparation.configuration)); }),
       speaksTls(preparation.tls != nullptr) {
@@ -88,8 +89,8 @@ Application::Application(Preparation prepared)
     manager = std::make_unique<service::onvif::Manager>(
         &authentication, preparation.configuration, [this](std::string const& id) { return engine->Describe(id); },
         ReadIdentity(root));
-    manager->UpdateServerPort(listener.GetPort());
     manager->UpdateSSLState(speaksTls);
+    manager->UpdateServerPort(listener.GetPort()); // last: from now on addresses are told
     mqtt = std::make_unique<events::MqttClient>(zarn::onvif::events::Publish);
     onvif = std::make_shared<web::OnvifRoute>(*manager, authentication);
 
@@ -102,7 +103,8 @@ Application::Application(Preparation prepared)
     ApplyMqtt();
     changes = root.Bind([this](auto const&) { ScheduleApply(); });
     queueTimer.Start();
-    AwaitSignal();
+    AwaitSignals(endSignals, [this](int signal) { End(signal); });
+    AwaitSignals(reloadSignals, [this](int) { Reload(); });
 }
 
 Application::~Application() { Stop(); }
@@ -149,19 +151,18 @@ std::vector<web::Route> Application::MakeRoutes() {
     };
 }
 
-void Application::AwaitSignal() {
-    signals.async_wait(signals.wait_read, [this](boost::system::error_code error) {
+void Application::AwaitSignals(SignalDescriptor& signals, std::function<void(int)> const& handle) {
+    signals.async_wait(signals.wait_read, [this, &signals, handle](boost::system::error_code error) {
         if (error) return;
-        if (auto const signal = ReadSignal(signals.native_handle())) OnSignal(*signal);
-        AwaitSignal();
+        if (auto const signal = ReadSignal(signals.native_handle())) handle(*signal);
+        AwaitSignals(signals, handle);
     });
 }
 
-void Application::OnSignal(int signal) {
-    if (signal == SIGHUP) return Reload();
+void Application::End(int signal) {
     logger.Log(Level::Info, "Stopping: signal %0%", signal);
     // A second one ends the process the system's way, should stopping take too long for somebody.
-    ReleaseSignals({SIGTERM, SIGINT});
+    ReleaseSignals(EndingSignals);
     control.stop();
 }
 

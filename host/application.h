@@ -22,6 +22,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -54,10 +55,12 @@ public:
     void Stop();
 
 private:
+    using SignalDescriptor = boost::asio::posix::stream_descriptor;
+
     void BindPort(char const* path, std::uint16_t bound);
     std::vector<web::Route> MakeRoutes();
-    void AwaitSignal();
-    void OnSignal(int signal);
+    void AwaitSignals(SignalDescriptor& signals, std::function<void(int)> const& handle);
+    void End(int signal);
     void Reload();
     void ScheduleApply();
     void Apply();
@@ -70,7 +73,8 @@ private:
     std::chrono::steady_clock::time_point const started = std::chrono::steady_clock::now();
     Preparation preparation;
     boost::asio::io_context control; ///< run by Run()
-    boost::asio::posix::stream_descriptor signals;
+    SignalDescriptor endSignals;
+    SignalDescriptor reloadSignals; ///< its own, so that a flood of SIGHUP does not keep the others from being read
     ZarnAuthenticationEngine authentication;
     boost::asio::io_context webContext; ///< run by the server's threads; outlives whoever may still complete a response
     std::shared_ptr<FailedLogins> failedLogins = std::make_shared<FailedLogins>();

@@ -14,7 +14,7 @@ void HoldSignals(std::vector<int> const& signals);
 void ReleaseSignals(std::vector<int> const& signals);
 
 /// A descriptor that is readable while one of these signals, which are held, waits; it does not block. However often a
-/// signal comes meanwhile, it waits once, so that no flood of them keeps anybody busy.
+/// signal comes meanwhile, it waits once. Of several that wait the one of the lowest number is read first.
 /// Throws std::system_error when there is none.
 int OpenSignals(std::vector<int> const& signals);
 
