@@ -128,7 +128,7 @@ Schema ChannelsSchema() {
     return Schema::Collection(
         "channels",
         {
-            {"name", "", "The name of the channel", {}, Line()},
+            {"name", "", "The name of the channel; without one its id serves", Option::Optional, Line()},
             {"source", "", "Where the video comes from; empty: the channel is only described", Option::Optional,
              Source()},
             {"user", "", "User name for an rtsp source", Option::Optional},

@@ -28,10 +28,12 @@ unsigned short ReadPort(configuration::node::Root const& root, boost::string_vie
 }
 
 std::string ReadName(configuration::node::Map const& entry) {
-    // One channel that lacks a name must not take the lists of all of them down.
+    auto const node = entry.Find("name");
     bool const isChannel = entry.GetPath() == "channels." + entry.GetKey();
-    if (isChannel && !entry.Find("name")) return entry.GetKey();
-    return ReadValue<std::string>(entry, "name");
+    // One channel that lacks a name must not take the lists of all of them down.
+    if (isChannel && !node) return entry.GetKey();
+    auto const name = ReadValue<std::string>(entry, "name");
+    return isChannel && name.empty() && !node->IsStated() ? entry.GetKey() : name;
 }
 
 } // namespace zarn::service::onvif

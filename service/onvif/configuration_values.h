@@ -22,7 +22,7 @@ inline constexpr char WebPortPath[] = "settings.web_port";
 /// Thread: any; takes no configuration lock.
 unsigned short ReadPort(configuration::node::Root const& root, boost::string_view path);
 
-/// The `name` of a channel entry, or of any other map; for a channel without one its id.
+/// The `name` of a channel entry, or of any other map; for a channel to which nobody gave one its id.
 /// Throws object::BadCast with "zarn.configuration.node.String" when it is missing elsewhere, or not a string.
 std::string ReadName(configuration::node::Map const& entry);
 

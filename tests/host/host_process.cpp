@@ -3,6 +3,7 @@
 #include "host/raw_connection.h"
 
 #include <boost/json/parse.hpp>
+#include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -50,6 +51,8 @@ HostProcess::HostProcess(Options options)
     tls = match[1] == "https";
     port = static_cast<std::uint16_t>(std::stoul(match[2]));
 }
+
+HostProcess::~HostProcess() { EXPECT_EQ(Stop(), 0) << process->GetLog(); }
 
 std::string HostProcess::GetUrl() const {
     return (tls ? "https://127.0.0.1:" : "http://127.0.0.1:") + std::to_string(port);

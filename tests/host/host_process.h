@@ -42,6 +42,12 @@ public:
 
     HostProcess() : HostProcess(Options{}) {}
 
+    /// Has the host end, unless it has already, and expects that it does so well.
+    ~HostProcess();
+
+    HostProcess(HostProcess const&) = delete;
+    HostProcess& operator=(HostProcess const&) = delete;
+
     /// "http://127.0.0.1:PORT", or "https://...".
     std::string GetUrl() const;
 

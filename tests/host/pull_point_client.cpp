@@ -45,10 +45,14 @@ PullPointClient::Call PullPointClient::Ask(std::string const& address, std::stri
     return Send(address, "application/soap+xml; charset=utf-8", MakeEnvelope(operation));
 }
 
+PullPointClient::Answer PullPointClient::TrySubscribe(std::string const& content) const {
+    return Ask(host.GetUrl() + "/onvif/events_service",
+               "<tev:CreatePullPointSubscription>" + content + "</tev:CreatePullPointSubscription>")
+        .Get();
+}
+
 std::string PullPointClient::Subscribe(std::string const& content) const {
-    auto const answer = Ask(host.GetUrl() + "/onvif/events_service",
-                            "<tev:CreatePullPointSubscription>" + content + "</tev:CreatePullPointSubscription>")
-                            .Get();
+    auto const answer = TrySubscribe(content);
     if (answer.status != 200) throw std::runtime_error("no subscription: " + answer.body);
     return GetText(answer, "wsa5:Address");
 }

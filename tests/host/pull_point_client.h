@@ -40,7 +40,10 @@ public:
 
     explicit PullPointClient(HostProcess const& host, Login login = Login::Digest) : host(host), login(login) {}
 
-    /// Creates a subscription with this content of the request and returns its address.
+    /// Asks for a subscription with this content of the request.
+    Answer TrySubscribe(std::string const& content = {}) const;
+
+    /// The same, and returns its address. Throws std::runtime_error when there is none.
     std::string Subscribe(std::string const& content = {}) const;
 
     Answer Pull(std::string const& address, int limit = 100, std::string const& timeout = "PT0S") const;

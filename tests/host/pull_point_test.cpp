@@ -53,6 +53,11 @@ TEST_F(PullPointOverHttp, ShowsInTheStatusWhatNobodyHasFetched) {
     EXPECT_EQ(status(), boost::json::parse(R"({"count": 0, "queued": 0, "list": []})"));
 }
 
+TEST_F(PullPointOverHttp, RefusesAnEndThatIsNoTimeAndLeavesNothingBehind) {
+    EXPECT_EQ(client.TrySubscribe("<tev:InitialTerminationTime>-PT5S</tev:InitialTerminationTime>").status, 500);
+    EXPECT_EQ(host.GetHealth().at("events").at("subscriptions").at("count"), 0);
+}
+
 TEST(PullPointOverHttpOfAHost, WarnsOfMoreThanMayWait) {
     HostProcess host({.arguments = {"--set", "settings.events.queued_warning=1"}});
     PullPointClient const client(host);

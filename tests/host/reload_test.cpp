@@ -73,6 +73,18 @@ TEST_F(Reload, ChangesAChannel) {
     EXPECT_TRUE(Await([&] { return host.GetHealth().at("channels").at(0).at("width") == 320; }));
 }
 
+TEST_F(Reload, CallsAChannelByItsIdUntilItHasAName) {
+    auto const tells = [&](std::string const& name) {
+        constexpr auto* Operation = R"(m:GetVideoSourceConfigurations xmlns:m="http://www.onvif.org/ver10/media/wsdl")";
+        auto const reply = RawConnection(host.GetPort()).Exchange(MakeSoapRequest(Operation));
+        return reply.body.find("<tt:Name>" + name + "</tt:Name>") != std::string::npos;
+    };
+    Write(Configure(R"("7": {"video": {"width": 8}})"));
+    EXPECT_TRUE(Await([&] { return tells("7"); }));
+    Write(Configure(R"("7": {"video": {"width": 8}, "name": "Gate"})"));
+    EXPECT_TRUE(Await([&] { return tells("Gate"); }));
+}
+
 TEST_F(Reload, ChangesLimits) {
     Write(Configure("", R"(, "limits": {"body_bytes": 1024})"));
     std::string const request =
