@@ -1,5 +1,6 @@
 # zarn_add_tests(NAME name SOURCES a.cpp... [LIBRARIES lib...] [LABELS label...] [TIMEOUT seconds])
-# One GoogleTest executable; every test case is a ctest of its own, run in a process of its own.
+# One GoogleTest executable; every test case is a ctest of its own, run in a process of its own. Tests labelled "video" keep
+# up with the clock while they decode and encode: they count for two processors.
 function(zarn_add_tests)
   cmake_parse_arguments(arg "" "NAME;TIMEOUT" "SOURCES;LIBRARIES;LABELS" ${ARGN})
   find_package(GTest REQUIRED)
@@ -10,5 +11,10 @@ function(zarn_add_tests)
   if(NOT arg_TIMEOUT)
     set(arg_TIMEOUT 120)
   endif()
-  gtest_discover_tests(${arg_NAME} NO_PRETTY_VALUES DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT ${arg_TIMEOUT} LABELS "${arg_LABELS}")
+  set(processors 1)
+  if("video" IN_LIST arg_LABELS)
+    set(processors 2)
+  endif()
+  gtest_discover_tests(${arg_NAME} NO_PRETTY_VALUES DISCOVERY_MODE PRE_TEST
+    PROPERTIES TIMEOUT ${arg_TIMEOUT} LABELS "${arg_LABELS}" PROCESSORS ${processors})
 endfunction()

@@ -54,13 +54,12 @@ TEST_F(EngineStream, ServesOverUdp) {
 }
 
 TEST_F(EngineStream, GoesOnInRealTime) {
+    auto const begin = std::chrono::steady_clock::now();
     engine->SetChannels({From("1", Small)});
     ASSERT_TRUE(WaitForState("1", ChannelState::Running));
-    Viewer viewer(GetUrl("1"));
-    for (int count = 0; count < 10; ++count) ASSERT_TRUE(viewer.Next()); // what was kept from before comes faster
-    auto const begin = std::chrono::steady_clock::now();
-    for (int count = 0; count < 10; ++count) ASSERT_TRUE(viewer.Next());
-    EXPECT_GE(std::chrono::steady_clock::now() - begin, 700ms);
+    Viewer viewer(GetUrl("1")); // what was kept from before comes faster
+    for (int count = 0; count < 20; ++count) ASSERT_TRUE(viewer.Next());
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, 1800ms);
 }
 
 TEST_F(EngineStream, ShowsEveryViewerItsFirstPictureSoon) {
