@@ -20,6 +20,8 @@ public:
     /// Always null: services are made afresh for every request, never cloned.
     RuleEngineBindingService* copy() override;
 
+    // The operations; what they have in common stands at URIBase.
+
     int GetServiceCapabilities(_tan__GetServiceCapabilities* request,
                                _tan__GetServiceCapabilitiesResponse& response) override;
     int GetSupportedAnalyticsModules(_tan__GetSupportedAnalyticsModules* request,

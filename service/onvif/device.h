@@ -46,6 +46,8 @@ public:
     /// Always null: services are made afresh for every request, never cloned.
     DeviceBindingService* copy() override;
 
+    // The operations; what they have in common stands at URIBase.
+
     int GetServices(_tds__GetServices* request, _tds__GetServicesResponse& response) override;
     int GetServiceCapabilities(_tds__GetServiceCapabilities* request,
                                _tds__GetServiceCapabilitiesResponse& response) override;

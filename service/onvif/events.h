@@ -46,6 +46,8 @@ public:
     /// Always null: services are made afresh for every request, never cloned.
     PullPointSubscriptionBindingService* copy() override;
 
+    // The operations; what they have in common stands at URIBase.
+
     int CreatePullPointSubscription(_tev__CreatePullPointSubscription* request,
                                     _tev__CreatePullPointSubscriptionResponse& response) override;
     int PullMessages(_tev__PullMessages* request, _tev__PullMessagesResponse& response) override;

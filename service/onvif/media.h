@@ -23,6 +23,8 @@ public:
     /// Always null: services are made afresh for every request, never cloned.
     MediaBindingService* copy() override;
 
+    // The operations; what they have in common stands at URIBase.
+
     int GetServiceCapabilities(_trt__GetServiceCapabilities* request,
                                _trt__GetServiceCapabilitiesResponse& response) override;
     int GetVideoSources(_trt__GetVideoSources* request, _trt__GetVideoSourcesResponse& response) override;

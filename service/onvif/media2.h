@@ -23,6 +23,8 @@ public:
     /// Always null: services are made afresh for every request, never cloned.
     Media2BindingService* copy() override;
 
+    // The operations; what they have in common stands at URIBase.
+
     int GetServiceCapabilities(_tr2__GetServiceCapabilities* request,
                                _tr2__GetServiceCapabilitiesResponse& response) override;
     int GetProfiles(_tr2__GetProfiles* request, _tr2__GetProfilesResponse& response) override;
