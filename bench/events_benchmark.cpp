@@ -11,6 +11,7 @@
 #include <zarn/onvif/events/subscription_gauge.h>
 
 #include <benchmark/benchmark.h>
+#include <malloc.h>
 
 #include <chrono>
 #include <memory>
@@ -61,21 +62,32 @@ private:
     service::onvif::Manager manager{&engine, std::make_shared<configuration::node::Root>(), nullptr, {}};
 };
 
+/// What of the heap is in use, in bytes.
+double GetMemory() {
+    auto const heap = mallinfo2();
+    return static_cast<double>(heap.uordblks + heap.hblkhd);
+}
+
 void QueueEvent(benchmark::State& state) {
     Subscriptions subscriptions(state.range(0));
     auto const event = std::make_shared<meta::data::Event>("presence", "rule", std::chrono::system_clock::now());
+    auto memory = GetMemory();
+    double taken = 0; // by the events of a batch, in bytes
     int queued = 0;
     for ([[maybe_unused]] auto _ : state) {
         onvif::events::Publish(event);
         if (++queued % Batch != 0) continue;
         state.PauseTiming();
+        taken = GetMemory() - memory;
         subscriptions.Empty();
+        memory = GetMemory();
         state.ResumeTiming();
     }
     state.SetItemsProcessed(state.iterations() * state.range(0));
     state.counters["per event and subscription"] =
         benchmark::Counter(static_cast<double>(state.iterations() * state.range(0)),
                            benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+    state.counters["bytes per event and subscription"] = taken / Batch / static_cast<double>(state.range(0));
 }
 
 BENCHMARK(QueueEvent)->Arg(1)->Arg(10)->Arg(100)->Arg(1000)->Iterations(20000)->UseRealTime();

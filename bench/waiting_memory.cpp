@@ -1,6 +1,7 @@
 // waiting_memory bare|module COUNT: the resident memory that each of so many waiting exchanges takes, in KiB. Bare is a
 // gSOAP exchange that has read its request and waits, on a thread of its own: context, digest plugin, streams and one
-// service. The module's are PullMessages through Manager::Post.
+// service. The module's are PullMessages through Manager::Post; before them comes the resident memory of the whole
+// process, which is the module and the host's libraries alone.
 
 #include "post.h"
 
@@ -83,6 +84,7 @@ double MeasureModule(int count) {
     auto const path =
         "/onvif/events_service/Subscription?Idx=" + std::to_string(onvif::events::GetSubscriptions().front().id);
     auto const before = ReadResidentKilobytes();
+    std::cout << "process " << before << '\n';
     std::vector<std::shared_ptr<web::response::Pending>> pending;
     for (int i = 0; i < count; ++i) pending.push_back(manager.Post(std::make_shared<bench::Request>(Pull, path)));
     // All of them wait when nothing has changed for a while.

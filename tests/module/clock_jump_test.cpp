@@ -1,0 +1,94 @@
+#include "pull_point_fixture.h"
+
+#include <gmock/gmock.h>
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <chrono>
+#include <ctime>
+#include <future>
+#include <thread>
+
+namespace {
+
+/// How far the system clock has jumped, in seconds.
+std::atomic<std::time_t> jump = 0;
+
+} // namespace
+
+/// Takes the place of the C library's: the system clock of this process jumps, all others go on.
+extern "C" int clock_gettime(clockid_t clock, timespec* time) noexcept {
+    auto const status = static_cast<int>(syscall(SYS_clock_gettime, clock, time));
+    if (status == 0 && clock == CLOCK_REALTIME) time->tv_sec += jump;
+    return status;
+}
+
+namespace zarn::test {
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+
+constexpr std::time_t Year = 365 * 86400;
+
+/// What the process has used of processors.
+std::chrono::microseconds GetProcessorTime() {
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    auto const span = [](timeval const& value) {
+        return std::chrono::seconds(value.tv_sec) + std::chrono::microseconds(value.tv_usec);
+    };
+    return span(usage.ru_utime) + span(usage.ru_stime);
+}
+
+/// By how much it jumps.
+class ClockJump : public PullPointFixture, public testing::WithParamInterface<std::time_t> {
+protected:
+    void SetUp() override {
+        auto const before = std::chrono::system_clock::now();
+        jump = 3600;
+        auto const after = std::chrono::system_clock::now();
+        jump = 0;
+        ASSERT_GT(after - before, 30min) << "the clock of this process cannot be moved";
+    }
+
+    ~ClockJump() override { jump = 0; }
+};
+
+TEST_P(ClockJump, ChangesNothingOfHowLongAClientWaits) {
+    auto const path = Subscribe(Termination("9999-01-01T00:00:00Z"));
+    auto const begin = Clock::now();
+    auto reply = PullLater(path, "PT0.5S");
+    EXPECT_EQ(reply.wait_for(50ms), std::future_status::timeout);
+    jump = GetParam();
+    ASSERT_EQ(reply.wait_for(20s), std::future_status::ready);
+    EXPECT_EQ(reply.get().status, 200);
+    EXPECT_GE(Clock::now() - begin, 500ms);
+}
+
+TEST_P(ClockJump, LetsAWaitingClientGetItsEvent) {
+    auto reply = PullLater(Subscribe(Termination("9999-01-01T00:00:00Z")), "PT1H");
+    EXPECT_EQ(reply.wait_for(50ms), std::future_status::timeout);
+    jump = GetParam();
+    Publish(MakeFieldEvent("Gate"));
+    ASSERT_EQ(reply.wait_for(20s), std::future_status::ready);
+    EXPECT_THAT(GetRules(reply.get()), testing::ElementsAre("Gate"));
+}
+
+TEST_P(ClockJump, KeepsNobodyBusy) {
+    auto const path = Subscribe(Termination("9999-01-01T00:00:00Z"));
+    auto reply = PullLater(path, "PT0.5S");
+    Subscribe(Termination("PT1H"));
+    jump = GetParam();
+    auto const before = GetProcessorTime();
+    ASSERT_EQ(reply.wait_for(20s), std::future_status::ready);
+    EXPECT_LT(GetProcessorTime() - before, 250ms);
+}
+
+INSTANTIATE_TEST_SUITE_P(ByAYear, ClockJump, testing::Values(-Year, Year),
+                         [](auto const& tested) { return tested.param < 0 ? "Back" : "Ahead"; });
+
+} // namespace
+} // namespace zarn::test
