@@ -115,6 +115,8 @@ TEST(DiscoveryBase, AnswersOneProbeAfterTheOther) {
 
 TEST(DiscoveryBase, SendsNothingToTheGroup) {
     OnOwnNetwork([] {
+        // What an unbound socket sends to the group would not get anywhere without.
+        ASSERT_TRUE(network::Ip("route add 239.255.255.250/32 dev lo src 127.0.0.1"));
         Responder const responder;
         Peer const client("127.0.0.1");
         Peer const bystander("239.255.255.250", client.GetPort());
