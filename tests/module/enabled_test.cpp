@@ -228,11 +228,15 @@ TEST_F(EnabledSetting, MayChangeWhileTheManagerGoes) {
         std::jthread const other([&](std::stop_token const& over) {
             for (; !over.stop_requested(); ++changes) Setting().Set(changes % 2 == 0);
         });
+        auto const awaitChanges = [&] {
+            for (unsigned const before = changes; changes < before + 2;) std::this_thread::yield();
+        };
         for (int i = 0; i < Managers; ++i) {
             std::optional<service::onvif::Manager> device;
             device.emplace(&engine, root, channelInfo, identity);
-            for (unsigned const before = changes; changes < before + 2;) std::this_thread::yield();
+            awaitChanges();
             device.reset();
+            awaitChanges();
             EXPECT_NO_THROW(PortHolder()) << "somebody still listens for probes";
         }
     });

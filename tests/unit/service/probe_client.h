@@ -28,7 +28,10 @@ inline void OnOwnNetwork(std::function<void()> const& work) {
         ASSERT_TRUE(network::Ip("link set lo up multicast on"));
         work();
     });
-    if (!entered) GTEST_SKIP() << "no network namespace may be made here: " << std::strerror(errno);
+    if (!entered) {
+        GTEST_SKIP() << "no network namespace may be made here: " << std::strerror(errno)
+                     << "; `unshare --map-root-user` before the command may help";
+    }
 }
 
 /// A probe of WS-Discovery 2005/04 for ONVIF devices.
