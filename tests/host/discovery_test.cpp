@@ -1,18 +1,26 @@
 #include "host/host_process.h"
+#include "unit/platform/onvif/discovery/probe.h"
 #include "unit/platform/protocol/network/udp/hosts.h"
 #include "unit/service/probe_client.h"
 
 #include <boost/system/system_error.hpp>
 #include <gmock/gmock.h>
+#include <sched.h>
+#include <sys/mount.h>
 
+#include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <filesystem>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
+#include <system_error>
 #include <thread>
+#include <utility>
+#include <vector>
 
 namespace zarn::tests::host {
 namespace {
@@ -21,7 +29,10 @@ using namespace std::chrono_literals;
 using testing::HasSubstr;
 using zarn::test::Host;
 using zarn::test::MakeProbe;
+using zarn::test::Probe;
 using zarn::test::ProbeClient;
+using zarn::test::ProbeForScopes;
+using zarn::test::ProbeForTypes;
 
 std::string Configure(bool enabled, std::string const& location = "Hall", std::uint16_t webPort = 0) {
     return R"({"identity": {"location": ")" + location + R"("}, "settings": {"rtsp_port": 0, "web_port": )" +
@@ -29,8 +40,8 @@ std::string Configure(bool enabled, std::string const& location = "Hall", std::u
 }
 
 /// Waits until the condition holds; false when it does not within a time that is plenty.
-bool Await(std::function<bool()> const& condition) {
-    auto const deadline = std::chrono::steady_clock::now() + 40s;
+bool Await(std::function<bool()> const& condition, std::chrono::seconds limit = 40s) {
+    auto const deadline = std::chrono::steady_clock::now() + limit;
     while (!condition()) {
         if (std::chrono::steady_clock::now() > deadline) return false;
         std::this_thread::sleep_for(10ms);
@@ -48,11 +59,30 @@ void Connect(Host const& left, std::string const& leftDevice, Host const& right,
     Ip(right, "link set " + rightDevice + " up");
 }
 
+/// Lets the programs that this thread starts see another content of a file.
+void Replace(std::string const& file, std::string const& content) {
+    if (unshare(CLONE_NEWNS) != 0 || mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+        mount(content.c_str(), file.c_str(), nullptr, MS_BIND, nullptr) != 0)
+        throw std::system_error(errno, std::generic_category(), file);
+}
+
+/// What stands between two texts in an answer.
+std::string Between(std::string const& answer, std::string const& left, std::string const& right) {
+    auto const found = answer.find(left);
+    if (found == std::string::npos) return "";
+    auto const begin = found + left.size();
+    return answer.substr(begin, answer.find(right, begin) - begin);
+}
+
+std::string GetEndpointReference(std::string const& answer) {
+    return "urn:uuid:" + Between(answer.substr(answer.find("EndpointReference")), "urn:uuid:", "<");
+}
+
 /// A network of two machines: 10.9.0.1, where the host runs, and 10.9.0.2, where its clients are.
 class DiscoveredHost : public testing::Test {
 protected:
     void SetUp() override {
-        if (!server.Exists()) GTEST_SKIP() << "no network namespace may be made here";
+        if (!server.Exists()) GTEST_SKIP() << "no network namespace may be made here: " << server.WhyNot();
         Ip(server, "link set lo up");
         Ip(client, "link set lo up");
         Connect(server, "lan", client, "lan");
@@ -83,8 +113,8 @@ protected:
         return answer;
     }
 
-    bool AwaitDiscovery(std::string const& part) {
-        return Await([&] { return Discover().find(part) != std::string::npos; });
+    bool AwaitDiscovery(std::string const& part, std::chrono::seconds limit = 40s) {
+        return Await([&] { return Discover().find(part) != std::string::npos; }, limit);
     }
 
     /// Whether nobody listens for probes on the host's machine.
@@ -128,10 +158,10 @@ TEST_F(DiscoveredHost, AppearsAndDisappearsWithItsSetting) {
     Start(false);
     EXPECT_EQ(Discover(), "");
     Reload(Configure(true));
-    EXPECT_TRUE(AwaitDiscovery("ProbeMatch"));
+    EXPECT_TRUE(AwaitDiscovery("ProbeMatch", 3s));
     server.Run([&] { EXPECT_TRUE(host->GetHealth().at("module").at("enabled").as_bool()); });
     Reload(Configure(false));
-    EXPECT_TRUE(Await([&] { return IsPortFree(); }));
+    EXPECT_TRUE(Await([&] { return IsPortFree(); }, 3s));
     EXPECT_EQ(Discover(), "");
     server.Run([&] { EXPECT_FALSE(host->GetHealth().at("module").at("enabled").as_bool()); });
 }
@@ -151,8 +181,7 @@ TEST_F(DiscoveredHost, KeepsItsEndpointReferenceOverRestarts) {
     auto const reference = [&] {
         std::string answer;
         EXPECT_TRUE(Await([&] { return !(answer = Discover()).empty(); }));
-        auto const begin = answer.find("urn:uuid:", answer.find("EndpointReference"));
-        return answer.substr(begin, answer.find('<', begin) - begin);
+        return GetEndpointReference(answer);
     };
     Start(true);
     auto const first = reference();
@@ -204,20 +233,75 @@ TEST_F(DiscoveredHost, LeavesOthersOfItsNetworkToAnswerForThemselves) {
         Ip(client, command);
     Start(true);
     std::unique_ptr<HostProcess> other;
-    second.Run(
-        [&] { other = std::make_unique<HostProcess>(HostProcess::Options{.configuration = Configure(true, "Yard")}); });
-    std::set<std::string> found;
+    second.Run([&] {
+        TemporaryFolder const identity;
+        constexpr char MachineId[] = "/etc/machine-id"; // without one the hardware addresses tell machines apart
+        if (std::filesystem::exists(MachineId))
+            Replace(MachineId, identity.Write("machine-id", "0123456789abcdef0123456789abcdef\n"));
+        other = std::make_unique<HostProcess>(HostProcess::Options{.configuration = Configure(true, "Yard")});
+    });
+    std::map<std::string, std::string> found; // endpoint references by addresses
     client.Run([&] {
         ProbeClient probe("10.9.0.2");
         EXPECT_TRUE(Await([&] {
             probe.Send(MakeProbe("urn:uuid:1"));
             while (auto const answer = probe.Receive(200ms)) {
                 for (auto const* address : {"http://10.9.0.1:", "http://10.9.0.3:"})
-                    if (answer->find(address) != std::string::npos) found.insert(address);
+                    if (answer->find(address) != std::string::npos) found[address] = GetEndpointReference(*answer);
             }
             return found.size() == 2;
         }));
     });
+    EXPECT_NE(found["http://10.9.0.1:"], found["http://10.9.0.3:"]);
+}
+
+TEST_F(DiscoveredHost, AnswersThoseProbesOfAnotherMachineThatAskForIt) {
+    constexpr char Strcmp[] = "MatchBy='http://schemas.xmlsoap.org/ws/2005/04/discovery/strcmp0'";
+    std::vector<std::pair<std::string, Probe>> const asking{
+        {"either type", ProbeForTypes("dn:NetworkVideoTransmitter tds:Device")},
+        {"one of several types", ProbeForTypes("dn:Recorder\n\ttds:Device")},
+        {"no type", {.body = "<d:Probe/>"}},
+        {"other prefix",
+         {.body = "<d:Probe><d:Types xmlns:x='http://www.onvif.org/ver10/network/wsdl'>x:NetworkVideoTransmitter"
+                  "</d:Types></d:Probe>"}},
+        {"scopes", ProbeForScopes("onvif://www.onvif.org/Profile/Streaming onvif://www.onvif.org/location/Hall")},
+        {"exact scope", ProbeForScopes("onvif://www.onvif.org/type/video_encoder", Strcmp)},
+        {"newer addressing", {.addressing = "http://www.w3.org/2005/08/addressing"}},
+    };
+    std::vector<std::string> const silent{
+        ProbeForTypes("dn:NetworkVideoDisplay").ToString(),
+        ProbeForScopes("onvif://www.onvif.org/Profile/G").ToString(),
+        ProbeForScopes("onvif://www.onvif.org/type", Strcmp).ToString(),
+        Probe{.discovery = "http://docs.oasis-open.org/ws-dd/ns/discovery/2009/01"}.ToString(),
+        Probe{.action = "", .body = "<d:Hello/>"}.ToString(),
+        "",
+        std::string("\0\xff\r\n<", 5),
+        std::string(1400, '<'),
+        MakeProbe("urn:uuid:1").substr(0, 400),
+    };
+    Start(true);
+    ASSERT_TRUE(AwaitDiscovery("ProbeMatch"));
+    std::vector<std::string> expected;
+    std::vector<std::string> answered;
+    client.Run([&] {
+        ProbeClient probe("10.9.0.2");
+        for (std::size_t i = 0; i < silent.size(); ++i) {
+            probe.Send(silent[i]);
+            if (i >= asking.size()) continue;
+            auto message = asking[i].second;
+            message.id = "<a:MessageID>" + asking[i].first + "</a:MessageID>";
+            probe.Send(message.ToString());
+            expected.push_back(asking[i].first);
+        }
+        probe.Send(MakeProbe("the last"));
+        expected.emplace_back("the last");
+        while (answered.empty() || answered.back() != expected.back()) {
+            auto const answer = probe.Receive();
+            if (!answer) break;
+            answered.push_back(Between(*answer, "RelatesTo>", "<"));
+        }
+    });
+    EXPECT_EQ(answered, expected);
 }
 
 TEST_F(DiscoveredHost, AnswersNetworksThatItIsNotConnectedToOnlyWhenItIsTold) {

@@ -138,6 +138,23 @@ TEST_F(GeneratedEventsClient, WaitsForWhatIsPosted) {
     EXPECT_THAT(GetItems(*messages[0], "tt:Source"), ElementsAre("VideoSource=channels.4294967295", "Rule=Gate"));
 }
 
+TEST_F(GeneratedEventsClient, IsToldWhenItsSubscriptionExpiresWhileItWaits) {
+    auto const begin = std::chrono::steady_clock::now();
+    std::string const address = Subscribe("", "PT1S").SubscriptionReference.Address;
+    _tev__PullMessages request;
+    request.Timeout = "PT1M";
+    request.MessageLimit = 10;
+    _tev__PullMessagesResponse messages;
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(client.Call(address, &Proxy::PullMessages, request, messages), SOAP_CLI_FAULT);
+        EXPECT_STREQ(soap_fault_string(client.GetContext()), "Subscription ID not found");
+        EXPECT_STREQ(soap_fault_subcode(client.GetContext()), "ter:InvalidArgVal");
+        auto const elapsed = std::chrono::steady_clock::now() - begin;
+        EXPECT_THAT(elapsed, AllOf(Ge(900ms), Le(20s)));
+    }
+    Ask(address, &Proxy::Unsubscribe);
+}
+
 TEST_F(GeneratedEventsClient, RenewsAndUnsubscribes) {
     std::string const address =
         Subscribe("tns1:RuleEngine/FieldDetector/ObjectsInside", "2061-07-28T12:30:00Z").SubscriptionReference.Address;

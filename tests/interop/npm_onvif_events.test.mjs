@@ -124,6 +124,40 @@ for (const useWSSecurity of [true, false]) {
         });
     });
 
+    test(`two clients of npm onvif ${useWSSecurity ? 'with' : 'without'} its WS-Security header each hear everything`, async () => {
+        const clients = [];
+        for (let i = 0; i < 2; ++i) {
+            const cam = await connect({useWSSecurity});
+            const heard = {cam, rules: [], failures: []};
+            cam.on('eventsError', error => heard.failures.push(error));
+            cam.on('event', message => heard.rules.push(ruleOf(message)));
+            clients.push(heard);
+        }
+        const [first, second] = clients;
+        await until(() => clients.every(({cam}) => cam.events.subscription), 'for both subscriptions');
+        assert.notEqual(pathOf(first.cam), pathOf(second.cam));
+        await postEvents(host, ['one', 'two', 'three'].map(inField));
+        await until(() => clients.every(({rules}) => rules.length >= 3), 'for three events each');
+        // The end of one is none of the other's business.
+        const path = pathOf(first.cam);
+        first.cam.removeAllListeners('event');
+        await until(async () => {
+            await postEvents(host, inField('meanwhile'));
+            return !await isAlive(path);
+        }, 'for the end of the first subscription');
+        await postEvents(host, inField('last'));
+        await until(() => second.rules.at(-1) === 'last', 'for the last event');
+        assert.deepEqual(first.rules, ['one', 'two', 'three']);
+        assert.deepEqual(second.rules.filter(rule => rule !== 'meanwhile'), ['one', 'two', 'three', 'last']);
+        for (const {failures} of clients) assert.deepEqual(failures, []);
+        const other = pathOf(second.cam);
+        second.cam.removeAllListeners('event');
+        await until(async () => {
+            await postEvents(host, inField('unheard'));
+            return !await isAlive(other);
+        }, 'for the end of the second subscription');
+    });
+
     test(`npm onvif ${useWSSecurity ? 'with' : 'without'} its WS-Security header gets no subscription with a wrong password`, async () => {
         const client = await connect({useWSSecurity});
         client.password = 'wrong';

@@ -12,34 +12,34 @@ const namespaces = {
 
 const md5 = text => createHash('md5').update(text).digest('hex');
 
-function answer(challenge, uri) {
+function answer(challenge, uri, secret) {
     const value = name => new RegExp(`${name}="([^"]*)"`).exec(challenge)[1];
     const [realm, nonce] = [value('realm'), value('nonce')];
     const cnonce = randomBytes(8).toString('hex');
     const nc = '00000001';
-    const response = md5([md5(`admin:${realm}:${password}`), nonce, nc, cnonce, 'auth', md5(`POST:${uri}`)].join(':'));
+    const response = md5([md5(`admin:${realm}:${secret}`), nonce, nc, cnonce, 'auth', md5(`POST:${uri}`)].join(':'));
     return `Digest username="admin", realm="${realm}", nonce="${nonce}", uri="${uri}", algorithm=MD5, qop=auth, ` +
         `nc=${nc}, cnonce="${cnonce}", response="${response}"`;
 }
 
 // Posts a body, with HTTP digest when the host asks for it, and returns {status, text}. The path may have a query.
-export async function post(host, path, type, body) {
+export async function post(host, path, type, body, secret = password) {
     const send = headers => fetch(new URL(path, host.url), {
         method: 'POST', body, headers: {'Content-Type': type, ...headers},
     });
     let response = await send({});
     if (response.status === 401) {
         await response.arrayBuffer();
-        response = await send({Authorization: answer(response.headers.get('www-authenticate'), path)});
+        response = await send({Authorization: answer(response.headers.get('www-authenticate'), path, secret)});
     }
     return {status: response.status, text: await response.text()};
 }
 
-export function ask(host, operation, {header = '', path = '/onvif/device_service'} = {}) {
+export function ask(host, operation, {header = '', path = '/onvif/device_service', secret} = {}) {
     const declarations = Object.entries(namespaces).map(([prefix, uri]) => ` xmlns:${prefix}="${uri}"`).join('');
     const body = `<?xml version="1.0" encoding="UTF-8"?><s:Envelope xmlns:s="http://www.w3.org/2003/05/soap-envelope"${declarations}>` +
         `${header && `<s:Header>${header}</s:Header>`}<s:Body>${operation}</s:Body></s:Envelope>`;
-    return post(host, path, 'application/soap+xml; charset=utf-8', body);
+    return post(host, path, 'application/soap+xml; charset=utf-8', body, secret);
 }
 
 // Hands events to the host as an analytics program does; they are in the queues of the subscriptions then.

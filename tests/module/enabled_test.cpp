@@ -13,6 +13,8 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
+#include <optional>
 #include <thread>
 
 namespace zarn::test {
@@ -48,9 +50,13 @@ protected:
 };
 
 TEST_F(EnabledSetting, IsFalseInAFreshConfiguration) {
+    Manager();
+    EXPECT_FALSE(Setting().Get());
+}
+
+TEST_F(EnabledSetting, LeavesTheDeviceSilentInAFreshConfiguration) {
     OnOwnNetwork([&] {
         Manager();
-        EXPECT_FALSE(Setting().Get());
         EXPECT_FALSE(ProbeClient().FindsAnybody(300ms));
     });
 }
@@ -97,22 +103,18 @@ TEST_F(EnabledSetting, StartsOneResponderWhenItIsSetTwice) {
 }
 
 TEST_F(EnabledSetting, LogsEachTimeThatItIsSetToFalse) {
-    OnOwnNetwork([&] {
-        Manager();
-        Setting().Set(true);
-        logging::Capture const log;
-        Setting().Set(false);
-        Setting().Set(false);
-        EXPECT_EQ(Count(log, Stopping), 2);
-    });
+    Manager();
+    Setting().Set(true); // whether the port can be had or not
+    logging::Capture const log;
+    Setting().Set(false);
+    Setting().Set(false);
+    EXPECT_EQ(Count(log, Stopping), 2);
 }
 
 TEST_F(EnabledSetting, LeavesRequestsServed) {
-    OnOwnNetwork([&] {
-        EXPECT_EQ(Ask("<trt:GetProfiles/>").status, 200);
-        Setting().Set(true);
-        EXPECT_EQ(Ask("<trt:GetProfiles/>").status, 200);
-    });
+    EXPECT_EQ(Ask("<trt:GetProfiles/>").status, 200);
+    Setting().Set(true); // whether the port can be had or not
+    EXPECT_EQ(Ask("<trt:GetProfiles/>").status, 200);
 }
 
 TEST_F(EnabledSetting, MustBeABoolean) {
@@ -191,6 +193,51 @@ TEST_F(EnabledSetting, LosesNothingThatTheHostTellsWhileItStarts) {
             EXPECT_THAT(client.Receive().value_or(""),
                         HasSubstr((port % 2 == 0 ? "https" : "http") + ("://127.0.0.1:" + std::to_string(port)) + "/"));
             Setting().Set(false);
+        }
+    });
+}
+
+TEST_F(EnabledSetting, ChangesInAFloodOfProbes) {
+    constexpr int Changes = 200;
+    OnOwnNetwork([&] {
+        Manager();
+        logging::Capture const log;
+        Flood const flood;
+        int changed = 0;
+        auto const deadline = std::chrono::steady_clock::now() + 60s;
+        for (; (changed < Changes || flood.CountAnswers() == 0) && std::chrono::steady_clock::now() < deadline;
+             ++changed) {
+            Setting().Set(true);
+            if (changed % 2 == 0) std::this_thread::yield();
+            Setting().Set(false);
+        }
+        EXPECT_GE(changed, Changes);
+        EXPECT_GT(flood.CountAnswers(), 0) << "the flood was not answered";
+        EXPECT_EQ(Count(log, Starting), changed);
+        EXPECT_EQ(Count(log, Stopping), changed);
+        EXPECT_FALSE(log.Contains("Failed to start"));
+        EXPECT_NO_THROW(PortHolder());
+    });
+}
+
+TEST_F(EnabledSetting, MayChangeWhileTheManagerGoes) {
+    constexpr int Managers = 50;
+    OnOwnNetwork([&] {
+        { auto const device = MakeManager(); } // describes the setting
+        std::atomic<unsigned> changes = 0;
+        std::jthread const other([&](std::stop_token const& over) {
+            for (; !over.stop_requested(); ++changes) Setting().Set(changes % 2 == 0);
+        });
+        auto const awaitChanges = [&] {
+            for (unsigned const before = changes; changes < before + 2;) std::this_thread::yield();
+        };
+        for (int i = 0; i < Managers; ++i) {
+            std::optional<service::onvif::Manager> device;
+            device.emplace(&engine, root, channelInfo, identity);
+            awaitChanges();
+            device.reset();
+            awaitChanges();
+            EXPECT_NO_THROW(PortHolder()) << "somebody still listens for probes";
         }
     });
 }

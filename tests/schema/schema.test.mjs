@@ -88,6 +88,13 @@ const responses = [
     ['<tan:GetSupportedMetadata/>', []],
 ];
 
+// [what, operation, status, fault, password]: what is refused is described by the schema of SOAP.
+const refused = [
+    ['an operation of media2 that is not served', '<tr2:GetOSDs/>', 500, 'Not supported'],
+    ['an operation of analytics that is not served', '<tan:GetRules/>', 500, 'Not supported'],
+    ['a wrong password', '<tds:GetUsers/>', 401, 'Error 401: HTTP 401 Unauthorized', 'wrong'],
+];
+
 // What the host is told: every kind of event that has a message.
 const rows = [
     ...['presence', 'direction', 'directional-crossing', 'enter', 'exit', 'appear', 'disappear', 'tailgating', 'fall', 'and', 'not', 'or']
@@ -155,6 +162,14 @@ if (!wsdl) {
     };
     for (const [operation, deviations] of responses) {
         test(operation, async () => expect((await ask(host, operation, {header})).text, deviations));
+    }
+    for (const [what, operation, status, fault, secret] of refused) {
+        test(what, async () => {
+            const answer = await ask(host, operation, {header, secret});
+            assert.equal(answer.status, status);
+            assert.match(answer.text, new RegExp(`Text[^>]*>${fault}<`));
+            await expect(answer.text, []);
+        });
     }
     const subscribe = async () => {
         const {text} = await ask(host, '<tev:CreatePullPointSubscription/>');

@@ -1,3 +1,5 @@
+#include "unit/platform/protocol/network/udp/failing_socket.h"
+#include "unit/platform/protocol/network/udp/peer.h"
 #include "unit/service/probe_client.h"
 
 #include <service/onvif/discovery_base.h>
@@ -7,8 +9,12 @@
 #include <sys/resource.h>
 
 #include <atomic>
+#include <cerrno>
 #include <chrono>
+#include <cstddef>
+#include <cstring>
 #include <memory>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -16,10 +22,14 @@ namespace zarn::service::onvif {
 namespace {
 
 using namespace std::chrono_literals;
+using test::FailingSocket;
+using test::Flood;
 using test::MakeProbe;
 using test::OnOwnNetwork;
+using test::Peer;
 using test::PortHolder;
 using test::ProbeClient;
+using testing::Each;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;
@@ -51,6 +61,10 @@ private:
     std::string const location;
 };
 
+constexpr char Failed[] = "16 Failed to start Onvif discovery service: Failed to receive at UDP port 3702 for group "
+                          "239.255.255.250: ";
+std::string const FailedAsThePortIsHeld = Failed + std::string("Address already in use");
+
 /// "level text" of the lines of the responder.
 std::vector<std::string> LinesOf(logging::Capture const& log) {
     std::vector<std::string> lines;
@@ -59,6 +73,13 @@ std::vector<std::string> LinesOf(logging::Capture const& log) {
             lines.push_back(std::to_string(static_cast<int>(line.level)) + ' ' + line.text);
     }
     return lines;
+}
+
+/// Waits until the responder has written as many lines; false when it does not come to that within 10 seconds.
+bool AwaitLines(logging::Capture const& log, std::size_t count) {
+    auto const deadline = std::chrono::steady_clock::now() + 10s;
+    while (LinesOf(log).size() < count && std::chrono::steady_clock::now() < deadline) std::this_thread::sleep_for(1ms);
+    return LinesOf(log).size() >= count;
 }
 
 TEST(DiscoveryBase, AnswersAProbeOfTheGroupAtItsSource) {
@@ -89,6 +110,24 @@ TEST(DiscoveryBase, AnswersOneProbeAfterTheOther) {
             ASSERT_TRUE(answer);
             EXPECT_THAT(*answer, HasSubstr(id));
         }
+    });
+}
+
+TEST(DiscoveryBase, SendsNothingToTheGroup) {
+    OnOwnNetwork([] {
+        // What an unbound socket sends to the group would not get anywhere without.
+        ASSERT_TRUE(network::Ip("route add 239.255.255.250/32 dev lo src 127.0.0.1"));
+        Responder const responder;
+        Peer const client("127.0.0.1");
+        Peer const bystander("239.255.255.250", client.GetPort());
+        ASSERT_TRUE(bystander.IsBound());
+        ASSERT_TRUE(bystander.Join("239.255.255.250", "127.0.0.1"));
+        for (auto const* id : {"urn:uuid:1", "urn:uuid:2"}) {
+            ASSERT_TRUE(client.Send(MakeProbe(id), "239.255.255.250", 3702));
+            EXPECT_THAT(client.Receive().value_or(""), HasSubstr(id));
+        }
+        ASSERT_TRUE(client.Send("the first to the group", "239.255.255.250", client.GetPort()));
+        EXPECT_EQ(bystander.Receive(), "the first to the group");
     });
 }
 
@@ -128,6 +167,27 @@ TEST(DiscoveryBase, SendsNothingWhenTheAnswerIsNotValid) {
         ASSERT_TRUE(answer);
         EXPECT_THAT(*answer, HasSubstr("urn:uuid:1")) << "the first answer is to the second message";
         EXPECT_EQ(LinesOf(log).at(2), "2 Failed to generate discovery response for request: " + pointless);
+    });
+}
+
+TEST(DiscoveryBase, MakesNothingOfAReceivingThatFails) {
+    OnOwnNetwork([] {
+        logging::Capture const log;
+        Responder const responder;
+        {
+            FailingSocket const failing(3702);
+            auto const deadline = std::chrono::steady_clock::now() + 10s;
+            while (failing.IsPending() && std::chrono::steady_clock::now() < deadline) std::this_thread::sleep_for(1ms);
+            ASSERT_FALSE(failing.IsPending());
+        }
+        auto const probe = MakeProbe("urn:uuid:1");
+        ProbeClient client;
+        auto const answer = client.Ask(probe);
+        ASSERT_TRUE(answer);
+        EXPECT_THAT(LinesOf(log), ElementsAre("4 Onvif discovery service started successfully",
+                                              "2 Successfully parsed discovery request: " + probe,
+                                              "2 Successfully generated discovery response: " + *answer));
+        EXPECT_FALSE(client.Receive(50ms)) << "a second answer";
     });
 }
 
@@ -185,12 +245,14 @@ TEST(DiscoveryBase, TriesAgainUntilThereIsANetwork) {
     bool const entered = network::RunInNetworkNamespace([] {
         logging::Capture const log;
         Responder const responder(20ms);
-        ASSERT_TRUE(log.WaitFor("Failed to start Onvif discovery service: ", 10s));
+        ASSERT_TRUE(AwaitLines(log, 1));
+        EXPECT_EQ(LinesOf(log).front(),
+                  Failed + std::string("no interface that is up has an IPv4 address and can multicast"));
         ASSERT_TRUE(network::Ip("link set lo up multicast on"));
         EXPECT_TRUE(log.WaitFor("Onvif discovery service started successfully", 10s));
         EXPECT_TRUE(ProbeClient().FindsAnybody());
     });
-    if (!entered) GTEST_SKIP() << "no network namespace may be made here";
+    if (!entered) GTEST_SKIP() << "no network namespace may be made here: " << std::strerror(errno);
 }
 
 TEST(DiscoveryBase, TriesAgainUntilThePortIsFree) {
@@ -198,15 +260,27 @@ TEST(DiscoveryBase, TriesAgainUntilThePortIsFree) {
         logging::Capture const log;
         auto holder = std::make_unique<PortHolder>();
         Responder const responder(20ms);
-        ASSERT_TRUE(log.WaitFor("Failed to start Onvif discovery service: ", 10s));
-        auto const deadline = std::chrono::steady_clock::now() + 10s;
-        while (LinesOf(log).size() < 3 && std::chrono::steady_clock::now() < deadline) std::this_thread::sleep_for(1ms);
-        ASSERT_GE(LinesOf(log).size(), 3U);
-        for (auto const& line : LinesOf(log))
-            EXPECT_THAT(line, StartsWith("16 Failed to start Onvif discovery service: "));
+        ASSERT_TRUE(AwaitLines(log, 3));
+        EXPECT_THAT(LinesOf(log), Each(FailedAsThePortIsHeld));
         holder.reset();
         EXPECT_TRUE(log.WaitFor("Onvif discovery service started successfully", 10s));
         EXPECT_TRUE(ProbeClient().FindsAnybody());
+    });
+}
+
+TEST(DiscoveryBase, TriesOnceInEachInterval) {
+    OnOwnNetwork([] {
+        constexpr auto Interval = 200ms;
+        logging::Capture const log;
+        PortHolder const holder;
+        auto const begin = std::chrono::steady_clock::now();
+        Responder const responder(Interval);
+        ASSERT_TRUE(AwaitLines(log, 2)) << "tried no second time";
+        auto const lines = LinesOf(log);
+        auto const elapsed = std::chrono::steady_clock::now() - begin;
+        EXPECT_THAT(lines, Each(FailedAsThePortIsHeld));
+        EXPECT_LE(lines.size() - 1, static_cast<std::size_t>(elapsed / Interval)) << "tried too early";
+        EXPECT_LT(elapsed, Responder::RetryInterval) << "tried too late";
     });
 }
 
@@ -244,20 +318,16 @@ TEST(DiscoveryBase, LeavesThePortFree) {
 
 TEST(DiscoveryBase, BeginsAndEndsInAFloodOfProbes) {
     OnOwnNetwork([] {
-        std::atomic<bool> over = false;
-        std::thread flood([&] {
-            ProbeClient client;
-            while (!over) client.Send(MakeProbe("urn:uuid:flood"), "127.0.0.1");
-        });
-        auto const begin = std::chrono::steady_clock::now();
+        Flood const flood;
         int asked = 0;
-        for (int i = 0; std::chrono::steady_clock::now() < begin + (asked > 0 ? 1s : 20s); ++i) {
+        int begun = 0;
+        auto const deadline = std::chrono::steady_clock::now() + 60s;
+        for (; (begun < test::StartsAndStops || asked == 0) && std::chrono::steady_clock::now() < deadline; ++begun) {
             Responder const responder;
-            if (i % 2 == 0) std::this_thread::yield();
+            if (begun % 2 == 0) std::this_thread::yield();
             asked += responder.asked;
         }
-        over = true;
-        flood.join();
+        EXPECT_GE(begun, test::StartsAndStops);
         EXPECT_GT(asked, 0) << "the flood did not reach the responder";
     });
 }

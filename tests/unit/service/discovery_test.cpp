@@ -6,12 +6,14 @@
 #include <gmock/gmock.h>
 
 #include <atomic>
+#include <chrono>
 #include <thread>
 
 namespace zarn::service::onvif {
 namespace {
 
 using namespace std::chrono_literals;
+using test::Flood;
 using test::MakeProbe;
 using test::OnOwnNetwork;
 using test::ProbeClient;
@@ -30,13 +32,18 @@ zarn::onvif::discovery::Response Ask(Discovery& discovery) {
 
 std::string Address() { return network::GetLocalIPAddress().to_string(); }
 
+TEST(Discovery, HasNoAnswerWithPortZeroUntilItIsToldThePort) {
+    Discovery discovery(Identity(), 0, false);
+    EXPECT_FALSE(Ask(discovery).IsValid());
+    discovery.SetPort(0);
+    EXPECT_TRUE(Ask(discovery).IsValid());
+}
+
 TEST(Discovery, AnswersNothingWithPortZeroUntilItIsToldThePort) {
     OnOwnNetwork([] {
         Discovery discovery(Identity(), 0, false);
-        EXPECT_FALSE(Ask(discovery).IsValid());
         EXPECT_FALSE(ProbeClient().FindsAnybody(300ms));
         discovery.SetPort(0);
-        EXPECT_TRUE(Ask(discovery).IsValid());
         auto const answer = ProbeClient().Ask(MakeProbe("urn:uuid:1"));
         ASSERT_TRUE(answer);
         EXPECT_THAT(*answer, HasSubstr("http://" + Address() + ":0/onvif/device_service"));
@@ -54,13 +61,11 @@ TEST(Discovery, AnswersAtOnceWithAPort) {
 }
 
 TEST(Discovery, TellsPortAndTlsAsTheyWereToldLast) {
-    OnOwnNetwork([] {
-        Discovery discovery(Identity(), 8443, true);
-        EXPECT_THAT(Ask(discovery).GetXML(), HasSubstr("https://" + Address() + ":8443/onvif/device_service"));
-        discovery.SetPort(80);
-        discovery.SetSSlEnabled(false);
-        EXPECT_THAT(Ask(discovery).GetXML(), HasSubstr("http://" + Address() + ":80/onvif/device_service"));
-    });
+    Discovery discovery(Identity(), 8443, true);
+    EXPECT_THAT(Ask(discovery).GetXML(), HasSubstr("https://" + Address() + ":8443/onvif/device_service"));
+    discovery.SetPort(80);
+    discovery.SetSSlEnabled(false);
+    EXPECT_THAT(Ask(discovery).GetXML(), HasSubstr("http://" + Address() + ":80/onvif/device_service"));
 }
 
 TEST(Discovery, AnswersToWhomTheProbeSays) {
@@ -86,6 +91,23 @@ TEST(Discovery, MayBeToldWhileItAnswers) {
         for (int i = 0; i < 5; ++i) EXPECT_TRUE(client.Ask(MakeProbe("urn:uuid:1")));
         over = true;
         host.join();
+    });
+}
+
+TEST(Discovery, BeginsAndEndsInAFloodOfProbes) {
+    OnOwnNetwork([] {
+        Flood const flood;
+        int begun = 0;
+        auto const deadline = std::chrono::steady_clock::now() + 60s;
+        for (;
+             (begun < test::StartsAndStops || flood.CountAnswers() == 0) && std::chrono::steady_clock::now() < deadline;
+             ++begun) {
+            Discovery discovery(Identity(), 8080, false);
+            if (begun % 2 == 0) std::this_thread::yield();
+            discovery.SetPort(8081);
+        }
+        EXPECT_GE(begun, test::StartsAndStops);
+        EXPECT_GT(flood.CountAnswers(), 0) << "the flood was not answered";
     });
 }
 

@@ -9,11 +9,15 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <atomic>
+#include <cerrno>
 #include <chrono>
+#include <cstring>
 #include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <thread>
 
 namespace zarn::test {
 
@@ -24,7 +28,10 @@ inline void OnOwnNetwork(std::function<void()> const& work) {
         ASSERT_TRUE(network::Ip("link set lo up multicast on"));
         work();
     });
-    if (!entered) GTEST_SKIP() << "no network namespace may be made here";
+    if (!entered) {
+        GTEST_SKIP() << "no network namespace may be made here: " << std::strerror(errno)
+                     << "; `unshare --map-root-user` before the command may help";
+    }
 }
 
 /// A probe of WS-Discovery 2005/04 for ONVIF devices.
@@ -90,6 +97,41 @@ private:
     boost::asio::io_context context;
     boost::asio::ip::udp::socket socket;
     std::array<char, 65536> datagram{};
+};
+
+/// How often a responder is started and stopped in a flood.
+#ifdef ZARN_SANITIZED
+inline constexpr int StartsAndStops = 500;
+#else
+inline constexpr int StartsAndStops = 2000;
+#endif
+
+/// Sends probes to the loopback address, one upon the other, while it lives.
+class Flood {
+public:
+    Flood() {
+        socket.non_blocking(true);
+        sender = std::jthread([this](std::stop_token const& over) {
+            while (!over.stop_requested()) Exchange();
+        });
+    }
+
+    /// How many answers have come so far.
+    int CountAnswers() const { return answers; }
+
+private:
+    void Exchange() {
+        boost::system::error_code error;
+        socket.send_to(boost::asio::buffer(probe), {boost::asio::ip::address_v4::loopback(), 3702}, 0, error);
+        while (socket.receive(boost::asio::buffer(datagram), 0, error) > 0) ++answers;
+    }
+
+    std::string const probe = MakeProbe("urn:uuid:flood");
+    boost::asio::io_context context;
+    boost::asio::ip::udp::socket socket{context, {boost::asio::ip::address_v4::loopback(), 0}};
+    std::array<char, 65536> datagram{};
+    std::atomic<int> answers = 0;
+    std::jthread sender; ///< last, so that it ends first
 };
 
 /// Holds the port of WS-Discovery as another program would.

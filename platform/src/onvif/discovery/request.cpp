@@ -17,9 +17,6 @@ constexpr char Anonymous[] = "http://schemas.xmlsoap.org/ws/2004/08/addressing/r
 /// What this device is.
 constexpr std::array OurTypes{Name{DeviceNamespace, "Device"}, Name{NetworkNamespace, "NetworkVideoTransmitter"}};
 
-/// Nobody asks for more types; the rest is not looked at.
-constexpr std::size_t MaximumTypes = 64;
-
 /// A child of the message's header, or of a part of it, by either edition of WS-Addressing.
 pugi::xml_node FindAddressing(pugi::xml_node parent, std::string_view local) {
     auto const found = FindChild(parent, {AddressingNamespace, local});
@@ -34,7 +31,8 @@ bool MatchesTypes(pugi::xml_node types) {
     auto const isOurs = [&](std::string_view name) {
         return std::ranges::find(OurTypes, Resolve(types, name)) != OurTypes.end();
     };
-    return names.empty() || std::any_of(names.begin(), names.begin() + std::min(names.size(), MaximumTypes), isOurs);
+    auto const looked = std::min(names.size(), Request::MaximumTypes);
+    return names.empty() || std::any_of(names.begin(), names.begin() + looked, isOurs);
 }
 
 bool MatchesScopes(pugi::xml_node scopes) {

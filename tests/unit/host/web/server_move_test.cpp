@@ -2,12 +2,16 @@
 #include "host/web/tls.h"
 #include "web/server_fixture.h"
 
+#include <boost/asio/read_until.hpp>
+#include <boost/asio/ssl/stream.hpp>
+#include <boost/asio/write.hpp>
 #include <gmock/gmock.h>
 
 #include <atomic>
 #include <chrono>
 #include <list>
 #include <optional>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -18,6 +22,32 @@ using namespace std::chrono_literals;
 using tests::host::Certificate;
 using tests::host::RawConnection;
 using tests::host::TemporaryFolder;
+namespace ssl = boost::asio::ssl;
+
+/// A client over TLS that takes any certificate.
+class TlsConnection {
+public:
+    explicit TlsConnection(std::uint16_t port) {
+        stream.next_layer().connect({boost::asio::ip::address_v4::loopback(), port});
+        stream.handshake(ssl::stream_base::client);
+    }
+
+    void Send(std::string const& bytes) { boost::asio::write(stream, boost::asio::buffer(bytes)); }
+
+    /// What comes up to the end of this text; throws when the connection ends before.
+    std::string ReadUpTo(std::string const& end) {
+        auto const size = boost::asio::read_until(stream, boost::asio::dynamic_buffer(received), end);
+        auto text = received.substr(0, size);
+        received.erase(0, size);
+        return text;
+    }
+
+private:
+    boost::asio::io_context context;
+    ssl::context tls{ssl::context::tls_client};
+    ssl::stream<boost::asio::ip::tcp::socket> stream{context, tls};
+    std::string received;
+};
 
 /// A server that goes to another port, or takes to TLS, while it serves.
 class ServerMove : public ServerTest {
@@ -148,6 +178,39 @@ TEST_F(ServerMove, TakesToTlsAndBack) {
 
     server->SetTls(nullptr);
     EXPECT_EQ(Connect().Exchange(Echo()).status, 200U);
+}
+
+TEST_F(ServerMove, FinishesRequestsUnderWayWhenItTakesToTls) {
+    TemporaryFolder const folder;
+    Certificate const files(folder);
+    auto const tls = MakeTlsContext(files.certificate, files.key);
+    Start();
+    auto waiting = Connect();
+    waiting.Send(Wait);
+    ASSERT_TRUE(AwaitExchanges(1));
+    server->SetTls(tls);
+    Release();
+    auto const response = waiting.Read();
+    EXPECT_EQ(response.body, "waited");
+    EXPECT_EQ(response.fields.at("connection"), "close");
+}
+
+TEST_F(ServerMove, FinishesRequestsUnderWayWhenItsCertificateIsRenewed) {
+    TemporaryFolder const folder;
+    Certificate const files(folder);
+    Certificate const renewed(folder, "renewed");
+    auto const tls = MakeTlsContext(renewed.certificate, renewed.key);
+    Start({}, MakeTlsContext(files.certificate, files.key));
+    TlsConnection waiting(port);
+    waiting.Send(Wait);
+    ASSERT_TRUE(AwaitExchanges(1));
+    server->SetTls(tls);
+    Release();
+    auto const head = waiting.ReadUpTo("waited");
+    EXPECT_THAT(head, testing::StartsWith("HTTP/1.1 200 OK"));
+    EXPECT_THAT(head, testing::Not(testing::HasSubstr("close"))) << "both ends go on with what they have agreed on";
+    waiting.Send(Echo("again"));
+    EXPECT_THAT(waiting.ReadUpTo("again"), testing::StartsWith("HTTP/1.1 200 OK"));
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sched.h>
 
+#include <cerrno>
 #include <cstdlib>
 #include <exception>
 #include <functional>
@@ -12,12 +13,14 @@
 namespace zarn::network {
 
 /// Runs `work` on a thread that is alone in a fresh network namespace, where only a loopback interface exists that is
-/// down. False when this process may not make one.
+/// down. False, with the reason in errno, when this process may not make one.
 inline bool RunInNetworkNamespace(std::function<void()> const& work) {
     bool entered = false;
+    int reason = 0;
     std::thread([&] {
         // A namespace belongs to the thread, so that the process around it keeps its own.
         entered = unshare(CLONE_NEWNET) == 0;
+        if (!entered) reason = errno;
         if (!entered) return;
         try {
             work();
@@ -25,6 +28,7 @@ inline bool RunInNetworkNamespace(std::function<void()> const& work) {
             ADD_FAILURE() << "in the namespace: " << error.what();
         }
     }).join();
+    errno = reason;
     return entered;
 }
 

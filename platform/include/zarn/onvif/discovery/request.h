@@ -24,12 +24,15 @@ public:
     static constexpr int MaximumDepth = 64;
     /// The longest message id and the longest address in bytes.
     static constexpr std::size_t MaximumTextLength = 1024;
+    /// How many of a Probe's types are looked at: what it names behind them is as if it were not there.
+    static constexpr std::size_t MaximumTypes = 64;
 
     /// Reads a message. Never throws because of its contents.
     explicit Request(std::string const& text);
 
     /// True for what is no SOAP 1.2 envelope: XML that is not well formed, another encoding than UTF-8 or bytes that
-    /// are none, a document type declaration, or a bound above exceeded. Message id and address are empty then.
+    /// are none, a document type declaration, an element with more than 64 attributes, or a bound above on size, depth
+    /// or text exceeded. Message id and address are empty then.
     bool IsParseError() const noexcept { return parseError; }
 
     /// The MessageID of a Probe that asks for this device, which the answer relates to. Empty for a message that is not

@@ -48,6 +48,17 @@ TEST(DiscoveryRequest, LeavesAProbeForOtherTypes) {
     }
 }
 
+TEST(DiscoveryRequest, LooksAtABoundedNumberOfTypes) {
+    auto const asTypeNumber = [](std::size_t number) {
+        std::string types;
+        for (std::size_t i = 1; i < number; ++i) types += "dn:Recorder ";
+        return ProbeForTypes(types + "tds:Device");
+    };
+    EXPECT_EQ(Request::MaximumTypes, 64U);
+    EXPECT_TRUE(IsOurs(asTypeNumber(64)));
+    EXPECT_EQ(ReadId(asTypeNumber(65)), "");
+}
+
 TEST(DiscoveryRequest, ResolvesTypesWhereTheyStand) {
     auto const probe = [](std::string const& attributes, std::string const& types) {
         return Probe{.body = "<d:Probe><d:Types " + attributes + ">" + types + "</d:Types></d:Probe>"};

@@ -22,6 +22,7 @@ public:
         std::thread([this] {
             // Namespaces belong to the thread, so that the process around it keeps its own.
             if (unshare(CLONE_NEWNET) == 0) descriptor = open("/proc/thread-self/ns/net", O_RDONLY | O_CLOEXEC);
+            if (!Exists()) reason = std::error_code(errno, std::generic_category());
         }).join();
     }
 
@@ -34,6 +35,9 @@ public:
 
     /// False when the kernel does not allow it.
     bool Exists() const { return descriptor >= 0; }
+
+    /// Why it does not exist.
+    std::string WhyNot() const { return reason.message(); }
 
     /// Runs `work` on a thread there, as well as the threads that it starts, and waits for it.
     void Run(std::function<void()> const& work) const {
@@ -60,6 +64,7 @@ public:
 
 private:
     int descriptor = -1;
+    std::error_code reason;
 };
 
 } // namespace zarn::test

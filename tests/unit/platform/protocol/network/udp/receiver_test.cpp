@@ -1,3 +1,4 @@
+#include "failing_socket.h"
 #include "inbox.h"
 #include "peer.h"
 
@@ -8,7 +9,6 @@
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/post.hpp>
 #include <gtest/gtest.h>
-#include <sys/syscall.h>
 
 #include <future>
 #include <memory>
@@ -200,25 +200,10 @@ TEST_F(ReceiverTest, GoesOnWhenReceivingFails) {
     Start();
     SendTo("first");
     ASSERT_TRUE(inbox.WaitFor("first"));
-    // The kernel tells a socket of a port that nobody listens at only when it is connected. The receiver's is not, so
-    // connect it behind its back, by the descriptor that has its port (and behind that of the thread sanitizer, which
-    // takes this for the making of another socket).
-    int descriptor = -1;
-    for (int each = 3; each < 1024 && descriptor < 0; ++each) {
-        sockaddr_in own{};
-        socklen_t size = sizeof(own);
-        if (getsockname(each, reinterpret_cast<sockaddr*>(&own), &size) == 0 && own.sin_family == AF_INET &&
-            own.sin_port == htons(port)) {
-            descriptor = each;
-        }
+    {
+        test::FailingSocket const failing(port);
+        EXPECT_TRUE(inbox.WaitForError(boost::asio::error::connection_refused));
     }
-    ASSERT_GE(descriptor, 0);
-    auto const nobody = test::MakeEndpoint("127.0.0.1", FindFreePort());
-    ASSERT_EQ(syscall(SYS_connect, descriptor, &nobody, sizeof(nobody)), 0);
-    ASSERT_EQ(send(descriptor, "x", 1, 0), 1);
-    EXPECT_TRUE(inbox.WaitForError(boost::asio::error::connection_refused));
-    sockaddr const unconnected{AF_UNSPEC, {}};
-    ASSERT_EQ(syscall(SYS_connect, descriptor, &unconnected, sizeof(unconnected)), 0);
     SendTo("second");
     EXPECT_TRUE(inbox.WaitFor("second"));
 }
