@@ -72,10 +72,11 @@ TEST_F(PullPointAnswer, HoldsTenThousandMessagesInTheirOrder) {
     for (int i = 0; i < 10'000; ++i) Publish(MakeFieldEvent(names.emplace_back(std::to_string(i))));
     auto const begin = std::clock(); // the processor's time, which other processes do not make longer
     auto const data = WaitFor(*PostPull(path, 10'000, "PT0S"));
-    [[maybe_unused]] auto const lasted = std::clock() - begin;
+    auto const lasted = std::clock() - begin;
+    RecordProperty("milliseconds", std::to_string(lasted * 1000 / CLOCKS_PER_SEC));
     EXPECT_EQ(GetRules(ToReply(data)), names);
     EXPECT_THAT(GetRules(Pull(path)), IsEmpty());
-#ifndef ZARN_SANITIZED // which make everything slower
+#if defined(NDEBUG) && !defined(ZARN_SANITIZED) // code that is not optimised, or is watched, is slower
     EXPECT_LT(lasted, CLOCKS_PER_SEC);
 #endif
 }
