@@ -1,5 +1,6 @@
 #include "configuration_values.h"
 
+#include <zarn/configuration/event/changed.h>
 #include <zarn/configuration/node/primitive.h>
 #include <zarn/object/primitive.h>
 
@@ -22,6 +23,11 @@ T ReadValue(configuration::node::Map const& map, boost::string_view path) {
 }
 
 } // namespace
+
+std::optional<bool> ReadEnabled(configuration::Event const& event) {
+    if (!event.Is<configuration::event::Changed>()) return std::nullopt;
+    return event.GetNode()->As<configuration::node::Primitive<bool>>().Get();
+}
 
 unsigned short ReadPort(configuration::node::Root const& root, boost::string_view path) {
     return ReadValue<unsigned short>(root, path);

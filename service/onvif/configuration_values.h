@@ -1,10 +1,12 @@
 #pragma once
 
+#include <zarn/configuration/event.h>
 #include <zarn/configuration/node/root.h>
 
 #include <boost/utility/string_view.hpp>
 
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace zarn::service::onvif {
@@ -16,6 +18,11 @@ inline constexpr char EnabledPath[] = "settings.onvif.enabled";
 /// Settings of the host that are told to clients, as paths in its configuration.
 inline constexpr char RtspPortPath[] = "settings.rtsp_port";
 inline constexpr char WebPortPath[] = "settings.web_port";
+
+/// What an event of the setting says that it is now; nothing for an event that is no change.
+/// Throws object::BadCast with "zarn.configuration.node.Bool" when the event's node is no boolean.
+/// Thread: any; takes no configuration lock.
+std::optional<bool> ReadEnabled(configuration::Event const& event);
 
 /// The port that the configuration holds at the path.
 /// Throws object::BadCast when there is no such node or its value is not an unsigned 16-bit number.

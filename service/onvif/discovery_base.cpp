@@ -48,7 +48,14 @@ DiscoveryBase::DiscoveryBase(std::chrono::milliseconds retryInterval)
 
 DiscoveryBase::~DiscoveryBase() = default;
 
-void DiscoveryBase::Begin() { TrySetup(); }
+void DiscoveryBase::Begin() {
+    try {
+        TrySetup();
+    } catch (...) {
+        End(); // the destructor of the derived class, which would do so, is not called
+        throw;
+    }
+}
 
 void DiscoveryBase::End() { ioContext.Stop(); }
 

@@ -42,7 +42,7 @@ public:
 
 protected:
     /// Makes the first attempt to receive; a failure is logged and tried again. To be called once, as the last act of
-    /// construction. Throws std::bad_alloc when not even the next attempt can be prepared.
+    /// construction. Throws std::bad_alloc when not even the next attempt can be prepared, and has called End then.
     void Begin();
 
     /// Ends receiving, trying and sending: when it returns, nothing of this object runs any more. To be called as the

@@ -3,6 +3,7 @@
 #include <zarn/authentication/engine.h>
 #include <zarn/authentication/realm.h>
 
+#include <boost/algorithm/string/predicate.hpp>
 #include <httpda.h>
 #include <soapH.h>
 
@@ -19,6 +20,10 @@ constexpr int DigestBytes = 16;
 constexpr std::size_t LongestRealm = 128;
 
 bool IsEmpty(char const* text) { return !text || !*text; }
+
+/// Whether a digest is said to be of the algorithm that the challenge asks for, which a client may leave unsaid. The
+/// engine cannot check any other.
+bool IsMd5(char const* algorithm) { return IsEmpty(algorithm) || boost::iequals(algorithm, "MD5"); }
 
 /// Whether the digest plugin can write the realm into a header field as it is. gSOAP has decoded what the client sent,
 /// so that it may hold anything: the end of the quoted text, and of the line.
@@ -38,7 +43,7 @@ bool IsAuthenticated(soap* soap, ZarnAuthenticationEngine const* engine) {
         return false;
     }
     auto const* digest = static_cast<http_da_data const*>(soap_lookup_plugin(soap, http_da_id));
-    if (!digest) return false;
+    if (!digest || !IsMd5(digest->alg)) return false;
 
     std::string path = soap->path;
     char const* response =

@@ -12,9 +12,7 @@
 
 #include <service/onvif/manager.h>
 #include <zarn/asio/global_context.h>
-#include <zarn/configuration/event/changed.h>
 #include <zarn/configuration/node/binding/option.h>
-#include <zarn/configuration/node/primitive.h>
 #include <zarn/configuration/schema.h>
 #include <zarn/container/buffer.h>
 #include <zarn/job/dynamic_thread_pool.h>
@@ -40,6 +38,10 @@ namespace http = protocol::network::http;
 using web::response::Pending;
 
 namespace {
+
+/// Workers that stay when there is nothing to do, and how long the others do.
+constexpr unsigned LeastWorkers = 1;
+constexpr std::chrono::seconds WorkerIdle(10);
 
 using SharedResponse = std::shared_ptr<http::Response>;
 
@@ -77,7 +79,7 @@ public:
     Impl(ZarnAuthenticationEngine const* engine, std::shared_ptr<configuration::node::Root> configuration,
          ChannelInfo channelInfo, utilities::name::Config const& nameConfig)
         : authenticationEngine(engine),
-          threadPool(1, std::chrono::seconds(10)),
+          threadPool(LeastWorkers, WorkerIdle),
           configuration(std::move(configuration)),
           channelInfo(std::move(channelInfo)),
           nameConfig(nameConfig) {
@@ -145,8 +147,9 @@ private:
 
     /// Thread: whoever changes the configuration.
     void FollowEnabled(configuration::Event const& event) {
-        if (!event.Is<configuration::event::Changed>()) return;
-        if (event.GetNode()->As<configuration::node::Primitive<bool>>().Get())
+        auto const enabled = ReadEnabled(event);
+        if (!enabled) return;
+        if (*enabled)
             Start();
         else
             Stop();

@@ -14,6 +14,11 @@ using authentication::Realm;
 class Authentication : public DeviceFixture {
 protected:
     Reply AskForUsers(Sending const& sending) { return Ask("<tds:GetUsers/>", sending); }
+
+    /// Asks with this value of the Authorization field.
+    Reply AskForUsersAs(std::string const& authorization) {
+        return AskForUsers({.fields = {{"Authorization", authorization}}, .authenticated = false});
+    }
 };
 
 TEST_F(Authentication, ServesEverybodyWhileTheHostRequiresNone) {
@@ -109,6 +114,35 @@ TEST_F(Authentication, ChallengesCredentialsThatAreNoDigest) {
     EXPECT_THAT(AskForUsers({.fields = {{"Authorization", "Digest"}}, .authenticated = false}), IsChallenge(Realm));
 }
 
+TEST_F(Authentication, ChallengesADigestThatHasNoAnswerAndGoesOn) {
+    auto authorization = MakeAuthorization({});
+    authorization.erase(authorization.find(", response="));
+    for (auto const* rest : {"", ", response=", ", response", R"(, response="")", R"(, response="0")",
+                             R"(, response="00000000000000000000000000000000")", R"(, response="no digits")"})
+        EXPECT_THAT(AskForUsersAs(authorization + rest), IsChallenge(Realm)) << rest;
+    EXPECT_EQ(AskForUsers({}).status, 200);
+}
+
+TEST_F(Authentication, ChallengesADigestOfAnotherAlgorithmAndGoesOn) {
+    // Each is the right digest by MD5, and only says otherwise.
+    for (auto const* algorithm : {"SHA-256", "MD5-sess", "md5-sess", "\"MD5-sess\"", "SHA-256-sess", "SHA-512-256",
+                                  "MD", "MD55", "*", "\"MD5 \""}) {
+        auto authorization = MakeAuthorization({});
+        authorization.replace(authorization.find("algorithm=MD5") + 10, 3, algorithm);
+        EXPECT_THAT(AskForUsersAs(authorization), IsChallenge(Realm)) << algorithm;
+        EXPECT_EQ(AskForUsers({}).status, 200);
+    }
+}
+
+TEST_F(Authentication, TakesADigestForMd5UnlessItSaysOtherwise) {
+    for (auto const* algorithm :
+         {"algorithm=md5, ", "algorithm=\"MD5\", ", "Algorithm=Md5, ", "algorithm=\"\", ", ""}) {
+        auto authorization = MakeAuthorization({});
+        authorization.replace(authorization.find("algorithm=MD5, "), 15, algorithm);
+        EXPECT_EQ(AskForUsersAs(authorization).status, 200) << algorithm;
+    }
+}
+
 TEST_F(Authentication, DoesNotLookAtUsernameTokens) {
     auto const token =
         R"(<wsse:Security s:mustUnderstand="1" xmlns:wsse="http://docs.oasis-open.org/wss/2004/01/oasis-200401-wss-wssecurity-secext-1.0.xsd">)"
@@ -120,17 +154,14 @@ TEST_F(Authentication, KnowsTheOlderFormOfTheDigestAndNoOtherQualityThanAuth) {
     auto const without = [](std::string text, std::string const& part) {
         return text.erase(text.find(part), part.size());
     };
-    auto const send = [&](std::string const& authorization) {
-        return AskForUsers({.fields = {{"Authorization", authorization}}, .authenticated = false});
-    };
     auto const right = MakeAuthorization({});
     auto integrity = right;
     integrity.replace(integrity.find("qop=auth"), 8, "qop=auth-int");
-    EXPECT_THAT(send(integrity), IsChallenge(Realm));
-    EXPECT_THAT(send(without(right, "cnonce=\"fedcba98\", ")), IsChallenge(Realm));
-    EXPECT_THAT(send(without(right, "nonce=\"0123456789abcdef\", ")), IsChallenge(Realm));
-    EXPECT_THAT(send(without(right, "qop=auth, ")), IsChallenge(Realm)); // its answer was made with one
-    EXPECT_EQ(send(MakeOldAuthorization({})).status, 200);
+    EXPECT_THAT(AskForUsersAs(integrity), IsChallenge(Realm));
+    EXPECT_THAT(AskForUsersAs(without(right, "cnonce=\"fedcba98\", ")), IsChallenge(Realm));
+    EXPECT_THAT(AskForUsersAs(without(right, "nonce=\"0123456789abcdef\", ")), IsChallenge(Realm));
+    EXPECT_THAT(AskForUsersAs(without(right, "qop=auth, ")), IsChallenge(Realm)); // its answer was made with one
+    EXPECT_EQ(AskForUsersAs(MakeOldAuthorization({})).status, 200);
 }
 
 /// A gated operation of the device and media services answers 401 before it does anything else.

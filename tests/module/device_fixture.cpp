@@ -133,7 +133,10 @@ Pending::Data DeviceFixture::WaitFor(Pending& pending) {
 }
 
 Reply DeviceFixture::Post(std::string const& body, Sending const& sending) {
-    auto const data = WaitFor(*Manager().Post(MakeRequest(body, sending)));
+    return ToReply(WaitFor(*Manager().Post(MakeRequest(body, sending))));
+}
+
+Reply DeviceFixture::ToReply(Pending::Data const& data) {
     std::string text;
     for (auto const& chunk : data.GetBody()) text += chunk->ToStringView();
     return {static_cast<int>(data.GetStatus()), data.GetFields(), text};

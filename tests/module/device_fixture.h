@@ -62,6 +62,9 @@ protected:
     /// Asks the pending response until it is complete. Throws std::runtime_error when that takes more than a minute.
     static web::response::Pending::Data WaitFor(web::response::Pending& pending);
 
+    /// The reply that a complete answer is.
+    static Reply ToReply(web::response::Pending::Data const& data);
+
     /// Replaces the configuration by this JSON: {"settings": ..., "channels": ...}.
     void Configure(std::string const& json);
 

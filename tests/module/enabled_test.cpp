@@ -10,12 +10,18 @@
 #include <boost/json/parse.hpp>
 #include <boost/json/value.hpp>
 #include <gmock/gmock.h>
+#include <sys/resource.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <fstream>
+#include <future>
 #include <optional>
+#include <system_error>
 #include <thread>
+#include <vector>
 
 namespace zarn::test {
 namespace {
@@ -110,6 +116,73 @@ TEST_F(EnabledSetting, LogsEachTimeThatItIsSetToFalse) {
     Setting().Set(false);
     EXPECT_EQ(Count(log, Stopping), 2);
 }
+
+TEST_F(EnabledSetting, LogsOnceWhenItIsFalseFromTheBeginning) {
+    Read("false");
+    logging::Capture const log;
+    Manager();
+    EXPECT_EQ(Count(log, Stopping), 1);
+    EXPECT_EQ(Count(log, Starting), 0);
+}
+
+#ifndef ZARN_SANITIZED // which need the address space that is taken away here
+/// While it lives, no thread can be started: there is no room for its stack, and none of a thread that has gone is
+/// free.
+class NoThreads {
+public:
+    NoThreads() {
+        getrlimit(RLIMIT_AS, &before);
+        threads.reserve(MaximumThreads);
+        constexpr std::size_t Rest = 256 * 1024; // for small things, and too little for a stack
+        rlimit const full{GetAddressSpace() + Rest, before.rlim_max};
+        setrlimit(RLIMIT_AS, &full);
+        try {
+            while (threads.size() < MaximumThreads) threads.emplace_back([this] { opened.wait(); });
+        } catch (std::system_error const&) {
+            return;
+        }
+        ADD_FAILURE() << "there is no end of threads";
+    }
+
+    ~NoThreads() {
+        setrlimit(RLIMIT_AS, &before);
+        gate.set_value();
+    }
+
+    NoThreads(NoThreads const&) = delete;
+    NoThreads& operator=(NoThreads const&) = delete;
+
+private:
+    static constexpr std::size_t MaximumThreads = 1000;
+
+    static std::size_t GetAddressSpace() {
+        std::size_t pages = 0;
+        std::ifstream("/proc/self/statm") >> pages;
+        return pages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    }
+
+    rlimit before{};
+    std::promise<void> gate;
+    std::shared_future<void> opened = gate.get_future().share();
+    std::vector<std::jthread> threads;
+};
+
+TEST_F(EnabledSetting, TriesAgainWhenItIsSetAgainAfterNoThreadCouldBeStarted) {
+    OnOwnNetwork([&] {
+        Manager();
+        logging::Capture const log;
+        {
+            NoThreads const none;
+            EXPECT_THROW(Setting().Set(true), std::system_error);
+        }
+        EXPECT_TRUE(Setting().Get());
+        EXPECT_NO_THROW(PortHolder()) << "nobody answers";
+        Setting().Set(true);
+        EXPECT_TRUE(ProbeClient().FindsAnybody());
+        EXPECT_EQ(Count(log, Starting), 2);
+    });
+}
+#endif
 
 TEST_F(EnabledSetting, LeavesRequestsServed) {
     EXPECT_EQ(Ask("<trt:GetProfiles/>").status, 200);

@@ -4,6 +4,7 @@
 #include <zarn/meta/data/zone.h>
 #include <zarn/onvif/events/handler.h>
 
+#include <regex>
 #include <utility>
 
 namespace zarn::test {
@@ -16,9 +17,19 @@ std::string PullPointFixture::Subscribe(std::string const& content) {
 }
 
 Reply PullPointFixture::Pull(std::string const& path, int limit, std::string const& timeout) {
-    return Ask("<tev:PullMessages><tev:Timeout>" + timeout + "</tev:Timeout><tev:MessageLimit>" +
-                   std::to_string(limit) + "</tev:MessageLimit></tev:PullMessages>",
-               {.path = path});
+    return ToReply(WaitFor(*PostPull(path, limit, timeout)));
+}
+
+std::shared_ptr<web::Request> PullPointFixture::MakePull(std::string const& path, int limit,
+                                                         std::string const& timeout) {
+    return MakeRequest(Envelope("<tev:PullMessages><tev:Timeout>" + timeout + "</tev:Timeout><tev:MessageLimit>" +
+                                std::to_string(limit) + "</tev:MessageLimit></tev:PullMessages>"),
+                       {.path = path});
+}
+
+std::shared_ptr<web::response::Pending> PullPointFixture::PostPull(std::string const& path, int limit,
+                                                                   std::string const& timeout) {
+    return Manager().Post(MakePull(path, limit, timeout));
 }
 
 Reply PullPointFixture::Renew(std::string const& path, std::string const& termination) {
@@ -38,6 +49,13 @@ std::vector<std::string> PullPointFixture::GetRules(Reply const& reply) {
 
 std::vector<std::string> PullPointFixture::GetTopics(Reply const& reply) {
     return reply.Texts("//wsnt:NotificationMessage/wsnt:Topic");
+}
+
+Reply PullPointFixture::Masked(Reply const& reply) {
+    static std::regex const time("(:(?:CurrentTime|TerminationTime)>)\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\dZ<");
+    static std::regex const id("(Subscription\\?Idx=)\\d+<");
+    auto const text = std::regex_replace(reply.text, time, "$1@TIME@<");
+    return {reply.status, reply.fields, std::regex_replace(text, id, "$1@ID@<")};
 }
 
 std::string Termination(std::string const& text) {

@@ -26,6 +26,12 @@ protected:
 
     Reply Unsubscribe(std::string const& path);
 
+    /// A request to pull.
+    static std::shared_ptr<web::Request> MakePull(std::string const& path, int limit, std::string const& timeout);
+
+    /// Begins to pull and does not wait for the answer.
+    std::shared_ptr<web::response::Pending> PostPull(std::string const& path, int limit, std::string const& timeout);
+
     /// Pulls in the background.
     std::future<Reply> PullLater(std::string const& path, std::string const& timeout);
 
@@ -34,6 +40,9 @@ protected:
 
     /// The topics of all messages.
     static std::vector<std::string> GetTopics(Reply const& reply);
+
+    /// The reply with "@TIME@" for each of the times that tell of now, and "@ID@" for the id of the subscription.
+    static Reply Masked(Reply const& reply);
 };
 
 /// When a subscription is to end, as content of the request that creates it.

@@ -19,8 +19,11 @@ namespace zarn::test {
 namespace {
 
 using namespace std::chrono_literals;
+using testing::AllOf;
 using testing::ElementsAre;
+using testing::Ge;
 using testing::IsEmpty;
+using testing::Le;
 using Clock = std::chrono::steady_clock;
 
 constexpr auto Waiting = std::future_status::timeout;
@@ -187,17 +190,42 @@ TEST_F(PullPointWait, GoesOnOverARenewalAndTellsTheEndThatStoodBefore) {
 
 TEST_F(PullPointWait, OfAHundredClientsEndsWithTheirManager) {
     std::vector<std::shared_ptr<web::response::Pending>> replies;
-    for (int i = 0; i < 100; ++i) {
-        replies.push_back(
-            Manager().Post(MakeRequest(Envelope("<tev:PullMessages><tev:Timeout>PT1H</tev:Timeout><tev:MessageLimit>1</"
-                                                "tev:MessageLimit></tev:PullMessages>"),
-                                       {.path = Subscribe()})));
-    }
+    for (int i = 0; i < 100; ++i) replies.push_back(PostPull(Subscribe(), 1, "PT1H"));
     ASSERT_TRUE(OthersSleep(replies.size()));
     auto const begin = Clock::now();
     ReplaceManager();
     EXPECT_LT(Clock::now() - begin, 2s);
     for (auto& reply : replies) EXPECT_EQ(WaitFor(*reply).GetStatus(), protocol::network::http::response::Status::Ok);
+}
+
+TEST_F(PullPointWait, EndsWithTheManagerAsItDoesAtItsTime) {
+    auto const reply = PostPull(Subscribe(Termination("2061-07-28T12:30:00Z")), 1, "PT1H");
+    ASSERT_TRUE(OthersSleep(1));
+    EXPECT_EQ(reply->GetData().GetState(), web::response::State::NotReady);
+    auto const begin = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
+    EndManager();
+    auto const answer = ToReply(reply->GetData());
+    EXPECT_THAT(Masked(answer),
+                Answers("<tev:PullMessagesResponse><tev:CurrentTime>@TIME@</tev:CurrentTime>"
+                        "<tev:TerminationTime>@TIME@</tev:TerminationTime></tev:PullMessagesResponse>"));
+    EXPECT_EQ(answer.Text("//tev:TerminationTime"), "2061-07-28T12:30:00Z");
+    EXPECT_THAT(chrono::FromIso8601(answer.Text("//tev:CurrentTime")),
+                AllOf(Ge(begin), Le(std::chrono::system_clock::now())));
+}
+
+TEST_F(PullPointWait, GoesOnInOneManagerWhenAnotherEnds) {
+    auto const path = Subscribe();
+    Manager();
+    auto first = std::make_unique<service::onvif::Manager>(&engine, root, channelInfo, identity);
+    auto const ended = first->Post(MakePull(Subscribe(), 1, "PT1H"));
+    auto const reply = PostPull(path, 1, "PT1H");
+    ASSERT_TRUE(OthersSleep(2));
+    first.reset();
+    EXPECT_EQ(ended->GetData().GetState(), web::response::State::Complete);
+    ASSERT_TRUE(OthersSleep(1)) << "whoever has been woken has looked";
+    EXPECT_EQ(reply->GetData().GetState(), web::response::State::NotReady);
+    Publish(MakeFieldEvent("one"));
+    EXPECT_THAT(GetRules(ToReply(WaitFor(*reply))), ElementsAre("one"));
 }
 
 } // namespace

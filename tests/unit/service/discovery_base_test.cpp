@@ -1,3 +1,4 @@
+#include "failing_aligned_alloc.h"
 #include "unit/platform/protocol/network/udp/failing_socket.h"
 #include "unit/platform/protocol/network/udp/peer.h"
 #include "unit/service/probe_client.h"
@@ -13,7 +14,10 @@
 #include <chrono>
 #include <cstddef>
 #include <cstring>
+#include <filesystem>
+#include <iterator>
 #include <memory>
+#include <new>
 #include <string>
 #include <thread>
 #include <vector>
@@ -306,6 +310,36 @@ TEST(DiscoveryBase, DoesNotTryAgainOnceItIsGone) {
         auto const lines = LinesOf(log).size();
         std::this_thread::sleep_for(20ms);
         EXPECT_EQ(LinesOf(log).size(), lines);
+    });
+}
+
+/// Cannot begin, since there is no memory for another attempt.
+class HopelessResponder : public DiscoveryBase {
+public:
+    HopelessResponder() {
+        test::FailingAlignedAlloc const failing;
+        EXPECT_THROW(Begin(), std::bad_alloc);
+    }
+
+    ~HopelessResponder() override { End(); }
+
+    HopelessResponder(HopelessResponder const&) = delete;
+    HopelessResponder& operator=(HopelessResponder const&) = delete;
+
+    Response HandleReceive(Request const&) override { return {}; }
+};
+
+std::ptrdiff_t CountThreads() { return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {}); }
+
+TEST(DiscoveryBase, RunsNothingAnyMoreWhenItCannotBegin) {
+    OnOwnNetwork([] {
+        PortHolder const holder;
+        auto const before = CountThreads();
+        HopelessResponder const responder;
+        // A thread that has been joined may be seen for a moment still.
+        auto const deadline = std::chrono::steady_clock::now() + 10s;
+        while (CountThreads() > before && std::chrono::steady_clock::now() < deadline) std::this_thread::sleep_for(1ms);
+        EXPECT_LE(CountThreads(), before);
     });
 }
 

@@ -43,12 +43,14 @@ protected:
         R"(<s:Envelope xmlns:s="http://www.w3.org/2003/05/soap-envelope"><s:Body><x/></s:Body></s:Envelope>)";
 
     /// Asks for a request with digest credentials to this path; the engine gives these answers.
-    bool IsAuthenticatedAt(std::string const& path, std::deque<bool> answers) {
+    /// further  what its credentials say besides, with a comma behind it
+    bool IsAuthenticatedAt(std::string const& path, std::deque<bool> answers, std::string const& further = "") {
         std::stringstream input;
-        input << "POST " << path << " HTTP/1.1\r\nHost: device\r\nAuthorization: Digest username=\"operator\", "
-              << "realm=\"r\", nonce=\"n\", uri=\"/other\", qop=auth, nc=0000000a, cnonce=\"c\", "
-              << "response=\"0123456789ABCDEF0123456789abcdef\"\r\nContent-Length: " << sizeof(Body) - 1 << "\r\n\r\n"
-              << Body;
+        input
+            << "POST " << path << " HTTP/1.1\r\nHost: device\r\nAuthorization: Digest " << further
+            << "username=\"operator\", realm=\"r\", nonce=\"n\", uri=\"/other\", qop=auth, nc=0000000a, cnonce=\"c\", "
+            << "response=\"0123456789ABCDEF0123456789abcdef\"\r\nContent-Length: " << sizeof(Body) - 1 << "\r\n\r\n"
+            << Body;
         soap_register_plugin_arg(context.get(), http_da, http_da_md5());
         context->is = &input;
         EXPECT_EQ(soap_begin_serve(context.get()), SOAP_OK);
@@ -91,6 +93,17 @@ TEST_F(IsAuthenticatedTest, AsksAgainForThePathBeforeTheFirstQuestionMark) {
 TEST_F(IsAuthenticatedTest, IsFalseWhenBothPathsAreWrong) {
     EXPECT_FALSE(IsAuthenticatedAt("/onvif/x?", {false, false}));
     EXPECT_THAT(Questions, ElementsAre(Question("/onvif/x?"), Question("/onvif/x")));
+}
+
+TEST_F(IsAuthenticatedTest, AsksNothingAboutADigestOfAnotherAlgorithm) {
+    EXPECT_FALSE(IsAuthenticatedAt("/onvif/x?y=1", {true, true}, "algorithm=MD5-sess, "));
+    EXPECT_THAT(Questions, IsEmpty());
+    EXPECT_STREQ(context->authrealm, "r");
+}
+
+TEST_F(IsAuthenticatedTest, AsksAboutADigestOfMd5InAnyCase) {
+    EXPECT_TRUE(IsAuthenticatedAt("/onvif/x", {true}, "algorithm=\"mD5\", "));
+    EXPECT_THAT(Questions, ElementsAre(Question("/onvif/x")));
 }
 
 TEST_F(IsAuthenticatedTest, AsksNothingWhileTheHostRequiresNone) {
