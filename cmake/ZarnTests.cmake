@@ -16,5 +16,5 @@ function(zarn_add_tests)
     set(processors 2)
   endif()
   gtest_discover_tests(${arg_NAME} NO_PRETTY_VALUES DISCOVERY_MODE PRE_TEST
-    PROPERTIES TIMEOUT ${arg_TIMEOUT} LABELS "${arg_LABELS}" PROCESSORS ${processors})
+    PROPERTIES TIMEOUT ${arg_TIMEOUT} PROCESSORS ${processors} LABELS "${arg_LABELS}")
 endfunction()
