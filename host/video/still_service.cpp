@@ -108,10 +108,11 @@ void StillService::Expire(std::stop_token const& stop) {
 std::vector<StillService::Slot::Waiter> StillService::TakeExpired(Clock::time_point now) {
     std::vector<Slot::Waiter> expired;
     for (auto const& slot : active) {
-        auto const late =
-            std::ranges::stable_partition(slot->waiters, [now](auto const& waiter) { return waiter.deadline > now; });
-        std::move(late.begin(), late.end(), std::back_inserter(expired));
-        slot->waiters.erase(late.begin(), late.end());
+        auto& waiters = slot->waiters;
+        auto const late = std::stable_partition(waiters.begin(), waiters.end(),
+                                                [now](auto const& waiter) { return waiter.deadline > now; });
+        std::move(late, waiters.end(), std::back_inserter(expired));
+        waiters.erase(late, waiters.end());
     }
     waiting -= expired.size();
     return expired;

@@ -29,7 +29,7 @@ bool IsStale(Reply const& reply) {
 Dispatcher::Dispatcher(Router router, PendingTicker& ticker, Admission& admission, FailedLogins& failedLogins)
     : router(std::move(router)), ticker(ticker), admission(admission), failedLogins(failedLogins) {}
 
-void Dispatcher::Handle(boost::asio::ip::address const& peer, std::shared_ptr<IncomingRequest> request,
+void Dispatcher::Handle(boost::asio::ip::address const& peer, std::shared_ptr<IncomingRequest> const& request,
                         Limits const& limits, Done done) {
     auto const authorization = request->FindField("Authorization");
     if (!authorization.empty()) {

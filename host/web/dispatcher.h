@@ -32,8 +32,8 @@ public:
     Dispatcher& operator=(Dispatcher const&) = delete;
 
     /// Answers one request; `done` is called once, on any thread, possibly before this function returns.
-    void Handle(boost::asio::ip::address const& peer, std::shared_ptr<IncomingRequest> request, Limits const& limits,
-                Done done);
+    void Handle(boost::asio::ip::address const& peer, std::shared_ptr<IncomingRequest> const& request,
+                Limits const& limits, Done done);
 
 private:
     std::shared_ptr<zarn::web::response::Pending> Ask(std::shared_ptr<IncomingRequest> const& request);

@@ -1,7 +1,6 @@
 #include "host/host_process.h"
 #include "host/raw_connection.h"
 
-#include <boost/json/parse.hpp>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
