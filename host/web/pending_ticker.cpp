@@ -37,9 +37,9 @@ constexpr Clock::duration WaitingAge = 20ms;
 
 /// Pause between two rounds over the waiting ones: in proportion to their number, so that asking costs the same share
 /// of a core however many there are, between two bounds.
-constexpr Clock::duration PausePerWaiting = 10us;
+constexpr Clock::duration PausePerWaiting = 40us;
 constexpr Clock::duration ShortestRoundPause = 4ms;
-constexpr Clock::duration LongestRoundPause = 10ms;
+constexpr Clock::duration LongestRoundPause = 40ms;
 
 /// What has woken one waiting response wakes others: for so many rounds after one was ready they are asked sooner.
 constexpr int HastyRounds = 8;
