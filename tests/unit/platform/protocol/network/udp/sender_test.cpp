@@ -1,4 +1,5 @@
 #include "hosts.h"
+#include "no_descriptors.h"
 #include "peer.h"
 
 #include <zarn/asio/io_context.h>
@@ -7,7 +8,6 @@
 
 #include <boost/asio/io_context.hpp>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 #include <future>
 #include <memory>
@@ -19,6 +19,7 @@ namespace {
 
 using boost::asio::ip::make_address;
 using boost::system::error_code;
+using test::NoDescriptors;
 using test::Peer;
 
 std::shared_ptr<container::Buffer> MakeBuffer(std::string text) {
@@ -76,27 +77,9 @@ TEST(Sender, TellsThatThereIsNoRoute) {
     });
 }
 
-/// Lets this process open no files while it lives.
-class NoDescriptors {
-public:
-    NoDescriptors() {
-        getrlimit(RLIMIT_NOFILE, &before);
-        rlimit const none{0, before.rlim_max};
-        setrlimit(RLIMIT_NOFILE, &none);
-    }
-
-    ~NoDescriptors() { setrlimit(RLIMIT_NOFILE, &before); }
-
-    NoDescriptors(NoDescriptors const&) = delete;
-    NoDescriptors& operator=(NoDescriptors const&) = delete;
-
-private:
-    rlimit before{};
-};
-
 TEST(Sender, TellsThatThereIsNoSocketToBeHad) {
-#ifdef ZARN_SANITIZED
-    GTEST_SKIP() << "the sanitizers need descriptors themselves";
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "the check of types in this build opens pipes to see whether memory can be read";
 #endif
     asio::IoContext context(1);
     Sender const first(context.Get(), {make_address("127.0.0.1"), 9}); // the context opens what it needs itself
