@@ -18,6 +18,9 @@ void Dispatch(soap* soap, Services&... services) {
         soap_send_fault(soap);
         return;
     }
+    // Kept whole before it is sent: else gSOAP writes all of it twice, once to count its bytes, and hands the stream
+    // every name and bracket for itself.
+    soap_set_omode(soap, SOAP_IO_STORE);
     status = SOAP_NO_METHOD;
     (void)(((status = services.dispatch()) == SOAP_NO_METHOD) && ...);
     soap_send_fault(soap);

@@ -80,8 +80,7 @@ std::string MakeStreamUri(configuration::node::Root const& root, std::string con
 /// ssl  whether the web server speaks TLS
 std::string MakeSnapshotUri(configuration::node::Root const& root, bool ssl, std::string const& token);
 
-/// Appends one object per channel to `out`, in the order of the configuration, whose lock is held meanwhile. Has the
-/// context keep the whole answer before it is sent (SOAP_IO_STORE) instead of counting its bytes beforehand.
+/// Appends one object per channel to `out`, in the order of the configuration, whose lock is held meanwhile.
 ///
 /// maker        makes one: (soap*, token, name, VideoInfo const&) -> pointer; a null one is left out
 /// channelInfo  asked for every selected channel
@@ -99,8 +98,6 @@ void PopulatePerChannel(soap* soap, List& out, Maker maker, ChannelInfo const& c
         auto const name = ReadName(entry->As<configuration::node::Map>());
         Append(out, maker(soap, path, name, channelInfo(GetChannelId(path))));
     }
-    // Lists of a thousand channels are long: to count their bytes is to write all of it twice.
-    soap_set_omode(soap, SOAP_IO_STORE);
 }
 
 } // namespace zarn::service::onvif

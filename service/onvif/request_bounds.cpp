@@ -1,9 +1,10 @@
 #include "request_bounds.h"
 
-#include <boost/algorithm/string/predicate.hpp>
 #include <soapH.h>
 
 #include <algorithm>
+#include <cctype>
+#include <string_view>
 
 namespace zarn::service::onvif {
 
@@ -12,17 +13,29 @@ namespace {
 constexpr std::ptrdiff_t MaximumAttributes = 512;
 constexpr int UnsupportedMediaType = 415;
 
+// Boost's comparisons look the locale's facets up for every character, which here would be for every field of a
+// request.
+constexpr auto IsSameLetter = [](unsigned char left, unsigned char right) {
+    return std::tolower(left) == std::tolower(right);
+};
+
+bool IsEqual(std::string_view text, std::string_view other) { return std::ranges::equal(text, other, IsSameLetter); }
+
+bool Contains(std::string_view text, std::string_view part) {
+    return !std::ranges::search(text, part, IsSameLetter).empty();
+}
+
 bool IsCompressed(protocol::network::http::Request const& request) {
     return std::ranges::any_of(request.GetFields(), [](auto const& field) {
-        return boost::iequals(field.first, "Content-Encoding") && !boost::iequals(field.second, "identity");
+        return IsEqual(field.first, "Content-Encoding") && !IsEqual(field.second, "identity");
     });
 }
 
 /// Whether the body is said to hold attachments. gSOAP takes the words for it wherever they stand in the field.
 bool HasAttachments(protocol::network::http::Request const& request) {
     return std::ranges::any_of(request.GetFields(), [](auto const& field) {
-        return boost::iequals(field.first, "Content-Type") &&
-               (boost::icontains(field.second, "multipart/") || boost::icontains(field.second, "application/dime"));
+        return IsEqual(field.first, "Content-Type") &&
+               (Contains(field.second, "multipart/") || Contains(field.second, "application/dime"));
     });
 }
 

@@ -1,0 +1,78 @@
+// What can be seen of discovery on one machine, in its own network: for those who may make no network of their own.
+#include "host/host_process.h"
+#include "unit/service/probe_client.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <csignal>
+#include <memory>
+#include <string>
+
+namespace zarn::tests::host {
+namespace {
+
+using namespace std::chrono_literals;
+using zarn::test::MakeProbe;
+using zarn::test::ProbeClient;
+
+std::string Configure(bool enabled) {
+    return std::string(R"({"settings": {"rtsp_port": 0, "web_port": 0, "onvif": {"enabled": )") +
+           (enabled ? "true" : "false") + "}}}";
+}
+
+class LoopbackDiscovery : public testing::Test {
+protected:
+    void Start(bool enabled) {
+        host = std::make_unique<HostProcess>(
+            HostProcess::Options{.configuration = Configure(enabled), .folder = folder});
+    }
+
+    void Reload(bool enabled) {
+        folder->Write("config.json", Configure(enabled));
+        host->GetProcess().Signal(SIGHUP);
+    }
+
+    /// Whether this host answers a probe sent to this machine; another responder's answers do not count.
+    bool IsDiscovered() {
+        ProbeClient probe;
+        probe.Send(MakeProbe("urn:uuid:1"), "127.0.0.1");
+        auto const answer = probe.Receive(200ms);
+        return answer && answer->find(':' + std::to_string(host->GetPort()) + "/onvif/device_service") != answer->npos;
+    }
+
+    /// Waits until that is as expected. The port may be another program's for a while: the responder tries it again.
+    bool AwaitDiscovered(bool expected) {
+        auto const deadline = std::chrono::steady_clock::now() + 60s;
+        while (IsDiscovered() != expected)
+            if (std::chrono::steady_clock::now() > deadline) return false;
+        return true;
+    }
+
+    /// Without a device that can multicast no responder starts.
+    bool HasNoMulticast() { return host->GetProcess().WaitForLog("can multicast", 0s); }
+
+    std::shared_ptr<TemporaryFolder> folder = std::make_shared<TemporaryFolder>();
+    std::unique_ptr<HostProcess> host;
+};
+
+TEST_F(LoopbackDiscovery, TellsThisMachineWhereTheDeviceServiceIs) {
+    Start(true);
+    bool const found = AwaitDiscovered(true);
+    if (HasNoMulticast()) GTEST_SKIP() << "no device of this machine can multicast";
+    EXPECT_TRUE(found);
+}
+
+TEST_F(LoopbackDiscovery, AppearsAndDisappearsWithItsSetting) {
+    Start(false);
+    EXPECT_FALSE(IsDiscovered());
+    Reload(true);
+    bool const found = AwaitDiscovered(true);
+    if (HasNoMulticast()) GTEST_SKIP() << "no device of this machine can multicast";
+    EXPECT_TRUE(found);
+    Reload(false);
+    EXPECT_TRUE(AwaitDiscovered(false));
+}
+
+} // namespace
+} // namespace zarn::tests::host
