@@ -5,12 +5,12 @@
 #include "host/web/request_target.h"
 #include "host/web/response_head.h"
 
-#include <boost/algorithm/string/predicate.hpp>
 #include <boost/asio/dispatch.hpp>
 #include <boost/asio/post.hpp>
 #include <boost/asio/ssl/stream.hpp>
 #include <boost/asio/write.hpp>
 #include <boost/beast/core/flat_buffer.hpp>
+#include <boost/beast/core/string.hpp>
 #include <boost/beast/http/read.hpp>
 
 #include <atomic>
@@ -173,7 +173,7 @@ private:
         Allow(limits.idleTime);
         auto const& header = parser->get();
         if (parser->chunked()) checkedHeader = header.base();
-        bool const asked = header.version() >= 11 && boost::iequals(header[http::field::expect], "100-continue");
+        bool const asked = header.version() >= 11 && boost::beast::iequals(header[http::field::expect], "100-continue");
         if (!asked || parser->is_done() || buffer.size() > 0) return ReadBody({});
         asio::async_write(stream, asio::buffer(ContinueText), Then(&Session::ReadBody));
     }

@@ -1,6 +1,6 @@
 #include "host/web/find_field.h"
 
-#include <boost/algorithm/string/predicate.hpp>
+#include <boost/beast/core/string.hpp>
 
 #include <algorithm>
 
@@ -8,7 +8,7 @@ namespace zarn::host::web {
 
 std::string_view FindField(std::map<std::string_view, std::string_view> const& fields, std::string_view name) {
     auto const found = std::find_if(fields.begin(), fields.end(),
-                                    [name](auto const& field) { return boost::iequals(field.first, name); });
+                                    [name](auto const& field) { return boost::beast::iequals(field.first, name); });
     return found == fields.end() ? std::string_view() : found->second;
 }
 

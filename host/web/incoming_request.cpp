@@ -2,7 +2,7 @@
 
 #include "host/web/find_field.h"
 
-#include <boost/algorithm/string/predicate.hpp>
+#include <boost/beast/core/string.hpp>
 #include <boost/beast/http/rfc7230.hpp>
 
 #include <algorithm>
@@ -22,7 +22,7 @@ constexpr std::array<std::string_view, 9> ConnectionFields{
 
 bool IsConnectionField(std::string_view name, std::string_view connection) {
     return std::any_of(ConnectionFields.begin(), ConnectionFields.end(),
-                       [&](auto field) { return boost::iequals(field, name); }) ||
+                       [&](auto field) { return boost::beast::iequals(field, name); }) ||
            http::token_list(connection).exists(name);
 }
 
@@ -42,7 +42,7 @@ std::string_view IncomingRequest::FindField(std::string_view name) const { retur
 
 void IncomingRequest::AddField(std::string_view name, std::string_view value) {
     auto const same = std::find_if(fields.begin(), fields.end(),
-                                   [&](auto const& field) { return boost::iequals(field.first, name); });
+                                   [&](auto const& field) { return boost::beast::iequals(field.first, name); });
     if (same == fields.end()) {
         fields.emplace(name, value);
     } else {

@@ -2,7 +2,7 @@
 
 #include "host/web/request_target.h"
 
-#include <boost/algorithm/string/predicate.hpp>
+#include <boost/beast/core/string.hpp>
 #include <boost/beast/http/error.hpp>
 #include <boost/beast/http/field.hpp>
 
@@ -45,12 +45,12 @@ std::optional<Reply> CheckFields(Header const& header) {
     }
     // Decompression would let a small request grow past every bound.
     auto const coding = header[http::field::content_encoding];
-    if (!coding.empty() && !boost::iequals(coding, "identity")) {
+    if (!coding.empty() && !boost::beast::iequals(coding, "identity")) {
         return MakeTextReply(Status::UnsupportedMediaType, "Compressed content is not taken.",
                              {{"Accept-Encoding", "identity"}});
     }
     auto const expectation = header[http::field::expect];
-    if (!expectation.empty() && !boost::iequals(expectation, "100-continue")) {
+    if (!expectation.empty() && !boost::beast::iequals(expectation, "100-continue")) {
         return MakeTextReply(Status::ExpectationFailed, "The only expectation that is met is 100-continue.");
     }
     return std::nullopt;
@@ -60,7 +60,7 @@ std::optional<Reply> CheckLength(RequestParser const& parser) {
     auto const& header = parser.get();
     // Whoever stands in front of this server might see another end of a body that is coded otherwise.
     if (auto const coding = header[http::field::transfer_encoding];
-        !coding.empty() && (header.version() < 11 || !boost::iequals(coding, "chunked"))) {
+        !coding.empty() && (header.version() < 11 || !boost::beast::iequals(coding, "chunked"))) {
         return MakeTextReply(Status::BadRequest, "The only transfer coding that is taken is chunked, in HTTP/1.1.");
     }
     auto const method = header.method();

@@ -1,6 +1,6 @@
 #include "host/web/response_head.h"
 
-#include <boost/algorithm/string/predicate.hpp>
+#include <boost/beast/core/string.hpp>
 
 #include <algorithm>
 #include <array>
@@ -17,7 +17,7 @@ constexpr std::array<std::string_view, 6> OwnFields{"Connection", "Content-Lengt
                                                     "Keep-Alive", "Server",         "Transfer-Encoding"};
 
 bool IsOwn(std::string_view name) {
-    return std::any_of(OwnFields.begin(), OwnFields.end(), [&](auto own) { return boost::iequals(own, name); });
+    return std::any_of(OwnFields.begin(), OwnFields.end(), [&](auto own) { return boost::beast::iequals(own, name); });
 }
 
 bool IsToken(std::string_view name) {

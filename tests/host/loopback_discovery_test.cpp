@@ -24,8 +24,8 @@ std::string Configure(bool enabled) {
 class LoopbackDiscovery : public testing::Test {
 protected:
     void Start(bool enabled) {
-        host = std::make_unique<HostProcess>(
-            HostProcess::Options{.configuration = Configure(enabled), .folder = folder});
+        host =
+            std::make_unique<HostProcess>(HostProcess::Options{.configuration = Configure(enabled), .folder = folder});
     }
 
     void Reload(bool enabled) {
