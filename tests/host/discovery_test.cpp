@@ -219,6 +219,29 @@ TEST_F(DiscoveredHost, IsListedByOnvifUtil) {
     });
 }
 
+// It logs in by WS-Security only, which is no login here.
+TEST_F(DiscoveredHost, IsReadByOnvifUtilWhenNoLoginIsNeeded) {
+    server.Run([&] {
+        host = std::make_unique<HostProcess>(HostProcess::Options{
+            .configuration = R"({"settings": {"rtsp_port": 0, "web_port": 0, "onvif": {"enabled": true},
+                                "authentication": {"enabled": false}}, "channels": {
+                "1": {"name": "Gate", "video": {"codec": "video/x-h264", "width": 1920, "height": 1080, "rate": "25/1"}},
+                "2": {"name": "Yard", "video": {"codec": "video/x-h265", "width": 640, "height": 360, "rate": "10/1"}}}})",
+            .folder = folder});
+    });
+    EXPECT_TRUE(AwaitDiscovery("ProbeMatch"));
+    Ip(client, "route add default dev lan");
+    client.Run([&] {
+        Process util({"sh", "-c",
+                      "printf 'get profiles\\nget profile 1\\nget rtsp\\nget video options\\nquit\\n' |"
+                      " onvif-util -u admin -p any 10.9.0.1"});
+        ASSERT_EQ(util.Wait(20s), 0);
+        EXPECT_THAT(util.GetOutput(),
+                    testing::AllOf(HasSubstr("Token 0: channels.1"), HasSubstr("Token 1: channels.2"),
+                                   HasSubstr("Height:     360"), HasSubstr("/channels/2"), HasSubstr("640 x 360")));
+    });
+}
+
 TEST_F(DiscoveredHost, LeavesOthersOfItsNetworkToAnswerForThemselves) {
     // Two hosts and a client at one switch, which the client's machine is.
     Host const second;

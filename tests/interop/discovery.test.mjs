@@ -4,6 +4,7 @@ import assert from 'node:assert/strict';
 import {after, before, test} from 'node:test';
 import {promisify} from 'node:util';
 
+import nodeOnvif from 'node-onvif';
 import onvif from 'onvif';
 
 import {password, startHost} from './host.mjs';
@@ -33,6 +34,13 @@ test('npm onvif is told type, scopes and address', async () => {
     assert.equal(match.types, 'dn:NetworkVideoTransmitter tds:Device');
     assert.equal(match.XAddrs, host.url);
     assert.ok(match.scopes.split(' ').includes(`onvif://www.onvif.org/name/${encodeURIComponent('北门')}`), match.scopes);
+});
+
+test('npm node-onvif finds it once, however many types it asks for', async () => {
+    const found = await nodeOnvif.startProbe();
+    assert.deepEqual(found.map(device => device.xaddrs), [[host.url]]);
+    assert.ok(found[0].scopes.includes('onvif://www.onvif.org/Profile/Streaming'), found[0].scopes);
+    assert.match(found[0].urn, /^urn:uuid:/);
 });
 
 test('nobody finds a device whose setting is off', async () => {
