@@ -23,7 +23,8 @@ char const* const HostProcess::TwoDescribedChannels = R"({
 })";
 
 std::unique_ptr<Process> HostProcess::Launch(Options const& options, TemporaryFolder const& folder) {
-    std::vector<std::string> arguments{ZARN_HOST_PROGRAM, "--config", folder / "config.json"};
+    auto arguments = options.launcher;
+    arguments.insert(arguments.end(), {ZARN_HOST_PROGRAM, "--config", folder / "config.json"});
     arguments.insert(arguments.end(), options.arguments.begin(), options.arguments.end());
     auto environment = options.environment;
     environment.emplace("HOME", folder.GetPath().string());

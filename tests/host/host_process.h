@@ -26,6 +26,9 @@ public:
         /// Password of `admin`; empty: none is given.
         std::string password = "a test's password";
 
+        /// What starts the program instead: a program with arguments, behind which the host and its own come.
+        std::vector<std::string> launcher = {};
+
         /// Further environment variables.
         std::map<std::string, std::string> environment = {};
 

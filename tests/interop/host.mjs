@@ -21,13 +21,14 @@ const defaults = {
     },
 };
 
-// Starts a host and waits until it is ready. Returns {url, hostname, port, stop()}.
-export async function startHost(configuration = {}) {
+// Starts a host and waits until it is ready. log: where its standard error goes, as for child_process.
+// Returns {url, hostname, port, pid, stop()}.
+export async function startHost(configuration = {}, {log = 'inherit'} = {}) {
     const folder = mkdtempSync(join(tmpdir(), 'zarn-interop-'));
     const file = join(folder, 'config.json');
     writeFileSync(file, JSON.stringify({...defaults, ...configuration}));
     const child = spawn(binary, ['--config', file], {
-        env: {...process.env, ZARN_HOST_PASSWORD: password}, stdio: ['ignore', 'pipe', 'inherit'],
+        env: {...process.env, ZARN_HOST_PASSWORD: password}, stdio: ['ignore', 'pipe', log],
     });
     const exit = new Promise(resolve => child.once('exit', code => resolve(code)));
     const ready = new Promise((resolve, reject) => {
@@ -46,7 +47,7 @@ export async function startHost(configuration = {}) {
     };
     try {
         const url = new URL(await ready);
-        return {url: url.href, hostname: url.hostname, port: Number(url.port), stop};
+        return {url: url.href, hostname: url.hostname, port: Number(url.port), pid: child.pid, stop};
     } catch (error) {
         await stop();
         throw error;

@@ -1,0 +1,35 @@
+// What one subscription is given of numbered events ("http 1", "http 2", …; "mqtt 1", …): each once, in order, none left out.
+export class Delivery {
+    #name;
+    #last = new Map();
+    #problems = [];
+    #count = 0;
+
+    constructor(name) { this.#name = name; }
+
+    get problems() { return this.#problems; }
+    get count() { return this.#count; }
+
+    last(series) { return this.#last.get(series)?.number ?? 0; }
+
+    take(text) {
+        const [series, digits] = text.split(' ');
+        const number = Number(digits);
+        const former = this.#last.get(series);
+        if (former && number !== former.number + 1) {
+            this.#problems.push(`${this.#name}: after ${series} ${former.number} came ${series} ${number}`);
+        }
+        this.#last.set(series, {first: former?.first ?? number, number});
+        ++this.#count;
+    }
+
+    // At the end: everything from the number `from` to `to` had to come. What came before or after may have.
+    finish(series, from, to) {
+        if (to < from) return;
+        const {first, number} = this.#last.get(series) ?? {first: Infinity, number: -Infinity};
+        if (first > from || number < to) {
+            const came = number < 0 ? 'none' : `${first} to ${number}`;
+            this.#problems.push(`${this.#name}: of ${series} ${from} to ${to} came ${came}`);
+        }
+    }
+}

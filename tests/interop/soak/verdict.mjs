@@ -1,0 +1,52 @@
+// Whether a host has kept its size over a long run.
+
+const sorted = values => [...values].sort((a, b) => a - b);
+export const median = values => sorted(values)[Math.floor(values.length / 2)];
+export const least = values => Math.min(...values);
+
+// What may grow by how much between the first and the last window. Memory in use goes up and down with the clients of the
+// moment, so its middle counts. What is lost for good (a thread, a descriptor) is there also when least goes on.
+export const growthRules = [
+    {name: 'resident memory', column: 'residentKib', of: median, word: 'median', unit: 'KiB', below: 1024},
+    {name: 'threads', column: 'threads', of: median, word: 'median', unit: '', below: 1},
+    {name: 'threads', column: 'threads', of: least, word: 'least', unit: '', below: 1},
+    {name: 'descriptors', column: 'descriptors', of: median, word: 'median', unit: '', below: 1},
+    {name: 'descriptors', column: 'descriptors', of: least, word: 'least', unit: '', below: 1},
+];
+
+// The seconds that do not count (five minutes, or a sixth of a shorter run), and how many are compared at either end.
+export function divide(seconds) {
+    const warmUp = Math.min(300, Math.floor(seconds / 6));
+    return {warmUp, window: Math.min(60, Math.floor((seconds - warmUp) / 2))};
+}
+
+function judgeGrowth({name, column, of, word, unit, below}, first, last) {
+    const [before, after] = [first, last].map(window => of(window.map(sample => sample[column])));
+    const suffix = unit && ` ${unit}`;
+    return {
+        passed: after - before < below,
+        text: `${name}: ${word} ${before}${suffix} after the warm-up, ${after}${suffix} at the end (may grow by less than ${below}${suffix})`,
+    };
+}
+
+function judgeNone(what, list) {
+    return {passed: list.length === 0, text: list.length === 0 ? `no ${what}` : `${what}: ${list.length}, the first: ${list[0]}`};
+}
+
+// samples   one per second, {second, residentKib, threads, descriptors, ...}
+// problems  lists of texts by what they are: {"error of a client": [...], ...}; each has to be empty
+// Returns {passed, warmUp, window, lines: [{passed, text}]}.
+export function judge(samples, seconds, problems) {
+    const {warmUp, window} = divide(seconds);
+    const first = samples.filter(({second}) => second >= warmUp && second < warmUp + window);
+    const last = samples.filter(({second}) => second >= seconds - window && second < seconds);
+    const lines = [];
+    // A window with holes proves nothing.
+    for (const [name, part] of [['first', first], ['last', last]]) {
+        if (part.length >= window * 0.9 && part.length > 0) continue;
+        lines.push({passed: false, text: `the ${name} window has ${part.length} of ${window} samples`});
+    }
+    if (lines.length === 0) lines.push(...growthRules.map(rule => judgeGrowth(rule, first, last)));
+    lines.push(...Object.entries(problems).map(([what, list]) => judgeNone(what, list)));
+    return {passed: lines.every(line => line.passed), warmUp, window, lines};
+}
