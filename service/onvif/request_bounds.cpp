@@ -22,7 +22,7 @@ constexpr auto IsSameLetter = [](unsigned char left, unsigned char right) {
 bool IsEqual(std::string_view text, std::string_view other) { return std::ranges::equal(text, other, IsSameLetter); }
 
 bool Contains(std::string_view text, std::string_view part) {
-    return !std::ranges::search(text, part, IsSameLetter).empty();
+    return std::search(text.begin(), text.end(), part.begin(), part.end(), IsSameLetter) != text.end();
 }
 
 bool IsCompressed(protocol::network::http::Request const& request) {

@@ -162,7 +162,7 @@ async function soak(seconds, folder, picture) {
     }
     const verdict = judge(run.samples, seconds, {
         'error of a client': run.errors, 'lost, repeated or disordered event': run.disorder, 'client without a round': run.idle,
-        'bad end': end, 'error in the log': readFileSync(logFile, 'utf8').split('\n').filter(line => /\[(error|critical)\]/.test(line)),
+        'bad end': end, 'error in the log': readFileSync(logFile, 'utf8').split('\n').filter(line => /^\S+ (error|critical) /.test(line)),
     });
     const sample = run.samples.at(-1);
     if (sample) {
