@@ -1,6 +1,7 @@
 // A long run: a zarn-host with many kinds of clients, measured every second. Run by scripts/soak.
 //   node soak.mjs MINUTES FOLDER [PICTURE]
 // Writes FOLDER/soak.csv, FOLDER/host.log and the picture (default FOLDER/soak.svg); status 1 when the host has not passed.
+import {setMaxListeners} from 'node:events';
 import {closeSync, createWriteStream, mkdirSync, openSync, readFileSync, writeFileSync} from 'node:fs';
 import {join} from 'node:path';
 
@@ -97,6 +98,7 @@ class Run {
     // Everybody at once, until the time is over.
     async work(seconds, csv) {
         const stop = new AbortController();
+        setMaxListeners(0, stop.signal); // each loop is one
         const loop = async (name, schedule, action) => {
             const rounds = await repeat(schedule, action, error => this.report(name, error), stop.signal);
             if (rounds === 0) this.idle.push(name);
