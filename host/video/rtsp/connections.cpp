@@ -1,5 +1,7 @@
 #include "host/video/rtsp/connections.h"
 
+#include <linux/tcp.h>
+#include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -84,7 +86,10 @@ class Connections::Socket {
 public:
     explicit Socket(GstRTSPClient* client)
         : descriptor(
-              dup(g_socket_get_fd(gst_rtsp_connection_get_read_socket(gst_rtsp_client_get_connection(client))))) {}
+              dup(g_socket_get_fd(gst_rtsp_connection_get_read_socket(gst_rtsp_client_get_connection(client))))) {
+        // A peer that sends without end is to fill little of the system's memory, too.
+        setsockopt(descriptor, SOL_SOCKET, SO_RCVBUF, &ReceiveBuffer, sizeof(ReceiveBuffer));
+    }
 
     ~Socket() {
         if (descriptor >= 0) close(descriptor);
@@ -95,7 +100,16 @@ public:
 
     void ShutDown() const { shutdown(descriptor, SHUT_RDWR); }
 
+    /// The bytes that have come so far, read or not.
+    std::uint64_t CountReceived() const {
+        tcp_info info{};
+        socklen_t size = sizeof(info);
+        return getsockopt(descriptor, IPPROTO_TCP, TCP_INFO, &info, &size) == 0 ? info.tcpi_bytes_received : 0;
+    }
+
 private:
+    static constexpr int ReceiveBuffer = 32 * 1024;
+
     int descriptor;
 };
 
@@ -126,7 +140,7 @@ void Connections::Add(GstRTSPClient* client) {
     {
         std::scoped_lock const lock(state->mutex);
         state->entries.emplace(client, Entry{Client(GST_RTSP_CLIENT(g_object_ref(client))), std::move(socket),
-                                             std::move(address), Clock::now()});
+                                             std::move(address), Clock::now(), 0});
     }
     g_signal_connect_data(
         client, "closed", G_CALLBACK(&Connections::OnClosed), new std::shared_ptr<State>(state),
@@ -149,17 +163,20 @@ std::vector<Connections::Client> Connections::GetAll() const {
     return all;
 }
 
-void Connections::EndIdle(Clock::time_point now) {
-    std::vector<Client> idle;
+void Connections::EndMisused(Clock::time_point now) {
+    std::vector<Client> misused;
     for (auto& client : GetAll()) {
         bool const isBusy = HasSession(client.get());
         std::scoped_lock const lock(state->mutex);
         auto const found = state->entries.find(client.get());
         if (found == state->entries.end()) continue;
-        if (isBusy) found->second.seen = now;
-        if (now - found->second.seen > Patience) idle.push_back(std::move(client));
+        auto& entry = found->second;
+        if (isBusy) entry.seen = now;
+        auto const received = entry.socket->CountReceived();
+        auto const isTooMuch = received - std::exchange(entry.received, received) > MaximumReceived;
+        if (isTooMuch || now - entry.seen > Patience) misused.push_back(std::move(client));
     }
-    End(idle);
+    End(misused);
 }
 
 std::vector<Connections::Client> Connections::FindViewers(std::string const& path) const {

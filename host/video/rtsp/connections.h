@@ -7,6 +7,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
@@ -32,6 +33,10 @@ public:
     /// How long one may be there without a session.
     static constexpr std::chrono::seconds Patience{10};
 
+    /// How many bytes one may send from one call of EndMisused() to the next. Viewers send some hundreds a second;
+    /// GStreamer takes headers without end and keeps them all.
+    static constexpr std::uint64_t MaximumReceived = std::uint64_t{256} * 1024;
+
     Connections();
     ~Connections();
     Connections(Connections const&) = delete;
@@ -49,8 +54,8 @@ public:
     /// Ends one that has just come and has no session yet.
     void ShutDown(GstRTSPClient* client);
 
-    /// Ends those that have had no session for `Patience`.
-    void EndIdle(Clock::time_point now);
+    /// Ends those that have had no session for `Patience`, and those that have sent too much since the last call.
+    void EndMisused(Clock::time_point now);
 
     using Client = ObjectHandle<GstRTSPClient>;
 
@@ -71,6 +76,7 @@ private:
         std::unique_ptr<Socket> socket;
         std::string address;
         Clock::time_point seen; ///< when it came or was last known to have a session
+        std::uint64_t received; ///< bytes, at the last call of EndMisused()
     };
 
     /// Shared with the closing of a connection that outlives the server.

@@ -206,7 +206,7 @@ private:
     static gboolean OnTimer(gpointer self) {
         auto& impl = *static_cast<Impl*>(self);
         gst_rtsp_session_pool_cleanup(impl.sessions.get());
-        impl.connections.EndIdle(Connections::Clock::now());
+        impl.connections.EndMisused(Connections::Clock::now());
         return G_SOURCE_CONTINUE;
     }
 
