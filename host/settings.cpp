@@ -41,13 +41,17 @@ bool IsLine(std::string const& text) {
                     [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7f; })) {
         return false;
     }
+    // U+FFFE and U+FFFF.
+    if (text.find("\xEF\xBF\xBE") != std::string::npos || text.find("\xEF\xBF\xBF") != std::string::npos) return false;
     // The parser refuses what is no UTF-8.
     boost::system::error_code error;
     boost::json::parse(boost::json::serialize(boost::json::string(text)), error);
     return !error;
 }
 
-Rule<std::string> Line() { return {"a line of at most 256 bytes of UTF-8 without control characters", IsLine}; }
+Rule<std::string> Line() {
+    return {"a line of at most 256 bytes of UTF-8 without characters that XML cannot carry", IsLine};
+}
 
 Rule<std::uint16_t> Port() { return {"a port (0 to 65535; 0 takes a free one)", {}}; }
 

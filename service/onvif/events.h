@@ -40,7 +40,7 @@ public:
     /// The capabilities of this service, allocated in the context anew; null without memory.
     static tev__Capabilities* MakeServiceCapabilities(struct soap* soap);
 
-    /// Has every waiting PullMessages look again whether its exchange is to end (StopsWaiting). Thread: any.
+    /// Has every waiting PullMessages look again whether its exchange is to end (IsEnding). Thread: any.
     static void WakeWaiting();
 
     /// Always null: services are made afresh for every request, never cloned.

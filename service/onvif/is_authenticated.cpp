@@ -21,6 +21,9 @@ constexpr std::size_t LongestRealm = 128;
 
 bool IsEmpty(char const* text) { return !text || !*text; }
 
+/// What a client has left out, or an empty text; the engine takes texts only.
+char const* OrEmptyText(char const* text) { return text ? text : ""; }
+
 /// Whether a digest is said to be of the algorithm that the challenge asks for, which a client may leave unsaid. The
 /// engine cannot check any other.
 bool IsMd5(char const* algorithm) { return IsEmpty(algorithm) || boost::iequals(algorithm, "MD5"); }
@@ -52,7 +55,8 @@ bool IsAuthenticated(soap* soap, ZarnAuthenticationEngine const* engine) {
         // The one account of the host is asked for whatever user the client names: a digest made for another name is
         // simply wrong. ONVIF is served by POST alone, so the method is not read from the request line.
         return ZarnAuthenticationCheckDigest(engine, "zarn.service.onvif", "", "admin", response, "POST", path.c_str(),
-                                             digest->nonce, digest->ncount, digest->cnonce, digest->qop);
+                                             OrEmptyText(digest->nonce), OrEmptyText(digest->ncount),
+                                             OrEmptyText(digest->cnonce), OrEmptyText(digest->qop));
     };
     if (isRight()) return true;
     // Some clients leave the query out of the digest's URI, others keep it.

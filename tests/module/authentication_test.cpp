@@ -46,6 +46,12 @@ TEST_F(Authentication, OffersNoQualityThatItCannotCheck) {
     }
 }
 
+TEST_F(Authentication, ChallengesOnceAndForMd5) {
+    auto const challenge = AskForUsers({.authenticated = false}).fields.at("WWW-Authenticate");
+    EXPECT_THAT(challenge, testing::MatchesRegex("Digest [^,]*algorithm=MD5,.*|Digest .*[ ,]algorithm=MD5(,.*)?"));
+    EXPECT_EQ(challenge.find("Digest", 1), std::string::npos) << challenge;
+}
+
 TEST_F(Authentication, ReadsTheNameOfTheFieldAndTheDigestInAnyCase) {
     auto authorization = MakeAuthorization({});
     EXPECT_EQ(AskForUsers({.fields = {{"authorization", authorization}}, .authenticated = false}).status, 200);

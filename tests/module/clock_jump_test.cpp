@@ -87,6 +87,26 @@ TEST_P(ClockJump, KeepsNobodyBusy) {
     EXPECT_LT(GetProcessorTime() - before, 250ms);
 }
 
+TEST_P(ClockJump, MovesTheEndsOfSubscriptions) {
+    auto const path = Subscribe(Termination("PT1H"));
+    jump = GetParam();
+    // The timers' thread may sleep for minutes; an end in front of all others wakes it.
+    auto const hasEnded = [this](std::string const& ending) {
+        auto const deadline = Clock::now() + 20s;
+        while (Clock::now() < deadline) {
+            if (Pull(ending).status != 200) return true;
+            Subscribe(Termination("2001-01-01T00:00:00Z"));
+            std::this_thread::sleep_for(10ms);
+        }
+        return false;
+    };
+    if (GetParam() < 0) {
+        EXPECT_EQ(Pull(path).status, 200);
+        Renew(path, "PT0.1S");
+    }
+    EXPECT_TRUE(hasEnded(path));
+}
+
 INSTANTIATE_TEST_SUITE_P(ByAYear, ClockJump, testing::Values(-Year, Year),
                          [](auto const& tested) { return tested.param < 0 ? "Back" : "Ahead"; });
 

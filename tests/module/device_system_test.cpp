@@ -55,7 +55,7 @@ TEST_F(GetHostname, TellsTheHostNameWithoutCredentials) {
 
 TEST_F(GetHostname, AndTheSerialNumberFollowTheHostNameWhenItChanges) {
     bool const entered = RunOnPrivateMachine([this] {
-        for (std::string const name : {"gate-1", "yard.example", ""}) {
+        for (std::string const name : {"gate-1", "yard.example", "Grün", "大门", ""}) {
             ASSERT_EQ(sethostname(name.data(), name.size()), 0);
             EXPECT_EQ(AskAnonymously("<tds:GetHostname/>").Text("//tt:Name"), name);
             EXPECT_EQ(Ask("<tds:GetDeviceInformation/>").Text("//tds:SerialNumber"), name);

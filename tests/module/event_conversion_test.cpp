@@ -124,6 +124,41 @@ TEST_F(EventConversion, MakesAWholeMessageOfAFieldEvent) {
                     R"(</wsnt:NotificationMessage>)"));
 }
 
+TEST_F(EventConversion, MakesAWholeMessageOfEveryOtherFamily) {
+    struct Expected {
+        char const* type;
+        std::uint32_t zone;
+        char const* topic;
+        char const* items; ///< behind those that every message has
+    };
+
+    for (auto const& [type, zone, topic, items] : {
+             Expected{"direction", Zone::Line, "LineDetector/Crossed", ""},
+             Expected{"dwell", Zone::Field, "LoiteringDetector/ObjectIsLoitering",
+                      R"(<tt:SimpleItem Name="Since" Value="2026-01-31T12:00:00.25Z"/>)"},
+             Expected{"count", Zone::Field, "CountAggregation/Counter", R"(<tt:SimpleItem Name="Count" Value="3"/>)"},
+         }) {
+        auto const event = InZone(type, zone);
+        event->Emplace<Channel>(2);
+        event->Emplace<Object>(12).Emplace<Confidence>("person", 0.9);
+        event->Emplace<Value>(3);
+        auto const reply = Convert(event);
+        EXPECT_EQ(reply.Texts("//wsnt:NotificationMessage").size(), 1U) << type;
+        EXPECT_THAT(
+            reply.Message(),
+            testing::HasSubstr(
+                R"(<wsnt:NotificationMessage><wsnt:Topic Dialect="http://www.onvif.org/ver10/tev/topicExpression/)"
+                R"(ConcreteSet">tns1:RuleEngine/)" +
+                std::string(topic) +
+                R"(</wsnt:Topic><wsnt:Message><tt:Message UtcTime="2026-01-31T12:00:00Z" PropertyOperation="Changed">)"
+                R"(<tt:Source><tt:SimpleItem Name="VideoSource" Value="channels.2"/>)"
+                R"(<tt:SimpleItem Name="Rule" Value="rule"/></tt:Source><tt:Data>)"
+                R"(<tt:SimpleItem Name="ObjectId" Value="12 "/><tt:SimpleItem Name="ClassTypes" Value="person "/>)" +
+                items + "</tt:Data></tt:Message></wsnt:Message></wsnt:NotificationMessage>"))
+            << type;
+    }
+}
+
 TEST_F(EventConversion, SaysInsideForEveryFieldEvent) {
     for (auto const* type : {"presence", "direction", "directional-crossing", "enter", "exit", "appear", "disappear",
                              "tailgating", "fall", "and", "not", "or"}) {

@@ -3,6 +3,7 @@
 #include <service/onvif/events.h>
 #include <service/onvif/soap_context.h>
 #include <zarn/asio/global_context.h>
+#include <zarn/onvif/events/subscription_gauge.h>
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/post.hpp>
@@ -139,6 +140,21 @@ TEST_F(PullPointRace, OfItsEndWithItsUnsubscriptionEndsItAlone) {
     EXPECT_THAT(Pull(path), IsNotFound());
     EXPECT_EQ(Pull(other).status, 200);
     EXPECT_EQ(Pull(next).status, 200);
+}
+
+TEST_F(PullPointRace, OfAPullWithItsUnsubscriptionGivesWhatItHas) {
+    constexpr int Count = 10'000;
+    auto const path = Subscribe();
+    for (int i = 0; i < Count; ++i) Publish(MakeFieldEvent(std::to_string(i)));
+    auto const pending = PostPull(path, Count, "PT0S");
+    // From the first conversion on, there is one event less in the queue.
+    while (onvif::events::GetSubscriptions().back().queued == Count) std::this_thread::yield();
+    EXPECT_EQ(Unsubscribe(path).status, 200);
+    auto const rules = GetRules(ToReply(WaitFor(*pending)));
+    EXPECT_THAT(Pull(path), IsNotFound());
+    ASSERT_FALSE(rules.empty());
+    EXPECT_LT(rules.size(), Count);
+    for (std::size_t i = 0; i < rules.size(); ++i) ASSERT_EQ(rules[i], std::to_string(i));
 }
 
 TEST_F(PullPointRace, OfSeveralWhoPullGivesEachEventToOneOfThemInOrder) {

@@ -112,21 +112,39 @@ TEST_F(PullPoint, HasAnAddressBelowTheBaseUri) {
     EXPECT_THAT(Create("").Text("//wsa5:Address"), HasSubstr("https://"));
 }
 
+constexpr char Action[] = "//SOAP-ENV:Header/wsa5:Action";
+
 TEST_F(PullPoint, AnswersWithItsAction) {
-    EXPECT_EQ(Create("").Text("//SOAP-ENV:Header/wsa5:Action"),
+    EXPECT_EQ(Create("").Text(Action),
               "http://www.onvif.org/ver10/events/wsdl/EventPortType/CreatePullPointSubscriptionResponse");
-    EXPECT_EQ(Pull(Subscribe()).Text("//SOAP-ENV:Header/wsa5:Action"),
+    EXPECT_EQ(Pull(Subscribe()).Text(Action),
               "http://www.onvif.org/ver10/events/wsdl/PullPointSubscription/PullMessagesResponse");
-    EXPECT_EQ(Pull("/onvif/events_service").Text("//SOAP-ENV:Header/wsa5:Action"),
+    EXPECT_EQ(Pull("/onvif/events_service").Text(Action),
               "http://www.onvif.org/ver10/events/wsdl/PullPointSubscription/PullMessagesResponse");
     EXPECT_FALSE(Renew(Subscribe(), "PT10S").Has("//wsa5:Action"));
 }
 
+TEST_F(PullPoint, AnswersWithItsActionAlsoToWhoDoesNotLogIn) {
+    Sending const anonymous{.path = Subscribe(), .authenticated = false};
+    EXPECT_EQ(Ask("<tev:CreatePullPointSubscription/>", anonymous).Text(Action),
+              "http://www.onvif.org/ver10/events/wsdl/EventPortType/CreatePullPointSubscriptionResponse");
+    EXPECT_EQ(Ask("<tev:PullMessages/>", anonymous).Text(Action),
+              "http://www.onvif.org/ver10/events/wsdl/PullPointSubscription/PullMessagesResponse");
+    EXPECT_FALSE(Ask("<wsnt:Renew/>", anonymous).Has(Action));
+    EXPECT_FALSE(Ask("<wsnt:Unsubscribe/>", anonymous).Has(Action));
+}
+
 TEST_F(PullPoint, AnswersWithItsActionToWhoSentOne) {
+    Sending const withAction{.path = Subscribe(),
+                             .header = "<a:Action>a</a:Action><a:MessageID>urn:uuid:1</a:MessageID>"};
+    EXPECT_EQ(Ask("<tev:PullMessages><tev:Timeout>PT0S</tev:Timeout></tev:PullMessages>", withAction).Text(Action),
+              "http://www.onvif.org/ver10/events/wsdl/PullPointSubscription/PullMessagesResponse");
+    EXPECT_FALSE(Ask("<wsnt:Renew/>", withAction).Has(Action));
+    EXPECT_FALSE(Ask("<wsnt:Unsubscribe/>", withAction).Has(Action));
     auto const reply =
         Ask("<tev:CreatePullPointSubscription/>",
             {.header = "<a:Action>a</a:Action><a:MessageID>urn:uuid:1</a:MessageID><a:To>urn:long-long</a:To>"});
-    EXPECT_EQ(reply.Text("//SOAP-ENV:Header/wsa5:Action"),
+    EXPECT_EQ(reply.Text(Action),
               "http://www.onvif.org/ver10/events/wsdl/EventPortType/CreatePullPointSubscriptionResponse");
     EXPECT_EQ(reply.Text("//SOAP-ENV:Header/wsa5:RelatesTo"), "urn:uuid:1");
 }

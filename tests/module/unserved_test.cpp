@@ -225,15 +225,22 @@ TEST_F(UnservedOperation, ReadsNothingOfItsRequest) {
 }
 
 TEST(EventOperationOfAFurtherPortType, AnswersNotSupported) {
-    auto const context = service::onvif::MakeSoapContext();
-    service::onvif::EventsService events(context.get(), service::onvif::URIBase(80, false), nullptr);
-    _wsnt__RenewResponse renewed;
-    _wsnt__UnsubscribeResponse unsubscribed;
-    EXPECT_EQ(events.Renew_(nullptr, renewed), SOAP_FAULT);
-    EXPECT_EQ(events.Unsubscribe_(nullptr, unsubscribed), SOAP_FAULT);
-    EXPECT_EQ(events.Unsubscribe__(nullptr, unsubscribed), SOAP_FAULT);
-    EXPECT_EQ(events.Notify_(nullptr), SOAP_FAULT);
-    EXPECT_STREQ(*soap_faultsubcode(context.get()), "ter:ActionNotSupported");
+    using service::onvif::EventsService;
+    static _wsnt__RenewResponse renewed;
+    static _wsnt__UnsubscribeResponse unsubscribed;
+    for (int (*call)(EventsService&) : {
+             +[](EventsService& events) { return events.Renew_(nullptr, renewed); },
+             +[](EventsService& events) { return events.Unsubscribe_(nullptr, unsubscribed); },
+             +[](EventsService& events) { return events.Unsubscribe__(nullptr, unsubscribed); },
+             +[](EventsService& events) { return events.Notify_(nullptr); },
+         }) {
+        auto const context = service::onvif::MakeSoapContext();
+        EventsService events(context.get(), service::onvif::URIBase(80, false), nullptr);
+        EXPECT_EQ(call(events), SOAP_FAULT);
+        EXPECT_STREQ(*soap_faultcode(context.get()), "SOAP-ENV:Receiver");
+        EXPECT_STREQ(*soap_faultstring(context.get()), "Not supported");
+        EXPECT_STREQ(*soap_faultsubcode(context.get()), "ter:ActionNotSupported");
+    }
 }
 
 } // namespace

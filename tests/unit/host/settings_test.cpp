@@ -147,7 +147,9 @@ TEST_F(SettingsTest, CannotBeOverriddenWithWhatTheyDoNotTake) {
                                                           {"settings", "1"},
                                                           {"", "1"},
                                                           {"channels.9.name", "x"},
-                                                          {"identity.name", "\xff"}}) {
+                                                          {"identity.name", "\xff"},
+                                                          {"identity.name", "\xEF\xBF\xBE"},
+                                                          {"identity.name", "\xEF\xBF\xBF"}}) {
         EXPECT_THROW(OverrideSetting(*root, path, text), Error) << path << "=" << text;
     }
 }

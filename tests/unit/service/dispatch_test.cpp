@@ -69,9 +69,12 @@ TEST_F(DispatchTest, WritesNothingOfItsOwnWhenTheOperationWasServed) {
 }
 
 TEST_F(DispatchTest, WritesTheFaultOfAnOperationTwiceAndAsksNobodyElse) {
-    Run({SOAP_NO_METHOD, SOAP_FAULT, SOAP_OK, SOAP_OK, SOAP_OK});
-    EXPECT_THAT(calls, ElementsAre(0, 1));
-    EXPECT_EQ(CountResponses(), 2U);
+    for (int const result : {SOAP_FAULT, 401}) {
+        calls.clear();
+        Run({SOAP_NO_METHOD, result, SOAP_OK, SOAP_OK, SOAP_OK});
+        EXPECT_THAT(calls, ElementsAre(0, 1));
+        EXPECT_EQ(CountResponses(), 2U);
+    }
 }
 
 TEST_F(DispatchTest, WritesOneFaultWhenNobodyKnowsTheOperation) {

@@ -45,12 +45,17 @@ protected:
     /// Asks for a request with digest credentials to this path; the engine gives these answers.
     /// further  what its credentials say besides, with a comma behind it
     bool IsAuthenticatedAt(std::string const& path, std::deque<bool> answers, std::string const& further = "") {
+        return IsAuthenticatedBy(further + R"(nonce="n", qop=auth, nc=0000000a, cnonce="c", )", path,
+                                 std::move(answers));
+    }
+
+    /// The same with what its credentials say beside user, realm, URI and response.
+    bool IsAuthenticatedBy(std::string const& credentials, std::string const& path, std::deque<bool> answers) {
         std::stringstream input;
-        input
-            << "POST " << path << " HTTP/1.1\r\nHost: device\r\nAuthorization: Digest " << further
-            << "username=\"operator\", realm=\"r\", nonce=\"n\", uri=\"/other\", qop=auth, nc=0000000a, cnonce=\"c\", "
-            << "response=\"0123456789ABCDEF0123456789abcdef\"\r\nContent-Length: " << sizeof(Body) - 1 << "\r\n\r\n"
-            << Body;
+        input << "POST " << path << " HTTP/1.1\r\nHost: device\r\nAuthorization: Digest " << credentials
+              << R"(username="operator", realm="r", uri="/other", response="0123456789ABCDEF0123456789abcdef")"
+              << "\r\nContent-Length: " << sizeof(Body) - 1 << "\r\n\r\n"
+              << Body;
         soap_register_plugin_arg(context.get(), http_da, http_da_md5());
         context->is = &input;
         EXPECT_EQ(soap_begin_serve(context.get()), SOAP_OK);
@@ -72,6 +77,13 @@ protected:
 TEST_F(IsAuthenticatedTest, AsksTheEngineForTheAdministratorWithWhatTheClientSent) {
     EXPECT_TRUE(IsAuthenticatedAt("/onvif/x", {true}));
     EXPECT_THAT(Questions, ElementsAre(Question("/onvif/x")));
+}
+
+TEST_F(IsAuthenticatedTest, GivesTheEngineEmptyTextsForWhatTheClientLeftOut) {
+    EXPECT_TRUE(IsAuthenticatedBy("", "/onvif/x", {true}));
+    EXPECT_THAT(Questions,
+                ElementsAre(ElementsAre("zarn.service.onvif", "", "admin", "0123456789abcdef0123456789abcdef", "POST",
+                                        "/onvif/x", "", "", "", "")));
 }
 
 TEST_F(IsAuthenticatedTest, AsksOnceWhenThePathHasNoQuery) {
