@@ -35,6 +35,7 @@ zarn_verify_headers(zarn_platform "${CMAKE_CURRENT_SOURCE_DIR}/include"
   include/zarn/authentication/engine.h
   include/zarn/authentication/ha1.h
   include/zarn/authentication/realm.h
+  include/zarn/authentication/replay_check.h
   include/zarn/container/buffer.h
   include/zarn/job/dynamic_thread_pool.h
   include/zarn/logging/capture.h

@@ -20,4 +20,8 @@ struct DigestInput {
 /// Throws std::runtime_error when OpenSSL has no MD5. Thread: any. Source: RFC 2617, 3.2.2.1.
 std::string MakeDigestResponse(DigestInput const& input);
 
+/// Whether `response` is that answer, 32 lower-case hexadecimal characters; compared in constant time.
+/// Throws std::runtime_error when OpenSSL has no MD5. Thread: any.
+bool IsDigestResponse(DigestInput const& input, std::string_view response);
+
 } // namespace zarn::authentication

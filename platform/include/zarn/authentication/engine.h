@@ -1,5 +1,7 @@
 #pragma once
 
+#include <zarn/authentication/replay_check.h>
+
 #include <atomic>
 #include <mutex>
 #include <string>
@@ -10,7 +12,9 @@
 class ZarnAuthenticationEngine {
 public:
     /// Authentication is required, no password is set.
-    ZarnAuthenticationEngine();
+    /// replays  decides whether a right answer may be used; must outlive the engine. Null: every right answer may, as
+    /// often as it comes, whoever made its nonce
+    explicit ZarnAuthenticationEngine(zarn::authentication::ReplayCheck* replays = nullptr);
 
     ZarnAuthenticationEngine(ZarnAuthenticationEngine const&) = delete;
     ZarnAuthenticationEngine& operator=(ZarnAuthenticationEngine const&) = delete;
@@ -27,7 +31,11 @@ public:
     /// The HA1 of a user in lower case; empty when there is no such user or no password is set.
     std::string GetHa1(std::string_view user) const;
 
+    /// What decides whether a right answer may be used; may be null.
+    zarn::authentication::ReplayCheck* GetReplayCheck() const noexcept { return replays; }
+
 private:
+    zarn::authentication::ReplayCheck* const replays;
     std::atomic<bool> enabled;
     mutable std::mutex mutex; ///< guards ha1
     std::string ha1;
@@ -42,8 +50,10 @@ bool ZarnAuthenticationIsEnabled(ZarnAuthenticationEngine const* engine);
 /// user       only "admin" exists
 /// response   32 lower-case hexadecimal characters; compared in constant time
 /// qop        "auth", or empty for the older form of RFC 2069; anything else is refused
-/// A null text counts as empty; a null engine refuses. Whether the nonce is one of ours is not looked at here.
-/// Throws std::runtime_error when OpenSSL has no MD5. Thread: any. Source: RFC 2617, 3.2.2.
+/// A null text counts as empty; a null engine refuses.
+/// A right answer is then shown to the engine's replay check, if it has one: false when that refuses it. An answer for
+/// a user that does not exist takes as long as one for "admin". Throws std::runtime_error when OpenSSL has no MD5.
+/// Thread: any. Source: RFC 2617, 3.2.2.
 bool ZarnAuthenticationCheckDigest(ZarnAuthenticationEngine const* engine, char const* component, char const* empty,
                                    char const* user, char const* response, char const* method, char const* uri,
                                    char const* nonce, char const* nc, char const* cnonce, char const* qop);

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <string>
+
 namespace zarn::authentication {
 namespace {
 
@@ -35,6 +38,23 @@ TEST(MakeDigestResponse, DependsOnEachPart) {
         auto input = Example;
         input.*part = "other";
         EXPECT_NE(MakeDigestResponse(input), MakeDigestResponse(Example));
+    }
+}
+
+TEST(IsDigestResponse, IsTrueForTheRightAnswerAlone) {
+    std::string const right = "6629fae49393a05397450978507c4ef1";
+    EXPECT_TRUE(IsDigestResponse(Example, right));
+    for (std::size_t at = 0; at < right.size(); ++at) {
+        auto wrong = right;
+        wrong[at] = wrong[at] == '0' ? '1' : '0';
+        EXPECT_FALSE(IsDigestResponse(Example, wrong)) << at;
+    }
+}
+
+TEST(IsDigestResponse, IsFalseForAnAnswerOfAnotherLength) {
+    std::string const right = "6629fae49393a05397450978507c4ef1";
+    for (auto const& wrong : {std::string(), right.substr(1), right.substr(0, 31), right + "0"}) {
+        EXPECT_FALSE(IsDigestResponse(Example, wrong));
     }
 }
 

@@ -2,11 +2,12 @@
 #include <zarn/authentication/engine.h>
 #include <zarn/authentication/ha1.h>
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <vector>
 
 namespace {
 
@@ -162,6 +163,67 @@ TEST_F(AuthenticationEngine, WithoutAnEngineEverybodyIsRefused) {
     EXPECT_TRUE(ZarnAuthenticationIsEnabled(nullptr));
     EXPECT_FALSE(ZarnAuthenticationCheckDigest(nullptr, "", "", "admin", check.response.c_str(), check.method,
                                                check.uri, check.nonce, check.nc, check.cnonce, check.qop));
+}
+
+/// Remembers what it is asked, and answers what its test says.
+class FakeReplayCheck final : public zarn::authentication::ReplayCheck {
+public:
+    bool Take(zarn::authentication::AnswerIdentity const& answer) override {
+        questions.push_back(
+            {std::string(answer.nonce), std::string(answer.nonceCount), std::string(answer.clientNonce)});
+        return answers;
+    }
+
+    std::vector<std::vector<std::string>> questions;
+    bool answers = true;
+};
+
+class AuthenticationEngineWithReplayCheck : public AuthenticationEngine {
+protected:
+    AuthenticationEngineWithReplayCheck() { guarded.SetHa1(Ha1); }
+
+    FakeReplayCheck replays;
+    ZarnAuthenticationEngine guarded{&replays};
+};
+
+TEST_F(AuthenticationEngineWithReplayCheck, ShowsItARightAnswer) {
+    EXPECT_TRUE(check(guarded));
+    EXPECT_THAT(replays.questions, testing::ElementsAre(testing::ElementsAre(check.nonce, check.nc, check.cnonce)));
+}
+
+TEST_F(AuthenticationEngineWithReplayCheck, RefusesWhatItRefuses) {
+    replays.answers = false;
+    EXPECT_FALSE(check(guarded));
+}
+
+TEST_F(AuthenticationEngineWithReplayCheck, DoesNotBotherItWithWrongAnswers) {
+    check.uri = "/onvif/other";
+    EXPECT_FALSE(check(guarded));
+    check.Answer();
+    check.user = "root";
+    EXPECT_FALSE(check(guarded));
+    EXPECT_THAT(replays.questions, testing::IsEmpty());
+}
+
+TEST_F(AuthenticationEngineWithReplayCheck, ShowsItNoCountThatTheAnswerDoesNotCover) {
+    check.qop = "";
+    check.Answer();
+    EXPECT_TRUE(check(guarded));
+    EXPECT_THAT(replays.questions, testing::ElementsAre(testing::ElementsAre(check.nonce, "", "")));
+}
+
+TEST_F(AuthenticationEngine, TakesAnAnswerAsOftenAsItComesWithoutAReplayCheck) {
+    EXPECT_TRUE(check(engine));
+    EXPECT_TRUE(check(engine));
+}
+
+TEST_F(AuthenticationEngine, RefusesWhoAnswersForAUserThatIsNoneWithWhatTheyAreComparedWith) {
+    check.user = "root";
+    check.Answer(std::string(32, '0'));
+    EXPECT_FALSE(check(engine));
+    check.user = "admin";
+    engine.SetHa1("");
+    EXPECT_FALSE(check(engine));
 }
 
 TEST_F(AuthenticationEngine, MayChangeWhileItIsAsked) {
