@@ -111,20 +111,21 @@ protected:
     }
 };
 
-// The list is cleaned up when a challenge is made in a second that is a multiple of ten.
-constexpr std::time_t Start = 1'800'000'001;
+class DigestPluginAt : public DigestPlugin, public testing::WithParamInterface<std::time_t> {};
 
-TEST_F(DigestPlugin, FindsAChallengeBeforeTheListIsCleanedUp) {
-    auto const challenge = ChallengeAt(Start);
-    ChallengeAt(Start + 1);
-    EXPECT_THAT(Post(Start + 2, Answer(challenge)), testing::StartsWith("HTTP/1.1 200 "));
+TEST_P(DigestPluginAt, FindsTheLastChallenge) {
+    ChallengeAt(GetParam());
+    EXPECT_THAT(Post(GetParam(), Answer(ChallengeAt(GetParam()))), testing::StartsWith("HTTP/1.1 200 "));
 }
 
-TEST_F(DigestPlugin, ForgetsAChallengeWithinTenSeconds) {
-    auto const challenge = ChallengeAt(Start);
-    ChallengeAt(Start + 9);
-    EXPECT_THAT(Post(Start + 9, Answer(challenge)), testing::StartsWith("HTTP/1.1 401 "));
+TEST_P(DigestPluginAt, ForgetsAChallengeWhenItMakesAnother) {
+    auto const challenge = ChallengeAt(GetParam());
+    ChallengeAt(GetParam());
+    EXPECT_THAT(Post(GetParam(), Answer(challenge)), testing::StartsWith("HTTP/1.1 401 "));
 }
+
+// The plugin would clean its list up in seconds that are multiples of ten alone.
+INSTANTIATE_TEST_SUITE_P(EverySecond, DigestPluginAt, testing::Range<std::time_t>(1'800'000'000, 1'800'000'010));
 
 } // namespace
 } // namespace zarn::bindings
