@@ -40,6 +40,20 @@ std::optional<std::string> TakeQuoted(std::string_view& text) {
 
 } // namespace
 
+std::string RemoveBlanksBeforeSeparators(std::string_view authorization) {
+    std::string text;
+    text.reserve(authorization.size());
+    bool quoted = false;
+    for (std::size_t i = 0; i < authorization.size(); ++i) {
+        char const character = authorization[i];
+        if (!quoted && (character == ',' || character == '=')) text.resize(text.find_last_not_of(Blanks) + 1);
+        if (character == '"') quoted = !quoted;
+        text += character;
+        if (quoted && character == '\\' && i + 1 < authorization.size()) text += authorization[++i];
+    }
+    return text;
+}
+
 std::optional<std::map<std::string, std::string>> ParseDigestParameters(std::string_view authorization) {
     if (!boost::istarts_with(authorization, Scheme)) return std::nullopt;
     std::string_view rest = authorization.substr(Scheme.size());

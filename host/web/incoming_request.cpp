@@ -1,5 +1,6 @@
 #include "host/web/incoming_request.h"
 
+#include "host/web/digest_parameters.h"
 #include "host/web/find_field.h"
 
 #include <boost/beast/core/string.hpp>
@@ -36,6 +37,7 @@ IncomingRequest::IncomingRequest(Message message, std::string target)
     for (auto const& field : this->message) {
         if (!IsConnectionField(field.name_string(), connection)) AddField(field.name_string(), field.value());
     }
+    TidyAuthorization();
 }
 
 std::string_view IncomingRequest::FindField(std::string_view name) const { return web::FindField(fields, name); }
@@ -46,8 +48,17 @@ void IncomingRequest::AddField(std::string_view name, std::string_view value) {
     if (same == fields.end()) {
         fields.emplace(name, value);
     } else {
-        same->second = joined.emplace_back(std::string(same->second).append(", ").append(value));
+        same->second = changed.emplace_back(std::string(same->second).append(", ").append(value));
     }
+}
+
+void IncomingRequest::TidyAuthorization() {
+    auto const field = std::find_if(fields.begin(), fields.end(), [](auto const& entry) {
+        return boost::beast::iequals(entry.first, "Authorization");
+    });
+    if (field == fields.end()) return;
+    auto tidied = RemoveBlanksBeforeSeparators(field->second);
+    if (tidied.size() < field->second.size()) field->second = changed.emplace_back(std::move(tidied));
 }
 
 } // namespace zarn::host::web

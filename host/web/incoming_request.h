@@ -15,7 +15,7 @@ namespace zarn::host::web {
 /// A request as it came from a connection, in the form that services read.
 /// The fields that concern the connection only (Connection and what it names, Keep-Alive, Expect, TE, Trailer,
 /// Transfer-Encoding, Upgrade, Proxy-...) are left out: the web server has dealt with them. A field that came several
-/// times stands once, its values joined with ", " (RFC 9110, 5.3).
+/// times stands once, its values joined with ", " (RFC 9110, 5.3). In Authorization no blanks stand before "," and "=".
 class IncomingRequest final : public zarn::web::Request {
 public:
     using Message = boost::beast::http::request<boost::beast::http::string_body>;
@@ -38,12 +38,13 @@ public:
 
 private:
     void AddField(std::string_view name, std::string_view value);
+    void TidyAuthorization();
 
     Message message;
     std::string target;
     protocol::network::http::Method method;
     std::map<std::string_view, std::string_view> fields;
-    std::list<std::string> joined; ///< the text of joined values, where `fields` points to
+    std::list<std::string> changed; ///< the text of values that are not as they came, where `fields` points to
 };
 
 } // namespace zarn::host::web

@@ -41,5 +41,20 @@ TEST(DigestParameters, AreNoneInATextOfAnotherForm) {
     }
 }
 
+TEST(BlanksBeforeSeparators, AreRemoved) {
+    EXPECT_EQ(RemoveBlanksBeforeSeparators("Digest  a \t= 1 , b=2\t,\tc=\"3\" ,d=4 "),
+              "Digest  a= 1, b=2,\tc=\"3\",d=4 ");
+    EXPECT_EQ(RemoveBlanksBeforeSeparators(""), "");
+    EXPECT_EQ(RemoveBlanksBeforeSeparators(" ,"), ",");
+}
+
+TEST(BlanksBeforeSeparators, StayInQuotedTexts) {
+    for (auto const* text : {R"(Digest a="1 ,2 =3",b=4)", R"(Digest a="1\" ,2 =3",b=4)", R"(Digest a="1 ,2\)",
+                             R"(Digest a="\\", b="3 ,4")"}) {
+        EXPECT_EQ(RemoveBlanksBeforeSeparators(text), text);
+    }
+    EXPECT_EQ(RemoveBlanksBeforeSeparators(R"(Digest a="\\" ,b=3)"), R"(Digest a="\\",b=3)");
+}
+
 } // namespace
 } // namespace zarn::host::web

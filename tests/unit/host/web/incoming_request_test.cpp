@@ -51,6 +51,15 @@ TEST(IncomingRequest, FindsAFieldWithoutRegardToCase) {
     EXPECT_EQ(request.FindField("Host"), "");
 }
 
+TEST(IncomingRequest, HasNoBlanksBeforeTheSeparatorsOfItsCredentials) {
+    auto message = MakeMessage();
+    message.set("authorization", "Digest qop=auth , nc = 1");
+    message.set("X-Other", "a , b");
+    IncomingRequest const request(std::move(message), "/");
+    EXPECT_THAT(request.GetFields(),
+                UnorderedElementsAre(Pair("authorization", "Digest qop=auth, nc= 1"), Pair("X-Other", "a , b")));
+}
+
 TEST(IncomingRequest, LeavesOutWhatConcernsTheConnectionOnly) {
     auto message = MakeMessage();
     for (auto const* name : {"Keep-Alive", "EXPECT", "TE", "Trailer", "transfer-encoding", "Upgrade",
