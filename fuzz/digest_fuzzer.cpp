@@ -1,4 +1,5 @@
 // Authorization fields, of whoever has not logged in and of who has.
+#include "host/web/challenges.h"
 #include "host/web/digest.h"
 #include "host/web/digest_parameters.h"
 #include "require.h"
@@ -20,6 +21,7 @@
 namespace zarn::fuzz {
 namespace {
 
+using host::web::Challenges;
 using host::web::Digest;
 using host::web::ParseDigestParameters;
 using Parameters = std::map<std::string, std::string>;
@@ -59,7 +61,7 @@ struct Verdict {
 struct Door {
     Door() : ha1(authentication::MakeHa1("admin", authentication::Realm, "secret")) { engine.SetHa1(ha1); }
 
-    Verdict Ask(std::string authorization) const {
+    Verdict Ask(std::string authorization) {
         auto const refusal = digest.Refuse(Request(std::move(authorization)));
         if (!refusal) return {.served = true};
         auto const data = refusal->GetData();
@@ -74,8 +76,9 @@ struct Door {
     }
 
     std::string ha1;
-    ZarnAuthenticationEngine engine;
-    Digest digest{engine};
+    Challenges challenges;
+    ZarnAuthenticationEngine engine{&challenges};
+    Digest digest{engine, challenges};
 };
 
 std::string Write(Parameters const& parameters) {
@@ -106,11 +109,16 @@ void Sign(Parameters& answer, std::string const& ha1) {
 bool IsTaken(Parameters& answer) {
     auto const& algorithm = answer["algorithm"];
     auto const& qop = answer["qop"];
-    return answer["username"] == "admin" && (qop.empty() || qop == "auth") &&
+    return !answer["username"].empty() && !answer["realm"].empty() && (qop.empty() || qop == "auth") &&
            (algorithm.empty() || boost::iequals(algorithm, "MD5"));
 }
 
-void Check(Door const& door, Parameters answer) {
+/// Whether an answer can be told from the next one to the same challenge.
+bool IsCounted(Parameters& answer) {
+    return !answer["qop"].empty() && !(answer["nc"].empty() && answer["cnonce"].empty());
+}
+
+void Check(Door& door, Parameters answer) {
     Require(ParseDigestParameters(Write(answer)) == answer, "what was read is read again when written out");
     bool const isForTarget = answer["uri"] == Target || answer["uri"] == Path;
     Sign(answer, door.ha1);
@@ -123,6 +131,11 @@ void Check(Door const& door, Parameters answer) {
     auto const served = door.Ask(Write(answer)).served;
     if (isForTarget) Require(served == IsTaken(answer), "a right answer to a new challenge lets in");
     if (!IsTaken(answer)) Require(!served, "an answer of a form that is not offered does not let in");
+    if (!served) return;
+
+    auto const again = door.Ask(Write(answer));
+    Require(again.served != IsCounted(answer), "an answer lets in once, unless it has neither count nor client nonce");
+    Require(again.served || again.stale, "a right answer that has been used gets a new challenge");
 }
 
 } // namespace
@@ -135,7 +148,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     std::string const field(reinterpret_cast<char const*>(data), size);
     // The web server lets no such fields through.
     if (size > MaximumLength || field.find_first_of(std::string("\0\r\n", 3)) != std::string::npos) return 0;
-    static Door const door;
+    Door door;
     auto const verdict = door.Ask(field);
     Require(!verdict.served && !verdict.stale, "who does not know the password is not let in");
     if (auto parameters = ParseDigestParameters(field)) Check(door, *std::move(parameters));

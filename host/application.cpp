@@ -71,6 +71,7 @@ Application::Application(Preparation prepared)
     bool const authenticate = ReadBool(root, AuthenticationPath);
     authentication.SetHa1(preparation.credentials.ha1);
     authentication.SetEnabled(authenticate);
+    challenges.SetLife(ReadNonceLife(root));
 
     if (!IsOverridden(root, WebPortPath)) followedPort = ReadPersistedPort(root);
     web::Listener listener(webContext, ReadPort(root, WebPortPath));
@@ -92,7 +93,7 @@ Application::Application(Preparation prepared)
     manager->UpdateSSLState(speaksTls);
     manager->UpdateServerPort(listener.GetPort()); // last: from now on addresses are told
     mqtt = std::make_unique<events::MqttClient>(zarn::onvif::events::Publish);
-    onvif = std::make_shared<web::OnvifRoute>(*manager, authentication);
+    onvif = std::make_shared<web::OnvifRoute>(*manager, web::Digest(authentication, challenges));
 
     server = std::make_unique<web::Server>(webContext, std::move(listener), web::Router(MakeRoutes()),
                                            web::Server::Options{.limits = ReadLimits(root),
@@ -143,10 +144,11 @@ std::vector<web::Route> Application::MakeRoutes() {
             std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - started);
         return MakeStatus(*preparation.configuration, *engine, *admission, mqtt->GetStatus(), speaksTls, uptime);
     };
+    web::Digest const digest(authentication, challenges);
     return {
         {"/onvif/", onvif},
-        {"/snapshot/*/latest.jpeg", std::make_shared<web::SnapshotRoute>(authentication, snapshot)},
-        {"/api/events", std::make_shared<events::EventsRoute>(authentication, zarn::onvif::events::Publish)},
+        {"/snapshot/*/latest.jpeg", std::make_shared<web::SnapshotRoute>(digest, snapshot)},
+        {"/api/events", std::make_shared<events::EventsRoute>(digest, zarn::onvif::events::Publish)},
         {"/api/health", std::make_shared<web::HealthRoute>(describe)},
     };
 }
@@ -193,6 +195,7 @@ void Application::Apply() {
             authentication.SetEnabled(authenticate);
             engine->SetAuthentication(authenticate, preparation.credentials.ha1);
         }
+        challenges.SetLife(ReadNonceLife(root));
         failedLogins->SetLimit(ReadFailedLoginsLimit(root));
         udp::AllowAnySource(ReadBool(root, DiscoveryAnywherePath));
         server->SetLimits(ReadLimits(root));

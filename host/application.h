@@ -6,6 +6,7 @@
 #include "host/preparation.h"
 #include "host/video/engine.h"
 #include "host/web/admission.h"
+#include "host/web/challenges.h"
 #include "host/web/onvif_route.h"
 #include "host/web/repeating_timer.h"
 #include "host/web/server.h"
@@ -75,7 +76,8 @@ private:
     boost::asio::io_context control; ///< run by Run()
     SignalDescriptor endSignals;
     SignalDescriptor reloadSignals; ///< its own, so that a flood of SIGHUP does not keep the others from being read
-    ZarnAuthenticationEngine authentication;
+    web::Challenges challenges;
+    ZarnAuthenticationEngine authentication{&challenges};
     boost::asio::io_context webContext; ///< run by the server's threads; outlives whoever may still complete a response
     std::shared_ptr<FailedLogins> failedLogins = std::make_shared<FailedLogins>();
     std::unique_ptr<video::Engine> engine;

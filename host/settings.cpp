@@ -4,6 +4,7 @@
 #include "host/failed_logins.h"
 #include "host/video/check_source.h"
 #include "host/video/frame_rate.h"
+#include "host/web/challenges.h"
 
 #include <zarn/configuration/error.h>
 #include <zarn/configuration/node/dynamic.h>
@@ -16,7 +17,6 @@
 #include <boost/json/string.hpp>
 
 #include <algorithm>
-#include <chrono>
 #include <cstddef>
 #include <limits>
 #include <memory>
@@ -91,6 +91,11 @@ std::vector<Schema> SettingsSchemas() {
         {OnvifPath, false, "The boolean denoting whether ONVIF is enabled for Zarnsuite"},
         {DiscoveryAnywherePath, false, "Whether probes of networks are answered that the machine is not connected to"},
         {AuthenticationPath, true, "Whether clients have to log in"},
+        {NonceSecondsPath,
+         number(web::Challenges::LongestLife.count()),
+         "Seconds for which the challenge of a login counts",
+         {},
+         Number(1, number(web::Challenges::LongestLife.count()))},
         {"settings.tls.certificate", "", "PEM file with the certificate chain; empty: no TLS"},
         {"settings.tls.private_key", "", "PEM file with the private key of the certificate"},
         {"settings.limits.connections", number(limits.connections), "Connections in all", {}, Number(1, Many)},
@@ -188,6 +193,10 @@ video::RtspLimits ReadRtspLimits(configuration::node::Root const& root) {
 
 std::size_t ReadFailedLoginsLimit(configuration::node::Root const& root) {
     return Read<std::uint32_t>(root, FailedLoginsPath);
+}
+
+std::chrono::seconds ReadNonceLife(configuration::node::Root const& root) {
+    return std::chrono::seconds(Read<std::uint32_t>(root, NonceSecondsPath));
 }
 
 std::size_t ReadQueuedWarning(configuration::node::Root const& root) {

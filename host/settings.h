@@ -7,6 +7,7 @@
 #include <zarn/configuration/node/root.h>
 #include <zarn/utilities/name/config.h>
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -40,6 +41,9 @@ video::RtspLimits ReadRtspLimits(configuration::node::Root const& root);
 /// How many wrong logins an address may try in a minute, on both servers together.
 std::size_t ReadFailedLoginsLimit(configuration::node::Root const& root);
 
+/// How long a nonce of a challenge counts.
+std::chrono::seconds ReadNonceLife(configuration::node::Root const& root);
+
 /// How many events may wait in all subscriptions together before the log warns.
 std::size_t ReadQueuedWarning(configuration::node::Root const& root);
 
@@ -61,6 +65,7 @@ void OverrideSetting(configuration::node::Root const& root, std::string const& p
 inline constexpr char const* WebPortPath = "settings.web_port";
 inline constexpr char const* RtspPortPath = "settings.rtsp_port";
 inline constexpr char const* AuthenticationPath = "settings.authentication.enabled";
+inline constexpr char const* NonceSecondsPath = "settings.authentication.nonce_seconds";
 inline constexpr char const* OnvifPath = "settings.onvif.enabled";
 inline constexpr char const* DiscoveryAnywherePath = "settings.onvif.discovery_anywhere";
 inline constexpr char const* QueuedWarningPath = "settings.events.queued_warning";

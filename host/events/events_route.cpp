@@ -44,7 +44,7 @@ Pending::Data GetData(std::shared_future<zarn::web::Service::Response> const& an
 
 } // namespace
 
-EventsRoute::EventsRoute(ZarnAuthenticationEngine const& engine, Sink sink) : digest(engine), sink(std::move(sink)) {}
+EventsRoute::EventsRoute(web::Digest digest, Sink sink) : digest(digest), sink(std::move(sink)) {}
 
 EventsRoute::Response EventsRoute::Post(std::shared_ptr<zarn::web::Request> request) {
     if (auto refusal = digest.Refuse(*request)) return refusal;

@@ -18,9 +18,9 @@ using Sink = std::function<void(std::shared_ptr<meta::data::Event>)>;
 /// Serves `/api/events`: takes events of other programs, from those who log in.
 class EventsRoute final : public zarn::web::Service {
 public:
-    /// engine  decides who may bring events; must outlive the route
+    /// digest  decides who may bring events
     /// sink    is called with each event, before the answer, on a thread of the route
-    EventsRoute(ZarnAuthenticationEngine const& engine, Sink sink);
+    EventsRoute(web::Digest digest, Sink sink);
 
     /// Drops the requests whose events have not been read, and waits for those that have.
     ~EventsRoute() override = default;

@@ -1,9 +1,11 @@
 #include "host/web/dispatcher.h"
 
+#include "host/web/digest_answer.h"
+#include "host/web/digest_parameters.h"
 #include "host/web/request_target.h"
 
-#include <boost/algorithm/string/find.hpp>
 #include <boost/algorithm/string/predicate.hpp>
+#include <boost/beast/core/string.hpp>
 
 #include <algorithm>
 #include <exception>
@@ -20,7 +22,10 @@ using Status = Reply::Status;
 /// Whether the refusal only asks for a newer nonce, so that the answer itself was right.
 bool IsStale(Reply const& reply) {
     return std::any_of(reply.fields.begin(), reply.fields.end(), [](auto const& field) {
-        return boost::iequals(field.first, "WWW-Authenticate") && boost::icontains(field.second, "stale=true");
+        if (!boost::beast::iequals(field.first, "WWW-Authenticate")) return false;
+        // Read as a client does: the realm in it may be the text of the one who guesses.
+        auto challenge = ParseDigestParameters(field.second);
+        return challenge && boost::beast::iequals((*challenge)["stale"], "true");
     });
 }
 
@@ -53,7 +58,7 @@ void Dispatcher::Handle(boost::asio::ip::address const& peer, std::shared_ptr<In
         return done(MakeTextReply(Status::ServiceUnavailable, "Too many requests are under way; try again later.",
                                   {{"Retry-After", "1"}}));
     }
-    bool const answersDigest = boost::istarts_with(authorization, "Digest");
+    bool const answersDigest = boost::istarts_with(authorization, "Digest") && !IsOfOtherForm(authorization);
     auto pending = Ask(request);
     ticker.Watch(std::move(pending), [this, peer, answersDigest, slot = std::move(slot), request,
                                       done = std::move(done)](Reply reply) mutable {

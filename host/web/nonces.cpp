@@ -8,18 +8,21 @@
 
 #include <charconv>
 #include <cstddef>
-#include <cstdint>
 #include <iterator>
 #include <stdexcept>
 
 namespace zarn::host::web {
 namespace {
 
-constexpr std::size_t TimeLength = 16;
+constexpr std::size_t NumberLength = 16;
+constexpr std::size_t TextLength = 2 * NumberLength;
 constexpr std::size_t SignedBytes = 16;
 
-std::int64_t ToNumber(Nonces::Clock::time_point time) {
-    return std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch()).count();
+void Append(std::string& text, std::uint64_t number) {
+    std::array<char, NumberLength> digits{};
+    auto const* const end = std::to_chars(digits.data(), digits.data() + digits.size(), number, 16).ptr;
+    auto const length = static_cast<std::size_t>(end - digits.data());
+    text.append(NumberLength - length, '0').append(digits.data(), length);
 }
 
 } // namespace
@@ -30,34 +33,31 @@ Nonces::Nonces() : key() {
     }
 }
 
-std::string Nonces::Make(Clock::time_point now) const {
-    std::array<char, TimeLength> digits{};
-    auto const number = static_cast<std::uint64_t>(ToNumber(now));
-    auto const end = std::to_chars(digits.data(), digits.data() + digits.size(), number, 16).ptr;
-    auto const length = static_cast<std::size_t>(end - digits.data());
-    std::string time(TimeLength - length, '0');
-    time.append(digits.data(), length);
-    return time + Sign(time);
+std::string Nonces::Make(Clock::time_point now) {
+    auto const time = std::chrono::floor<std::chrono::milliseconds>(now.time_since_epoch()).count();
+    std::string text;
+    Append(text, static_cast<std::uint64_t>(time));
+    Append(text, count++);
+    return text + Sign(text);
 }
 
-bool Nonces::IsFresh(std::string_view nonce, Clock::time_point now) const {
-    if (nonce.size() != TimeLength + 2 * SignedBytes) return false;
-    auto const time = nonce.substr(0, TimeLength);
-    if (CRYPTO_memcmp(Sign(time).data(), nonce.data() + TimeLength, 2 * SignedBytes) != 0) return false;
-    std::uint64_t number = 0;
-    std::from_chars(time.data(), time.data() + time.size(), number, 16);
-    auto const age = std::chrono::milliseconds(ToNumber(now) - static_cast<std::int64_t>(number));
-    return age >= std::chrono::milliseconds(0) && age <= Lifetime;
+std::optional<Nonces::Clock::time_point> Nonces::GetTime(std::string_view nonce) const {
+    if (nonce.size() != TextLength + 2 * SignedBytes) return std::nullopt;
+    auto const signature = Sign(nonce.substr(0, TextLength));
+    if (CRYPTO_memcmp(signature.data(), nonce.data() + TextLength, signature.size()) != 0) return std::nullopt;
+    std::uint64_t time = 0;
+    std::from_chars(nonce.data(), nonce.data() + NumberLength, time, 16);
+    return Clock::time_point(std::chrono::milliseconds(static_cast<std::int64_t>(time)));
 }
 
-std::string Nonces::Sign(std::string_view time) const {
+std::string Nonces::Sign(std::string_view text) const {
     std::array<unsigned char, EVP_MAX_MD_SIZE> hash{};
     unsigned length = 0;
-    HMAC(EVP_sha256(), key.data(), static_cast<int>(key.size()), reinterpret_cast<unsigned char const*>(time.data()),
-         time.size(), hash.data(), &length);
-    std::string text;
-    boost::algorithm::hex_lower(hash.data(), hash.data() + SignedBytes, std::back_inserter(text));
-    return text;
+    HMAC(EVP_sha256(), key.data(), static_cast<int>(key.size()), reinterpret_cast<unsigned char const*>(text.data()),
+         text.size(), hash.data(), &length);
+    std::string hex;
+    boost::algorithm::hex_lower(hash.data(), hash.data() + SignedBytes, std::back_inserter(hex));
+    return hex;
 }
 
 } // namespace zarn::host::web

@@ -1,14 +1,18 @@
 #pragma once
 
 #include <array>
+#include <atomic>
 #include <chrono>
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
 namespace zarn::host::web {
 
-/// Makes the nonces of digest challenges and recognises them again without keeping any: a nonce is its time and a keyed
-/// hash of it. The key is random and lives as long as the object. Thread: any.
+/// Makes the nonces of digest challenges and recognises them again without keeping any, so that no number of challenges
+/// takes memory or drives out others: a nonce is its time, its number and a keyed hash of both. The key is random and
+/// lives as long as the object. Thread: any.
 class Nonces {
 public:
     using Clock = std::chrono::steady_clock;
@@ -16,18 +20,17 @@ public:
     /// Throws std::runtime_error when the system gives no random bytes.
     Nonces();
 
-    /// A nonce made at `now`, 48 hexadecimal characters.
-    std::string Make(Clock::time_point now = Clock::now()) const;
+    /// A nonce made at `now`, 64 hexadecimal characters; no two are the same.
+    std::string Make(Clock::time_point now);
 
-    /// Whether `nonce` was made here and within Lifetime before `now`.
-    bool IsFresh(std::string_view nonce, Clock::time_point now = Clock::now()) const;
-
-    static constexpr std::chrono::minutes Lifetime{5};
+    /// When `nonce` was made, rounded down to a millisecond; none when it was not made here.
+    std::optional<Clock::time_point> GetTime(std::string_view nonce) const;
 
 private:
-    std::string Sign(std::string_view time) const;
+    std::string Sign(std::string_view text) const;
 
     std::array<unsigned char, 32> key;
+    std::atomic<std::uint64_t> count = 0;
 };
 
 } // namespace zarn::host::web

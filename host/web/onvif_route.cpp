@@ -8,13 +8,25 @@
 
 namespace zarn::host::web {
 
-OnvifRoute::OnvifRoute(zarn::web::Service& module, ZarnAuthenticationEngine const& engine)
-    : digest(engine), module(&module) {}
+using zarn::web::response::Pending;
+using zarn::web::response::State;
+
+OnvifRoute::OnvifRoute(zarn::web::Service& module, Digest digest) : digest(digest), module(&module) {}
 
 OnvifRoute::Response OnvifRoute::Post(std::shared_ptr<zarn::web::Request> request) {
     if (request->GetBody().empty() && FindField(request->GetFields(), "Authorization").empty()) {
         if (auto challenge = digest.Refuse(*request)) return challenge;
     }
+    auto const pending = Ask(request);
+    auto const getData = [pending, request = std::move(request), digest = digest] {
+        auto data = pending->GetData();
+        bool const refused = data.GetState() == State::Complete && data.GetStatus() == Reply::Status::Unauthorized;
+        return refused ? digest.Challenge(data, *request) : data;
+    };
+    return std::make_shared<Pending>(pending->GetStatus(), getData, pending->GetTimeout());
+}
+
+OnvifRoute::Response OnvifRoute::Ask(std::shared_ptr<zarn::web::Request> request) {
     std::shared_lock const lock(mutex);
     if (module == nullptr) return MakeTextResponse(Reply::Status::ServiceUnavailable, "The server is stopping.");
     return module->Post(std::move(request));

@@ -14,17 +14,20 @@ namespace zarn::host::web {
 class OnvifRoute final : public zarn::web::Service {
 public:
     /// module  must live until Stop() has returned
-    /// engine  decides whether clients have to log in; must outlive the route
-    OnvifRoute(zarn::web::Service& module, ZarnAuthenticationEngine const& engine);
+    /// digest  makes the challenges that clients get
+    OnvifRoute(zarn::web::Service& module, Digest digest);
 
-    /// The module's answer; 503 after Stop(). A request without body and credentials is answered 401 when clients have
-    /// to log in: some clients hold the body of their first request back until they have been asked for credentials.
+    /// The module's answer, in a refusal with the host's challenge; 503 after Stop(). A request without body and
+    /// credentials is answered 401 when clients have to log in: some clients hold the body of their first request back
+    /// until they have been asked for credentials.
     Response Post(std::shared_ptr<zarn::web::Request> request) override;
 
     /// When this returns, no request is in the module's Post and none will be.
     void Stop();
 
 private:
+    Response Ask(std::shared_ptr<zarn::web::Request> request);
+
     Digest digest;
     std::shared_mutex mutex; ///< guards module
     zarn::web::Service* module;

@@ -50,8 +50,8 @@ std::string_view GetId(std::string_view target) {
 
 } // namespace
 
-SnapshotRoute::SnapshotRoute(ZarnAuthenticationEngine const& engine, Source source)
-    : Service({Method::Get, Method::Head}), digest(engine), source(std::move(source)) {}
+SnapshotRoute::SnapshotRoute(Digest digest, Source source)
+    : Service({Method::Get, Method::Head}), digest(digest), source(std::move(source)) {}
 
 SnapshotRoute::Response SnapshotRoute::Get(std::shared_ptr<zarn::web::Request> request) {
     if (auto refusal = digest.Refuse(*request)) return refusal;

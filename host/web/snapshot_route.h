@@ -17,8 +17,8 @@ public:
     /// Asks for a picture of a channel; calls back once, on any thread, possibly before it returns.
     using Source = std::function<void(std::string_view id, std::function<void(video::Snapshot)> done)>;
 
-    /// engine  decides who may see pictures; must outlive the route
-    SnapshotRoute(ZarnAuthenticationEngine const& engine, Source source);
+    /// digest  decides who may see pictures
+    SnapshotRoute(Digest digest, Source source);
 
     /// 200 with a JPEG file; 401 for who has not logged in; 404 for an unknown channel; 503 when there is no picture
     /// now.

@@ -39,6 +39,7 @@ TEST_F(SettingsTest, HaveDefaults) {
     EXPECT_EQ(ReadPort(*root, WebPortPath), 8080);
     EXPECT_EQ(ReadPort(*root, RtspPortPath), 8554);
     EXPECT_TRUE(ReadBool(*root, AuthenticationPath));
+    EXPECT_EQ(ReadNonceLife(*root), std::chrono::minutes(5));
     EXPECT_FALSE(ReadBool(*root, OnvifPath));
     EXPECT_TRUE(ReadTlsFiles(*root).IsEmpty());
     EXPECT_EQ(ReadLimits(*root), web::Limits());
@@ -65,6 +66,16 @@ TEST_F(SettingsTest, GiveEveryLimit) {
     EXPECT_EQ(ReadRtspLimits(*root).connections, 1U);
     EXPECT_EQ(ReadRtspLimits(*root).connectionsPerAddress, 2U);
     EXPECT_EQ(ReadFailedLoginsLimit(*root), 7U);
+}
+
+TEST_F(SettingsTest, LetNoncesLiveFiveMinutesAtMost) {
+    Read(R"({"settings": {"authentication": {"nonce_seconds": 1}}})");
+    EXPECT_EQ(ReadNonceLife(*root), std::chrono::seconds(1));
+    for (auto const* text : {"0", "301"}) {
+        EXPECT_THAT(GetError(std::string(R"({"settings": {"authentication": {"nonce_seconds": )") + text + "}}}"),
+                    HasSubstr("settings.authentication.nonce_seconds: " + std::string(text) +
+                              " is not a number from 1 to 300"));
+    }
 }
 
 TEST_F(SettingsTest, GiveTheChannelsInTheOrderOfTheFile) {

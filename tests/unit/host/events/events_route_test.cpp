@@ -51,7 +51,9 @@ protected:
 
     ZarnAuthenticationEngine engine;
     std::vector<std::string> taken;
-    EventsRoute route{engine, [this](auto const& event) { taken.push_back(event->GetType()); }};
+    web::Challenges challenges;
+    EventsRoute route{web::Digest(engine, challenges),
+                      [this](auto const& event) { taken.push_back(event->GetType()); }};
 };
 
 TEST_F(EventsRouteTest, TakesAnEvent) {
@@ -69,7 +71,7 @@ TEST_F(EventsRouteTest, TakesAListInItsOrderBeforeItAnswers) {
 
 TEST_F(EventsRouteTest, DoesNotWaitUntilTheEventsAreTaken) {
     std::promise<void> taking;
-    EventsRoute slow(engine, [&](auto const&) { taking.get_future().wait(); });
+    EventsRoute slow(web::Digest(engine, challenges), [&](auto const&) { taking.get_future().wait(); });
     auto const response = slow.Process(std::make_shared<web::FakeRequest>(
         Method::Post, "/api/events", std::map<std::string, std::string>(), R"({"type": "a"})"));
     EXPECT_EQ(response->GetStatus(), Status::Provisional);
@@ -83,7 +85,7 @@ TEST_F(EventsRouteTest, DoesNotWaitUntilTheEventsAreTaken) {
 }
 
 TEST_F(EventsRouteTest, LetsTheServerKnowWhatWentWrong) {
-    EventsRoute failing(engine, [](auto const&) { throw std::bad_alloc(); });
+    EventsRoute failing(web::Digest(engine, challenges), [](auto const&) { throw std::bad_alloc(); });
     auto const response = failing.Process(std::make_shared<web::FakeRequest>(
         Method::Post, "/api/events", std::map<std::string, std::string>(), R"({"type": "a"})"));
     EXPECT_THROW(Await(*response), std::bad_alloc);

@@ -1,5 +1,6 @@
 #include "host/web/digest.h"
 #include "host/web/digest_parameters.h"
+#include "host/web/reply.h"
 #include "web/fake_request.h"
 
 #include <zarn/authentication/digest.h>
@@ -25,6 +26,8 @@ struct Answer {
     std::string uri = "/snapshot/1/latest.jpeg";
     std::string qop = "auth";
     std::string further = {};
+    std::string count = "00000001";
+    std::string clientNonce = "c";
 };
 
 class DigestTest : public testing::Test {
@@ -50,17 +53,35 @@ protected:
                                                                   .method = answer.method,
                                                                   .uri = answer.uri,
                                                                   .nonce = nonce,
-                                                                  .nonceCount = "00000001",
-                                                                  .clientNonce = "c",
+                                                                  .nonceCount = answer.count,
+                                                                  .clientNonce = answer.clientNonce,
                                                                   .qop = answer.qop});
         std::string text = "Digest username=\"" + answer.user + "\", realm=\"" + authentication::Realm +
                            "\", nonce=\"" + nonce + "\", uri=\"" + answer.uri + "\", response=\"" + response + "\"";
-        if (!answer.qop.empty()) text += ", qop=" + answer.qop + ", nc=00000001, cnonce=\"c\"";
+        if (!answer.qop.empty())
+            text += ", qop=" + answer.qop + ", nc=" + answer.count + ", cnonce=\"" + answer.clientNonce + "\"";
         return text + answer.further;
     }
 
-    ZarnAuthenticationEngine engine;
-    Digest digest{engine};
+    /// The module's refusal of a request, with the challenge that takes the place of its own.
+    std::string Challenge(std::string const& authorization, std::string const& target = "/onvif/a") const {
+        FakeRequest const request(Method::Post, target, {{"authorization", authorization}});
+        auto const data = digest.Challenge({Reply::Status::Unauthorized,
+                                            {{"www-authenticate", ModulesChallenge}, {"Content-Type", "text/xml"}},
+                                            {zarn::web::response::State::Complete, {}}},
+                                           request);
+        EXPECT_EQ(data.GetStatus(), Reply::Status::Unauthorized);
+        EXPECT_EQ(data.GetFields().size(), 2U);
+        EXPECT_EQ(data.GetFields().at("Content-Type"), "text/xml");
+        return data.GetFields().at("WWW-Authenticate");
+    }
+
+    static constexpr char ModulesChallenge[] =
+        R"(Digest algorithm=MD5, realm="the client's", qop="auth", nonce="1f", opaque="2e")";
+
+    Challenges challenges;
+    ZarnAuthenticationEngine engine{&challenges};
+    Digest digest{engine, challenges};
 };
 
 TEST_F(DigestTest, ChallengesARequestWithoutCredentials) {
@@ -80,9 +101,10 @@ TEST_F(DigestTest, LetsEverythingThroughWhenAuthenticationIsOff) {
 }
 
 TEST_F(DigestTest, RefusesAWrongAnswer) {
-    for (auto const& answer : {Answer{.password = "guess"}, Answer{.user = "root"}, Answer{.method = "POST"},
-                               Answer{.uri = "/snapshot/2/latest.jpeg"}, Answer{.uri = ""}, Answer{.qop = "auth-int"},
-                               Answer{.further = ", algorithm=SHA-256"}, Answer{.further = ", nc=00000002"}}) {
+    for (auto const& answer :
+         {Answer{.password = "guess"}, Answer{.user = "root"}, Answer{.user = ""}, Answer{.method = "POST"},
+          Answer{.uri = "/snapshot/2/latest.jpeg"}, Answer{.uri = ""}, Answer{.qop = "auth-int"},
+          Answer{.further = ", algorithm=SHA-256"}, Answer{.further = ", nc=00000002"}}) {
         EXPECT_THAT(Ask(Say(GetNonce(), answer)), HasSubstr("nonce="));
         EXPECT_THAT(Ask(Say(GetNonce(), answer)), Not(HasSubstr("stale")));
     }
@@ -92,6 +114,50 @@ TEST_F(DigestTest, RefusesAnotherScheme) { EXPECT_THAT(Ask("Basic YWRtaW46c2Vjcm
 
 TEST_F(DigestTest, SaysThatANonceIsStaleWhenNothingElseIsWrong) {
     EXPECT_THAT(Ask(Say("dcd98b7102dd2f0e8b11d0f600bfb0c0", {})), HasSubstr("stale=true"));
+}
+
+TEST_F(DigestTest, SaysThatANonceIsStaleWhenTheAnswerHasBeenUsed) {
+    auto const answer = Say(GetNonce(), {});
+    EXPECT_EQ(Ask(answer), "");
+    EXPECT_THAT(Ask(answer), HasSubstr("stale=true"));
+    EXPECT_THAT(Ask(answer), HasSubstr("stale=true"));
+}
+
+TEST_F(DigestTest, LetsAClientGoOnWithItsChallenge) {
+    auto const nonce = GetNonce();
+    for (auto const* count : {"00000001", "00000003", "00000002"}) EXPECT_EQ(Ask(Say(nonce, {.count = count})), "");
+    EXPECT_EQ(Ask(Say(nonce, {.clientNonce = "d"})), "");
+    for (int request = 0; request < 3; ++request) EXPECT_EQ(Ask(Say(nonce, {.qop = ""})), "");
+}
+
+TEST_F(DigestTest, DoesNotUseUpAnAnswerThatWasWrong) {
+    auto const nonce = GetNonce();
+    EXPECT_NE(Ask(Say(nonce, {.password = "guess"})), "");
+    EXPECT_EQ(Ask(Say(nonce, {})), "");
+}
+
+TEST_F(DigestTest, AsksForTheOneAccountWhateverNameTheClientGives) {
+    auto answer = Say(GetNonce(), {});
+    answer.replace(answer.find("\"admin\""), 7, "\"root\"");
+    EXPECT_EQ(Ask(answer), "");
+}
+
+TEST_F(DigestTest, PutsItsChallengeInThePlaceOfTheModules) {
+    EXPECT_THAT(Challenge(""), MatchesRegex("Digest realm=\"the client's\", qop=\"auth\", nonce=\"[0-9a-f]{64}\", "
+                                            "algorithm=MD5"));
+    auto const nonce = ParseDigestParameters(Challenge(""))->at("nonce");
+    EXPECT_EQ(Ask(Say(nonce, {})), "");
+}
+
+TEST_F(DigestTest, SaysOfTheModulesRefusalThatANonceIsStaleWhenTheAnswerWasRight) {
+    auto const answer = Say("1f", {.method = "POST", .uri = "/onvif/a"});
+    EXPECT_THAT(Challenge(answer), HasSubstr("stale=true"));
+    EXPECT_THAT(Challenge(answer, "/onvif/a?b=1"), HasSubstr("stale=true"));
+    EXPECT_THAT(Challenge(Say("1f", {.method = "POST", .uri = "/onvif/a?b=1"}), "/onvif/a?b=1"),
+                HasSubstr("stale=true"));
+    EXPECT_THAT(Challenge(answer, "/onvif/b"), Not(HasSubstr("stale")));
+    EXPECT_THAT(Challenge(Say("1f", {.password = "guess", .method = "POST", .uri = "/onvif/a"})),
+                Not(HasSubstr("stale")));
 }
 
 TEST_F(DigestTest, TakesAnAnswerForTheWholeTargetAndForThePathAlone) {

@@ -129,6 +129,17 @@ TEST_F(GuessingTest, IsNotWhatAClientDoesWhoseNonceIsOld) {
     Guess(10, "Digest username=\"admin\"");
 }
 
+TEST_F(GuessingTest, IsNotHiddenByARealmThatSpeaksOfStaleNonces) {
+    // The realm of the challenge is the text of the one who guesses.
+    Refuse({{"WWW-Authenticate", "Digest realm=\"stale=true\", nonce=\"1\""}});
+    Guess(4, "Digest username=\"admin\"");
+    EXPECT_EQ(Ask("Digest username=\"admin\""), Status::TooManyRequests);
+}
+
+TEST_F(GuessingTest, IsNotWhatAClientDoesWhoseAnswerIsOfAFormThatNobodyChecks) {
+    Guess(10, "Digest username=\"admin\", algorithm=SHA-256");
+}
+
 TEST_F(GuessingTest, IsNotWhatAClientDoesWithAnotherScheme) { Guess(10, "Basic YTpi"); }
 
 TEST_F(GuessingTest, IsNotWhatAClientDoesThatLogsIn) {

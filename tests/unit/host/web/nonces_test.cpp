@@ -2,50 +2,50 @@
 
 #include <gmock/gmock.h>
 
+#include <cstddef>
+
 namespace zarn::host::web {
 namespace {
 
 using namespace std::chrono_literals;
+using testing::Eq;
+using testing::Optional;
 
 Nonces::Clock::time_point const Now{100h};
 
-TEST(Nonces, AreHexadecimal) { EXPECT_THAT(Nonces().Make(Now), testing::MatchesRegex("[0-9a-f]{48}")); }
+TEST(Nonces, AreHexadecimal) { EXPECT_THAT(Nonces().Make(Now), testing::MatchesRegex("[0-9a-f]{64}")); }
 
-TEST(Nonces, DifferWithTime) {
-    Nonces const nonces;
-    EXPECT_NE(nonces.Make(Now), nonces.Make(Now + 1ms));
+TEST(Nonces, DifferAlsoWhenTheyAreMadeAtTheSameTime) {
+    Nonces nonces;
+    EXPECT_NE(nonces.Make(Now), nonces.Make(Now));
 }
 
-TEST(Nonces, AreFreshForTheirLifetime) {
-    Nonces const nonces;
-    auto const nonce = nonces.Make(Now);
-    EXPECT_TRUE(nonces.IsFresh(nonce, Now));
-    EXPECT_TRUE(nonces.IsFresh(nonce, Now + Nonces::Lifetime));
-    EXPECT_FALSE(nonces.IsFresh(nonce, Now + Nonces::Lifetime + 1ms));
+TEST(Nonces, TellWhenTheyWereMadeToTheMillisecond) {
+    Nonces nonces;
+    EXPECT_THAT(nonces.GetTime(nonces.Make(Now)), Optional(Now));
+    EXPECT_THAT(nonces.GetTime(nonces.Make(Now + 1999us)), Optional(Now + 1ms));
 }
 
-TEST(Nonces, OfTheFutureAreNotFresh) {
-    Nonces const nonces;
-    EXPECT_FALSE(nonces.IsFresh(nonces.Make(Now + 1ms), Now));
+TEST(Nonces, OfOthersAreNotRecognised) {
+    Nonces others;
+    EXPECT_THAT(Nonces().GetTime(others.Make(Now)), Eq(std::nullopt));
 }
 
-TEST(Nonces, OfOthersAreNotFresh) { EXPECT_FALSE(Nonces().IsFresh(Nonces().Make(Now), Now)); }
-
-TEST(Nonces, AreNotFreshWhenAnyCharacterIsChanged) {
-    Nonces const nonces;
+TEST(Nonces, AreNotRecognisedWhenAnyCharacterIsChanged) {
+    Nonces nonces;
     auto const nonce = nonces.Make(Now);
     for (std::size_t i = 0; i < nonce.size(); ++i) {
         auto changed = nonce;
         changed[i] = changed[i] == '0' ? '1' : '0';
-        EXPECT_FALSE(nonces.IsFresh(changed, Now)) << i;
+        EXPECT_THAT(nonces.GetTime(changed), Eq(std::nullopt)) << i;
     }
 }
 
-TEST(Nonces, OfAnotherLengthAreNotFresh) {
-    Nonces const nonces;
-    EXPECT_FALSE(nonces.IsFresh("", Now));
-    EXPECT_FALSE(nonces.IsFresh(nonces.Make(Now) + "0", Now));
-    EXPECT_FALSE(nonces.IsFresh(nonces.Make(Now).substr(1), Now));
+TEST(Nonces, OfAnotherLengthAreNotRecognised) {
+    Nonces nonces;
+    EXPECT_THAT(nonces.GetTime(""), Eq(std::nullopt));
+    EXPECT_THAT(nonces.GetTime(nonces.Make(Now) + "0"), Eq(std::nullopt));
+    EXPECT_THAT(nonces.GetTime(nonces.Make(Now).substr(1)), Eq(std::nullopt));
 }
 
 } // namespace

@@ -1,3 +1,4 @@
+#include "host/web/digest_parameters.h"
 #include "host/web/onvif_route.h"
 #include "host/web/reply.h"
 #include "web/fake_request.h"
@@ -9,6 +10,9 @@
 namespace zarn::host::web {
 namespace {
 
+using namespace std::chrono_literals;
+using zarn::web::response::Pending;
+using zarn::web::response::State;
 using Method = FakeRequest::Method;
 using Status = Reply::Status;
 
@@ -16,9 +20,10 @@ class Module final : public zarn::web::Service {
 public:
     Response Post(std::shared_ptr<zarn::web::Request> /*request*/) override {
         ++requests;
-        return MakeTextResponse(Status::Ok, "module");
+        return answer;
     }
 
+    Response answer = MakeTextResponse(Status::Ok, "module");
     int requests = 0;
 };
 
@@ -33,7 +38,8 @@ protected:
 
     Module module;
     ZarnAuthenticationEngine engine;
-    OnvifRoute route{module, engine};
+    Challenges challenges;
+    OnvifRoute route{module, Digest(engine, challenges)};
 };
 
 TEST_F(OnvifRouteTest, HandsRequestsToTheModule) {
@@ -55,6 +61,36 @@ TEST_F(OnvifRouteTest, LeavesAnEmptyBodyToTheModuleWhenNobodyHasToLogIn) {
 
 TEST_F(OnvifRouteTest, LeavesAnEmptyBodyWithCredentialsToTheModule) {
     EXPECT_EQ(Ask("", {{"Authorization", "Digest username=\"admin\""}}), Status::Ok);
+}
+
+TEST_F(OnvifRouteTest, GivesTheModulesRefusalAChallengeOfTheHost) {
+    module.answer = MakeTextResponse(Status::Unauthorized, "no", {{"WWW-Authenticate", "Digest nonce=\"1\""}});
+    auto const data =
+        route
+            .Process(std::make_shared<FakeRequest>(Method::Post, "/onvif/a", std::map<std::string, std::string>(), "x"))
+            ->GetData();
+    EXPECT_EQ(data.GetStatus(), Status::Unauthorized);
+    EXPECT_EQ(data.GetBody().at(0)->ToStringView(), "no\n");
+    auto const challenge = ParseDigestParameters(data.GetFields().at("WWW-Authenticate"));
+    EXPECT_TRUE(challenges.Take({.nonce = challenge->at("nonce"), .nonceCount = "1", .clientNonce = "c"}));
+}
+
+TEST_F(OnvifRouteTest, AsksTheModuleUntilItsAnswerIsThere) {
+    bool ready = false;
+    module.answer = std::make_shared<Pending>(
+        Status::Provisional,
+        [&]() -> Pending::Data {
+            if (!ready) return {Status::Provisional, {}, {State::NotReady, {}}};
+            return {Status::Ok, {}, {State::Complete, {}}};
+        },
+        7ms);
+    auto const pending = route.Process(
+        std::make_shared<FakeRequest>(Method::Post, "/onvif/a", std::map<std::string, std::string>(), "x"));
+    EXPECT_EQ(pending->GetTimeout(), 7ms);
+    EXPECT_EQ(pending->GetStatus(), Status::Provisional);
+    EXPECT_EQ(pending->GetData().GetState(), State::NotReady);
+    ready = true;
+    EXPECT_EQ(pending->GetData().GetStatus(), Status::Ok);
 }
 
 TEST_F(OnvifRouteTest, AnswersForTheModuleOnceItIsStopped) {

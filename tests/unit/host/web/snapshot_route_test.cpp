@@ -36,7 +36,8 @@ protected:
 
     ZarnAuthenticationEngine engine;
     std::vector<std::pair<std::string, std::function<void(Snapshot)>>> requests;
-    SnapshotRoute route{engine, [this](std::string_view id, std::function<void(Snapshot)> done) {
+    Challenges challenges;
+    SnapshotRoute route{Digest(engine, challenges), [this](std::string_view id, std::function<void(Snapshot)> done) {
                             requests.emplace_back(id, std::move(done));
                         }};
 };
