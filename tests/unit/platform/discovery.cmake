@@ -8,10 +8,16 @@ set(sources
   onvif/discovery/response_test.cpp
   onvif/discovery/scopes_test.cpp
   protocol/network/udp/admission_test.cpp
+  protocol/network/udp/failing_new.cpp
+  protocol/network/udp/membership_test.cpp
   protocol/network/udp/receiver_group_test.cpp
   protocol/network/udp/receiver_test.cpp
   protocol/network/udp/sender_test.cpp
-  protocol/network/udp/throttle_test.cpp)
+  protocol/network/udp/throttle_test.cpp
+  protocol/network/udp/unreadable_interfaces.cpp
+  protocol/network/udp/unwatchable.cpp)
 list(TRANSFORM sources PREPEND "${CMAKE_CURRENT_LIST_DIR}/")
 find_package(pugixml REQUIRED)
 zarn_add_tests(NAME platform_discovery_tests SOURCES ${sources} LIBRARIES zarn::platform pugixml::pugixml)
+# What is not public is tested by itself where nothing public shows it.
+target_include_directories(platform_discovery_tests PRIVATE "${CMAKE_SOURCE_DIR}/platform/src")

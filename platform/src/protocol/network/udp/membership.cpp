@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <utility>
 
 namespace zarn::protocol::network::udp {
 
@@ -43,10 +44,13 @@ std::vector<Membership::Failure> Membership::Follow(int socket, std::span<Interf
     for (auto const& interface : interfaces) {
         auto const isOn = [&](Joined const& each) { return each.IsOn(interface); };
         if (!IsSuitable(interface) || std::ranges::any_of(joined, isOn)) continue;
+        // Before joining: nothing may fail between that and the note of it, as nobody can join twice.
+        Joined joining{interface.index, interface.hardwareAddress};
+        joined.reserve(joined.size() + 1);
         if (auto const error = Change(socket, IP_ADD_MEMBERSHIP, group, interface.index)) {
             failures.push_back({interface.name, error});
         } else {
-            joined.push_back({interface.index, interface.hardwareAddress});
+            joined.push_back(std::move(joining));
         }
     }
     return failures;

@@ -19,10 +19,10 @@
 #include <boost/asio/strand.hpp>
 
 #include <chrono>
+#include <exception>
 #include <optional>
 #include <stdexcept>
 #include <string>
-#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -261,9 +261,9 @@ void Receiver::State::Refresh() {
     try {
         FollowInterfaces();
         if (!failures.empty()) RetryLater();
-    } catch (std::system_error const& error) {
+    } catch (std::exception const& error) {
+        RetryLater(); // first: telling of it may fail as well
         logger.Log(logging::Level::Warning, "%0%; trying again in %1% seconds", error.what(), RetryInterval.count());
-        RetryLater();
     }
 }
 

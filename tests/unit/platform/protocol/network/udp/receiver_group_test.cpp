@@ -1,6 +1,7 @@
 #include "hosts.h"
 #include "inbox.h"
 #include "peer.h"
+#include "unreadable_interfaces.h"
 
 #include <zarn/asio/io_context.h>
 #include <zarn/logging/capture.h>
@@ -53,6 +54,18 @@ protected:
 
     void Connect() { Connect("eth0", "10.1.0.1/24", "10.1.0.2/24"); }
 
+    /// Connects them by eth0 and eth1, and waits until the kernel has told all about that: it tells of a link being up
+    /// as much as a second late, and what follows is to happen without a change.
+    void ConnectTwiceAndSettle() {
+        Connect();
+        Connect("eth1", "10.2.0.1/24", "10.2.0.2/24");
+        for (std::string const name : {"eth0", "eth1"}) {
+            auto const deadline = std::chrono::steady_clock::now() + 10s;
+            while (!host.Ip("link show " + name + " | grep -q 'state UP'"))
+                ASSERT_LT(std::chrono::steady_clock::now(), deadline);
+        }
+    }
+
     /// What Start throws; empty when it does not.
     std::string TryToStart() {
         std::string reason;
@@ -73,10 +86,10 @@ protected:
 
     /// Sends to the group from `address` until the receiver hears it.
     bool IsHeard(Host const& sender, std::string const& address, std::string const& text,
-                 std::string const& target = Group) {
+                 std::string const& target = Group, std::chrono::seconds limit = 5s) {
         bool heard = false;
         sender.Run([&] {
-            auto const deadline = std::chrono::steady_clock::now() + 5s;
+            auto const deadline = std::chrono::steady_clock::now() + limit;
             while (!heard && std::chrono::steady_clock::now() < deadline) {
                 Peer(address).Send(text, target, Port);
                 heard = inbox.WaitFor(text, 20ms);
@@ -193,6 +206,36 @@ TEST_F(GroupTest, StartsWhenSomeInterfacesCannotBeJoined) {
     ASSERT_TRUE(host.Ip("link delete eth0"));
     EXPECT_TRUE(IsHeard(neighbour, "10.2.0.2", "in its place"));
 }
+
+TEST_F(GroupTest, TriesAgainToJoinWithoutAnyChange) {
+    ConnectTwiceAndSettle();
+    if (!SetLimitOfMemberships(1)) GTEST_SKIP() << "/proc/sys cannot be written here";
+    logging::Capture const capture;
+    Start();
+    ASSERT_TRUE(capture.Contains("Not listening on eth1 at UDP port 3702 for group 239.255.255.250: No buffer space"));
+    ASSERT_TRUE(SetLimitOfMemberships(20));
+    EXPECT_TRUE(IsHeard(neighbour, "10.2.0.2", "hello", Group, 30s));
+}
+
+class UnreadableGroupTest : public GroupTest, public testing::WithParamInterface<test::Lack> {};
+
+TEST_P(UnreadableGroupTest, ReadsTheInterfacesAgainWithoutAnyChange) {
+    ConnectTwiceAndSettle();
+    ASSERT_TRUE(host.Ip("address delete 10.2.0.1/24 dev eth1"));
+    Start();
+    logging::Capture const capture;
+    {
+        test::UnreadableInterfaces const unreadable(GetParam());
+        ASSERT_TRUE(host.Ip("address add 10.2.0.1/24 dev eth1"));
+        ASSERT_TRUE(capture.WaitFor("; trying again in 10 seconds", 10s));
+    }
+    EXPECT_TRUE(IsHeard(neighbour, "10.2.0.2", "hello", Group, 30s));
+}
+
+INSTANTIATE_TEST_SUITE_P(Lacks, UnreadableGroupTest, testing::Values(test::Lack::Descriptors, test::Lack::Memory),
+                         [](auto const& each) {
+                             return each.param == test::Lack::Memory ? "ForWantOfMemory" : "ForWantOfDescriptors";
+                         });
 
 TEST_F(GroupTest, HearsAnInterfaceThatAppearsLater) {
     Connect();

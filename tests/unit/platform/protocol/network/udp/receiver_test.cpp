@@ -1,6 +1,7 @@
 #include "failing_socket.h"
 #include "inbox.h"
 #include "peer.h"
+#include "unwatchable.h"
 
 #include <zarn/asio/io_context.h>
 #include <zarn/logging/capture.h>
@@ -10,7 +11,10 @@
 #include <boost/asio/post.hpp>
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <filesystem>
 #include <future>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -250,6 +254,21 @@ TEST_F(ReceiverTest, CannotStartTwice) {
     Start();
     EXPECT_EQ(ReasonWhyNotStarted(*receiver),
               "Failed to receive at UDP port " + std::to_string(port) + ": it has been started before");
+    SendTo("hello");
+    EXPECT_TRUE(inbox.WaitFor("hello"));
+}
+
+std::ptrdiff_t CountDescriptors() { return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}); }
+
+TEST_F(ReceiverTest, LeavesNothingOpenWhenItCannotBeTold) {
+    receiver = Make(inbox.MakeCallback());
+    auto const before = CountDescriptors();
+    for (int i = 0; i < 10; ++i) {
+        test::Unwatchable const unwatchable;
+        EXPECT_NE(ReasonWhyNotStarted(*receiver).find("No space left on device"), std::string::npos);
+    }
+    EXPECT_EQ(CountDescriptors(), before);
+    receiver->Start();
     SendTo("hello");
     EXPECT_TRUE(inbox.WaitFor("hello"));
 }

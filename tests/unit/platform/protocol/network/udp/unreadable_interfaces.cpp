@@ -1,0 +1,36 @@
+#include "unreadable_interfaces.h"
+
+#include "failing_new.h"
+
+#include <dlfcn.h>
+#include <ifaddrs.h>
+
+#include <atomic>
+#include <cerrno>
+#include <optional>
+
+namespace {
+
+std::atomic<std::optional<zarn::test::Lack>> Present;
+
+} // namespace
+
+/// Stands before the system's function of this name, which it calls.
+extern "C" int getifaddrs(ifaddrs** list) noexcept {
+    static auto const System = reinterpret_cast<decltype(&getifaddrs)>(dlsym(RTLD_NEXT, "getifaddrs"));
+    auto const lack = Present.load();
+    if (lack == zarn::test::Lack::Descriptors) {
+        errno = EMFILE;
+        return -1;
+    }
+    if (lack == zarn::test::Lack::Memory) zarn::test::FailNextNew(); // when the caller makes its own list of these
+    return System(list);
+}
+
+namespace zarn::test {
+
+UnreadableInterfaces::UnreadableInterfaces(Lack lack) { Present = lack; }
+
+UnreadableInterfaces::~UnreadableInterfaces() { Present = std::nullopt; }
+
+} // namespace zarn::test

@@ -1,0 +1,30 @@
+#include "unwatchable.h"
+
+#include <dlfcn.h>
+#include <sys/epoll.h>
+
+#include <cerrno>
+
+namespace {
+
+thread_local bool Failing = false;
+
+} // namespace
+
+/// Stands before the system's function of this name, which it calls.
+extern "C" int epoll_ctl(int instance, int operation, int descriptor, epoll_event* event) noexcept {
+    static auto const System = reinterpret_cast<decltype(&epoll_ctl)>(dlsym(RTLD_NEXT, "epoll_ctl"));
+    if (Failing && operation == EPOLL_CTL_ADD) {
+        errno = ENOSPC;
+        return -1;
+    }
+    return System(instance, operation, descriptor, event);
+}
+
+namespace zarn::test {
+
+Unwatchable::Unwatchable() { Failing = true; }
+
+Unwatchable::~Unwatchable() { Failing = false; }
+
+} // namespace zarn::test
