@@ -13,6 +13,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstdint>
+#include <new>
 #include <utility>
 
 namespace zarn::onvif::discovery {
@@ -28,8 +29,25 @@ constexpr std::array Prefixes{
     std::pair{"xmlns:tds", DeviceNamespace},
 };
 
+// The library tells of a lack of memory by what it returns, and goes on with a message that lacks a part.
+
+void Require(bool succeeded) {
+    if (!succeeded) throw std::bad_alloc();
+}
+
+pugi::xml_node Append(pugi::xml_node parent, char const* name) {
+    auto const child = parent.append_child(name);
+    Require(!child.empty());
+    return child;
+}
+
 void Append(pugi::xml_node parent, char const* name, std::string const& text) {
-    parent.append_child(name).text().set(text.c_str());
+    Require(Append(parent, name).text().set(text.c_str()));
+}
+
+template <class Value>
+void SetAttribute(pugi::xml_node element, char const* name, Value value) {
+    Require(element.append_attribute(name).set_value(value));
 }
 
 /// When this process first answered, in seconds since 1970: more after each restart.
@@ -41,9 +59,9 @@ std::uint32_t GetInstanceId() {
 
 void AppendSequence(pugi::xml_node header) {
     static std::atomic<std::uint32_t> last = 0;
-    auto sequence = header.append_child("d:AppSequence");
-    sequence.append_attribute("InstanceId") = GetInstanceId();
-    sequence.append_attribute("MessageNumber") = ++last;
+    auto const sequence = Append(header, "d:AppSequence");
+    SetAttribute(sequence, "InstanceId", GetInstanceId());
+    SetAttribute(sequence, "MessageNumber", ++last);
 }
 
 std::string MakeServiceAddress(unsigned short port, bool ssl) {
@@ -52,7 +70,7 @@ std::string MakeServiceAddress(unsigned short port, bool ssl) {
 }
 
 void AppendHeader(pugi::xml_node envelope, std::string const& relatesTo, std::string const& address) {
-    auto header = envelope.append_child("SOAP-ENV:Header");
+    auto const header = Append(envelope, "SOAP-ENV:Header");
     Append(header, "wsa:MessageID", "urn:uuid:" + to_string(boost::uuids::random_generator()()));
     Append(header, "wsa:RelatesTo", relatesTo);
     Append(header, "wsa:To", address);
@@ -61,8 +79,8 @@ void AppendHeader(pugi::xml_node envelope, std::string const& relatesTo, std::st
 }
 
 void AppendBody(pugi::xml_node envelope, std::string const& scopes, std::string const& serviceAddress) {
-    auto match = envelope.append_child("SOAP-ENV:Body").append_child("d:ProbeMatches").append_child("d:ProbeMatch");
-    Append(match.append_child("wsa:EndpointReference"), "wsa:Address", GetEndpoint());
+    auto const match = Append(Append(Append(envelope, "SOAP-ENV:Body"), "d:ProbeMatches"), "d:ProbeMatch");
+    Append(Append(match, "wsa:EndpointReference"), "wsa:Address", GetEndpoint());
     Append(match, "d:Types", "dn:NetworkVideoTransmitter tds:Device");
     Append(match, "d:Scopes", scopes);
     Append(match, "d:XAddrs", serviceAddress);
@@ -77,23 +95,33 @@ struct StringWriter : pugi::xml_writer {
     std::string& text;
 };
 
+/// Throws std::bad_alloc unless there is memory for all of the message.
+std::string Write(std::string const& relatesTo, std::string const& address, std::string const& scopes,
+                  std::string const& serviceAddress) {
+    pugi::xml_document document;
+    auto const declaration = document.append_child(pugi::node_declaration);
+    SetAttribute(declaration, "version", "1.0");
+    SetAttribute(declaration, "encoding", "UTF-8");
+    auto const envelope = Append(document, "SOAP-ENV:Envelope");
+    for (auto const& [name, space] : Prefixes) SetAttribute(envelope, name, space);
+    AppendHeader(envelope, relatesTo, address);
+    AppendBody(envelope, scopes, serviceAddress);
+    std::string text;
+    StringWriter writer(text);
+    document.save(writer, "", pugi::format_raw, pugi::encoding_utf8);
+    return text;
+}
+
 } // namespace
 
 Response::Response(std::string const& relatesTo, std::string const& address, unsigned short port, bool ssl,
                    utilities::name::Config nameConfig) { // NOLINT: by value as callers link it
     if (relatesTo.empty() || !IsXmlLine(relatesTo) || !IsXmlLine(address)) return;
-    pugi::xml_document document;
-    auto declaration = document.append_child(pugi::node_declaration);
-    declaration.append_attribute("version") = "1.0";
-    declaration.append_attribute("encoding") = "UTF-8";
-    auto envelope = document.append_child("SOAP-ENV:Envelope");
-    for (auto const& [name, space] : Prefixes) {
-        envelope.append_attribute(name) = space;
+    try {
+        xml = Write(relatesTo, address, MakeScopes(nameConfig), MakeServiceAddress(port, ssl));
+    } catch (std::bad_alloc const&) {
+        xml.clear(); // not valid
     }
-    AppendHeader(envelope, relatesTo, address);
-    AppendBody(envelope, MakeScopes(nameConfig), MakeServiceAddress(port, ssl));
-    StringWriter writer(xml);
-    document.save(writer, "", pugi::format_raw, pugi::encoding_utf8);
 }
 
 } // namespace zarn::onvif::discovery

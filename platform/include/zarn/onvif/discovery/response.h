@@ -27,7 +27,8 @@ public:
     /// port        of the web server that serves the device service
     /// ssl         that server speaks TLS
     /// nameConfig  the identity, for the scopes
-    /// Texts that XML cannot carry (control characters, bytes that are no UTF-8) make the answer not valid.
+    /// Texts that XML cannot carry (control characters, bytes that are no UTF-8) make the answer not valid, and so does
+    /// a lack of memory.
     Response(std::string const& relatesTo, std::string const& address, unsigned short port, bool ssl,
              utilities::name::Config nameConfig);
 
