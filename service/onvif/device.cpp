@@ -10,6 +10,7 @@
 #include "or_empty.h"
 
 #include <zarn/network/local.h>
+#include <zarn/onvif/discovery/scopes.h>
 
 #include <array>
 #include <utility>
@@ -167,20 +168,7 @@ int DeviceService::GetCapabilities(_tds__GetCapabilities*, _tds__GetCapabilities
 }
 
 int DeviceService::GetScopes(_tds__GetScopes*, _tds__GetScopesResponse& response) {
-    static constexpr char prefix[] = "onvif://www.onvif.org/";
-    std::pair<char const*, std::string_view> const scopes[] = {
-        {"Profile/Streaming", ""},
-        {"Profile/M", ""},
-        {"type/video_encoder", ""},
-        {"type/audio_encoder", ""}, // expected by clients although no audio is served
-        {"hardware/", nameConfig.GetProductHardware()},
-        {"manufacturer/", nameConfig.GetProductManufacturer()},
-        {"location/", nameConfig.GetProductLocation()},
-        {"name/", nameConfig.GetProductName()},
-    };
-    for (auto const& [category, value] : scopes) {
-        auto item = std::string(prefix) + category;
-        item += value;
+    for (auto const& item : zarn::onvif::discovery::ListScopes(nameConfig)) {
         Append(response.Scopes, Filled(soap_new_tt__Scope(soap), [&](tt__Scope& scope) {
                    scope.ScopeDef = tt__ScopeDefinition__Fixed;
                    scope.ScopeItem = item;

@@ -19,6 +19,9 @@
 #include <fstream>
 #include <future>
 #include <optional>
+#include <pugixml.hpp>
+#include <sstream>
+#include <string>
 #include <system_error>
 #include <thread>
 #include <vector>
@@ -29,6 +32,7 @@ namespace {
 using namespace std::chrono_literals;
 using configuration::node::Primitive;
 using testing::HasSubstr;
+using testing::SizeIs;
 
 constexpr char Path[] = "settings.onvif.enabled";
 constexpr char Starting[] = "Starting ONVIF discovery service";
@@ -325,6 +329,17 @@ protected:
     static std::string Discover() { return ProbeClient().Ask(MakeProbe("urn:uuid:1")).value_or(""); }
 };
 
+/// A text in which "%20" and the like stand for what cannot be written plainly.
+std::string Decode(std::string const& text) {
+    std::string decoded;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        bool const escaped = text[i] == '%';
+        decoded += escaped ? static_cast<char>(std::stoi(text.substr(i + 1, 2), nullptr, 16)) : text[i];
+        if (escaped) i += 2;
+    }
+    return decoded;
+}
+
 TEST_F(DiscoveredDevice, IsSilentUntilTheHostTellsItsPort) {
     OnOwnNetwork([&] {
         Read("true");
@@ -360,6 +375,20 @@ TEST_F(DiscoveredDevice, TellsItsIdentity) {
         Manager();
         Setting().Set(true);
         EXPECT_THAT(Discover(), HasSubstr("onvif://www.onvif.org/location/Hall%203"));
+    });
+}
+
+TEST_F(DiscoveredDevice, HasTheScopesOfGetScopes) {
+    OnOwnNetwork([&] {
+        Manager();
+        Setting().Set(true);
+        pugi::xml_document answer;
+        ASSERT_TRUE(answer.load_string(Discover().c_str()));
+        std::istringstream scopes(answer.select_node("//d:Scopes").node().child_value());
+        std::vector<std::string> decoded;
+        for (std::string each; scopes >> each;) decoded.push_back(Decode(each));
+        EXPECT_THAT(decoded, SizeIs(8));
+        EXPECT_EQ(decoded, Ask("<tds:GetScopes/>").Texts("//tds:Scopes/tt:ScopeItem"));
     });
 }
 

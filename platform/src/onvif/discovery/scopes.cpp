@@ -1,5 +1,6 @@
 #include <zarn/onvif/discovery/scopes.h>
 
+#include <boost/algorithm/string/join.hpp>
 #include <boost/algorithm/string/predicate.hpp>
 
 #include <algorithm>
@@ -49,6 +50,18 @@ std::string Encode(std::string_view text) {
         }
     }
     return encoded;
+}
+
+/// The scopes, the texts of the identity in the form that `toForm` gives them.
+template <class ToForm>
+std::vector<std::string> Make(Config const& nameConfig, ToForm toForm) {
+    std::vector<std::string> scopes;
+    for (auto const& [path, value] : Scopes) {
+        auto& scope = scopes.emplace_back(Scheme);
+        scope.append(Authority).append("/").append(path);
+        if (value != nullptr) scope.append("/").append(toForm((nameConfig.*value)()));
+    }
+    return scopes;
 }
 
 /// True when the segments of `path` begin with those of `prefix`.
@@ -115,15 +128,11 @@ constexpr std::array Rules{
 
 } // namespace
 
-std::string MakeScopes(Config const& nameConfig) {
-    std::string text;
-    for (auto const& [path, value] : Scopes) {
-        if (!text.empty()) text += ' ';
-        text.append(Scheme).append(Authority).append("/").append(path);
-        if (value != nullptr) text.append("/").append(Encode((nameConfig.*value)()));
-    }
-    return text;
+std::vector<std::string> ListScopes(Config const& nameConfig) {
+    return Make(nameConfig, [](std::string_view text) { return text; });
 }
+
+std::string MakeScopes(Config const& nameConfig) { return boost::algorithm::join(Make(nameConfig, Encode), " "); }
 
 bool MayMatchScopes(std::span<std::string_view const> scopes, std::string_view matchBy) {
     auto const* rule = std::ranges::find(Rules, matchBy, &Rule::name);

@@ -5,12 +5,17 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace zarn::onvif::discovery {
 
-/// The scopes of the device in the form of the answer to a Probe: separated by blanks, in the order in which the device
-/// service gives them, the texts of the identity percent-encoded (RFC 3986, 2.1; "/" is kept, since they may be paths).
+/// The scopes of the device in the order in which clients are told them, such as
+/// "onvif://www.onvif.org/type/video_encoder". Those of the identity end with its texts as they are, blanks and all.
 /// Source: ONVIF Core Specification, 7.3 Device discovery.
+std::vector<std::string> ListScopes(utilities::name::Config const& nameConfig);
+
+/// The same in the form of the answer to a Probe: separated by blanks, the texts of the identity percent-encoded
+/// (RFC 3986, 2.1; "/" is kept, since they may be paths).
 std::string MakeScopes(utilities::name::Config const& nameConfig);
 
 /// Whether each of the scopes that a Probe asks for is one that a device of this kind can have. A scope that depends on

@@ -5,6 +5,7 @@
 #include <array>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace zarn::onvif::discovery {
 namespace {
@@ -37,6 +38,21 @@ TEST(MakeScopes, EncodesWhatSeparatesScopesOrIsNoUri) {
     EXPECT_TRUE(text.ends_with("/hardware/50%25 onvif://www.onvif.org/manufacturer/A%20%26%20B%0A%3Cc%3E "
                                "onvif://www.onvif.org/location/de/Berlin onvif://www.onvif.org/name/Gr%C3%BCn"))
         << text;
+}
+
+TEST(ListScopes, HasTheTextsOfTheIdentityAsTheyAre) {
+    Config const config({.manufacturer = "A & B",
+                         .model = "",
+                         .firmware = "",
+                         .hardware = "50%",
+                         .location = "de/Berlin",
+                         .name = "Gr\xc3\xbcn"});
+    EXPECT_EQ(ListScopes(config),
+              (std::vector<std::string>{
+                  "onvif://www.onvif.org/Profile/Streaming", "onvif://www.onvif.org/Profile/M",
+                  "onvif://www.onvif.org/type/video_encoder", "onvif://www.onvif.org/type/audio_encoder",
+                  "onvif://www.onvif.org/hardware/50%", "onvif://www.onvif.org/manufacturer/A & B",
+                  "onvif://www.onvif.org/location/de/Berlin", "onvif://www.onvif.org/name/Gr\xc3\xbcn"}));
 }
 
 TEST(MakeScopes, KeepsTheCategoriesOfAnEmptyIdentity) {
