@@ -1,21 +1,10 @@
 #pragma once
 
-#include <utility>
+#include <zarn/onvif/filled.h>
 
 namespace zarn::service::onvif {
 
-/// Fills an object that was just allocated in a context and returns it. Null stays null: a member for which there is no
-/// memory is left out of the response.
-template <class T, class Fill>
-T* Filled(T* object, Fill&& fill) {
-    if (object) std::forward<Fill>(fill)(*object);
-    return object;
-}
-
-/// Appends an object that was just made, unless there was no memory for it.
-template <class List, class T>
-void Append(List& list, T* object) {
-    if (object) list.push_back(object);
-}
+using zarn::onvif::Append;
+using zarn::onvif::Filled;
 
 } // namespace zarn::service::onvif

@@ -1,3 +1,4 @@
+#include <zarn/onvif/filled.h>
 #include <zarn/onvif/meta/convert.h>
 
 #include <soapH.h>
@@ -6,7 +7,6 @@
 #include <array>
 #include <string>
 #include <string_view>
-#include <utility>
 
 namespace zarn::onvif::meta {
 
@@ -29,13 +29,6 @@ constexpr std::array ClassNames{
 std::string ConvertClassName(std::string const& name) {
     auto const* const row = std::find_if(ClassNames.begin(), ClassNames.end(), [&](auto& r) { return r.host == name; });
     return row == ClassNames.end() ? name : std::string(row->onvif);
-}
-
-/// Fills what was just allocated and returns it; null, for want of memory, stays null.
-template <class T, class Fill>
-T* Filled(T* made, Fill&& fill) {
-    if (made) std::forward<Fill>(fill)(*made);
-    return made;
 }
 
 float* MakeFloat(soap* soap, double value) {
@@ -93,11 +86,10 @@ tt__ColorDescriptor* MakeColor(soap* soap, zarn::meta::Color const& color) {
 tt__ClassDescriptor* MakeClass(soap* soap, zarn::meta::TrackedObject const& object) {
     return Filled(soap_new_tt__ClassDescriptor(soap), [&](tt__ClassDescriptor& descriptor) {
         for (auto const& candidate : object.classes) {
-            auto* const type = Filled(soap_new_tt__StringLikelihood(soap), [&](tt__StringLikelihood& made) {
-                made.__item = ConvertClassName(candidate.GetClass());
-                made.Likelihood = MakeFloat(soap, candidate.GetValue());
-            });
-            if (type) descriptor.Type.push_back(type);
+            Append(descriptor.Type, Filled(soap_new_tt__StringLikelihood(soap), [&](tt__StringLikelihood& made) {
+                       made.__item = ConvertClassName(candidate.GetClass());
+                       made.Likelihood = MakeFloat(soap, candidate.GetValue());
+                   }));
         }
     });
 }
@@ -118,8 +110,7 @@ tt__Object* MakeObject(soap* soap, zarn::meta::TrackedObject const& object) {
 tt__Frame* Convert(soap* soap, zarn::meta::Meta const& frame) {
     return Filled(soap_new_tt__Frame(soap), [&](tt__Frame& made) {
         made.UtcTime = static_cast<time_t>(frame.GetTime().time_since_epoch().count());
-        for (auto const& object : frame.GetObjects())
-            if (auto* const converted = MakeObject(soap, object)) made.Object.push_back(converted);
+        for (auto const& object : frame.GetObjects()) Append(made.Object, MakeObject(soap, object));
     });
 }
 
