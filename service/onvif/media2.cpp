@@ -196,10 +196,9 @@ int Media2Service::GetVideoSourceConfigurationOptions(tr2__GetConfiguration* req
             return;
         }
         options.BoundsRange = MakeAnyBoundsRange(soap);
-        auto const lock = configuration->GetLock();
-        auto const channels = GetChannels(*configuration);
-        for (auto const& entry : *channels)
-            options.VideoSourceTokensAvailable.push_back(entry->As<configuration::node::Map>().GetPath());
+        VisitChannels(*configuration, "", [&](std::string const& path, std::string const&) {
+            options.VideoSourceTokensAvailable.push_back(path);
+        });
     };
     response.Options = Filled(soap_new_tt__VideoSourceConfigurationOptions(soap), fill);
     return SOAP_OK;

@@ -80,24 +80,34 @@ std::string MakeStreamUri(configuration::node::Root const& root, std::string con
 /// ssl  whether the web server speaks TLS
 std::string MakeSnapshotUri(configuration::node::Root const& root, bool ssl, std::string const& token);
 
-/// Appends one object per channel to `out`, in the order of the configuration, whose lock is held meanwhile.
+/// Visits the channels in the order of the configuration, whose lock is held meanwhile.
+///
+/// token  only the channel with this token; empty: all
+/// visit  takes one: (token, name)
+/// Throws object::BadCast when `channels` is not a dynamic node ("unknown"), an entry is not a map
+/// ("zarn.configuration.node.Map") or its name not a string ("zarn.configuration.node.String").
+template <class Visit>
+void VisitChannels(configuration::node::Root const& root, std::string const& token, Visit visit) {
+    auto const lock = root.GetLock();
+    auto const channels = GetChannels(root);
+    for (auto const& entry : *channels) {
+        auto const path = entry->GetPath();
+        if (!token.empty() && token != path) continue;
+        visit(path, ReadName(entry->As<configuration::node::Map>()));
+    }
+}
+
+/// Appends one object per channel to `out`; order, lock and what is thrown are those of VisitChannels.
 ///
 /// maker        makes one: (soap*, token, name, VideoInfo const&) -> pointer; a null one is left out
 /// channelInfo  asked for every selected channel
 /// token        only the channel with this token; empty: all
-/// Throws object::BadCast when `channels` is not a dynamic node ("unknown"), an entry is not a map
-/// ("zarn.configuration.node.Map") or its name not a string ("zarn.configuration.node.String").
 template <class List, class Maker>
 void PopulatePerChannel(soap* soap, List& out, Maker maker, ChannelInfo const& channelInfo,
                         std::shared_ptr<configuration::node::Root> const& root, std::string const& token) {
-    auto const lock = root->GetLock();
-    auto const channels = GetChannels(*root);
-    for (auto const& entry : *channels) {
-        auto const path = entry->GetPath();
-        if (!token.empty() && token != path) continue;
-        auto const name = ReadName(entry->As<configuration::node::Map>());
+    VisitChannels(*root, token, [&](std::string const& path, std::string const& name) {
         Append(out, maker(soap, path, name, channelInfo(GetChannelId(path))));
-    }
+    });
 }
 
 } // namespace zarn::service::onvif

@@ -2,7 +2,10 @@
 
 #include <service/onvif/media2.h>
 #include <service/onvif/soap_context.h>
+#include <zarn/configuration/schema.h>
 
+#include <boost/json/parse.hpp>
+#include <boost/json/value.hpp>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -12,6 +15,8 @@
 namespace zarn::service::onvif {
 namespace {
 
+using configuration::Schema;
+using testing::ElementsAre;
 using testing::Property;
 using testing::Throws;
 
@@ -35,6 +40,24 @@ TEST_F(Media2ServiceTest, ListsNoSourcesOfChannelsThatAreNoCollection) {
 
 TEST_F(Media2ServiceTest, ListsNoSourcesWhenAChannelIsNoMap) {
     ExpectBadCast(std::make_shared<test::OddRoot>(), "zarn.configuration.node.Map");
+}
+
+TEST_F(Media2ServiceTest, ListsNoSourcesWhenTheNameOfAChannelIsNoText) {
+    auto const root = std::make_shared<configuration::node::Root>();
+    root->Schema({Schema::Collection("channels", {Schema("name", 7U, "a number")}, "channels")});
+    root->FromJson(boost::json::parse(R"({"channels": {"1": {}}})"));
+    ExpectBadCast(root, "zarn.configuration.node.String");
+}
+
+TEST_F(Media2ServiceTest, AsksForNoDescriptionToListTheSources) {
+    auto const root = std::make_shared<configuration::node::Root>();
+    root->Schema({Schema::Collection("channels", {Schema("name", "", "a text")}, "channels")});
+    root->FromJson(boost::json::parse(R"({"channels": {"2": {}, "1": {}}})"));
+    Media2Service service(context.get(), root, nullptr, false, nullptr);
+    tr2__GetConfiguration request;
+    _tr2__GetVideoSourceConfigurationOptionsResponse response;
+    ASSERT_EQ(service.GetVideoSourceConfigurationOptions(&request, response), SOAP_OK);
+    EXPECT_THAT(response.Options->VideoSourceTokensAvailable, ElementsAre("channels.2", "channels.1"));
 }
 
 TEST_F(Media2ServiceTest, NeedsADescriptionOfTheChannelForItsOptionsOnly) {
