@@ -1,5 +1,8 @@
 #include "discovery.h"
 
+#include <zarn/onvif/discovery/request.h>
+#include <zarn/onvif/discovery/response.h>
+
 namespace zarn::service::onvif {
 
 using zarn::onvif::discovery::Request;

@@ -1,7 +1,11 @@
 #include "discovery_base.h"
 
+#include <zarn/container/buffer.h>
 #include <zarn/logging/logger.h>
 #include <zarn/network/address.h>
+#include <zarn/onvif/discovery/request.h>
+#include <zarn/onvif/discovery/response.h>
+#include <zarn/protocol/network/udp/receiver.h>
 #include <zarn/protocol/network/udp/sender.h>
 
 #include <cstddef>
@@ -33,12 +37,12 @@ logging::Logger const& Log() {
     return logger;
 }
 
-void TellOfFailure(std::exception const& failure) noexcept try {
-    Log().Log(logging::Level::Error, "Failed to start Onvif discovery service: %0%", failure.what());
-
-} catch (std::exception const&) {
-
-    // It is tried again either way.
+void TellOfFailure(std::exception const& failure) noexcept {
+    try {
+        Log().Log(logging::Level::Error, "Failed to start Onvif discovery service: %0%", failure.what());
+    } catch (std::exception const&) {
+        return; // it is tried again either way
+    }
 }
 
 } // namespace

@@ -1,11 +1,7 @@
 #pragma once
 
 #include <zarn/asio/io_context.h>
-#include <zarn/container/buffer.h>
-#include <zarn/onvif/discovery/request.h>
-#include <zarn/onvif/discovery/response.h>
 #include <zarn/protocol/network/udp/operation.h>
-#include <zarn/protocol/network/udp/receiver.h>
 
 #include <boost/asio/ip/address.hpp>
 #include <boost/asio/ip/udp.hpp>
@@ -15,6 +11,19 @@
 #include <memory>
 #include <string>
 #include <string_view>
+
+namespace zarn::container {
+class Buffer;
+}
+
+namespace zarn::onvif::discovery {
+class Request;
+class Response;
+} // namespace zarn::onvif::discovery
+
+namespace zarn::protocol::network::udp {
+class Receiver;
+}
 
 namespace zarn::service::onvif {
 

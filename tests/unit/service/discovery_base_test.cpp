@@ -6,6 +6,8 @@
 
 #include <service/onvif/discovery_base.h>
 #include <zarn/logging/capture.h>
+#include <zarn/onvif/discovery/request.h>
+#include <zarn/onvif/discovery/response.h>
 
 #include <gmock/gmock.h>
 
@@ -118,6 +120,16 @@ TEST(DiscoveryBase, AnswersOneProbeAfterTheOther) {
     });
 }
 
+TEST(DiscoveryBase, AnswersFromAPortOfItsOwn) {
+    OnOwnNetwork([] {
+        Responder const responder;
+        ProbeClient client;
+        ASSERT_TRUE(client.Ask(MakeProbe("urn:uuid:1")));
+        EXPECT_EQ(client.GetSource().address().to_string(), "127.0.0.1");
+        EXPECT_NE(client.GetSource().port(), 3702);
+    });
+}
+
 TEST(DiscoveryBase, SendsNothingToTheGroup) {
     OnOwnNetwork([] {
         // What an unbound socket sends to the group would not get anywhere without.
@@ -158,6 +170,24 @@ TEST(DiscoveryBase, LogsWhatItCannotParseAndGoesOn) {
         ASSERT_TRUE(client.Ask(MakeProbe("urn:uuid:1")));
         EXPECT_EQ(LinesOf(log).at(1), "2 Failed to parse discovery request: no \\x01 probe");
         EXPECT_EQ(responder.asked, 1);
+    });
+}
+
+TEST(DiscoveryBase, LogsEveryDatagramByItself) {
+    OnOwnNetwork([] {
+        logging::Capture const log;
+        Responder const responder;
+        ProbeClient client;
+        for (int i = 0; i < 3; ++i) client.Send("garbage");
+        auto const probe = MakeProbe("urn:uuid:1");
+        auto const first = client.Ask(probe);
+        auto const second = client.Ask(probe);
+        ASSERT_TRUE(first && second);
+        std::string const failed = "2 Failed to parse discovery request: garbage";
+        std::string const parsed = "2 Successfully parsed discovery request: " + probe;
+        std::string const generated = "2 Successfully generated discovery response: ";
+        EXPECT_THAT(LinesOf(log), ElementsAre("4 Onvif discovery service started successfully", failed, failed, failed,
+                                              parsed, generated + *first, parsed, generated + *second));
     });
 }
 
@@ -272,6 +302,7 @@ TEST(DiscoveryBase, TriesOnceInEachInterval) {
 }
 
 TEST(DiscoveryBase, TriesAgainAfterTenSeconds) {
+    EXPECT_EQ(Responder::RetryInterval, 10s);
     OnOwnNetwork([] {
         logging::Capture const log;
         auto holder = std::make_unique<PortHolder>();

@@ -2,6 +2,8 @@
 
 #include <service/onvif/discovery.h>
 #include <zarn/network/local.h>
+#include <zarn/onvif/discovery/request.h>
+#include <zarn/onvif/discovery/response.h>
 
 #include <gmock/gmock.h>
 
