@@ -25,6 +25,9 @@ std::string const Good = Probe{}.ToString();
 /// A probe with this in its body, beside what it asks for.
 Probe With(std::string const& content) { return {.body = "<d:Probe>" + content + "</d:Probe>"}; }
 
+/// A probe of as many bytes.
+std::string OfSize(std::size_t size) { return With(std::string(size - With("").ToString().size(), 'x')).ToString(); }
+
 Probe WithId(std::string const& id) { return {.id = "<a:MessageID>" + id + "</a:MessageID>"}; }
 
 Probe WithAddress(std::string const& address) {
@@ -80,8 +83,7 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"HugeReference", WithId("a&#x110000;b").ToString()},
         Case{"ControlReferenceInAddress", WithAddress("a&#13;&#10;b").ToString()},
         Case{"LongId", WithId(std::string(1025, 'x')).ToString()},
-        Case{"LongAddress", WithAddress(std::string(1025, 'x')).ToString()},
-        Case{"Large", With(std::string(Request::MaximumSize, 'x')).ToString()},
+        Case{"LongAddress", WithAddress(std::string(1025, 'x')).ToString()}, Case{"Large", OfSize(65'537)},
         Case{"Deep", With(Nested(62)).ToString()}, Case{"VeryDeep", Repeat("<x>", 20'000)},
         Case{"ManyAttributes", With(Attributes(65)).ToString()},
         Case{"AttributeTwice", With("<x a='1' b='' a='2'/>").ToString()},
@@ -100,6 +102,11 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"TagInAttribute", With("<x a='<y/>'/>").ToString()}, Case{"SectionEndInText", With("a]]>b").ToString()}),
     [](auto const& each) { return std::string(each.param.name); });
 
+TEST(Request, TakesMessagesOf64KiB) {
+    EXPECT_EQ(Request::MaximumSize, 65'536U);
+    EXPECT_EQ(Request(OfSize(65'536)).GetMessageId(), test::ProbeId);
+}
+
 class HarmlessMessage : public testing::TestWithParam<Case> {};
 
 TEST_P(HarmlessMessage, IsRead) { EXPECT_FALSE(Request(GetParam().text).IsParseError()); }
@@ -112,7 +119,7 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"NoEncoding", Probe{.declaration = "<?xml version='1.0'?>"}.ToString()},
         Case{"Comment", "<!-- x -->" + Probe{.declaration = ""}.ToString() + "\r\n"},
         Case{"LongestId", WithId(std::string(1024, 'x')).ToString()},
-        Case{"LongestAddress", WithAddress(std::string(1024, 'x')).ToString()},
+        Case{"LongestAddress", WithAddress(std::string(1024, 'x')).ToString()}, Case{"Large", OfSize(65'536)},
         Case{"Deep", With(Nested(61)).ToString()}, Case{"ManyAttributes", With(Attributes(64)).ToString()},
         Case{"ReferencesThatAreNotNull", WithId("&#48;&#x0041;&#0000000065;").ToString()},
         Case{"EntitiesOfXml", With("<x a='&lt;&quot;&apos;'>&lt;&gt;&amp;&apos;&quot;</x>").ToString()},
