@@ -88,6 +88,7 @@ std::vector<Schema> SettingsSchemas() {
     return {
         {WebPortPath, std::uint16_t{8080}, "TCP port of the web server", {}, Port()},
         {RtspPortPath, std::uint16_t{8554}, "TCP port of the RTSP server", {}, Port()},
+        // Described by the module as well, which is not there yet when the file is read, or only checked.
         {OnvifPath, false, "The boolean denoting whether ONVIF is enabled for Zarnsuite"},
         {DiscoveryAnywherePath, false, "Whether probes of networks are answered that the machine is not connected to"},
         {AuthenticationPath, true, "Whether clients have to log in"},

@@ -2,12 +2,14 @@
 #include "host/host_process.h"
 #include "unit/service/probe_client.h"
 
+#include <boost/json/value.hpp>
 #include <gtest/gtest.h>
 
 #include <chrono>
 #include <csignal>
 #include <memory>
 #include <string>
+#include <thread>
 
 namespace zarn::tests::host {
 namespace {
@@ -49,6 +51,16 @@ protected:
         return true;
     }
 
+    /// Waits until the status document tells this state of the setting.
+    bool AwaitEnabled(bool expected) {
+        auto const deadline = std::chrono::steady_clock::now() + 10s;
+        while (host->GetHealth().at("module").at("enabled") != expected) {
+            if (std::chrono::steady_clock::now() > deadline) return false;
+            std::this_thread::sleep_for(10ms);
+        }
+        return true;
+    }
+
     /// Without a device that can multicast no responder starts.
     bool HasNoMulticast() { return host->GetProcess().WaitForLog("can multicast", 0s); }
 
@@ -67,10 +79,13 @@ TEST_F(LoopbackDiscovery, AppearsAndDisappearsWithItsSetting) {
     Start(false);
     EXPECT_FALSE(IsDiscovered());
     Reload(true);
+    EXPECT_TRUE(AwaitEnabled(true));
     bool const found = AwaitDiscovered(true);
-    if (HasNoMulticast()) GTEST_SKIP() << "no device of this machine can multicast";
-    EXPECT_TRUE(found);
+    bool const hasNoMulticast = HasNoMulticast();
     Reload(false);
+    EXPECT_TRUE(AwaitEnabled(false));
+    if (hasNoMulticast) GTEST_SKIP() << "no device of this machine can multicast";
+    EXPECT_TRUE(found);
     EXPECT_TRUE(AwaitDiscovered(false));
 }
 

@@ -11,6 +11,7 @@
 #include <chrono>
 #include <csignal>
 #include <functional>
+#include <memory>
 #include <string>
 #include <thread>
 #include <vector>
@@ -104,6 +105,23 @@ TEST_F(Reload, SwitchesAuthentication) {
     switched.GetFolder().Write("config.json", Configure(""));
     switched.GetProcess().Signal(SIGHUP);
     EXPECT_TRUE(Await([&] { return status() == 401; }));
+}
+
+TEST_F(Reload, KeepsTheSettingOfDiscoveryOverARestart) {
+    auto const folder = std::make_shared<TemporaryFolder>();
+    auto const isEnabled = [](HostProcess const& each) {
+        return each.GetHealth().at("module").at("enabled").as_bool();
+    };
+    {
+        HostProcess first{{.folder = folder}};
+        EXPECT_FALSE(isEnabled(first));
+        folder->Write("config.json", Configure("", R"(, "onvif": {"enabled": true})"));
+        first.GetProcess().Signal(SIGHUP);
+        EXPECT_TRUE(Await([&] { return isEnabled(first); }));
+        EXPECT_EQ(first.Stop(), 0);
+    }
+    HostProcess const second{{.configuration = "", .folder = folder}};
+    EXPECT_TRUE(isEnabled(second));
 }
 
 TEST_F(Reload, KeepsTheRunningConfigurationWhenTheFileIsBroken) {

@@ -1,5 +1,7 @@
 #include "host/settings.h"
 
+#include <service/onvif/manager.h>
+#include <zarn/authentication/engine.h>
 #include <zarn/configuration/error.h>
 
 #include <boost/json/parse.hpp>
@@ -45,6 +47,13 @@ TEST_F(SettingsTest, HaveDefaults) {
     EXPECT_EQ(ReadLimits(*root), web::Limits());
     EXPECT_THAT(ReadChannels(*root), IsEmpty());
     EXPECT_EQ(ReadIdentity(*root).GetProductModel(), "zarn-host");
+}
+
+TEST_F(SettingsTest, DescribeTheSettingOfTheModuleAsItDoesItself) {
+    ZarnAuthenticationEngine const engine;
+    auto const own = std::make_shared<configuration::node::Root>();
+    service::onvif::Manager const manager(&engine, own, {}, {});
+    EXPECT_EQ(root->Find(OnvifPath)->GetSchema(), own->Find(OnvifPath)->GetSchema());
 }
 
 TEST_F(SettingsTest, LeaveAnIdentityEmptyThatIsGivenAsEmpty) {
