@@ -1,9 +1,8 @@
 #pragma once
 
-#include <sched.h>
+#include "unit/platform/network/network_namespace.h"
 
 #include <functional>
-#include <thread>
 
 namespace zarn::test {
 
@@ -11,13 +10,7 @@ namespace zarn::test {
 /// set, and there is nothing but a loopback device without address. The threads that `work` starts are there as well.
 /// False, with nothing run, when the kernel does not allow it.
 inline bool RunOnPrivateMachine(std::function<void()> const& work) {
-    bool entered = false;
-    std::thread([&] {
-        // Namespaces belong to the thread, so that the process around it keeps its own.
-        entered = unshare(CLONE_NEWUTS | CLONE_NEWNET) == 0;
-        if (entered) work();
-    }).join();
-    return entered;
+    return network::RunInNamespaces(CLONE_NEWUTS | CLONE_NEWNET, work);
 }
 
 } // namespace zarn::test

@@ -12,14 +12,15 @@
 
 namespace zarn::network {
 
-/// Runs `work` on a thread that is alone in a fresh network namespace, where only a loopback interface exists that is
-/// down. False, with the reason in errno, when this process may not make one.
-inline bool RunInNetworkNamespace(std::function<void()> const& work) {
+/// Runs `work` on a thread that is alone in fresh namespaces, as are the threads that it starts.
+/// kinds  those of unshare(2), such as CLONE_NEWNET
+/// False, with nothing run and the reason in errno, when this process may not make them.
+inline bool RunInNamespaces(int kinds, std::function<void()> const& work) {
     bool entered = false;
     int reason = 0;
     std::thread([&] {
-        // A namespace belongs to the thread, so that the process around it keeps its own.
-        entered = unshare(CLONE_NEWNET) == 0;
+        // Namespaces belong to the thread, so that the process around it keeps its own.
+        entered = unshare(kinds) == 0;
         if (!entered) reason = errno;
         if (!entered) return;
         try {
@@ -31,6 +32,9 @@ inline bool RunInNetworkNamespace(std::function<void()> const& work) {
     errno = reason;
     return entered;
 }
+
+/// Runs `work` where only a loopback interface exists that is down. Otherwise as RunInNamespaces.
+inline bool RunInNetworkNamespace(std::function<void()> const& work) { return RunInNamespaces(CLONE_NEWNET, work); }
 
 /// Runs `ip` with these arguments in the namespace of this thread; false when it fails.
 inline bool Ip(std::string const& arguments) {

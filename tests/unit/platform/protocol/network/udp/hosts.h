@@ -1,12 +1,13 @@
 #pragma once
 
+#include "unit/platform/network/network_namespace.h"
+
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sched.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
 #include <exception>
 #include <functional>
 #include <string>
@@ -19,11 +20,11 @@ namespace zarn::test {
 class Host {
 public:
     Host() {
-        std::thread([this] {
-            // Namespaces belong to the thread, so that the process around it keeps its own.
-            if (unshare(CLONE_NEWNET) == 0) descriptor = open("/proc/thread-self/ns/net", O_RDONLY | O_CLOEXEC);
+        bool const entered = network::RunInNetworkNamespace([this] {
+            descriptor = open("/proc/thread-self/ns/net", O_RDONLY | O_CLOEXEC);
             if (!Exists()) reason = std::error_code(errno, std::generic_category());
-        }).join();
+        });
+        if (!entered) reason = std::error_code(errno, std::generic_category());
     }
 
     ~Host() {
@@ -54,8 +55,7 @@ public:
     /// Runs `ip` there; false when it fails.
     bool Ip(std::string const& arguments) const {
         bool succeeded = false;
-        // NOLINTNEXTLINE: fixed texts
-        Run([&] { succeeded = std::system(("PATH=$PATH:/sbin:/usr/sbin ip " + arguments).c_str()) == 0; });
+        Run([&] { succeeded = network::Ip(arguments); });
         return succeeded;
     }
 
