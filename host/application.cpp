@@ -171,6 +171,7 @@ void Application::End(int signal) {
 void Application::Reload() {
     try {
         preparation.file->Load();
+        preparation.file->KeepCopy();
         logger.Log(Level::Info, "Read %0% again", preparation.file->GetPath());
     } catch (LoadError const& error) {
         logger.Log(Level::Error, "The configuration stays as it was: %0%", error.what());
@@ -206,6 +207,7 @@ void Application::Apply() {
         ApplyMqtt();
         ReportLater();
         preparation.file->SaveChanges();
+        preparation.file->KeepCopy();
     } catch (std::exception const& error) {
         logger.Log(Level::Error, "A change of the configuration could not be applied or saved: %0%", error.what());
     }

@@ -31,17 +31,53 @@ constexpr std::string_view DefaultText = R"({
   }
 })";
 
+bool IsGone(std::string const& path) {
+    struct stat status {};
+
+    return stat(path.c_str(), &status) != 0 && errno == ENOENT;
+}
+
+std::string ReadText(std::string const& path) try {
+    return ReadWholeFile(path);
+
+} catch (std::system_error const& error) {
+
+    if (error.code().value() == EIO) throw DamageError(error.what());
+    throw LoadError(error.what());
+}
+
+/// A key that occurs twice has a path: somebody has written it, no disk has.
+boost::json::value ParseText(std::string const& path, std::string const& text) try {
+    return configuration::text::Parse(text);
+
+} catch (configuration::Error const& error) {
+
+    auto const message = path + ": " + error.what();
+    if (error.GetPath().empty()) throw DamageError(message);
+    throw LoadError(message);
+}
+
 } // namespace
 
 boost::json::value MakeDefaultConfiguration() { return boost::json::parse({DefaultText.data(), DefaultText.size()}); }
 
 ConfigurationFile::ConfigurationFile(std::string path, std::shared_ptr<configuration::node::Root> root)
-    : path(std::move(path)), root(std::move(root)) {}
+    : path(std::move(path)), copyPath(this->path + ".good"), root(std::move(root)) {}
 
-bool ConfigurationFile::Exists() const {
-    struct stat status {};
-
-    return stat(path.c_str(), &status) == 0 || errno != ENOENT;
+void ConfigurationFile::Open() {
+    std::unique_lock lock(mutex);
+    if (IsGone(path)) {
+        if (!IsGone(copyPath)) return Recover(path + " is gone");
+        lock.unlock();
+        return Create();
+    }
+    try {
+        Take(path);
+    } catch (DamageError const& error) {
+        if (IsGone(copyPath)) throw;
+        damaged = true;
+        Recover(error.what());
+    }
 }
 
 void ConfigurationFile::Create() {
@@ -51,29 +87,38 @@ void ConfigurationFile::Create() {
     SaveChanges();
 }
 
-boost::json::value ConfigurationFile::Read() const try {
-    return configuration::text::Parse(ReadWholeFile(path));
-
-} catch (configuration::Error const& error) {
-
-    throw LoadError(path + ": " + error.what());
-
-} catch (std::exception const& error) {
-
-    throw LoadError(error.what());
+/// Under the lock.
+void ConfigurationFile::Recover(std::string const& reason) {
+    Take(copyPath);
+    logger.Log(logging::Level::Error, "%0%: going on with the last configuration that was good, %1%", reason, copyPath);
+    if (damaged) return;
+    try {
+        WriteFileAtomically(path, content);
+    } catch (std::exception const& error) {
+        logger.Log(logging::Level::Error, "The configuration was not written again: %0%", error.what());
+    }
 }
 
 void ConfigurationFile::Load() {
     std::lock_guard const lock(mutex);
-    auto const content = Read();
+    Take(path);
+    damaged = false;
+}
+
+/// Under the lock. Messages name the source, not the file that it may stand for.
+void ConfigurationFile::Take(std::string const& source) {
+    auto text = ReadText(source);
+    auto const json = ParseText(source, text);
     try {
-        root->FromJson(content);
+        root->FromJson(json);
     } catch (configuration::Error const& error) {
-        throw LoadError(path + ": " + error.what());
+        throw LoadError(source + ": " + error.what());
     } catch (std::exception const&) {
+        content = std::move(text);
         kept = root->ToJson(Layer::Persisted);
         throw;
     }
+    content = std::move(text);
     kept = root->ToJson(Layer::Persisted);
 }
 
@@ -81,8 +126,21 @@ void ConfigurationFile::SaveChanges() {
     std::lock_guard const lock(mutex);
     auto present = root->ToJson(Layer::Persisted);
     if (present == kept) return;
-    WriteFileAtomically(path, configuration::text::Format(present));
+    auto text = configuration::text::Format(present);
+    if (damaged) std::filesystem::rename(path, path + ".damaged");
+    damaged = false;
+    WriteFileAtomically(path, text);
+    content = std::move(text);
     kept = std::move(present);
+}
+
+void ConfigurationFile::KeepCopy() {
+    std::lock_guard const lock(mutex);
+    try {
+        if (IsGone(copyPath) || ReadWholeFile(copyPath) != content) WriteFileAtomically(copyPath, content);
+    } catch (std::exception const& error) {
+        logger.Log(logging::Level::Warning, "No copy of the configuration is kept: %0%", error.what());
+    }
 }
 
 } // namespace zarn::host

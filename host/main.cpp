@@ -1,5 +1,6 @@
 #include "host/application.h"
 #include "host/command_line.h"
+#include "host/heap.h"
 #include "host/preparation.h"
 #include "host/signals.h"
 
@@ -83,6 +84,7 @@ int Start(CommandLine const& commandLine) {
 } // namespace
 
 int main(int count, char** arguments) {
+    BoundHeap();
     // Until the application can handle them, so that none ends it in the middle of writing a file.
     HoldSignals({SIGTERM, SIGINT, SIGHUP});
     std::signal(SIGPIPE, SIG_IGN);

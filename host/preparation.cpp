@@ -12,10 +12,10 @@ namespace zarn::host {
 namespace {
 
 void ReadConfiguration(ConfigurationFile& file, bool check) {
-    if (check || file.Exists()) {
+    if (check) {
         file.Load();
     } else {
-        file.Create();
+        file.Open();
     }
 }
 
@@ -59,6 +59,7 @@ Preparation Prepare(CommandLine const& commandLine) {
     preparation.tls = ReadTls(preparation);
     CheckMqtt(preparation);
     if (!commandLine.check) {
+        preparation.file->KeepCopy();
         preparation.credentials = LoadCredentials(preparation.file->GetPath() + ".credentials", commandLine.password);
     }
     return preparation;

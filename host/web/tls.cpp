@@ -1,7 +1,10 @@
 #include "host/web/tls.h"
 
+#include <zarn/logging/logger.h>
+
 #include <boost/system/system_error.hpp>
 #include <openssl/ssl.h>
+#include <openssl/x509.h>
 
 #include <cstddef>
 #include <stdexcept>
@@ -18,6 +21,20 @@ constexpr char const* PrivateKeyPath = "settings.tls.private_key";
 
 std::runtime_error Unusable(std::string const& setting, std::string const& file, std::string const& why) {
     return std::runtime_error(setting + ": " + file + " cannot be used: " + why);
+}
+
+/// A clock that is wrong must not take the device off the network, and many clients do not look at the dates: so the
+/// certificate is used, and the log says what those will miss that do.
+void WarnOfDates(ssl::context& context, std::string const& file) {
+    static logging::Logger const logger("zarn.host.web.tls");
+    X509 const* const certificate = SSL_CTX_get0_certificate(context.native_handle());
+    auto const warn = [&](char const* what) {
+        logger.Log(logging::Level::Warning, "%0%: %1% %2%: clients that check certificates will refuse it",
+                   CertificatePath, file, what);
+    };
+    // 0 is an error: a date that is none.
+    if (X509_cmp_current_time(X509_get0_notAfter(certificate)) <= 0) warn("has expired");
+    if (X509_cmp_current_time(X509_get0_notBefore(certificate)) >= 0) warn("is not valid yet");
 }
 
 } // namespace
@@ -38,6 +55,7 @@ std::shared_ptr<ssl::context> MakeTlsContext(std::string const& certificate, std
     if (SSL_CTX_check_private_key(context->native_handle()) != 1) {
         throw Unusable(PrivateKeyPath, privateKey, "it does not belong to the certificate " + certificate);
     }
+    WarnOfDates(*context, certificate);
     return context;
 }
 

@@ -9,7 +9,8 @@ namespace zarn::host::web {
 
 /// A TLS server context with a certificate chain and its key, both PEM files: TLS 1.2 or newer.
 /// Throws std::runtime_error that names the setting, the file and the reason when one cannot be read or the key does
-/// not belong to the certificate. A key that is protected by a password is refused, since nobody is there to type it.
+/// not belong to the certificate. One whose time is over or has not come is used, and the log says so. A key that is
+/// protected by a password is refused, since nobody is there to type it.
 std::shared_ptr<boost::asio::ssl::context> MakeTlsContext(std::string const& certificate,
                                                           std::string const& privateKey);
 

@@ -12,6 +12,9 @@ struct Certificate {
     /// Throws std::runtime_error when openssl does not make it.
     explicit Certificate(TemporaryFolder const& folder, std::string const& name = "server");
 
+    /// Makes it one whose time was over yesterday. Throws std::runtime_error when openssl does not do that.
+    void Expire() const;
+
     std::string certificate; ///< path
     std::string key;         ///< path
 };

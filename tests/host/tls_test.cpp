@@ -14,6 +14,7 @@ namespace {
 using namespace std::chrono_literals;
 using testing::HasSubstr;
 using testing::MatchesRegex;
+using testing::Not;
 
 class TlsHost : public testing::Test {
 protected:
@@ -108,6 +109,21 @@ TEST_F(TlsHost, IsMadeAndUnmadeAtSighup) {
     configure("{}");
     EXPECT_TRUE(answers("http", "\"tls\":false"));
     refersTo("http");
+}
+
+TEST_F(TlsHost, UsesACertificateThatHasExpiredAndSaysSo) {
+    EXPECT_THAT(host.GetProcess().GetLog(), Not(HasSubstr("has expired")));
+    files.Expire();
+    host.GetProcess().Signal(SIGHUP);
+    EXPECT_TRUE(host.GetProcess().WaitForLog(
+        "settings.tls.certificate: " + files.certificate + " has expired: clients that check certificates", 10s));
+    HostProcess const second({.arguments = {"--set", "settings.tls.certificate=" + files.certificate, "--set",
+                                            "settings.tls.private_key=" + files.key}});
+    EXPECT_THAT(second.GetProcess().GetLog(), HasSubstr("has expired"));
+    Process careless({"curl", "-s", "-k", second.GetUrl() + "/api/health"});
+    EXPECT_EQ(careless.Wait(10s), 0);
+    EXPECT_THAT(careless.GetOutput(), HasSubstr("\"tls\":true"));
+    EXPECT_EQ(Curl({second.GetUrl() + "/api/health"}, files.certificate), "") << "a client that checks";
 }
 
 TEST_F(TlsHost, StopsWhileClientsAreConnected) { EXPECT_EQ(host.Stop(2s), 0); }

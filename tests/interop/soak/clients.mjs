@@ -65,7 +65,7 @@ async function findDevice(host) {
 
 // Periods divide a minute, so that every minute asks the same of the host.
 export const clients = [
-    {name: 'login', period: 5, action: logIn},
+    {name: 'login', period: 5, offset: 0, action: logIn},
     {name: 'video settings', period: 10, offset: 2, action: readVideo},
     {name: 'snapshot', period: 5, offset: 1, action: downloadSnapshot},
     {name: 'stream', period: 20, offset: 3, action: playStream},

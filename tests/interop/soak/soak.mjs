@@ -16,6 +16,7 @@ import {listen, stay, visitors} from './subscriptions.mjs';
 import {judge} from './verdict.mjs';
 
 const eventsPerSecond = 5; // of each source
+const busySeconds = 45; // of each minute; in the rest only those who stay are there, so that what is lost shows
 const brokerPort = 1883;
 const columns = ['second', 'residentKib', 'threads', 'descriptors', 'latencyMs', 'eventsSent', 'eventsReceived'];
 const panels = [
@@ -35,6 +36,10 @@ const configuration = {
         1: {name: 'Gate', source: 'test:ball?width=320&height=240&rate=5'},
         2: {name: 'Grüner Hof', source: 'test:smpte?width=320&height=240&rate=5'},
     },
+};
+
+const whileBusy = ({period, offset}, action) => async turn => {
+    if ((turn * period + offset) % 60 < busySeconds) await action(turn);
 };
 
 const health = async host => (await fetch(`http://${host.hostname}:${host.port}/api/health`)).json();
@@ -106,9 +111,9 @@ class Run {
         const loops = [
             loop('sample', {period: 1}, second => second < seconds ? this.sample(second, csv) : stop.abort()),
             ...this.sources.map(source => loop(source.series, {period: 1}, () => source.send(this.host, eventsPerSecond))),
-            ...clients.map(({name, action, ...schedule}) => loop(name, schedule, turn => action(this.host, turn))),
-            ...visitors.map(({name, action, ...schedule}) =>
-                loop(name, schedule, async turn => this.note(await action(this.host, turn, this.sources)))),
+            ...clients.map(({name, action, ...schedule}) => loop(name, schedule, whileBusy(schedule, turn => action(this.host, turn)))),
+            ...visitors.map(({name, action, ...schedule}) => loop(name, schedule, whileBusy(schedule,
+                async turn => this.note(await action(this.host, turn, this.sources))))),
         ];
         await Promise.all(loops);
     }

@@ -8,9 +8,7 @@ export const least = values => Math.min(...values);
 // moment, so its middle counts. What is lost for good (a thread, a descriptor) is there also when least goes on.
 export const growthRules = [
     {name: 'resident memory', column: 'residentKib', of: median, word: 'median', unit: 'KiB', below: 1024},
-    {name: 'threads', column: 'threads', of: median, word: 'median', unit: '', below: 1},
     {name: 'threads', column: 'threads', of: least, word: 'least', unit: '', below: 1},
-    {name: 'descriptors', column: 'descriptors', of: median, word: 'median', unit: '', below: 1},
     {name: 'descriptors', column: 'descriptors', of: least, word: 'least', unit: '', below: 1},
 ];
 

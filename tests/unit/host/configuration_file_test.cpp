@@ -7,7 +7,9 @@
 #include <boost/json/parse.hpp>
 #include <gmock/gmock.h>
 
+#include <filesystem>
 #include <stdexcept>
+#include <string>
 
 namespace zarn::host {
 namespace {
@@ -41,9 +43,7 @@ protected:
 };
 
 TEST_F(ConfigurationFileTest, IsMadeOfTheDefault) {
-    EXPECT_FALSE(file.Exists());
-    file.Create();
-    EXPECT_TRUE(file.Exists());
+    file.Open();
     EXPECT_TRUE(ReadBool(*root, OnvifPath));
     EXPECT_EQ(ReadChannels(*root).size(), 2U);
     auto const written = boost::json::parse(folder.Read("config.json"));
@@ -53,8 +53,8 @@ TEST_F(ConfigurationFileTest, IsMadeOfTheDefault) {
 
 TEST_F(ConfigurationFileTest, IsMadeWithTheFoldersThatAreMissing) {
     ConfigurationFile deep(folder / "a/b/config.json", root);
-    deep.Create();
-    EXPECT_TRUE(deep.Exists());
+    deep.Open();
+    EXPECT_EQ(boost::json::parse(folder.Read("a/b/config.json")), root->ToJson(configuration::Layer::Persisted));
 }
 
 TEST_F(ConfigurationFileTest, FillsTheTree) {
@@ -96,6 +96,115 @@ TEST_F(ConfigurationFileTest, HoldsNoOverrides) {
     file.SaveChanges();
     EXPECT_THAT(folder.Read("config.json"),
                 AllOf(HasSubstr(R"("web_port": 0)"), HasSubstr("555"), Not(HasSubstr("18080"))));
+}
+
+/// A file that was used before, as its first run has left it.
+class UsedConfigurationFile : public ConfigurationFileTest {
+protected:
+    UsedConfigurationFile() {
+        folder.Write("config.json", R"({"settings": {"web_port": 81}})");
+        ConfigurationFile first(folder / "config.json", MakeTree());
+        first.Open();
+        first.KeepCopy();
+    }
+
+    static std::shared_ptr<configuration::node::Root> MakeTree() {
+        auto tree = std::make_shared<configuration::node::Root>();
+        DescribeSettings(*tree);
+        return tree;
+    }
+
+    std::string GetOpenError() {
+        try {
+            file.Open();
+            return "";
+        } catch (std::exception const& error) {
+            return error.what();
+        }
+    }
+
+    void Remove(char const* name) const { std::filesystem::remove(folder / name); }
+};
+
+TEST_F(UsedConfigurationFile, HasACopyThatOnlyItsOwnerReads) {
+    EXPECT_EQ(folder.Read("config.json.good"), folder.Read("config.json"));
+    EXPECT_EQ(std::filesystem::status(folder / "config.json.good").permissions(),
+              std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+}
+
+TEST_F(UsedConfigurationFile, IsWrittenAgainFromItsCopyWhenItIsGone) {
+    Remove("config.json");
+    EXPECT_EQ(GetOpenError(), "");
+    EXPECT_EQ(ReadPort(*root, WebPortPath), 81);
+    EXPECT_EQ(folder.Read("config.json"), R"({"settings": {"web_port": 81}})");
+}
+
+TEST_F(UsedConfigurationFile, GivesWayToItsCopyWhenItIsDamagedAndStaysForItsEditor) {
+    for (auto const& text : {std::string(), std::string(R"({"settings": {"web_p)"), std::string("\0\0\0\0", 4),
+                             std::string("garbage"), std::string(R"({"settings": {"web_port": 82}}})")}) {
+        folder.Write("config.json", text);
+        auto const tree = MakeTree();
+        ConfigurationFile(folder / "config.json", tree).Open();
+        EXPECT_EQ(ReadPort(*tree, WebPortPath), 81) << text;
+        EXPECT_EQ(folder.Read("config.json"), text);
+    }
+}
+
+TEST_F(UsedConfigurationFile, IsRefusedForTheMistakeOfAPersonWhateverTheCopySays) {
+    folder.Write("config.json", R"({"settings": {"web_port": 70000}})");
+    EXPECT_THAT(GetOpenError(), StartsWith(folder / "config.json: settings.web_port: 70000 is not a port"));
+    folder.Write("config.json", R"({"settings": {}, "settings": {}})");
+    EXPECT_THAT(GetOpenError(), HasSubstr("occurs twice"));
+    Remove("config.json");
+    std::filesystem::create_directory(folder / "config.json");
+    EXPECT_THAT(GetOpenError(), HasSubstr("Is a directory"));
+}
+
+TEST_F(UsedConfigurationFile, IsRefusedWhenItIsDamagedAndThereIsNoCopy) {
+    folder.Write("config.json", "garbage");
+    Remove("config.json.good");
+    EXPECT_THAT(GetOpenError(), StartsWith(folder / "config.json: line 1"));
+}
+
+TEST_F(UsedConfigurationFile, IsRefusedWhenItsCopyWouldBeNeededAndIsDamagedToo) {
+    folder.Write("config.json.good", "garbage");
+    Remove("config.json");
+    EXPECT_THAT(GetOpenError(), StartsWith(folder / "config.json.good: line 1"));
+    EXPECT_EQ(folder.Read("config.json"), "");
+}
+
+TEST_F(UsedConfigurationFile, DoesNotOverwriteWhatWasDamagedWhenItChanges) {
+    folder.Write("config.json", "{ half an edi");
+    file.Open();
+    file.SaveChanges();
+    EXPECT_EQ(folder.Read("config.json"), "{ half an edi");
+    Set(WebPortPath, 83);
+    file.SaveChanges();
+    EXPECT_EQ(folder.Read("config.json.damaged"), "{ half an edi");
+    EXPECT_THAT(folder.Read("config.json"), HasSubstr(R"("web_port": 83)"));
+}
+
+TEST_F(UsedConfigurationFile, KeepsACopyOfWhatItSaves) {
+    file.Open();
+    Set(WebPortPath, 83);
+    file.SaveChanges();
+    EXPECT_THAT(folder.Read("config.json.good"), Not(HasSubstr("83"))) << "it has not proved itself yet";
+    file.KeepCopy();
+    EXPECT_EQ(folder.Read("config.json.good"), folder.Read("config.json"));
+}
+
+TEST_F(UsedConfigurationFile, GoesOnWhenNoCopyCanBeKept) {
+    Remove("config.json.good");
+    std::filesystem::create_directory(folder / "config.json.good");
+    file.Open();
+    EXPECT_NO_THROW(file.KeepCopy());
+}
+
+TEST_F(UsedConfigurationFile, IsNotReplacedByItsCopyWhenItIsLoadedAgain) {
+    file.Open();
+    folder.Write("config.json", "garbage");
+    EXPECT_THROW(file.Load(), DamageError);
+    EXPECT_EQ(ReadPort(*root, WebPortPath), 81);
 }
 
 } // namespace

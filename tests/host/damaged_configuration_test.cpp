@@ -1,0 +1,90 @@
+#include "host/host_process.h"
+#include "host/raw_connection.h"
+
+#include <gmock/gmock.h>
+
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <memory>
+#include <string>
+
+namespace zarn::tests::host {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::EndsWith;
+using testing::HasSubstr;
+
+/// A host that has run once with a model of its own, so that its configuration can be told from the default.
+class DamagedConfiguration : public testing::Test {
+protected:
+    DamagedConfiguration() {
+        HostProcess first({.configuration = Configuration, .folder = folder});
+        EXPECT_EQ(first.Stop(), 0);
+    }
+
+    HostProcess StartAgain() const {
+        return HostProcess(
+            {.configuration = "", .arguments = {"--set", "settings.authentication.enabled=false"}, .folder = folder});
+    }
+
+    static void ExpectTheModelOfBefore(HostProcess const& host) {
+        EXPECT_THAT(RawConnection(host.GetPort()).Exchange(MakeSoapRequest("GetDeviceInformation")).body,
+                    HasSubstr("<tds:Model>M-81</tds:Model>"));
+    }
+
+    static constexpr char const* Configuration =
+        R"({"identity": {"model": "M-81"}, "settings": {"web_port": 0, "rtsp_port": 0}, "channels": {}})";
+
+    std::shared_ptr<TemporaryFolder> folder = std::make_shared<TemporaryFolder>();
+};
+
+TEST_F(DamagedConfiguration, GivesWayToTheOneOfBeforeWhenItWasCutOff) {
+    folder->Write("config.json", R"({"identity": {"mod)");
+    auto const host = StartAgain();
+    ExpectTheModelOfBefore(host);
+    EXPECT_THAT(host.GetProcess().GetLog(),
+                HasSubstr("config.json: line 1, column 19: incomplete JSON: going on with the last configuration that "
+                          "was good, " +
+                          *folder / "config.json.good"));
+    EXPECT_EQ(folder->Read("config.json"), R"({"identity": {"mod)") << "somebody may be editing it";
+}
+
+TEST_F(DamagedConfiguration, IsWrittenAgainWhenItIsGone) {
+    std::filesystem::remove(*folder / "config.json");
+    auto const host = StartAgain();
+    ExpectTheModelOfBefore(host);
+    EXPECT_THAT(host.GetProcess().GetLog(), HasSubstr("config.json is gone: going on with the last configuration"));
+    EXPECT_EQ(folder->Read("config.json"), Configuration);
+}
+
+TEST_F(DamagedConfiguration, IsWhatACheckJudges) {
+    folder->Write("config.json", "garbage");
+    auto const check = HostProcess::Launch({.configuration = "", .arguments = {"--check"}}, *folder);
+    EXPECT_EQ(check->Wait(10s), 2);
+    EXPECT_THAT(check->GetLog(), EndsWith("config.json: line 1, column 1: syntax error\n"));
+}
+
+TEST_F(DamagedConfiguration, ChangesNothingWhenItIsReadAgain) {
+    auto host = StartAgain();
+    folder->Write("config.json", "garbage");
+    host.GetProcess().Signal(SIGHUP);
+    ASSERT_TRUE(host.GetProcess().WaitForLog("The configuration stays as it was: ", 10s));
+    ExpectTheModelOfBefore(host);
+    EXPECT_EQ(folder->Read("config.json.good"), Configuration);
+}
+
+TEST_F(DamagedConfiguration, IsReplacedByWhatWasReadLastWhileTheHostRan) {
+    std::string const later = R"({"identity": {"model": "M-82"}, "settings": {"web_port": 0, "rtsp_port": 0}})";
+    {
+        auto host = StartAgain();
+        folder->Write("config.json", later);
+        host.GetProcess().Signal(SIGHUP);
+        ASSERT_TRUE(host.GetProcess().WaitForLog("again", 10s));
+    }
+    EXPECT_EQ(folder->Read("config.json.good"), later);
+}
+
+} // namespace
+} // namespace zarn::tests::host
