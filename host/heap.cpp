@@ -7,7 +7,7 @@ namespace {
 
 /// Each arena keeps what its fragments hold. Of the eight for each processor that the C library would make, threads of
 /// video that come and go with viewers and snapshots wander over all, and memory grows for hours.
-constexpr int Arenas = 2;
+constexpr int Arenas = 4;
 
 /// From this size on memory goes straight back to the system. Unless it is set, the first large picture that is freed
 /// raises it to the picture's size, and all later ones lie between the small pieces of the heap.

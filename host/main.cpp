@@ -29,8 +29,9 @@ constexpr int CannotRun = 1;
 /// What stopping may take after the signal.
 constexpr std::chrono::milliseconds StopTime{1500};
 
-int Fail(int status, std::string const& text) {
-    std::fprintf(stderr, "zarn-host: %s\n", text.c_str());
+/// Needs no memory.
+int Fail(int status, char const* text) {
+    std::fprintf(stderr, "zarn-host: %s\n", text);
     return status;
 }
 
@@ -81,20 +82,30 @@ int Start(CommandLine const& commandLine) {
     }
 }
 
-} // namespace
-
-int main(int count, char** arguments) {
-    BoundHeap();
+int Run(int count, char** arguments) {
     // Until the application can handle them, so that none ends it in the middle of writing a file.
     HoldSignals({SIGTERM, SIGINT, SIGHUP});
     std::signal(SIGPIPE, SIG_IGN);
+    // A file that may not grow any more is an error like a full disk, and no reason to end.
+    std::signal(SIGXFSZ, SIG_IGN);
     RaiseFileLimit();
     auto const commandLine = ParseCommandLine(count, arguments);
     HidePassword(count, arguments);
-    if (auto const* misuse = std::get_if<Misuse>(&commandLine)) return Fail(BadOptionOrFile, misuse->text);
+    if (auto const* misuse = std::get_if<Misuse>(&commandLine)) return Fail(BadOptionOrFile, misuse->text.c_str());
     if (auto const* information = std::get_if<Information>(&commandLine)) {
         Print(information->text);
         return 0;
     }
     return Start(std::get<CommandLine>(commandLine));
+}
+
+} // namespace
+
+int main(int count, char** arguments) {
+    BoundHeap();
+    try {
+        return Run(count, arguments);
+    } catch (std::exception const& error) {
+        return Fail(CannotRun, error.what());
+    }
 }

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "faults/failing_calls.h"
+
+#include <ostream>
+#include <string>
+
+namespace zarn::tests::faults {
+
+/// What goes wrong, and as what.
+struct Fault {
+    Call call;
+    int error;
+};
+
+inline std::string NameOf(Fault const& fault) { return CallNames.at(static_cast<std::size_t>(fault.call)); }
+
+inline void PrintTo(Fault const& fault, std::ostream* stream) { *stream << NameOf(fault); }
+
+} // namespace zarn::tests::faults
