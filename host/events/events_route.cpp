@@ -4,6 +4,7 @@
 
 #include <boost/algorithm/string/predicate.hpp>
 #include <boost/algorithm/string/trim.hpp>
+#include <boost/asio/io_context.hpp>
 #include <boost/asio/post.hpp>
 #include <boost/json/object.hpp>
 #include <boost/json/serialize.hpp>
@@ -54,7 +55,7 @@ EventsRoute::Response EventsRoute::Post(std::shared_ptr<zarn::web::Request> requ
     }
     auto const answer = std::make_shared<std::promise<Response>>();
     auto const future = answer->get_future().share();
-    boost::asio::post(readers, [this, answer, request = std::move(request)] {
+    boost::asio::post(readers.Get(), [this, answer, request = std::move(request)] {
         try {
             answer->set_value(Take(*request));
         } catch (...) {

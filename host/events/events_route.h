@@ -3,9 +3,8 @@
 #include "host/events/read_events.h"
 #include "host/web/digest.h"
 
+#include <zarn/asio/io_context.h>
 #include <zarn/web/service.h>
-
-#include <boost/asio/thread_pool.hpp>
 
 #include <functional>
 #include <memory>
@@ -20,6 +19,7 @@ class EventsRoute final : public zarn::web::Service {
 public:
     /// digest  decides who may bring events
     /// sink    is called with each event, before the answer, on a thread of the route
+    /// Throws std::system_error when there is no thread to be had.
     EventsRoute(web::Digest digest, Sink sink);
 
     /// Drops the requests whose events have not been read, and waits for those that have.
@@ -38,7 +38,7 @@ private:
     web::Digest digest;
     Sink sink;
     /// Few threads, since a text takes many times its length while it is read: the others wait for their turn.
-    boost::asio::thread_pool readers{2};
+    asio::IoContext readers{2};
 };
 
 } // namespace zarn::host::events

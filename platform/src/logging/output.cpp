@@ -91,7 +91,7 @@ void Output::UpdateThreshold() {
     Threshold = threshold;
 }
 
-void SetLevel(Level least) noexcept { Output::Get().SetLevel(least); }
+void SetLevel(Level least) { Output::Get().SetLevel(least); }
 
 Level GetLevel() noexcept { return Least; }
 

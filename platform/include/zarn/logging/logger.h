@@ -14,7 +14,8 @@ namespace zarn::logging {
 inline constexpr std::size_t MaximumLineLength = std::size_t{16} * 1024;
 
 /// Sets the least level that is written to standard error. Default: Level::Info. Thread: any.
-void SetLevel(Level least) noexcept;
+/// Throws std::exception when it is the first to need the output and that cannot be made.
+void SetLevel(Level least);
 
 /// The least level that is written to standard error. Thread: any.
 Level GetLevel() noexcept;
