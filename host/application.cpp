@@ -3,6 +3,7 @@
 #include "host/configuration_file.h"
 #include "host/events/events_route.h"
 #include "host/events/mqtt_configuration.h"
+#include "host/heap.h"
 #include "host/settings.h"
 #include "host/signals.h"
 #include "host/status.h"
@@ -63,7 +64,10 @@ Application::Application(Preparation prepared)
       endSignals(control, OpenSignals(EndingSignals)),
       reloadSignals(control, OpenSignals({SIGHUP})),
       queueTimer(control.get_executor(), QueueInterval, "The queues of the subscriptions were not looked at",
-                 [this] { queueWatch.Look(ReadQueuedWarning(*preparation.configuration)); }),
+                 [this] {
+                     ReportShortages();
+                     queueWatch.Look(ReadQueuedWarning(*preparation.configuration));
+                 }),
       speaksTls(preparation.tls != nullptr) {
     auto& root = *preparation.configuration;
     for (auto const* path : FixedPaths) fixed.push_back(ReadPersisted(root, path));
@@ -253,6 +257,13 @@ void Application::ApplyMqtt() {
     } catch (std::exception const& error) {
         logger.Log(Level::Error, "The intake of events over MQTT stays as it was: %0%", error.what());
     }
+}
+
+void Application::ReportShortages() {
+    auto const present = CountShortages();
+    if (present == reportedShortages) return;
+    logger.Log(Level::Warning, "Memory was short: it had to be waited for, %0% times so far", present);
+    reportedShortages = present;
 }
 
 void Application::ReportLater() {

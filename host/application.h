@@ -69,6 +69,7 @@ private:
     void ApplyTls();
     void ApplyMqtt();
     void ReportLater();
+    void ReportShortages();
 
     logging::Logger logger{"zarn.host"};
     std::chrono::steady_clock::time_point const started = std::chrono::steady_clock::now();
@@ -84,6 +85,7 @@ private:
     std::unique_ptr<service::onvif::Manager> manager;
     std::unique_ptr<events::MqttClient> mqtt;
     events::QueueWatch queueWatch;
+    unsigned long reportedShortages = 0; ///< of memory
     web::RepeatingTimer queueTimer;
     std::shared_ptr<web::OnvifRoute> onvif;
     std::shared_ptr<web::Admission> admission = std::make_shared<web::Admission>();

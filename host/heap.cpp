@@ -2,6 +2,11 @@
 
 #include <malloc.h>
 
+#include <atomic>
+#include <chrono>
+#include <new>
+#include <thread>
+
 namespace zarn::host {
 namespace {
 
@@ -13,7 +18,33 @@ constexpr int Arenas = 4;
 /// raises it to the picture's size, and all later ones lie between the small pieces of the heap.
 constexpr int LargeBytes = 128 * 1024;
 
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::milliseconds LongestWait{200};
+constexpr std::chrono::milliseconds Pause{1};
+
+std::atomic<unsigned long> shortages = 0;
+
+/// The standard calls it again as long as there is no memory, and does not say whether it is for the same allocation:
+/// that is tried at once when this returns, so that a call which comes at once is for it.
+void WaitForMemory() {
+    thread_local Clock::time_point begin;
+    thread_local Clock::time_point returned;
+    auto const now = Clock::now();
+    if (now - returned > Pause) {
+        begin = now;
+        ++shortages;
+    }
+    if (now - begin > LongestWait) throw std::bad_alloc();
+    std::this_thread::sleep_for(Pause);
+    returned = Clock::now();
+}
+
 } // namespace
+
+void AwaitMemory() { std::set_new_handler(WaitForMemory); }
+
+unsigned long CountShortages() { return shortages; }
 
 void BoundHeap() {
     mallopt(M_ARENA_MAX, Arenas);

@@ -6,4 +6,12 @@ namespace zarn::host {
 /// all, while the process has one thread. Source: mallopt(3).
 void BoundHeap();
 
+/// Lets whoever finds no memory wait for it, a fifth of a second at most, before std::bad_alloc is thrown: the work of
+/// others ends meanwhile and gives some back. Much of what keeps a server going has nobody to catch that exception: a
+/// queue of handlers that was about to be scheduled stands still for ever after it. To be called once.
+void AwaitMemory();
+
+/// How often memory was waited for so far. Thread: any.
+unsigned long CountShortages();
+
 } // namespace zarn::host

@@ -103,6 +103,7 @@ int Run(int count, char** arguments) {
 
 int main(int count, char** arguments) {
     BoundHeap();
+    AwaitMemory();
     try {
         return Run(count, arguments);
     } catch (std::exception const& error) {

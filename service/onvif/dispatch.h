@@ -1,6 +1,7 @@
 #pragma once
 
 #include "soap_context.h"
+#include "soap_fault.h"
 
 #include <soapH.h>
 
@@ -15,7 +16,7 @@ void Dispatch(soap* soap, Services&... services) {
     int status = soap_begin_serve(soap);
     AnswerAddressing(soap);
     if (status != SOAP_OK) {
-        soap_send_fault(soap);
+        SendFault(soap);
         return;
     }
     // Kept whole before it is sent: else gSOAP writes all of it twice, once to count its bytes, and hands the stream
@@ -23,9 +24,9 @@ void Dispatch(soap* soap, Services&... services) {
     soap_set_omode(soap, SOAP_IO_STORE);
     status = SOAP_NO_METHOD;
     (void)(((status = services.dispatch()) == SOAP_NO_METHOD) && ...);
-    soap_send_fault(soap);
+    SendFault(soap);
     // The fault of an operation is written twice, on purpose; who reads the output takes the first response.
-    if (status != SOAP_OK && status != SOAP_NO_METHOD) soap_send_fault(soap);
+    if (status != SOAP_OK && status != SOAP_NO_METHOD) SendFault(soap);
 }
 
 } // namespace zarn::service::onvif

@@ -8,6 +8,7 @@
 #include "media2.h"
 #include "request_bounds.h"
 #include "soap_context.h"
+#include "soap_fault.h"
 #include "xml_text.h"
 
 #include <service/onvif/manager.h>
@@ -129,7 +130,7 @@ public:
         soap->is = &input;
         input << request << std::endl;
         if (soap->error)
-            soap_send_fault(soap);
+            SendFault(soap);
         else
             Dispatch(soap, device, events, media, media2, analytics);
 

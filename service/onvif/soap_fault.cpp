@@ -32,6 +32,13 @@ int SetFault(soap* soap, FaultCode code, char const* reason, std::initializer_li
     return SOAP_FAULT;
 }
 
+void SendFault(soap* soap) {
+    // When there was no memory for a longer look-aside buffer, gSOAP has none but still its length, and would write the
+    // names of the fault to where it was.
+    if (!soap->labbuf) soap->lablen = soap->labidx = 0;
+    soap_send_fault(soap);
+}
+
 int NotSupported(soap* soap) { return SoapFault(soap, FaultCode::Receiver, "Not supported", "ter:ActionNotSupported"); }
 
 } // namespace zarn::service::onvif

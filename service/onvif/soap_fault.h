@@ -24,6 +24,9 @@ int SoapFault(soap* soap, FaultCode code, char const* reason, Subcodes... subcod
     return SetFault(soap, code, reason, {subcodes...});
 }
 
+/// Writes the fault that the context stands for to its output. Thread: the one that runs the context's exchange.
+void SendFault(soap* soap);
+
 /// The answer of every operation that this device does not serve: the receiver fault "Not supported" with
 /// "ter:ActionNotSupported". Reads nothing of the request.
 int NotSupported(soap* soap);

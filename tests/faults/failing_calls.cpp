@@ -117,11 +117,16 @@ int RunMain(int count, char** arguments, char** environment) {
 
 // NOLINTBEGIN(readability-identifier-naming)
 
+/// As the standard has it: whoever set a handler is asked to find memory, again and again until that gives up.
 void* operator new(std::size_t size) {
-    if (Fails(Call::New, __builtin_return_address(0))) throw std::bad_alloc();
-    void* const memory = __libc_malloc(size == 0 ? 1 : size);
-    if (memory == nullptr) throw std::bad_alloc();
-    return memory;
+    void const* const caller = __builtin_return_address(0);
+    for (;;) {
+        void* const memory = Fails(Call::New, caller) ? nullptr : __libc_malloc(size == 0 ? 1 : size);
+        if (memory != nullptr) return memory;
+        auto const handler = std::get_new_handler();
+        if (handler == nullptr) throw std::bad_alloc();
+        handler();
+    }
 }
 
 extern "C" {

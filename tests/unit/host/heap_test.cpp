@@ -3,12 +3,13 @@
 #include <gtest/gtest.h>
 #include <malloc.h>
 
-#include <algorithm>
+#include <chrono>
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <latch>
 #include <memory>
+#include <new>
 #include <string>
 #include <thread>
 #include <vector>
@@ -60,6 +61,25 @@ TEST(Heap, GivesLargePiecesBackAlsoAfterOneHasBeenFreed) {
 }
 
 #endif
+
+TEST(Heap, WaitsForMemoryOnlySoLong) {
+    using namespace std::chrono_literals;
+    using Clock = std::chrono::steady_clock;
+    AwaitMemory();
+    auto const handler = std::get_new_handler();
+    ASSERT_NE(handler, nullptr);
+    auto const before = CountShortages();
+    auto const begin = Clock::now();
+    // As operator new does while there is none.
+    auto const need = [&] {
+        for (int i = 0; i < 100'000; ++i) handler();
+    };
+    EXPECT_THROW(need(), std::bad_alloc);
+    EXPECT_GE(Clock::now() - begin, 200ms);
+    EXPECT_GT(CountShortages(), before);
+    std::this_thread::sleep_for(5ms);
+    EXPECT_NO_THROW(handler()) << "the next one may wait again";
+}
 
 } // namespace
 } // namespace zarn::host

@@ -1,0 +1,111 @@
+#include "faults/fault_control.h"
+#include "host/host_process.h"
+#include "host/pull_point_client.h"
+#include "host/raw_connection.h"
+
+#include <boost/json/parse.hpp>
+#include <gmock/gmock.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <iterator>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace zarn::tests::faults {
+namespace {
+
+using namespace std::chrono_literals;
+using host::HostProcess;
+using host::RawConnection;
+using host::TemporaryFolder;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::UnorderedElementsAre;
+
+/// Every call from the first on.
+constexpr int Always = 1 << 30;
+
+std::vector<std::string> InShell(std::string const& script) { return {"sh", "-ec", script + R"(; exec "$@")", "sh"}; }
+
+std::vector<std::string> ListFiles(TemporaryFolder const& folder) {
+    std::vector<std::string> names;
+    for (auto const& entry : std::filesystem::directory_iterator(folder.GetPath()))
+        if (entry.is_regular_file()) names.push_back(entry.path().filename());
+    return names;
+}
+
+unsigned Ask(HostProcess const& host) {
+    return RawConnection(host.GetPort()).Exchange(host::MakeSoapRequest("GetSystemDateAndTime")).status;
+}
+
+TEST(Descriptors, ThatRunOutKeepNobodyFromBeingServedLater) {
+    HostProcess host({.launcher = InShell("ulimit -n 64")});
+    {
+        std::vector<std::unique_ptr<RawConnection>> connections;
+        for (int i = 0; i < 64; ++i) connections.push_back(std::make_unique<RawConnection>(host.GetPort()));
+        ASSERT_TRUE(host.GetProcess().WaitForLog("Cannot accept a connection: Too many open files", 10s));
+        std::this_thread::sleep_for(2s);
+    }
+    auto const log = host.GetProcess().GetLog();
+    int lines = 0;
+    for (auto at = log.find("Cannot accept"); at != std::string::npos; at = log.find("Cannot accept", at + 1)) ++lines;
+    EXPECT_LE(lines, 4) << "one a second is enough";
+    EXPECT_EQ(Ask(host), 200U);
+}
+
+/// No file may grow: the system answers as for a full disk, and sends a signal that ends most programs.
+TEST(Disk, ThatTakesNothingEndsTheFirstStartWithALineAndNoFile) {
+    TemporaryFolder const folder;
+    auto const process = HostProcess::Launch({.configuration = "", .launcher = InShell("ulimit -f 0")}, folder);
+    EXPECT_EQ(process->Wait(20s), 2);
+    EXPECT_THAT(process->GetLog(), EndsWith("File too large\n"));
+    EXPECT_THAT(process->GetLog(), HasSubstr("zarn-host: " + folder / "config.json"));
+    EXPECT_TRUE(ListFiles(folder).empty());
+}
+
+TEST(Disk, ThatGetsFullEndsTheFirstStartWithALine) {
+    if (geteuid() != 0) GTEST_SKIP() << "only root makes a small disk";
+    TemporaryFolder const folder;
+    auto const process = HostProcess::Launch(
+        {.configuration = "",
+         .launcher = {"unshare", "--mount", "sh", "-ec",
+                      "mount -t tmpfs -o size=4k none " + folder.GetPath().string() + R"(; exec "$@")", "sh"}},
+        folder);
+    EXPECT_EQ(process->Wait(20s), 2);
+    EXPECT_THAT(process->GetLog(), EndsWith("No space left on device\n"));
+}
+
+TEST(Disk, ThatIsFullWhileTheHostRunsCostsTheCopyOnly) {
+    auto const folder = std::make_shared<TemporaryFolder>();
+    FaultControl control(*folder);
+    HostProcess host({.environment = control.GetEnvironment(), .folder = folder});
+    auto const before = folder->Read("config.json.good");
+    control.Arm(Call::Write, 1, ENOSPC, Always);
+    folder->Write("config.json", R"({"identity": {"name": "later"}, "settings": {"web_port": 0, "rtsp_port": 0}})");
+    host.GetProcess().Signal(SIGHUP);
+    EXPECT_TRUE(host.GetProcess().WaitForLog("No copy of the configuration is kept: ", 10s));
+    EXPECT_THAT(host.GetProcess().GetLog(), HasSubstr("No space left on device"));
+    EXPECT_EQ(folder->Read("config.json.good"), before);
+    control.Disarm();
+    EXPECT_EQ(Ask(host), 200U);
+    EXPECT_THAT(ListFiles(*folder),
+                UnorderedElementsAre("config.json", "config.json.good", "config.json.credentials", "failing_calls"));
+}
+
+TEST(Log, ThatCanBeWrittenNowhereEndsNothing) {
+    auto const folder = std::make_shared<TemporaryFolder>();
+    HostProcess host({.launcher = InShell("exec 2>/dev/full"), .folder = folder});
+    folder->Write("config.json", "garbage");
+    host.GetProcess().Signal(SIGHUP);
+    EXPECT_TRUE(host::Await([&] { return Ask(host) == 200U; }));
+}
+
+} // namespace
+} // namespace zarn::tests::faults
