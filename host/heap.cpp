@@ -3,7 +3,6 @@
 #include <malloc.h>
 
 #include <atomic>
-#include <chrono>
 #include <new>
 #include <thread>
 
@@ -20,10 +19,10 @@ constexpr int LargeBytes = 128 * 1024;
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::chrono::milliseconds LongestWait{200};
 constexpr std::chrono::milliseconds Pause{1};
 
 std::atomic<unsigned long> shortages = 0;
+std::atomic<std::chrono::milliseconds> longestWait;
 
 /// The standard calls it again as long as there is no memory, and does not say whether it is for the same allocation:
 /// that is tried at once when this returns, so that a call which comes at once is for it.
@@ -35,14 +34,17 @@ void WaitForMemory() {
         begin = now;
         ++shortages;
     }
-    if (now - begin > LongestWait) throw std::bad_alloc();
+    if (now - begin > longestWait.load()) throw std::bad_alloc();
     std::this_thread::sleep_for(Pause);
     returned = Clock::now();
 }
 
 } // namespace
 
-void AwaitMemory() { std::set_new_handler(WaitForMemory); }
+void AwaitMemory(std::chrono::milliseconds longest) {
+    longestWait = longest;
+    std::set_new_handler(WaitForMemory);
+}
 
 unsigned long CountShortages() { return shortages; }
 

@@ -29,6 +29,10 @@ constexpr int CannotRun = 1;
 /// What stopping may take after the signal.
 constexpr std::chrono::milliseconds StopTime{1500};
 
+/// What memory that is short may take to come back: longer than any request should, because what fails for want of it
+/// may be what serves all requests.
+constexpr std::chrono::seconds MemoryTime{10};
+
 /// Needs no memory.
 int Fail(int status, char const* text) {
     std::fprintf(stderr, "zarn-host: %s\n", text);
@@ -103,7 +107,7 @@ int Run(int count, char** arguments) {
 
 int main(int count, char** arguments) {
     BoundHeap();
-    AwaitMemory();
+    AwaitMemory(MemoryTime);
     try {
         return Run(count, arguments);
     } catch (std::exception const& error) {

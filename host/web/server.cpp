@@ -105,6 +105,7 @@ public:
 
 private:
     void Run();
+    void ReportFailure(char const* why) noexcept;
     std::shared_ptr<Acceptor> MakeAcceptor(Listener listener);
     void OnAccepted(Socket socket);
     void Sweep();
@@ -137,8 +138,15 @@ void Server::Impl::Run() {
             io.run();
             return;
         } catch (std::exception const& error) {
-            logger.Log(Level::Error, "A connection failed: %0%", error.what());
+            ReportFailure(error.what());
         }
+    }
+}
+
+void Server::Impl::ReportFailure(char const* why) noexcept {
+    try {
+        logger.Log(Level::Error, "A connection failed: %0%", why);
+    } catch (...) { // no memory for the line: the thread matters more
     }
 }
 

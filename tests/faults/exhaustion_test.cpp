@@ -60,6 +60,24 @@ TEST(Descriptors, ThatRunOutKeepNobodyFromBeingServedLater) {
     EXPECT_EQ(Ask(host), 200U);
 }
 
+TEST(Memory, ThatIsGoneForASecondIsWaitedFor) {
+    auto const folder = std::make_shared<TemporaryFolder>();
+    FaultControl control(*folder);
+    HostProcess host({.environment = control.GetEnvironment(), .folder = folder});
+    RawConnection waiting(host.GetPort());
+    control.Arm(Call::New, 1, ENOMEM, Always);
+    waiting.Send(host::MakeSoapRequest("GetServices"));
+    RawConnection newcomer(host.GetPort());
+    newcomer.Send(host::MakeSoapRequest("GetSystemDateAndTime"));
+    EXPECT_FALSE(newcomer.IsClosedWithin(1s));
+    EXPECT_TRUE(control.HasFailed());
+    control.Disarm();
+    EXPECT_EQ(waiting.Read().status, 200U);
+    EXPECT_EQ(newcomer.Read().status, 200U);
+    EXPECT_EQ(Ask(host), 200U);
+    EXPECT_TRUE(host.GetProcess().WaitForLog("Memory was short", 10s));
+}
+
 /// No file may grow: the system answers as for a full disk, and sends a signal that ends most programs.
 TEST(Disk, ThatTakesNothingEndsTheFirstStartWithALineAndNoFile) {
     TemporaryFolder const folder;
