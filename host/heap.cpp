@@ -51,7 +51,6 @@ unsigned long CountShortages() { return shortages; }
 void BoundHeap() {
     mallopt(M_ARENA_MAX, Arenas);
     mallopt(M_MMAP_THRESHOLD, LargeBytes);
-    mallopt(M_TRIM_THRESHOLD, LargeBytes);
 }
 
 } // namespace zarn::host

@@ -138,7 +138,9 @@ TEST_P(FailureAtFirstStart, LeavesNoHalfConfiguration) { FailEachInTurn(GetParam
 
 INSTANTIATE_TEST_SUITE_P(Faults, FailureAtFirstStart,
                          testing::Values(Fault{Call::MakeTemporary, ENOSPC}, Fault{Call::Sync, EIO},
-                                         Fault{Call::Rename, EACCES}, Fault{Call::ChangeMode, EPERM}),
+                                         Fault{Call::Rename, EACCES}, Fault{Call::ChangeMode, EPERM},
+                                         Fault{Call::New, ENOMEM}, Fault{Call::CreateThread, EAGAIN},
+                                         Fault{Call::Open, EMFILE}),
                          [](auto const& row) { return NameOf(row.param); });
 
 } // namespace
