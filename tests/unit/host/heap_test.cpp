@@ -37,6 +37,7 @@ std::ptrdiff_t CountArenas() {
 void AllocateOnThreads(int number) {
     std::latch all(number);
     std::vector<std::jthread> threads;
+    threads.reserve(static_cast<std::size_t>(number));
     for (int i = 0; i < number; ++i) {
         threads.emplace_back([&] {
             auto const memory = std::make_unique<char[]>(1000);
