@@ -49,6 +49,7 @@ TEST(Descriptors, ThatRunOutKeepNobodyFromBeingServedLater) {
     HostProcess host({.launcher = InShell("ulimit -n 64")});
     {
         std::vector<std::unique_ptr<RawConnection>> connections;
+        connections.reserve(64);
         for (int i = 0; i < 64; ++i) connections.push_back(std::make_unique<RawConnection>(host.GetPort()));
         ASSERT_TRUE(host.GetProcess().WaitForLog("Cannot accept a connection: Too many open files", 10s));
         std::this_thread::sleep_for(2s);

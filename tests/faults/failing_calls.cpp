@@ -1,6 +1,9 @@
 // Loaded before a process (LD_PRELOAD), makes its n-th call of one kind fail. Memory: operator new whoever calls it;
 // malloc and its kin for callers in this project's files and in gSOAP only, since GLib ends the process by design when
 // it gets none.
+// Else the C library's headers define some of these functions themselves, as checking ones.
+#undef _FORTIFY_SOURCE
+
 #include "faults/failing_calls.h"
 
 #include <dlfcn.h>
