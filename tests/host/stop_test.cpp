@@ -69,7 +69,8 @@ TEST(StopBeforeItRuns, WaitsUntilEverythingIsWrittenAndEndsWithStatusZero) {
         for (auto const& entry : std::filesystem::directory_iterator(folder.GetPath())) {
             files.push_back(entry.path().filename().string());
         }
-        EXPECT_THAT(files, testing::UnorderedElementsAre("config.json", "config.json.credentials", "output"));
+        EXPECT_THAT(files, testing::UnorderedElementsAre("config.json", "config.json.credentials", "config.json.good",
+                                                         "output"));
     }
 }
 
