@@ -54,8 +54,9 @@ TEST(Heap, HasFewArenasHoweverManyThreadsUseIt) {
 
 TEST(Heap, GivesLargePiecesBackAlsoAfterOneHasBeenFreed) {
     BoundHeap();
-    constexpr std::size_t Large = 8 * 1024 * 1024; // more than may lie free in the heap of other tests
-    std::free(std::malloc(Large));                 // would move the threshold
+    constexpr std::size_t Large = 8 * 1024 * 1024;   // more than may lie free in the heap of other tests
+    void* const volatile first = std::malloc(Large); // volatile: or the compiler does without it
+    std::free(first);                                // would move the threshold
     auto const before = mallinfo2().hblks;
     std::unique_ptr<void, decltype(&std::free)> const memory(std::malloc(Large), &std::free);
     EXPECT_EQ(mallinfo2().hblks, before + 1) << "it lies in the heap";
