@@ -62,6 +62,13 @@ TEST(Heap, GivesLargePiecesBackAlsoAfterOneHasBeenFreed) {
     EXPECT_EQ(mallinfo2().hblks, before + 1) << "it lies in the heap";
 }
 
+TEST(Heap, KeepsPiecesOfTheSizeOfAnExchange) {
+    BoundHeap();
+    auto const before = mallinfo2().hblks;
+    std::unique_ptr<void, decltype(&std::free)> const memory(std::malloc(256 * 1024), &std::free);
+    EXPECT_EQ(mallinfo2().hblks, before) << "every exchange would ask the system for memory and give it back";
+}
+
 #endif
 
 TEST(Heap, WaitsForMemoryOnlySoLong) {
