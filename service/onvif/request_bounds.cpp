@@ -4,13 +4,14 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstddef>
 #include <string_view>
 
 namespace zarn::service::onvif {
 
 namespace {
 
-constexpr std::ptrdiff_t MaximumAttributes = 512;
+constexpr std::size_t MaximumAttributes = 512;
 constexpr int UnsupportedMediaType = 415;
 
 // Boost's comparisons look the locale's facets up for every character, which here would be for every field of a
@@ -24,6 +25,9 @@ bool IsEqual(std::string_view text, std::string_view other) { return std::ranges
 bool Contains(std::string_view text, std::string_view part) {
     return std::search(text.begin(), text.end(), part.begin(), part.end(), IsSameLetter) != text.end();
 }
+
+/// What gSOAP takes for white space: more than XML does.
+bool IsWhiteSpace(char each) { return static_cast<unsigned char>(each) <= ' '; }
 
 bool IsCompressed(protocol::network::http::Request const& request) {
     return std::ranges::any_of(request.GetFields(), [](auto const& field) {
@@ -39,12 +43,39 @@ bool HasAttachments(protocol::network::http::Request const& request) {
     });
 }
 
+/// Whether there is markup that is neither comment nor character data, wherever it stands: "<!" begins no other that a
+/// message may have.
+bool DeclaresDocumentType(std::string_view body) {
+    constexpr std::string_view Markup = "<!";
+    for (auto at = body.find(Markup); at != std::string_view::npos; at = body.find(Markup, at + 1)) {
+        auto const rest = body.substr(at + Markup.size());
+        if (!rest.starts_with("--") && !rest.starts_with("[CDATA[")) return true;
+    }
+    return false;
+}
+
+/// Whatever gSOAP takes for an attribute, there is a "=" in it, or, since it takes names without a value as well, white
+/// space behind what is before it, which cannot be the end of an element. Both are counted without a look at what they
+/// stand in, so that nothing can be hidden from it.
+bool MayHaveTooManyAttributes(std::string_view body) {
+    std::size_t values = 0;
+    std::size_t words = 0;
+    char before = '>';
+    for (char const each : body) {
+        if (each == '=') ++values;
+        if (IsWhiteSpace(each) && !IsWhiteSpace(before) && before != '>') ++words;
+        before = each;
+    }
+    return std::max(values, words) > MaximumAttributes;
+}
+
 } // namespace
 
 int CheckBounds(protocol::network::http::Request const& request) {
     if (IsCompressed(request) || HasAttachments(request)) return UnsupportedMediaType;
-    // Counted without a look at what they are: whatever gSOAP takes for an attribute, there is one in it.
-    return std::ranges::count(request.GetBody(), '=') > MaximumAttributes ? SOAP_OCCURS : SOAP_OK;
+    auto const body = request.GetBody();
+    if (DeclaresDocumentType(body)) return SOAP_SYNTAX_ERROR;
+    return MayHaveTooManyAttributes(body) ? SOAP_OCCURS : SOAP_OK;
 }
 
 } // namespace zarn::service::onvif

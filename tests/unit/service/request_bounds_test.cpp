@@ -25,6 +25,35 @@ TEST(CheckBounds, CountsTheAttributesOfTheWholeMessageWhateverTheyStandIn) {
     EXPECT_EQ(Check(body), SOAP_OCCURS);
 }
 
+TEST(CheckBounds, CountsAttributesWithoutAValueWhateverIsBetweenThem) {
+    auto const with = [](int count, std::string const& between) {
+        std::string body = "<x";
+        for (int i = 0; i < count; ++i) body += between + "<a" + std::to_string(i);
+        return body + "/>";
+    };
+    for (auto const* between : {" ", "\n", "\t ", "\v", "\x01", "\r\n  "}) {
+        EXPECT_EQ(Check(with(512, between)), SOAP_OK) << between;
+        EXPECT_EQ(Check(with(513, between)), SOAP_OCCURS) << between;
+    }
+    EXPECT_EQ(Check(with(513, std::string(1, '\0'))), SOAP_OCCURS);
+}
+
+TEST(CheckBounds, DoesNotCountTheWhiteSpaceBetweenElements) {
+    std::string body;
+    for (int i = 0; i < 10'000; ++i) body += "<x>1</x>\r\n  ";
+    EXPECT_EQ(Check(body), SOAP_OK);
+}
+
+TEST(CheckBounds, RefusesADocumentTypeDeclaration) {
+    for (auto const* body : {"<!DOCTYPE x>", "<?xml version=\"1.0\"?>\n<!doctype x [<!ENTITY a 'b'>]><x/>",
+                             "<x><!ENTITY", "<!", "<!-", "<![IGNORE[", "<!-- --><![CDATA[]]><!>"})
+        EXPECT_EQ(Check(body), SOAP_SYNTAX_ERROR) << body;
+}
+
+TEST(CheckBounds, LetsThroughCommentsAndCharacterData) {
+    EXPECT_EQ(Check("<!-- DOCTYPE --><x><![CDATA[DOCTYPE]]></x>"), SOAP_OK);
+}
+
 TEST(CheckBounds, RefusesACompressedBody) {
     for (auto const* coding : {"gzip", "deflate", "x-gzip", "identity, gzip", "br", ""})
         EXPECT_EQ(Check("", {{"Content-Encoding", coding}}), 415) << coding;
