@@ -41,6 +41,10 @@ constexpr std::size_t LingerBytes = 16 * 1024 * 1024;
 /// How long a connection that is to end is given for a request that is on its way.
 constexpr std::chrono::seconds LastRequestTime{1};
 
+/// Line ends that are skipped in front of a request. Whoever sends more of them would be one who never says anything,
+/// and yet is never silent for long enough.
+constexpr int MostSkipped = 4;
+
 constexpr std::string_view ContinueText = "HTTP/1.1 100 Continue\r\n\r\n";
 
 Socket& GetSocket(Socket& stream) { return stream; }
@@ -151,7 +155,7 @@ private:
 
     /// Old clients end a body with a line end that does not belong to it. Source: RFC 9112, 2.2.
     void SkipEmptyLines() {
-        while (buffer.size() > 0) {
+        for (; skipped < MostSkipped && buffer.size() > 0; ++skipped) {
             char const first = *static_cast<char const*>(buffer.cdata().data());
             if (first != '\r' && first != '\n') return;
             buffer.consume(1);
@@ -159,6 +163,7 @@ private:
     }
 
     void ReadHeader() {
+        skipped = 0;
         limits = context->GetLimits();
         parser.emplace();
         parser->header_limit(static_cast<std::uint32_t>(MaximumHeader));
@@ -186,7 +191,9 @@ private:
 
     void OnReadError(beast::error_code error) {
         if (timedOut) return Refuse(MakeTextReply(Reply::Status::RequestTimeout, "The request took too long to come."));
-        if (auto refusal = ExplainReadError(error, limits)) return Refuse(*std::move(refusal));
+        auto const rest = buffer.cdata();
+        std::string_view const received(static_cast<char const*>(rest.data()), rest.size());
+        if (auto refusal = ExplainReadError(error, received, limits)) return Refuse(*std::move(refusal));
         CloseNow();
     }
 
@@ -212,6 +219,7 @@ private:
     void Refuse(Reply refusal) {
         headOnly = false;
         form = {1, false};
+        parser.reset(); // whose many small fields may take much more than was sent, while what follows is drained
         Write(std::move(refusal));
     }
 
@@ -277,6 +285,7 @@ private:
     bool idle = false;     ///< waiting for the first byte of a request
     bool fresh = true;     ///< nothing of a request has come yet
     bool finishing = false;
+    int skipped = 0; ///< bytes of line ends in front of the next request
     beast::flat_buffer buffer{MaximumHeader + FirstRead};
     std::optional<RequestParser> parser;
     std::optional<RequestParser::value_type::header_type> checkedHeader; ///< of a chunked request

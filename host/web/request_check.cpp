@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <iterator>
 #include <string>
+#include <string_view>
 
 namespace zarn::host::web {
 namespace {
@@ -16,6 +17,15 @@ namespace {
 namespace http = boost::beast::http;
 using Status = Reply::Status;
 using Header = http::request<http::string_body>;
+
+/// Whether a Host field can be a name or an address, with or without a port: its characters are looked at, not their
+/// order. An empty one is what a client sends that has no name for the server.
+/// Source: RFC 9112, 3.2; RFC 3986, 3.2.
+bool IsHost(std::string_view host) {
+    constexpr std::string_view Allowed =
+        "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz-._~%!$&'()*+,;=:[]";
+    return host.find_first_not_of(Allowed) == std::string_view::npos;
+}
 
 std::optional<Reply> CheckAddress(Header const& header) {
     auto const hosts = header.count(http::field::host);
@@ -26,10 +36,21 @@ std::optional<Reply> CheckAddress(Header const& header) {
         return MakeTextReply(Status::UriTooLong, "Request target and Host field are together longer than " +
                                                      std::to_string(MaximumTargetAndHost) + " bytes.");
     }
+    if (!IsHost(header[http::field::host])) {
+        return MakeTextReply(Status::BadRequest, "The Host field is neither a name nor an address.");
+    }
     if (!ToOriginForm(header.target())) {
         return MakeTextReply(Status::BadRequest, "The request target is neither a path nor an http address.");
     }
     return std::nullopt;
+}
+
+/// Whether every field of this name is empty or has this value.
+bool IsOnly(Header const& header, http::field name, std::string_view value) {
+    auto const [first, last] = header.equal_range(name);
+    return std::all_of(first, last, [value](auto const& field) {
+        return field.value().empty() || boost::beast::iequals(field.value(), value);
+    });
 }
 
 std::optional<Reply> CheckFields(Header const& header) {
@@ -44,24 +65,38 @@ std::optional<Reply> CheckFields(Header const& header) {
         }
     }
     // Decompression would let a small request grow past every bound.
-    auto const coding = header[http::field::content_encoding];
-    if (!coding.empty() && !boost::beast::iequals(coding, "identity")) {
+    if (!IsOnly(header, http::field::content_encoding, "identity")) {
         return MakeTextReply(Status::UnsupportedMediaType, "Compressed content is not taken.",
                              {{"Accept-Encoding", "identity"}});
     }
-    auto const expectation = header[http::field::expect];
-    if (!expectation.empty() && !boost::beast::iequals(expectation, "100-continue")) {
+    if (!IsOnly(header, http::field::expect, "100-continue")) {
         return MakeTextReply(Status::ExpectationFailed, "The only expectation that is met is 100-continue.");
     }
     return std::nullopt;
 }
 
+/// Whether the first line ends with a version of HTTP, and as lines of HTTP end.
+/// Source: RFC 9112, 2.3.
+bool NamesVersion(std::string_view received) {
+    constexpr std::string_view Form = " HTTP/0.0";
+    auto const end = received.find("\r\n");
+    if (end == std::string_view::npos || end < Form.size()) return false;
+    auto const version = received.substr(end - Form.size(), Form.size());
+    return std::equal(version.begin(), version.end(), Form.begin(),
+                      [](char each, char form) { return form == '0' ? each >= '0' && each <= '9' : each == form; });
+}
+
 std::optional<Reply> CheckLength(RequestParser const& parser) {
     auto const& header = parser.get();
     // Whoever stands in front of this server might see another end of a body that is coded otherwise.
-    if (auto const coding = header[http::field::transfer_encoding];
-        !coding.empty() && (header.version() < 11 || !boost::beast::iequals(coding, "chunked"))) {
+    if (header.count(http::field::transfer_encoding) > 0 &&
+        (header.version() < 11 || !boost::beast::iequals(header[http::field::transfer_encoding], "chunked"))) {
         return MakeTextReply(Status::BadRequest, "The only transfer coding that is taken is chunked, in HTTP/1.1.");
+    }
+    // He might also take another one of the lengths, even where they are the same in our eyes.
+    if (header.count(http::field::content_length) > 1 ||
+        header[http::field::content_length].find(',') != std::string_view::npos) {
+        return MakeTextReply(Status::BadRequest, "The length of the body is said more than once.");
     }
     auto const method = header.method();
     bool const hasContent = method == http::verb::post || method == http::verb::put;
@@ -79,7 +114,7 @@ std::optional<Reply> CheckHeader(RequestParser const& parser) {
     return CheckLength(parser);
 }
 
-std::optional<Reply> ExplainReadError(boost::beast::error_code error, Limits const& limits) {
+std::optional<Reply> ExplainReadError(boost::beast::error_code error, std::string_view received, Limits const& limits) {
     static boost::system::error_category const& httpCategory =
         http::make_error_code(http::error::bad_method).category();
     if (error.category() != httpCategory) return std::nullopt;
@@ -92,7 +127,7 @@ std::optional<Reply> ExplainReadError(boost::beast::error_code error, Limits con
         return MakeTextReply(Status::RequestHeaderFieldsTooLarge,
                              "The header is longer than " + std::to_string(MaximumHeader) + " bytes.");
     }
-    if (error == http::error::bad_version) {
+    if (error == http::error::bad_version && NamesVersion(received)) {
         return MakeTextReply(Status::HttpVersionNotSupported, "Only HTTP/1.0 and HTTP/1.1 are spoken.");
     }
     return MakeTextReply(Status::BadRequest, "This is not an HTTP request: " + error.message() + ".");

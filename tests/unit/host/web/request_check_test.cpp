@@ -39,6 +39,13 @@ TEST(RequestCheck, WantsExactlyOneHost) {
     EXPECT_EQ(Check("GET /a HTTP/1.0\r\n"), 0U);
 }
 
+TEST(RequestCheck, WantsAHostThatIsANameOrAnAddress) {
+    for (auto const* host : {"h", "H.example:8080", "192.0.2.1", "[2001:db8::1]:80", "a-b_c.example", "%41", ""})
+        EXPECT_EQ(Check(std::string("GET /a HTTP/1.1\r\nHost: ") + host + "\r\n"), 0U) << host;
+    for (auto const* host : {"a b", "a/b", "user@h", "h?x", "h#x", "<h>", "\"h\"", "h\\", "h, h\th", "h\xe4"})
+        EXPECT_EQ(Check(std::string("GET /a HTTP/1.1\r\nHost: ") + host + "\r\n"), 400U) << host;
+}
+
 TEST(RequestCheck, WantsATargetThatIsAPathOrAnAddress) {
     EXPECT_EQ(Check("GET http://h/a HTTP/1.1\r\nHost: h\r\n"), 0U);
     EXPECT_EQ(Check("OPTIONS * HTTP/1.1\r\nHost: h\r\n"), 400U);
@@ -62,7 +69,13 @@ TEST(RequestCheck, BoundsTheNumberOfFields) {
 
 TEST(RequestCheck, TakesNoTransferCodingButChunkedAndNoneInHttp10) {
     EXPECT_EQ(Check(Post + "Transfer-Encoding: gzip, chunked\r\n"), 400U);
+    EXPECT_EQ(Check(Post + "Transfer-Encoding:\r\nContent-Length: 3\r\n"), 400U);
     EXPECT_EQ(Check("POST /a HTTP/1.0\r\nTransfer-Encoding: chunked\r\n"), 400U);
+}
+
+TEST(RequestCheck, TakesALengthThatIsSaidOnce) {
+    EXPECT_EQ(Check(Post + "Content-Length: 3\r\nContent-Length: 3\r\n"), 400U);
+    EXPECT_EQ(Check(Post + "Content-Length: 3, 3\r\n"), 400U);
 }
 
 TEST(RequestCheck, BoundsTargetAndHostTogether) {
@@ -82,17 +95,19 @@ TEST(RequestCheck, BoundsAFieldLine) {
 
 TEST(RequestCheck, RefusesCompressedContent) {
     EXPECT_EQ(Check(Post + "Content-Length: 3\r\nContent-Encoding: gzip\r\n"), 415U);
+    EXPECT_EQ(Check(Post + "Content-Length: 3\r\nContent-Encoding: identity\r\nContent-Encoding: br\r\n"), 415U);
     EXPECT_EQ(Check(Post + "Content-Length: 3\r\nContent-Encoding: Identity\r\n"), 0U);
 }
 
 TEST(RequestCheck, MeetsOneExpectationOnly) {
     EXPECT_EQ(Check(Post + "Content-Length: 3\r\nExpect: 100-Continue\r\n"), 0U);
     EXPECT_EQ(Check(Post + "Content-Length: 3\r\nExpect: a-miracle\r\n"), 417U);
+    EXPECT_EQ(Check(Post + "Content-Length: 3\r\nExpect: 100-continue\r\nExpect: a-miracle\r\n"), 417U);
 }
 
 TEST(ReadError, IsExplainedWhenTheRequestIsAtFault) {
     auto const status = [](boost::beast::error_code error) {
-        auto const refusal = ExplainReadError(error, {});
+        auto const refusal = ExplainReadError(error, "GET / HTTP/2.0\r\n", {});
         return refusal ? static_cast<unsigned>(refusal->status) : 0U;
     };
     EXPECT_EQ(status(http::error::body_limit), 413U);
@@ -103,11 +118,22 @@ TEST(ReadError, IsExplainedWhenTheRequestIsAtFault) {
     EXPECT_EQ(status(http::error::bad_method), 400U);
 }
 
+TEST(ReadError, IsAnotherVersionOnlyWhereOneIsNamed) {
+    auto const status = [](std::string_view received) {
+        return static_cast<unsigned>(ExplainReadError(http::error::bad_version, received, {})->status);
+    };
+    for (auto const* line : {"GET / HTTP/1.2\r\n", "PRI * HTTP/2.0\r\n\r\nSM\r\n\r\n", "GET / HTTP/0.9\r\nHost: h\r\n"})
+        EXPECT_EQ(status(line), 505U) << line;
+    for (auto const* line : {"GET / HTTP/1.1\nHost: h\n\n", "GET / HTTP/1.1\n\r\n", "GET / http/1.1\r\n",
+                             "GET / HTTP/1.1 \r\n", "GET / HTTP/1.1x\r\n", "GET / HTTP/x.1\r\n", "/1.1\r\n", ""})
+        EXPECT_EQ(status(line), 400U) << line;
+}
+
 TEST(ReadError, HasNoAnswerWhenTheConnectionIsAtFault) {
-    EXPECT_FALSE(ExplainReadError(http::error::end_of_stream, {}));
-    EXPECT_FALSE(ExplainReadError(http::error::partial_message, {}));
-    EXPECT_FALSE(ExplainReadError(boost::asio::error::connection_reset, {}));
-    EXPECT_FALSE(ExplainReadError(boost::asio::error::operation_aborted, {}));
+    EXPECT_FALSE(ExplainReadError(http::error::end_of_stream, {}, {}));
+    EXPECT_FALSE(ExplainReadError(http::error::partial_message, {}, {}));
+    EXPECT_FALSE(ExplainReadError(boost::asio::error::connection_reset, {}, {}));
+    EXPECT_FALSE(ExplainReadError(boost::asio::error::operation_aborted, {}, {}));
 }
 
 } // namespace

@@ -130,6 +130,14 @@ TEST_F(ServerBounds, EndAConnectionOnWhichNothingIsSaid) {
     EXPECT_TRUE(served.IsClosedWithin(5s));
 }
 
+TEST_F(ServerBounds, HoldForTheEmptyLinesBeforeARequest) {
+    Start();
+    EXPECT_EQ(Connect().Exchange("\r\n\r\n" + Echo()).status, 200U);
+    EXPECT_EQ(Refusal("\r\n\r\n\r\n" + Echo()), 400U);
+    auto connection = Connect();
+    for (int i = 0; i < 3; ++i) EXPECT_EQ(connection.Exchange(Echo() + "\r\n").status, 200U);
+}
+
 TEST_F(ServerBounds, DoNotEndAConnectionThatWaitsForItsAnswer) {
     Start({.headerTime = 1s, .idleTime = 1s});
     auto connection = Connect();
