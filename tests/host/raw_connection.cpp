@@ -3,6 +3,7 @@
 #include <boost/algorithm/string/case_conv.hpp>
 #include <boost/algorithm/string/trim.hpp>
 #include <boost/asio/write.hpp>
+#include <netinet/tcp.h>
 #include <poll.h>
 
 #include <array>
@@ -14,7 +15,16 @@ namespace zarn::tests::host {
 
 using boost::asio::ip::tcp;
 
-RawConnection::RawConnection(std::uint16_t port, std::chrono::milliseconds limit) : socket(io), limit(limit) {
+RawConnection::RawConnection(std::uint16_t port, std::chrono::milliseconds limit, Window window)
+    : socket(io), limit(limit) {
+    socket.open(tcp::v4());
+    if (window == Window::Smallest) {
+        // The sender's buffer goes by the size of the segments, which on the loopback is 64 KiB.
+        constexpr int SmallestSegment = 536;
+        constexpr int SmallBuffer = 4096;
+        setsockopt(socket.native_handle(), IPPROTO_TCP, TCP_MAXSEG, &SmallestSegment, sizeof(SmallestSegment));
+        socket.set_option(boost::asio::socket_base::receive_buffer_size(SmallBuffer));
+    }
     socket.connect(tcp::endpoint(boost::asio::ip::address_v4::loopback(), port));
 }
 
@@ -38,6 +48,18 @@ RawResponse RawConnection::Read(bool hasBody) {
     for (; end == std::string::npos; end = received.find("\r\n\r\n")) {
         if (!Fill(limit)) throw std::runtime_error("the connection ended before a response: '" + received + "'");
     }
+    return TakeResponse(end, hasBody);
+}
+
+std::optional<RawResponse> RawConnection::ReadIfAny() {
+    while (received.empty()) {
+        if (!Fill(limit)) return std::nullopt;
+    }
+    return Read();
+}
+
+/// end  where the header ends, without its line ends
+RawResponse RawConnection::TakeResponse(std::size_t end, bool hasBody) {
     std::istringstream head(received.substr(0, end + 2));
     received.erase(0, end + 4);
     RawResponse response;
@@ -84,6 +106,12 @@ bool RawConnection::IsClosedWithin(std::chrono::milliseconds wait) {
 void RawConnection::EndSending() {
     boost::system::error_code ignored;
     socket.shutdown(tcp::socket::shutdown_send, ignored);
+}
+
+void RawConnection::Reset() {
+    boost::system::error_code ignored;
+    socket.set_option(boost::asio::socket_base::linger(true, 0), ignored);
+    socket.close(ignored);
 }
 
 std::string MakeSoapRequest(std::string_view operation, std::string_view fields) {

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -22,7 +23,14 @@ struct RawResponse {
 /// std::runtime_error.
 class RawConnection {
 public:
-    explicit RawConnection(std::uint16_t port, std::chrono::milliseconds limit = std::chrono::seconds(10));
+    /// How much may be on its way to this client before it has read.
+    enum class Window {
+        Usual,
+        Smallest, ///< some kilobytes, so that whoever answers more waits for it
+    };
+
+    explicit RawConnection(std::uint16_t port, std::chrono::milliseconds limit = std::chrono::seconds(10),
+                           Window window = Window::Usual);
 
     /// Sends bytes. What a peer that has closed does not take is dropped.
     void Send(std::string_view bytes);
@@ -30,6 +38,9 @@ public:
     /// Reads one response. `hasBody` false: that of a HEAD request.
     /// Throws std::runtime_error when the connection ends before.
     RawResponse Read(bool hasBody = true);
+
+    /// The same, and none when the connection ends before.
+    std::optional<RawResponse> ReadIfAny();
 
     /// Send, then Read.
     RawResponse Exchange(std::string_view bytes);
@@ -46,8 +57,13 @@ public:
     /// No more is sent.
     void EndSending();
 
+    /// Vanishes: what was sent and is not read yet is lost, and so is what the server still sends. Nothing else may be
+    /// called any more.
+    void Reset();
+
 private:
     bool Fill(std::chrono::milliseconds wait);
+    RawResponse TakeResponse(std::size_t end, bool hasBody);
 
     boost::asio::io_context io;
     boost::asio::ip::tcp::socket socket;

@@ -1,0 +1,208 @@
+// Clients that are slow, many, silent, or gone, while one that means well is served.
+#include "host/hostile_fixture.h"
+#include "host/pull_point_client.h"
+
+#include <sys/resource.h>
+
+#include <chrono>
+#include <deque>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace zarn::tests::host {
+namespace {
+
+using namespace std::chrono_literals;
+using Window = RawConnection::Window;
+using Connections = std::deque<RawConnection>;
+
+constexpr int Hundreds = 300;
+
+std::string const Health = "GET /api/health HTTP/1.1\r\nHost: h\r\n\r\n";
+
+class HostileClients : public HostileTest {
+protected:
+    explicit HostileClients(std::vector<std::string> const& settings = {"settings.authentication.enabled=false",
+                                                                        "settings.limits.header_seconds=2",
+                                                                        "settings.limits.idle_seconds=2"})
+        : HostileTest(Join(settings)) {
+        // Each connection takes several descriptors on this side.
+        rlimit limit{};
+        getrlimit(RLIMIT_NOFILE, &limit);
+        limit.rlim_cur = limit.rlim_max;
+        setrlimit(RLIMIT_NOFILE, &limit);
+        StartEvents();
+    }
+
+    /// Connects so many clients, which all begin with the same.
+    Connections ConnectMany(int count, std::string const& bytes, Window window = Window::Usual) const {
+        Connections connections;
+        for (int i = 0; i < count; ++i) connections.emplace_back(host.GetPort(), 10s, window).Send(bytes);
+        return connections;
+    }
+
+    void Vanish(Connections& connections) const {
+        for (auto& connection : connections) connection.Reset();
+    }
+
+    /// A new subscription's request for events, which waits that long.
+    std::string MakePull(std::string const& timeout) const {
+        return MakePullRequest(PullPointClient(host, PullPointClient::Login::None).Subscribe(), timeout);
+    }
+
+private:
+    static std::vector<std::string> Join(std::vector<std::string> settings) {
+        settings.emplace_back("settings.limits.connections_per_address=1000");
+        return settings;
+    }
+};
+
+TEST_F(HostileClients, ThatSendSlowlyHoldNobodyUp) {
+    ExpectEverythingGivenBack([this] {
+        auto headers = ConnectMany(Hundreds / 2, "POST /onvif/a HTTP/1.1\r\nA: ");
+        auto bodies = ConnectMany(Hundreds / 2, "POST /onvif/a HTTP/1.1\r\nHost: h\r\nContent-Length: 1000\r\n\r\n");
+        for (int second = 0; second < 2; ++second) {
+            for (auto* connections : {&headers, &bodies}) {
+                for (auto& connection : *connections) connection.Send("x");
+            }
+            ExpectServed();
+            std::this_thread::sleep_for(1s);
+        }
+        for (auto* connections : {&headers, &bodies}) {
+            for (auto& connection : *connections) EXPECT_EQ(ReadStatus(connection), 408U);
+        }
+        ExpectServed();
+    });
+}
+
+TEST_F(HostileClients, ThatDoNotReadHoldNobodyUp) {
+    auto readers = ConnectMany(Hundreds, Repeat(Health, 300), Window::Smallest);
+    ExpectServed();
+    // They are still there, and have not said that they would read no more.
+    ExpectEverythingGivenBack([] {});
+}
+
+TEST_F(HostileClients, ThatReadLateGetEveryAnswerInItsOrder) {
+    auto readers = ConnectMany(3, Repeat(Health + "GET /nothing HTTP/1.1\r\nHost: h\r\n\r\n", 200), Window::Smallest);
+    std::this_thread::sleep_for(500ms);
+    ExpectServed();
+    for (auto& reader : readers) {
+        for (int i = 0; i < 200; ++i) {
+            ASSERT_EQ(reader.Read().status, 200U);
+            ASSERT_EQ(reader.Read().status, 404U);
+        }
+    }
+}
+
+TEST_F(HostileClients, ThatSayNothingAreLeft) {
+    auto silent = ConnectMany(Hundreds, "");
+    ExpectServed();
+    ExpectEverythingGivenBack([] {});
+    EXPECT_EQ(ReadStatus(silent.front()), NoAnswer);
+}
+
+TEST_F(HostileClients, ThatSendNothingButLineEndsAreLeft) {
+    ExpectEverythingGivenBack([this] {
+        RawConnection drip(host.GetPort());
+        for (int i = 0; i < 5; ++i) drip.Send("\n");
+        EXPECT_EQ(ReadStatus(drip), 400U);
+    });
+}
+
+TEST_F(HostileClients, ThatEndTheirSideStillGetTheirAnswer) {
+    for (auto const& request : {MakeSoapRequest("GetSystemDateAndTime"), MakePull("PT1S"), Health}) {
+        auto connection = Connect();
+        connection.Send(request);
+        connection.EndSending();
+        EXPECT_EQ(ReadStatus(connection), 200U);
+        EXPECT_EQ(ReadStatus(connection), NoAnswer);
+    }
+    auto half = Connect();
+    half.Send("GET /api/he");
+    half.EndSending();
+    EXPECT_EQ(ReadStatus(half), NoAnswer);
+}
+
+TEST_F(HostileClients, ThatVanishInARequestLeaveNothingBehind) {
+    ExpectNoGrowth([this] {
+        for (auto const* begun : {"", "G", "GET /api/health HTTP/1.1\r\nHost: h\r\n",
+                                  "POST /onvif/a HTTP/1.1\r\nHost: h\r\nContent-Length: 1000000\r\n\r\nxxx",
+                                  "POST /onvif/a HTTP/1.1\r\nHost: h\r\nTransfer-Encoding: chunked\r\n\r\n5\r\nab"}) {
+            auto connections = ConnectMany(50, begun);
+            Vanish(connections);
+            ExpectServed();
+        }
+    });
+}
+
+TEST_F(HostileClients, ThatVanishInAnAnswerLeaveNothingBehind) {
+    ExpectNoGrowth([this] {
+        auto readers = ConnectMany(100, Repeat(Health, 300), Window::Smallest);
+        ExpectServed();
+        Vanish(readers);
+        auto unread = ConnectMany(100, Health);
+        Vanish(unread);
+        ExpectServed();
+    });
+}
+
+TEST_F(HostileClients, ThatVanishInAPullLeaveNothingBehind) {
+    ExpectEverythingGivenBack([this] {
+        auto const pull = MakePull("PT2S");
+        auto vanishing = ConnectMany(100, pull);
+        { auto const ending = ConnectMany(100, pull); }
+        ASSERT_TRUE(Await([this] { return GetUse().threads >= idle.threads + 100; }));
+        ExpectServed();
+        Vanish(vanishing);
+        ExpectServed();
+    });
+}
+
+TEST_F(HostileClients, ThatSendTheNextRequestsInAPullGetTheirAnswersAfterIt) {
+    auto connection = Connect();
+    connection.Send(MakePull("PT1S") + Repeat(Health, 100));
+    ExpectServed();
+    for (int i = 0; i < 101; ++i) EXPECT_EQ(connection.Read().status, 200U);
+}
+
+/// With room for few.
+class FloodingClients : public HostileClients {
+protected:
+    FloodingClients()
+        : HostileClients({"settings.authentication.enabled=false", "settings.limits.connections=50",
+                          "settings.limits.exchanges=10"}) {}
+};
+
+TEST_F(FloodingClients, AreTurnedAwayWithAnAnswerAndTheOthersServed) {
+    ExpectNoGrowth([this] {
+        auto served = Connect();
+        EXPECT_EQ(served.Exchange(Health).status, 200U);
+        ASSERT_TRUE(Await([this] { return GetUse().descriptors <= idle.descriptors + 1; }));
+        auto const first = ConnectMany(49, "");
+        ASSERT_TRUE(Await([this] { return GetUse().descriptors >= idle.descriptors + 50; }));
+        for (int i = 0; i < 200; ++i) {
+            auto const refusal = Connect().Read();
+            EXPECT_EQ(refusal.status, 503U);
+            EXPECT_TRUE(refusal.fields.contains("retry-after"));
+        }
+        EXPECT_LE(GetUse().descriptors, idle.descriptors + 51);
+        EXPECT_EQ(served.Exchange(Health).status, 200U) << "who is in stays in";
+    });
+    ExpectServed();
+}
+
+TEST_F(FloodingClients, GetNoMoreThreadsThanThereMayBeExchanges) {
+    ExpectEverythingGivenBack([this] {
+        auto pulls = ConnectMany(10, MakePull("PT2S"));
+        ASSERT_TRUE(Await([this] { return GetUse().threads >= idle.threads + 9; }));
+        for (int i = 0; i < 100; ++i) {
+            EXPECT_EQ(Connect().Exchange(MakeSoapRequest("GetSystemDateAndTime")).status, 503U);
+        }
+        EXPECT_LE(GetUse().threads, idle.threads + 10);
+        for (auto& pull : pulls) EXPECT_EQ(pull.Read().status, 200U);
+    });
+}
+
+} // namespace
+} // namespace zarn::tests::host

@@ -1,0 +1,149 @@
+// What is said to a host that speaks TLS, by those who do not, or not as they should.
+#include "host/certificate.h"
+#include "host/hostile_fixture.h"
+
+#include <boost/asio/read_until.hpp>
+#include <boost/asio/ssl/context.hpp>
+#include <boost/asio/ssl/stream.hpp>
+#include <boost/asio/write.hpp>
+#include <gmock/gmock.h>
+#include <openssl/ssl.h>
+#include <sys/resource.h>
+
+#include <chrono>
+#include <deque>
+#include <memory>
+#include <string>
+
+namespace zarn::tests::host {
+namespace {
+
+namespace asio = boost::asio;
+using namespace std::chrono_literals;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+using Clock = std::chrono::steady_clock;
+
+/// A client whose reads and writes end after ten seconds.
+class TlsClient {
+public:
+    explicit TlsClient(std::uint16_t port) : stream(io, context) {
+        context.set_verify_mode(asio::ssl::verify_none);
+        stream.next_layer().connect({asio::ip::address_v4::loopback(), port});
+        timeval const limit{10, 0};
+        for (int option : {SO_RCVTIMEO, SO_SNDTIMEO}) {
+            setsockopt(stream.next_layer().native_handle(), SOL_SOCKET, option, &limit, sizeof(limit));
+        }
+    }
+
+    bool ShakeHands() {
+        boost::system::error_code error;
+        stream.handshake(asio::ssl::stream_base::client, error);
+        return !error;
+    }
+
+    /// Sends a request and returns the beginning of the answer; empty when there is none.
+    std::string Ask(std::string const& bytes) {
+        boost::system::error_code error;
+        asio::write(stream, asio::buffer(bytes), error);
+        std::string answer;
+        asio::read_until(stream, asio::dynamic_buffer(answer), "\r\n", error);
+        return answer;
+    }
+
+    /// Bytes below TLS.
+    void SendRaw(std::string const& bytes) {
+        boost::system::error_code ignored;
+        asio::write(stream.next_layer(), asio::buffer(bytes), ignored);
+    }
+
+    SSL* GetHandle() { return stream.native_handle(); }
+
+    asio::ssl::context& GetContext() { return context; }
+
+private:
+    asio::io_context io;
+    asio::ssl::context context{asio::ssl::context::tls_client};
+    asio::ssl::stream<asio::ip::tcp::socket> stream;
+};
+
+std::string const Health = "GET /api/health HTTP/1.1\r\nHost: h\r\n\r\n";
+
+class HostileTls : public testing::Test {
+protected:
+    void ExpectServed() const {
+        auto const begun = Clock::now();
+        TlsClient client(host.GetPort());
+        EXPECT_TRUE(client.ShakeHands());
+        EXPECT_THAT(client.Ask(Health), StartsWith("HTTP/1.1 200 "));
+        EXPECT_LT(Clock::now() - begun, 1s);
+    }
+
+    /// Expects that the host has as many connections as at the beginning.
+    void ExpectAllClosed() const {
+        auto const use = AwaitResourceUse(
+            host.GetProcess().GetId(), [this](auto const& now) { return now.descriptors <= idle.descriptors; }, 5s);
+        EXPECT_LE(use.descriptors, idle.descriptors);
+    }
+
+    std::shared_ptr<TemporaryFolder> folder = std::make_shared<TemporaryFolder>();
+    Certificate files{*folder};
+    HostProcess host{{.arguments = {"--set", "settings.tls.certificate=" + files.certificate, "--set",
+                                    "settings.tls.private_key=" + files.key, "--set",
+                                    "settings.limits.header_seconds=1", "--set", "settings.limits.idle_seconds=1"},
+                      .folder = folder}};
+    ResourceUse idle = ReadResourceUse(host.GetProcess().GetId());
+};
+
+TEST_F(HostileTls, GivesNoAnswerToWhoDoesNotSpeakIt) {
+    for (auto const& bytes :
+         {Health, Repeat("\r\n", 1000), std::string(100'000, '\0'),
+          std::string("\x80\x2e\x01\x00\x02", 5) + Repeat("a", 44),
+          std::string("\x16\x03\x01\xff\xff", 5) + Repeat("a", 65'535), Repeat("\x15\x03\x03\x00\x02\x01", 1000)}) {
+        RawConnection connection(host.GetPort());
+        connection.Send(bytes);
+        EXPECT_THAT(connection.ReadAll(), Not(HasSubstr("HTTP")));
+        ExpectServed();
+    }
+    ExpectAllClosed();
+}
+
+TEST_F(HostileTls, LeavesHundredsWhoBeginAHandshakeAndSayNoMore) {
+    rlimit limit{};
+    getrlimit(RLIMIT_NOFILE, &limit);
+    limit.rlim_cur = limit.rlim_max;
+    setrlimit(RLIMIT_NOFILE, &limit);
+    std::deque<RawConnection> half;
+    for (int i = 0; i < 200; ++i)
+        half.emplace_back(host.GetPort()).Send(std::string("\x16\x03\x01\x01\x00\x01\x00", 7));
+    ExpectServed();
+    ExpectAllClosed();
+}
+
+TEST_F(HostileTls, AnswersTheLateRequestWith408) {
+    TlsClient client(host.GetPort());
+    ASSERT_TRUE(client.ShakeHands());
+    EXPECT_THAT(client.Ask("GET /api"), StartsWith("HTTP/1.1 408 "));
+}
+
+TEST_F(HostileTls, DoesNotShakeHandsASecondTime) {
+    TlsClient client(host.GetPort());
+    SSL_set_max_proto_version(client.GetHandle(), TLS1_2_VERSION);
+    ASSERT_TRUE(client.ShakeHands());
+    EXPECT_THAT(client.Ask(Health), StartsWith("HTTP/1.1 200 "));
+    EXPECT_EQ(SSL_renegotiate(client.GetHandle()), 1);
+    EXPECT_FALSE(client.ShakeHands());
+    ExpectServed();
+}
+
+TEST_F(HostileTls, EndsAConnectionThatBreaksIt) {
+    TlsClient client(host.GetPort());
+    ASSERT_TRUE(client.ShakeHands());
+    client.SendRaw(Health);
+    ExpectServed();
+    ExpectAllClosed();
+}
+
+} // namespace
+} // namespace zarn::tests::host
