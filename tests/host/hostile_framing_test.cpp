@@ -51,13 +51,16 @@ protected:
 };
 
 TEST_F(HostileFraming, ByFalseLengthsIsAnswered) {
+    auto const length = std::to_string(body.size());
+    auto const field = "Content-Length: " + length + "\r\n";
     ExpectAnswers({
+        {"as it should be", Framed(field, body), 200},
         {"none", Framed("", "hello"), 411},
         {"empty", WithLength(""), 400},
         {"a sign", WithLength("+5"), 400},
         {"negative", WithLength("-1"), 400},
         {"two words", WithLength("5 5"), 400},
-        {"a list", WithLength("5, 5"), 400},
+        {"a list", Framed("Content-Length: " + length + ", " + length + "\r\n", body), 400},
         {"a list of two lengths", WithLength("5,6"), 400},
         {"hexadecimal", WithLength("0x5"), 400},
         {"with an exponent", WithLength("1e3"), 400},
@@ -67,13 +70,13 @@ TEST_F(HostileFraming, ByFalseLengthsIsAnswered) {
         {"64 bits", WithLength("18446744073709551615"), 413},
         {"63 bits and one", WithLength("9223372036854775808"), 413},
         {"one byte too long", WithLength("1048577"), 413},
-        {"said twice", Framed("Content-Length: 5\r\nContent-Length: 5\r\n", "hello"), 400},
+        {"said twice", Framed(field + field, body), 400},
         {"said twice, differently", Framed("Content-Length: 5\r\nContent-Length: 6\r\n", "hello"), 400},
         {"said twice, in other letters", Framed("Content-Length: 5\r\ncontent-length: 0\r\n", "hello"), 400},
         {"and chunked", Framed("Content-Length: 5\r\nTransfer-Encoding: chunked\r\n", "0\r\n\r\n"), 400},
         {"chunked, and a length", Framed("Transfer-Encoding: chunked\r\nContent-Length: 5\r\n", "0\r\n\r\n"), 400},
-        {"with an empty coding", Framed("Transfer-Encoding:\r\nContent-Length: 5\r\n", "hello"), 400},
-        {"with leading zeros", Framed("Content-Length: 0000" + std::to_string(body.size()) + "\r\n", body), 200},
+        {"with an empty coding", Framed("Transfer-Encoding:\r\n" + field, body), 400},
+        {"with leading zeros", Framed("Content-Length: 0000" + length + "\r\n", body), 200},
         {"too short", Framed("Content-Length: 5\r\n", body), 400},
         {"of a GET", "GET /api/health HTTP/1.1\r\nHost: h\r\nContent-Length: 5\r\n\r\nhello", 200},
         {"far too long, of a GET", "GET /api/health HTTP/1.1\r\nHost: h\r\nContent-Length: 9999999999\r\n\r\n", 413},
