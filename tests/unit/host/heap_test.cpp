@@ -62,10 +62,17 @@ TEST(Heap, GivesLargePiecesBackAlsoAfterOneHasBeenFreed) {
     EXPECT_EQ(mallinfo2().hblks, before + 1) << "it lies in the heap";
 }
 
+TEST(Heap, GivesThePictureOfASmallVideoBack) {
+    BoundHeap();
+    auto const before = mallinfo2().hblks;
+    std::unique_ptr<void, decltype(&std::free)> const memory(std::malloc(640 * 480 * 3 / 2), &std::free);
+    EXPECT_EQ(mallinfo2().hblks, before + 1);
+}
+
 TEST(Heap, KeepsPiecesOfTheSizeOfAnExchange) {
     BoundHeap();
     auto const before = mallinfo2().hblks;
-    std::unique_ptr<void, decltype(&std::free)> const memory(std::malloc(256 * 1024), &std::free);
+    std::unique_ptr<void, decltype(&std::free)> const memory(std::malloc(160 * 1024), &std::free);
     EXPECT_EQ(mallinfo2().hblks, before) << "every exchange would ask the system for memory and give it back";
 }
 
