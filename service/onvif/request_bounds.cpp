@@ -73,7 +73,7 @@ bool MayHaveTooManyAttributes(std::string_view body) {
 
 int CheckBounds(protocol::network::http::Request const& request) {
     if (IsCompressed(request) || HasAttachments(request)) return UnsupportedMediaType;
-    auto const body = request.GetBody();
+    std::string_view const body = request.GetBody();
     if (DeclaresDocumentType(body)) return SOAP_SYNTAX_ERROR;
     return MayHaveTooManyAttributes(body) ? SOAP_OCCURS : SOAP_OK;
 }

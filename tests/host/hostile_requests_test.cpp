@@ -30,7 +30,7 @@ std::string WithNul(std::string text) {
 
 class HostileRequests : public HostileTest {
 protected:
-    HostileRequests() : HostileTest({"settings.limits.header_seconds=1", "settings.limits.idle_seconds=1"}) {}
+    HostileRequests() : HostileTest({"settings.limits.header_seconds=2", "settings.limits.idle_seconds=2"}) {}
 };
 
 TEST_F(HostileRequests, OfOddLinesAreAnswered) {

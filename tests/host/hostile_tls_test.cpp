@@ -7,7 +7,6 @@
 #include <boost/asio/ssl/stream.hpp>
 #include <boost/asio/write.hpp>
 #include <gmock/gmock.h>
-#include <openssl/ssl.h>
 #include <sys/resource.h>
 
 #include <chrono>
@@ -50,8 +49,6 @@ public:
         boost::system::error_code ignored;
         asio::write(stream.next_layer(), asio::buffer(bytes), ignored);
     }
-
-    SSL* GetHandle() { return stream.native_handle(); }
 
 private:
     /// Whether what is begun ends well, and in time.
@@ -132,16 +129,6 @@ TEST_F(HostileTls, AnswersTheLateRequestWith408) {
     TlsClient client(host.GetPort());
     ASSERT_TRUE(client.ShakeHands());
     EXPECT_THAT(client.Ask("GET /api"), StartsWith("HTTP/1.1 408 "));
-}
-
-TEST_F(HostileTls, DoesNotShakeHandsASecondTime) {
-    TlsClient client(host.GetPort());
-    SSL_set_max_proto_version(client.GetHandle(), TLS1_2_VERSION);
-    ASSERT_TRUE(client.ShakeHands());
-    EXPECT_THAT(client.Ask(Health), StartsWith("HTTP/1.1 200 "));
-    EXPECT_EQ(SSL_renegotiate(client.GetHandle()), 1);
-    EXPECT_EQ(client.Ask(Health), "") << "which begins with the handshake";
-    ExpectServed();
 }
 
 TEST_F(HostileTls, EndsAConnectionThatBreaksIt) {
