@@ -18,10 +18,10 @@ constexpr auto IdleThreadTime = 10s + 3s;
 /// Attacks that are made one after the other leave no more threads than this, which wait for the next request.
 constexpr std::size_t WaitingThreads = 2;
 
-/// What the resident memory may differ by from one round of attacks to the next: the C library keeps a megabyte for
-/// each thread that works, and these are two or three, in turn. Without a leak it goes up and down by that for as long
-/// as one looks; one body of a megabyte that is kept in each round would be more after the usual number of them.
-[[maybe_unused]] constexpr std::size_t MemorySlack = std::size_t{4} * 1024 * 1024;
+/// What the least resident memory after the last rounds of attacks may be above the most after the first ones. It goes
+/// up and down for as long as one looks, by what heaps keep between pieces that are in use; one body of a megabyte that
+/// is kept in each of the usual rounds is more.
+[[maybe_unused]] constexpr std::size_t MemorySlack = std::size_t{3} * 1024 * 1024;
 
 HostProcess::Options MakeOptions(std::vector<std::string> const& settings) {
     HostProcess::Options options;
