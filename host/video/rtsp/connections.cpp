@@ -173,7 +173,7 @@ void Connections::EndMisused(Clock::time_point now) {
         auto& entry = found->second;
         if (isBusy) entry.seen = now;
         auto const received = entry.socket->CountReceived();
-        auto const isTooMuch = received - std::exchange(entry.received, received) > MaximumReceived;
+        bool const isTooMuch = received > std::exchange(entry.received, received) + MaximumReceived;
         if (isTooMuch || now - entry.seen > Patience) misused.push_back(std::move(client));
     }
     End(misused);
