@@ -51,7 +51,8 @@ protected:
                         "user-pw=" + host.GetPassword(), "!", "decodebin", "!", "videoconvert", "!",
                         "video/x-raw,format=GRAY8", "!", "identity", "eos-after=" + std::to_string(Frames + 1), "!",
                         "filesink", "location=" + pictures});
-        EXPECT_EQ(player.Wait(60s), 0) << player.GetLog();
+        // With which status it ends does not matter: it tends to interrupt its own PAUSE on the way.
+        EXPECT_TRUE(player.Wait(60s)) << player.GetLog();
         return host.GetFolder().Read("pictures");
     }
 
