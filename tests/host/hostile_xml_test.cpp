@@ -384,7 +384,11 @@ protected:
 };
 
 TEST_F(HugeXml, IsAnsweredAndItsMemoryGivenBack) {
+#ifdef ZARN_KEEPS_FREED_MEMORY // which also makes reading take a minute
+    auto const huge = Repeat("a", 4 * Megabyte);
+#else
     auto const huge = Repeat("a", 64 * Megabyte);
+#endif
     ExpectAnswers(
         {
             {"an attribute", Post({MakeOperation({}, "a=\"" + huge + "\"")}), 400},
