@@ -19,6 +19,7 @@
 #include <cerrno>
 #include <chrono>
 #include <cstdint>
+#include <cstdio>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -79,9 +80,8 @@ public:
         setsockopt(descriptor, IPPROTO_IP, IP_BIND_ADDRESS_NO_PORT, &on, sizeof on);
         auto const own = MakeAddress(ChooseAddress(), 0);
         auto const server = MakeAddress(INADDR_LOOPBACK, port);
-        Require(bind(descriptor, reinterpret_cast<sockaddr const*>(&own), sizeof own) == 0 &&
-                    connect(descriptor, reinterpret_cast<sockaddr const*>(&server), sizeof server) == 0,
-                "a client can connect");
+        Require(bind(descriptor, reinterpret_cast<sockaddr const*>(&own), sizeof own) == 0, "an address can be taken");
+        Require(Connect(server), "a client can connect");
     }
 
     ~Client() { close(descriptor); }
@@ -115,6 +115,20 @@ public:
     }
 
 private:
+    /// Waits for a free port when those of the address are all in use: thousands of connections a second leave theirs
+    /// to the system for a while.
+    bool Connect(sockaddr_in const& server) const {
+        auto const deadline = std::chrono::steady_clock::now() + Deadline;
+        while (connect(descriptor, reinterpret_cast<sockaddr const*>(&server), sizeof server) != 0) {
+            if (errno != EADDRNOTAVAIL || std::chrono::steady_clock::now() > deadline) {
+                std::perror("connect");
+                return false;
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        return true;
+    }
+
     static sockaddr_in MakeAddress(std::uint32_t address, std::uint16_t port) {
         sockaddr_in made{};
         made.sin_family = AF_INET;
