@@ -36,7 +36,7 @@ std::string LocalAddressBeside(std::vector<std::string> const& commands) {
 class LocalAddressTest : public testing::Test {
 protected:
     void SetUp() override {
-        if (!RunInNetworkNamespace([] {})) GTEST_SKIP() << "network namespaces need root";
+        if (!RunInNetworkNamespace([] {})) GTEST_SKIP() << "no network namespace may be made here";
     }
 };
 

@@ -41,7 +41,7 @@ TEST(Membership, JoinsWhereMemoryRanOutBefore) {
         }
         EXPECT_GT(n, 1) << "there was always enough memory";
     });
-    if (!entered) GTEST_SKIP() << "network namespaces need root";
+    if (!entered) GTEST_SKIP() << "no network namespace may be made here";
 }
 
 } // namespace

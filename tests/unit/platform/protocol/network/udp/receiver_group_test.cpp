@@ -33,7 +33,7 @@ constexpr unsigned short Port = 3702;
 class GroupTest : public testing::Test {
 protected:
     void SetUp() override {
-        if (!host.Exists() || !neighbour.Exists()) GTEST_SKIP() << "network namespaces need root";
+        if (!host.Exists() || !neighbour.Exists()) GTEST_SKIP() << "no network namespace may be made here";
         ASSERT_TRUE(host.Ip("link set lo up"));
     }
 

@@ -70,7 +70,7 @@ TEST(Sender, TellsOfADatagramThatIsTooLong) {
 
 TEST(Sender, TellsThatThereIsNoRoute) {
     test::Host const host;
-    if (!host.Exists()) GTEST_SKIP() << "network namespaces need root";
+    if (!host.Exists()) GTEST_SKIP() << "no network namespace may be made here";
     host.Run([] {
         asio::IoContext context(1);
         EXPECT_EQ(Send(context, "10.0.0.1", 3702, "hello"), boost::asio::error::network_unreachable);
