@@ -6,7 +6,7 @@
 namespace zarn::host::video {
 namespace {
 
-std::optional<std::int32_t> ParseNumber(std::string_view text) {
+std::optional<std::int32_t> ParseRatePart(std::string_view text) {
     std::int32_t number = 0;
     char const* const end = text.data() + text.size();
     auto const result = std::from_chars(text.data(), end, number);
@@ -18,8 +18,8 @@ std::optional<std::int32_t> ParseNumber(std::string_view text) {
 
 std::optional<FrameRate> ParseFrameRate(std::string_view text) {
     auto const slash = text.find('/');
-    auto const numerator = ParseNumber(text.substr(0, slash));
-    auto const denominator = slash == std::string_view::npos ? 1 : ParseNumber(text.substr(slash + 1));
+    auto const numerator = ParseRatePart(text.substr(0, slash));
+    auto const denominator = slash == std::string_view::npos ? 1 : ParseRatePart(text.substr(slash + 1));
     if (!numerator || !denominator) return std::nullopt;
     return FrameRate{*numerator, *denominator};
 }

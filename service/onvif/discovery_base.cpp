@@ -32,14 +32,14 @@ constexpr std::size_t LongestDatagram = 65535;
 
 constexpr auto Traffic = logging::Level::Debug;
 
-logging::Logger const& Log() {
+logging::Logger const& DiscoveryLog() {
     static logging::Logger const logger("zarn.service.onvif.DiscoveryBase");
     return logger;
 }
 
 void TellOfFailure(std::exception const& failure) noexcept {
     try {
-        Log().Log(logging::Level::Error, "Failed to start Onvif discovery service: %0%", failure.what());
+        DiscoveryLog().Log(logging::Level::Error, "Failed to start Onvif discovery service: %0%", failure.what());
     } catch (std::exception const&) {
         return; // it is tried again either way
     }
@@ -71,7 +71,7 @@ void DiscoveryBase::TrySetup() {
                 return HandleReceiveFrom(error, datagram, source);
             });
         receiver->Start();
-        Log().Log(logging::Level::Info, "Onvif discovery service started successfully");
+        DiscoveryLog().Log(logging::Level::Info, "Onvif discovery service started successfully");
     } catch (std::exception const& error) {
         RetryLater(); // first: telling of it may fail as well
         TellOfFailure(error);
@@ -94,27 +94,27 @@ Operation DiscoveryBase::HandleReceiveFrom(error_code const& error, std::shared_
 void DiscoveryBase::Answer(std::string_view text, udp::endpoint const& source) {
     zarn::onvif::discovery::Request const request{std::string(text)};
     if (request.IsParseError()) {
-        Log().Log(Traffic, "Failed to parse discovery request: %0%", text);
+        DiscoveryLog().Log(Traffic, "Failed to parse discovery request: %0%", text);
         return;
     }
-    Log().Log(Traffic, "Successfully parsed discovery request: %0%", text);
+    DiscoveryLog().Log(Traffic, "Successfully parsed discovery request: %0%", text);
     auto const response = HandleReceive(request);
     if (!response.IsValid()) {
-        Log().Log(Traffic, "Failed to generate discovery response for request: %0%", text);
+        DiscoveryLog().Log(Traffic, "Failed to generate discovery response for request: %0%", text);
         return;
     }
     Send(response.GetXML(), source);
 }
 
 void DiscoveryBase::Send(std::string xml, udp::endpoint const& destination) {
-    Log().Log(Traffic, "Successfully generated discovery response: %0%", xml);
+    DiscoveryLog().Log(Traffic, "Successfully generated discovery response: %0%", xml);
     auto const buffer = std::make_shared<Buffer>(std::move(xml));
     auto const sender = std::make_shared<Sender>(ioContext.Get(), destination);
     // Both live until it is sent.
     sender->Send(buffer, [sender, buffer](error_code const& error) {
         if (!error) return;
-        Log().Log(Traffic, "Failed to send discovery response: %0% with error %1% ", buffer->ToStringView(),
-                  error.message());
+        DiscoveryLog().Log(Traffic, "Failed to send discovery response: %0% with error %1% ", buffer->ToStringView(),
+                           error.message());
     });
 }
 

@@ -46,7 +46,7 @@ constexpr std::chrono::seconds WorkerIdle(10);
 
 using SharedResponse = std::shared_ptr<http::Response>;
 
-logging::Logger const& Log() {
+logging::Logger const& ManagerLog() {
     static logging::Logger const logger("zarn.service.onvif.manager");
     return logger;
 }
@@ -159,7 +159,7 @@ private:
     void Start() {
         std::scoped_lock const lock(mutex);
         if (discovery) return;
-        Log().Log(logging::Level::Info, "Starting ONVIF discovery service");
+        ManagerLog().Log(logging::Level::Info, "Starting ONVIF discovery service");
         std::uint16_t const port = serverPort;
         bool const ssl = sslEnabled;
         auto made = std::make_unique<Discovery>(nameConfig, port, ssl);
@@ -172,7 +172,7 @@ private:
 
     void Stop() {
         std::scoped_lock const lock(mutex);
-        Log().Log(logging::Level::Info, "Stopping ONVIF discovery service");
+        ManagerLog().Log(logging::Level::Info, "Stopping ONVIF discovery service");
         std::unique_ptr<Discovery> gone;
         {
             std::scoped_lock const withdrawing(discoveryMutex);

@@ -99,7 +99,7 @@ tt__IntRectangleRange* MakeAnyBoundsRange(soap* soap) {
     });
 }
 
-tr2__StreamingCapabilities* MakeStreamingCapabilities(soap* soap) {
+tr2__StreamingCapabilities* MakeMedia2StreamingCapabilities(soap* soap) {
     return Filled(soap_new_tr2__StreamingCapabilities(soap), [](tr2__StreamingCapabilities& streaming) {
         streaming.RTSPStreaming = &TrueValue;
         streaming.RTPMulticast = &FalseValue;
@@ -131,7 +131,7 @@ tr2__Capabilities2* Media2Service::MakeServiceCapabilities(struct soap* soap) {
                     types = "VideoSource VideoEncoder Metadata Analytics";
                 });
             });
-        capabilities.StreamingCapabilities = MakeStreamingCapabilities(soap);
+        capabilities.StreamingCapabilities = MakeMedia2StreamingCapabilities(soap);
         capabilities.SnapshotUri = &TrueValue;
     });
 }

@@ -27,7 +27,7 @@ bool Contains(std::string_view text, std::string_view part) {
 }
 
 /// What gSOAP takes for white space: more than XML does.
-bool IsWhiteSpace(char each) { return static_cast<unsigned char>(each) <= ' '; }
+bool IsGsoapSpace(char each) { return static_cast<unsigned char>(each) <= ' '; }
 
 bool IsCompressed(protocol::network::http::Request const& request) {
     return std::ranges::any_of(request.GetFields(), [](auto const& field) {
@@ -63,7 +63,7 @@ bool MayHaveTooManyAttributes(std::string_view body) {
     char before = '>';
     for (char const each : body) {
         if (each == '=') ++values;
-        if (IsWhiteSpace(each) && !IsWhiteSpace(before) && before != '>') ++words;
+        if (IsGsoapSpace(each) && !IsGsoapSpace(before) && before != '>') ++words;
         before = each;
     }
     return std::max(values, words) > MaximumAttributes;

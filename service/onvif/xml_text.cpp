@@ -8,7 +8,7 @@ namespace zarn::service::onvif {
 
 namespace {
 
-bool IsWhiteSpace(char each) { return each == '\t' || each == '\n' || each == '\r'; }
+bool IsXmlControlSpace(char each) { return each == '\t' || each == '\n' || each == '\r'; }
 
 bool IsAscii(char each) { return static_cast<unsigned char>(each) < 0x80; }
 
@@ -16,7 +16,7 @@ bool IsAscii(char each) { return static_cast<unsigned char>(each) < 0x80; }
 
 bool IsXmlText(std::string_view text) {
     std::string line(text);
-    std::ranges::replace_if(line, IsWhiteSpace, ' ');
+    std::ranges::replace_if(line, IsXmlControlSpace, ' ');
     auto const holds = [&](std::string_view character) { return line.find(character) != std::string::npos; };
     return logging::ToLine(line, line.size()) == line && !holds("\xEF\xBF\xBE") && !holds("\xEF\xBF\xBF");
 }

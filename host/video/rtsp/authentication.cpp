@@ -55,7 +55,7 @@ struct AuthenticationClass {
     GstRTSPAuthClass base;
 };
 
-GstRTSPAuthClass* GetParent() { return GST_RTSP_AUTH_CLASS(g_type_class_peek(GST_TYPE_RTSP_AUTH)); }
+GstRTSPAuthClass* GetAuthParent() { return GST_RTSP_AUTH_CLASS(g_type_class_peek(GST_TYPE_RTSP_AUTH)); }
 
 bool HasAnswer(GstRTSPContext const* context) {
     gchar* answer = nullptr;
@@ -63,30 +63,30 @@ bool HasAnswer(GstRTSPContext const* context) {
 }
 
 gboolean Authenticate(GstRTSPAuth* authentication, GstRTSPContext* context) {
-    if (!HasAnswer(context)) return GetParent()->authenticate(authentication, context);
+    if (!HasAnswer(context)) return GetAuthParent()->authenticate(authentication, context);
     auto& failedLogins = **reinterpret_cast<Authentication*>(authentication)->failedLogins;
     boost::system::error_code ignored;
     auto const peer = boost::asio::ip::make_address(gst_rtsp_connection_get_ip(context->conn), ignored);
     if (failedLogins.GetWait(peer)) return FALSE;
-    auto const isKnown = GetParent()->authenticate(authentication, context);
+    auto const isKnown = GetAuthParent()->authenticate(authentication, context);
     if (isKnown == FALSE || context->token == nullptr) failedLogins.Count(peer);
     return isKnown;
 }
 
-void Finalize(GObject* object) {
+void FinalizeAuth(GObject* object) {
     delete reinterpret_cast<Authentication*>(object)->failedLogins;
-    G_OBJECT_CLASS(GetParent())->finalize(object);
+    G_OBJECT_CLASS(GetAuthParent())->finalize(object);
 }
 
-void InitializeClass(gpointer type, gpointer) {
-    G_OBJECT_CLASS(type)->finalize = Finalize;
+void InitializeAuthClass(gpointer type, gpointer) {
+    G_OBJECT_CLASS(type)->finalize = FinalizeAuth;
     GST_RTSP_AUTH_CLASS(type)->authenticate = Authenticate;
 }
 
 GType GetAuthenticationType() {
     static GType const Type =
         g_type_register_static_simple(GST_TYPE_RTSP_AUTH, "ZarnRtspAuthentication", sizeof(AuthenticationClass),
-                                      InitializeClass, sizeof(Authentication), nullptr, static_cast<GTypeFlags>(0));
+                                      InitializeAuthClass, sizeof(Authentication), nullptr, static_cast<GTypeFlags>(0));
     return Type;
 }
 

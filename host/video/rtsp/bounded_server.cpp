@@ -16,27 +16,27 @@ struct BoundedServerClass {
     GstRTSPServerClass base;
 };
 
-GstRTSPServerClass* GetParent() { return GST_RTSP_SERVER_CLASS(g_type_class_peek(GST_TYPE_RTSP_SERVER)); }
+GstRTSPServerClass* GetServerParent() { return GST_RTSP_SERVER_CLASS(g_type_class_peek(GST_TYPE_RTSP_SERVER)); }
 
 GstRTSPClient* CreateClient(GstRTSPServer* server) {
     if (!(*reinterpret_cast<BoundedServer*>(server)->isWanted)()) return nullptr;
-    return GetParent()->create_client(server);
+    return GetServerParent()->create_client(server);
 }
 
-void Finalize(GObject* object) {
+void FinalizeServer(GObject* object) {
     delete reinterpret_cast<BoundedServer*>(object)->isWanted;
-    G_OBJECT_CLASS(GetParent())->finalize(object);
+    G_OBJECT_CLASS(GetServerParent())->finalize(object);
 }
 
-void InitializeClass(gpointer type, gpointer) {
-    G_OBJECT_CLASS(type)->finalize = Finalize;
+void InitializeServerClass(gpointer type, gpointer) {
+    G_OBJECT_CLASS(type)->finalize = FinalizeServer;
     GST_RTSP_SERVER_CLASS(type)->create_client = CreateClient;
 }
 
 GType GetServerType() {
-    static GType const Type =
-        g_type_register_static_simple(GST_TYPE_RTSP_SERVER, "ZarnRtspServer", sizeof(BoundedServerClass),
-                                      InitializeClass, sizeof(BoundedServer), nullptr, static_cast<GTypeFlags>(0));
+    static GType const Type = g_type_register_static_simple(GST_TYPE_RTSP_SERVER, "ZarnRtspServer",
+                                                            sizeof(BoundedServerClass), InitializeServerClass,
+                                                            sizeof(BoundedServer), nullptr, static_cast<GTypeFlags>(0));
     return Type;
 }
 

@@ -41,21 +41,21 @@ GstElement* CreateElement(GstRTSPMediaFactory* factory, GstRTSPUrl const*) {
     return element;
 }
 
-void Finalize(GObject* object) {
+void FinalizeFactory(GObject* object) {
     delete reinterpret_cast<Factory*>(object)->stream;
     auto* parent = g_type_class_peek(GST_TYPE_RTSP_MEDIA_FACTORY);
     G_OBJECT_CLASS(parent)->finalize(object);
 }
 
-void InitializeClass(gpointer type, gpointer) {
-    G_OBJECT_CLASS(type)->finalize = Finalize;
+void InitializeFactoryClass(gpointer type, gpointer) {
+    G_OBJECT_CLASS(type)->finalize = FinalizeFactory;
     GST_RTSP_MEDIA_FACTORY_CLASS(type)->create_element = CreateElement;
 }
 
 GType GetFactoryType() {
     static GType const Type =
         g_type_register_static_simple(GST_TYPE_RTSP_MEDIA_FACTORY, "ZarnMediaFactory", sizeof(FactoryClass),
-                                      InitializeClass, sizeof(Factory), nullptr, static_cast<GTypeFlags>(0));
+                                      InitializeFactoryClass, sizeof(Factory), nullptr, static_cast<GTypeFlags>(0));
     return Type;
 }
 

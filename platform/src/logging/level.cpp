@@ -7,27 +7,27 @@ namespace zarn::logging {
 
 namespace {
 
-struct Row {
+struct LevelName {
     Level level;
     std::string_view name;
 };
 
 /// From the highest level down.
-constexpr std::array Rows{
-    Row{Level::Critical, "critical"}, Row{Level::Error, "error"}, Row{Level::Warning, "warning"},
-    Row{Level::Info, "info"},         Row{Level::Debug, "debug"}, Row{Level::Trace, "trace"},
+constexpr std::array LevelNames{
+    LevelName{Level::Critical, "critical"}, LevelName{Level::Error, "error"}, LevelName{Level::Warning, "warning"},
+    LevelName{Level::Info, "info"},         LevelName{Level::Debug, "debug"}, LevelName{Level::Trace, "trace"},
 };
 
 } // namespace
 
 std::string_view ToString(Level level) noexcept {
-    auto const* row = std::ranges::find_if(Rows, [level](Row const& each) { return each.level <= level; });
-    return row == Rows.end() ? Rows.back().name : row->name;
+    auto const* row = std::ranges::find_if(LevelNames, [level](LevelName const& each) { return each.level <= level; });
+    return row == LevelNames.end() ? LevelNames.back().name : row->name;
 }
 
 std::optional<Level> LevelFromString(std::string_view name) noexcept {
-    auto const* row = std::ranges::find(Rows, name, &Row::name);
-    if (row == Rows.end()) return std::nullopt;
+    auto const* row = std::ranges::find(LevelNames, name, &LevelName::name);
+    if (row == LevelNames.end()) return std::nullopt;
     return row->level;
 }
 

@@ -21,20 +21,21 @@ namespace {
 constinit std::atomic<Level> Least{Level::Info};     ///< of standard error
 constinit std::atomic<Level> Threshold{Level::Info}; ///< of standard error and all listeners
 
-struct Row {
+struct SpdlogLevel {
     Level level;
     spdlog::level::level_enum spdlog;
 };
 
-constexpr std::array Rows{
-    Row{Level::Critical, spdlog::level::critical}, Row{Level::Error, spdlog::level::err},
-    Row{Level::Warning, spdlog::level::warn},      Row{Level::Info, spdlog::level::info},
-    Row{Level::Debug, spdlog::level::debug},
+constexpr std::array SpdlogLevels{
+    SpdlogLevel{Level::Critical, spdlog::level::critical}, SpdlogLevel{Level::Error, spdlog::level::err},
+    SpdlogLevel{Level::Warning, spdlog::level::warn},      SpdlogLevel{Level::Info, spdlog::level::info},
+    SpdlogLevel{Level::Debug, spdlog::level::debug},
 };
 
 spdlog::level::level_enum ToSpdlog(Level level) {
-    auto const* row = std::ranges::find_if(Rows, [level](Row const& each) { return each.level <= level; });
-    return row == Rows.end() ? spdlog::level::trace : row->spdlog;
+    auto const* row =
+        std::ranges::find_if(SpdlogLevels, [level](SpdlogLevel const& each) { return each.level <= level; });
+    return row == SpdlogLevels.end() ? spdlog::level::trace : row->spdlog;
 }
 
 } // namespace
