@@ -1,7 +1,8 @@
 #include "faults/fault_control.h"
-#include "host/host_process.h"
-#include "host/pull_point_client.h"
-#include "host/raw_connection.h"
+#include "support/eventually.h"
+#include "support/host_process.h"
+#include "support/pull_point_client.h"
+#include "support/raw_connection.h"
 
 #include <boost/json/parse.hpp>
 #include <gmock/gmock.h>
@@ -18,13 +19,10 @@
 #include <thread>
 #include <vector>
 
-namespace zarn::tests::faults {
+namespace zarn::test {
 namespace {
 
 using namespace std::chrono_literals;
-using host::HostProcess;
-using host::RawConnection;
-using host::TemporaryFolder;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::UnorderedElementsAre;
@@ -42,7 +40,7 @@ std::vector<std::string> ListFiles(TemporaryFolder const& folder) {
 }
 
 unsigned Ask(HostProcess const& host) {
-    return RawConnection(host.GetPort()).Exchange(host::MakeSoapRequest("GetSystemDateAndTime")).status;
+    return RawConnection(host.GetPort()).Exchange(MakeSoapRequest("GetSystemDateAndTime")).status;
 }
 
 TEST(Descriptors, ThatRunOutKeepNobodyFromBeingServedLater) {
@@ -67,9 +65,9 @@ TEST(Memory, ThatIsGoneForASecondIsWaitedFor) {
     HostProcess host({.environment = control.GetEnvironment(), .folder = folder});
     RawConnection waiting(host.GetPort());
     control.Arm(Call::New, 1, ENOMEM, Always);
-    waiting.Send(host::MakeSoapRequest("GetServices"));
+    waiting.Send(MakeSoapRequest("GetServices"));
     RawConnection newcomer(host.GetPort());
-    newcomer.Send(host::MakeSoapRequest("GetSystemDateAndTime"));
+    newcomer.Send(MakeSoapRequest("GetSystemDateAndTime"));
     EXPECT_FALSE(newcomer.IsClosedWithin(1s));
     EXPECT_TRUE(control.HasFailed());
     control.Disarm();
@@ -123,8 +121,8 @@ TEST(Log, ThatCanBeWrittenNowhereEndsNothing) {
     HostProcess host({.launcher = InShell("exec 2>/dev/full"), .folder = folder});
     folder->Write("config.json", "garbage");
     host.GetProcess().Signal(SIGHUP);
-    EXPECT_TRUE(host::Await([&] { return Ask(host) == 200U; }));
+    EXPECT_TRUE(Eventually([&] { return Ask(host) == 200U; }));
 }
 
 } // namespace
-} // namespace zarn::tests::faults
+} // namespace zarn::test

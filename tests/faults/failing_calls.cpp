@@ -37,12 +37,12 @@ void* __libc_realloc(void* memory, std::size_t size);
 
 namespace {
 
-using zarn::tests::faults::Call;
-using zarn::tests::faults::Control;
+using zarn::test::Call;
+using zarn::test::Control;
 
 /// Maps the test's file. With system calls only: this runs before anything else in the process.
 Control* MapControl() {
-    char const* const path = std::getenv(zarn::tests::faults::ControlVariable);
+    char const* const path = std::getenv(zarn::test::ControlVariable);
     if (path == nullptr) return nullptr;
     long const descriptor = syscall(SYS_openat, AT_FDCWD, path, O_RDWR | O_CLOEXEC);
     if (descriptor < 0) return nullptr;

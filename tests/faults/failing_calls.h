@@ -4,7 +4,7 @@
 #include <atomic>
 #include <cstddef>
 
-namespace zarn::tests::faults {
+namespace zarn::test {
 
 /// The calls that can be made to fail. The order is that of CallNames.
 enum class Call : int {
@@ -77,4 +77,4 @@ struct Control {
 /// Names the file with the Control.
 inline constexpr char const* ControlVariable = "ZARN_FAILING_CALLS";
 
-} // namespace zarn::tests::faults
+} // namespace zarn::test

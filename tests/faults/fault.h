@@ -5,7 +5,7 @@
 #include <ostream>
 #include <string>
 
-namespace zarn::tests::faults {
+namespace zarn::test {
 
 /// What goes wrong, and as what.
 struct Fault {
@@ -17,4 +17,4 @@ inline std::string NameOf(Fault const& fault) { return CallNames.at(static_cast<
 
 inline void PrintTo(Fault const& fault, std::ostream* stream) { *stream << NameOf(fault); }
 
-} // namespace zarn::tests::faults
+} // namespace zarn::test

@@ -8,14 +8,14 @@
 #include <new>
 #include <system_error>
 
-namespace zarn::tests::faults {
+namespace zarn::test {
 namespace {
 
 [[noreturn]] void Fail(std::string const& path) { throw std::system_error(errno, std::generic_category(), path); }
 
 } // namespace
 
-FaultControl::FaultControl(host::TemporaryFolder const& folder) {
+FaultControl::FaultControl(TemporaryFolder const& folder) {
     auto const path = folder / "failing_calls";
     int const descriptor = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     if (descriptor < 0 || ftruncate(descriptor, sizeof(Control)) != 0) Fail(path);
@@ -40,4 +40,4 @@ void FaultControl::Arm(Call call, int n, int error, int width) {
 
 void FaultControl::Disarm() { control->call.store(static_cast<int>(Call::None), std::memory_order_release); }
 
-} // namespace zarn::tests::faults
+} // namespace zarn::test

@@ -1,19 +1,19 @@
 #pragma once
 
 #include "faults/failing_calls.h"
-#include "host/temporary_folder.h"
+#include "support/temporary_folder.h"
 
 #include <map>
 #include <string>
 
-namespace zarn::tests::faults {
+namespace zarn::test {
 
 /// The test's hand on the calls of one process: see failing_calls.cpp.
 class FaultControl {
 public:
     /// folder  takes the file that test and process share
     /// Throws std::system_error when it cannot be made.
-    explicit FaultControl(host::TemporaryFolder const& folder);
+    explicit FaultControl(TemporaryFolder const& folder);
     ~FaultControl();
 
     FaultControl(FaultControl const&) = delete;
@@ -38,4 +38,4 @@ private:
     std::map<std::string, std::string> environment;
 };
 
-} // namespace zarn::tests::faults
+} // namespace zarn::test

@@ -1,8 +1,8 @@
 #include "faults/fault.h"
 #include "faults/fault_control.h"
-#include "host/host_process.h"
-#include "host/pull_point_client.h"
-#include "host/raw_connection.h"
+#include "support/host_process.h"
+#include "support/pull_point_client.h"
+#include "support/raw_connection.h"
 
 #include <gmock/gmock.h>
 
@@ -15,13 +15,10 @@
 #include <string>
 #include <vector>
 
-namespace zarn::tests::faults {
+namespace zarn::test {
 namespace {
 
 using namespace std::chrono_literals;
-using host::HostProcess;
-using host::RawConnection;
-using host::TemporaryFolder;
 
 /// More rounds than this would take a test longer than half a minute: then every so many calls only.
 constexpr int MostRounds = 400;
@@ -49,15 +46,15 @@ std::string MakeSoap(std::string const& path, std::string const& operation) {
 /// One of each kind of work that clients give.
 std::vector<std::string> MakeRequests() {
     return {
-        host::MakeSoapRequest("GetSystemDateAndTime"),
-        host::MakeSoapRequest("GetServices"),
-        host::MakeSoapRequest("GetNetworkInterfaces"),
+        MakeSoapRequest("GetSystemDateAndTime"),
+        MakeSoapRequest("GetServices"),
+        MakeSoapRequest("GetNetworkInterfaces"),
         MakeSoap("/onvif/media_service", R"(<GetProfiles xmlns="http://www.onvif.org/ver10/media/wsdl"/>)"),
         MakeSoap("/onvif/media2_service", R"(<GetProfiles xmlns="http://www.onvif.org/ver20/media/wsdl"/>)"),
         MakeSoap("/onvif/events_service",
                  R"(<CreatePullPointSubscription xmlns="http://www.onvif.org/ver10/events/wsdl">)"
                  "<InitialTerminationTime>PT1S</InitialTerminationTime></CreatePullPointSubscription>"),
-        MakePost("/api/events", "application/json", host::MakeEvent("gate")),
+        MakePost("/api/events", "application/json", MakeEvent("gate")),
         "GET /api/health HTTP/1.1\r\nHost: localhost\r\n\r\n",
         "GET /snapshot/1/latest.jpeg HTTP/1.1\r\nHost: localhost\r\n\r\n",
     };
@@ -123,4 +120,4 @@ INSTANTIATE_TEST_SUITE_P(Faults, FailureWhileServing,
                          [](auto const& row) { return NameOf(row.param); });
 
 } // namespace
-} // namespace zarn::tests::faults
+} // namespace zarn::test

@@ -1,7 +1,7 @@
 #include "faults/fault.h"
 #include "faults/fault_control.h"
-#include "host/host_process.h"
-#include "host/raw_connection.h"
+#include "support/host_process.h"
+#include "support/raw_connection.h"
 
 #include <boost/json/parse.hpp>
 #include <gmock/gmock.h>
@@ -15,13 +15,10 @@
 #include <regex>
 #include <string>
 
-namespace zarn::tests::faults {
+namespace zarn::test {
 namespace {
 
 using namespace std::chrono_literals;
-using host::HostProcess;
-using host::Process;
-using host::TemporaryFolder;
 using testing::AnyOf;
 using testing::HasSubstr;
 using testing::MatchesRegex;
@@ -69,8 +66,8 @@ private:
         std::smatch match;
         auto const output = process->GetOutput();
         ASSERT_TRUE(std::regex_search(output, match, std::regex(":([0-9]+)/onvif")));
-        host::RawConnection connection(static_cast<std::uint16_t>(std::stoul(match[1])));
-        EXPECT_EQ(connection.Exchange(host::MakeSoapRequest("GetSystemDateAndTime")).status, 200U);
+        RawConnection connection(static_cast<std::uint16_t>(std::stoul(match[1])));
+        EXPECT_EQ(connection.Exchange(MakeSoapRequest("GetSystemDateAndTime")).status, 200U);
         process->Signal(SIGTERM);
         EXPECT_EQ(process->Wait(5s), 0);
     }
@@ -144,4 +141,4 @@ INSTANTIATE_TEST_SUITE_P(Faults, FailureAtFirstStart,
                          [](auto const& row) { return NameOf(row.param); });
 
 } // namespace
-} // namespace zarn::tests::faults
+} // namespace zarn::test

@@ -5,7 +5,7 @@
 #include <iterator>
 #include <stdexcept>
 
-namespace zarn::tests::hardening {
+namespace zarn::test {
 
 ElfFile::ElfFile(std::string const& path) {
     std::ifstream file(path, std::ios::binary);
@@ -83,4 +83,4 @@ std::string ElfFile::ReadAt(std::uint64_t address, std::size_t count) const {
     return {};
 }
 
-} // namespace zarn::tests::hardening
+} // namespace zarn::test

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace zarn::tests::hardening {
+namespace zarn::test {
 
 /// A program or shared library of this machine's kind, as the linker has left it (ELF, 64 bit).
 class ElfFile {
@@ -52,4 +52,4 @@ private:
     std::string bytes;
 };
 
-} // namespace zarn::tests::hardening
+} // namespace zarn::test

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-namespace zarn::tests::hardening {
+namespace zarn::test {
 namespace {
 
 using testing::Contains;
@@ -92,4 +92,4 @@ INSTANTIATE_TEST_SUITE_P(Built, Hardening,
                          [](auto const& row) { return row.param.name; });
 
 } // namespace
-} // namespace zarn::tests::hardening
+} // namespace zarn::test

@@ -1,5 +1,5 @@
-#include "host/host_process.h"
-#include "host/raw_connection.h"
+#include "support/host_process.h"
+#include "support/raw_connection.h"
 
 #include <gmock/gmock.h>
 
@@ -9,7 +9,7 @@
 #include <memory>
 #include <string>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 namespace {
 
 using namespace std::chrono_literals;
@@ -87,4 +87,4 @@ TEST_F(DamagedConfiguration, IsReplacedByWhatWasReadLastWhileTheHostRan) {
 }
 
 } // namespace
-} // namespace zarn::tests::host
+} // namespace zarn::test

@@ -1,6 +1,6 @@
-#include "host/digest_client.h"
-#include "host/host_process.h"
-#include "host/raw_connection.h"
+#include "support/digest_client.h"
+#include "support/host_process.h"
+#include "support/raw_connection.h"
 
 #include <boost/algorithm/string/case_conv.hpp>
 #include <boost/algorithm/string/erase.hpp>
@@ -12,7 +12,7 @@
 #include <ostream>
 #include <string>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 namespace {
 
 using testing::AllOf;
@@ -178,4 +178,4 @@ TEST_P(DigestForms, AreTakenOrChallengedByTheHostItself) {
 INSTANTIATE_TEST_SUITE_P(All, DigestForms, testing::ValuesIn(Forms), [](auto const& form) { return form.param.name; });
 
 } // namespace
-} // namespace zarn::tests::host
+} // namespace zarn::test

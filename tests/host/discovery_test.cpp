@@ -1,7 +1,8 @@
-#include "host/host_process.h"
-#include "unit/platform/onvif/discovery/probe.h"
-#include "unit/platform/protocol/network/udp/hosts.h"
-#include "unit/service/probe_client.h"
+#include "support/eventually.h"
+#include "support/host_process.h"
+#include "support/machine.h"
+#include "support/probe.h"
+#include "support/probe_client.h"
 
 #include <boost/system/system_error.hpp>
 #include <gmock/gmock.h>
@@ -12,7 +13,6 @@
 #include <chrono>
 #include <csignal>
 #include <filesystem>
-#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -22,38 +22,24 @@
 #include <utility>
 #include <vector>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 namespace {
 
 using namespace std::chrono_literals;
 using testing::HasSubstr;
-using zarn::test::Host;
-using zarn::test::MakeProbe;
-using zarn::test::Probe;
-using zarn::test::ProbeClient;
-using zarn::test::ProbeForScopes;
-using zarn::test::ProbeForTypes;
 
 std::string Configure(bool enabled, std::string const& location = "Hall", std::uint16_t webPort = 0) {
     return R"({"identity": {"location": ")" + location + R"("}, "settings": {"rtsp_port": 0, "web_port": )" +
            std::to_string(webPort) + R"(, "onvif": {"enabled": )" + (enabled ? "true" : "false") + "}}}";
 }
 
-/// Waits until the condition holds; false when it does not within a time that is plenty.
-bool Await(std::function<bool()> const& condition, std::chrono::seconds limit = 40s) {
-    auto const deadline = std::chrono::steady_clock::now() + limit;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > deadline) return false;
-        std::this_thread::sleep_for(10ms);
-    }
-    return true;
+/// Configures the network of a machine.
+void Ip(Machine const& machine, std::string const& arguments) {
+    ASSERT_TRUE(machine.Ip(arguments)) << "ip " << arguments;
 }
 
-/// Configures the network of a machine.
-void Ip(Host const& machine, std::string const& arguments) { ASSERT_TRUE(machine.Ip(arguments)) << "ip " << arguments; }
-
 /// Lays a cable from a new device of one machine to a new device of the other.
-void Connect(Host const& left, std::string const& leftDevice, Host const& right, std::string const& rightDevice) {
+void Connect(Machine const& left, std::string const& leftDevice, Machine const& right, std::string const& rightDevice) {
     Ip(left, "link add " + leftDevice + " type veth peer name " + rightDevice + " netns " + right.GetPath());
     Ip(left, "link set " + leftDevice + " up");
     Ip(right, "link set " + rightDevice + " up");
@@ -114,7 +100,7 @@ protected:
     }
 
     bool AwaitDiscovery(std::string const& part, std::chrono::seconds limit = 40s) {
-        return Await([&] { return Discover().find(part) != std::string::npos; }, limit);
+        return Eventually([&] { return Discover().find(part) != std::string::npos; }, limit);
     }
 
     /// Whether nobody listens for probes on the host's machine.
@@ -122,7 +108,7 @@ protected:
         bool free = false;
         server.Run([&] {
             try {
-                zarn::test::PortHolder const holder;
+                PortHolder const holder;
                 free = true;
             } catch (boost::system::system_error const&) {
                 // The responder has it.
@@ -135,8 +121,8 @@ protected:
         return "http://10.9.0.1:" + std::to_string(port) + "/onvif/device_service";
     }
 
-    Host server;
-    Host client;
+    Machine server;
+    Machine client;
     std::shared_ptr<TemporaryFolder> folder = std::make_shared<TemporaryFolder>();
     std::unique_ptr<HostProcess> host;
 };
@@ -161,7 +147,7 @@ TEST_F(DiscoveredHost, AppearsAndDisappearsWithItsSetting) {
     EXPECT_TRUE(AwaitDiscovery("ProbeMatch", 3s));
     server.Run([&] { EXPECT_TRUE(host->GetHealth().at("module").at("enabled").as_bool()); });
     Reload(Configure(false));
-    EXPECT_TRUE(Await([&] { return IsPortFree(); }, 3s));
+    EXPECT_TRUE(Eventually([&] { return IsPortFree(); }, 3s));
     EXPECT_EQ(Discover(), "");
     server.Run([&] { EXPECT_FALSE(host->GetHealth().at("module").at("enabled").as_bool()); });
 }
@@ -180,7 +166,7 @@ TEST_F(DiscoveredHost, IsThereAgainAfterARestart) {
 TEST_F(DiscoveredHost, KeepsItsEndpointReferenceOverRestarts) {
     auto const reference = [&] {
         std::string answer;
-        EXPECT_TRUE(Await([&] { return !(answer = Discover()).empty(); }));
+        EXPECT_TRUE(Eventually([&] { return !(answer = Discover()).empty(); }));
         return GetEndpointReference(answer);
     };
     Start(true);
@@ -244,7 +230,7 @@ TEST_F(DiscoveredHost, IsReadByOnvifUtilWhenNoLoginIsNeeded) {
 
 TEST_F(DiscoveredHost, LeavesOthersOfItsNetworkToAnswerForThemselves) {
     // Two hosts and a client at one switch, which the client's machine is.
-    Host const second;
+    Machine const second;
     Ip(second, "link set lo up");
     Ip(client, "address delete 10.9.0.2/24 dev lan");
     Connect(second, "lan", client, "lan2");
@@ -266,7 +252,7 @@ TEST_F(DiscoveredHost, LeavesOthersOfItsNetworkToAnswerForThemselves) {
     std::map<std::string, std::string> found; // endpoint references by addresses
     client.Run([&] {
         ProbeClient probe("10.9.0.2");
-        EXPECT_TRUE(Await([&] {
+        EXPECT_TRUE(Eventually([&] {
             probe.Send(MakeProbe("urn:uuid:1"));
             while (auto const answer = probe.Receive(200ms)) {
                 for (auto const* address : {"http://10.9.0.1:", "http://10.9.0.3:"})
@@ -345,16 +331,16 @@ TEST_F(DiscoveredHost, AnswersNetworksThatItIsNotConnectedToOnlyWhenItIsTold) {
     };
     EXPECT_FALSE(discoverFromAfar());
     Reload(R"({"settings": {"rtsp_port": 0, "web_port": 0, "onvif": {"enabled": true, "discovery_anywhere": true}}})");
-    EXPECT_TRUE(Await(discoverFromAfar));
+    EXPECT_TRUE(Eventually(discoverFromAfar));
     Reload(Configure(true));
-    EXPECT_TRUE(Await([&] {
+    EXPECT_TRUE(Eventually([&] {
         std::this_thread::sleep_for(100ms); // the responder answers ten probes of a client in a second
         return !discoverFromAfar();
     }));
 }
 
 TEST_F(DiscoveredHost, WaitsForThePortThatAnotherProgramHolds) {
-    std::optional<zarn::test::PortHolder> holder;
+    std::optional<PortHolder> holder;
     server.Run([&] { holder.emplace(); });
     Start(true);
     EXPECT_TRUE(host->GetProcess().WaitForLog("Failed to start Onvif discovery service: ", 10s));
@@ -364,4 +350,4 @@ TEST_F(DiscoveredHost, WaitsForThePortThatAnotherProgramHolds) {
 }
 
 } // namespace
-} // namespace zarn::tests::host
+} // namespace zarn::test

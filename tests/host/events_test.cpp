@@ -1,7 +1,8 @@
-#include "host/broker.h"
-#include "host/host_process.h"
-#include "host/pull_point_client.h"
-#include "host/raw_connection.h"
+#include "support/broker.h"
+#include "support/eventually.h"
+#include "support/host_process.h"
+#include "support/pull_point_client.h"
+#include "support/raw_connection.h"
 
 #include <boost/json/parse.hpp>
 #include <boost/json/serialize.hpp>
@@ -13,7 +14,7 @@
 #include <utility>
 #include <vector>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 namespace {
 
 using namespace std::chrono_literals;
@@ -33,7 +34,7 @@ std::string Subscribe(Broker const& broker, std::string const& topic, std::strin
 boost::json::value GetIntake(HostProcess const& host) { return host.GetHealth().at("events").at("mqtt"); }
 
 bool AwaitIntake(HostProcess const& host, char const* field, boost::json::value const& value) {
-    return Await([&] { return GetIntake(host).at(field) == value; });
+    return Eventually([&] { return GetIntake(host).at(field) == value; });
 }
 
 /// Posts events with curl and a digest login; the answer and its status.
@@ -129,7 +130,7 @@ TEST(Events, LetTheHostStopInTime) {
     Broker const broker;
     for (auto const& url : {broker.GetUrl(), std::string("mqtt://192.0.2.1")}) {
         HostProcess host({.configuration = Configure(R"({"enabled": true, "url": ")" + url + "\"}")});
-        ASSERT_TRUE(Await([&] { return GetIntake(host).at("state") != "off"; }));
+        ASSERT_TRUE(Eventually([&] { return GetIntake(host).at("state") != "off"; }));
         EXPECT_EQ(host.Stop(2s), 0);
     }
 }
@@ -147,4 +148,4 @@ TEST(Events, OfASettingThatMakesNoSenseKeepTheHostFromStarting) {
 }
 
 } // namespace
-} // namespace zarn::tests::host
+} // namespace zarn::test

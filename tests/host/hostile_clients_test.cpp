@@ -1,6 +1,7 @@
 // Clients that are slow, many, silent, or gone, while one that means well is served.
 #include "host/hostile_fixture.h"
-#include "host/pull_point_client.h"
+#include "support/eventually.h"
+#include "support/pull_point_client.h"
 
 #include <sys/resource.h>
 
@@ -10,7 +11,7 @@
 #include <thread>
 #include <vector>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 namespace {
 
 using namespace std::chrono_literals;
@@ -152,7 +153,7 @@ TEST_F(HostileClients, ThatVanishInAPullLeaveNothingBehind) {
         auto const pull = MakePull("PT2S");
         auto vanishing = ConnectMany(100, pull);
         { auto const ending = ConnectMany(100, pull); }
-        ASSERT_TRUE(Await([this] { return GetUse().threads >= idle.threads + 100; }));
+        ASSERT_TRUE(Eventually([this] { return GetUse().threads >= idle.threads + 100; }));
         ExpectServed();
         Vanish(vanishing);
         ExpectServed();
@@ -178,9 +179,9 @@ TEST_F(FloodingClients, AreTurnedAwayWithAnAnswerAndTheOthersServed) {
     ExpectNoGrowth([this] {
         auto served = Connect();
         EXPECT_EQ(served.Exchange(Health).status, 200U);
-        ASSERT_TRUE(Await([this] { return GetUse().descriptors <= idle.descriptors + 1; }));
+        ASSERT_TRUE(Eventually([this] { return GetUse().descriptors <= idle.descriptors + 1; }));
         auto const first = ConnectMany(49, "");
-        ASSERT_TRUE(Await([this] { return GetUse().descriptors >= idle.descriptors + 50; }));
+        ASSERT_TRUE(Eventually([this] { return GetUse().descriptors >= idle.descriptors + 50; }));
         for (int i = 0; i < 200; ++i) {
             auto const refusal = Connect().Read();
             EXPECT_EQ(refusal.status, 503U);
@@ -195,7 +196,7 @@ TEST_F(FloodingClients, AreTurnedAwayWithAnAnswerAndTheOthersServed) {
 TEST_F(FloodingClients, GetNoMoreThreadsThanThereMayBeExchanges) {
     ExpectEverythingGivenBack([this] {
         auto pulls = ConnectMany(10, MakePull("PT2S"));
-        ASSERT_TRUE(Await([this] { return GetUse().threads >= idle.threads + 9; }));
+        ASSERT_TRUE(Eventually([this] { return GetUse().threads >= idle.threads + 9; }));
         for (int i = 0; i < 100; ++i) {
             EXPECT_EQ(Connect().Exchange(MakeSoapRequest("GetSystemDateAndTime")).status, 503U);
         }
@@ -205,4 +206,4 @@ TEST_F(FloodingClients, GetNoMoreThreadsThanThereMayBeExchanges) {
 }
 
 } // namespace
-} // namespace zarn::tests::host
+} // namespace zarn::test

@@ -1,12 +1,12 @@
 #include "host/hostile_fixture.h"
 
-#include "host/pull_point_client.h"
+#include "support/pull_point_client.h"
 
 #include <algorithm>
 #include <deque>
 #include <utility>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 namespace {
 
 using namespace std::chrono_literals;
@@ -153,4 +153,4 @@ void HostileTest::ExpectEverythingGivenBack(std::function<void()> const& attack)
     ExpectServed();
 }
 
-} // namespace zarn::tests::host
+} // namespace zarn::test

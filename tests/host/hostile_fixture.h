@@ -1,8 +1,8 @@
 #pragma once
 
-#include "host/host_process.h"
-#include "host/raw_connection.h"
-#include "host/resource_use.h"
+#include "support/host_process.h"
+#include "support/raw_connection.h"
+#include "support/resource_use.h"
 
 #include <gtest/gtest.h>
 
@@ -12,7 +12,7 @@
 #include <string_view>
 #include <vector>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 
 /// What a hostile client sends, and what the host makes of it.
 struct Attack {
@@ -78,4 +78,4 @@ std::string MakePost(std::string_view body, std::string_view fields = "Content-T
 /// `text` that many times.
 std::string Repeat(std::string_view text, std::size_t times);
 
-} // namespace zarn::tests::host
+} // namespace zarn::test

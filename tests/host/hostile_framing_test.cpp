@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 namespace {
 
 using testing::HasSubstr;
@@ -195,4 +195,4 @@ TEST_F(HostileFraming, OfThousandRequestsInARowKeepsTheirOrder) {
 }
 
 } // namespace
-} // namespace zarn::tests::host
+} // namespace zarn::test

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 namespace {
 
 constexpr std::size_t Kilobyte = 1024;
@@ -170,4 +170,4 @@ TEST_F(HostileRequests, OfContentThatIsNotTakenAreAnswered) {
 }
 
 } // namespace
-} // namespace zarn::tests::host
+} // namespace zarn::test

@@ -1,6 +1,6 @@
 // What is said to a host that speaks TLS, by those who do not, or not as they should.
-#include "host/certificate.h"
 #include "host/hostile_fixture.h"
+#include "support/certificate.h"
 
 #include <boost/asio/read_until.hpp>
 #include <boost/asio/ssl/context.hpp>
@@ -14,7 +14,7 @@
 #include <memory>
 #include <string>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 namespace {
 
 namespace asio = boost::asio;
@@ -140,4 +140,4 @@ TEST_F(HostileTls, EndsAConnectionThatBreaksIt) {
 }
 
 } // namespace
-} // namespace zarn::tests::host
+} // namespace zarn::test

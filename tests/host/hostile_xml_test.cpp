@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 namespace {
 
 using testing::HasSubstr;
@@ -404,4 +404,4 @@ TEST_F(HugeXml, IsAnsweredAndItsMemoryGivenBack) {
 }
 
 } // namespace
-} // namespace zarn::tests::host
+} // namespace zarn::test

@@ -1,5 +1,5 @@
-#include "host/host_process.h"
-#include "host/raw_connection.h"
+#include "support/host_process.h"
+#include "support/raw_connection.h"
 
 #include <boost/json/parse.hpp>
 #include <gmock/gmock.h>
@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 namespace {
 
 using namespace std::chrono_literals;
@@ -145,4 +145,4 @@ TEST_F(Http, TakesItsLimitsFromTheConfiguration) {
 }
 
 } // namespace
-} // namespace zarn::tests::host
+} // namespace zarn::test

@@ -1,6 +1,7 @@
 // What can be seen of discovery on one machine, in its own network: for those who may make no network of their own.
-#include "host/host_process.h"
-#include "unit/service/probe_client.h"
+#include "support/eventually.h"
+#include "support/host_process.h"
+#include "support/probe_client.h"
 
 #include <boost/json/value.hpp>
 #include <gtest/gtest.h>
@@ -9,14 +10,11 @@
 #include <csignal>
 #include <memory>
 #include <string>
-#include <thread>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 namespace {
 
 using namespace std::chrono_literals;
-using zarn::test::MakeProbe;
-using zarn::test::ProbeClient;
 
 std::string Configure(bool enabled) {
     return std::string(R"({"settings": {"rtsp_port": 0, "web_port": 0, "onvif": {"enabled": )") +
@@ -45,20 +43,12 @@ protected:
 
     /// Waits until that is as expected. The port may be another program's for a while: the responder tries it again.
     bool AwaitDiscovered(bool expected) {
-        auto const deadline = std::chrono::steady_clock::now() + 60s;
-        while (IsDiscovered() != expected)
-            if (std::chrono::steady_clock::now() > deadline) return false;
-        return true;
+        return Eventually([&] { return IsDiscovered() == expected; }, 60s);
     }
 
     /// Waits until the status document tells this state of the setting.
     bool AwaitEnabled(bool expected) {
-        auto const deadline = std::chrono::steady_clock::now() + 10s;
-        while (host->GetHealth().at("module").at("enabled") != expected) {
-            if (std::chrono::steady_clock::now() > deadline) return false;
-            std::this_thread::sleep_for(10ms);
-        }
-        return true;
+        return Eventually([&] { return host->GetHealth().at("module").at("enabled") == expected; });
     }
 
     /// Without a device that can multicast no responder starts.
@@ -90,4 +80,4 @@ TEST_F(LoopbackDiscovery, AppearsAndDisappearsWithItsSetting) {
 }
 
 } // namespace
-} // namespace zarn::tests::host
+} // namespace zarn::test

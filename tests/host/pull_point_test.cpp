@@ -1,7 +1,8 @@
-#include "host/broker.h"
-#include "host/host_process.h"
-#include "host/pull_point_client.h"
-#include "host/raw_connection.h"
+#include "support/broker.h"
+#include "support/eventually.h"
+#include "support/host_process.h"
+#include "support/pull_point_client.h"
+#include "support/raw_connection.h"
 
 #include <boost/json/parse.hpp>
 #include <gmock/gmock.h>
@@ -12,7 +13,7 @@
 #include <string>
 #include <vector>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 namespace {
 
 using namespace std::chrono_literals;
@@ -138,7 +139,7 @@ protected:
     }
 
     bool AwaitState(std::string const& state) const {
-        return Await([&] { return GetState() == state; });
+        return Eventually([&] { return GetState() == state; });
     }
 
     Broker broker;
@@ -189,7 +190,7 @@ TEST(PullPointAtTheEndOfTheHost, AnswersAHundredClientsThatWaitAndKeepsTheHostNo
             clients.back()->Send(MakePullRequest(address, "PT1H"));
         }
     }
-    ASSERT_TRUE(Await([&] { return countExchanges() == idle + 100; })) << countExchanges();
+    ASSERT_TRUE(Eventually([&] { return countExchanges() == idle + 100; })) << countExchanges();
     EXPECT_EQ(host.Stop(2s), 0);
     for (auto const& waiting : clients) {
         auto const response = waiting->Read();
@@ -203,7 +204,7 @@ TEST(PullPointAtTheEndOfTheHost, GoesWithItAmidEventsAndEndsOfSubscriptions) {
     HostProcess host({.configuration = R"({"settings": {"web_port": 0, "rtsp_port": 0, "events": {"mqtt":
         {"enabled": true, "topic": "events", "url": ")" +
                                        broker.GetUrl() + R"("}}}})"});
-    ASSERT_TRUE(Await([&] { return host.GetHealth().at("events").at("mqtt").at("state") == "connected"; }));
+    ASSERT_TRUE(Eventually([&] { return host.GetHealth().at("events").at("mqtt").at("state") == "connected"; }));
     PullPointClient const client(host);
     for (auto const* time : {"PT1H", "PT0.2S", "PT0.3S", "PT0.4S", "PT0.5S", "PT0.6S"}) {
         client.Subscribe(std::string("<tev:InitialTerminationTime>") + time + "</tev:InitialTerminationTime>");
@@ -213,4 +214,4 @@ TEST(PullPointAtTheEndOfTheHost, GoesWithItAmidEventsAndEndsOfSubscriptions) {
 }
 
 } // namespace
-} // namespace zarn::tests::host
+} // namespace zarn::test

@@ -1,5 +1,6 @@
-#include "host/host_process.h"
-#include "host/raw_connection.h"
+#include "support/eventually.h"
+#include "support/host_process.h"
+#include "support/raw_connection.h"
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
@@ -10,13 +11,11 @@
 #include <algorithm>
 #include <chrono>
 #include <csignal>
-#include <functional>
 #include <memory>
 #include <string>
-#include <thread>
 #include <vector>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 namespace {
 
 using namespace std::chrono_literals;
@@ -41,15 +40,6 @@ protected:
         return ids;
     }
 
-    bool Await(std::function<bool()> const& condition) const {
-        auto const deadline = std::chrono::steady_clock::now() + 10s;
-        while (!condition()) {
-            if (std::chrono::steady_clock::now() > deadline) return false;
-            std::this_thread::sleep_for(10ms);
-        }
-        return true;
-    }
-
     std::size_t CountLogLines(std::string const& part) const {
         auto const log = host.GetProcess().GetLog();
         std::size_t count = 0;
@@ -63,7 +53,7 @@ protected:
 TEST_F(Reload, AddsRemovesAndReordersChannels) {
     ASSERT_THAT(GetChannels(), ElementsAre("1", "2"));
     Write(Configure(R"("3": {"name": "C"}, "2": {"name": "B"})"));
-    EXPECT_TRUE(Await([&] { return GetChannels() == std::vector<std::string>{"3", "2"}; }));
+    EXPECT_TRUE(Eventually([&] { return GetChannels() == std::vector<std::string>{"3", "2"}; }));
     RawConnection connection(host.GetPort());
     EXPECT_EQ(connection.Exchange("GET /snapshot/1/latest.jpeg HTTP/1.1\r\nHost: h\r\n\r\n").status, 404U);
     EXPECT_EQ(connection.Exchange("GET /snapshot/3/latest.jpeg HTTP/1.1\r\nHost: h\r\n\r\n").status, 503U);
@@ -71,7 +61,7 @@ TEST_F(Reload, AddsRemovesAndReordersChannels) {
 
 TEST_F(Reload, ChangesAChannel) {
     Write(Configure(R"("1": {"name": "A", "video": {"width": 320}})"));
-    EXPECT_TRUE(Await([&] { return host.GetHealth().at("channels").at(0).at("width") == 320; }));
+    EXPECT_TRUE(Eventually([&] { return host.GetHealth().at("channels").at(0).at("width") == 320; }));
 }
 
 TEST_F(Reload, CallsAChannelByItsIdUntilItHasAName) {
@@ -81,16 +71,16 @@ TEST_F(Reload, CallsAChannelByItsIdUntilItHasAName) {
         return reply.body.find("<tt:Name>" + name + "</tt:Name>") != std::string::npos;
     };
     Write(Configure(R"("7": {"video": {"width": 8}})"));
-    EXPECT_TRUE(Await([&] { return tells("7"); }));
+    EXPECT_TRUE(Eventually([&] { return tells("7"); }));
     Write(Configure(R"("7": {"video": {"width": 8}, "name": "Gate"})"));
-    EXPECT_TRUE(Await([&] { return tells("Gate"); }));
+    EXPECT_TRUE(Eventually([&] { return tells("Gate"); }));
 }
 
 TEST_F(Reload, ChangesLimits) {
     Write(Configure("", R"(, "limits": {"body_bytes": 1024})"));
     std::string const request =
         "POST /onvif/a HTTP/1.1\r\nHost: h\r\nContent-Length: 1025\r\n\r\n" + std::string(1025, ' ');
-    EXPECT_TRUE(Await([&] { return RawConnection(host.GetPort()).Exchange(request).status == 413; }));
+    EXPECT_TRUE(Eventually([&] { return RawConnection(host.GetPort()).Exchange(request).status == 413; }));
 }
 
 TEST_F(Reload, SwitchesAuthentication) {
@@ -101,10 +91,10 @@ TEST_F(Reload, SwitchesAuthentication) {
     EXPECT_EQ(status(), 401U);
     switched.GetFolder().Write("config.json", Configure("", R"(, "authentication": {"enabled": false})"));
     switched.GetProcess().Signal(SIGHUP);
-    EXPECT_TRUE(Await([&] { return status() == 200; }));
+    EXPECT_TRUE(Eventually([&] { return status() == 200; }));
     switched.GetFolder().Write("config.json", Configure(""));
     switched.GetProcess().Signal(SIGHUP);
-    EXPECT_TRUE(Await([&] { return status() == 401; }));
+    EXPECT_TRUE(Eventually([&] { return status() == 401; }));
 }
 
 TEST_F(Reload, KeepsTheSettingOfDiscoveryOverARestart) {
@@ -117,7 +107,7 @@ TEST_F(Reload, KeepsTheSettingOfDiscoveryOverARestart) {
         EXPECT_FALSE(isEnabled(first));
         folder->Write("config.json", Configure("", R"(, "onvif": {"enabled": true})"));
         first.GetProcess().Signal(SIGHUP);
-        EXPECT_TRUE(Await([&] { return isEnabled(first); }));
+        EXPECT_TRUE(Eventually([&] { return isEnabled(first); }));
         EXPECT_EQ(first.Stop(), 0);
     }
     HostProcess const second{{.configuration = "", .folder = folder}};
@@ -129,7 +119,7 @@ TEST_F(Reload, KeepsTheRunningConfigurationWhenTheFileIsBroken) {
          {"{ no JSON", R"({"channels": {"1": {"source": "test:none-such"}}})", R"({"channel": {}})"}) {
         auto const before = CountLogLines("The configuration stays as it was");
         Write(text);
-        EXPECT_TRUE(Await([&] { return CountLogLines("The configuration stays as it was") == before + 1; }));
+        EXPECT_TRUE(Eventually([&] { return CountLogLines("The configuration stays as it was") == before + 1; }));
     }
     EXPECT_THAT(host.GetProcess().GetLog(), HasSubstr("config.json: channels.1.source: "));
     EXPECT_THAT(GetChannels(), ElementsAre("1", "2"));
@@ -146,7 +136,7 @@ TEST_F(Reload, KeepsPortsAndOverridesOfThisRun) {
     auto const rtspPort = host.GetRtspPort();
     Write(Configure("", R"(, "authentication": {"enabled": true})"));
     ASSERT_TRUE(host.GetProcess().WaitForLog("again", 10s));
-    EXPECT_TRUE(Await([&] { return GetChannels().empty(); }));
+    EXPECT_TRUE(Eventually([&] { return GetChannels().empty(); }));
     EXPECT_EQ(host.GetRtspPort(), rtspPort);
     RawConnection connection(host.GetPort());
     EXPECT_EQ(connection.Exchange(MakeSoapRequest("GetDeviceInformation")).status, 200U);
@@ -191,8 +181,8 @@ TEST_F(Reload, MovesTheWebServer) {
     auto const port = next.Get();
     next.Release();
     Write(WebPort(port));
-    EXPECT_TRUE(Await([&] { return Ask(port) == 200; })) << host.GetProcess().GetLog();
-    EXPECT_TRUE(Await([&] { return Ask(host.GetPort()) == 0; }));
+    EXPECT_TRUE(Eventually([&] { return Ask(port) == 200; })) << host.GetProcess().GetLog();
+    EXPECT_TRUE(Eventually([&] { return Ask(host.GetPort()) == 0; }));
     EXPECT_THAT(RawConnection(port).Exchange(MakeSoapRequest("GetCapabilities")).body,
                 HasSubstr(":" + std::to_string(port) + "/onvif/device_service"));
     EXPECT_THAT(RawConnection(port).Exchange("GET /api/health HTTP/1.1\r\nHost: h\r\n\r\n").body,
@@ -204,7 +194,7 @@ TEST_F(Reload, KeepsThePortThatTheSystemChoseWhenTheFileNamesIt) {
     Write(WebPort(port));
     ASSERT_TRUE(host.GetProcess().WaitForLog("again", 10s));
     host.GetProcess().Signal(SIGHUP);
-    EXPECT_TRUE(Await([&] { return CountLogLines("again") == 2; }));
+    EXPECT_TRUE(Eventually([&] { return CountLogLines("again") == 2; }));
     EXPECT_EQ(Ask(port), 200U);
     Write(WebPort(0));
     EXPECT_TRUE(host.GetProcess().WaitForLog("The web server has moved to port ", 10s));
@@ -221,7 +211,7 @@ TEST_F(Reload, StaysWhereItIsUntilTheWantedPortIsFree) {
     EXPECT_EQ(Ask(host.GetPort()), 200U);
     taken.Release();
     host.GetProcess().Signal(SIGHUP);
-    EXPECT_TRUE(Await([&] { return Ask(port) == 200; }));
+    EXPECT_TRUE(Eventually([&] { return Ask(port) == 200; }));
 }
 
 TEST_F(Reload, LeavesThePortOfTheCommandLine) {
@@ -233,7 +223,7 @@ TEST_F(Reload, LeavesThePortOfTheCommandLine) {
     fixed.GetFolder().Write("config.json", R"({"settings": {"web_port": )" + std::to_string(port) +
                                                R"(, "rtsp_port": 0}, "channels": {"7": {"name": "G"}}})");
     fixed.GetProcess().Signal(SIGHUP);
-    EXPECT_TRUE(Await([&] { return fixed.GetHealth().at("channels").at(0).at("id") == "7"; }));
+    EXPECT_TRUE(Eventually([&] { return fixed.GetHealth().at("channels").at(0).at("id") == "7"; }));
     EXPECT_EQ(Ask(fixed.GetPort()), 200U);
     EXPECT_EQ(Ask(port), 0U);
 }
@@ -241,7 +231,7 @@ TEST_F(Reload, LeavesThePortOfTheCommandLine) {
 TEST_F(Reload, LeavesTheFileAsItsOwnerWroteIt) {
     auto const text = Configure(R"("9": {"name": "I"})");
     Write(text);
-    EXPECT_TRUE(Await([&] { return GetChannels() == std::vector<std::string>{"9"}; }));
+    EXPECT_TRUE(Eventually([&] { return GetChannels() == std::vector<std::string>{"9"}; }));
     EXPECT_EQ(host.Stop(), 0);
     EXPECT_EQ(host.GetFolder().Read("config.json"), text);
 }
@@ -255,4 +245,4 @@ TEST_F(Reload, GoesOnServingMeanwhile) {
 }
 
 } // namespace
-} // namespace zarn::tests::host
+} // namespace zarn::test

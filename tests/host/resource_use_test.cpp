@@ -1,4 +1,4 @@
-#include "host/resource_use.h"
+#include "support/resource_use.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -8,7 +8,7 @@
 #include <thread>
 #include <vector>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 namespace {
 
 using namespace std::chrono_literals;
@@ -49,4 +49,4 @@ TEST(ResourceUse, IsWaitedForNoLongerThanAllowed) {
 TEST(ResourceUse, IsAnErrorOfNoProcess) { EXPECT_THROW(ReadResourceUse(0), std::runtime_error); }
 
 } // namespace
-} // namespace zarn::tests::host
+} // namespace zarn::test

@@ -1,5 +1,6 @@
-#include "host/host_process.h"
-#include "host/raw_connection.h"
+#include "support/eventually.h"
+#include "support/host_process.h"
+#include "support/raw_connection.h"
 
 #include <gmock/gmock.h>
 
@@ -9,11 +10,10 @@
 #include <set>
 #include <string>
 #include <string_view>
-#include <thread>
 #include <utility>
 #include <vector>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 namespace {
 
 using namespace std::chrono_literals;
@@ -41,11 +41,7 @@ protected:
 
     /// Waits until the channel has video.
     void AwaitVideo() const {
-        auto const deadline = std::chrono::steady_clock::now() + 20s;
-        while (host.GetHealth().at("channels").at(0).at("state") != "running") {
-            ASSERT_LT(std::chrono::steady_clock::now(), deadline);
-            std::this_thread::sleep_for(10ms);
-        }
+        ASSERT_TRUE(Eventually([&] { return host.GetHealth().at("channels").at(0).at("state") == "running"; }));
     }
 
     std::string GetAddress(std::string const& credentials) const {
@@ -76,11 +72,7 @@ protected:
 
     /// Whether ffmpeg comes to be served, or to be refused, before long.
     bool AwaitAnswer(std::string const& credentials, bool served) const {
-        auto const deadline = std::chrono::steady_clock::now() + 20s;
-        while ((Watch(credentials).status == 0) != served) {
-            if (std::chrono::steady_clock::now() > deadline) return false;
-        }
-        return true;
+        return Eventually([&] { return (Watch(credentials).status == 0) == served; });
     }
 
     void Reconfigure(std::string const& settings) {
@@ -159,4 +151,4 @@ TEST_F(RtspGuessing, EndsForTheWebServerToo) {
 }
 
 } // namespace
-} // namespace zarn::tests::host
+} // namespace zarn::test

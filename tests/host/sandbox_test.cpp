@@ -1,6 +1,7 @@
-#include "host/host_process.h"
-#include "host/pull_point_client.h"
-#include "host/raw_connection.h"
+#include "support/eventually.h"
+#include "support/host_process.h"
+#include "support/pull_point_client.h"
+#include "support/raw_connection.h"
 
 #include <gmock/gmock.h>
 #include <unistd.h>
@@ -12,7 +13,7 @@
 #include <sstream>
 #include <string>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 namespace {
 
 using namespace std::chrono_literals;
@@ -66,7 +67,7 @@ TEST_F(Sandboxed, StartsAndServesWithoutAnyCapability) {
 TEST_F(Sandboxed, EncodesAndDecodesVideoAndAnswersDiscovery) {
     auto const host = Start(R"({"settings": {"web_port": 0, "rtsp_port": 0, "onvif": {"enabled": true}},
         "channels": {"1": {"source": "test:ball?width=320&height=240&rate=10"}}})");
-    ASSERT_TRUE(Await([&] { return host->GetHealth().at("channels").at(0).at("state") == "running"; }))
+    ASSERT_TRUE(Eventually([&] { return host->GetHealth().at("channels").at(0).at("state") == "running"; }))
         << host->GetProcess().GetLog();
     Process curl({"curl", "-s", "-o", "/dev/null", "-w", "%{http_code} %{content_type}", "--digest", "-u",
                   "admin:" + host->GetPassword(), host->GetUrl() + "/snapshot/1/latest.jpeg"});
@@ -99,4 +100,4 @@ TEST_F(Sandboxed, RefusesWhatTheUnitRefuses) {
 }
 
 } // namespace
-} // namespace zarn::tests::host
+} // namespace zarn::test

@@ -1,7 +1,8 @@
-#include "host/broker.h"
-#include "host/digest_client.h"
-#include "host/host_process.h"
-#include "host/raw_connection.h"
+#include "support/broker.h"
+#include "support/digest_client.h"
+#include "support/eventually.h"
+#include "support/host_process.h"
+#include "support/raw_connection.h"
 
 #include <boost/json/serialize.hpp>
 #include <gmock/gmock.h>
@@ -14,10 +15,9 @@
 #include <memory>
 #include <set>
 #include <string>
-#include <thread>
 #include <vector>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 namespace {
 
 using namespace std::chrono_literals;
@@ -70,12 +70,12 @@ protected:
             while (!header.ends_with("\r\n\r\n")) header += connection.ReadBytes(1);
             return header;
         };
-        auto challenge = send("");
-        auto const deadline = std::chrono::steady_clock::now() + 20s;
-        while (challenge.find("nonce=") == std::string::npos && std::chrono::steady_clock::now() < deadline) {
-            std::this_thread::sleep_for(50ms); // until there is video
+        std::string challenge;
+        auto const isChallenged = [&] {
             challenge = send("");
-        }
+            return challenge.find("nonce=") != std::string::npos;
+        };
+        ASSERT_TRUE(Eventually(isChallenged)); // once there is video
         auto const begin = challenge.find("nonce=\"") + 7;
         DigestCredentials credentials{.password = password,
                                       .nonce = challenge.substr(begin, challenge.find('"', begin) - begin),
@@ -154,4 +154,4 @@ TEST_F(Secrets, AreInNoLogWhenThePasswordIsAnArgument) {
 TEST_F(Secrets, AreInNoLogWhenThePasswordIsGenerated) { ExpectNoneAnywhere({.password = ""}, true); }
 
 } // namespace
-} // namespace zarn::tests::host
+} // namespace zarn::test

@@ -1,12 +1,12 @@
-#include "host/host_process.h"
+#include "support/eventually.h"
+#include "support/host_process.h"
 
 #include <gmock/gmock.h>
 
 #include <chrono>
 #include <string>
-#include <thread>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 namespace {
 
 using namespace std::chrono_literals;
@@ -30,12 +30,11 @@ protected:
 
     /// Fetches until there is a picture, which takes the video a moment.
     std::string FetchPicture() const {
-        auto const deadline = std::chrono::steady_clock::now() + 15s;
-        auto answer = Fetch(host.GetPassword());
-        while (answer.starts_with("503") && std::chrono::steady_clock::now() < deadline) {
-            std::this_thread::sleep_for(50ms);
+        std::string answer;
+        Eventually([&] {
             answer = Fetch(host.GetPassword());
-        }
+            return !answer.starts_with("503");
+        });
         return answer;
     }
 
@@ -70,4 +69,4 @@ TEST_F(SnapshotHost, StopsInTimeWhileVideoRuns) {
 }
 
 } // namespace
-} // namespace zarn::tests::host
+} // namespace zarn::test

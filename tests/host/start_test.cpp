@@ -1,5 +1,5 @@
-#include "host/host_process.h"
-#include "host/raw_connection.h"
+#include "support/host_process.h"
+#include "support/raw_connection.h"
 
 #include <gmock/gmock.h>
 #include <sys/stat.h>
@@ -14,7 +14,7 @@
 #include <string>
 #include <vector>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 namespace {
 
 using namespace std::chrono_literals;
@@ -193,4 +193,4 @@ TEST(Start, PrintsItsVersionAndItsOptions) {
 }
 
 } // namespace
-} // namespace zarn::tests::host
+} // namespace zarn::test

@@ -1,11 +1,11 @@
-#include "host/host_process.h"
+#include "support/host_process.h"
 
 #include <boost/json/parse.hpp>
 #include <gmock/gmock.h>
 
 #include <chrono>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 namespace {
 
 using namespace std::chrono_literals;
@@ -39,4 +39,4 @@ TEST(StartWithoutAConfiguration, PrefersTheFolderForConfigurationsOverTheHomeFol
 }
 
 } // namespace
-} // namespace zarn::tests::host
+} // namespace zarn::test

@@ -1,5 +1,6 @@
-#include "host/host_process.h"
-#include "host/raw_connection.h"
+#include "support/eventually.h"
+#include "support/host_process.h"
+#include "support/raw_connection.h"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -18,7 +19,7 @@
 #include <thread>
 #include <vector>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 namespace {
 
 using namespace std::chrono_literals;
@@ -58,8 +59,7 @@ TEST(StopBeforeItRuns, WaitsUntilEverythingIsWrittenAndEndsWithStatusZero) {
         Process host({"sh", "-c", "exec \"$0\" --config \"$1\" > \"$2\"", ZARN_HOST_PROGRAM, folder / "config.json",
                       folder / "output"});
         auto const credentials = folder.GetPath() / "config.json.credentials";
-        auto const deadline = Clock::now() + 10s;
-        while (!std::filesystem::exists(credentials) && Clock::now() < deadline) std::this_thread::sleep_for(1ms);
+        ASSERT_TRUE(Eventually([&] { return std::filesystem::exists(credentials); }));
         host.Signal(SIGHUP);
         host.Signal(signal);
         EXPECT_FALSE(host.Wait(100ms));
@@ -127,13 +127,11 @@ TEST_F(Stop, EndsInTimeUnderLoad) {
             }
         });
     }
-    auto const deadline = Clock::now() + 10s;
-    while (served < 200 && Clock::now() < deadline) std::this_thread::sleep_for(1ms);
+    EXPECT_TRUE(Eventually([&] { return served >= 200; }));
     EXPECT_EQ(host.Stop(2s), 0);
     stop = true;
     for (auto& client : clients) client.join();
-    EXPECT_GE(served, 200);
 }
 
 } // namespace
-} // namespace zarn::tests::host
+} // namespace zarn::test

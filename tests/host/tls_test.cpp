@@ -1,5 +1,5 @@
-#include "host/certificate.h"
-#include "host/host_process.h"
+#include "support/certificate.h"
+#include "support/host_process.h"
 
 #include <gmock/gmock.h>
 
@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 namespace {
 
 using namespace std::chrono_literals;
@@ -129,4 +129,4 @@ TEST_F(TlsHost, UsesACertificateThatHasExpiredAndSaysSo) {
 TEST_F(TlsHost, StopsWhileClientsAreConnected) { EXPECT_EQ(host.Stop(2s), 0); }
 
 } // namespace
-} // namespace zarn::tests::host
+} // namespace zarn::test

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "gsoap_client.h"
-#include "host/host_process.h"
+#include "support/host_process.h"
 
 #include <gtest/gtest.h>
 #include <soapDeviceBindingProxy.h>
@@ -13,7 +13,7 @@
 #include <string>
 #include <utility>
 
-namespace zarn::tests::interop {
+namespace zarn::test {
 
 /// A client that was generated from the service definitions, and a host that it has logged in to or will.
 class GeneratedClientTest : public testing::Test {
@@ -45,8 +45,8 @@ protected:
         return scheme + "://" + address.substr(begin, address.find(':', begin) - begin) + ":" + std::to_string(port);
     }
 
-    host::HostProcess host;
+    HostProcess host;
     GsoapClient client{host.GetPassword()};
 };
 
-} // namespace zarn::tests::interop
+} // namespace zarn::test

@@ -4,7 +4,7 @@
 
 #include <string>
 
-namespace zarn::tests::interop {
+namespace zarn::test {
 namespace {
 
 using testing::IsNull;
@@ -17,7 +17,7 @@ constexpr char Module[] = R"("":ZARN)";
 
 class AnalyticsClient : public GeneratedClientTest {
 protected:
-    AnalyticsClient() : GeneratedClientTest(host::HostProcess::TwoDescribedChannels) {}
+    AnalyticsClient() : GeneratedClientTest(HostProcess::TwoDescribedChannels) {}
 };
 
 TEST_F(AnalyticsClient, ReadsTheCapabilities) {
@@ -76,4 +76,4 @@ TEST_F(AnalyticsClient, IsRefusedTheMetadataWithAWrongPassword) {
 }
 
 } // namespace
-} // namespace zarn::tests::interop
+} // namespace zarn::test

@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-namespace zarn::tests::interop {
+namespace zarn::test {
 
 void GsoapClient::Free::operator()(struct soap* context) const {
     soap_destroy(context);
@@ -39,4 +39,4 @@ bool GsoapClient::LogIn() {
     return true;
 }
 
-} // namespace zarn::tests::interop
+} // namespace zarn::test

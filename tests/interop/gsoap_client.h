@@ -7,7 +7,7 @@
 #include <string>
 #include <utility>
 
-namespace zarn::tests::interop {
+namespace zarn::test {
 
 /// What a C++ program has that was generated from the service definitions: a context for proxies, with one kept
 /// connection, which logs in by HTTP digest when it is asked to.
@@ -60,4 +60,4 @@ private:
     SOAP_SOCKET (*connect)(struct soap*, char const*, char const*, int);
 };
 
-} // namespace zarn::tests::interop
+} // namespace zarn::test

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace zarn::tests::interop {
+namespace zarn::test {
 namespace {
 
 using testing::Contains;
@@ -179,4 +179,4 @@ TEST_F(GeneratedClient, UnderstandsTheFaults) {
 }
 
 } // namespace
-} // namespace zarn::tests::interop
+} // namespace zarn::test

@@ -1,6 +1,6 @@
 #include "gsoap_client.h"
-#include "host/host_process.h"
-#include "host/pull_point_client.h"
+#include "support/host_process.h"
+#include "support/pull_point_client.h"
 
 #include <gmock/gmock.h>
 #include <soapPullPointSubscriptionBindingProxy.h>
@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-namespace zarn::tests::interop {
+namespace zarn::test {
 namespace {
 
 using namespace std::chrono_literals;
@@ -82,10 +82,10 @@ protected:
         return Ask(address, &Proxy::PullMessages, request);
     }
 
-    host::HostProcess host;
+    HostProcess host;
     std::string service = host.GetUrl() + "/onvif/events_service";
     GsoapClient client{host.GetPassword()};
-    host::PullPointClient program{host};
+    PullPointClient program{host};
 };
 
 TEST_F(GeneratedEventsClient, ReadsTheTopics) {
@@ -132,7 +132,7 @@ TEST_F(GeneratedEventsClient, WaitsForWhatIsPosted) {
         Subscribe("tns1:RuleEngine/FieldDetector/ObjectsInside", "PT1H").SubscriptionReference.Address;
     auto pulled = std::async(std::launch::async, [&] { return Pull(address, "PT20S"); });
     EXPECT_EQ(pulled.wait_for(100ms), std::future_status::timeout);
-    program.Post(host::MakeEvent("Gate"));
+    program.Post(MakeEvent("Gate"));
     auto const messages = pulled.get().wsnt__NotificationMessage;
     ASSERT_EQ(messages.size(), 1U);
     EXPECT_THAT(GetItems(*messages[0], "tt:Source"), ElementsAre("VideoSource=channels.4294967295", "Rule=Gate"));
@@ -183,4 +183,4 @@ TEST_F(GeneratedEventsClient, GetsNoSubscriptionWithAWrongPassword) {
 }
 
 } // namespace
-} // namespace zarn::tests::interop
+} // namespace zarn::test

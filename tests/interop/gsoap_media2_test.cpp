@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace zarn::tests::interop {
+namespace zarn::test {
 namespace {
 
 using testing::ElementsAre;
@@ -150,4 +150,4 @@ TEST_F(Media2Client, SetsWhatItHasRead) {
 }
 
 } // namespace
-} // namespace zarn::tests::interop
+} // namespace zarn::test

@@ -1,14 +1,14 @@
 #include "generated_client_test.h"
-#include "host/process.h"
+#include "support/eventually.h"
+#include "support/process.h"
 
 #include <gmock/gmock.h>
 
 #include <chrono>
 #include <set>
 #include <string>
-#include <thread>
 
-namespace zarn::tests::interop {
+namespace zarn::test {
 namespace {
 
 using namespace std::chrono_literals;
@@ -29,12 +29,10 @@ protected:
     ViewingClient() : GeneratedClientTest(Configuration) { AwaitVideo(); }
 
     void AwaitVideo() const {
-        auto const deadline = std::chrono::steady_clock::now() + 20s;
-        for (std::size_t channel = 0; channel < 2; ++channel)
-            while (host.GetHealth().at("channels").at(channel).at("state") != "running") {
-                ASSERT_LT(std::chrono::steady_clock::now(), deadline);
-                std::this_thread::sleep_for(10ms);
-            }
+        for (std::size_t channel = 0; channel < 2; ++channel) {
+            ASSERT_TRUE(
+                Eventually([&] { return host.GetHealth().at("channels").at(channel).at("state") == "running"; }));
+        }
     }
 
     /// The profiles with their sizes, which the encoders tell once there is video.
@@ -55,8 +53,6 @@ protected:
         EXPECT_TRUE(player.Wait(60s)) << player.GetLog();
         return host.GetFolder().Read("pictures");
     }
-
-    using Process = host::Process;
 };
 
 TEST_F(ViewingClient, PlaysTheStreamOfEveryProfile) {
@@ -95,4 +91,4 @@ TEST_F(ViewingClient, FetchesTheSnapshotOfEveryProfile) {
 }
 
 } // namespace
-} // namespace zarn::tests::interop
+} // namespace zarn::test

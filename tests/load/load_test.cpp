@@ -1,4 +1,4 @@
-#include "host/host_process.h"
+#include "support/host_process.h"
 
 #include <zarn/authentication/digest.h>
 #include <zarn/authentication/ha1.h>
@@ -21,7 +21,7 @@
 #include <thread>
 #include <vector>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 namespace {
 
 namespace asio = boost::asio;
@@ -259,4 +259,4 @@ TEST(Load, SixtyFourConnectionsGetRightAnswersToAllOperationsMixed) {
 }
 
 } // namespace
-} // namespace zarn::tests::host
+} // namespace zarn::test

@@ -1,5 +1,5 @@
 #include "device_fixture.h"
-#include "private_machine.h"
+#include "support/network_namespace.h"
 
 #include <zarn/configuration/schema.h>
 #include <zarn/network/device.h>

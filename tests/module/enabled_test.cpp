@@ -1,5 +1,5 @@
 #include "device_fixture.h"
-#include "unit/service/probe_client.h"
+#include "support/probe_client.h"
 
 #include <zarn/configuration/error.h>
 #include <zarn/configuration/node/primitive.h>

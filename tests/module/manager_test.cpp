@@ -1,6 +1,5 @@
 #include "device_fixture.h"
-#include "private_machine.h"
-#include "unit/platform/network/network_namespace.h"
+#include "support/network_namespace.h"
 
 #include <zarn/container/buffer.h>
 #include <zarn/logging/capture.h>
@@ -137,12 +136,12 @@ TEST_F(Exchange, TellsAddressesWithTheLocalAddressOfTheMoment) {
     bool const entered = RunOnPrivateMachine([&] {
         for (auto const* command : {"link add zarn1 type veth peer name zarn2", "address add 10.0.0.5/24 dev zarn1",
                                     "link set zarn1 up", "link set zarn2 up"})
-            ASSERT_TRUE(network::Ip(command)) << command;
+            ASSERT_TRUE(Ip(command)) << command;
         EXPECT_EQ(device(), "http://10.0.0.5:8080/onvif/device_service");
         EXPECT_EQ(uri("GetStreamUri"), "rtsp://10.0.0.5:554/channels/1");
         EXPECT_EQ(uri("GetSnapshotUri"), "http://10.0.0.5:80/snapshot/1/latest.jpeg");
-        ASSERT_TRUE(network::Ip("address delete 10.0.0.5/24 dev zarn1"));
-        ASSERT_TRUE(network::Ip("address add 10.0.0.6/24 dev zarn1"));
+        ASSERT_TRUE(Ip("address delete 10.0.0.5/24 dev zarn1"));
+        ASSERT_TRUE(Ip("address add 10.0.0.6/24 dev zarn1"));
         EXPECT_EQ(device(), "http://10.0.0.6:8080/onvif/device_service");
         EXPECT_EQ(uri("GetStreamUri"), "rtsp://10.0.0.6:554/channels/1");
     });

@@ -1,4 +1,5 @@
 #include "pull_point_fixture.h"
+#include "support/eventually.h"
 
 #include <zarn/chrono/iso8601.h>
 #include <zarn/meta/data/count/value.h>
@@ -12,7 +13,6 @@
 #include <future>
 #include <optional>
 #include <string>
-#include <thread>
 
 namespace zarn::test {
 namespace {
@@ -25,7 +25,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Le;
 using testing::MatchesRegex;
-using Clock = std::chrono::steady_clock;
 
 auto const CannotExtractId = IsFault("Sender", "Unable to extract subscription ID", {"ter:InvalidArgs"});
 
@@ -60,12 +59,9 @@ protected:
     /// The id in an address.
     static int GetId(std::string const& path) { return std::stoi(path.substr(path.rfind('=') + 1)); }
 
-    /// Pulls until the subscription is gone; false when it is still there after ten seconds.
+    /// Pulls until the subscription is gone.
     bool EndsSoon(std::string const& path) {
-        for (auto const deadline = Clock::now() + 10s; Clock::now() < deadline; std::this_thread::sleep_for(10ms)) {
-            if (Pull(path).status != 200) return true;
-        }
-        return false;
+        return Eventually([&] { return Pull(path).status != 200; });
     }
 };
 

@@ -1,5 +1,5 @@
 #include "host/atomic_file.h"
-#include "host/temporary_folder.h"
+#include "support/temporary_folder.h"
 
 #include <gmock/gmock.h>
 #include <sys/stat.h>
@@ -11,8 +11,8 @@
 namespace zarn::host {
 namespace {
 
+using test::TemporaryFolder;
 using testing::HasSubstr;
-using tests::host::TemporaryFolder;
 
 unsigned GetMode(std::string const& path) {
     struct stat status {};

@@ -1,6 +1,6 @@
 #include "host/configuration_file.h"
 #include "host/settings.h"
-#include "host/temporary_folder.h"
+#include "support/temporary_folder.h"
 
 #include <zarn/configuration/node/primitive.h>
 
@@ -37,7 +37,7 @@ protected:
         }
     }
 
-    tests::host::TemporaryFolder folder;
+    test::TemporaryFolder folder;
     std::shared_ptr<configuration::node::Root> root = std::make_shared<configuration::node::Root>();
     ConfigurationFile file{folder / "config.json", root};
 };

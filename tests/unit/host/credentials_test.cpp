@@ -1,5 +1,5 @@
 #include "host/credentials.h"
-#include "host/temporary_folder.h"
+#include "support/temporary_folder.h"
 
 #include <zarn/authentication/ha1.h>
 #include <zarn/authentication/realm.h>
@@ -25,7 +25,7 @@ protected:
         return stat(path.c_str(), &status) == 0 ? status.st_mode & 0777 : 0;
     }
 
-    tests::host::TemporaryFolder folder;
+    test::TemporaryFolder folder;
     std::string path = folder / "credentials";
 };
 

@@ -1,6 +1,6 @@
-#include "host/certificate.h"
 #include "host/preparation.h"
-#include "host/temporary_folder.h"
+#include "support/certificate.h"
+#include "support/temporary_folder.h"
 
 #include <gmock/gmock.h>
 
@@ -25,7 +25,7 @@ protected:
         }
     }
 
-    tests::host::TemporaryFolder folder;
+    test::TemporaryFolder folder;
     CommandLine commandLine{.configuration = folder / "config.json", .overrides = {}, .password = {}};
 };
 
@@ -66,7 +66,7 @@ TEST_F(PreparationTest, RepeatsNoPasswordOfAnOverride) {
 }
 
 TEST_F(PreparationTest, ReadsCertificateAndKey) {
-    tests::host::Certificate const files(folder);
+    test::Certificate const files(folder);
     folder.Write("config.json", "{}");
     commandLine.overrides = {{"settings.tls.certificate", files.certificate}, {"settings.tls.private_key", files.key}};
     EXPECT_NE(Prepare(commandLine).tls, nullptr);

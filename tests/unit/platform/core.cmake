@@ -24,4 +24,4 @@ set(sources
   web/response/pending_test.cpp
   web/service_test.cpp)
 list(TRANSFORM sources PREPEND "${CMAKE_CURRENT_LIST_DIR}/")
-zarn_add_tests(NAME platform_core_tests SOURCES ${sources} LIBRARIES zarn::platform)
+zarn_add_tests(NAME platform_core_tests SOURCES ${sources} LIBRARIES zarn::platform zarn::test_support)

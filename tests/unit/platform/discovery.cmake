@@ -18,6 +18,6 @@ set(sources
   protocol/network/udp/unwatchable.cpp)
 list(TRANSFORM sources PREPEND "${CMAKE_CURRENT_LIST_DIR}/")
 find_package(pugixml REQUIRED)
-zarn_add_tests(NAME platform_discovery_tests SOURCES ${sources} LIBRARIES zarn::platform pugixml::pugixml)
+zarn_add_tests(NAME platform_discovery_tests SOURCES ${sources} LIBRARIES zarn::platform zarn::test_support pugixml::pugixml)
 # What is not public is tested by itself where nothing public shows it.
 target_include_directories(platform_discovery_tests PRIVATE "${CMAKE_SOURCE_DIR}/platform/src")

@@ -20,7 +20,7 @@ set(sources
   onvif/events/handler_test.cpp
   onvif/events/subscription_gauge_test.cpp)
 list(TRANSFORM sources PREPEND "${CMAKE_CURRENT_LIST_DIR}/")
-zarn_add_tests(NAME platform_events_tests SOURCES ${sources} LIBRARIES zarn::platform)
+zarn_add_tests(NAME platform_events_tests SOURCES ${sources} LIBRARIES zarn::platform zarn::test_support)
 
 # The part that speaks the types of the service definitions.
 zarn_add_tests(
@@ -28,5 +28,4 @@ zarn_add_tests(
   SOURCES
     "${CMAKE_CURRENT_LIST_DIR}/onvif/meta/convert_test.cpp"
     "${PROJECT_SOURCE_DIR}/tests/unit/interface/exchange.cpp"
-    "${PROJECT_SOURCE_DIR}/tests/unit/service/failing_new.cpp"
-  LIBRARIES zarn::onvif_meta)
+  LIBRARIES zarn::onvif_meta zarn_failing_nothrow_new)

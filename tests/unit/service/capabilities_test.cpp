@@ -1,4 +1,4 @@
-#include "failing_new.h"
+#include "support/failing_nothrow_new.h"
 
 #include <service/onvif/analytics.h>
 #include <service/onvif/device.h>
@@ -43,7 +43,7 @@ TYPED_TEST(ServiceCapabilities, AreADistinctObjectOfEqualContentOnEveryCall) {
 }
 
 TYPED_TEST(ServiceCapabilities, AreNullWithoutMemory) {
-    test::FailingNew const failing(0);
+    test::FailingNothrowNew const failing(0);
     EXPECT_EQ(TypeParam::MakeServiceCapabilities(this->context.get()), nullptr);
 }
 
@@ -61,7 +61,7 @@ TEST(GetServiceCapabilities, SucceedsWithoutMemoryAndLeavesTheMemberOut) {
     auto const context = MakeSoapContext();
     MediaService media(context.get(), nullptr, nullptr, false, nullptr);
     _trt__GetServiceCapabilitiesResponse response;
-    test::FailingNew const failing(0);
+    test::FailingNothrowNew const failing(0);
     EXPECT_EQ(media.GetServiceCapabilities(nullptr, response), SOAP_OK);
     EXPECT_EQ(response.Capabilities, nullptr);
 }

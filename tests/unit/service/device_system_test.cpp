@@ -1,4 +1,4 @@
-#include "failing_new.h"
+#include "support/failing_nothrow_new.h"
 
 #include <service/onvif/device.h>
 #include <service/onvif/soap_context.h>
@@ -139,10 +139,10 @@ TEST_F(NetworkInterfaces, TellNameHardwareAddressAndAddressAsTheyAreAndEverythin
 TEST_F(NetworkInterfaces, AreLeftOutOrIncompleteWhereMemoryRunsOut) {
     Add("eth0", "", "10.0.0.2");
     {
-        test::FailingNew const failing(0);
+        test::FailingNothrowNew const failing(0);
         EXPECT_THAT(Made(), IsEmpty());
     }
-    test::FailingNew const failing(1);
+    test::FailingNothrowNew const failing(1);
     EXPECT_THAT(Made(), ElementsAre(Pointee(testing::Field(&tt__NetworkInterface::Info, nullptr))));
 }
 

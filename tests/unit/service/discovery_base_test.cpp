@@ -1,8 +1,9 @@
 #include "failing_aligned_alloc.h"
-#include "unit/platform/protocol/network/udp/failing_socket.h"
-#include "unit/platform/protocol/network/udp/no_descriptors.h"
-#include "unit/platform/protocol/network/udp/peer.h"
-#include "unit/service/probe_client.h"
+#include "support/eventually.h"
+#include "support/failing_socket.h"
+#include "support/no_descriptors.h"
+#include "support/peer.h"
+#include "support/probe_client.h"
 
 #include <service/onvif/discovery_base.h>
 #include <zarn/logging/capture.h>
@@ -82,11 +83,9 @@ std::vector<std::string> LinesOf(logging::Capture const& log) {
     return lines;
 }
 
-/// Waits until the responder has written as many lines; false when it does not come to that within 10 seconds.
+/// Waits until the responder has written as many lines.
 bool AwaitLines(logging::Capture const& log, std::size_t count) {
-    auto const deadline = std::chrono::steady_clock::now() + 10s;
-    while (LinesOf(log).size() < count && std::chrono::steady_clock::now() < deadline) std::this_thread::sleep_for(1ms);
-    return LinesOf(log).size() >= count;
+    return test::Eventually([&] { return LinesOf(log).size() >= count; });
 }
 
 TEST(DiscoveryBase, AnswersAProbeOfTheGroupAtItsSource) {
@@ -133,7 +132,7 @@ TEST(DiscoveryBase, AnswersFromAPortOfItsOwn) {
 TEST(DiscoveryBase, SendsNothingToTheGroup) {
     OnOwnNetwork([] {
         // What an unbound socket sends to the group would not get anywhere without.
-        ASSERT_TRUE(network::Ip("route add 239.255.255.250/32 dev lo src 127.0.0.1"));
+        ASSERT_TRUE(test::Ip("route add 239.255.255.250/32 dev lo src 127.0.0.1"));
         Responder const responder;
         Peer const client("127.0.0.1");
         Peer const bystander("239.255.255.250", client.GetPort());
@@ -211,9 +210,7 @@ TEST(DiscoveryBase, MakesNothingOfAReceivingThatFails) {
         Responder const responder;
         {
             FailingSocket const failing(3702);
-            auto const deadline = std::chrono::steady_clock::now() + 10s;
-            while (failing.IsPending() && std::chrono::steady_clock::now() < deadline) std::this_thread::sleep_for(1ms);
-            ASSERT_FALSE(failing.IsPending());
+            ASSERT_TRUE(test::Eventually([&] { return !failing.IsPending(); }));
         }
         auto const probe = MakeProbe("urn:uuid:1");
         ProbeClient client;
@@ -259,13 +256,13 @@ TEST(DiscoveryBase, ReadsADatagramOfTheLargestSize) {
 }
 
 TEST(DiscoveryBase, TriesAgainUntilThereIsANetwork) {
-    bool const entered = network::RunInNetworkNamespace([] {
+    bool const entered = test::RunInNetworkNamespace([] {
         logging::Capture const log;
         Responder const responder(20ms);
         ASSERT_TRUE(AwaitLines(log, 1));
         EXPECT_EQ(LinesOf(log).front(),
                   Failed + std::string("no interface that is up has an IPv4 address and can multicast"));
-        ASSERT_TRUE(network::Ip("link set lo up multicast on"));
+        ASSERT_TRUE(test::Ip("link set lo up multicast on"));
         EXPECT_TRUE(log.WaitFor("Onvif discovery service started successfully", 10s));
         EXPECT_TRUE(ProbeClient().FindsAnybody());
     });
@@ -351,9 +348,7 @@ TEST(DiscoveryBase, RunsNothingAnyMoreWhenItCannotBegin) {
         auto const before = CountThreads();
         HopelessResponder const responder;
         // A thread that has been joined may be seen for a moment still.
-        auto const deadline = std::chrono::steady_clock::now() + 10s;
-        while (CountThreads() > before && std::chrono::steady_clock::now() < deadline) std::this_thread::sleep_for(1ms);
-        EXPECT_LE(CountThreads(), before);
+        EXPECT_TRUE(test::Eventually([&] { return CountThreads() <= before; }));
     });
 }
 

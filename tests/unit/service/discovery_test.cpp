@@ -1,4 +1,4 @@
-#include "unit/service/probe_client.h"
+#include "support/probe_client.h"
 
 #include <service/onvif/discovery.h>
 #include <zarn/network/local.h>

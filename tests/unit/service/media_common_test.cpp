@@ -1,4 +1,4 @@
-#include "failing_new.h"
+#include "support/failing_nothrow_new.h"
 
 #include <service/onvif/media_common.h>
 #include <service/onvif/soap_context.h>
@@ -203,7 +203,7 @@ TEST_F(Make, LeavesOutWhatThereIsNoMemoryForAndTheRestCanBeWritten) {
     for (int n = 1; n < 10; ++n) {
         tt__Profile const* profile = nullptr;
         {
-            test::FailingNew const failing(n);
+            test::FailingNothrowNew const failing(n);
             profile = MakeProfile(soap, token, name, info);
         }
         ASSERT_NE(profile, nullptr) << n;
@@ -216,7 +216,7 @@ TEST_F(Make, LeavesOutWhatThereIsNoMemoryForAndTheRestCanBeWritten) {
 }
 
 TEST_F(Make, IsNullWithoutMemory) {
-    test::FailingNew const failing(0);
+    test::FailingNothrowNew const failing(0);
     EXPECT_EQ(MakeProfile(soap, token, name, info), nullptr);
     EXPECT_EQ(MakeVideoSourceConfiguration(soap, token, name, info), nullptr);
     EXPECT_EQ(MakeVideoEncoderConfiguration(soap, token, name, info), nullptr);

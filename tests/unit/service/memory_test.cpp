@@ -1,4 +1,4 @@
-#include "failing_new.h"
+#include "support/failing_nothrow_new.h"
 
 #include <service/onvif/analytics.h>
 #include <service/onvif/device.h>
@@ -56,7 +56,7 @@ protected:
             Service service = makeService(context.get());
             Response response;
             {
-                test::FailingNew const failing(n);
+                test::FailingNothrowNew const failing(n);
                 EXPECT_EQ((service.*operation)(&request, response), SOAP_OK) << n;
                 failed = failing.HasFailed();
             }

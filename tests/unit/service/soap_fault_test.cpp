@@ -1,4 +1,4 @@
-#include "failing_new.h"
+#include "support/failing_nothrow_new.h"
 
 #include <service/onvif/soap_context.h>
 #include <service/onvif/soap_fault.h>
@@ -67,7 +67,7 @@ TEST_F(Fault, NamesAnUnservedOperationNotSupported) {
 TEST_F(Fault, GoesOutWithWhatWasBuiltWhenMemoryIsShort) {
     // The fault and its code exist from here on; only the subcodes have to be allocated.
     SoapFault(context.get(), FaultCode::Sender, "earlier", "ter:Earlier");
-    test::FailingNew const failing(1);
+    test::FailingNothrowNew const failing(1);
     EXPECT_EQ(SoapFault(context.get(), FaultCode::Sender, "reason", "ter:Outer", "ter:Inner"), SOAP_FAULT);
     EXPECT_STREQ(*soap_faultstring(context.get()), "reason");
     EXPECT_THAT(Subcodes(), IsEmpty());
@@ -75,7 +75,7 @@ TEST_F(Fault, GoesOutWithWhatWasBuiltWhenMemoryIsShort) {
 
 TEST_F(Fault, LosesTheLevelThatThereIsNoMemoryForWithWhatIsBelowIt) {
     SoapFault(context.get(), FaultCode::Sender, "earlier", "ter:Earlier");
-    test::FailingNew const failing(0, 1); // the innermost is made first
+    test::FailingNothrowNew const failing(0, 1); // the innermost is made first
     EXPECT_EQ(SoapFault(context.get(), FaultCode::Sender, "reason", "ter:Outer", "ter:Inner"), SOAP_FAULT);
     EXPECT_THAT(Subcodes(), ElementsAre("ter:Outer"));
 }

@@ -1,6 +1,7 @@
-#include "host/broker.h"
-#include "host/certificate.h"
 #include "host/events/mqtt_client.h"
+#include "support/broker.h"
+#include "support/certificate.h"
+#include "support/eventually.h"
 
 #include <zarn/logging/capture.h>
 
@@ -10,33 +11,22 @@
 #include <gmock/gmock.h>
 
 #include <chrono>
-#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace zarn::host::events {
 namespace {
 
 using namespace std::chrono_literals;
+using test::Broker;
 using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
-using zarn::tests::host::Broker;
-
-bool Await(std::function<bool()> const& condition) {
-    auto const deadline = std::chrono::steady_clock::now() + 20s;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > deadline) return false;
-        std::this_thread::sleep_for(2ms);
-    }
-    return true;
-}
 
 /// A client with a note of the types of the events that it took.
 class Intake {
@@ -49,15 +39,15 @@ public:
     }
 
     bool AwaitState(MqttState state) const {
-        return Await([&] { return client.GetStatus().state == state; });
+        return test::Eventually([&] { return client.GetStatus().state == state; });
     }
 
     bool AwaitTaken(std::size_t count) const {
-        return Await([&] { return GetTaken().size() >= count; });
+        return test::Eventually([&] { return GetTaken().size() >= count; });
     }
 
     bool AwaitReceived(std::uint64_t count) const {
-        return Await([&] { return client.GetStatus().received >= count; });
+        return test::Eventually([&] { return client.GetStatus().received >= count; });
     }
 
 private:
@@ -173,12 +163,12 @@ public:
 private:
     std::string Protect() const {
         auto const file = folder / "passwords";
-        zarn::tests::host::Process program({"mosquitto_passwd", "-b", "-c", file, "host", "the right one"});
+        test::Process program({"mosquitto_passwd", "-b", "-c", file, "host", "the right one"});
         EXPECT_EQ(program.Wait(20s), 0) << program.GetLog();
         return "allow_anonymous false\npassword_file " + file + "\n";
     }
 
-    zarn::tests::host::TemporaryFolder folder;
+    test::TemporaryFolder folder;
     Broker broker;
 };
 
@@ -218,9 +208,9 @@ public:
                 .caFile = std::move(caFile)};
     }
 
-    zarn::tests::host::TemporaryFolder const folder;
-    zarn::tests::host::Certificate const own{folder, "own"};
-    zarn::tests::host::Certificate const other{folder, "other"};
+    test::TemporaryFolder const folder;
+    test::Certificate const own{folder, "own"};
+    test::Certificate const other{folder, "other"};
     Broker broker;
 };
 
@@ -304,17 +294,17 @@ TEST(MqttClient, FollowsAChangeOfTheTopic) {
     ASSERT_TRUE(intake.AwaitState(MqttState::Connected));
     settings.topic = "site/+/events";
     intake.client.Configure(settings);
-    ASSERT_TRUE(Await([&] {
+    ASSERT_TRUE(test::Eventually([&] {
         broker.Publish("site/1/events", R"({"type": "new"})");
         return !intake.GetTaken().empty();
     }));
     // Whatever came between the change and its taking effect is taken before this one is.
     broker.Publish("site/1/events", R"({"type": "settled"})");
-    ASSERT_TRUE(Await([&] { return intake.GetTaken().back() == "settled"; }));
+    ASSERT_TRUE(test::Eventually([&] { return intake.GetTaken().back() == "settled"; }));
     auto const before = intake.client.GetStatus().received;
     broker.Publish("events", R"({"type": "old"})");
     broker.Publish("site/1/events", R"({"type": "last"})");
-    ASSERT_TRUE(Await([&] { return intake.GetTaken().back() == "last"; }));
+    ASSERT_TRUE(test::Eventually([&] { return intake.GetTaken().back() == "last"; }));
     EXPECT_EQ(intake.client.GetStatus().received, before + 1);
 }
 
@@ -324,7 +314,7 @@ TEST(MqttClient, FollowsAChangeOfTheBroker) {
     Intake intake(For(first));
     ASSERT_TRUE(intake.AwaitState(MqttState::Connected));
     intake.client.Configure(For(second));
-    ASSERT_TRUE(Await([&] {
+    ASSERT_TRUE(test::Eventually([&] {
         second.Publish("events", R"({"type": "a"})");
         return !intake.GetTaken().empty();
     }));
@@ -415,7 +405,7 @@ TEST(MqttClient, StopsAtOnceWhateverTheBrokerDoes) {
     for (auto const& url : {broker.GetUrl(), "mqtt://" + silent.GetAddress(), "mqtts://" + silent.GetAddress(),
                             std::string("mqtt://192.0.2.1"), std::string("mqtt://127.0.0.1:1")}) {
         Intake intake({.enabled = true, .url = url, .topic = "events", .clientId = "a"});
-        EXPECT_TRUE(Await([&] { return intake.client.GetStatus().state != MqttState::Off; }));
+        EXPECT_TRUE(test::Eventually([&] { return intake.client.GetStatus().state != MqttState::Off; }));
         auto const begin = std::chrono::steady_clock::now();
         intake.client.Stop();
         EXPECT_LT(std::chrono::steady_clock::now() - begin, limit) << url;

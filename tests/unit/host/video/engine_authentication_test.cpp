@@ -5,7 +5,7 @@
 
 #include <gmock/gmock.h>
 
-namespace zarn::host::video::test {
+namespace zarn::host::video {
 namespace {
 
 using testing::HasSubstr;
@@ -77,4 +77,4 @@ TEST_F(EngineAuthentication, IsThereFromTheStart) {
 }
 
 } // namespace
-} // namespace zarn::host::video::test
+} // namespace zarn::host::video

@@ -1,4 +1,5 @@
-#include "unit/host/thread_failure.h"
+#include "support/eventually.h"
+#include "support/thread_failure.h"
 #include "unit/host/video/video_test.h"
 
 #include <zarn/logging/capture.h>
@@ -9,7 +10,7 @@
 #include <stdexcept>
 #include <thread>
 
-namespace zarn::host::video::test {
+namespace zarn::host::video {
 namespace {
 
 using namespace std::chrono_literals;
@@ -59,7 +60,9 @@ TEST_F(EngineChannels, TellWhatTheVideoReallyIs) {
     auto settings = From("1", "test:ball?width=128&height=96&rate=15000/1001");
     settings.described = VideoInfo({1920, 1080}, "video/x-h265", 30, 1);
     engine->SetChannels({settings});
-    EXPECT_TRUE(WaitFor([&] { return engine->Describe("1") == VideoInfo({128, 96}, "video/x-h264", 15000, 1001); }));
+    EXPECT_TRUE(test::Eventually([&] {
+        return engine->Describe("1") == VideoInfo({128, 96}, "video/x-h264", 15000, 1001);
+    }));
 }
 
 TEST_F(EngineChannels, TellHowOldTheNewestFrameIs) {
@@ -103,7 +106,7 @@ TEST_F(EngineChannels, GoOnUndisturbedWhenOthersChange) {
     EXPECT_EQ(GetStatus("1").state, ChannelState::Running);
     for (int count = 0; count < 15; ++count) ASSERT_TRUE(viewer.Next()) << viewer.GetFailure();
     EXPECT_EQ(engine->Describe("1").GetResolution(), std::pair(128U, 96U));
-    EXPECT_TRUE(WaitFor([&] { return engine->Describe("2").GetResolution() == std::pair(192U, 112U); }));
+    EXPECT_TRUE(test::Eventually([&] { return engine->Describe("2").GetResolution() == std::pair(192U, 112U); }));
     EXPECT_TRUE(WaitForState("4", ChannelState::Running));
 }
 
@@ -115,7 +118,7 @@ TEST_F(EngineChannels, EndTheirStreamsWhenTheyGo) {
         Viewer viewer(GetUrl("1"), {.transport = transport});
         ASSERT_TRUE(viewer.Next());
         engine->SetChannels({From("2", Small)});
-        EXPECT_TRUE(WaitFor([&] { return !viewer.Next(50ms) && viewer.HasEnded(); }, 10s)) << transport;
+        EXPECT_TRUE(test::Eventually([&] { return !viewer.Next(50ms) && viewer.HasEnded(); }, 10s)) << transport;
         Viewer late(GetUrl("1"), {.transport = transport});
         EXPECT_FALSE(late.Next());
         EXPECT_THAT(late.GetFailure(), HasSubstr("Not Found"));
@@ -164,7 +167,7 @@ TEST_F(EngineChannels, FailWithoutAThreadAndLeaveTheOthersAlone) {
     engine->SetChannels({From("1", Small), From("2", Small)});
     ASSERT_TRUE(WaitForState("1", ChannelState::Running));
     {
-        tests::ThreadFailure const failure;
+        test::ThreadFailure const failure;
         engine->SetChannels({From("3", Other), From("1", Small), From("2", Other)});
     }
     EXPECT_THAT(GetIds(), testing::ElementsAre("3", "1", "2"));
@@ -185,4 +188,4 @@ TEST_F(EngineChannels, AreNotTakenAfterStopping) {
 }
 
 } // namespace
-} // namespace zarn::host::video::test
+} // namespace zarn::host::video

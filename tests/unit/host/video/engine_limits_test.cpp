@@ -1,4 +1,5 @@
 #include "host/video/rtsp/connections.h"
+#include "support/eventually.h"
 #include "unit/host/video/video_test.h"
 
 #include <zarn/authentication/ha1.h>
@@ -14,7 +15,7 @@
 
 #include <thread>
 
-namespace zarn::host::video::test {
+namespace zarn::host::video {
 namespace {
 
 using namespace std::chrono_literals;
@@ -110,12 +111,12 @@ TEST_F(EngineLimits, RefuseConnectionsPastTheirNumberUntilOneGoes) {
     }
     EXPECT_TRUE(Connect()->IsClosed(Deadline));
     peers.pop_back();
-    EXPECT_TRUE(WaitFor([&] {
+    EXPECT_TRUE(test::Eventually([&] {
         auto const peer = Connect();
         return peer->Send(Options) && !peer->Read().empty();
     }));
     peers.clear();
-    EXPECT_TRUE(WaitFor([&] { return CanBeViewed(); }));
+    EXPECT_TRUE(test::Eventually([&] { return CanBeViewed(); }));
 }
 
 TEST_F(EngineLimits, RefuseConnectionsPastTheNumberThatTheSettingsAllow) {
@@ -138,7 +139,7 @@ TEST_F(EngineLimits, RefuseConnectionsOfOneAddressPastTheirNumberUntilOneGoes) {
     ASSERT_TRUE(first->Send(Options));
     EXPECT_THAT(first->ReadAnswer(), StartsWith("RTSP/1.0 200"));
     first.reset();
-    EXPECT_TRUE(WaitFor([&] {
+    EXPECT_TRUE(test::Eventually([&] {
         auto const peer = Connect();
         return peer->Send(Options) && !peer->Read().empty();
     }));
@@ -215,11 +216,11 @@ TEST_F(EngineLimits, RefuseTheRightPasswordAfterTooManyGuesses) {
                                "Authorization: Digest username=\"admin\", realm=\"x\", nonce=\"x\", uri=\"x\", "
                                "response=\"00000000000000000000000000000000\"\r\n\r\n"));
     }
-    ASSERT_TRUE(WaitFor([&] { return peer->Read().empty(); }));
+    ASSERT_TRUE(test::Eventually([&] { return peer->Read().empty(); }));
     Viewer viewer(GetUrl("1"), {.user = "admin", .password = "right"});
     EXPECT_FALSE(viewer.Next());
     EXPECT_THAT(viewer.GetFailure(), HasSubstr("Unauthorized"));
 }
 
 } // namespace
-} // namespace zarn::host::video::test
+} // namespace zarn::host::video

@@ -1,9 +1,10 @@
+#include "support/eventually.h"
 #include "unit/host/video/video_test.h"
 
 #include <atomic>
 #include <cstdlib>
 
-namespace zarn::host::video::test {
+namespace zarn::host::video {
 namespace {
 
 using namespace std::chrono_literals;
@@ -39,7 +40,7 @@ TEST_F(EngineSnapshot, HasTheSizeOfTheChannel) {
 TEST_F(EngineSnapshot, Moves) {
     engine->SetChannels({From("1", "test:ball?width=128&height=96&rate=10")});
     auto const first = DecodeJpeg(WaitForSnapshot("1").jpeg->ToStringView());
-    ASSERT_TRUE(WaitFor([&] {
+    ASSERT_TRUE(test::Eventually([&] {
         auto const later = DecodeJpeg(WaitForSnapshot("1").jpeg->ToStringView());
         return CountDifferences(*first, *later) > 20;
     }));
@@ -69,7 +70,7 @@ TEST_F(EngineSnapshot, AnswersManyRequestsEachOnce) {
     for (int count = 0; count < 200; ++count) {
         engine->RequestSnapshot("1", [&answers](Snapshot const&) { ++answers; });
     }
-    EXPECT_TRUE(WaitFor([&] { return answers == 200; }, 10s));
+    EXPECT_TRUE(test::Eventually([&] { return answers == 200; }, 10s));
 }
 
 TEST_F(EngineSnapshot, TellsThatThereIsNoSuchChannel) {
@@ -103,4 +104,4 @@ TEST_F(EngineSnapshot, KnowsNoChannelAfterStopping) {
 }
 
 } // namespace
-} // namespace zarn::host::video::test
+} // namespace zarn::host::video

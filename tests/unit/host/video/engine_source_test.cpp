@@ -1,3 +1,4 @@
+#include "support/eventually.h"
 #include "unit/host/video/video_test.h"
 
 #include <zarn/authentication/ha1.h>
@@ -8,7 +9,7 @@
 
 #include <ostream>
 
-namespace zarn::host::video::test {
+namespace zarn::host::video {
 namespace {
 
 using namespace std::chrono_literals;
@@ -40,7 +41,7 @@ TEST_P(EngineFile, IsPlayedOverItsEndInRealTime) {
     auto const begin = std::chrono::steady_clock::now();
     engine->SetChannels({From("1", file)});
     ASSERT_TRUE(WaitForState("1", ChannelState::Running)) << GetStatus("1").detail;
-    EXPECT_TRUE(WaitFor([&] {
+    EXPECT_TRUE(test::Eventually([&] {
         return engine->Describe("1") == VideoInfo({128, 96}, GetParam().codec, 20, 1);
     })) << engine->Describe("1").GetFrameRateNumerator();
     Viewer viewer(GetUrl("1"));
@@ -119,7 +120,7 @@ TEST_F(EngineSource, IsLoggedOnceForEachChange) {
     logging::Capture const capture;
     auto const path = folder / "late.mp4";
     engine->SetChannels({From("gate", path)});
-    ASSERT_TRUE(WaitFor([&] { return GetStatus("gate").restarts > 0; }));
+    ASSERT_TRUE(test::Eventually([&] { return GetStatus("gate").restarts > 0; }));
     MakeMovie(path);
     ASSERT_TRUE(WaitForState("gate", ChannelState::Running));
     std::vector<std::string> lines;
@@ -140,7 +141,7 @@ protected:
         camera = std::make_unique<Engine>(
             RtspSettings{port, true, authentication::MakeHa1("admin", authentication::Realm, "secret")});
         camera->SetChannels({From("1", source)});
-        ASSERT_TRUE(WaitFor([&] { return camera->GetStatus().front().state == ChannelState::Running; }));
+        ASSERT_TRUE(test::Eventually([&] { return camera->GetStatus().front().state == ChannelState::Running; }));
     }
 
     /// The camera as a source.
@@ -158,7 +159,7 @@ TEST_F(EngineCamera, IsPassedOn) {
     StartCamera(Small);
     engine->SetChannels({FromCamera()});
     ASSERT_TRUE(WaitForState("1", ChannelState::Running)) << GetStatus("1").detail;
-    EXPECT_TRUE(WaitFor([&] { return engine->Describe("1") == VideoInfo({128, 96}, "video/x-h264", 10, 1); }));
+    EXPECT_TRUE(test::Eventually([&] { return engine->Describe("1") == VideoInfo({128, 96}, "video/x-h264", 10, 1); }));
     Viewer viewer(GetUrl("1"));
     EXPECT_TRUE(viewer.Next()) << viewer.GetFailure();
     EXPECT_EQ(WaitForSnapshot("1").error, SnapshotError::None);
@@ -167,7 +168,7 @@ TEST_F(EngineCamera, IsPassedOn) {
 TEST_F(EngineCamera, IsPassedOnInH265) {
     StartCamera("test:ball?codec=h265&width=128&height=96&rate=10");
     engine->SetChannels({FromCamera()});
-    EXPECT_TRUE(WaitFor([&] { return engine->Describe("1") == VideoInfo({128, 96}, "video/x-h265", 10, 1); }));
+    EXPECT_TRUE(test::Eventually([&] { return engine->Describe("1") == VideoInfo({128, 96}, "video/x-h265", 10, 1); }));
 }
 
 TEST_F(EngineCamera, NeedsTheRightPasswordWhichIsNeverLogged) {
@@ -214,8 +215,8 @@ TEST_F(EngineCamera, EndsTheStreamsOfThoseWhoCannotGoOnWhenItsVideoChanges) {
     Viewer viewer(GetUrl("1"));
     ASSERT_TRUE(viewer.Next());
     camera->SetChannels({From("1", "test:ball?width=192&height=112&rate=10")});
-    EXPECT_TRUE(WaitFor([&] { return !viewer.Next(50ms) && viewer.HasEnded(); }));
-    EXPECT_TRUE(WaitFor([&] { return engine->Describe("1").GetResolution() == std::pair(192U, 112U); }));
+    EXPECT_TRUE(test::Eventually([&] { return !viewer.Next(50ms) && viewer.HasEnded(); }));
+    EXPECT_TRUE(test::Eventually([&] { return engine->Describe("1").GetResolution() == std::pair(192U, 112U); }));
     Viewer next(GetUrl("1"));
     auto const picture = next.Next();
     ASSERT_TRUE(picture) << next.GetFailure();
@@ -223,4 +224,4 @@ TEST_F(EngineCamera, EndsTheStreamsOfThoseWhoCannotGoOnWhenItsVideoChanges) {
 }
 
 } // namespace
-} // namespace zarn::host::video::test
+} // namespace zarn::host::video

@@ -1,4 +1,5 @@
-#include "unit/host/thread_failure.h"
+#include "support/eventually.h"
+#include "support/thread_failure.h"
 #include "unit/host/video/video_test.h"
 
 #include <boost/asio/io_context.hpp>
@@ -11,7 +12,7 @@
 #include <stdexcept>
 #include <thread>
 
-namespace zarn::host::video::test {
+namespace zarn::host::video {
 namespace {
 
 using namespace std::chrono_literals;
@@ -41,7 +42,8 @@ TEST_F(EngineStop, EndsTheStreamsInTime) {
     }
     for (auto const& viewer : viewers) ASSERT_TRUE(viewer->Next());
     EXPECT_LT(MeasureStop(), StopLimit);
-    for (auto const& viewer : viewers) EXPECT_TRUE(WaitFor([&] { return !viewer->Next(50ms) && viewer->HasEnded(); }));
+    for (auto const& viewer : viewers)
+        EXPECT_TRUE(test::Eventually([&] { return !viewer->Next(50ms) && viewer->HasEnded(); }));
 }
 
 TEST_F(EngineStop, DoesNotWaitForSourcesThatAreBeingOpened) {
@@ -104,7 +106,7 @@ TEST_F(EngineHang, DoesNotKeepChannelsFromBeingChanged) {
 }
 
 TEST_F(EngineStop, SaysThatThereIsNoThreadToStartWith) {
-    tests::ThreadFailure const failure;
+    test::ThreadFailure const failure;
     try {
         Engine const next({0, false, ""});
         FAIL() << "the engine runs";
@@ -139,4 +141,4 @@ TEST_F(EngineStop, NamesThePortThatCannotBeBound) {
 }
 
 } // namespace
-} // namespace zarn::host::video::test
+} // namespace zarn::host::video

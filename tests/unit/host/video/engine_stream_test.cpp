@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-namespace zarn::host::video::test {
+namespace zarn::host::video {
 namespace {
 
 using namespace std::chrono_literals;
@@ -99,4 +99,4 @@ TEST_F(EngineStream, AnswersUnavailableWhileTheSourceFails) {
 }
 
 } // namespace
-} // namespace zarn::host::video::test
+} // namespace zarn::host::video

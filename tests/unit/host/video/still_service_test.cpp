@@ -8,7 +8,7 @@
 #include <future>
 #include <vector>
 
-namespace zarn::host::video::test {
+namespace zarn::host::video {
 namespace {
 
 using namespace std::chrono_literals;
@@ -102,4 +102,4 @@ TEST_F(StillServiceTest, AnswersAllThatWaitWhenItStops) {
 }
 
 } // namespace
-} // namespace zarn::host::video::test
+} // namespace zarn::host::video

@@ -9,7 +9,7 @@
 #include <memory>
 #include <string>
 
-namespace zarn::host::video::test {
+namespace zarn::host::video {
 
 /// A stream that a test publishes to by hand.
 class StreamTest : public testing::Test {
@@ -58,4 +58,4 @@ protected:
     std::chrono::nanoseconds time{0};
 };
 
-} // namespace zarn::host::video::test
+} // namespace zarn::host::video

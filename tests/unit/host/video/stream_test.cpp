@@ -5,7 +5,7 @@
 
 #include <gst/app/app.h>
 
-namespace zarn::host::video::test {
+namespace zarn::host::video {
 namespace {
 
 using meta::data::VideoInfo;
@@ -137,4 +137,4 @@ TEST_F(StreamDescribed, MeasuresARateThatTheFormatDoesNotTell) {
 }
 
 } // namespace
-} // namespace zarn::host::video::test
+} // namespace zarn::host::video

@@ -3,6 +3,7 @@
 #include "host/video/gstreamer.h"
 #include "host/video/pipeline.h"
 #include "host/video/pipeline_text.h"
+#include "support/eventually.h"
 
 #include <gst/app/app.h>
 #include <gst/video/video.h>
@@ -10,9 +11,8 @@
 #include <cstdlib>
 #include <future>
 #include <stdexcept>
-#include <thread>
 
-namespace zarn::host::video::test {
+namespace zarn::host::video {
 namespace {
 
 using namespace std::chrono_literals;
@@ -52,15 +52,6 @@ std::filesystem::path MakeFolder() {
 }
 
 } // namespace
-
-bool WaitFor(std::function<bool()> const& condition, std::chrono::milliseconds deadline) {
-    auto const end = Clock::now() + deadline;
-    while (!condition()) {
-        if (Clock::now() > end) return false;
-        std::this_thread::sleep_for(5ms);
-    }
-    return true;
-}
 
 class Viewer::Impl {
 public:
@@ -157,7 +148,7 @@ ChannelStatus VideoTest::GetStatus(std::string const& id) const {
 }
 
 bool VideoTest::WaitForState(std::string const& id, ChannelState state) {
-    return WaitFor([&] { return GetStatus(id).state == state; });
+    return test::Eventually([&] { return GetStatus(id).state == state; });
 }
 
 Snapshot VideoTest::TakeSnapshot(std::string const& id) {
@@ -171,11 +162,11 @@ Snapshot VideoTest::TakeSnapshot(std::string const& id) {
 
 Snapshot VideoTest::WaitForSnapshot(std::string const& id) {
     Snapshot snapshot;
-    WaitFor([&] {
+    test::Eventually([&] {
         snapshot = TakeSnapshot(id);
         return snapshot.error == SnapshotError::None;
     });
     return snapshot;
 }
 
-} // namespace zarn::host::video::test
+} // namespace zarn::host::video

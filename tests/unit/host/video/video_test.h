@@ -14,7 +14,7 @@
 #include <string_view>
 #include <vector>
 
-namespace zarn::host::video::test {
+namespace zarn::host::video {
 
 /// Long enough for a loaded machine under a sanitizer; nothing waits for it that goes well.
 inline constexpr std::chrono::seconds Deadline{30};
@@ -25,9 +25,6 @@ inline constexpr std::chrono::seconds StopLimit{5};
 #else
 inline constexpr std::chrono::seconds StopLimit{1};
 #endif
-
-/// Asks again and again until the condition holds; false when it does not before the deadline.
-bool WaitFor(std::function<bool()> const& condition, std::chrono::milliseconds deadline = Deadline);
 
 /// A decoded picture: one byte of brightness per pixel.
 struct Picture {
@@ -101,4 +98,4 @@ protected:
     std::unique_ptr<Engine> engine;
 };
 
-} // namespace zarn::host::video::test
+} // namespace zarn::host::video

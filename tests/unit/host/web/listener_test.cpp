@@ -1,5 +1,5 @@
-#include "host/raw_connection.h"
 #include "host/web/listener.h"
+#include "support/raw_connection.h"
 
 #include <gmock/gmock.h>
 
@@ -16,7 +16,7 @@ TEST(Listener, BindsAFreePortWhenAskedForNone) {
 TEST(Listener, LetsConnectionsQueueUpBeforeAnybodyServesThem) {
     boost::asio::io_context io;
     Listener const listener(io, 0);
-    EXPECT_NO_THROW(tests::host::RawConnection(listener.GetPort()));
+    EXPECT_NO_THROW(test::RawConnection(listener.GetPort()));
 }
 
 TEST(Listener, NamesThePortThatItCannotBind) {

@@ -12,7 +12,7 @@ namespace zarn::host::web {
 namespace {
 
 using namespace std::chrono_literals;
-using tests::host::RawConnection;
+using test::RawConnection;
 using Clock = std::chrono::steady_clock;
 
 class ServerBounds : public ServerTest {

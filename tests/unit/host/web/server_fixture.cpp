@@ -1,9 +1,9 @@
 #include "web/server_fixture.h"
 
 #include "host/web/reply.h"
+#include "support/eventually.h"
 
 #include <chrono>
-#include <thread>
 #include <utility>
 
 namespace zarn::host::web {
@@ -63,15 +63,6 @@ private:
     std::shared_ptr<container::Buffer> buffer;
 };
 
-bool Await(std::function<bool()> const& condition) {
-    auto const deadline = std::chrono::steady_clock::now() + 5s;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > deadline) return false;
-        std::this_thread::sleep_for(1ms);
-    }
-    return true;
-}
-
 } // namespace
 
 ServerTest::ServerTest() = default;
@@ -94,11 +85,11 @@ std::string ServerTest::Echo(std::string const& body, std::string const& fields)
 }
 
 bool ServerTest::AwaitExchanges(std::size_t count) const {
-    return Await([&] { return admission->GetExchanges() == count; });
+    return test::Eventually([&] { return admission->GetExchanges() == count; });
 }
 
 bool ServerTest::AwaitConnections(std::size_t count) const {
-    return Await([&] { return admission->GetConnections() == count; });
+    return test::Eventually([&] { return admission->GetConnections() == count; });
 }
 
 } // namespace zarn::host::web

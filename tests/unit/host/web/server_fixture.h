@@ -1,7 +1,7 @@
 #pragma once
 
-#include "host/raw_connection.h"
 #include "host/web/server.h"
+#include "support/raw_connection.h"
 
 #include <gtest/gtest.h>
 
@@ -22,7 +22,7 @@ protected:
 
     void Start(Limits const& limits = {}, std::shared_ptr<boost::asio::ssl::context> tls = {});
 
-    tests::host::RawConnection Connect() const { return tests::host::RawConnection(port); }
+    test::RawConnection Connect() const { return test::RawConnection(port); }
 
     /// A POST to /echo/a with these further fields and this body.
     static std::string Echo(std::string const& body = "hello", std::string const& fields = {});

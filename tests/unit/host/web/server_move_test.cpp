@@ -1,5 +1,5 @@
-#include "host/certificate.h"
 #include "host/web/tls.h"
+#include "support/certificate.h"
 #include "web/server_fixture.h"
 
 #include <boost/asio/read_until.hpp>
@@ -19,9 +19,9 @@ namespace zarn::host::web {
 namespace {
 
 using namespace std::chrono_literals;
-using tests::host::Certificate;
-using tests::host::RawConnection;
-using tests::host::TemporaryFolder;
+using test::Certificate;
+using test::RawConnection;
+using test::TemporaryFolder;
 namespace ssl = boost::asio::ssl;
 
 /// A client over TLS that takes any certificate.

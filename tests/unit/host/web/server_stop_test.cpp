@@ -1,4 +1,4 @@
-#include "unit/host/thread_failure.h"
+#include "support/thread_failure.h"
 #include "web/server_fixture.h"
 
 #include <gmock/gmock.h>
@@ -12,7 +12,7 @@ namespace zarn::host::web {
 namespace {
 
 using namespace std::chrono_literals;
-using tests::host::RawConnection;
+using test::RawConnection;
 using Clock = std::chrono::steady_clock;
 
 class ServerStop : public ServerTest {};
@@ -62,7 +62,7 @@ TEST_F(ServerStop, IsHarmlessWhenItIsDoneTwice) {
 class ServerStopWithoutThreads : public ServerStop, public testing::WithParamInterface<int> {};
 
 TEST_P(ServerStopWithoutThreads, LeavesNothingBehind) {
-    tests::ThreadFailure const failure(GetParam());
+    test::ThreadFailure const failure(GetParam());
     try {
         Start();
         FAIL() << "the server runs";

@@ -1,6 +1,6 @@
-#include "host/certificate.h"
-#include "host/process.h"
 #include "host/web/tls.h"
+#include "support/certificate.h"
+#include "support/process.h"
 #include "web/server_fixture.h"
 
 #include <boost/asio/connect.hpp>
@@ -18,10 +18,10 @@ namespace zarn::host::web {
 namespace {
 
 using boost::asio::ip::tcp;
+using test::Certificate;
+using test::TemporaryFolder;
 using testing::AllOf;
 using testing::HasSubstr;
-using tests::host::Certificate;
-using tests::host::TemporaryFolder;
 namespace ssl = boost::asio::ssl;
 
 std::string GetError(std::string const& certificate, std::string const& key) {
@@ -61,7 +61,7 @@ TEST(Tls, RefusesAKeyOfAnotherCertificate) {
 TEST(Tls, RefusesAKeyOfAnotherKindThanTheCertificates) {
     TemporaryFolder const folder;
     Certificate const files(folder);
-    tests::host::Process openssl({"openssl", "genrsa", "-out", folder / "other", "2048"});
+    test::Process openssl({"openssl", "genrsa", "-out", folder / "other", "2048"});
     ASSERT_EQ(openssl.Wait(std::chrono::seconds(20)), 0);
     EXPECT_THAT(GetError(files.certificate, folder / "other"),
                 AllOf(HasSubstr("/other"), HasSubstr("does not belong")));
@@ -70,7 +70,7 @@ TEST(Tls, RefusesAKeyOfAnotherKindThanTheCertificates) {
 TEST(Tls, RefusesAKeyThatIsProtectedByAPassword) {
     TemporaryFolder const folder;
     Certificate const files(folder);
-    tests::host::Process openssl(
+    test::Process openssl(
         {"openssl", "ec", "-aes128", "-passout", "pass:abcd", "-in", files.key, "-out", folder / "locked"});
     ASSERT_EQ(openssl.Wait(std::chrono::seconds(20)), 0);
     EXPECT_THAT(GetError(files.certificate, folder / "locked"), HasSubstr("/locked"));

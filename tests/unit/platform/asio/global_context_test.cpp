@@ -1,3 +1,5 @@
+#include "support/eventually.h"
+
 #include <zarn/asio/global_context.h>
 #include <zarn/logging/capture.h>
 
@@ -9,7 +11,6 @@
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
-#include <functional>
 #include <future>
 #include <optional>
 #include <stdexcept>
@@ -22,15 +23,6 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto Patience = 20s;
-
-bool Eventually(std::function<bool()> const& condition) {
-    auto const deadline = std::chrono::steady_clock::now() + Patience;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > deadline) return false;
-        std::this_thread::sleep_for(1ms);
-    }
-    return true;
-}
 
 /// Runs a function on the context's thread and waits for its end.
 template <class Function>
@@ -181,7 +173,7 @@ TEST(GlobalContext, EndsWhenTheLastHandleGoesOnItsThread) {
             timer->async_wait([held, timer](boost::system::error_code) { *held = true; });
         },
         [] {});
-    EXPECT_TRUE(Eventually([&] { return end->HasCome(); }));
+    EXPECT_TRUE(test::Eventually([&] { return end->HasCome(); }));
     EXPECT_EQ(held.use_count(), 1);
     EXPECT_FALSE(*held);
 }
@@ -196,7 +188,7 @@ TEST(GlobalContext, StartsAnewWithinTheHandlerThatEndedIt) {
                          made.set_value(anew);
                      });
     auto const anew = made.get_future().get();
-    EXPECT_TRUE(Eventually([&] { return end->HasCome(); }));
+    EXPECT_TRUE(test::Eventually([&] { return end->HasCome(); }));
     EXPECT_EQ(Ask(anew, [] { return 1; }), 1);
 }
 
@@ -239,7 +231,7 @@ TEST(GlobalContext, GoesOnItsThreadWhileOthersCome) {
         });
     }
     for (auto& thread : threads) thread.join();
-    EXPECT_TRUE(Eventually([&] { return ran == 4 * 1000; }));
+    EXPECT_TRUE(test::Eventually([&] { return ran == 4 * 1000; }));
 }
 
 class GlobalContextAtExit : public testing::Test {

@@ -7,7 +7,7 @@
 #include <latch>
 #include <thread>
 
-namespace zarn::configuration::test {
+namespace zarn::configuration {
 namespace {
 
 constexpr int Rounds = 300;
@@ -128,4 +128,4 @@ TEST_F(Concurrency, MakesOneEntryPerKeyWhenSeveralThreadsAdd) {
 }
 
 } // namespace
-} // namespace zarn::configuration::test
+} // namespace zarn::configuration

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <charconv>
 
-namespace zarn::configuration::test {
+namespace zarn::configuration {
 namespace {
 
 bool IsRate(std::string const& text) {
@@ -171,4 +171,4 @@ TEST_F(HostFile, KeepsPasswordsFromWhatIsShown) {
 }
 
 } // namespace
-} // namespace zarn::configuration::test
+} // namespace zarn::configuration

@@ -1,6 +1,6 @@
 #include "unit/platform/configuration/tree.h"
 
-namespace zarn::configuration::test {
+namespace zarn::configuration {
 namespace {
 
 std::string Json(Schema const& schema) { return boost::json::serialize(schema.ToJson()); }
@@ -53,4 +53,4 @@ TEST_F(SchemaOfTree, IsThatOfItsNodes) {
 }
 
 } // namespace
-} // namespace zarn::configuration::test
+} // namespace zarn::configuration

@@ -4,7 +4,7 @@ namespace zarn::configuration::text {
 namespace {
 
 std::string ParseError(std::string const& text) {
-    return test::ErrorOf([&] { Parse(text); });
+    return ErrorOf([&] { Parse(text); });
 }
 
 TEST(ConfigurationText, IsIndentedInTheOrderOfTheMembers) {

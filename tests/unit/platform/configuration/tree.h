@@ -16,7 +16,7 @@
 #include <string>
 #include <vector>
 
-namespace zarn::configuration::test {
+namespace zarn::configuration {
 
 using Bool = node::Primitive<bool>;
 using String = node::Primitive<std::string>;
@@ -78,4 +78,4 @@ protected:
     std::shared_ptr<node::Root> root = std::make_shared<node::Root>();
 };
 
-} // namespace zarn::configuration::test
+} // namespace zarn::configuration

@@ -1,4 +1,5 @@
 #include "pool_test.h"
+#include "support/eventually.h"
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -44,7 +45,7 @@ TEST(DynamicThreadPoolStop, WaitsForARunningJob) {
         pool.Stop();
         EXPECT_TRUE(finished);
     });
-    EXPECT_TRUE(Eventually([&] {
+    EXPECT_TRUE(test::Eventually([&] {
         try {
             pool.Post([] {});
             return false;
@@ -165,7 +166,7 @@ TEST(DynamicThreadPoolStop, LosesNoJobThatWasTakenWhileItStopped) {
         }
     }
     gate.Open();
-    bool const idle = Eventually([&] { return ran == taken && pool.GetIdleCount() > 0; });
+    bool const idle = test::Eventually([&] { return ran == taken && pool.GetIdleCount() > 0; });
     pool.Post([&] { ++ran; });
     pool.Stop();
     std::exit(refused && idle && ran == taken + 1 ? 0 : 1);

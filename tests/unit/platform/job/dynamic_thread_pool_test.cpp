@@ -1,4 +1,5 @@
 #include "pool_test.h"
+#include "support/eventually.h"
 
 #include <zarn/logging/capture.h>
 
@@ -28,7 +29,7 @@ TEST(DynamicThreadPool, RunsAJobOnAThreadOfItsOwn) {
 TEST(DynamicThreadPool, StartsItsMinimumAtOnce) {
     DynamicThreadPool const pool(3, 0s);
     EXPECT_EQ(pool.GetThreadCount(), 3U);
-    EXPECT_TRUE(Eventually([&] { return pool.GetIdleCount() == 3; }));
+    EXPECT_TRUE(test::Eventually([&] { return pool.GetIdleCount() == 3; }));
 }
 
 TEST(DynamicThreadPool, MayHaveNoMinimum) {
@@ -37,13 +38,13 @@ TEST(DynamicThreadPool, MayHaveNoMinimum) {
     std::promise<void> ran;
     pool.Post([&] { ran.set_value(); });
     ran.get_future().get();
-    EXPECT_TRUE(Eventually([&] { return pool.GetThreadCount() == 0; }));
+    EXPECT_TRUE(test::Eventually([&] { return pool.GetThreadCount() == 0; }));
 }
 
 TEST(DynamicThreadPool, GivesAJobToAnIdleThread) {
     DynamicThreadPool pool(1, 10s);
     for (int count = 0; count < 10; ++count) {
-        ASSERT_TRUE(Eventually([&] { return pool.GetIdleCount() == 1; }));
+        ASSERT_TRUE(test::Eventually([&] { return pool.GetIdleCount() == 1; }));
         pool.Post([] {});
         EXPECT_EQ(pool.GetThreadCount(), 1U);
     }
@@ -64,32 +65,32 @@ TEST(DynamicThreadPool, LetsThreadsAboveTheMinimumGo) {
     for (int count = 0; count < 8; ++count) pool.Post([&] { gate.Wait(); });
     ASSERT_TRUE(gate.WaitForWaiting(8));
     gate.Open();
-    EXPECT_TRUE(Eventually([&] { return pool.GetThreadCount() == 2 && pool.GetIdleCount() == 2; }));
+    EXPECT_TRUE(test::Eventually([&] { return pool.GetThreadCount() == 2 && pool.GetIdleCount() == 2; }));
 }
 
 TEST(DynamicThreadPool, KeepsAnIdleThreadForTheGivenTime) {
     DynamicThreadPool pool(0, 1s);
     auto const start = std::chrono::steady_clock::now();
     pool.Post([] {});
-    EXPECT_TRUE(Eventually([&] { return pool.GetThreadCount() == 0; }));
+    EXPECT_TRUE(test::Eventually([&] { return pool.GetThreadCount() == 0; }));
     EXPECT_GE(std::chrono::steady_clock::now() - start, 1s);
 }
 
 TEST(DynamicThreadPool, TakesTheLongestIdleTime) {
     DynamicThreadPool pool(0, std::chrono::seconds::max());
     pool.Post([] {});
-    EXPECT_TRUE(Eventually([&] { return pool.GetIdleCount() == 1; }));
+    EXPECT_TRUE(test::Eventually([&] { return pool.GetIdleCount() == 1; }));
 }
 
 TEST(DynamicThreadPool, TakesANegativeIdleTimeForNone) {
     DynamicThreadPool pool(0, -5s);
     pool.Post([] {});
-    EXPECT_TRUE(Eventually([&] { return pool.GetThreadCount() == 0; }));
+    EXPECT_TRUE(test::Eventually([&] { return pool.GetThreadCount() == 0; }));
 }
 
 TEST(DynamicThreadPool, PrefersTheThreadThatBecameIdleLast) {
     DynamicThreadPool pool(2, 10s);
-    ASSERT_TRUE(Eventually([&] { return pool.GetIdleCount() == 2; }));
+    ASSERT_TRUE(test::Eventually([&] { return pool.GetIdleCount() == 2; }));
     Gate first;
     Gate second;
     std::thread::id last;
@@ -100,9 +101,9 @@ TEST(DynamicThreadPool, PrefersTheThreadThatBecameIdleLast) {
     });
     ASSERT_TRUE(first.WaitForWaiting(1) && second.WaitForWaiting(1));
     first.Open();
-    ASSERT_TRUE(Eventually([&] { return pool.GetIdleCount() == 1; }));
+    ASSERT_TRUE(test::Eventually([&] { return pool.GetIdleCount() == 1; }));
     second.Open();
-    ASSERT_TRUE(Eventually([&] { return pool.GetIdleCount() == 2; }));
+    ASSERT_TRUE(test::Eventually([&] { return pool.GetIdleCount() == 2; }));
     std::promise<std::thread::id> ran;
     pool.Post([&] { ran.set_value(std::this_thread::get_id()); });
     EXPECT_EQ(ran.get_future().get(), last);
@@ -110,7 +111,7 @@ TEST(DynamicThreadPool, PrefersTheThreadThatBecameIdleLast) {
 
 TEST(DynamicThreadPool, DestroysAJobOnItsThreadBeforeThatIsIdle) {
     DynamicThreadPool pool(1, 10s);
-    ASSERT_TRUE(Eventually([&] { return pool.GetIdleCount() == 1; }));
+    ASSERT_TRUE(test::Eventually([&] { return pool.GetIdleCount() == 1; }));
     std::thread::id ran;
     std::thread::id destroyed;
     std::size_t idle = 1;
@@ -121,7 +122,7 @@ TEST(DynamicThreadPool, DestroysAJobOnItsThreadBeforeThatIsIdle) {
         });
         pool.Post([&, owned = std::move(owned)] { ran = std::this_thread::get_id(); });
     }
-    ASSERT_TRUE(Eventually([&] { return pool.GetIdleCount() == 1; }));
+    ASSERT_TRUE(test::Eventually([&] { return pool.GetIdleCount() == 1; }));
     EXPECT_EQ(destroyed, ran);
     EXPECT_EQ(idle, 0U);
 }
@@ -189,7 +190,7 @@ TEST(DynamicThreadPool, KeepsAThousandWaitingJobsCheap) {
     ASSERT_TRUE(gate.WaitForWaiting(1000));
     auto const each = (GetResidentBytes() - before) / 1000;
     gate.Open();
-    EXPECT_TRUE(Eventually([&] { return pool.GetThreadCount() == 1; }));
+    EXPECT_TRUE(test::Eventually([&] { return pool.GetThreadCount() == 1; }));
 #ifndef ZARN_SANITIZED
     EXPECT_LT(each, 32U * 1024); // sanitizers keep books about every thread
 #else
@@ -199,9 +200,9 @@ TEST(DynamicThreadPool, KeepsAThousandWaitingJobsCheap) {
 
 TEST(DynamicThreadPool, WakesNobodyUpWhileThereIsNothingToDo) {
     DynamicThreadPool pool(4, 10s);
-    ASSERT_TRUE(Eventually([&] { return pool.GetIdleCount() == 4; }));
+    ASSERT_TRUE(test::Eventually([&] { return pool.GetIdleCount() == 4; }));
     // Again, since a thread that has just become idle may still be on its way to sleep.
-    EXPECT_TRUE(Eventually([] {
+    EXPECT_TRUE(test::Eventually([] {
         auto const before = GetContextSwitchesOfPoolThreads();
         std::this_thread::sleep_for(200ms);
         return GetContextSwitchesOfPoolThreads() == before;

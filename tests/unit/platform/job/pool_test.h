@@ -20,16 +20,6 @@ namespace zarn::job {
 
 inline constexpr std::chrono::seconds Patience(20);
 
-/// True as soon as the condition holds; false when it does not within the patience.
-inline bool Eventually(std::function<bool()> const& condition) {
-    auto const deadline = std::chrono::steady_clock::now() + Patience;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > deadline) return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
-    return true;
-}
-
 /// Holds jobs up until it is opened. The destructor opens it, so that a failed test does not hang.
 class Gate {
 public:

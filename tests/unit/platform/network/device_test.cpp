@@ -1,4 +1,4 @@
-#include "network_namespace.h"
+#include "support/network_namespace.h"
 
 #include <zarn/network/address.h>
 #include <zarn/network/device.h>
@@ -22,7 +22,7 @@ TEST(GetDevices, HasOneForEachInterfaceInItsOrder) {
 
 TEST(GetDevices, HasNoAddressForADeviceWithoutOne) {
     std::vector<std::shared_ptr<Device>> devices;
-    if (!RunInNetworkNamespace([&] { devices = GetDevices(); }))
+    if (!test::RunInNetworkNamespace([&] { devices = GetDevices(); }))
         GTEST_SKIP() << "no network namespace may be made here";
     ASSERT_EQ(devices.size(), 1U);
     EXPECT_EQ(devices[0]->GetName(), "lo");

@@ -1,4 +1,4 @@
-#include "network_namespace.h"
+#include "support/network_namespace.h"
 
 #include <zarn/network/address.h>
 #include <zarn/network/interface.h>
@@ -33,12 +33,12 @@ TEST(ChooseLocalAddress, IsLoopbackAsTheLastResort) {
 
 TEST(ReadInterfaces, ReadsNameHardwareAddressAndFirstAddress) {
     std::vector<Interface> interfaces;
-    if (!RunInNetworkNamespace([&] {
-            ASSERT_TRUE(Ip("link set lo up"));
-            ASSERT_TRUE(Ip("link add zarn1 address 02:00:5e:10:00:0a type veth peer name zarn2"));
-            ASSERT_TRUE(Ip("address add 10.1.2.3/24 dev zarn1"));
-            ASSERT_TRUE(Ip("address add 10.1.2.4/24 dev zarn1 label zarn1:b"));
-            ASSERT_TRUE(Ip("link set zarn1 up"));
+    if (!test::RunInNetworkNamespace([&] {
+            ASSERT_TRUE(test::Ip("link set lo up"));
+            ASSERT_TRUE(test::Ip("link add zarn1 address 02:00:5e:10:00:0a type veth peer name zarn2"));
+            ASSERT_TRUE(test::Ip("address add 10.1.2.3/24 dev zarn1"));
+            ASSERT_TRUE(test::Ip("address add 10.1.2.4/24 dev zarn1 label zarn1:b"));
+            ASSERT_TRUE(test::Ip("link set zarn1 up"));
             interfaces = ReadInterfaces();
         })) {
         GTEST_SKIP() << "no network namespace may be made here";
@@ -59,9 +59,9 @@ TEST(ReadInterfaces, ReadsNameHardwareAddressAndFirstAddress) {
 
 TEST(ReadInterfaces, FindsTheAddressBehindALabel) {
     std::vector<Interface> interfaces;
-    if (!RunInNetworkNamespace([&] {
-            ASSERT_TRUE(Ip("link add zarn1 type veth peer name zarn2"));
-            ASSERT_TRUE(Ip("address add 10.1.2.3/24 dev zarn1 label zarn1:b"));
+    if (!test::RunInNetworkNamespace([&] {
+            ASSERT_TRUE(test::Ip("link add zarn1 type veth peer name zarn2"));
+            ASSERT_TRUE(test::Ip("address add 10.1.2.3/24 dev zarn1 label zarn1:b"));
             interfaces = ReadInterfaces();
         })) {
         GTEST_SKIP() << "no network namespace may be made here";
@@ -78,7 +78,7 @@ TEST(ReadInterfaces, KeepsTheOrderOfTheIndex) {
 
 TEST(ReadInterfaces, KnowsInterfacesWithoutAddress) {
     std::vector<Interface> interfaces;
-    if (!RunInNetworkNamespace([&] { interfaces = ReadInterfaces(); })) {
+    if (!test::RunInNetworkNamespace([&] { interfaces = ReadInterfaces(); })) {
         GTEST_SKIP() << "no network namespace may be made here";
     }
     ASSERT_EQ(interfaces.size(), 1U);

@@ -1,4 +1,4 @@
-#include "network_namespace.h"
+#include "support/network_namespace.h"
 
 #include <zarn/network/local.h>
 
@@ -20,14 +20,14 @@ std::string LocalAddress() { return GetLocalIPAddress().to_string(); }
 /// The local address in a network of two devices, 10.1.2.3 and 10.9.8.7, after more commands.
 std::string LocalAddressBeside(std::vector<std::string> const& commands) {
     std::string address;
-    bool const entered = RunInNetworkNamespace([&] {
-        ASSERT_TRUE(Ip("link set lo up"));
+    bool const entered = test::RunInNetworkNamespace([&] {
+        ASSERT_TRUE(test::Ip("link set lo up"));
         for (auto const* const command :
              {"link add zarn1 type veth peer name zarn2", "address add 10.1.2.3/24 dev zarn1",
               "address add 10.9.8.7/24 dev zarn2", "link set zarn1 up", "link set zarn2 up"}) {
-            ASSERT_TRUE(Ip(command));
+            ASSERT_TRUE(test::Ip(command));
         }
-        for (auto const& command : commands) ASSERT_TRUE(Ip(command));
+        for (auto const& command : commands) ASSERT_TRUE(test::Ip(command));
         address = LocalAddress();
     });
     return entered ? address : "no namespace";
@@ -36,7 +36,7 @@ std::string LocalAddressBeside(std::vector<std::string> const& commands) {
 class LocalAddressTest : public testing::Test {
 protected:
     void SetUp() override {
-        if (!RunInNetworkNamespace([] {})) GTEST_SKIP() << "no network namespace may be made here";
+        if (!test::RunInNetworkNamespace([] {})) GTEST_SKIP() << "no network namespace may be made here";
     }
 };
 
@@ -56,20 +56,20 @@ TEST_F(LocalAddressTest, IsNotTheLoopbackThatADefaultRouteLeadsTo) {
 
 TEST_F(LocalAddressTest, IsLoopbackWithoutANetwork) {
     std::string address;
-    RunInNetworkNamespace([&] { address = LocalAddress(); });
+    test::RunInNetworkNamespace([&] { address = LocalAddress(); });
     EXPECT_EQ(address, "127.0.0.1");
 }
 
 TEST_F(LocalAddressTest, FollowsAChangeAtOnce) {
     std::string before;
     std::string after;
-    RunInNetworkNamespace([&] {
-        ASSERT_TRUE(Ip("link add zarn1 type veth peer name zarn2"));
-        ASSERT_TRUE(Ip("address add 10.1.2.3/24 dev zarn1"));
-        ASSERT_TRUE(Ip("link set zarn1 up"));
+    test::RunInNetworkNamespace([&] {
+        ASSERT_TRUE(test::Ip("link add zarn1 type veth peer name zarn2"));
+        ASSERT_TRUE(test::Ip("address add 10.1.2.3/24 dev zarn1"));
+        ASSERT_TRUE(test::Ip("link set zarn1 up"));
         before = LocalAddress();
-        ASSERT_TRUE(Ip("address flush dev zarn1"));
-        ASSERT_TRUE(Ip("address add 10.4.5.6/24 dev zarn1"));
+        ASSERT_TRUE(test::Ip("address flush dev zarn1"));
+        ASSERT_TRUE(test::Ip("address add 10.4.5.6/24 dev zarn1"));
         after = LocalAddress();
     });
     EXPECT_EQ(before, "10.1.2.3");

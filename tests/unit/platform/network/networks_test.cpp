@@ -1,4 +1,4 @@
-#include "network_namespace.h"
+#include "support/network_namespace.h"
 
 #include <zarn/network/interface.h>
 
@@ -15,8 +15,8 @@ namespace {
 /// The networks of an interface as text; the namespace is made with these commands of `ip`.
 std::vector<std::string> ReadNetworks(std::string const& name, std::vector<std::string> const& commands, bool& ran) {
     std::vector<std::string> texts;
-    ran = RunInNetworkNamespace([&] {
-        for (auto const& command : commands) ASSERT_TRUE(Ip(command)) << command;
+    ran = test::RunInNetworkNamespace([&] {
+        for (auto const& command : commands) ASSERT_TRUE(test::Ip(command)) << command;
         auto const interfaces = ReadInterfaces();
         auto const found = std::ranges::find(interfaces, name, &Interface::name);
         ASSERT_NE(found, interfaces.end());
@@ -49,8 +49,8 @@ TEST(ReadInterfaces, ReadsThePeerOfAPointToPointLink) {
 
 TEST(ReadInterfaces, TellsWhichInterfacesCanMulticast) {
     std::vector<Interface> interfaces;
-    if (!RunInNetworkNamespace([&] {
-            ASSERT_TRUE(Ip("link add zarn1 type veth peer name zarn2"));
+    if (!test::RunInNetworkNamespace([&] {
+            ASSERT_TRUE(test::Ip("link add zarn1 type veth peer name zarn2"));
             interfaces = ReadInterfaces();
         })) {
         GTEST_SKIP() << "no network namespace may be made here";

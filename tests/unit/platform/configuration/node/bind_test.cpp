@@ -10,7 +10,7 @@
 #include <stdexcept>
 #include <thread>
 
-namespace zarn::configuration::test {
+namespace zarn::configuration {
 namespace {
 
 using node::binding::Option;
@@ -269,4 +269,4 @@ TEST_F(BindTest, DoesNotDeadlockWhenCallbacksOfTwoThreadsChangeEachOthersNodes) 
 }
 
 } // namespace
-} // namespace zarn::configuration::test
+} // namespace zarn::configuration

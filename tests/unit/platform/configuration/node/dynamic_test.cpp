@@ -4,7 +4,7 @@
 #include <zarn/configuration/event/changed.h>
 #include <zarn/configuration/event/removed.h>
 
-namespace zarn::configuration::test {
+namespace zarn::configuration {
 namespace {
 
 using testing::ElementsAre;
@@ -158,4 +158,4 @@ TEST_F(DynamicTest, FindsEachOfManyEntries) {
 }
 
 } // namespace
-} // namespace zarn::configuration::test
+} // namespace zarn::configuration

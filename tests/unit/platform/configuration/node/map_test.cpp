@@ -1,6 +1,6 @@
 #include "unit/platform/configuration/tree.h"
 
-namespace zarn::configuration::test {
+namespace zarn::configuration {
 namespace {
 
 using testing::ElementsAre;
@@ -132,4 +132,4 @@ TEST_F(MapTest, MayBeLockedSeveralTimesByOneThread) {
 }
 
 } // namespace
-} // namespace zarn::configuration::test
+} // namespace zarn::configuration

@@ -1,6 +1,6 @@
 #include "unit/platform/configuration/tree.h"
 
-namespace zarn::configuration::test {
+namespace zarn::configuration {
 namespace {
 
 class OverrideTest : public Tree {
@@ -66,4 +66,4 @@ TEST_F(OverrideTest, DoesNotPutAnOptionalMemberIntoTheFile) {
 }
 
 } // namespace
-} // namespace zarn::configuration::test
+} // namespace zarn::configuration

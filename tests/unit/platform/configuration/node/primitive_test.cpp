@@ -4,7 +4,7 @@
 
 #include <limits>
 
-namespace zarn::configuration::test {
+namespace zarn::configuration {
 namespace {
 
 class PrimitiveTest : public Tree {
@@ -196,4 +196,4 @@ TEST_F(PrimitiveTest, DoesNotQuoteAWriteOnlyValue) {
 }
 
 } // namespace
-} // namespace zarn::configuration::test
+} // namespace zarn::configuration

@@ -1,6 +1,6 @@
 #include "unit/platform/configuration/tree.h"
 
-namespace zarn::configuration::test {
+namespace zarn::configuration {
 namespace {
 
 using testing::ElementsAre;
@@ -102,4 +102,4 @@ TEST_F(ReadingTest, ReadsAgainWhatItHasWritten) {
 }
 
 } // namespace
-} // namespace zarn::configuration::test
+} // namespace zarn::configuration

@@ -2,7 +2,7 @@
 
 #include <zarn/configuration/node/undescribed.h>
 
-namespace zarn::configuration::test {
+namespace zarn::configuration {
 namespace {
 
 using testing::ElementsAre;
@@ -69,4 +69,4 @@ TEST_F(UndescribedTest, IsReplacedAndDroppedByWhatIsReadNext) {
 }
 
 } // namespace
-} // namespace zarn::configuration::test
+} // namespace zarn::configuration

@@ -1,6 +1,6 @@
 #include "unit/platform/configuration/tree.h"
 
-namespace zarn::configuration::test {
+namespace zarn::configuration {
 namespace {
 
 class WritingTest : public Tree {
@@ -82,4 +82,4 @@ TEST_F(WritingTest, LeavesOutAnOptionalCollectionWithoutEntries) {
 }
 
 } // namespace
-} // namespace zarn::configuration::test
+} // namespace zarn::configuration

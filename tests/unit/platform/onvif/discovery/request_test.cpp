@@ -1,4 +1,4 @@
-#include "probe.h"
+#include "support/probe.h"
 
 #include <zarn/onvif/discovery/request.h>
 

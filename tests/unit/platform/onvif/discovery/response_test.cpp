@@ -1,4 +1,4 @@
-#include "probe.h"
+#include "support/probe.h"
 
 #include <zarn/network/local.h>
 #include <zarn/onvif/discovery/endpoint.h>

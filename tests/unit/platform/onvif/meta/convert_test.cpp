@@ -1,5 +1,5 @@
+#include "support/failing_nothrow_new.h"
 #include "unit/interface/exchange.h"
-#include "unit/service/failing_new.h"
 
 #include <zarn/meta/data/sample_meta.h>
 #include <zarn/onvif/meta/convert.h>
@@ -158,12 +158,12 @@ TEST_F(ConvertMeta, WritesTheWholeSample) {
 TEST_F(ConvertMeta, LeavesOutWhatThereIsNoMemoryFor) {
     auto const sample = zarn::meta::data::GetSampleMeta();
     {
-        test::FailingNew const failing(0);
+        test::FailingNothrowNew const failing(0);
         EXPECT_THAT(Convert(context.get(), sample), IsNull());
     }
     bool failed = true;
     for (int n = 1; failed; ++n) {
-        test::FailingNew failing(n, 1);
+        test::FailingNothrowNew failing(n, 1);
         auto const* frame = Convert(context.get(), sample);
         failed = failing.HasFailed();
         ASSERT_NE(frame, nullptr);
@@ -179,7 +179,7 @@ TEST_F(ConvertMeta, TellsNoColourWithoutItsColourSpace) {
     Meta const frame(Epoch, {object});
     bool failed = true;
     for (int n = 1; failed; ++n) {
-        test::FailingNew const failing(n, 1);
+        test::FailingNothrowNew const failing(n, 1);
         auto const* made = Convert(context.get(), frame);
         failed = failing.HasFailed();
         if (made->Object.empty() || !made->Object[0]->Appearance || !made->Object[0]->Appearance->Color) continue;

@@ -1,6 +1,6 @@
 #include "failing_new.h"
 #include "protocol/network/udp/membership.h"
-#include "unit/platform/network/network_namespace.h"
+#include "support/network_namespace.h"
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/udp.hpp>
@@ -26,8 +26,8 @@ bool FollowsWithoutMemory(Membership& membership, int socket, std::span<zarn::ne
 }
 
 TEST(Membership, JoinsWhereMemoryRanOutBefore) {
-    bool const entered = zarn::network::RunInNetworkNamespace([] {
-        ASSERT_TRUE(zarn::network::Ip("link set lo up multicast on"));
+    bool const entered = test::RunInNetworkNamespace([] {
+        ASSERT_TRUE(test::Ip("link set lo up multicast on"));
         auto const interfaces = zarn::network::ReadInterfaces();
         bool failed = true;
         int n = 0;

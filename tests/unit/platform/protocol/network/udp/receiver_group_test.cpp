@@ -1,6 +1,6 @@
-#include "hosts.h"
 #include "inbox.h"
-#include "peer.h"
+#include "support/machine.h"
+#include "support/peer.h"
 #include "unreadable_interfaces.h"
 
 #include <zarn/asio/io_context.h>
@@ -23,7 +23,7 @@ namespace zarn::protocol::network::udp {
 namespace {
 
 using namespace std::chrono_literals;
-using test::Host;
+using test::Machine;
 using test::Peer;
 
 constexpr char Group[] = "239.255.255.250";
@@ -85,7 +85,7 @@ protected:
     void Start() { ASSERT_EQ(TryToStart(), ""); }
 
     /// Sends to the group from `address` until the receiver hears it.
-    bool IsHeard(Host const& sender, std::string const& address, std::string const& text,
+    bool IsHeard(Machine const& sender, std::string const& address, std::string const& text,
                  std::string const& target = Group, std::chrono::seconds limit = 5s) {
         bool heard = false;
         sender.Run([&] {
@@ -99,7 +99,7 @@ protected:
     }
 
     /// True once nothing is heard any more, although no more is sent than the receiver takes of one source.
-    bool FallsSilent(Host const& sender, std::string const& address) {
+    bool FallsSilent(Machine const& sender, std::string const& address) {
         bool silent = false;
         sender.Run([&] {
             auto const deadline = std::chrono::steady_clock::now() + 5s;
@@ -123,8 +123,8 @@ protected:
         return set;
     }
 
-    Host host;
-    Host neighbour;
+    Machine host;
+    Machine neighbour;
     test::Inbox inbox;
     std::optional<asio::IoContext> context;
     std::unique_ptr<Receiver> receiver;

@@ -1,6 +1,6 @@
-#include "failing_socket.h"
 #include "inbox.h"
-#include "peer.h"
+#include "support/failing_socket.h"
+#include "support/peer.h"
 #include "unwatchable.h"
 
 #include <zarn/asio/io_context.h>

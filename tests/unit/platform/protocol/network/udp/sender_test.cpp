@@ -1,6 +1,6 @@
-#include "hosts.h"
-#include "no_descriptors.h"
-#include "peer.h"
+#include "support/machine.h"
+#include "support/no_descriptors.h"
+#include "support/peer.h"
 
 #include <zarn/asio/io_context.h>
 #include <zarn/container/buffer.h>
@@ -69,7 +69,7 @@ TEST(Sender, TellsOfADatagramThatIsTooLong) {
 }
 
 TEST(Sender, TellsThatThereIsNoRoute) {
-    test::Host const host;
+    test::Machine const host;
     if (!host.Exists()) GTEST_SKIP() << "no network namespace may be made here";
     host.Run([] {
         asio::IoContext context(1);

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 
 /// A folder of its own for one test, removed with all that is in it.
 class TemporaryFolder {
@@ -30,4 +30,4 @@ private:
     std::filesystem::path path;
 };
 
-} // namespace zarn::tests::host
+} // namespace zarn::test

@@ -1,12 +1,12 @@
-#include "host/certificate.h"
+#include "support/certificate.h"
 
-#include "host/process.h"
+#include "support/process.h"
 
 #include <chrono>
 #include <stdexcept>
 #include <vector>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 namespace {
 
 void Run(std::vector<std::string> const& command) {
@@ -27,4 +27,4 @@ void Certificate::Expire() const {
     Run({"openssl", "x509", "-in", certificate, "-signkey", key, "-days", "-1", "-out", certificate});
 }
 
-} // namespace zarn::tests::host
+} // namespace zarn::test

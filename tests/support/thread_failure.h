@@ -1,6 +1,6 @@
 #pragma once
 
-namespace zarn::tests {
+namespace zarn::test {
 
 /// While it lives, this thread cannot start another one, after a number of times that go well: the system answers as it
 /// does when there are too many threads.
@@ -14,4 +14,4 @@ public:
     ThreadFailure& operator=(ThreadFailure const&) = delete;
 };
 
-} // namespace zarn::tests
+} // namespace zarn::test

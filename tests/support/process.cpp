@@ -1,4 +1,6 @@
-#include "host/process.h"
+#include "support/process.h"
+
+#include "support/eventually.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -15,10 +17,8 @@
 #include <stdexcept>
 #include <utility>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 namespace {
-
-using Clock = std::chrono::steady_clock;
 
 std::array<int, 2> MakePipe() {
     std::array<int, 2> ends{};
@@ -130,24 +130,23 @@ void Process::Collect(Stream& stream) {
 
 void Process::AwaitEndOfStreams() const {
     // A child of the program may hold its ends of the pipes for longer; nobody wants to wait for that.
-    auto const deadline = Clock::now() + std::chrono::seconds(5);
     auto const ended = [this] {
         std::lock_guard const lock(mutex);
         return output.ended && log.ended;
     };
-    while (!ended() && Clock::now() < deadline) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    Eventually(ended, std::chrono::seconds(5));
 }
 
 bool Process::WaitFor(Stream const& stream, std::string_view text, std::chrono::milliseconds limit) const {
-    auto const deadline = Clock::now() + limit;
-    for (;;) {
-        {
+    bool found = false;
+    Eventually(
+        [&] {
             std::lock_guard const lock(mutex);
-            if (stream.text.find(text) != std::string::npos) return true;
-            if (stream.ended || Clock::now() >= deadline) return false;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    }
+            found = stream.text.find(text) != std::string::npos;
+            return found || stream.ended;
+        },
+        limit);
+    return found;
 }
 
-} // namespace zarn::tests::host
+} // namespace zarn::test

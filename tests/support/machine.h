@@ -1,6 +1,6 @@
 #pragma once
 
-#include "unit/platform/network/network_namespace.h"
+#include "support/network_namespace.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -17,22 +17,22 @@
 namespace zarn::test {
 
 /// A machine of its own as far as the network goes, with a loopback interface that is down.
-class Host {
+class Machine {
 public:
-    Host() {
-        bool const entered = network::RunInNetworkNamespace([this] {
+    Machine() {
+        bool const entered = RunInNetworkNamespace([this] {
             descriptor = open("/proc/thread-self/ns/net", O_RDONLY | O_CLOEXEC);
             if (!Exists()) reason = std::error_code(errno, std::generic_category());
         });
         if (!entered) reason = std::error_code(errno, std::generic_category());
     }
 
-    ~Host() {
+    ~Machine() {
         if (descriptor >= 0) close(descriptor);
     }
 
-    Host(Host const&) = delete;
-    Host& operator=(Host const&) = delete;
+    Machine(Machine const&) = delete;
+    Machine& operator=(Machine const&) = delete;
 
     /// False when the kernel does not allow it.
     bool Exists() const { return descriptor >= 0; }
@@ -55,7 +55,7 @@ public:
     /// Runs `ip` there; false when it fails.
     bool Ip(std::string const& arguments) const {
         bool succeeded = false;
-        Run([&] { succeeded = network::Ip(arguments); });
+        Run([&] { succeeded = Ip(arguments); });
         return succeeded;
     }
 

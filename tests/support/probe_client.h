@@ -1,6 +1,6 @@
 #pragma once
 
-#include "unit/platform/network/network_namespace.h"
+#include "support/network_namespace.h"
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/multicast.hpp>
@@ -24,8 +24,8 @@ namespace zarn::test {
 /// Runs `work` where the port of WS-Discovery is nobody else's: on a network of its own, which is the loopback device
 /// with multicast. Skips the test where the kernel does not allow that.
 inline void OnOwnNetwork(std::function<void()> const& work) {
-    bool const entered = network::RunInNetworkNamespace([&] {
-        ASSERT_TRUE(network::Ip("link set lo up multicast on"));
+    bool const entered = RunInNetworkNamespace([&] {
+        ASSERT_TRUE(Ip("link set lo up multicast on"));
         work();
     });
     if (!entered) {

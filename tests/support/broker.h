@@ -1,14 +1,14 @@
 #pragma once
 
-#include "host/process.h"
-#include "host/temporary_folder.h"
+#include "support/process.h"
+#include "support/temporary_folder.h"
 
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 
 /// A mosquitto broker on a free port of an address of this machine, which keeps its sessions in a folder of the test.
 class Broker {
@@ -45,4 +45,4 @@ private:
     std::unique_ptr<Process> process;
 };
 
-} // namespace zarn::tests::host
+} // namespace zarn::test

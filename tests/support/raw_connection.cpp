@@ -1,4 +1,4 @@
-#include "host/raw_connection.h"
+#include "support/raw_connection.h"
 
 #include <boost/algorithm/string/case_conv.hpp>
 #include <boost/algorithm/string/trim.hpp>
@@ -11,7 +11,7 @@
 #include <sstream>
 #include <stdexcept>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 
 using boost::asio::ip::tcp;
 
@@ -123,4 +123,4 @@ std::string MakeSoapRequest(std::string_view operation, std::string_view fields)
     return request + body;
 }
 
-} // namespace zarn::tests::host
+} // namespace zarn::test

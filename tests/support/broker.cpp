@@ -1,4 +1,6 @@
-#include "host/broker.h"
+#include "support/broker.h"
+
+#include "support/eventually.h"
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
@@ -8,10 +10,9 @@
 #include <csignal>
 #include <filesystem>
 #include <stdexcept>
-#include <thread>
 #include <utility>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 namespace {
 
 using namespace std::chrono_literals;
@@ -62,12 +63,9 @@ void Broker::Start() {
                                             "persistence true\npersistence_location " + folder->GetPath().string() +
                                             "/\nmax_queued_messages 0\n" + configuration);
     process = std::make_unique<Process>(std::vector<std::string>{FindProgram(), "-c", file});
-    auto const deadline = std::chrono::steady_clock::now() + 20s;
-    while (!IsListening(address, port)) {
-        if (std::chrono::steady_clock::now() > deadline || process->Wait(0ms))
-            throw std::runtime_error("the broker does not start: " + process->GetLog());
-        std::this_thread::sleep_for(5ms);
-    }
+    bool const decided = Eventually([&] { return IsListening(address, port) || process->Wait(0ms); });
+    if (!decided || !IsListening(address, port))
+        throw std::runtime_error("the broker does not start: " + process->GetLog());
 }
 
 void Broker::Publish(std::string const& topic, std::string const& payload, std::vector<std::string> arguments) const {
@@ -105,4 +103,4 @@ void Broker::PublishNumbered(std::string const& topic, int count) const {
     if (result != MOSQ_ERR_SUCCESS) throw std::runtime_error(mosquitto_strerror(result));
 }
 
-} // namespace zarn::tests::host
+} // namespace zarn::test

@@ -10,7 +10,7 @@
 #include <string>
 #include <thread>
 
-namespace zarn::network {
+namespace zarn::test {
 
 /// Runs `work` on a thread that is alone in fresh namespaces, as are the threads that it starts.
 /// kinds  those of unshare(2), such as CLONE_NEWNET
@@ -36,9 +36,15 @@ inline bool RunInNamespaces(int kinds, std::function<void()> const& work) {
 /// Runs `work` where only a loopback interface exists that is down. Otherwise as RunInNamespaces.
 inline bool RunInNetworkNamespace(std::function<void()> const& work) { return RunInNamespaces(CLONE_NEWNET, work); }
 
+/// Runs `work` on a machine of its own, as far as host name and network go: as RunInNetworkNamespace, and the name of
+/// the host may be set.
+inline bool RunOnPrivateMachine(std::function<void()> const& work) {
+    return RunInNamespaces(CLONE_NEWUTS | CLONE_NEWNET, work);
+}
+
 /// Runs `ip` with these arguments in the namespace of this thread; false when it fails.
 inline bool Ip(std::string const& arguments) {
     return std::system(("PATH=$PATH:/sbin:/usr/sbin ip " + arguments).c_str()) == 0; // NOLINT: fixed texts
 }
 
-} // namespace zarn::network
+} // namespace zarn::test

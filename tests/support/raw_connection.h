@@ -10,7 +10,7 @@
 #include <string>
 #include <string_view>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 
 /// A response as a test looks at it.
 struct RawResponse {
@@ -74,4 +74,4 @@ private:
 /// A SOAP request of an operation without members of the device service.
 std::string MakeSoapRequest(std::string_view operation, std::string_view fields = {});
 
-} // namespace zarn::tests::host
+} // namespace zarn::test

@@ -1,4 +1,4 @@
-#include "host/digest_client.h"
+#include "support/digest_client.h"
 
 #include <openssl/evp.h>
 
@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 
 std::string Hash(char const* name, std::string const& text) {
     std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
@@ -56,4 +56,4 @@ std::map<std::string, std::string> ReadChallenge(RawResponse const& response) {
     return parameters;
 }
 
-} // namespace zarn::tests::host
+} // namespace zarn::test

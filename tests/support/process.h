@@ -11,7 +11,7 @@
 #include <thread>
 #include <vector>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 
 /// A program that a test has started, with what it writes. Killed when the object goes.
 class Process {
@@ -63,4 +63,4 @@ private:
     Stream log;
 };
 
-} // namespace zarn::tests::host
+} // namespace zarn::test

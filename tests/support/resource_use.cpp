@@ -1,13 +1,14 @@
-#include "host/resource_use.h"
+#include "support/resource_use.h"
+
+#include "support/eventually.h"
 
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
 #include <string>
-#include <thread>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 namespace {
 
 namespace filesystem = std::filesystem;
@@ -37,12 +38,14 @@ ResourceUse ReadResourceUse(pid_t process) {
 
 ResourceUse AwaitResourceUse(pid_t process, std::function<bool(ResourceUse const&)> const& isWanted,
                              std::chrono::milliseconds limit) {
-    auto const deadline = std::chrono::steady_clock::now() + limit;
-    for (;;) {
-        auto const use = ReadResourceUse(process);
-        if (isWanted(use) || std::chrono::steady_clock::now() >= deadline) return use;
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    }
+    ResourceUse use;
+    Eventually(
+        [&] {
+            use = ReadResourceUse(process);
+            return isWanted(use);
+        },
+        limit);
+    return use;
 }
 
-} // namespace zarn::tests::host
+} // namespace zarn::test

@@ -1,4 +1,4 @@
-#include "failing_new.h"
+#include "support/failing_nothrow_new.h"
 
 #include <cstdlib>
 #include <new>
@@ -32,14 +32,14 @@ void* operator new[](std::size_t size, std::nothrow_t const&) noexcept { return 
 
 namespace zarn::test {
 
-FailingNew::FailingNew(int n, int count) {
+FailingNothrowNew::FailingNothrowNew(int n, int count) {
     Succeeding = n;
     Failing = count;
     Failed = false;
 }
 
-FailingNew::~FailingNew() { Failing = 0; }
+FailingNothrowNew::~FailingNothrowNew() { Failing = 0; }
 
-bool FailingNew::HasFailed() const { return Failed; }
+bool FailingNothrowNew::HasFailed() const { return Failed; }
 
 } // namespace zarn::test

@@ -1,11 +1,12 @@
-#include "host/pull_point_client.h"
+#include "support/pull_point_client.h"
+
+#include "support/eventually.h"
 
 #include <regex>
 #include <stdexcept>
-#include <thread>
 #include <utility>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 namespace {
 
 using namespace std::chrono_literals;
@@ -67,7 +68,7 @@ PullPointClient::Call PullPointClient::PullLater(std::string const& address, std
 
 std::vector<std::string> PullPointClient::PullRules(std::string const& address, std::size_t count) const {
     std::vector<std::string> rules;
-    Await([&] {
+    Eventually([&] {
         auto const answer = Pull(address, 1000, "PT1S");
         if (answer.status != 200) throw std::runtime_error("no messages: " + answer.body);
         auto const some = GetRules(answer);
@@ -128,13 +129,4 @@ std::vector<std::string> MakeNames(int count) {
     return names;
 }
 
-bool Await(std::function<bool()> const& condition) {
-    auto const deadline = std::chrono::steady_clock::now() + 20s;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > deadline) return false;
-        std::this_thread::sleep_for(5ms);
-    }
-    return true;
-}
-
-} // namespace zarn::tests::host
+} // namespace zarn::test

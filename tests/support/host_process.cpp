@@ -1,6 +1,6 @@
-#include "host/host_process.h"
+#include "support/host_process.h"
 
-#include "host/raw_connection.h"
+#include "support/raw_connection.h"
 
 #include <boost/json/parse.hpp>
 #include <gtest/gtest.h>
@@ -12,7 +12,7 @@
 #include <stdexcept>
 #include <utility>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 
 char const* const HostProcess::TwoDescribedChannels = R"({
   "settings": {"web_port": 0, "rtsp_port": 0, "onvif": {"enabled": false}},
@@ -73,4 +73,4 @@ int HostProcess::Stop(std::chrono::milliseconds limit) {
     return process->Wait(limit).value_or(-1);
 }
 
-} // namespace zarn::tests::host
+} // namespace zarn::test

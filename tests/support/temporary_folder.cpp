@@ -1,11 +1,11 @@
-#include "host/temporary_folder.h"
+#include "support/temporary_folder.h"
 
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 
 TemporaryFolder::TemporaryFolder() {
     std::string pattern = (std::filesystem::temp_directory_path() / "zarn-test-XXXXXX").string();
@@ -29,4 +29,4 @@ std::string TemporaryFolder::Read(std::string_view name) const {
     return text.str();
 }
 
-} // namespace zarn::tests::host
+} // namespace zarn::test

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "host/process.h"
-#include "host/temporary_folder.h"
+#include "support/process.h"
+#include "support/temporary_folder.h"
 
 #include <boost/json/value.hpp>
 
@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 
 /// A `zarn-host` of a test: its own folder as home, free ports, ready when constructed.
 class HostProcess {
@@ -86,4 +86,4 @@ private:
     std::uint16_t port = 0;
 };
 
-} // namespace zarn::tests::host
+} // namespace zarn::test

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "host/raw_connection.h"
+#include "support/raw_connection.h"
 
 #include <map>
 #include <string>
 #include <string_view>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 
 /// A hash as lower-case hexadecimal digits, by OpenSSL alone: what the tests expect does not come from what they test.
 /// name  "MD5", "SHA256"
@@ -38,4 +38,4 @@ struct DigestCredentials {
 /// none.
 std::map<std::string, std::string> ReadChallenge(RawResponse const& response);
 
-} // namespace zarn::tests::host
+} // namespace zarn::test

@@ -1,11 +1,11 @@
-#include "unit/host/thread_failure.h"
+#include "support/thread_failure.h"
 
 #include <dlfcn.h>
 #include <pthread.h>
 
 #include <cerrno>
 
-namespace zarn::tests {
+namespace zarn::test {
 namespace {
 
 constexpr int Unlimited = -1;
@@ -18,14 +18,14 @@ ThreadFailure::ThreadFailure(int successes) { successesLeft = successes; }
 
 ThreadFailure::~ThreadFailure() { successesLeft = Unlimited; }
 
-} // namespace zarn::tests
+} // namespace zarn::test
 
 /// Stands before the system's function of this name, which it calls.
 extern "C" int pthread_create(pthread_t* thread, pthread_attr_t const* attributes, void* (*function)(void*),
                               void* argument) {
     using Function = decltype(&pthread_create);
     static auto const System = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "pthread_create"));
-    using zarn::tests::successesLeft;
+    using zarn::test::successesLeft;
     if (successesLeft == 0) return EAGAIN;
     if (successesLeft > 0) --successesLeft;
     return System(thread, attributes, function, argument);

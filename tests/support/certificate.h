@@ -1,10 +1,10 @@
 #pragma once
 
-#include "host/temporary_folder.h"
+#include "support/temporary_folder.h"
 
 #include <string>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 
 /// A self-signed certificate for "localhost" and its key, made by the openssl program, as `NAME.pem` and `NAME.key` in
 /// a folder.
@@ -19,4 +19,4 @@ struct Certificate {
     std::string key;         ///< path
 };
 
-} // namespace zarn::tests::host
+} // namespace zarn::test

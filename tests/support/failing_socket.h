@@ -1,6 +1,6 @@
 #pragma once
 
-#include "peer.h"
+#include "support/peer.h"
 
 #include <poll.h>
 #include <sys/socket.h>

@@ -6,12 +6,12 @@ namespace zarn::test {
 
 /// While it lives, allocations of this thread by `new (std::nothrow)`, which is how gSOAP makes objects, fail: those
 /// from the n-th on, counted from 0, and `count` of them.
-class FailingNew {
+class FailingNothrowNew {
 public:
-    explicit FailingNew(int n, int count = std::numeric_limits<int>::max());
-    ~FailingNew();
-    FailingNew(FailingNew const&) = delete;
-    FailingNew& operator=(FailingNew const&) = delete;
+    explicit FailingNothrowNew(int n, int count = std::numeric_limits<int>::max());
+    ~FailingNothrowNew();
+    FailingNothrowNew(FailingNothrowNew const&) = delete;
+    FailingNothrowNew& operator=(FailingNothrowNew const&) = delete;
 
     /// Whether an allocation has failed.
     bool HasFailed() const;

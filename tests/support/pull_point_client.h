@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/host_process.h"
+#include "support/host_process.h"
 
 #include <chrono>
 #include <functional>
@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 
 /// A client of the events service of a host: curl, which logs in by HTTP digest over the whole path with its query.
 class PullPointClient {
@@ -87,7 +87,4 @@ std::string MakeEvents(int count);
 /// The names of such events.
 std::vector<std::string> MakeNames(int count);
 
-/// Asks until the condition holds; false when it does not within 20 seconds.
-bool Await(std::function<bool()> const& condition);
-
-} // namespace zarn::tests::host
+} // namespace zarn::test

@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <functional>
 
-namespace zarn::tests::host {
+namespace zarn::test {
 
 /// What a process holds.
 struct ResourceUse {
@@ -22,4 +22,4 @@ ResourceUse ReadResourceUse(pid_t process);
 ResourceUse AwaitResourceUse(pid_t process, std::function<bool(ResourceUse const&)> const& isWanted,
                              std::chrono::milliseconds limit);
 
-} // namespace zarn::tests::host
+} // namespace zarn::test
