@@ -1,8 +1,24 @@
-# zarn_add_tests(NAME name SOURCES a.cpp... [LIBRARIES lib...] [LABELS label...] [TIMEOUT seconds])
+# zarn_require_kind(name label...): stops unless the labels of a test hold either "unit" or "integration".
+#   unit         needs no time but that of the processor: no waiting, no other program, no pipeline of GStreamer
+#   integration  any other
+function(zarn_require_kind name)
+  set(kinds 0)
+  foreach(kind unit integration)
+    if(kind IN_LIST ARGN)
+      math(EXPR kinds "${kinds} + 1")
+    endif()
+  endforeach()
+  if(NOT kinds EQUAL 1)
+    message(FATAL_ERROR "${name}: LABELS needs either \"unit\" or \"integration\", and has \"${ARGN}\"")
+  endif()
+endfunction()
+
+# zarn_add_tests(NAME name SOURCES a.cpp... [LIBRARIES lib...] LABELS label... [TIMEOUT seconds])
 # One GoogleTest executable; every test case is a ctest of its own, run in a process of its own. Tests labelled "video" keep
 # up with the clock while they decode and encode: they count for two processors.
 function(zarn_add_tests)
   cmake_parse_arguments(arg "" "NAME;TIMEOUT" "SOURCES;LIBRARIES;LABELS" ${ARGN})
+  zarn_require_kind("${arg_NAME}" ${arg_LABELS})
   find_package(GTest REQUIRED)
   include(GoogleTest)
   add_executable(${arg_NAME} ${arg_SOURCES})
@@ -16,5 +32,19 @@ function(zarn_add_tests)
     set(processors 2)
   endif()
   gtest_discover_tests(${arg_NAME} NO_PRETTY_VALUES DISCOVERY_MODE PRE_TEST
-    PROPERTIES TIMEOUT ${arg_TIMEOUT} PROCESSORS ${processors} LABELS "${arg_LABELS}")
+    TEST_LIST ${arg_NAME}_TESTS
+    PROPERTIES TIMEOUT ${arg_TIMEOUT} PROCESSORS ${processors})
+  # PROPERTIES takes no lists.
+  set(labels "${CMAKE_CURRENT_BINARY_DIR}/${arg_NAME}_labels.cmake")
+  file(WRITE "${labels}" "set_tests_properties(\${${arg_NAME}_TESTS} PROPERTIES LABELS \"${arg_LABELS}\")\n")
+  set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES "${labels}")
+endfunction()
+
+# zarn_add_test(NAME name COMMAND command... LABELS label... [PROPERTIES name value...])
+# A test that is a program of its own.
+function(zarn_add_test)
+  cmake_parse_arguments(arg "" "NAME" "COMMAND;LABELS;PROPERTIES" ${ARGN})
+  zarn_require_kind("${arg_NAME}" ${arg_LABELS})
+  add_test(NAME ${arg_NAME} COMMAND ${arg_COMMAND})
+  set_tests_properties(${arg_NAME} PROPERTIES LABELS "${arg_LABELS}" ${arg_PROPERTIES})
 endfunction()

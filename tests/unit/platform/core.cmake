@@ -4,8 +4,6 @@ set(sources
   authentication/engine_test.cpp
   authentication/ha1_test.cpp
   container/buffer_test.cpp
-  job/dynamic_thread_pool_stop_test.cpp
-  job/dynamic_thread_pool_test.cpp
   logging/capture_test.cpp
   logging/format_test.cpp
   logging/level_test.cpp
@@ -14,8 +12,6 @@ set(sources
   meta/data/video_info_test.cpp
   network/address_test.cpp
   network/device_test.cpp
-  network/interface_test.cpp
-  network/local_test.cpp
   protocol/network/http/method_test.cpp
   protocol/network/http/request_test.cpp
   protocol/network/http/response/status_test.cpp
@@ -24,4 +20,14 @@ set(sources
   web/response/pending_test.cpp
   web/service_test.cpp)
 list(TRANSFORM sources PREPEND "${CMAKE_CURRENT_LIST_DIR}/")
-zarn_add_tests(NAME platform_core_tests SOURCES ${sources} LIBRARIES zarn::platform zarn::test_support)
+zarn_add_tests(NAME platform_core_tests SOURCES ${sources} LIBRARIES zarn::platform zarn::test_support LABELS unit)
+
+# Threads that wait, and networks that `ip` makes.
+set(sources
+  job/dynamic_thread_pool_stop_test.cpp
+  job/dynamic_thread_pool_test.cpp
+  network/interface_test.cpp
+  network/local_test.cpp)
+list(TRANSFORM sources PREPEND "${CMAKE_CURRENT_LIST_DIR}/")
+zarn_add_tests(
+  NAME platform_core_integration_tests SOURCES ${sources} LIBRARIES zarn::platform zarn::test_support LABELS integration)

@@ -1,23 +1,38 @@
 # What the discovery responder stands on: zarn::asio (I/O context), network (networks), onvif::discovery, protocol (UDP)
 set(sources
   asio/io_context_test.cpp
-  network/networks_test.cpp
   onvif/discovery/endpoint_test.cpp
   onvif/discovery/request_hostile_test.cpp
   onvif/discovery/request_test.cpp
   onvif/discovery/response_test.cpp
   onvif/discovery/scopes_test.cpp
   protocol/network/udp/admission_test.cpp
+  protocol/network/udp/throttle_test.cpp)
+list(TRANSFORM sources PREPEND "${CMAKE_CURRENT_LIST_DIR}/")
+find_package(pugixml REQUIRED)
+zarn_add_tests(
+  NAME platform_discovery_tests
+  SOURCES ${sources}
+  LIBRARIES zarn::platform zarn::test_support pugixml::pugixml
+  LABELS unit)
+
+# Real sockets, in networks that `ip` makes.
+set(sources
+  network/networks_test.cpp
   protocol/network/udp/failing_new.cpp
   protocol/network/udp/membership_test.cpp
   protocol/network/udp/receiver_group_test.cpp
   protocol/network/udp/receiver_test.cpp
   protocol/network/udp/sender_test.cpp
-  protocol/network/udp/throttle_test.cpp
   protocol/network/udp/unreadable_interfaces.cpp
   protocol/network/udp/unwatchable.cpp)
 list(TRANSFORM sources PREPEND "${CMAKE_CURRENT_LIST_DIR}/")
-find_package(pugixml REQUIRED)
-zarn_add_tests(NAME platform_discovery_tests SOURCES ${sources} LIBRARIES zarn::platform zarn::test_support pugixml::pugixml)
+zarn_add_tests(
+  NAME platform_discovery_integration_tests
+  SOURCES ${sources}
+  LIBRARIES zarn::platform zarn::test_support
+  LABELS integration)
 # What is not public is tested by itself where nothing public shows it.
-target_include_directories(platform_discovery_tests PRIVATE "${CMAKE_SOURCE_DIR}/platform/src")
+foreach(target platform_discovery_tests platform_discovery_integration_tests)
+  target_include_directories(${target} PRIVATE "${CMAKE_SOURCE_DIR}/platform/src")
+endforeach()

@@ -1,6 +1,5 @@
 # zarn::asio, chrono, meta, onvif
 set(sources
-  asio/global_context_test.cpp
   chrono/add_test.cpp
   chrono/duration/iso8601_test.cpp
   chrono/iso8601_test.cpp
@@ -20,7 +19,14 @@ set(sources
   onvif/events/handler_test.cpp
   onvif/events/subscription_gauge_test.cpp)
 list(TRANSFORM sources PREPEND "${CMAKE_CURRENT_LIST_DIR}/")
-zarn_add_tests(NAME platform_events_tests SOURCES ${sources} LIBRARIES zarn::platform zarn::test_support)
+zarn_add_tests(NAME platform_events_tests SOURCES ${sources} LIBRARIES zarn::platform LABELS unit)
+
+# Threads that wait for their end.
+zarn_add_tests(
+  NAME platform_events_integration_tests
+  SOURCES "${CMAKE_CURRENT_LIST_DIR}/asio/global_context_test.cpp"
+  LIBRARIES zarn::platform zarn::test_support
+  LABELS integration)
 
 # The part that speaks the types of the service definitions.
 zarn_add_tests(
@@ -28,4 +34,5 @@ zarn_add_tests(
   SOURCES
     "${CMAKE_CURRENT_LIST_DIR}/onvif/meta/convert_test.cpp"
     "${PROJECT_SOURCE_DIR}/tests/unit/interface/exchange.cpp"
-  LIBRARIES zarn::onvif_meta zarn_failing_nothrow_new)
+  LIBRARIES zarn::onvif_meta zarn_failing_nothrow_new
+  LABELS unit)
