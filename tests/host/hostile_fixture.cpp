@@ -67,7 +67,7 @@ void HostileTest::StartEvents() {
 }
 
 void HostileTest::MeasureIdle() {
-    constexpr int SteadyLooks = 5;
+    constexpr int SteadyLooks = 12; // a tenth of a second
     int steady = 0;
     idle = AwaitResourceUse(
         host.GetProcess().GetId(),
