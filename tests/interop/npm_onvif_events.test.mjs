@@ -39,6 +39,12 @@ async function isAlive(path) {
     return status === 200;
 }
 
+// Requests that the host works on, that for the count included.
+async function countExchanges() {
+    const health = await (await fetch(`http://${host.hostname}:${host.port}/api/health`)).json();
+    return health.listeners.web.exchanges;
+}
+
 let host;
 before(async () => {
     host = await startHost({channels: {1: {name: 'Gate', video: {codec: 'video/x-h264', width: 4, height: 3, rate: '1/1'}}}});
@@ -72,7 +78,7 @@ for (const useWSSecurity of [true, false]) {
             assert.ok([119, 120].includes(left), `${left} seconds`); // each time is cut to its second
             let waits = true;
             const pull = call(cam, 'pullMessages', {messageLimit: 2}).finally(() => { waits = false; });
-            await new Promise(resolve => setTimeout(resolve, 200));
+            await until(async () => await countExchanges() > 1, 'for the pull to reach the host');
             assert.ok(waits);
             await postEvents(host, {
                 ...inField('Tür'), channel: 1, start: '2026-01-31T12:00:00.250Z', objects: [{id: 12, class: 'person'}],
