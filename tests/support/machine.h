@@ -55,7 +55,7 @@ public:
     /// Runs `ip` there; false when it fails.
     bool Ip(std::string const& arguments) const {
         bool succeeded = false;
-        Run([&] { succeeded = Ip(arguments); });
+        Run([&] { succeeded = test::Ip(arguments); });
         return succeeded;
     }
 
