@@ -16,7 +16,6 @@
 #include <iterator>
 #include <memory>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace zarn::test {
@@ -45,17 +44,24 @@ unsigned Ask(HostProcess const& host) {
 
 TEST(Descriptors, ThatRunOutKeepNobodyFromBeingServedLater) {
     HostProcess host({.launcher = InShell("ulimit -n 64")});
+    auto const countLines = [&] {
+        auto const log = host.GetProcess().GetLog();
+        int lines = 0;
+        for (auto at = log.find("Cannot accept"); at != std::string::npos; at = log.find("Cannot accept", at + 1))
+            ++lines;
+        return lines;
+    };
+    auto const begun = std::chrono::steady_clock::now();
     {
         std::vector<std::unique_ptr<RawConnection>> connections;
         connections.reserve(64);
         for (int i = 0; i < 64; ++i) connections.push_back(std::make_unique<RawConnection>(host.GetPort()));
-        ASSERT_TRUE(host.GetProcess().WaitForLog("Cannot accept a connection: Too many open files", 10s));
-        std::this_thread::sleep_for(2s);
+        ASSERT_TRUE(host.GetProcess().WaitForLog("Cannot accept a connection: Too many open files"));
+        EXPECT_TRUE(Eventually([&] { return countLines() >= 2; })) << "it does not try again";
     }
-    auto const log = host.GetProcess().GetLog();
-    int lines = 0;
-    for (auto at = log.find("Cannot accept"); at != std::string::npos; at = log.find("Cannot accept", at + 1)) ++lines;
-    EXPECT_LE(lines, 4) << "one a second is enough";
+    int const lines = countLines();
+    auto const took = std::chrono::steady_clock::now() - begun;
+    EXPECT_LE(lines, took / 1s + 1) << "one a second is enough";
     EXPECT_EQ(Ask(host), 200U);
 }
 
@@ -74,14 +80,14 @@ TEST(Memory, ThatIsGoneForASecondIsWaitedFor) {
     EXPECT_EQ(waiting.Read().status, 200U);
     EXPECT_EQ(newcomer.Read().status, 200U);
     EXPECT_EQ(Ask(host), 200U);
-    EXPECT_TRUE(host.GetProcess().WaitForLog("Memory was short", 10s));
+    EXPECT_TRUE(host.GetProcess().WaitForLog("Memory was short"));
 }
 
 /// No file may grow: the system answers as for a full disk, and sends a signal that ends most programs.
 TEST(Disk, ThatTakesNothingEndsTheFirstStartWithALineAndNoFile) {
     TemporaryFolder const folder;
     auto const process = HostProcess::Launch({.configuration = "", .launcher = InShell("ulimit -f 0")}, folder);
-    EXPECT_EQ(process->Wait(20s), 2);
+    EXPECT_EQ(process->Wait(), 2);
     EXPECT_THAT(process->GetLog(), EndsWith("File too large\n"));
     EXPECT_THAT(process->GetLog(), HasSubstr("zarn-host: " + folder / "config.json"));
     EXPECT_TRUE(ListFiles(folder).empty());
@@ -95,7 +101,7 @@ TEST(Disk, ThatGetsFullEndsTheFirstStartWithALine) {
          .launcher = {"unshare", "--mount", "sh", "-ec",
                       "mount -t tmpfs -o size=4k none " + folder.GetPath().string() + R"(; exec "$@")", "sh"}},
         folder);
-    EXPECT_EQ(process->Wait(20s), 2);
+    EXPECT_EQ(process->Wait(), 2);
     EXPECT_THAT(process->GetLog(), EndsWith("No space left on device\n"));
 }
 
@@ -107,13 +113,16 @@ TEST(Disk, ThatIsFullWhileTheHostRunsCostsTheCopyOnly) {
     control.Arm(Call::Write, 1, ENOSPC, Always);
     folder->Write("config.json", R"({"identity": {"name": "later"}, "settings": {"web_port": 0, "rtsp_port": 0}})");
     host.GetProcess().Signal(SIGHUP);
-    EXPECT_TRUE(host.GetProcess().WaitForLog("No copy of the configuration is kept: ", 10s));
-    EXPECT_THAT(host.GetProcess().GetLog(), HasSubstr("No space left on device"));
+    EXPECT_TRUE(host.GetProcess().WaitForLog("No copy of the configuration is kept: "));
+    EXPECT_TRUE(host.GetProcess().WaitForLog("No space left on device"));
     EXPECT_EQ(folder->Read("config.json.good"), before);
     control.Disarm();
     EXPECT_EQ(Ask(host), 200U);
-    EXPECT_THAT(ListFiles(*folder),
-                UnorderedElementsAre("config.json", "config.json.good", "config.json.credentials", "failing_calls"));
+    // It may be writing the next copy.
+    EXPECT_TRUE(Eventually([&] {
+        return testing::Matches(UnorderedElementsAre("config.json", "config.json.good", "config.json.credentials",
+                                                     "failing_calls"))(ListFiles(*folder));
+    })) << testing::PrintToString(ListFiles(*folder));
 }
 
 TEST(Log, ThatCanBeWrittenNowhereEndsNothing) {

@@ -8,6 +8,9 @@
 
 namespace zarn::test {
 
+/// So that the count of all calls is known, none of which is to fail.
+inline constexpr int Never = 1 << 30;
+
 /// The test's hand on the calls of one process: see failing_calls.cpp.
 class FaultControl {
 public:

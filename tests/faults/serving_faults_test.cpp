@@ -23,10 +23,7 @@ using namespace std::chrono_literals;
 /// More rounds than this would take a test longer than half a minute: then every so many calls only.
 constexpr int MostRounds = 400;
 
-/// So that the count of all calls is known, none of which is to fail.
-constexpr int Never = 1 << 30;
-
-constexpr char const* Configuration = R"({
+constexpr char const* ServingConfiguration = R"({
   "settings": {"web_port": 0, "rtsp_port": 0, "authentication": {"enabled": false},
                "limits": {"connections_per_address": 1024}},
   "channels": {"1": {"name": "Gate", "video": {"codec": "video/x-h264", "width": 64, "height": 48, "rate": "5/1"}}}
@@ -64,13 +61,13 @@ std::vector<std::string> MakeRequests() {
 class FailureWhileServing : public testing::TestWithParam<Fault> {
 protected:
     FailureWhileServing()
-        : host({.configuration = Configuration, .environment = control.GetEnvironment(), .folder = folder}) {}
+        : host({.configuration = ServingConfiguration, .environment = control.GetEnvironment(), .folder = folder}) {}
 
     /// Every client gets an answer or the end of its connection.
     void AskEverything() const {
         for (auto const& request : requests) {
             try {
-                RawConnection connection(host.GetPort(), 5s);
+                RawConnection connection(host.GetPort());
                 connection.Exchange(request);
             } catch (std::runtime_error const& error) {
                 EXPECT_STRNE(error.what(), "nothing came in time") << request;

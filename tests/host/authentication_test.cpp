@@ -6,17 +6,14 @@
 #include <boost/json/value.hpp>
 #include <gmock/gmock.h>
 
-#include <chrono>
 #include <csignal>
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
 namespace zarn::test {
 namespace {
 
-using namespace std::chrono_literals;
 using testing::Contains;
 using testing::HasSubstr;
 using testing::Key;
@@ -152,13 +149,20 @@ TEST(Authentication, GivesAnAnswerToAnUnknownNonceANewChallenge) {
 TEST(Authentication, GivesAnAnswerToAnOldNonceANewChallenge) {
     HostProcess host({.arguments = {"--set", "settings.authentication.nonce_seconds=1"}});
     Client client(host);
-    EXPECT_EQ(client.AskWithCredentials().status, 200U);
-    std::this_thread::sleep_for(1050ms); // the life of the nonce
-    client.credentials.count = "00000002";
-    auto const refusal = client.AskWithCredentials();
+    RawResponse refusal;
+    int count = 0;
+    auto const isRefused = [&] {
+        client.credentials.count = std::to_string(++count);
+        refusal = client.AskWithCredentials();
+        return refusal.status != 200U;
+    };
+    ASSERT_TRUE(Eventually(isRefused));
     EXPECT_THAT(refusal, SaysStale());
-    client.credentials.nonce = ReadChallenge(refusal).at("nonce");
-    EXPECT_EQ(client.AskWithCredentials().status, 200U);
+    // A machine that is busy with something else may take longer than the life of the new one, too.
+    EXPECT_TRUE(Eventually([&] {
+        client.credentials.nonce = ReadChallenge(refusal).at("nonce");
+        return !isRefused();
+    }));
 }
 
 TEST(Authentication, FollowsTheLifeOfNoncesInTheConfiguration) {
@@ -185,7 +189,7 @@ protected:
         arguments.insert(arguments.begin(), {"curl", "-sS", "-v", "--digest", "-u", "admin:" + host.GetPassword(), "-w",
                                              "status %{http_code}\n"});
         Process curl(std::move(arguments));
-        EXPECT_EQ(curl.Wait(20s), 0) << curl.GetLog();
+        EXPECT_EQ(curl.Wait(), 0) << curl.GetLog();
         log = curl.GetLog();
         return curl.GetOutput();
     }

@@ -18,7 +18,6 @@
 #include <optional>
 #include <string>
 #include <system_error>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -28,7 +27,7 @@ namespace {
 using namespace std::chrono_literals;
 using testing::HasSubstr;
 
-std::string Configure(bool enabled, std::string const& location = "Hall", std::uint16_t webPort = 0) {
+std::string ConfigureDiscovery(bool enabled, std::string const& location = "Hall", std::uint16_t webPort = 0) {
     return R"({"identity": {"location": ")" + location + R"("}, "settings": {"rtsp_port": 0, "web_port": )" +
            std::to_string(webPort) + R"(, "onvif": {"enabled": )" + (enabled ? "true" : "false") + "}}}";
 }
@@ -46,7 +45,7 @@ void Connect(Machine const& left, std::string const& leftDevice, Machine const& 
 }
 
 /// Lets the programs that this thread starts see another content of a file.
-void Replace(std::string const& file, std::string const& content) {
+void ReplaceFile(std::string const& file, std::string const& content) {
     if (unshare(CLONE_NEWNS) != 0 || mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
         mount(content.c_str(), file.c_str(), nullptr, MS_BIND, nullptr) != 0)
         throw std::system_error(errno, std::generic_category(), file);
@@ -79,7 +78,7 @@ protected:
     void Start(bool enabled) {
         server.Run([&] {
             host = std::make_unique<HostProcess>(
-                HostProcess::Options{.configuration = Configure(enabled), .folder = folder});
+                HostProcess::Options{.configuration = ConfigureDiscovery(enabled), .folder = folder});
         });
     }
 
@@ -99,8 +98,8 @@ protected:
         return answer;
     }
 
-    bool AwaitDiscovery(std::string const& part, std::chrono::seconds limit = 40s) {
-        return Eventually([&] { return Discover().find(part) != std::string::npos; }, limit);
+    bool AwaitDiscovery(std::string const& part) {
+        return Eventually([&] { return Discover().find(part) != std::string::npos; }, 40s);
     }
 
     /// Whether nobody listens for probes on the host's machine.
@@ -135,7 +134,7 @@ TEST_F(DiscoveredHost, TellsAnotherMachineWhereItsDeviceServiceIs) {
                       R"(<s:Envelope xmlns:s="http://www.w3.org/2003/05/soap-envelope"><s:Body>)"
                       R"(<GetSystemDateAndTime xmlns="http://www.onvif.org/ver10/device/wsdl"/></s:Body></s:Envelope>)",
                       "-H", "Content-Type: application/soap+xml", AddressAt(host->GetPort())});
-        EXPECT_EQ(curl.Wait(10s), 0);
+        EXPECT_EQ(curl.Wait(), 0);
         EXPECT_THAT(curl.GetOutput(), HasSubstr("UTCDateTime"));
     });
 }
@@ -143,18 +142,18 @@ TEST_F(DiscoveredHost, TellsAnotherMachineWhereItsDeviceServiceIs) {
 TEST_F(DiscoveredHost, AppearsAndDisappearsWithItsSetting) {
     Start(false);
     EXPECT_EQ(Discover(), "");
-    Reload(Configure(true));
-    EXPECT_TRUE(AwaitDiscovery("ProbeMatch", 3s));
+    Reload(ConfigureDiscovery(true));
+    EXPECT_TRUE(AwaitDiscovery("ProbeMatch"));
     server.Run([&] { EXPECT_TRUE(host->GetHealth().at("module").at("enabled").as_bool()); });
-    Reload(Configure(false));
-    EXPECT_TRUE(Eventually([&] { return IsPortFree(); }, 3s));
+    Reload(ConfigureDiscovery(false));
+    EXPECT_TRUE(Eventually([&] { return IsPortFree(); }));
     EXPECT_EQ(Discover(), "");
     server.Run([&] { EXPECT_FALSE(host->GetHealth().at("module").at("enabled").as_bool()); });
 }
 
 TEST_F(DiscoveredHost, IsThereAgainAfterARestart) {
     Start(false);
-    Reload(Configure(true));
+    Reload(ConfigureDiscovery(true));
     EXPECT_TRUE(AwaitDiscovery("ProbeMatch"));
     EXPECT_EQ(host->Stop(), 0);
     EXPECT_EQ(Discover(), "");
@@ -180,7 +179,7 @@ TEST_F(DiscoveredHost, KeepsItsEndpointReferenceOverRestarts) {
 TEST_F(DiscoveredHost, TellsTheWebPortThatItHasMovedTo) {
     Start(true);
     EXPECT_TRUE(AwaitDiscovery(AddressAt(host->GetPort())));
-    Reload(Configure(true, "Hall", 8123));
+    Reload(ConfigureDiscovery(true, "Hall", 8123));
     EXPECT_TRUE(AwaitDiscovery(AddressAt(8123)));
 }
 
@@ -200,7 +199,7 @@ TEST_F(DiscoveredHost, IsListedByOnvifUtil) {
     Ip(client, "route add default dev lan");
     client.Run([&] {
         Process util({"onvif-util", "-a"});
-        ASSERT_EQ(util.Wait(20s), 0);
+        ASSERT_EQ(util.Wait(), 0);
         EXPECT_THAT(util.GetOutput(), testing::AllOf(HasSubstr("Found 1 cameras"), HasSubstr("10.9.0.1")));
     });
 }
@@ -221,7 +220,7 @@ TEST_F(DiscoveredHost, IsReadByOnvifUtilWhenNoLoginIsNeeded) {
         Process util({"sh", "-c",
                       "printf 'get profiles\\nget profile 1\\nget rtsp\\nget video options\\nquit\\n' |"
                       " onvif-util -u admin -p any 10.9.0.1"});
-        ASSERT_EQ(util.Wait(20s), 0);
+        ASSERT_EQ(util.Wait(), 0);
         EXPECT_THAT(util.GetOutput(),
                     testing::AllOf(HasSubstr("Token 0: channels.1"), HasSubstr("Token 1: channels.2"),
                                    HasSubstr("Height:     360"), HasSubstr("/channels/2"), HasSubstr("640 x 360")));
@@ -246,8 +245,8 @@ TEST_F(DiscoveredHost, LeavesOthersOfItsNetworkToAnswerForThemselves) {
         TemporaryFolder const identity;
         constexpr char MachineId[] = "/etc/machine-id"; // without one the hardware addresses tell machines apart
         if (std::filesystem::exists(MachineId))
-            Replace(MachineId, identity.Write("machine-id", "0123456789abcdef0123456789abcdef\n"));
-        other = std::make_unique<HostProcess>(HostProcess::Options{.configuration = Configure(true, "Yard")});
+            ReplaceFile(MachineId, identity.Write("machine-id", "0123456789abcdef0123456789abcdef\n"));
+        other = std::make_unique<HostProcess>(HostProcess::Options{.configuration = ConfigureDiscovery(true, "Yard")});
     });
     std::map<std::string, std::string> found; // endpoint references by addresses
     client.Run([&] {
@@ -320,30 +319,34 @@ TEST_F(DiscoveredHost, AnswersNetworksThatItIsNotConnectedToOnlyWhenItIsTold) {
     Ip(server, "route add default via 10.9.0.2 dev lan");
     Start(true);
     EXPECT_TRUE(AwaitDiscovery("ProbeMatch"));
+    // The responder answers in turn: once it has answered a client that is near, it has answered the one before as
+    // well, or never will. Of too many probes in a second it answers neither.
     auto const discoverFromAfar = [&] {
         bool found = false;
         client.Run([&] {
-            ProbeClient probe("10.10.0.2");
-            probe.Send(MakeProbe("urn:uuid:1"), "10.9.0.1");
-            found = probe.Receive(300ms).has_value();
+            ProbeClient far("10.10.0.2");
+            ProbeClient near("10.9.0.2");
+            ASSERT_TRUE(Eventually([&] {
+                far.Send(MakeProbe("urn:uuid:1"), "10.9.0.1");
+                near.Send(MakeProbe("urn:uuid:2"));
+                return near.Receive(500ms).has_value();
+            }));
+            found = far.Receive(1ms).has_value();
         });
         return found;
     };
     EXPECT_FALSE(discoverFromAfar());
     Reload(R"({"settings": {"rtsp_port": 0, "web_port": 0, "onvif": {"enabled": true, "discovery_anywhere": true}}})");
     EXPECT_TRUE(Eventually(discoverFromAfar));
-    Reload(Configure(true));
-    EXPECT_TRUE(Eventually([&] {
-        std::this_thread::sleep_for(100ms); // the responder answers ten probes of a client in a second
-        return !discoverFromAfar();
-    }));
+    Reload(ConfigureDiscovery(true));
+    EXPECT_TRUE(Eventually([&] { return !discoverFromAfar(); }));
 }
 
 TEST_F(DiscoveredHost, WaitsForThePortThatAnotherProgramHolds) {
     std::optional<PortHolder> holder;
     server.Run([&] { holder.emplace(); });
     Start(true);
-    EXPECT_TRUE(host->GetProcess().WaitForLog("Failed to start Onvif discovery service: ", 10s));
+    EXPECT_TRUE(host->GetProcess().WaitForLog("Failed to start Onvif discovery service: "));
     EXPECT_EQ(Discover(), "");
     holder.reset();
     EXPECT_TRUE(AwaitDiscovery("ProbeMatch"));

@@ -8,7 +8,6 @@
 #include <boost/json/serialize.hpp>
 #include <gmock/gmock.h>
 
-#include <chrono>
 #include <csignal>
 #include <string>
 #include <utility>
@@ -17,18 +16,17 @@
 namespace zarn::test {
 namespace {
 
-using namespace std::chrono_literals;
 using testing::HasSubstr;
 using testing::Not;
 
 /// A configuration with an intake over MQTT.
-std::string Configure(std::string const& mqtt) {
+std::string ConfigureMqtt(std::string const& mqtt) {
     return R"({"settings": {"web_port": 0, "rtsp_port": 0, "events": {"mqtt": )" + mqtt + "}}}";
 }
 
 std::string Subscribe(Broker const& broker, std::string const& topic, std::string const& more = {}) {
-    return Configure(R"({"enabled": true, "client_id": "a test's host", "url": ")" + broker.GetUrl() +
-                     R"(", "topic": ")" + topic + '"' + more + "}");
+    return ConfigureMqtt(R"({"enabled": true, "client_id": "a test's host", "url": ")" + broker.GetUrl() +
+                         R"(", "topic": ")" + topic + '"' + more + "}");
 }
 
 boost::json::value GetIntake(HostProcess const& host) { return host.GetHealth().at("events").at("mqtt"); }
@@ -41,7 +39,7 @@ bool AwaitIntake(HostProcess const& host, char const* field, boost::json::value 
 std::string Post(HostProcess const& host, std::string const& body, std::string const& password) {
     Process curl({"curl", "-s", "-w", "%{http_code}", "--digest", "-u", "admin:" + password, "-H",
                   "Content-Type: application/json", "-d", body, host.GetUrl() + "/api/events"});
-    EXPECT_EQ(curl.Wait(20s), 0) << curl.GetLog();
+    EXPECT_EQ(curl.Wait(), 0) << curl.GetLog();
     return curl.GetOutput();
 }
 
@@ -78,7 +76,7 @@ TEST(Events, ComeOverMqtt) {
     EXPECT_TRUE(AwaitIntake(host, "received", 2));
     EXPECT_EQ(GetIntake(host), boost::json::parse(R"({"state": "connected", "detail": "", "received": 2, "refused": 1,
                                                       "events": 2})"));
-    EXPECT_TRUE(host.GetProcess().WaitForLog("event 1: colour: there is no such field", 10s));
+    EXPECT_TRUE(host.GetProcess().WaitForLog("event 1: colour: there is no such field"));
 }
 
 TEST(Events, AreLostNeitherByTheBrokerNorByTheHost) {
@@ -101,7 +99,7 @@ TEST(Events, AreLostNeitherByTheBrokerNorByTheHost) {
 
 TEST(Events, FollowTheConfiguration) {
     Broker const broker;
-    HostProcess host({.configuration = Configure("{}")});
+    HostProcess host({.configuration = ConfigureMqtt("{}")});
     EXPECT_EQ(GetIntake(host).at("state"), "off");
     auto const reload = [&](std::string const& configuration) {
         host.GetFolder().Write("config.json", configuration);
@@ -109,10 +107,10 @@ TEST(Events, FollowTheConfiguration) {
     };
     reload(Subscribe(broker, "events"));
     EXPECT_TRUE(AwaitIntake(host, "state", "connected"));
-    reload(Configure(R"({"enabled": true})"));
-    EXPECT_TRUE(host.GetProcess().WaitForLog("stays as it was: settings.events.mqtt.url: there is no broker", 10s));
+    reload(ConfigureMqtt(R"({"enabled": true})"));
+    EXPECT_TRUE(host.GetProcess().WaitForLog("stays as it was: settings.events.mqtt.url: there is no broker"));
     EXPECT_EQ(GetIntake(host).at("state"), "connected");
-    reload(Configure("{}"));
+    reload(ConfigureMqtt("{}"));
     EXPECT_TRUE(AwaitIntake(host, "state", "off"));
 }
 
@@ -122,16 +120,16 @@ TEST(Events, ShowNoPassword) {
         {.configuration = Subscribe(broker, "events", R"(, "user": "host", "password": "open sesame")")});
     ASSERT_TRUE(AwaitIntake(host, "state", "waiting"));
     EXPECT_THAT(boost::json::serialize(host.GetHealth()), Not(HasSubstr("sesame")));
-    EXPECT_TRUE(host.GetProcess().WaitForLog("login: ", 10s));
+    EXPECT_TRUE(host.GetProcess().WaitForLog("login: "));
     EXPECT_THAT(host.GetProcess().GetLog(), Not(HasSubstr("sesame")));
 }
 
 TEST(Events, LetTheHostStopInTime) {
     Broker const broker;
     for (auto const& url : {broker.GetUrl(), std::string("mqtt://192.0.2.1")}) {
-        HostProcess host({.configuration = Configure(R"({"enabled": true, "url": ")" + url + "\"}")});
+        HostProcess host({.configuration = ConfigureMqtt(R"({"enabled": true, "url": ")" + url + "\"}")});
         ASSERT_TRUE(Eventually([&] { return GetIntake(host).at("state") != "off"; }));
-        EXPECT_EQ(host.Stop(2s), 0);
+        host.ExpectStop();
     }
 }
 
@@ -141,8 +139,8 @@ TEST(Events, OfASettingThatMakesNoSenseKeepTheHostFromStarting) {
              {R"({"url": "mqtt://me:sesame@b"})", "settings.events.mqtt.url: "},
              {R"({"topic": "a#"})", "settings.events.mqtt.topic: \"a#\" is not a topic filter"}}) {
         TemporaryFolder const folder;
-        auto const host = HostProcess::Launch({.configuration = Configure(mqtt)}, folder);
-        EXPECT_EQ(host->Wait(20s), 2);
+        auto const host = HostProcess::Launch({.configuration = ConfigureMqtt(mqtt)}, folder);
+        EXPECT_EQ(host->Wait(), 2);
         EXPECT_THAT(host->GetLog(), testing::AllOf(HasSubstr("config.json: " + message), Not(HasSubstr("sesame"))));
     }
 }

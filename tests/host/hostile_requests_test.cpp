@@ -8,9 +8,6 @@
 namespace zarn::test {
 namespace {
 
-constexpr std::size_t Kilobyte = 1024;
-constexpr std::size_t Megabyte = 1024 * Kilobyte;
-
 /// A request without content, as it is written.
 std::string MakeGet(std::string_view target, std::string_view fields = {}, std::string_view method = "GET") {
     std::string request(method);
@@ -28,10 +25,7 @@ std::string WithNul(std::string text) {
     return text;
 }
 
-class HostileRequests : public HostileTest {
-protected:
-    HostileRequests() : HostileTest({"settings.limits.header_seconds=2", "settings.limits.idle_seconds=2"}) {}
-};
+class HostileRequests : public HostileTest {};
 
 TEST_F(HostileRequests, OfOddLinesAreAnswered) {
     std::string const rest = "\r\nHost: h\r\n\r\n";

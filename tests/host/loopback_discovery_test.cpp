@@ -16,7 +16,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-std::string Configure(bool enabled) {
+std::string ConfigureLoopback(bool enabled) {
     return std::string(R"({"settings": {"rtsp_port": 0, "web_port": 0, "onvif": {"enabled": )") +
            (enabled ? "true" : "false") + "}}}";
 }
@@ -24,12 +24,12 @@ std::string Configure(bool enabled) {
 class LoopbackDiscovery : public testing::Test {
 protected:
     void Start(bool enabled) {
-        host =
-            std::make_unique<HostProcess>(HostProcess::Options{.configuration = Configure(enabled), .folder = folder});
+        host = std::make_unique<HostProcess>(
+            HostProcess::Options{.configuration = ConfigureLoopback(enabled), .folder = folder});
     }
 
     void Reload(bool enabled) {
-        folder->Write("config.json", Configure(enabled));
+        folder->Write("config.json", ConfigureLoopback(enabled));
         host->GetProcess().Signal(SIGHUP);
     }
 

@@ -1,6 +1,7 @@
 #include "support/eventually.h"
 #include "support/host_process.h"
 #include "support/raw_connection.h"
+#include "support/reserved_port.h"
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
@@ -9,7 +10,6 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <chrono>
 #include <csignal>
 #include <memory>
 #include <string>
@@ -18,7 +18,6 @@
 namespace zarn::test {
 namespace {
 
-using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
@@ -128,14 +127,14 @@ TEST_F(Reload, KeepsTheRunningConfigurationWhenTheFileIsBroken) {
 TEST_F(Reload, KeepsTheRunningConfigurationWhenTheFileIsGone) {
     std::filesystem::remove(host.GetFolder() / "config.json");
     host.GetProcess().Signal(SIGHUP);
-    EXPECT_TRUE(host.GetProcess().WaitForLog("The configuration stays as it was", 10s));
+    EXPECT_TRUE(host.GetProcess().WaitForLog("The configuration stays as it was"));
     EXPECT_THAT(GetChannels(), ElementsAre("1", "2"));
 }
 
 TEST_F(Reload, KeepsPortsAndOverridesOfThisRun) {
     auto const rtspPort = host.GetRtspPort();
     Write(Configure("", R"(, "authentication": {"enabled": true})"));
-    ASSERT_TRUE(host.GetProcess().WaitForLog("again", 10s));
+    ASSERT_TRUE(host.GetProcess().WaitForLog("again"));
     EXPECT_TRUE(Eventually([&] { return GetChannels().empty(); }));
     EXPECT_EQ(host.GetRtspPort(), rtspPort);
     RawConnection connection(host.GetPort());
@@ -147,21 +146,9 @@ TEST_F(Reload, KeepsPortsAndOverridesOfThisRun) {
 TEST_F(Reload, SaysWhatChangesAtTheNextStartOnly) {
     Write(R"({"identity": {"name": "other"}, "settings": {"web_port": 0, "rtsp_port": 2}})");
     for (auto const* path : {"identity", "settings.rtsp_port"}) {
-        EXPECT_TRUE(host.GetProcess().WaitForLog(std::string(path) + " changes at the next start", 10s));
+        EXPECT_TRUE(host.GetProcess().WaitForLog(std::string(path) + " changes at the next start"));
     }
 }
-
-/// A port that nobody else has, held until it is released.
-class FreePort {
-public:
-    std::uint16_t Get() const { return acceptor.local_endpoint().port(); }
-
-    void Release() { acceptor.close(); }
-
-private:
-    boost::asio::io_context io;
-    boost::asio::ip::tcp::acceptor acceptor{io, {boost::asio::ip::tcp::v4(), 0}};
-};
 
 std::string WebPort(std::uint16_t port) {
     return R"({"settings": {"rtsp_port": 0, "web_port": )" + std::to_string(port) + "}}";
@@ -177,9 +164,8 @@ unsigned Ask(std::uint16_t port) {
 }
 
 TEST_F(Reload, MovesTheWebServer) {
-    FreePort next;
+    ReservedPort const next;
     auto const port = next.Get();
-    next.Release();
     Write(WebPort(port));
     EXPECT_TRUE(Eventually([&] { return Ask(port) == 200; })) << host.GetProcess().GetLog();
     EXPECT_TRUE(Eventually([&] { return Ask(host.GetPort()) == 0; }));
@@ -192,24 +178,25 @@ TEST_F(Reload, MovesTheWebServer) {
 TEST_F(Reload, KeepsThePortThatTheSystemChoseWhenTheFileNamesIt) {
     auto const port = host.GetPort();
     Write(WebPort(port));
-    ASSERT_TRUE(host.GetProcess().WaitForLog("again", 10s));
+    ASSERT_TRUE(host.GetProcess().WaitForLog("again"));
     host.GetProcess().Signal(SIGHUP);
     EXPECT_TRUE(Eventually([&] { return CountLogLines("again") == 2; }));
     EXPECT_EQ(Ask(port), 200U);
     Write(WebPort(0));
-    EXPECT_TRUE(host.GetProcess().WaitForLog("The web server has moved to port ", 10s));
+    EXPECT_TRUE(host.GetProcess().WaitForLog("The web server has moved to port "));
     EXPECT_EQ(CountLogLines("stays where it was"), 0U) << host.GetProcess().GetLog();
 }
 
 TEST_F(Reload, StaysWhereItIsUntilTheWantedPortIsFree) {
-    FreePort taken;
-    auto const port = taken.Get();
+    ReservedPort const reserved;
+    auto const port = reserved.Get();
+    boost::asio::io_context io;
+    boost::asio::ip::tcp::acceptor taken(io, {boost::asio::ip::tcp::v4(), port});
     Write(WebPort(port));
     EXPECT_TRUE(host.GetProcess().WaitForLog("The web server stays where it was: web port " + std::to_string(port) +
-                                                 " cannot be bound: Address already in use",
-                                             10s));
+                                             " cannot be bound: Address already in use"));
     EXPECT_EQ(Ask(host.GetPort()), 200U);
-    taken.Release();
+    taken.close();
     host.GetProcess().Signal(SIGHUP);
     EXPECT_TRUE(Eventually([&] { return Ask(port) == 200; }));
 }
@@ -217,9 +204,8 @@ TEST_F(Reload, StaysWhereItIsUntilTheWantedPortIsFree) {
 TEST_F(Reload, LeavesThePortOfTheCommandLine) {
     HostProcess fixed{
         {.arguments = {"--set", "settings.web_port=0", "--set", "settings.authentication.enabled=false"}}};
-    FreePort next;
+    ReservedPort const next;
     auto const port = next.Get();
-    next.Release();
     fixed.GetFolder().Write("config.json", R"({"settings": {"web_port": )" + std::to_string(port) +
                                                R"(, "rtsp_port": 0}, "channels": {"7": {"name": "G"}}})");
     fixed.GetProcess().Signal(SIGHUP);

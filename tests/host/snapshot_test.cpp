@@ -3,13 +3,11 @@
 
 #include <gmock/gmock.h>
 
-#include <chrono>
 #include <string>
 
 namespace zarn::test {
 namespace {
 
-using namespace std::chrono_literals;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -24,7 +22,7 @@ protected:
     std::string Fetch(std::string const& password, std::string const& id = "gate-1") const {
         Process curl({"curl", "-s", "-o", host.GetFolder() / "latest.jpeg", "-w", "%{http_code} %{content_type}\n",
                       "--digest", "-u", "admin:" + password, host.GetUrl() + "/snapshot/" + id + "/latest.jpeg"});
-        EXPECT_EQ(curl.Wait(10s), 0);
+        EXPECT_EQ(curl.Wait(), 0);
         return curl.GetOutput();
     }
 
@@ -45,7 +43,7 @@ TEST_F(SnapshotHost, ServesAPictureOfTheChannelsSize) {
     EXPECT_EQ(FetchPicture(), "200 image/jpeg\n");
     Process decoder({"ffprobe", "-v", "error", "-show_entries", "stream=codec_name,width,height", "-of", "csv=p=0",
                      host.GetFolder() / "latest.jpeg"});
-    ASSERT_EQ(decoder.Wait(20s), 0);
+    ASSERT_EQ(decoder.Wait(), 0);
     EXPECT_EQ(decoder.GetOutput(), "mjpeg,320,240\n");
 }
 
@@ -58,14 +56,14 @@ TEST_F(SnapshotHost, AnswersHeadWithTheLengthOnly) {
     FetchPicture();
     Process curl({"curl", "-s", "-I", "--digest", "-u", "admin:" + host.GetPassword(),
                   host.GetUrl() + "/snapshot/gate-1/latest.jpeg"});
-    ASSERT_EQ(curl.Wait(10s), 0);
-    ASSERT_TRUE(curl.WaitForOutput("200 OK", 1s)) << curl.GetOutput();
+    ASSERT_EQ(curl.Wait(), 0);
+    ASSERT_TRUE(curl.WaitForOutput("200 OK")) << curl.GetOutput();
     EXPECT_THAT(curl.GetOutput(), HasSubstr("Content-Type: image/jpeg"));
 }
 
 TEST_F(SnapshotHost, StopsInTimeWhileVideoRuns) {
     FetchPicture();
-    EXPECT_EQ(host.Stop(2s), 0);
+    host.ExpectStop();
 }
 
 } // namespace

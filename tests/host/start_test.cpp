@@ -5,7 +5,6 @@
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstddef>
 #include <filesystem>
 #include <fstream>
@@ -17,7 +16,6 @@
 namespace zarn::test {
 namespace {
 
-using namespace std::chrono_literals;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -33,7 +31,7 @@ struct Ended {
 
 Ended RunToEnd(HostProcess::Options const& options, TemporaryFolder const& folder = {}) {
     auto const process = HostProcess::Launch(options, folder);
-    int const status = process->Wait(10s).value_or(-1);
+    int const status = process->Wait().value_or(-1);
     return {status, process->GetOutput(), process->GetLog()};
 }
 

@@ -3,12 +3,9 @@
 #include <boost/json/parse.hpp>
 #include <gmock/gmock.h>
 
-#include <chrono>
-
 namespace zarn::test {
 namespace {
 
-using namespace std::chrono_literals;
 using testing::HasSubstr;
 
 TEST(StartWithoutAConfiguration, WritesTheDefaultConfigurationWhenThereIsNone) {
@@ -26,7 +23,7 @@ TEST(StartWithoutAConfiguration, LooksForTheConfigurationBelowTheHomeFolder) {
     TemporaryFolder const home;
     Process process({ZARN_HOST_PROGRAM, "--set", "settings.web_port=0", "--set", "settings.rtsp_port=0"},
                     {{"HOME", home.GetPath().string()}, {"XDG_CONFIG_HOME", ""}});
-    ASSERT_TRUE(process.WaitForOutput("ready", 20s)) << process.GetLog();
+    ASSERT_TRUE(process.WaitForOutput("ready")) << process.GetLog();
     EXPECT_THAT(home.Read(".config/zarn-host/config.json"), HasSubstr("test:ball"));
 }
 
@@ -34,7 +31,7 @@ TEST(StartWithoutAConfiguration, PrefersTheFolderForConfigurationsOverTheHomeFol
     TemporaryFolder const home;
     Process process({ZARN_HOST_PROGRAM, "--set", "settings.web_port=0", "--set", "settings.rtsp_port=0"},
                     {{"HOME", "/nonexistent"}, {"XDG_CONFIG_HOME", home.GetPath().string()}});
-    ASSERT_TRUE(process.WaitForOutput("ready", 20s)) << process.GetLog();
+    ASSERT_TRUE(process.WaitForOutput("ready")) << process.GetLog();
     EXPECT_THAT(home.Read("zarn-host/config.json"), HasSubstr("test:ball"));
 }
 

@@ -4,14 +4,11 @@
 
 #include <gmock/gmock.h>
 
-#include <chrono>
 #include <set>
 #include <string>
 
 namespace zarn::test {
 namespace {
-
-using namespace std::chrono_literals;
 
 constexpr char Configuration[] = R"({
   "settings": {"web_port": 0, "rtsp_port": 0, "onvif": {"enabled": false}},
@@ -50,7 +47,7 @@ protected:
                         "video/x-raw,format=GRAY8", "!", "identity", "eos-after=" + std::to_string(Frames + 1), "!",
                         "filesink", "location=" + pictures});
         // With which status it ends does not matter: it tends to interrupt its own PAUSE on the way.
-        EXPECT_TRUE(player.Wait(60s)) << player.GetLog();
+        EXPECT_TRUE(player.Wait()) << player.GetLog();
         return host.GetFolder().Read("pictures");
     }
 };
@@ -80,10 +77,10 @@ TEST_F(ViewingClient, FetchesTheSnapshotOfEveryProfile) {
         auto const file = host.GetFolder() / "snapshot.jpeg";
         Process curl({"curl", "-sS", "--fail", "--retry", "5", "--digest", "-u", "admin:" + host.GetPassword(), "-o",
                       file, uri});
-        ASSERT_EQ(curl.Wait(60s), 0) << uri << curl.GetLog();
+        ASSERT_EQ(curl.Wait(), 0) << uri << curl.GetLog();
         Process decoder(
             {"ffprobe", "-v", "error", "-show_entries", "stream=codec_name,width,height", "-of", "csv=p=0", file});
-        ASSERT_EQ(decoder.Wait(20s), 0) << decoder.GetLog();
+        ASSERT_EQ(decoder.Wait(), 0) << decoder.GetLog();
         auto const& resolution = *profile->Configurations->VideoEncoder->Resolution;
         EXPECT_EQ(decoder.GetOutput(),
                   "mjpeg," + std::to_string(resolution.Width) + "," + std::to_string(resolution.Height) + "\n");

@@ -37,7 +37,7 @@ export async function startHost(configuration = {}, {log = 'inherit'} = {}) {
             if (match) resolve(match[1]);
         });
         exit.then(code => reject(new Error(`zarn-host ended with ${code} before it was ready`)));
-        setTimeout(() => reject(new Error('zarn-host was not ready within 30 seconds')), 30000).unref();
+        setTimeout(() => reject(new Error('zarn-host was not ready within 60 seconds')), 60000).unref();
     });
     const stop = async () => {
         child.kill('SIGTERM');
@@ -55,7 +55,7 @@ export async function startHost(configuration = {}, {log = 'inherit'} = {}) {
 }
 
 // Waits until every channel of the host shows video, as its health page says.
-export async function waitForVideo(host, deadline = Date.now() + 20000) {
+export async function waitForVideo(host, deadline = Date.now() + 60000) {
     for (;;) {
         const health = await (await fetch(`http://${host.hostname}:${host.port}/api/health`)).json();
         if (health.channels.every(channel => channel.state === 'running')) return health;
@@ -67,7 +67,7 @@ export async function waitForVideo(host, deadline = Date.now() + 20000) {
 // Runs a program to its end. Returns {code, stdout, stderr}.
 export function run(program, args, options = {}) {
     return new Promise(resolve => {
-        execFile(program, args, {timeout: 30000, maxBuffer: 64 * 1024 * 1024, ...options},
+        execFile(program, args, {timeout: 60000, maxBuffer: 64 * 1024 * 1024, ...options},
             (error, stdout, stderr) => resolve({code: error ? error.code ?? 1 : 0, stdout, stderr}));
     });
 }

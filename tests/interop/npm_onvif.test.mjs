@@ -18,7 +18,7 @@ const channels = [
 function connect(host, options = {}) {
     return new Promise((resolve, reject) => {
         const cam = new onvif.Cam({
-            hostname: host.hostname, port: host.port, username: 'admin', password, timeout: 10000, ...options,
+            hostname: host.hostname, port: host.port, username: 'admin', password, timeout: 30000, ...options,
         }, error => error ? reject(error) : resolve(cam));
         cam.on('warning', warning => reject(new Error(warning)));
     });

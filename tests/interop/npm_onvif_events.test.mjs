@@ -13,7 +13,7 @@ const call = (cam, method, ...args) => promisify(cam[method].bind(cam))(...args)
 function connect(options) {
     return new Promise((resolve, reject) => {
         const cam = new onvif.Cam({
-            hostname: host.hostname, port: host.port, username: 'admin', password, timeout: 10000, ...options,
+            hostname: host.hostname, port: host.port, username: 'admin', password, timeout: 30000, ...options,
         }, error => error ? reject(error) : resolve(cam));
     });
 }

@@ -27,7 +27,7 @@ using Clock = std::chrono::steady_clock;
 /// How long events come; ZARN_EVENT_LOAD_SECONDS.
 std::chrono::seconds GetDuration() {
     char const* const text = std::getenv("ZARN_EVENT_LOAD_SECONDS");
-    return std::chrono::seconds(text ? std::stoi(text) : 2);
+    return std::chrono::seconds(text ? std::stoi(text) : 1);
 }
 
 /// What of the heap is in use, in MiB.

@@ -22,11 +22,6 @@ tcp::endpoint MakeEndpoint(std::string const& address, std::uint16_t port) {
     return {boost::asio::ip::make_address(address), port};
 }
 
-std::uint16_t FindFreePort(std::string const& address) {
-    boost::asio::io_context context;
-    return tcp::acceptor(context, MakeEndpoint(address, 0)).local_endpoint().port();
-}
-
 bool IsListening(std::string const& address, std::uint16_t port) {
     boost::asio::io_context context;
     tcp::socket socket(context);
@@ -44,27 +39,24 @@ std::string FindProgram() {
 } // namespace
 
 Broker::Broker(std::string lines, std::string listened)
-    : folder(std::make_unique<TemporaryFolder>()),
-      configuration(std::move(lines)),
-      address(std::move(listened)),
-      port(FindFreePort(address)) {
+    : folder(std::make_unique<TemporaryFolder>()), configuration(std::move(lines)), address(std::move(listened)) {
     Start();
 }
 
 void Broker::Stop() {
     process->Signal(SIGTERM);
-    if (!process->Wait(10s)) throw std::runtime_error("the broker does not end");
+    if (!process->Wait()) throw std::runtime_error("the broker does not end");
 }
 
 void Broker::Start() {
     // As root it would otherwise take on an account that may not write into the folder.
     auto const file =
-        folder->Write("mosquitto.conf", "listener " + std::to_string(port) + " " + address + "\nuser root\n" +
+        folder->Write("mosquitto.conf", "listener " + std::to_string(GetPort()) + " " + address + "\nuser root\n" +
                                             "persistence true\npersistence_location " + folder->GetPath().string() +
                                             "/\nmax_queued_messages 0\n" + configuration);
     process = std::make_unique<Process>(std::vector<std::string>{FindProgram(), "-c", file});
-    bool const decided = Eventually([&] { return IsListening(address, port) || process->Wait(0ms); });
-    if (!decided || !IsListening(address, port))
+    bool const decided = Eventually([&] { return IsListening(address, GetPort()) || process->Wait(0ms); });
+    if (!decided || !IsListening(address, GetPort()))
         throw std::runtime_error("the broker does not start: " + process->GetLog());
 }
 
@@ -73,7 +65,7 @@ void Broker::Publish(std::string const& topic, std::string const& payload, std::
                                      "-h",
                                      "127.0.0.1",
                                      "-p",
-                                     std::to_string(port),
+                                     std::to_string(GetPort()),
                                      "-q",
                                      "1",
                                      "-t",
@@ -82,7 +74,7 @@ void Broker::Publish(std::string const& topic, std::string const& payload, std::
                                      folder->Write("payload", payload)};
     command.insert(command.end(), arguments.begin(), arguments.end());
     Process publisher(command);
-    if (publisher.Wait(20s) != 0) throw std::runtime_error("mosquitto_pub: " + publisher.GetLog());
+    if (publisher.Wait() != 0) throw std::runtime_error("mosquitto_pub: " + publisher.GetLog());
 }
 
 void Broker::PublishNumbered(std::string const& topic, int count) const {
@@ -91,7 +83,7 @@ void Broker::PublishNumbered(std::string const& topic, int count) const {
     int acknowledged = 0;
     mosquitto_user_data_set(client, &acknowledged);
     mosquitto_publish_callback_set(client, [](auto*, void* number, int) { ++*static_cast<int*>(number); });
-    int result = mosquitto_connect(client, address.c_str(), port, 60);
+    int result = mosquitto_connect(client, address.c_str(), GetPort(), 60);
     for (int i = 0; i < count && result == MOSQ_ERR_SUCCESS; ++i) {
         auto const payload = R"({"type": ")" + std::to_string(i) + "\"}";
         result = mosquitto_publish(client, nullptr, topic.c_str(), static_cast<int>(payload.size()), payload.data(), 1,

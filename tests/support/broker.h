@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/process.h"
+#include "support/reserved_port.h"
 #include "support/temporary_folder.h"
 
 #include <cstdint>
@@ -10,7 +11,8 @@
 
 namespace zarn::test {
 
-/// A mosquitto broker on a free port of an address of this machine, which keeps its sessions in a folder of the test.
+/// A mosquitto broker on a port of its own of an address of this machine, which keeps its sessions in a folder of the
+/// test.
 class Broker {
 public:
     /// lines    of its configuration, behind the listener's
@@ -24,9 +26,9 @@ public:
     /// Starts it anew, on the same port with the same sessions.
     void Start();
 
-    std::uint16_t GetPort() const { return port; }
+    std::uint16_t GetPort() const { return port.Get(); }
 
-    std::string GetUrl() const { return "mqtt://" + address + ':' + std::to_string(port); }
+    std::string GetUrl() const { return "mqtt://" + address + ':' + std::to_string(GetPort()); }
 
     /// Publishes with QoS 1, in order, and returns when the broker has them all.
     /// arguments  further ones for mosquitto_pub
@@ -41,7 +43,7 @@ private:
     std::unique_ptr<TemporaryFolder> folder;
     std::string configuration;
     std::string address;
-    std::uint16_t port;
+    ReservedPort port; ///< also while the broker is stopped
     std::unique_ptr<Process> process;
 };
 

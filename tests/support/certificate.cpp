@@ -11,7 +11,7 @@ namespace {
 
 void Run(std::vector<std::string> const& command) {
     Process openssl(command);
-    if (openssl.Wait(std::chrono::seconds(20)) != 0) throw std::runtime_error("openssl: " + openssl.GetLog());
+    if (openssl.Wait() != 0) throw std::runtime_error("openssl: " + openssl.GetLog());
 }
 
 } // namespace

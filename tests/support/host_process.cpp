@@ -35,14 +35,15 @@ std::unique_ptr<Process> HostProcess::Launch(Options const& options, TemporaryFo
                                             .string());
     environment.emplace("ZARN_HOST_PASSWORD", options.password);
     if (!options.configuration.empty()) folder.Write("config.json", options.configuration);
-    return std::make_unique<Process>(std::move(arguments), environment);
+    return std::make_unique<Process>(std::move(arguments), environment,
+                                     options.endsItself ? std::vector<int>() : std::vector{SIGALRM});
 }
 
 HostProcess::HostProcess(Options options)
     : folder(options.folder ? options.folder : std::make_shared<TemporaryFolder>()),
       password(options.password),
       process(Launch(options, *folder)) {
-    bool const ready = process->WaitForOutput("/onvif/device_service\n", std::chrono::seconds(20));
+    bool const ready = process->WaitForOutput("/onvif/device_service\n");
     std::string const output = process->GetOutput();
     std::smatch match;
     if (!ready ||
@@ -71,6 +72,12 @@ std::uint16_t HostProcess::GetRtspPort() const {
 int HostProcess::Stop(std::chrono::milliseconds limit) {
     process->Signal(SIGTERM);
     return process->Wait(limit).value_or(-1);
+}
+
+void HostProcess::ExpectStop() {
+    auto const before = process->GetProcessorTime();
+    EXPECT_EQ(Stop(), 0) << process->GetLog();
+    EXPECT_LT(process->GetProcessorTime() - before, std::chrono::seconds(1));
 }
 
 } // namespace zarn::test

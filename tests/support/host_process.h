@@ -34,13 +34,17 @@ public:
 
         /// Where the configuration is, as `config.json`; null: a new folder.
         std::shared_ptr<TemporaryFolder> folder = {};
+
+        /// Whether the host may end itself when it does not stop in time. If not, a test sees that it does not stop,
+        /// and a slow machine does not look like it.
+        bool endsItself = false;
     };
 
     /// Free ports, no discovery, and two channels without video.
     static char const* const TwoDescribedChannels;
 
     /// Starts the host and waits until it is ready. Throws std::runtime_error with its log when it ends instead, or is
-    /// not ready within 20 seconds.
+    /// not ready within Process::Generous.
     explicit HostProcess(Options options);
 
     HostProcess() : HostProcess(Options{}) {}
@@ -67,7 +71,11 @@ public:
     TemporaryFolder const& GetFolder() const { return *folder; }
 
     /// Sends SIGTERM and waits for the end; the exit status, -1 when it does not come within `limit`.
-    int Stop(std::chrono::milliseconds limit = std::chrono::seconds(10));
+    int Stop(std::chrono::milliseconds limit = Process::Generous);
+
+    /// Expects that the host stops without waiting for anybody, and with little work. For one whose clients it would
+    /// have to wait for longer than Process::Generous.
+    void ExpectStop();
 
     /// The program itself: signals, output, log.
     Process& GetProcess() { return *process; }

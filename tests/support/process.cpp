@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <spawn.h>
+#include <sys/resource.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -14,6 +15,7 @@
 #include <csignal>
 #include <cstddef>
 #include <cstring>
+#include <ctime>
 #include <stdexcept>
 #include <utility>
 
@@ -45,18 +47,31 @@ std::vector<char*> ToPointers(std::vector<std::string>& texts) {
     return pointers;
 }
 
+std::chrono::nanoseconds ToNanoseconds(timeval const& time) {
+    return std::chrono::seconds(time.tv_sec) + std::chrono::microseconds(time.tv_usec);
+}
+
 } // namespace
 
-Process::Process(std::vector<std::string> arguments, std::map<std::string, std::string> const& environment) {
+Process::Process(std::vector<std::string> arguments, std::map<std::string, std::string> const& environment,
+                 std::vector<int> const& heldSignals) {
     auto const outputPipe = MakePipe();
     auto const logPipe = MakePipe();
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, outputPipe[1], STDOUT_FILENO);
     posix_spawn_file_actions_adddup2(&actions, logPipe[1], STDERR_FILENO);
+    sigset_t held;
+    pthread_sigmask(SIG_SETMASK, nullptr, &held);
+    for (int const signal : heldSignals) sigaddset(&held, signal);
+    posix_spawnattr_t attributes;
+    posix_spawnattr_init(&attributes);
+    posix_spawnattr_setsigmask(&attributes, &held);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
     auto variables = MakeEnvironment(environment);
-    int const error = posix_spawnp(&id, arguments.at(0).c_str(), &actions, nullptr, ToPointers(arguments).data(),
+    int const error = posix_spawnp(&id, arguments.at(0).c_str(), &actions, &attributes, ToPointers(arguments).data(),
                                    ToPointers(variables).data());
+    posix_spawnattr_destroy(&attributes);
     posix_spawn_file_actions_destroy(&actions);
     close(outputPipe[1]);
     close(logPipe[1]);
@@ -90,10 +105,21 @@ std::optional<int> Process::Wait(std::chrono::milliseconds limit) {
     close(watch);
     if (ended != 1) return std::nullopt;
     int raw = 0;
-    waitpid(id, &raw, 0);
+    rusage use{};
+    wait4(id, &raw, 0, &use);
+    processorTime = ToNanoseconds(use.ru_utime) + ToNanoseconds(use.ru_stime);
     status = WIFEXITED(raw) ? WEXITSTATUS(raw) : 128 + WTERMSIG(raw);
     AwaitEndOfStreams();
     return status;
+}
+
+std::chrono::nanoseconds Process::GetProcessorTime() const {
+    if (status) return processorTime;
+    clockid_t clock{};
+    timespec time{};
+    if (clock_getcpuclockid(id, &clock) != 0 || clock_gettime(clock, &time) != 0)
+        throw std::runtime_error("the processor time of a process cannot be read");
+    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
 }
 
 std::string Process::GetOutput() const {

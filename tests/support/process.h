@@ -16,10 +16,16 @@ namespace zarn::test {
 /// A program that a test has started, with what it writes. Killed when the object goes.
 class Process {
 public:
+    /// For what is expected to happen at all, on a machine that may be busy with something else for seconds. Only a
+    /// test that fails waits for it.
+    static constexpr std::chrono::seconds Generous{30};
+
     /// arguments    program (found by PATH when it has no "/") and arguments
     /// environment  variables that are set, or with an empty value unset, beside those of the test
+    /// heldSignals  those that do not reach it, on top of those that do not reach the test
     /// Throws std::runtime_error when it cannot be started.
-    explicit Process(std::vector<std::string> arguments, std::map<std::string, std::string> const& environment = {});
+    explicit Process(std::vector<std::string> arguments, std::map<std::string, std::string> const& environment = {},
+                     std::vector<int> const& heldSignals = {});
 
     /// Kills the program if it still runs.
     ~Process();
@@ -31,7 +37,7 @@ public:
 
     /// Waits until the program ends, or `limit` is over. Its exit status, 128 + signal for one that was killed; none
     /// when it still runs. Once it has ended, output and log are complete.
-    std::optional<int> Wait(std::chrono::milliseconds limit);
+    std::optional<int> Wait(std::chrono::milliseconds limit = Generous);
 
     /// What the program has written so far to standard output and standard error.
     std::string GetOutput() const;
@@ -39,8 +45,12 @@ public:
 
     /// Waits until the standard output or the log contains `text`; false when `limit` is over or the program has ended
     /// without it.
-    bool WaitForOutput(std::string_view text, std::chrono::milliseconds limit) const;
-    bool WaitForLog(std::string_view text, std::chrono::milliseconds limit) const;
+    bool WaitForOutput(std::string_view text, std::chrono::milliseconds limit = Generous) const;
+    bool WaitForLog(std::string_view text, std::chrono::milliseconds limit = Generous) const;
+
+    /// What all its threads together have worked so far, those that have ended included; when `Wait` has seen its end,
+    /// up to then. What else the machine does hardly changes it.
+    std::chrono::nanoseconds GetProcessorTime() const;
 
     pid_t GetId() const { return id; }
 
@@ -58,6 +68,7 @@ private:
 
     pid_t id = -1;
     std::optional<int> status;
+    std::chrono::nanoseconds processorTime{}; ///< when it has ended
     mutable std::mutex mutex;
     Stream output;
     Stream log;

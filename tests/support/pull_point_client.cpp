@@ -26,7 +26,7 @@ std::string MakePull(int limit, std::string const& timeout) {
 } // namespace
 
 PullPointClient::Answer PullPointClient::Call::Get() {
-    if (curl->Wait(20s) != 0) throw std::runtime_error("no answer: " + curl->GetLog());
+    if (curl->Wait() != 0) throw std::runtime_error("no answer: " + curl->GetLog());
     auto body = curl->GetOutput();
     auto const end = body.rfind('\n');
     int const status = std::stoi(body.substr(end + 1));

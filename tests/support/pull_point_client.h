@@ -28,10 +28,7 @@ public:
     public:
         explicit Call(std::vector<std::string> command) : curl(std::make_unique<Process>(std::move(command))) {}
 
-        /// Whether the answer does not come within `limit`.
-        bool IsWaiting(std::chrono::milliseconds limit) { return !curl->Wait(limit); }
-
-        /// Waits for the answer. Throws std::runtime_error when none comes within 20 seconds.
+        /// Waits for the answer. Throws std::runtime_error when none comes within Process::Generous.
         Answer Get();
 
     private:

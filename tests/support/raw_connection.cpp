@@ -95,6 +95,11 @@ std::string RawConnection::ReadAll() {
     return std::exchange(received, {});
 }
 
+bool RawConnection::HasUnread() {
+    pollfd entry{socket.native_handle(), POLLIN, 0};
+    return !received.empty() || poll(&entry, 1, 0) == 1;
+}
+
 bool RawConnection::IsClosedWithin(std::chrono::milliseconds wait) {
     try {
         return !Fill(wait) && received.empty();

@@ -29,7 +29,7 @@ public:
         Smallest, ///< some kilobytes, so that whoever answers more waits for it
     };
 
-    explicit RawConnection(std::uint16_t port, std::chrono::milliseconds limit = std::chrono::seconds(10),
+    explicit RawConnection(std::uint16_t port, std::chrono::milliseconds limit = std::chrono::seconds(30),
                            Window window = Window::Usual);
 
     /// Sends bytes. What a peer that has closed does not take is dropped.
@@ -50,6 +50,9 @@ public:
 
     /// Reads everything up to the end of the connection.
     std::string ReadAll();
+
+    /// Whether something has come that is not read yet, or the end of the connection.
+    bool HasUnread();
 
     /// Whether the server ends the connection within `limit`, with nothing more to read.
     bool IsClosedWithin(std::chrono::milliseconds limit);
