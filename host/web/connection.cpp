@@ -38,9 +38,6 @@ constexpr std::size_t FirstRead = 4096;
 constexpr std::chrono::seconds LingerTime{2};
 constexpr std::size_t LingerBytes = 16 * 1024 * 1024;
 
-/// How long a connection that is to end is given for a request that is on its way.
-constexpr std::chrono::seconds LastRequestTime{1};
-
 /// Line ends that are skipped in front of a request. Whoever sends more of them would be one who never says anything,
 /// and yet is never silent for long enough.
 constexpr int MostSkipped = 4;
@@ -79,11 +76,11 @@ public:
     }
 
     void Finish() override {
+        finishing = true; // at once: a response that is made from now on already says so
         asio::post(stream.get_executor(), [self = Self()] {
-            self->finishing = true;
             if (!self->idle) return;
             // What has been read already is not lost by that.
-            self->deadline = Clock::now() + LastRequestTime;
+            self->deadline = Clock::now() + self->context->GetLastRequestTime();
             beast::error_code ignored;
             GetSocket(self->stream).cancel(ignored);
         });
@@ -106,7 +103,7 @@ private:
         return [self = Self(), method](beast::error_code error, std::size_t = 0) { ((*self).*method)(error); };
     }
 
-    void Allow(std::chrono::seconds time) {
+    void Allow(Clock::duration time) {
         timedOut = false;
         deadline = Clock::now() + time;
     }
@@ -130,7 +127,7 @@ private:
         if (buffer.size() > 0) return ReadHeader();
         if (IsFinishing() && !MayHaveRequest()) return Linger();
         idle = true;
-        Allow(IsFinishing() ? LastRequestTime : context->GetLimits().idleTime);
+        Allow(IsFinishing() ? Clock::duration(context->GetLastRequestTime()) : context->GetLimits().idleTime);
         stream.async_read_some(buffer.prepare(FirstRead), [self = Self()](beast::error_code error, std::size_t count) {
             self->idle = false;
             self->buffer.commit(count);
@@ -278,14 +275,14 @@ private:
     Admission::Slot slot;
     std::shared_ptr<ConnectionContext> context;
     std::atomic<Clock::time_point> deadline = Clock::time_point::max(); ///< of the present operation
+    std::atomic<bool> finishing = false;                                ///< no request follows the present one
 
     // Only touched on the stream's strand.
     Limits limits;         ///< of the present request
     bool timedOut = false; ///< the present operation was cancelled because its time was over
     bool idle = false;     ///< waiting for the first byte of a request
     bool fresh = true;     ///< nothing of a request has come yet
-    bool finishing = false;
-    int skipped = 0; ///< bytes of line ends in front of the next request
+    int skipped = 0;       ///< bytes of line ends in front of the next request
     beast::flat_buffer buffer{MaximumHeader + FirstRead};
     std::optional<RequestParser> parser;
     std::optional<RequestParser::value_type::header_type> checkedHeader; ///< of a chunked request

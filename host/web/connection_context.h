@@ -4,6 +4,7 @@
 #include "host/web/limits.h"
 
 #include <atomic>
+#include <chrono>
 #include <mutex>
 
 namespace zarn::host::web {
@@ -11,10 +12,14 @@ namespace zarn::host::web {
 /// What all connections of a server share. Thread: any.
 class ConnectionContext {
 public:
-    /// dispatcher  answers the requests; must outlive the context
-    ConnectionContext(Dispatcher& dispatcher, Limits const& limits) : dispatcher(dispatcher), limits(limits) {}
+    /// dispatcher       answers the requests; must outlive the context
+    /// lastRequestTime  for a request that is on its way to a connection that is to end
+    ConnectionContext(Dispatcher& dispatcher, Limits const& limits, std::chrono::milliseconds lastRequestTime)
+        : dispatcher(dispatcher), lastRequestTime(lastRequestTime), limits(limits) {}
 
     Dispatcher& GetDispatcher() const noexcept { return dispatcher; }
+
+    std::chrono::milliseconds GetLastRequestTime() const noexcept { return lastRequestTime; }
 
     Limits GetLimits() const {
         std::lock_guard const lock(mutex);
@@ -33,6 +38,7 @@ public:
 
 private:
     Dispatcher& dispatcher;
+    std::chrono::milliseconds const lastRequestTime;
     std::atomic<bool> finishing = false;
     mutable std::mutex mutex; ///< guards limits
     Limits limits;

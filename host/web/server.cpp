@@ -60,7 +60,7 @@ public:
           failedLogins(options.failedLogins),
           ticker(io),
           dispatcher(std::move(router), ticker, *admission, *failedLogins),
-          context(std::make_shared<ConnectionContext>(dispatcher, options.limits)),
+          context(std::make_shared<ConnectionContext>(dispatcher, options.limits, options.lastRequestTime)),
           sweeping(asio::make_strand(io)),
           sweeper(sweeping, SweepInterval, "The deadlines of the connections were not looked at", [this] { Sweep(); }),
           work(io.get_executor()) {}

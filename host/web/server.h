@@ -28,6 +28,9 @@ public:
         /// Threads that run the I/O context.
         unsigned threads = 2;
 
+        /// What a connection that is to end waits for a request that is on its way to it.
+        std::chrono::milliseconds lastRequestTime{1000};
+
         /// Counts connections and exchanges; never null.
         std::shared_ptr<Admission> admission = std::make_shared<Admission>();
 

@@ -93,9 +93,9 @@ TEST(Heap, WaitsForMemoryOnlySoLong) {
     EXPECT_THROW(need(), std::bad_alloc);
     auto const waited = Clock::now() - begin;
     EXPECT_GE(waited, 100ms);
-    EXPECT_LT(waited, 5s);
+    EXPECT_LT(waited, 60s);
     EXPECT_GT(CountShortages(), before);
-    std::this_thread::sleep_for(5ms);
+    std::this_thread::sleep_for(5ms); // by which a further call is for another allocation
     EXPECT_NO_THROW(handler()) << "the next one may wait again";
 }
 

@@ -4,6 +4,7 @@
 #include <zarn/logging/capture.h>
 
 #include <boost/asio/post.hpp>
+#include <boost/asio/steady_timer.hpp>
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -27,15 +28,17 @@ protected:
     }
 
     bool AwaitCalls(int count) const {
-        auto const deadline = std::chrono::steady_clock::now() + 5s;
+        auto const deadline = std::chrono::steady_clock::now() + 60s;
         while (calls < count && std::chrono::steady_clock::now() < deadline) std::this_thread::yield();
         return calls >= count;
     }
 
+    static constexpr auto Interval = 1ms;
+
     logging::Capture log;
     std::atomic<int> calls = 0;
     IoThread io;
-    RepeatingTimer timer{io.GetContext().get_executor(), 1ms, "The work was not done", [this] {
+    RepeatingTimer timer{io.GetContext().get_executor(), Interval, "The work was not done", [this] {
                              if (++calls <= 2) throw std::runtime_error("no memory");
                          }};
 };
@@ -51,7 +54,11 @@ TEST_F(RepeatingTimerTest, CallsNoMoreOnceItIsStopped) {
     ASSERT_TRUE(AwaitCalls(3));
     Run([this] { timer.Stop(); });
     int const called = calls;
-    std::this_thread::sleep_for(20ms);
+    // A timer that runs out later than the next call would be due.
+    std::promise<void> later;
+    boost::asio::steady_timer pause(io.GetContext(), 5 * Interval);
+    pause.async_wait([&](boost::system::error_code) { later.set_value(); });
+    later.get_future().wait();
     EXPECT_EQ(calls, called);
 }
 

@@ -2,10 +2,14 @@
 
 #include <gmock/gmock.h>
 
+#include <functional>
+#include <memory>
 #include <optional>
+#include <stdexcept>
 #include <stop_token>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace zarn::host::web {
@@ -13,6 +17,7 @@ namespace {
 
 using namespace std::chrono_literals;
 using test::RawConnection;
+using test::RawResponse;
 using Clock = std::chrono::steady_clock;
 
 class ServerBounds : public ServerTest {
@@ -22,8 +27,27 @@ protected:
         auto connection = Connect();
         auto const response = connection.Exchange(bytes);
         EXPECT_EQ(response.fields.at("connection"), "close");
-        EXPECT_TRUE(connection.IsClosedWithin(5s));
+        EXPECT_TRUE(connection.IsClosedWithin(Patience));
         return response.status;
+    }
+
+    /// A connection on which these bytes have been sent and `hasBegun` holds. A server of little patience may end the
+    /// connection before they come, as a slow machine has it: then on another one.
+    std::unique_ptr<RawConnection> Begin(std::string const& bytes,
+                                         std::function<bool(RawConnection&)> const& hasBegun) {
+        for (int i = 0; i < 20; ++i) {
+            auto connection = std::make_unique<RawConnection>(port, Patience);
+            connection->Send(bytes);
+            if (hasBegun(*connection)) return connection;
+        }
+        throw std::runtime_error("the server ends every connection before a request");
+    }
+
+    /// A connection on which a first request has been answered, with its answer.
+    std::pair<std::unique_ptr<RawConnection>, RawResponse> BeginAnswered(std::string const& bytes) {
+        std::optional<RawResponse> response;
+        auto connection = Begin(bytes, [&](RawConnection& each) { return (response = each.ReadIfAny()).has_value(); });
+        return {std::move(connection), *std::move(response)};
     }
 };
 
@@ -83,51 +107,49 @@ TEST_F(ServerBounds, RefuseALengthThatIsSaidTwice) {
 TEST_F(ServerBounds, HoldForTheTimeOfAHeader) {
     Start({.headerTime = 1s});
     auto connection = Connect();
-    connection.Send("GET /wait HT");
     auto const begun = Clock::now();
+    connection.Send("GET /wait HT");
     EXPECT_EQ(connection.Read().status, 408U);
-    EXPECT_GE(Clock::now() - begun, 900ms);
-    EXPECT_TRUE(connection.IsClosedWithin(5s));
+    EXPECT_GE(Clock::now() - begun, 1s);
+    EXPECT_TRUE(connection.IsClosedWithin(Patience));
 }
 
 TEST_F(ServerBounds, HoldForTheTimeOfAHeaderThatDripsIn) {
     Start({.headerTime = 1s});
     auto connection = Connect();
-    auto const begun = Clock::now();
     connection.Send("GET /wait HTTP/1.1\r\nF: ");
-    while (Clock::now() - begun < 1500ms) {
-        connection.Send("x");
-        std::this_thread::sleep_for(20ms);
-    }
+    std::jthread const drip([&](std::stop_token const& stop) {
+        for (; !stop.stop_requested(); std::this_thread::sleep_for(20ms)) connection.Send("x");
+    });
     EXPECT_EQ(connection.Read().status, 408U);
 }
 
 TEST_F(ServerBounds, HoldForTheTimeOfABody) {
     Start({.idleTime = 1s});
-    auto connection = Connect();
-    EXPECT_EQ(connection.Exchange("POST /echo/a HTTP/1.1\r\nHost: h\r\nContent-Length: 5\r\n\r\nhel").status, 408U);
+    EXPECT_EQ(BeginAnswered("POST /echo/a HTTP/1.1\r\nHost: h\r\nContent-Length: 5\r\n\r\nhel").second.status, 408U);
 }
 
 TEST_F(ServerBounds, HoldForTheTimeOfABodyThatNeverLetsTheServerWait) {
-    Start({.bodyBytes = 1024 * 1024 * 1024, .idleTime = 1s});
+    Start();
     auto connection = Connect();
+    ASSERT_TRUE(AwaitConnections(1));
+    server->SetLimits({.bodyBytes = 1024 * 1024 * 1024, .idleTime = 1s});
     connection.Send("POST /echo/a HTTP/1.1\r\nHost: h\r\nTransfer-Encoding: chunked\r\n\r\n");
     std::string chunks;
     for (int i = 0; i < 1000; ++i) chunks += "1\r\nx\r\n";
     std::jthread const flood([&](std::stop_token const& stop) {
         while (!stop.stop_requested()) connection.Send(chunks);
     });
-    ASSERT_TRUE(AwaitConnections(1));
     EXPECT_TRUE(AwaitConnections(0));
 }
 
 TEST_F(ServerBounds, EndAConnectionOnWhichNothingIsSaid) {
     Start({.idleTime = 1s});
     auto silent = Connect();
-    auto served = Connect();
-    EXPECT_EQ(served.Exchange(Echo()).status, 200U);
-    EXPECT_TRUE(silent.IsClosedWithin(5s));
-    EXPECT_TRUE(served.IsClosedWithin(5s));
+    auto const [served, response] = BeginAnswered(Echo());
+    EXPECT_EQ(response.status, 200U);
+    EXPECT_TRUE(silent.IsClosedWithin(Patience));
+    EXPECT_TRUE(served->IsClosedWithin(Patience));
 }
 
 TEST_F(ServerBounds, HoldForTheEmptyLinesBeforeARequest) {
@@ -140,18 +162,24 @@ TEST_F(ServerBounds, HoldForTheEmptyLinesBeforeARequest) {
 
 TEST_F(ServerBounds, DoNotEndAConnectionThatWaitsForItsAnswer) {
     Start({.headerTime = 1s, .idleTime = 1s});
-    auto connection = Connect();
-    connection.Send(Wait);
-    EXPECT_FALSE(connection.IsClosedWithin(1800ms));
+    auto const connection = Begin(Wait, [&](RawConnection& each) {
+        while (admission->GetExchanges() == 0 && !each.IsClosedWithin(1ms)) {
+        }
+        return admission->GetExchanges() == 1;
+    });
+    auto later = Connect();
+    EXPECT_TRUE(later.IsClosedWithin(Patience)) << "the time of connections that wait is not over";
+    EXPECT_FALSE(connection->IsClosedWithin(0ms));
     Release();
-    EXPECT_EQ(connection.Read().body, "waited");
+    EXPECT_EQ(connection->Read().body, "waited");
 }
 
 TEST_F(ServerBounds, EndAConnectionThatDoesNotReadItsAnswer) {
-    Start({.idleTime = 1s});
+    Start();
     auto connection = Connect();
-    connection.Send("GET /big HTTP/1.1\r\nHost: h\r\n\r\n");
     ASSERT_TRUE(AwaitConnections(1));
+    server->SetLimits({.idleTime = 1s});
+    connection.Send("GET /big HTTP/1.1\r\nHost: h\r\n\r\n");
     EXPECT_TRUE(AwaitConnections(0));
 }
 
@@ -164,9 +192,8 @@ TEST_F(ServerBounds, KeepSlowClientsFromHoldingUpOthers) {
         slow.push_back(std::make_unique<RawConnection>(port));
         slow.back()->Send("GET /big HTTP/1.1\r\nHost: h\r\n\r\n");
     }
-    auto const begun = Clock::now();
     EXPECT_EQ(Connect().Exchange(Echo()).status, 200U);
-    EXPECT_LT(Clock::now() - begun, 2s);
+    EXPECT_GE(admission->GetConnections(), slow.size()) << "it waited for slow ones to end";
 }
 
 TEST_F(ServerBounds, HoldForTheConnectionsInAll) {

@@ -72,11 +72,13 @@ ServerTest::~ServerTest() = default;
 void ServerTest::Start(Limits const& limits, std::shared_ptr<boost::asio::ssl::context> tls) {
     Listener listener(io, 0);
     port = listener.GetPort();
-    server = std::make_unique<Server>(io, std::move(listener),
-                                      Router({{"/echo/", std::make_shared<EchoService>()},
-                                              {"/wait", std::make_shared<WaitService>(released)},
-                                              {"/big", std::make_shared<BigService>(BigSize)}}),
-                                      Server::Options{.limits = limits, .tls = std::move(tls), .admission = admission});
+    server = std::make_unique<Server>(
+        io, std::move(listener),
+        Router({{"/echo/", std::make_shared<EchoService>()},
+                {"/wait", std::make_shared<WaitService>(released)},
+                {"/big", std::make_shared<BigService>(BigSize)}}),
+        Server::Options{
+            .limits = limits, .tls = std::move(tls), .lastRequestTime = lastRequestTime, .admission = admission});
 }
 
 std::string ServerTest::Echo(std::string const& body, std::string const& fields) {
@@ -85,11 +87,11 @@ std::string ServerTest::Echo(std::string const& body, std::string const& fields)
 }
 
 bool ServerTest::AwaitExchanges(std::size_t count) const {
-    return test::Eventually([&] { return admission->GetExchanges() == count; });
+    return test::Eventually([&] { return admission->GetExchanges() == count; }, Patience);
 }
 
 bool ServerTest::AwaitConnections(std::size_t count) const {
-    return test::Eventually([&] { return admission->GetConnections() == count; });
+    return test::Eventually([&] { return admission->GetConnections() == count; }, Patience);
 }
 
 } // namespace zarn::host::web

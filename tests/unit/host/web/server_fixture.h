@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <memory>
 #include <string>
 
@@ -15,6 +16,9 @@ namespace zarn::host::web {
 /// it got, in lines; `/wait` answers when the test says so; `/big` answers a GET with BigSize bytes.
 class ServerTest : public testing::Test {
 protected:
+    /// How long to wait for what is to happen: long enough for a machine that hardly runs.
+    static constexpr std::chrono::seconds Patience{60};
+
     static constexpr std::size_t BigSize = 32 * 1024 * 1024;
 
     ServerTest();
@@ -22,14 +26,14 @@ protected:
 
     void Start(Limits const& limits = {}, std::shared_ptr<boost::asio::ssl::context> tls = {});
 
-    test::RawConnection Connect() const { return test::RawConnection(port); }
+    test::RawConnection Connect() const { return test::RawConnection(port, Patience); }
 
     /// A POST to /echo/a with these further fields and this body.
     static std::string Echo(std::string const& body = "hello", std::string const& fields = {});
 
     static constexpr char const* Wait = "GET /wait HTTP/1.1\r\nHost: h\r\n\r\n";
 
-    /// Waits until the server has as many exchanges under way; false when it does not come to that within 5 seconds.
+    /// Waits until the server has as many exchanges under way; false when it does not come to that within the patience.
     bool AwaitExchanges(std::size_t count) const;
     bool AwaitConnections(std::size_t count) const;
 
@@ -38,6 +42,7 @@ protected:
 
     std::shared_ptr<std::atomic<bool>> released = std::make_shared<std::atomic<bool>>(false);
     std::shared_ptr<Admission> admission = std::make_shared<Admission>();
+    std::chrono::milliseconds lastRequestTime = Patience; ///< of the server that Start makes
     boost::asio::io_context io;
     std::uint16_t port = 0;
     std::unique_ptr<Server> server;

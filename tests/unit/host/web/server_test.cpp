@@ -34,7 +34,7 @@ TEST_F(ServerTest, ClosesAConnectionWhenTheClientAsksForIt) {
     Start();
     auto connection = Connect();
     EXPECT_EQ(connection.Exchange(Echo("a", "Connection: close\r\n")).fields.at("connection"), "close");
-    EXPECT_TRUE(connection.IsClosedWithin(5s));
+    EXPECT_TRUE(connection.IsClosedWithin(Patience));
 }
 
 TEST_F(ServerTest, ServesClientsOfHttpOneZero) {
@@ -42,7 +42,7 @@ TEST_F(ServerTest, ServesClientsOfHttpOneZero) {
     auto connection = Connect();
     auto const response = connection.Exchange("POST /echo/a HTTP/1.0\r\nContent-Length: 1\r\n\r\na");
     EXPECT_EQ(response.fields.at("connection"), "close");
-    EXPECT_TRUE(connection.IsClosedWithin(5s));
+    EXPECT_TRUE(connection.IsClosedWithin(Patience));
 }
 
 TEST_F(ServerTest, KeepsAnHttpOneZeroConnectionOnlyWhenAsked) {
