@@ -57,7 +57,8 @@ MqttClient::Library::Library() { mosquitto_lib_init(); }
 
 MqttClient::Library::~Library() { mosquitto_lib_cleanup(); }
 
-MqttClient::MqttClient(Sink sink) : sink(std::move(sink)) {}
+MqttClient::MqttClient(Sink sink, std::chrono::milliseconds timeToConnect)
+    : sink(std::move(sink)), timeToConnect(timeToConnect) {}
 
 MqttClient::~MqttClient() { Stop(); }
 
@@ -135,7 +136,7 @@ Clock::duration MqttClient::TrySession(MqttSettings const& settings, MqttSession
 
 Clock::duration MqttClient::RunSession(MqttSettings const& settings, MqttSession::Family family) {
     SetState(MqttState::Connecting, GetStatus().detail);
-    MqttSession session(settings, family, [&](MqttMessage const& message) { Take(settings, message); });
+    MqttSession session(settings, family, timeToConnect, [&](MqttMessage const& message) { Take(settings, message); });
     while (!session.IsReady() && !session.HasEnded() && IsCurrent(settings)) Serve(session);
     auto const begin = Clock::now();
     bool const connected = session.IsReady();

@@ -27,8 +27,11 @@ public:
     /// Bytes of a message; a longer one is refused.
     static constexpr std::size_t LongestMessage = std::size_t{1024} * 1024;
 
+    /// How long a broker may take to answer.
+    static constexpr std::chrono::seconds TimeToConnect{10};
+
     /// sink  is called with each event, in the order in which the broker sent them
-    explicit MqttClient(Sink sink);
+    explicit MqttClient(Sink sink, std::chrono::milliseconds timeToConnect = TimeToConnect);
 
     /// Stop().
     ~MqttClient();
@@ -97,6 +100,7 @@ private:
     logging::Logger logger{"zarn.host.mqtt"};
     logging::RateLimit refusals;
     Sink const sink;
+    std::chrono::milliseconds const timeToConnect;
     Library library;
     Wake wake;
 

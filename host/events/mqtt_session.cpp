@@ -22,7 +22,6 @@ constexpr int KeepAliveSeconds = 15;
 constexpr int RefusedSubscription = 0x80;
 constexpr int IdleMilliseconds = 1000;
 constexpr std::size_t LongestReason = 300;
-constexpr std::chrono::seconds TimeToConnect{10};
 
 int TakeSocketError(int socket) {
     int error = 0;
@@ -36,10 +35,11 @@ MqttSession& ToSession(void* session) { return *static_cast<MqttSession*>(sessio
 
 void MqttSession::Destroy::operator()(mosquitto* client) const { mosquitto_destroy(client); }
 
-MqttSession::MqttSession(MqttSettings const& settings, Family family, OnMessage callback)
+MqttSession::MqttSession(MqttSettings const& settings, Family family, std::chrono::milliseconds timeToConnect,
+                         OnMessage callback)
     : topic(settings.topic),
       onMessage(std::move(callback)),
-      deadline(std::chrono::steady_clock::now() + TimeToConnect) {
+      deadline(std::chrono::steady_clock::now() + timeToConnect) {
     auto const id = settings.clientId.empty() ? MakeClientId() : settings.clientId;
     constexpr bool CleanSession = false;
     client.reset(mosquitto_new(id.c_str(), CleanSession, this));

@@ -32,9 +32,11 @@ public:
     using OnMessage = std::function<void(MqttMessage const&)>;
 
     /// Begins to connect. What goes wrong, here too, ends the session.
-    /// settings   of which the url is one
-    /// onMessage  must not throw
-    MqttSession(MqttSettings const& settings, Family family, OnMessage onMessage);
+    /// settings       of which the url is one
+    /// timeToConnect  until the broker has confirmed the subscription
+    /// onMessage      must not throw
+    MqttSession(MqttSettings const& settings, Family family, std::chrono::milliseconds timeToConnect,
+                OnMessage onMessage);
 
     /// Takes leave of the broker as far as that needs no waiting; the broker keeps the session.
     ~MqttSession();

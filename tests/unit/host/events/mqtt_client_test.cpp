@@ -13,6 +13,7 @@
 #include <chrono>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -31,15 +32,28 @@ using testing::StartsWith;
 /// A client with a note of the types of the events that it took.
 class Intake {
 public:
-    explicit Intake(MqttSettings const& settings) { client.Configure(settings); }
+    explicit Intake(MqttSettings const& settings, std::chrono::milliseconds timeToConnect = MqttClient::TimeToConnect)
+        : client(
+              [this](auto const& event) {
+                  std::lock_guard const lock(mutex);
+                  taken.push_back(event->GetType());
+              },
+              timeToConnect) {
+        client.Configure(settings);
+    }
 
     std::vector<std::string> GetTaken() const {
         std::lock_guard const lock(mutex);
         return taken;
     }
 
-    bool AwaitState(MqttState state) const {
-        return test::Eventually([&] { return client.GetStatus().state == state; });
+    bool AwaitState(MqttState state) const { return GetStatusIn(state).has_value(); }
+
+    /// The status once the client is in a state, which it may have left by then.
+    std::optional<MqttStatus> GetStatusIn(MqttState state) const {
+        std::optional<MqttStatus> status;
+        bool const came = test::Eventually([&] { return (status = client.GetStatus())->state == state; });
+        return came ? status : std::nullopt;
     }
 
     bool AwaitTaken(std::size_t count) const {
@@ -55,10 +69,7 @@ private:
     std::vector<std::string> taken;
 
 public:
-    MqttClient client{[this](auto const& event) {
-        std::lock_guard const lock(mutex);
-        taken.push_back(event->GetType());
-    }};
+    MqttClient client;
 };
 
 std::vector<std::string> Numbers(int count) {
@@ -164,7 +175,7 @@ private:
     std::string Protect() const {
         auto const file = folder / "passwords";
         test::Process program({"mosquitto_passwd", "-b", "-c", file, "host", "the right one"});
-        EXPECT_EQ(program.Wait(20s), 0) << program.GetLog();
+        EXPECT_EQ(program.Wait(60s), 0) << program.GetLog();
         return "allow_anonymous false\npassword_file " + file + "\n";
     }
 
@@ -184,8 +195,9 @@ TEST(MqttClient, SaysThatThePasswordIsWrongWithoutSayingIt) {
     logging::Capture const log;
     PasswordBroker const broker;
     Intake intake(broker.Login("a wrong one"));
-    ASSERT_TRUE(intake.AwaitState(MqttState::Waiting));
-    auto const health = boost::json::serialize(ToJson(intake.client.GetStatus()));
+    auto const status = intake.GetStatusIn(MqttState::Waiting);
+    ASSERT_TRUE(status);
+    auto const health = boost::json::serialize(ToJson(*status));
     EXPECT_THAT(health, AllOf(HasSubstr(R"("state":"waiting")"), HasSubstr("login: "), Not(HasSubstr("wrong one"))));
     EXPECT_TRUE(log.Contains("login: "));
     EXPECT_FALSE(log.Contains("wrong one"));
@@ -231,7 +243,7 @@ TEST(MqttClientWithTls, BelievesNoOtherAuthority) {
         Intake intake(tls.For("127.0.0.1", caFile));
         ASSERT_TRUE(intake.AwaitState(MqttState::Waiting));
         EXPECT_THAT(intake.client.GetStatus().detail, HasSubstr("TLS error"));
-        EXPECT_TRUE(log.WaitFor("certificate verify failed", 10s));
+        EXPECT_TRUE(log.WaitFor("certificate verify failed", 60s));
     }
 }
 
@@ -240,7 +252,7 @@ TEST(MqttClientWithTls, BelievesNoCertificateOfAnotherName) {
     TlsBroker const tls("127.0.0.2");
     Intake intake(tls.For("127.0.0.2", tls.own.certificate));
     ASSERT_TRUE(intake.AwaitState(MqttState::Waiting));
-    EXPECT_TRUE(log.WaitFor("host name verification failed", 10s));
+    EXPECT_TRUE(log.WaitFor("host name verification failed", 60s));
 }
 
 TEST(MqttClientWithTls, SaysThatThereIsNoCaFile) {
@@ -256,10 +268,8 @@ TEST(MqttClientWithTls, SaysThatNobodyListens) {
     TlsBroker tls;
     tls.broker.Stop();
     Intake intake(tls.For("127.0.0.1", tls.own.certificate));
-    auto const begin = std::chrono::steady_clock::now();
     ASSERT_TRUE(intake.AwaitState(MqttState::Waiting));
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, 5s);
-    EXPECT_THAT(intake.client.GetStatus().detail, StartsWith("connection: "));
+    EXPECT_THAT(intake.client.GetStatus().detail, StartsWith("connection: ")) << "not only when its time is over";
 }
 
 TEST(MqttClientWithTls, ComesBackWhenTheBrokerDoes) {
@@ -398,7 +408,7 @@ TEST(MqttClient, StopsAtOnceWhateverTheBrokerDoes) {
 #ifdef ZARN_SANITIZED // reading the system's certificates takes longer, and cannot be broken off
     constexpr auto limit = 10s;
 #else
-    constexpr auto limit = 1s;
+    constexpr auto limit = MqttClient::TimeToConnect / 2;
 #endif
     SilentServer const silent;
     Broker const broker;
@@ -415,7 +425,7 @@ TEST(MqttClient, StopsAtOnceWhateverTheBrokerDoes) {
 
 TEST(MqttClient, GivesUpABrokerThatDoesNotAnswer) {
     SilentServer const silent;
-    Intake intake({.enabled = true, .url = "mqtt://" + silent.GetAddress(), .topic = "events", .clientId = "a"});
+    Intake intake({.enabled = true, .url = "mqtt://" + silent.GetAddress(), .topic = "events", .clientId = "a"}, 100ms);
     ASSERT_TRUE(intake.AwaitState(MqttState::Waiting));
     EXPECT_EQ(intake.client.GetStatus().detail, "the broker does not answer");
 }
