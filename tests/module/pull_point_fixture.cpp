@@ -39,10 +39,6 @@ Reply PullPointFixture::Renew(std::string const& path, std::string const& termin
 
 Reply PullPointFixture::Unsubscribe(std::string const& path) { return Ask("<wsnt:Unsubscribe/>", {.path = path}); }
 
-std::future<Reply> PullPointFixture::PullLater(std::string const& path, std::string const& timeout) {
-    return std::async(std::launch::async, [this, path, timeout] { return Pull(path, 100, timeout); });
-}
-
 std::vector<std::string> PullPointFixture::GetRules(Reply const& reply) {
     return reply.Texts("//tt:Message/tt:Source/tt:SimpleItem[@Name='Rule']/@Value");
 }
@@ -77,11 +73,5 @@ std::shared_ptr<meta::data::Event> MakeFieldEvent(std::string const& name, std::
 }
 
 void Publish(std::shared_ptr<meta::data::Event> event) { zarn::onvif::events::Publish(std::move(event)); }
-
-std::chrono::seconds GetLifetime(Reply const& reply) {
-    auto const read = [&](char const* xpath) { return chrono::FromIso8601(reply.Text(xpath)); };
-    return std::chrono::duration_cast<std::chrono::seconds>(read("//*[local-name()='TerminationTime']") -
-                                                            read("//*[local-name()='CurrentTime']"));
-}
 
 } // namespace zarn::test

@@ -4,8 +4,6 @@
 
 #include <zarn/meta/data/event.h>
 
-#include <chrono>
-#include <future>
 #include <memory>
 #include <string>
 #include <vector>
@@ -32,9 +30,6 @@ protected:
     /// Begins to pull and does not wait for the answer.
     std::shared_ptr<web::response::Pending> PostPull(std::string const& path, int limit, std::string const& timeout);
 
-    /// Pulls in the background.
-    std::future<Reply> PullLater(std::string const& path, std::string const& timeout);
-
     /// The values of the source item "Rule" of all messages, which are the names of the events.
     static std::vector<std::string> GetRules(Reply const& reply);
 
@@ -60,8 +55,5 @@ std::shared_ptr<meta::data::Event> MakeFieldEvent(std::string const& name = "rul
 
 /// Publishes an event as the host does.
 void Publish(std::shared_ptr<meta::data::Event> event);
-
-/// The span between the two times in the first element of the body, `CurrentTime` and `TerminationTime`.
-std::chrono::seconds GetLifetime(Reply const& reply);
 
 } // namespace zarn::test

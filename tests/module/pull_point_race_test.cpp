@@ -143,18 +143,23 @@ TEST_F(PullPointRace, OfItsEndWithItsUnsubscriptionEndsItAlone) {
 }
 
 TEST_F(PullPointRace, OfAPullWithItsUnsubscriptionGivesWhatItHas) {
-    constexpr int Count = 10'000;
-    auto const path = Subscribe();
-    for (int i = 0; i < Count; ++i) Publish(MakeFieldEvent(std::to_string(i)));
-    auto const pending = PostPull(path, Count, "PT0S");
-    // From the first conversion on, there is one event less in the queue.
-    while (onvif::events::GetSubscriptions().back().queued == Count) std::this_thread::yield();
-    EXPECT_EQ(Unsubscribe(path).status, 200);
-    auto const rules = GetRules(ToReply(WaitFor(*pending)));
-    EXPECT_THAT(Pull(path), IsNotFound());
-    ASSERT_FALSE(rules.empty());
-    EXPECT_LT(rules.size(), Count);
-    for (std::size_t i = 0; i < rules.size(); ++i) ASSERT_EQ(rules[i], std::to_string(i));
+    constexpr std::size_t Count = 10'000;
+    // A thread that gets no processor while another pulls all comes too late: once more.
+    std::size_t pulled = Count;
+    for (int attempt = 0; pulled == Count && attempt < 20; ++attempt) {
+        auto const path = Subscribe();
+        for (std::size_t i = 0; i < Count; ++i) Publish(MakeFieldEvent(std::to_string(i)));
+        auto const pending = PostPull(path, Count, "PT0S");
+        // From the first conversion on, there is one event less in the queue.
+        while (onvif::events::GetSubscriptions().back().queued == Count) std::this_thread::yield();
+        EXPECT_EQ(Unsubscribe(path).status, 200);
+        auto const rules = GetRules(ToReply(WaitFor(*pending)));
+        EXPECT_THAT(Pull(path), IsNotFound());
+        ASSERT_FALSE(rules.empty());
+        for (std::size_t i = 0; i < rules.size(); ++i) ASSERT_EQ(rules[i], std::to_string(i));
+        pulled = rules.size();
+    }
+    EXPECT_LT(pulled, Count);
 }
 
 TEST_F(PullPointRace, OfSeveralWhoPullGivesEachEventToOneOfThemInOrder) {

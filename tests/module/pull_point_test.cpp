@@ -28,9 +28,6 @@ using testing::MatchesRegex;
 
 auto const CannotExtractId = IsFault("Sender", "Unable to extract subscription ID", {"ter:InvalidArgs"});
 
-/// A span of whole seconds between two times, each cut to its second.
-auto Lasts(std::chrono::seconds span) { return AllOf(Ge(span - 1s), Le(span + 1s)); }
-
 std::string Filter(std::string const& content) { return "<tev:Filter>" + content + "</tev:Filter>"; }
 
 std::string Topics(std::string const& expression) {
@@ -59,7 +56,19 @@ protected:
     /// The id in an address.
     static int GetId(std::string const& path) { return std::stoi(path.substr(path.rfind('=') + 1)); }
 
-    /// Pulls until the subscription is gone.
+    /// Asks, and expects that the answer tells the present time and an end of the subscription so much later. Both are
+    /// cut to their second.
+    template <class Asking>
+    static void ExpectLifetime(std::chrono::seconds span, Asking const& ask, std::string const& what = {}) {
+        auto const begin = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
+        Reply const reply = ask();
+        auto const end = std::chrono::system_clock::now();
+        auto const read = [&](char const* xpath) { return chrono::FromIso8601(reply.Text(xpath)); };
+        EXPECT_THAT(read("//*[local-name()='CurrentTime']"), AllOf(Ge(begin), Le(end))) << what;
+        EXPECT_THAT(read("//*[local-name()='TerminationTime']"), AllOf(Ge(begin + span), Le(end + span))) << what;
+    }
+
+    /// Pulls until the subscription is gone; false when it does not go.
     bool EndsSoon(std::string const& path) {
         return Eventually([&] { return Pull(path).status != 200; });
     }
@@ -73,8 +82,8 @@ TEST_F(PullPoint, IsCreatedForFiveMinutesUnlessAskedOtherwise) {
                 AllOf(Ge(begin + 300s), Le(std::chrono::system_clock::now() + 300s)));
     EXPECT_THAT(chrono::FromIso8601(reply.Text("//wsnt:CurrentTime")),
                 AllOf(Ge(begin), Le(std::chrono::system_clock::now())));
-    EXPECT_THAT(GetLifetime(Create(Termination("PT10S"))), Lasts(10s));
-    EXPECT_THAT(GetLifetime(Create(Termination("P1DT2H"))), Lasts(26h));
+    ExpectLifetime(10s, [&] { return Create(Termination("PT10S")); });
+    ExpectLifetime(26h, [&] { return Create(Termination("P1DT2H")); });
 }
 
 TEST_F(PullPoint, LastsUntilAnAbsoluteTime) {
@@ -175,17 +184,19 @@ TEST_F(PullPoint, BreaksItsPromiseForTimesThatAreNone) {
 }
 
 TEST_F(PullPoint, TakesAnEmptyEndForNone) {
-    EXPECT_THAT(GetLifetime(Create(Termination(""))), Lasts(300s));
-    EXPECT_THAT(GetLifetime(Renew(Subscribe(Termination("PT10S")), "")), Lasts(300s));
+    ExpectLifetime(300s, [&] { return Create(Termination("")); });
+    ExpectLifetime(300s, [&] { return Renew(Subscribe(Termination("PT10S")), ""); });
 }
 
 TEST_F(PullPoint, LetsWhiteSpaceStandAroundItsEnd) {
     for (auto const* text : {" PT60S", "PT60S ", "\n\t  PT60S\r\n"}) {
-        EXPECT_THAT(GetLifetime(Create(Termination(text))), Lasts(60s)) << text;
-        EXPECT_THAT(GetLifetime(Renew(Subscribe(), text)), Lasts(60s)) << text;
+        ExpectLifetime(
+            60s, [&] { return Create(Termination(text)); }, text);
+        ExpectLifetime(
+            60s, [&] { return Renew(Subscribe(), text); }, text);
     }
     EXPECT_EQ(Create(Termination("\n  2061-07-28T12:30:00Z\n")).Text("//wsnt:TerminationTime"), "2061-07-28T12:30:00Z");
-    EXPECT_THAT(GetLifetime(Create(Termination(" \n "))), Lasts(300s));
+    ExpectLifetime(300s, [&] { return Create(Termination(" \n ")); });
 }
 
 TEST_F(PullPoint, ShowsTheHostHowManyEventsItKeeps) {
@@ -394,8 +405,8 @@ TEST_F(PullPoint, IsRenewed) {
     EXPECT_EQ(reply.Text("//wsnt:RenewResponse/wsnt:TerminationTime"), "2061-07-28T12:30:00Z");
     EXPECT_TRUE(reply.Has("//wsnt:RenewResponse/wsnt:CurrentTime"));
     EXPECT_EQ(Pull(path).Text("//tev:TerminationTime"), "2061-07-28T12:30:00Z");
-    EXPECT_THAT(GetLifetime(Renew(path, "PT2M")), Lasts(2min));
-    EXPECT_THAT(GetLifetime(Ask("<wsnt:Renew/>", {.path = path})), Lasts(5min));
+    ExpectLifetime(2min, [&] { return Renew(path, "PT2M"); });
+    ExpectLifetime(5min, [&] { return Ask("<wsnt:Renew/>", {.path = path}); });
     EXPECT_EQ(Renew(path, "2001-01-01T00:00:00Z").status, 200);
     EXPECT_TRUE(EndsSoon(path));
 }
@@ -403,9 +414,10 @@ TEST_F(PullPoint, IsRenewed) {
 TEST_F(PullPoint, IsRenewedByNil) {
     auto const path = Subscribe();
     constexpr auto nil = "xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance' xsi:nil='true'";
-    auto const reply = Ask(std::string("<wsnt:Renew><wsnt:TerminationTime ") + nil + "/></wsnt:Renew>", {.path = path});
-    EXPECT_THAT(GetLifetime(reply), Lasts(5min));
-    EXPECT_THAT(GetLifetime(Ask(std::string("<wsnt:Renew ") + nil + "/>", {.path = path})), Lasts(5min));
+    ExpectLifetime(5min, [&] {
+        return Ask(std::string("<wsnt:Renew><wsnt:TerminationTime ") + nil + "/></wsnt:Renew>", {.path = path});
+    });
+    ExpectLifetime(5min, [&] { return Ask(std::string("<wsnt:Renew ") + nil + "/>", {.path = path}); });
     EXPECT_EQ(Ask(std::string("<tev:CreatePullPointSubscription ") + nil + "/>").status, 200);
     EXPECT_THROW(Ask(std::string("<tev:PullMessages ") + nil + "/>", {.path = path}), std::future_error);
 }

@@ -1,4 +1,4 @@
-#include "support/eventually.h"
+#include "support/asleep.h"
 
 #include <zarn/asio/global_context.h>
 #include <zarn/logging/capture.h>
@@ -21,8 +21,6 @@ namespace zarn::asio {
 namespace {
 
 using namespace std::chrono_literals;
-
-constexpr auto Patience = 20s;
 
 /// Runs a function on the context's thread and waits for its end.
 template <class Function>
@@ -142,23 +140,23 @@ TEST(GlobalContext, DestroysWhatWaitsWithoutRunningIt) {
         GlobalContext const handle;
         boost::asio::system_timer timer(handle.Get(), 1h);
         timer.async_wait([held](boost::system::error_code) { *held = true; });
-        boost::asio::post(handle.Get(), [] { std::this_thread::sleep_for(10ms); });
+        boost::asio::post(handle.Get(), [main = gettid()] { test::FallsAsleep(main); }); // which waits for its end
     }
     EXPECT_EQ(held.use_count(), 1);
     EXPECT_FALSE(*held);
 }
 
 TEST(GlobalContext, WaitsForTheHandlerThatRuns) {
-    std::promise<void> running;
+    std::atomic<bool> running = false;
     std::atomic<bool> ended = false;
     {
         GlobalContext const handle;
-        boost::asio::post(handle.Get(), [&] {
-            running.set_value();
-            std::this_thread::sleep_for(20ms);
+        boost::asio::post(handle.Get(), [&, main = gettid()] {
+            running = true;
+            EXPECT_TRUE(test::FallsAsleep(main)) << "it does not wait";
             ended = true;
         });
-        running.get_future().get();
+        while (!running) std::this_thread::yield();
     }
     EXPECT_TRUE(ended);
 }
@@ -253,14 +251,14 @@ TEST_F(GlobalContextAtExit, EndsWithAStaticHandle) {
 TEST_F(GlobalContextAtExit, WaitsForAThreadThatLetsGoOfItself) {
     EXPECT_EXIT(
         {
-            std::promise<void> running;
+            std::atomic<bool> running = false;
             LetGoOnItsThread([](GlobalContext const&) {},
-                             [&running] {
-                                 running.set_value();
-                                 std::this_thread::sleep_for(20ms);
+                             [&running, main = gettid()] {
+                                 running = true;
+                                 test::FallsAsleep(main);
                                  std::fputs("handler ended", stderr);
                              });
-            running.get_future().get();
+            while (!running) std::this_thread::yield();
             std::exit(3); // NOLINT(concurrency-mt-unsafe)
         },
         testing::ExitedWithCode(3), "handler ended");
@@ -271,7 +269,7 @@ TEST_F(GlobalContextAtExit, MayBeEndedByItsHandler) {
         {
             static GlobalContext const handle;
             boost::asio::post(handle.Get(), [] { std::exit(3); }); // NOLINT(concurrency-mt-unsafe)
-            std::this_thread::sleep_for(Patience);
+            std::this_thread::sleep_for(60s);
         },
         testing::ExitedWithCode(3), "");
 }

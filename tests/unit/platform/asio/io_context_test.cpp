@@ -1,3 +1,5 @@
+#include "support/asleep.h"
+
 #include <zarn/asio/io_context.h>
 #include <zarn/logging/capture.h>
 
@@ -73,11 +75,15 @@ TEST(IoContext, WaitsForTheRunningHandlerWhenItStops) {
         finished = true;
     });
     begun.get_future().get();
-    auto stopping = std::async(std::launch::async, [&] { context.Stop(); });
-    EXPECT_EQ(stopping.wait_for(20ms), std::future_status::timeout);
+    std::promise<pid_t> stopping;
+    std::thread stopper([&] {
+        stopping.set_value(gettid());
+        context.Stop();
+        EXPECT_TRUE(finished);
+    });
+    EXPECT_TRUE(test::FallsAsleep(stopping.get_future().get())) << "it does not wait";
     end.set_value();
-    stopping.get();
-    EXPECT_TRUE(finished);
+    stopper.join();
 }
 
 TEST(IoContext, RunsNothingOnceItHasStopped) {

@@ -5,6 +5,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/prctl.h>
 
 #include <atomic>
 #include <future>
@@ -185,6 +186,7 @@ TEST(DynamicThreadPool, GivesEveryThreadItsStack) {
 TEST(DynamicThreadPool, KeepsAThousandWaitingJobsCheap) {
     DynamicThreadPool pool(1, 0s);
     Gate gate;
+    prctl(PR_SET_THP_DISABLE, 1, 0, 0, 0); // or the kernel may give each stack a page of 2 MiB
     auto const before = GetResidentBytes();
     for (int count = 0; count < 1000; ++count) pool.Post([&] { gate.Wait(); });
     ASSERT_TRUE(gate.WaitForWaiting(1000));

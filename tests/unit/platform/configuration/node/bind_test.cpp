@@ -1,3 +1,4 @@
+#include "support/asleep.h"
 #include "unit/platform/configuration/tree.h"
 
 #include <zarn/configuration/event/added.h>
@@ -215,10 +216,10 @@ TEST_F(BindTest, WaitsForACallbackThatRunsOnAnotherThreadWhenReleased) {
     std::latch entered(1);
     std::latch releasing(1);
     std::atomic<bool> finished = false;
-    auto binding = enabled.Bind([&](auto const&) {
+    auto binding = enabled.Bind([&, main = gettid()](auto const&) {
         entered.count_down();
         releasing.wait();
-        for (int turn = 0; turn < 1000; ++turn) std::this_thread::yield();
+        EXPECT_TRUE(zarn::test::FallsAsleep(main)) << "it does not wait";
         finished = true;
     });
     std::thread setter([&] { enabled.Set(true); });

@@ -1,3 +1,5 @@
+#include "support/asleep.h"
+
 #include <zarn/logging/capture.h>
 #include <zarn/onvif/events/handler.h>
 
@@ -187,14 +189,13 @@ TEST(EventHandler, IsWaitedForByTheReleaseOnAnotherThread) {
     });
     std::thread publisher([] { Publish(MakeEvent()); });
     running.get_future().get();
-    std::promise<void> releasing;
+    std::promise<pid_t> releasing;
     std::thread releaser([&] {
-        releasing.set_value();
+        releasing.set_value(gettid());
         binding.Reset();
         EXPECT_TRUE(ended);
     });
-    releasing.get_future().get();
-    std::this_thread::sleep_for(20ms); // time for a release that does not wait to be noticed
+    EXPECT_TRUE(test::FallsAsleep(releasing.get_future().get())) << "it does not wait";
     gate.set_value();
     publisher.join();
     releaser.join();
@@ -205,7 +206,7 @@ TEST(EventHandler, ReleasedByItselfWaitsForTheOtherThreadsInIt) {
     std::atomic<bool> otherEnded = false;
     type::Binding binding;
     auto const held = std::make_shared<int>();
-    binding = RegisterHandler([&, held](EventPointer const& event) {
+    binding = RegisterHandler([&, held, main = gettid()](EventPointer const& event) {
         ++inside;
         while (inside < 2) std::this_thread::yield();
         if (event->GetType() == "release") {
@@ -213,7 +214,7 @@ TEST(EventHandler, ReleasedByItselfWaitsForTheOtherThreadsInIt) {
             EXPECT_TRUE(otherEnded);
             EXPECT_EQ(held.use_count(), 2);
         } else {
-            std::this_thread::sleep_for(20ms);
+            EXPECT_TRUE(test::FallsAsleep(main)) << "it does not wait";
             otherEnded = true;
         }
     });

@@ -11,6 +11,7 @@
 #include <boost/asio/io_context.hpp>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <fstream>
 #include <memory>
@@ -60,7 +61,7 @@ protected:
         Connect();
         Connect("eth1", "10.2.0.1/24", "10.2.0.2/24");
         for (std::string const name : {"eth0", "eth1"}) {
-            auto const deadline = std::chrono::steady_clock::now() + 10s;
+            auto const deadline = std::chrono::steady_clock::now() + 60s;
             while (!host.Ip("link show " + name + " | grep -q 'state UP'"))
                 ASSERT_LT(std::chrono::steady_clock::now(), deadline);
         }
@@ -86,7 +87,7 @@ protected:
 
     /// Sends to the group from `address` until the receiver hears it.
     bool IsHeard(Machine const& sender, std::string const& address, std::string const& text,
-                 std::string const& target = Group, std::chrono::seconds limit = 5s) {
+                 std::string const& target = Group, std::chrono::seconds limit = 60s) {
         bool heard = false;
         sender.Run([&] {
             auto const deadline = std::chrono::steady_clock::now() + limit;
@@ -98,19 +99,16 @@ protected:
         return heard;
     }
 
-    /// True once nothing is heard any more, although no more is sent than the receiver takes of one source.
+    /// True once what is sent to the group is not heard any more, while what is sent later by the own machine is.
     bool FallsSilent(Machine const& sender, std::string const& address) {
-        bool silent = false;
-        sender.Run([&] {
-            auto const deadline = std::chrono::steady_clock::now() + 5s;
-            for (int i = 0; !silent && std::chrono::steady_clock::now() < deadline; ++i) {
-                auto const text = address + " " + std::to_string(i);
-                Peer(address).Send(text, Group, Port);
-                silent = !inbox.WaitFor(text, 200ms);
-                std::this_thread::sleep_for(150ms);
-            }
-        });
-        return silent;
+        for (int i = 0; i < 100; ++i) {
+            auto const text = address + " " + std::to_string(i);
+            sender.Run([&] { Peer(address).Send(text, Group, Port); });
+            if (!IsHeard(host, "127.0.1." + std::to_string(i + 1), "after " + text, "127.0.0.1")) return false;
+            if (inbox.Count(text) == 0) return true;
+            std::this_thread::sleep_for(150ms); // the receiver takes ten datagrams in a second from one source
+        }
+        return false;
     }
 
     /// False when it cannot be set here.
@@ -214,7 +212,7 @@ TEST_F(GroupTest, TriesAgainToJoinWithoutAnyChange) {
     Start();
     ASSERT_TRUE(capture.Contains("Not listening on eth1 at UDP port 3702 for group 239.255.255.250: No buffer space"));
     ASSERT_TRUE(SetLimitOfMemberships(20));
-    EXPECT_TRUE(IsHeard(neighbour, "10.2.0.2", "hello", Group, 30s));
+    EXPECT_TRUE(IsHeard(neighbour, "10.2.0.2", "hello"));
 }
 
 class UnreadableGroupTest : public GroupTest, public testing::WithParamInterface<test::Lack> {};
@@ -229,7 +227,7 @@ TEST_P(UnreadableGroupTest, ReadsTheInterfacesAgainWithoutAnyChange) {
         ASSERT_TRUE(host.Ip("address add 10.2.0.1/24 dev eth1"));
         ASSERT_TRUE(capture.WaitFor("; trying again in 10 seconds", 10s));
     }
-    EXPECT_TRUE(IsHeard(neighbour, "10.2.0.2", "hello", Group, 30s));
+    EXPECT_TRUE(IsHeard(neighbour, "10.2.0.2", "hello"));
 }
 
 INSTANTIATE_TEST_SUITE_P(Lacks, UnreadableGroupTest, testing::Values(test::Lack::Descriptors, test::Lack::Memory),
@@ -282,7 +280,8 @@ TEST_F(GroupTest, RefusesSourcesFromElsewhereUnlessAllowed) {
     Start();
     logging::Capture const capture;
     EXPECT_TRUE(FallsSilent(neighbour, "192.0.2.1"));
-    EXPECT_TRUE(inbox.GetItems().empty());
+    auto const items = inbox.GetItems();
+    EXPECT_TRUE(std::ranges::none_of(items, [](auto const& each) { return each.text.starts_with("192.0.2.1"); }));
     EXPECT_TRUE(capture.Contains("Refused a datagram from 192.0.2.1: it comes from no network that is connected"));
     AllowAnySource(true);
     EXPECT_TRUE(IsHeard(neighbour, "192.0.2.1", "hello"));
@@ -294,12 +293,14 @@ TEST_F(GroupTest, BoundsAFloodFromAnySource) {
     Connect();
     ASSERT_TRUE(neighbour.Ip("address add 10.1.0.3/24 dev eth0"));
     Start();
+    auto const begin = std::chrono::steady_clock::now();
     neighbour.Run([&] {
         Peer const flooder("10.1.0.2");
         for (int i = 0; i < 200; ++i) ASSERT_TRUE(flooder.Send("flood", Group, Port));
     });
     EXPECT_TRUE(IsHeard(neighbour, "10.1.0.3", "quiet"));
-    EXPECT_LE(inbox.Count("flood"), 40U);
+    auto const seconds = std::chrono::ceil<std::chrono::seconds>(std::chrono::steady_clock::now() - begin).count();
+    EXPECT_LE(inbox.Count("flood"), 20U + 10U * static_cast<std::size_t>(seconds));
     EXPECT_GE(inbox.Count("flood"), 20U);
 }
 

@@ -9,8 +9,10 @@
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/post.hpp>
+#include <boost/asio/steady_timer.hpp>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstddef>
 #include <filesystem>
 #include <future>
@@ -61,6 +63,15 @@ protected:
             done->set_value();
         });
         done->get_future().get();
+    }
+
+    /// Waits until the context's thread has looked at all that has come: it does so before it looks at a timer.
+    void RunLater() {
+        std::promise<void> done;
+        boost::asio::steady_timer timer(context.Get(), std::chrono::milliseconds(1));
+        timer.async_wait([&](boost::system::error_code) { done.set_value(); });
+        done.get_future().get();
+        RunInside([] {});
     }
 
     unsigned short port = FindFreePort();
@@ -129,7 +140,8 @@ TEST_F(ReceiverTest, ReceivesNoMoreWhenTheCallbackSaysSo) {
     SendTo("first");
     ASSERT_TRUE(inbox.WaitFor("first"));
     SendTo("second");
-    EXPECT_FALSE(inbox.WaitFor("second", std::chrono::milliseconds(50)));
+    RunLater();
+    EXPECT_EQ(inbox.Count("second"), 0U);
     EXPECT_FALSE(Peer("0.0.0.0", port).IsBound()); // the port is still its own
 }
 
@@ -215,14 +227,16 @@ TEST_F(ReceiverTest, GoesOnWhenReceivingFails) {
 TEST_F(ReceiverTest, TakesABoundedNumberOfDatagramsFromOneSource) {
     Start();
     logging::Capture const capture;
+    auto const begin = std::chrono::steady_clock::now();
     for (int i = 0; i < 200; ++i) SendTo("flood");
     Peer const other("127.0.0.2");
     ASSERT_TRUE(other.Send("quiet", "127.0.0.1", port));
     ASSERT_TRUE(inbox.WaitFor("quiet"));
+    auto const seconds = std::chrono::ceil<std::chrono::seconds>(std::chrono::steady_clock::now() - begin).count();
     EXPECT_GE(inbox.Count("flood"), 20U);
-    EXPECT_LE(inbox.Count("flood"), 40U); // ten in a second come on top
+    EXPECT_LE(inbox.Count("flood"), 20U + 10U * static_cast<std::size_t>(seconds));
     EXPECT_TRUE(capture.Contains("Refused a datagram from 127.0.0.1: too many lately"));
-    EXPECT_LE(capture.GetLines().size(), 3U);
+    EXPECT_LE(capture.GetLines().size(), static_cast<std::size_t>(seconds)) << "one in a second";
 }
 
 class TakenPort : public ReceiverTest, public testing::WithParamInterface<int> {};
