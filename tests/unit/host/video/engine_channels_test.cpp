@@ -68,7 +68,8 @@ TEST_F(EngineChannels, TellWhatTheVideoReallyIs) {
 TEST_F(EngineChannels, TellHowOldTheNewestFrameIs) {
     engine->SetChannels({From("1", Small)});
     ASSERT_TRUE(WaitForState("1", ChannelState::Running));
-    EXPECT_LT(GetStatus("1").frameAge.value(), 5s);
+    // A frame comes ten times a second: sooner or later one is seen soon after.
+    EXPECT_TRUE(test::Eventually([&] { return GetStatus("1").frameAge.value() < 100ms; }));
 }
 
 TEST_F(EngineChannels, TellEverybodyWhyTheirSourceFailsAndTheLogWhichItIs) {
@@ -118,7 +119,7 @@ TEST_F(EngineChannels, EndTheirStreamsWhenTheyGo) {
         Viewer viewer(GetUrl("1"), {.transport = transport});
         ASSERT_TRUE(viewer.Next());
         engine->SetChannels({From("2", Small)});
-        EXPECT_TRUE(test::Eventually([&] { return !viewer.Next(50ms) && viewer.HasEnded(); }, 10s)) << transport;
+        EXPECT_TRUE(test::Eventually([&] { return !viewer.Next(50ms) && viewer.HasEnded(); })) << transport;
         Viewer late(GetUrl("1"), {.transport = transport});
         EXPECT_FALSE(late.Next());
         EXPECT_THAT(late.GetFailure(), HasSubstr("Not Found"));

@@ -57,10 +57,12 @@ TEST_F(EngineSnapshot, UsesTheFullRangeOfBrightness) {
 
 TEST_F(EngineSnapshot, SharesOnePictureBetweenRequestsAtTheSameTime) {
     engine->SetChannels({From("1", "test:ball?width=128&height=96&rate=10")});
-    auto const one = WaitForSnapshot("1");
-    auto const other = TakeSnapshot("1");
-    ASSERT_EQ(other.error, SnapshotError::None);
-    EXPECT_EQ(one.jpeg, other.jpeg);
+    // A machine that stands still lets the picture grow too old to be shared.
+    EXPECT_TRUE(test::Eventually([&] {
+        auto const one = WaitForSnapshot("1");
+        auto const other = TakeSnapshot("1");
+        return other.error == SnapshotError::None && one.jpeg == other.jpeg;
+    }));
 }
 
 TEST_F(EngineSnapshot, AnswersManyRequestsEachOnce) {
@@ -70,7 +72,7 @@ TEST_F(EngineSnapshot, AnswersManyRequestsEachOnce) {
     for (int count = 0; count < 200; ++count) {
         engine->RequestSnapshot("1", [&answers](Snapshot const&) { ++answers; });
     }
-    EXPECT_TRUE(test::Eventually([&] { return answers == 200; }, 10s));
+    EXPECT_TRUE(test::Eventually([&] { return answers == 200; }));
 }
 
 TEST_F(EngineSnapshot, TellsThatThereIsNoSuchChannel) {

@@ -7,9 +7,15 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cstddef>
+#include <filesystem>
+#include <fstream>
 #include <stdexcept>
+#include <string>
 #include <thread>
 
 namespace zarn::host::video {
@@ -84,20 +90,32 @@ protected:
     }
 
     /// Waits until the channel's thread sits in the opening: the state alone would not tell.
-    void AwaitHang() const { std::this_thread::sleep_for(200ms); }
+    static bool AwaitHang() {
+        return test::Eventually([] { return CountOpening() > 0; });
+    }
+
+    /// The threads of this process that wait within the opening of a file.
+    static std::ptrdiff_t CountOpening() {
+        auto const number = std::to_string(SYS_openat) + ' ';
+        return std::ranges::count_if(std::filesystem::directory_iterator("/proc/self/task"), [&](auto const& task) {
+            std::string call; // the number of the system call in which it waits; "running" otherwise
+            std::getline(std::ifstream(task.path() / "syscall"), call);
+            return call.starts_with(number);
+        });
+    }
 
     std::string const path = folder / "pipe.ts";
 };
 
 TEST_F(EngineHang, DoesNotKeepTheEngineFromStopping) {
     engine->SetChannels({From("1", path), From("2", Small)});
-    AwaitHang();
+    ASSERT_TRUE(AwaitHang());
     EXPECT_LT(MeasureStop(), StopLimit);
 }
 
 TEST_F(EngineHang, DoesNotKeepChannelsFromBeingChanged) {
     engine->SetChannels({From("1", path), From("2", Small)});
-    AwaitHang();
+    ASSERT_TRUE(AwaitHang());
     auto const begin = std::chrono::steady_clock::now();
     engine->SetChannels({From("1", Small)});
     EXPECT_LT(std::chrono::steady_clock::now() - begin, StopLimit);

@@ -1,10 +1,12 @@
 #include "host/video/gstreamer.h"
 #include "host/video/still_service.h"
+#include "support/eventually.h"
 #include "unit/host/video/stream_fixture.h"
 #include "unit/host/video/video_test.h"
 
 #include <gmock/gmock.h>
 
+#include <functional>
 #include <future>
 #include <vector>
 
@@ -25,14 +27,24 @@ protected:
         return answer;
     }
 
+    /// Asks again where a machine that stands still lets the video grow too old before it is asked for.
+    static void WaitUntilInTime(std::function<Snapshot()> const& ask) {
+        EXPECT_TRUE(test::Eventually([&] { return ask().error != Error::NoFrame; }));
+    }
+
+    StillService::Bounds const patient{.patience = 60s, .decodingTime = 60s};
     std::shared_ptr<StillService::Slot> slot = std::make_shared<StillService::Slot>(stream);
     StillService::Bounds const nobodyWorks{.workers = 0, .waiting = 3, .patience = 50ms};
 };
 
 TEST_F(StillServiceTest, MakesAPictureOfTheNewestAccessUnit) {
-    StillService service;
-    PublishVideo(5);
-    auto const snapshot = Request(service).get();
+    StillService service(patient);
+    Snapshot snapshot;
+    WaitUntilInTime([&] {
+        PublishVideo(5);
+        snapshot = Request(service).get();
+        return snapshot;
+    });
     ASSERT_EQ(snapshot.error, Error::None) << snapshot.detail;
     auto const picture = DecodeJpeg(snapshot.jpeg->ToStringView());
     ASSERT_TRUE(picture);
@@ -41,10 +53,15 @@ TEST_F(StillServiceTest, MakesAPictureOfTheNewestAccessUnit) {
 }
 
 TEST_F(StillServiceTest, MakesANewPictureWhenTheOldIsTooOldToBeReused) {
-    StillService service({.reuse = 0ms});
-    PublishVideo(2);
-    auto const first = Request(service).get();
-    auto const second = Request(service).get();
+    StillService service({.patience = 60s, .decodingTime = 60s, .reuse = 0ms});
+    Snapshot first;
+    Snapshot second;
+    WaitUntilInTime([&] {
+        PublishVideo(2);
+        first = Request(service).get();
+        second = Request(service).get();
+        return second;
+    });
     ASSERT_EQ(second.error, Error::None) << second.detail;
     EXPECT_NE(first.jpeg, second.jpeg);
 }

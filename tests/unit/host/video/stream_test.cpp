@@ -23,7 +23,7 @@ protected:
     }
 
     /// Size of the next access unit that the viewer gets; 0 when none comes.
-    std::size_t Take(GstClockTime timeout = 5 * GST_SECOND) {
+    std::size_t Take(GstClockTime timeout = 60 * GST_SECOND) {
         auto const sink = media.FindSink();
         MiniHandle<GstSample> const sample(gst_app_sink_try_pull_sample(GST_APP_SINK(sink.get()), timeout));
         return sample ? gst_buffer_get_size(gst_sample_get_buffer(sample.get())) : 0;
@@ -78,13 +78,10 @@ TEST_F(StreamViewed, LetsASlowViewerGoOnAtAKeyFrame) {
     auto const feed = stream->Join(GetSource());
     for (std::size_t index = 2; index < 10; ++index) Publish(false, Large + index);
     media.Play();
-    std::size_t newest = 0;
-    while (auto const size = Take(500 * GST_MSECOND)) newest = size;
-    EXPECT_EQ(newest, Large + 3); // more than 16 MiB did not wait
+    for (std::size_t index = 1; index < 4; ++index) EXPECT_EQ(Take(), Large + index);
     Publish(false, 12);
-    EXPECT_EQ(Take(100 * GST_MSECOND), 0);
     Publish(true, 13);
-    EXPECT_EQ(Take(), 13);
+    EXPECT_EQ(Take(), 13); // more than 16 MiB did not wait, and what is no key frame did not come
     Publish(false, 14);
     EXPECT_EQ(Take(), 14);
 }
