@@ -219,7 +219,7 @@ TEST(DiscoveryBase, MakesNothingOfAReceivingThatFails) {
         EXPECT_THAT(LinesOf(log), ElementsAre("4 Onvif discovery service started successfully",
                                               "2 Successfully parsed discovery request: " + probe,
                                               "2 Successfully generated discovery response: " + *answer));
-        EXPECT_FALSE(client.Receive(50ms)) << "a second answer";
+        EXPECT_THAT(client.Ask(MakeProbe("urn:uuid:2")).value_or(""), HasSubstr("urn:uuid:2")) << "a second answer";
     });
 }
 
@@ -234,7 +234,7 @@ TEST(DiscoveryBase, LogsAnAnswerThatCannotBeSent) {
         ASSERT_TRUE(client.Ask(MakeProbe("urn:uuid:1"))) << "it opens what it needs itself";
         NoDescriptors const none;
         client.Send(MakeProbe("urn:uuid:2"));
-        ASSERT_TRUE(log.WaitFor("Failed to send discovery response: ", 10s));
+        ASSERT_TRUE(log.WaitFor("Failed to send discovery response: ", 60s));
         auto const lines = LinesOf(log);
         constexpr std::string_view Generated = "2 Successfully generated discovery response: ";
         auto const& generated = lines.at(lines.size() - 2);
@@ -263,7 +263,7 @@ TEST(DiscoveryBase, TriesAgainUntilThereIsANetwork) {
         EXPECT_EQ(LinesOf(log).front(),
                   Failed + std::string("no interface that is up has an IPv4 address and can multicast"));
         ASSERT_TRUE(test::Ip("link set lo up multicast on"));
-        EXPECT_TRUE(log.WaitFor("Onvif discovery service started successfully", 10s));
+        EXPECT_TRUE(log.WaitFor("Onvif discovery service started successfully", 60s));
         EXPECT_TRUE(ProbeClient().FindsAnybody());
     });
     if (!entered) GTEST_SKIP() << "no network namespace may be made here: " << std::strerror(errno);
@@ -277,7 +277,7 @@ TEST(DiscoveryBase, TriesAgainUntilThePortIsFree) {
         ASSERT_TRUE(AwaitLines(log, 3));
         EXPECT_THAT(LinesOf(log), Each(FailedAsThePortIsHeld));
         holder.reset();
-        EXPECT_TRUE(log.WaitFor("Onvif discovery service started successfully", 10s));
+        EXPECT_TRUE(log.WaitFor("Onvif discovery service started successfully", 60s));
         EXPECT_TRUE(ProbeClient().FindsAnybody());
     });
 }
@@ -298,28 +298,25 @@ TEST(DiscoveryBase, TriesOnceInEachInterval) {
     });
 }
 
-TEST(DiscoveryBase, TriesAgainAfterTenSeconds) {
-    EXPECT_EQ(Responder::RetryInterval, 10s);
-    OnOwnNetwork([] {
-        logging::Capture const log;
-        auto holder = std::make_unique<PortHolder>();
-        auto const begin = std::chrono::steady_clock::now();
-        Responder const responder;
-        holder.reset();
-        EXPECT_TRUE(log.WaitFor("Onvif discovery service started successfully", 30s));
-        EXPECT_GE(std::chrono::steady_clock::now() - begin, 10s);
-    });
+TEST(DiscoveryBase, TriesEveryTenSecondsUnlessToldOtherwise) { EXPECT_EQ(Responder::RetryInterval, 10s); }
+
+std::ptrdiff_t CountThreads() { return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {}); }
+
+/// Waits until only so many threads run. One that has been joined may be seen for a moment still.
+bool AwaitThreads(std::ptrdiff_t count) {
+    return test::Eventually([&] { return CountThreads() <= count; });
 }
 
 TEST(DiscoveryBase, DoesNotTryAgainOnceItIsGone) {
     OnOwnNetwork([] {
         logging::Capture const log;
         PortHolder const holder;
+        auto const before = CountThreads();
         { Responder const responder(1h); }
         EXPECT_EQ(LinesOf(log).size(), 1U);
         { Responder const responder(1ms); }
         auto const lines = LinesOf(log).size();
-        std::this_thread::sleep_for(20ms);
+        EXPECT_TRUE(AwaitThreads(before)) << "there is still a thread that could try";
         EXPECT_EQ(LinesOf(log).size(), lines);
     });
 }
@@ -340,15 +337,12 @@ public:
     Response HandleReceive(Request const&) override { return {}; }
 };
 
-std::ptrdiff_t CountThreads() { return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {}); }
-
 TEST(DiscoveryBase, RunsNothingAnyMoreWhenItCannotBegin) {
     OnOwnNetwork([] {
         PortHolder const holder;
         auto const before = CountThreads();
         HopelessResponder const responder;
-        // A thread that has been joined may be seen for a moment still.
-        EXPECT_TRUE(test::Eventually([&] { return CountThreads() <= before; }));
+        EXPECT_TRUE(AwaitThreads(before));
     });
 }
 

@@ -39,7 +39,7 @@ protected:
 
     static zarn::web::response::Pending::Data Await(zarn::web::response::Pending const& response) {
         auto data = response.GetData();
-        for (auto const deadline = Clock::now() + 10s; data.GetState() == State::NotReady && Clock::now() < deadline;
+        for (auto const deadline = Clock::now() + 60s; data.GetState() == State::NotReady && Clock::now() < deadline;
              data = response.GetData())
             std::this_thread::sleep_for(1ms);
         return data;

@@ -19,12 +19,9 @@ namespace zarn::host::video {
 /// Long enough for a loaded machine under a sanitizer; nothing waits for it that goes well.
 inline constexpr std::chrono::seconds Deadline{30};
 
-/// What "about a second" is for; a sanitizer makes everything several times slower.
-#ifdef ZARN_SANITIZED
+/// What "about a second" is for, with room for a machine that does something else for some seconds. What may not be
+/// waited for lasts longer: a source that hangs, a server that does not answer.
 inline constexpr std::chrono::seconds StopLimit{5};
-#else
-inline constexpr std::chrono::seconds StopLimit{1};
-#endif
 
 /// A decoded picture: one byte of brightness per pixel.
 struct Picture {
