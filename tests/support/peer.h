@@ -1,13 +1,15 @@
 #pragma once
 
+#include "support/free_port.h"
+
 #include <arpa/inet.h>
 #include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include <atomic>
 #include <chrono>
+#include <cstdint>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -80,17 +82,9 @@ private:
     bool bound = false;
 };
 
-/// A port that nobody uses just now. It is none of those that the system gives out, which another program might get
-/// before it is used, and processes that look at the same time begin at different ones.
+/// A port that nobody uses just now.
 inline unsigned short FindFreePort() {
-    constexpr int First = 10'000;
-    constexpr int Count = 20'000;
-    static std::atomic<int> next = getpid();
-    for (int attempt = 0; attempt < Count; ++attempt) {
-        auto const port = static_cast<unsigned short>(First + next++ % Count);
-        if (Peer("0.0.0.0", port).IsBound()) return port;
-    }
-    throw std::runtime_error("no port is free");
+    return FindPort([](std::uint16_t port) { return Peer("0.0.0.0", port).IsBound(); });
 }
 
 } // namespace zarn::test
