@@ -67,7 +67,7 @@ public:
     }
 
     /// The next datagram; nothing when none comes in time.
-    std::optional<std::string> Receive(std::chrono::milliseconds timeout = std::chrono::seconds(5)) const {
+    std::optional<std::string> Receive(std::chrono::milliseconds timeout = std::chrono::seconds(60)) const {
         pollfd entry{descriptor, POLLIN, 0};
         if (poll(&entry, 1, static_cast<int>(timeout.count())) != 1) return std::nullopt;
         std::string text(65536, '\0');

@@ -63,7 +63,7 @@ public:
     }
 
     /// The next datagram, if one comes within the time.
-    std::optional<std::string> Receive(std::chrono::milliseconds limit = std::chrono::seconds(10)) {
+    std::optional<std::string> Receive(std::chrono::milliseconds limit = std::chrono::seconds(60)) {
         std::optional<std::string> answer;
         socket.async_receive_from(boost::asio::buffer(datagram), source,
                                   [&](boost::system::error_code error, std::size_t size) {
@@ -88,7 +88,7 @@ public:
     }
 
     /// Whether a responder answers within the time, however often it has to be asked.
-    bool FindsAnybody(std::chrono::milliseconds limit = std::chrono::seconds(10)) {
+    bool FindsAnybody(std::chrono::milliseconds limit = std::chrono::seconds(60)) {
         auto const deadline = std::chrono::steady_clock::now() + limit;
         do {
             Send(MakeProbe("urn:uuid:anybody"));

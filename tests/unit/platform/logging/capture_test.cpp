@@ -55,7 +55,7 @@ TEST(Capture, FindsAPartOfALineOnly) {
 TEST(Capture, WaitsForALineOfAnotherThread) {
     Capture const capture;
     std::thread other([] { logger.Log(Level::Debug, "from afar"); });
-    EXPECT_TRUE(capture.WaitFor("afar", 10s));
+    EXPECT_TRUE(capture.WaitFor("afar", 60s));
     other.join();
 }
 

@@ -53,14 +53,14 @@ public:
     }
 
     /// False when no datagram of this text comes in time.
-    bool WaitFor(std::string const& text, std::chrono::milliseconds timeout = std::chrono::seconds(5)) const {
+    bool WaitFor(std::string const& text, std::chrono::milliseconds timeout = std::chrono::seconds(60)) const {
         return WaitUntil([&] { return CountLocked(text) > 0; }, timeout);
     }
 
     /// False when no failure comes in time.
     bool WaitForError(boost::system::error_code const& error) const {
         auto const is = [&](Item const& item) { return item.error == error; };
-        return WaitUntil([&] { return std::any_of(items.begin(), items.end(), is); }, std::chrono::seconds(5));
+        return WaitUntil([&] { return std::any_of(items.begin(), items.end(), is); }, std::chrono::seconds(60));
     }
 
     std::size_t Count(std::string const& text) const {
