@@ -20,5 +20,5 @@ zarn_add_tests(NAME platform_configuration_tests
     type/binding_test.cpp
     type/flags_test.cpp
     type/hash_test.cpp
-  LIBRARIES zarn::platform
+  LIBRARIES zarn::platform zarn::test_support
   LABELS unit)

@@ -19,7 +19,7 @@ set(sources
   onvif/events/handler_test.cpp
   onvif/events/subscription_gauge_test.cpp)
 list(TRANSFORM sources PREPEND "${CMAKE_CURRENT_LIST_DIR}/")
-zarn_add_tests(NAME platform_events_tests SOURCES ${sources} LIBRARIES zarn::platform LABELS unit)
+zarn_add_tests(NAME platform_events_tests SOURCES ${sources} LIBRARIES zarn::platform zarn::test_support LABELS unit)
 
 # Threads that wait for their end.
 zarn_add_tests(
