@@ -4,6 +4,7 @@
 #include "support/eventually.h"
 
 #include <chrono>
+#include <mutex>
 #include <utility>
 
 namespace zarn::host::web {
@@ -45,10 +46,10 @@ private:
 
 class BigService final : public zarn::web::Service {
 public:
-    explicit BigService(std::size_t size)
-        : Service({Method::Get, Method::Head}), buffer(std::make_shared<container::Buffer>(std::string(size, 'x'))) {}
+    explicit BigService(std::size_t size) : Service({Method::Get, Method::Head}), size(size) {}
 
     Response Get(std::shared_ptr<zarn::web::Request> /*request*/) override {
+        std::call_once(made, [this] { buffer = std::make_shared<container::Buffer>(std::string(size, 'x')); });
         return std::make_shared<Pending>(
             Status::Ok,
             [buffer = buffer]() -> Pending::Data {
@@ -60,6 +61,8 @@ public:
     Response Head(std::shared_ptr<zarn::web::Request> request) override { return Get(std::move(request)); }
 
 private:
+    std::size_t const size;
+    std::once_flag made; ///< on demand: most tests need it not, and it takes longer than they do
     std::shared_ptr<container::Buffer> buffer;
 };
 
