@@ -10,8 +10,6 @@ namespace {
 
 using testing::HasSubstr;
 
-constexpr char Small[] = "test:ball?width=128&height=96&rate=10";
-
 /// An engine whose streams are for "admin" with the password "right".
 class EngineAuthentication : public VideoTest {
 protected:

@@ -17,7 +17,6 @@ using namespace std::chrono_literals;
 using meta::data::VideoInfo;
 using testing::HasSubstr;
 
-constexpr char Small[] = "test:ball?width=128&height=96&rate=10";
 constexpr char Other[] = "test:smpte?width=192&height=112&rate=5";
 
 class EngineChannels : public VideoTest {

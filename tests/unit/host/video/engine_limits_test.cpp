@@ -23,8 +23,6 @@ using rtsp::Connections;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-constexpr char Small[] = "test:ball?width=128&height=96&rate=10";
-
 /// A bare connection to the RTSP port.
 class Peer {
 public:

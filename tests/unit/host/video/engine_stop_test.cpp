@@ -24,8 +24,6 @@ namespace {
 using namespace std::chrono_literals;
 using testing::HasSubstr;
 
-constexpr char Small[] = "test:ball?width=128&height=96&rate=10";
-
 class EngineStop : public VideoTest {
 protected:
     std::chrono::steady_clock::duration MeasureStop() {

@@ -11,7 +11,6 @@ namespace {
 using namespace std::chrono_literals;
 using testing::HasSubstr;
 
-constexpr char Small[] = "test:ball?width=128&height=96&rate=10";
 constexpr char SmallH265[] = "test:ball?codec=h265&width=128&height=96&rate=10";
 
 class EngineStream : public VideoTest {};

@@ -19,6 +19,9 @@ namespace zarn::host::video {
 /// Long enough for a loaded machine under a sanitizer; nothing waits for it that goes well.
 inline constexpr std::chrono::seconds Deadline{30};
 
+/// A source of test video that costs little.
+inline constexpr char Small[] = "test:ball?width=128&height=96&rate=10";
+
 /// What "about a second" is for, with room for a machine that does something else for some seconds. What may not be
 /// waited for lasts longer: a source that hangs, a server that does not answer.
 inline constexpr std::chrono::seconds StopLimit{5};
