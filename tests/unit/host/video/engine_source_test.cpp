@@ -141,8 +141,6 @@ TEST_F(EngineSource, IsLoggedOnceForEachChange) {
 /// A second engine is the camera.
 class EngineCamera : public VideoTest {
 protected:
-    static constexpr char Small[] = "test:ball?width=128&height=96&rate=10";
-
     /// Starts the camera at a port, by default a free one.
     void StartCamera(std::string const& source, std::uint16_t port = 0) {
         camera = std::make_unique<Engine>(
