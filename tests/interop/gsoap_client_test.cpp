@@ -15,7 +15,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-constexpr char Configuration[] = R"({
+constexpr char TwoChannels[] = R"({
   "identity": {"manufacturer": "Zarnsuite", "model": "Würfel", "firmware": "1.2.3", "hardware": "rack",
                "name": "北门", "location": "Halle 3"},
   "settings": {"web_port": 0, "rtsp_port": 0, "onvif": {"enabled": false}},
@@ -33,7 +33,7 @@ std::string GetHostName() {
 
 class GeneratedClient : public GeneratedClientTest {
 protected:
-    GeneratedClient() : GeneratedClientTest(Configuration) {}
+    GeneratedClient() : GeneratedClientTest(TwoChannels) {}
 };
 
 TEST_F(GeneratedClient, ReadsTheDeviceInformation) {

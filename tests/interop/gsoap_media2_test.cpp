@@ -14,7 +14,7 @@ using testing::IsEmpty;
 using testing::IsNull;
 using testing::SizeIs;
 
-constexpr char Configuration[] = R"({
+constexpr char OddCodecs[] = R"({
   "settings": {"web_port": 0, "rtsp_port": 0, "onvif": {"enabled": false}},
   "channels": {
     "1": {"name": "Gate", "video": {"codec": "video/x-h264", "width": 1920, "height": 1080, "rate": "10/1"}},
@@ -24,7 +24,7 @@ constexpr char Configuration[] = R"({
 
 class Media2Client : public GeneratedClientTest {
 protected:
-    Media2Client() : GeneratedClientTest(Configuration) {}
+    Media2Client() : GeneratedClientTest(OddCodecs) {}
 
     std::vector<tr2__MediaProfile*> Profiles(std::vector<std::string> types, std::string* token = nullptr) {
         _tr2__GetProfiles request;

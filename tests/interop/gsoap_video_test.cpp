@@ -10,7 +10,7 @@
 namespace zarn::test {
 namespace {
 
-constexpr char Configuration[] = R"({
+constexpr char MovingBall[] = R"({
   "settings": {"web_port": 0, "rtsp_port": 0, "onvif": {"enabled": false}},
   "channels": {
     "1": {"name": "Gate", "source": "test:ball?width=160&height=120&rate=10"},
@@ -23,7 +23,7 @@ constexpr std::size_t Frames = 10;
 /// A client that shows the video of each profile: it plays and fetches what the Media2 service tells it.
 class ViewingClient : public GeneratedClientTest {
 protected:
-    ViewingClient() : GeneratedClientTest(Configuration) { AwaitVideo(); }
+    ViewingClient() : GeneratedClientTest(MovingBall) { AwaitVideo(); }
 
     void AwaitVideo() const {
         for (std::size_t channel = 0; channel < 2; ++channel) {

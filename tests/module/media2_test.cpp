@@ -1,4 +1,5 @@
 #include "device_fixture.h"
+#include "no_multicast.h"
 
 #include <gtest/gtest.h>
 
@@ -23,13 +24,6 @@ TEST_F(Media2, TellsItsCapabilitiesWithoutCredentials) {
 }
 
 // Configurations
-
-constexpr char NoMulticast[] = R"(
-    <tt:Multicast>
-      <tt:Address><tt:Type>IPv4</tt:Type></tt:Address><tt:Port>0</tt:Port><tt:TTL>0</tt:TTL>
-      <tt:AutoStart>false</tt:AutoStart>
-    </tt:Multicast>
-    <tt:SessionTimeout>PT0S</tt:SessionTimeout>)";
 
 /// A channel as its configurations tell of it.
 struct Described {

@@ -1,4 +1,5 @@
 #include "device_fixture.h"
+#include "no_multicast.h"
 
 #include <zarn/authentication/realm.h>
 #include <zarn/configuration/node/dynamic.h>
@@ -39,12 +40,6 @@ constexpr char GateSource[] = R"(
 constexpr char YardSource[] = R"(
     <tt:Name>Yard</tt:Name><tt:UseCount>1</tt:UseCount><tt:SourceToken>channels.2</tt:SourceToken>
     <tt:Bounds x="0" y="0" width="1280" height="720"/>)";
-constexpr char NoMulticast[] = R"(
-    <tt:Multicast>
-      <tt:Address><tt:Type>IPv4</tt:Type></tt:Address><tt:Port>0</tt:Port><tt:TTL>0</tt:TTL>
-      <tt:AutoStart>false</tt:AutoStart>
-    </tt:Multicast>
-    <tt:SessionTimeout>PT0S</tt:SessionTimeout>)";
 
 std::string Encoder(std::string const& name, int width, int height) {
     return "<tt:Name>" + name + "</tt:Name><tt:UseCount>1</tt:UseCount><tt:Encoding>H264</tt:Encoding>" +

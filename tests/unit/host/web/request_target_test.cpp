@@ -5,27 +5,28 @@
 namespace zarn::host::web {
 namespace {
 
-struct Case {
+struct TargetCase {
     char const* name;
     char const* target;
     std::optional<std::string> origin;
 };
 
-class RequestTarget : public testing::TestWithParam<Case> {};
+class RequestTarget : public testing::TestWithParam<TargetCase> {};
 
 TEST_P(RequestTarget, IsBroughtIntoOriginForm) { EXPECT_EQ(ToOriginForm(GetParam().target), GetParam().origin); }
 
 INSTANTIATE_TEST_SUITE_P(
     Forms, RequestTarget,
-    testing::Values(Case{"Origin", "/onvif/device_service?a=b", "/onvif/device_service?a=b"}, Case{"Root", "/", "/"},
-                    Case{"Absolute", "http://host:80/onvif/device_service?a=b", "/onvif/device_service?a=b"},
-                    Case{"AbsoluteWithTls", "https://host/a", "/a"}, Case{"SchemeInAnyCase", "HTTP://host/a", "/a"},
-                    Case{"AbsoluteWithoutPath", "http://host", "/"},
-                    Case{"AbsoluteWithQueryOnly", "http://host?a=b", "/?a=b"},
-                    Case{"AbsoluteWithoutHost", "http:///a", std::nullopt}, Case{"SchemeOnly", "http://", std::nullopt},
-                    Case{"Authority", "host:80", std::nullopt}, Case{"Asterisk", "*", std::nullopt},
-                    Case{"OtherScheme", "ftp://host/a", std::nullopt},
-                    Case{"Relative", "onvif/device_service", std::nullopt}, Case{"Empty", "", std::nullopt}),
+    testing::Values(
+        TargetCase{"Origin", "/onvif/device_service?a=b", "/onvif/device_service?a=b"}, TargetCase{"Root", "/", "/"},
+        TargetCase{"Absolute", "http://host:80/onvif/device_service?a=b", "/onvif/device_service?a=b"},
+        TargetCase{"AbsoluteWithTls", "https://host/a", "/a"}, TargetCase{"SchemeInAnyCase", "HTTP://host/a", "/a"},
+        TargetCase{"AbsoluteWithoutPath", "http://host", "/"},
+        TargetCase{"AbsoluteWithQueryOnly", "http://host?a=b", "/?a=b"},
+        TargetCase{"AbsoluteWithoutHost", "http:///a", std::nullopt}, TargetCase{"SchemeOnly", "http://", std::nullopt},
+        TargetCase{"Authority", "host:80", std::nullopt}, TargetCase{"Asterisk", "*", std::nullopt},
+        TargetCase{"OtherScheme", "ftp://host/a", std::nullopt},
+        TargetCase{"Relative", "onvif/device_service", std::nullopt}, TargetCase{"Empty", "", std::nullopt}),
     [](auto const& row) { return row.param.name; });
 
 TEST(RequestTarget, HasThePathBeforeTheQuery) {

@@ -5,7 +5,7 @@
 namespace zarn::host::web {
 namespace {
 
-struct Case {
+struct PathCase {
     char const* pattern;
     char const* path;
     bool matches;
@@ -13,24 +13,24 @@ struct Case {
 
 TEST(Router, MatchesPathsWithPatterns) {
     for (auto const& row : {
-             Case{"/api/health", "/api/health", true},
-             Case{"/api/health", "/api/health/", false},
-             Case{"/api/health", "/api/healthy", false},
-             Case{"/api/health", "/api", false},
-             Case{"/api/health", "/API/health", false},
-             Case{"/api/health", "", false},
-             Case{"/onvif/", "/onvif/device_service", true},
-             Case{"/onvif/", "/onvif/events_service/1/2", true},
-             Case{"/onvif/", "/onvif/", true},
-             Case{"/onvif/", "/onvif", false},
-             Case{"/onvif/", "/onviff/a", false},
-             Case{"/onvif/", "//onvif/a", false},
-             Case{"/snapshot/*/latest.jpeg", "/snapshot/1/latest.jpeg", true},
-             Case{"/snapshot/*/latest.jpeg", "/snapshot//latest.jpeg", false},
-             Case{"/snapshot/*/latest.jpeg", "/snapshot/1/2/latest.jpeg", false},
-             Case{"/snapshot/*/latest.jpeg", "/snapshot/1/latest.jpeg/", false},
-             Case{"/snapshot/*/latest.jpeg", "/snapshot/1/", false},
-             Case{"/snapshot/*/latest.jpeg", "/snapshot/1/latest.jpg", false},
+             PathCase{"/api/health", "/api/health", true},
+             PathCase{"/api/health", "/api/health/", false},
+             PathCase{"/api/health", "/api/healthy", false},
+             PathCase{"/api/health", "/api", false},
+             PathCase{"/api/health", "/API/health", false},
+             PathCase{"/api/health", "", false},
+             PathCase{"/onvif/", "/onvif/device_service", true},
+             PathCase{"/onvif/", "/onvif/events_service/1/2", true},
+             PathCase{"/onvif/", "/onvif/", true},
+             PathCase{"/onvif/", "/onvif", false},
+             PathCase{"/onvif/", "/onviff/a", false},
+             PathCase{"/onvif/", "//onvif/a", false},
+             PathCase{"/snapshot/*/latest.jpeg", "/snapshot/1/latest.jpeg", true},
+             PathCase{"/snapshot/*/latest.jpeg", "/snapshot//latest.jpeg", false},
+             PathCase{"/snapshot/*/latest.jpeg", "/snapshot/1/2/latest.jpeg", false},
+             PathCase{"/snapshot/*/latest.jpeg", "/snapshot/1/latest.jpeg/", false},
+             PathCase{"/snapshot/*/latest.jpeg", "/snapshot/1/", false},
+             PathCase{"/snapshot/*/latest.jpeg", "/snapshot/1/latest.jpg", false},
          }) {
         EXPECT_EQ(Matches(row.pattern, row.path), row.matches) << row.pattern << " " << row.path;
     }
