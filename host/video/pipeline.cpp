@@ -117,6 +117,13 @@ ObjectHandle<GstElement> Pipeline::FindSink() const {
     return ObjectHandle<GstElement>(gst_bin_get_by_name(GetBin(), SinkName));
 }
 
+ObjectHandle<GstElement> Pipeline::FindStartedSink() const {
+    auto sink = FindSink();
+    GstState state = GST_STATE_NULL;
+    if (sink) gst_element_get_state(sink.get(), &state, nullptr, 0);
+    return state >= GST_STATE_PAUSED ? std::move(sink) : nullptr;
+}
+
 GstBusSyncReply Pipeline::OnMessage(GstBus*, GstMessage* message, gpointer self) {
     if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_ERROR) static_cast<Pipeline*>(self)->Fail(Explain(message));
     gst_message_unref(message);

@@ -46,6 +46,9 @@ public:
     /// The application sink called `SinkName`, once it is there.
     ObjectHandle<GstElement> FindSink() const;
 
+    /// The same, once it takes pictures. A sink that has not started yet says that the video has ended.
+    ObjectHandle<GstElement> FindStartedSink() const;
+
 private:
     static GstBusSyncReply OnMessage(GstBus* bus, GstMessage* message, gpointer self);
 

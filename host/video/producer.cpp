@@ -83,7 +83,7 @@ public:
 
     Result Pull(std::chrono::milliseconds timeout) {
         if (!sink) {
-            sink = pipeline.FindSink();
+            sink = pipeline.FindStartedSink();
             if (!sink) std::this_thread::sleep_for(std::min(BuildPoll, timeout));
         }
         if (sink) {
