@@ -1,10 +1,11 @@
 # Read by ctest: makes a test of every suite of a GoogleTest program.
 #   program     the program; one that is not built becomes a test that fails
-#   properties  of each test
+#   properties  of each test, other than its labels
+#   labels      of each test; apart from the properties, which cannot hold a list
 if(NOT EXISTS "${program}")
   get_filename_component(name "${program}" NAME)
   add_test("${name}_NOT_BUILT" "${program}")
-  set_tests_properties("${name}_NOT_BUILT" PROPERTIES ${properties})
+  set_tests_properties("${name}_NOT_BUILT" PROPERTIES ${properties} LABELS "${labels}")
   return()
 endif()
 execute_process(COMMAND "${program}" --gtest_list_tests OUTPUT_VARIABLE listing COMMAND_ERROR_IS_FATAL ANY)
@@ -13,5 +14,5 @@ foreach(suite IN LISTS suites)
   string(STRIP "${suite}" suite)
   string(REGEX REPLACE "\\.$" "" suite "${suite}")
   add_test("${suite}" "${program}" "--gtest_filter=${suite}.*" --gtest_brief=1)
-  set_tests_properties("${suite}" PROPERTIES ${properties})
+  set_tests_properties("${suite}" PROPERTIES ${properties} LABELS "${labels}")
 endforeach()
