@@ -8,6 +8,7 @@
 #include <boost/json/serialize.hpp>
 #include <gmock/gmock.h>
 
+#include <chrono>
 #include <csignal>
 #include <string>
 #include <utility>
@@ -129,7 +130,7 @@ TEST(Events, LetTheHostStopInTime) {
     for (auto const& url : {broker.GetUrl(), std::string("mqtt://192.0.2.1")}) {
         HostProcess host({.configuration = ConfigureMqtt(R"({"enabled": true, "url": ")" + url + "\"}")});
         ASSERT_TRUE(Eventually([&] { return GetIntake(host).at("state") != "off"; }));
-        host.ExpectStop();
+        host.ExpectStop(std::chrono::seconds(5)); // half of the time that a broker has to answer
     }
 }
 

@@ -52,7 +52,7 @@ protected:
     /// The same, with the attacks side by side: for those that take their time.
     void ExpectAnswersSideBySide(std::vector<Attack> const& attacks);
 
-    /// Expects that what an attack takes is given back, to the last block of the heap, however often it is made.
+    /// Expects that what an attack takes is given back, but for a few blocks of the heap, however often it is made.
     /// The first time may leave what is kept on purpose: threads that wait for more, buffers, caches.
     void ExpectNoGrowth(std::function<void()> const& attack, int rounds = UsualRounds);
 
@@ -60,8 +60,8 @@ protected:
     /// the module keeps its idle threads no longer.
     void ExpectEverythingGivenBack(std::function<void()> const& attack);
 
-    /// Expects that a client that means well is served on a new connection, without waiting for others, and that the
-    /// host works for a second at most until then.
+    /// Expects that a well-behaved client is served on a new connection without waiting for others, and that this takes
+    /// the host less than a second of processor time.
     void ExpectServed() const;
 
     ResourceUse GetUse() const { return ReadResourceUse(host.GetProcess().GetId()); }

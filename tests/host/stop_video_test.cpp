@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <chrono>
 #include <csignal>
 #include <memory>
 #include <string>
@@ -23,7 +24,7 @@ TEST(StopWithASourceThatHangs, EndsInTimeAllTheSame) {
     host.GetProcess().Signal(SIGHUP);
     ASSERT_TRUE(Eventually([&] { return host.GetHealth().at("channels").at(0).at("state") == "running"; }));
     EXPECT_TRUE(host.GetProcess().WaitForLog("channel 1: its source does not close"));
-    EXPECT_EQ(host.Stop(), 0);
+    EXPECT_EQ(host.Stop(std::chrono::seconds(10)), 0);
     EXPECT_TRUE(host.GetProcess().WaitForLog("something does not stop"));
 }
 

@@ -58,5 +58,5 @@ test('npm node-onvif finds it once, however many types it asks for', async () =>
 test('nobody finds a device whose setting is off', async () => {
     await host.stop();
     host = await startHost();
-    assert.deepEqual(await probe(), []);
+    assert.deepEqual(await probe({timeout: 4000}), []);
 });

@@ -74,9 +74,9 @@ int HostProcess::Stop(std::chrono::milliseconds limit) {
     return process->Wait(limit).value_or(-1);
 }
 
-void HostProcess::ExpectStop() {
+void HostProcess::ExpectStop(std::chrono::milliseconds limit) {
     auto const before = process->GetProcessorTime();
-    EXPECT_EQ(Stop(), 0) << process->GetLog();
+    EXPECT_EQ(Stop(limit), 0) << process->GetLog();
     EXPECT_LT(process->GetProcessorTime() - before, std::chrono::seconds(1));
 }
 

@@ -5,6 +5,7 @@
 
 #include <boost/json/value.hpp>
 
+#include <chrono>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -35,8 +36,8 @@ public:
         /// Where the configuration is, as `config.json`; null: a new folder.
         std::shared_ptr<TemporaryFolder> folder = {};
 
-        /// Whether the host may end itself when it does not stop in time. If not, a test sees that it does not stop,
-        /// and a slow machine does not look like it.
+        /// Whether the host may end itself when it does not stop in time. If not, the test sees a stop that hangs, and
+        /// a slow machine does not look like one.
         bool endsItself = false;
     };
 
@@ -73,9 +74,9 @@ public:
     /// Sends SIGTERM and waits for the end; the exit status, -1 when it does not come within `limit`.
     int Stop(std::chrono::milliseconds limit = Process::Generous);
 
-    /// Expects that the host stops without waiting for anybody, and with little work. For one whose clients it would
-    /// have to wait for longer than Process::Generous.
-    void ExpectStop();
+    /// Expects that the host stops within `limit`, with less than a second of processor time.
+    /// limit  must be shorter than what the host may not wait for, such as the times of its clients
+    void ExpectStop(std::chrono::milliseconds limit = Process::Generous);
 
     /// The program itself: signals, output, log.
     Process& GetProcess() { return *process; }

@@ -298,7 +298,18 @@ TEST(DiscoveryBase, TriesOnceInEachInterval) {
     });
 }
 
-TEST(DiscoveryBase, TriesEveryTenSecondsUnlessToldOtherwise) { EXPECT_EQ(Responder::RetryInterval, 10s); }
+TEST(DiscoveryBase, TriesAgainAfterTenSeconds) {
+    EXPECT_EQ(Responder::RetryInterval, 10s);
+    OnOwnNetwork([] {
+        logging::Capture const log;
+        auto holder = std::make_unique<PortHolder>();
+        auto const begin = std::chrono::steady_clock::now();
+        Responder const responder;
+        holder.reset();
+        EXPECT_TRUE(log.WaitFor("Onvif discovery service started successfully", 60s));
+        EXPECT_GE(std::chrono::steady_clock::now() - begin, 10s);
+    });
+}
 
 std::ptrdiff_t CountThreads() { return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {}); }
 

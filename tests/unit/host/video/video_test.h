@@ -22,9 +22,9 @@ inline constexpr std::chrono::seconds Deadline{30};
 /// A source of test video that costs little.
 inline constexpr char Small[] = "test:ball?width=128&height=96&rate=10";
 
-/// What "about a second" is for, with room for a machine that does something else for some seconds. What may not be
-/// waited for lasts longer: a source that hangs, a server that does not answer.
-inline constexpr std::chrono::seconds StopLimit{5};
+/// For what takes about a second, with room for a busy machine. Below the five seconds for which a source waits for its
+/// server: a stop that waited for it, too, would take longer.
+inline constexpr std::chrono::seconds StopLimit{4};
 
 /// A decoded picture: one byte of brightness per pixel.
 struct Picture {

@@ -49,7 +49,7 @@ TEST_F(ServerStop, EndsInTimeWhateverItsClientsDo) {
     ASSERT_TRUE(AwaitConnections(5));
     auto const begun = Clock::now();
     server->Stop(100ms);
-    EXPECT_LT(Clock::now() - begun, Limits().idleTime / 2) << "it waits for its clients";
+    EXPECT_LT(Clock::now() - begun, Limits().headerTime / 2) << "it waits for its clients";
 }
 
 TEST_F(ServerStop, IsHarmlessWhenItIsDoneTwice) {
