@@ -51,7 +51,7 @@ else()
   target_compile_options(zarn_warnings INTERFACE -Wno-sign-conversion)
 endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND ZARN_UNITY)
-  # A source in a batch counts as a header, where types of anonymous namespaces would be suspicious.
+  # GCC takes the sources of a batch for headers and warns about their types with members of anonymous namespaces.
   target_compile_options(zarn_warnings INTERFACE -Wno-subobject-linkage)
 endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND ZARN_SANITIZE)

@@ -1,6 +1,6 @@
-# zarn_require_kind(name label...): stops unless the labels of a test hold either "unit" or "integration".
-#   unit         needs no time but that of the processor: no waiting, no other program, no pipeline of GStreamer
-#   integration  any other
+# zarn_require_kind(name label...): fails unless the labels of a test include either "unit" or "integration", not both.
+#   unit         only computes: does not wait, starts no other program and no GStreamer pipeline
+#   integration  every other test
 function(zarn_require_kind name)
   set(kinds 0)
   foreach(kind unit integration)

@@ -27,10 +27,11 @@ public:
     /// Bytes of a message; a longer one is refused.
     static constexpr std::size_t LongestMessage = std::size_t{1024} * 1024;
 
-    /// How long a broker may take to answer.
+    /// How long a broker may take to confirm the subscription.
     static constexpr std::chrono::seconds TimeToConnect{10};
 
-    /// sink  is called with each event, in the order in which the broker sent them
+    /// sink           is called with each event, in the order in which the broker sent them
+    /// timeToConnect  how long the broker may take to confirm the subscription
     explicit MqttClient(Sink sink, std::chrono::milliseconds timeToConnect = TimeToConnect);
 
     /// Stop().

@@ -33,7 +33,7 @@ public:
 
     /// Begins to connect. What goes wrong, here too, ends the session.
     /// settings       of which the url is one
-    /// timeToConnect  until the broker has confirmed the subscription
+    /// timeToConnect  how long the broker may take to confirm the subscription
     /// onMessage      must not throw
     MqttSession(MqttSettings const& settings, Family family, std::chrono::milliseconds timeToConnect,
                 OnMessage onMessage);

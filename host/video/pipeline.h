@@ -46,7 +46,7 @@ public:
     /// The application sink called `SinkName`, once it is there.
     ObjectHandle<GstElement> FindSink() const;
 
-    /// The same, once it takes pictures. A sink that has not started yet says that the video has ended.
+    /// The same, once it has started. Before that, a sink reports the end of the video.
     ObjectHandle<GstElement> FindStartedSink() const;
 
 private:

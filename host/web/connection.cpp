@@ -76,7 +76,7 @@ public:
     }
 
     void Finish() override {
-        finishing = true; // at once: a response that is made from now on already says so
+        finishing = true; // at once, so that a response made from now on already announces the end
         asio::post(stream.get_executor(), [self = Self()] {
             if (!self->idle) return;
             // What has been read already is not lost by that.

@@ -13,7 +13,7 @@ namespace zarn::host::web {
 class ConnectionContext {
 public:
     /// dispatcher       answers the requests; must outlive the context
-    /// lastRequestTime  for a request that is on its way to a connection that is to end
+    /// lastRequestTime  how long a connection that is about to end waits for a request that is already on its way
     ConnectionContext(Dispatcher& dispatcher, Limits const& limits, std::chrono::milliseconds lastRequestTime)
         : dispatcher(dispatcher), lastRequestTime(lastRequestTime), limits(limits) {}
 

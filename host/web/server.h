@@ -28,7 +28,7 @@ public:
         /// Threads that run the I/O context.
         unsigned threads = 2;
 
-        /// What a connection that is to end waits for a request that is on its way to it.
+        /// How long a connection that is about to end waits for a request that is already on its way.
         std::chrono::milliseconds lastRequestTime{1000};
 
         /// Counts connections and exchanges; never null.

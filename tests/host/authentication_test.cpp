@@ -158,7 +158,7 @@ TEST(Authentication, GivesAnAnswerToAnOldNonceANewChallenge) {
     };
     ASSERT_TRUE(Eventually(isRefused));
     EXPECT_THAT(refusal, SaysStale());
-    // A machine that is busy with something else may take longer than the life of the new one, too.
+    // On a busy machine the new nonce may expire, too: then take the next one.
     EXPECT_TRUE(Eventually([&] {
         client.credentials.nonce = ReadChallenge(refusal).at("nonce");
         return !isRefused();

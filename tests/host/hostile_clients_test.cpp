@@ -55,7 +55,7 @@ private:
     }
 };
 
-/// Of a host that waits for nobody longer than a second.
+/// Against a host that waits for a client for a second at most.
 class SlowClients : public HostileClients {
 protected:
     SlowClients() : HostileClients({"settings.limits.header_seconds=1", "settings.limits.idle_seconds=1"}) {}
@@ -65,7 +65,7 @@ TEST_F(SlowClients, ThatSendSlowlyHoldNobodyUp) {
     ExpectEverythingGivenBack([this] {
         auto headers = ConnectMany(Hundreds / 2, "POST /onvif/a HTTP/1.1\r\nA: ");
         auto bodies = ConnectMany(Hundreds / 2, "POST /onvif/a HTTP/1.1\r\nHost: h\r\nContent-Length: 1000\r\n\r\n");
-        // What they send does not prolong their time.
+        // What they send does not extend their time.
         EXPECT_TRUE(Eventually([&] {
             for (auto* connections : {&headers, &bodies}) {
                 for (auto& connection : *connections) {
@@ -94,7 +94,7 @@ TEST_F(HostileClients, ThatReadLateGetEveryAnswerInItsOrder) {
     EXPECT_TRUE(Eventually([this] {
         auto const connections = ListServerConnections(host.GetPort());
         return std::ranges::count_if(connections, [](auto const& each) { return each.unsent > 0; }) == 3;
-    })) << "they are late for no answer";
+    })) << "no answer waits for its reader";
     ExpectServed();
     for (auto& reader : readers) {
         for (int i = 0; i < 200; ++i) {

@@ -18,14 +18,14 @@ constexpr auto IdleThreadTime = 10s + Process::Generous;
 /// Attacks that are made one after the other leave no more threads than this, which wait for the next request.
 constexpr std::size_t WaitingThreads = 2;
 
-/// What the heap may hold after a round of attacks above the least of the rounds before: what belongs to
-/// WaitingThreads, which may be alive or not. Measured, there are at most ten blocks with two kilobytes. A block that
-/// is kept of each connection of a round is more.
+/// How much more the heap may hold after a round of attacks than after the best round before: what belongs to the
+/// WaitingThreads, which may or may not be alive, measured as at most ten blocks and two kilobytes. One block kept for
+/// each connection of a round would be more.
 constexpr std::int64_t MoreBytes = 8 * 1024;
 constexpr std::int64_t MoreBlocks = 20;
 
-/// Each thread of the web server keeps some small blocks for the next use of the same kind; which thread serves whom is
-/// left to chance. After so many connections they have all that they will ever keep.
+/// Each thread of the web server keeps some small blocks for reuse, and chance decides which thread serves a
+/// connection. After this many connections the threads have all the blocks that they will ever keep.
 constexpr int FillingConnections = 1000;
 
 HostProcess::Options MakeOptions(std::vector<std::string> const& settings, HeapCount const& heap,
@@ -78,7 +78,7 @@ void HostileTest::MeasureIdle() {
 }
 
 void HostileTest::ExpectServed() const {
-    // What holds up the clients of a web server does so for as long as their limits, one after the other.
+    // A server that other clients hold up waits for the limits of one after the other, which takes far longer.
     constexpr auto Limit = 10s;
     auto const before = host.GetProcess().GetProcessorTime();
     EXPECT_EQ(RawConnection(host.GetPort(), Limit).Exchange(MakeSoapRequest("GetSystemDateAndTime")).status, 200U);

@@ -26,7 +26,7 @@ struct Attack {
 inline constexpr std::size_t Kilobyte = 1024;
 inline constexpr std::size_t Megabyte = 1024 * Kilobyte;
 
-/// A request that everybody may make, and that the module has nothing to do with.
+/// A request that needs no login and does not reach the module.
 inline std::string const Health = "GET /api/health HTTP/1.1\r\nHost: h\r\n\r\n";
 
 /// The connection ends without an answer.
@@ -79,7 +79,7 @@ private:
 
     void FillCaches();
 
-    /// Waits until the host holds no more than at the beginning, but for threads that wait for more to do.
+    /// Waits until the host holds no more than at the beginning, except for threads that wait for work.
     void ExpectDescriptorsAndThreadsBack() const;
 };
 

@@ -135,7 +135,7 @@ TEST_F(HostileFraming, ByOddChunksIsAnswered) {
     });
 }
 
-/// At a host that waits no longer than a second for the rest.
+/// Against a host that waits for the rest for a second at most.
 class UnfinishedFraming : public HostileFraming {
 protected:
     UnfinishedFraming() : HostileFraming({"settings.limits.header_seconds=1", "settings.limits.idle_seconds=1"}) {}

@@ -23,10 +23,10 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
-/// A client of which everything ends after `Limit`.
+/// A client whose every operation ends after `Limit`.
 class TlsClient {
 public:
-    /// What holds up the clients of a web server does so for as long as their limits, one after the other.
+    /// A server that other clients hold up waits for the limits of one after the other, which takes far longer.
     static constexpr auto Limit = 10s;
 
     explicit TlsClient(std::uint16_t port) : stream(io, context) {

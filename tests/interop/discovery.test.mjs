@@ -11,8 +11,7 @@ import {password, startHost} from './host.mjs';
 
 const probe = options => promisify(onvif.Discovery.probe)({timeout: 1000, ...options});
 
-// Searches until something is found: the responder may need longer for its start than the host, and for an answer longer
-// than one search listens.
+// Searches until something is found: the responder may start later than the host, and answer after a search has ended.
 async function find(search) {
     for (const deadline = Date.now() + 60000;;) {
         const found = await search();

@@ -8,7 +8,7 @@ import onvif from 'onvif';
 
 import {password, startHost} from './host.mjs';
 
-// Asks a new host for its model, over and over, in the way that `run` says.
+// Starts a host and passes `run` a function that logs in and asks for the model.
 async function logIn(authentication, useWSSecurity, run) {
     const host = await startHost({
         settings: {web_port: 0, rtsp_port: 0, onvif: {enabled: false}, authentication: {enabled: true, ...authentication}},
@@ -29,7 +29,7 @@ async function logIn(authentication, useWSSecurity, run) {
 
 for (const useWSSecurity of [true, false]) {
     describe(`npm onvif ${useWSSecurity ? 'with' : 'without'} its WS-Security header`, () => {
-        // It takes a refusal of its answer to a challenge for a wrong password: that answer has to come within the life.
+        // The client takes a refused answer for a wrong password: the answer has to arrive within the life of its nonce.
         test('goes on over the expiry of its nonces', () => logIn({nonce_seconds: 2}, useWSSecurity, async getModel => {
             for (const end = Date.now() + 2500; Date.now() < end; await wait(100)) await getModel();
         }));

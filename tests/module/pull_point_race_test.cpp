@@ -144,7 +144,7 @@ TEST_F(PullPointRace, OfItsEndWithItsUnsubscriptionEndsItAlone) {
 
 TEST_F(PullPointRace, OfAPullWithItsUnsubscriptionGivesWhatItHas) {
     constexpr std::size_t Count = 10'000;
-    // A thread that gets no processor while another pulls all comes too late: once more.
+    // An unsubscription that gets no processor until all is pulled comes too late: then try again.
     std::size_t pulled = Count;
     for (int attempt = 0; pulled == Count && attempt < 20; ++attempt) {
         auto const path = Subscribe();

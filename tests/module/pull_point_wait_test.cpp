@@ -28,7 +28,7 @@ class PullPointWait : public PullPointFixture {
 protected:
     using Exchange = std::shared_ptr<web::response::Pending>;
 
-    /// Begins to pull for an hour, and comes back when the exchange waits.
+    /// Begins to pull, and returns when the exchange waits.
     Exchange BeginToWait(std::string const& path, std::string const& timeout = "PT1H") {
         auto exchange = PostPull(path, 100, timeout);
         EXPECT_TRUE(Waits(*exchange));

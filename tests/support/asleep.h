@@ -13,11 +13,11 @@
 namespace zarn::test {
 
 /// Whether the kernel has put a thread to sleep, as it does with one that waits: for a lock, an event, the end of
-/// another thread. One that is ready to run and only gets no processor is not asleep.
+/// another thread. A thread that is ready to run but gets no processor is not asleep.
 inline bool IsAsleep(std::filesystem::path const& task) {
     std::string stat;
     std::getline(std::ifstream(task / "stat"), stat);
-    // The state stands behind the name, which is in parentheses.
+    // The state follows the name, which is in parentheses.
     return stat.find(") S ") != stat.npos;
 }
 
@@ -32,7 +32,7 @@ inline bool FallsAsleep(pid_t thread) {
 }
 
 /// Waits until at least as many other threads of the process are there and all of them sleep, so that nothing more
-/// happens without an event from outside or a timer. Two looks, since the threads are looked at one after the other.
+/// happens without an event from outside or a timer. Checks twice, because it reads the threads one after the other.
 inline bool OthersSleep(std::size_t count) {
     auto const self = std::to_string(gettid());
     auto const look = [&] {

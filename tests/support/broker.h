@@ -11,8 +11,7 @@
 
 namespace zarn::test {
 
-/// A mosquitto broker on a port of its own of an address of this machine, which keeps its sessions in a folder of the
-/// test.
+/// A mosquitto broker on its own port of an address of this machine, which keeps its sessions in a folder of the test.
 class Broker {
 public:
     /// lines    of its configuration, behind the listener's

@@ -1,6 +1,6 @@
-// Loaded before a process (LD_PRELOAD), counts what it has allocated and not freed: every block, whichever library asks
-// for it, since operator new and GLib come here, too. Unlike resident memory the count knows neither the pages that the
-// C library keeps nor what else runs on the machine.
+// Preloaded into a process (LD_PRELOAD), counts what it has allocated and not freed. That includes every library, since
+// operator new and GLib call these functions, too. Unlike resident memory, the count does not depend on the pages that
+// the C library keeps or on what else runs on the machine.
 #include "support/heap_page.h"
 
 #include <fcntl.h>
@@ -29,7 +29,7 @@ using zarn::test::HeapPage;
 HeapPage early{}; ///< of what comes before the test's file is mapped
 HeapPage* page = &early;
 
-/// The programs that this one starts do not count.
+/// Maps the test's file. Programs that this one starts are not counted.
 __attribute__((constructor)) void MapPage() {
     char const* const path = std::getenv(zarn::test::HeapPageVariable);
     if (path == nullptr) return;

@@ -9,8 +9,8 @@
 
 namespace zarn::test {
 
-/// What a process has allocated and not freed, exactly: see counted_heap.cpp. Under a sanitizer, which stands before
-/// the same functions, nothing is counted.
+/// Exactly what a process has allocated and not freed: see counted_heap.cpp. Under a sanitizer, which replaces the same
+/// functions, nothing is counted.
 class HeapCount {
 public:
     struct Use {
@@ -26,10 +26,10 @@ public:
     HeapCount(HeapCount const&) = delete;
     HeapCount& operator=(HeapCount const&) = delete;
 
-    /// What the process has to find in its environment.
+    /// What the environment of the process needs.
     std::map<std::string, std::string> const& GetEnvironment() const { return environment; }
 
-    /// Whether there is a count in this build.
+    /// Whether this build counts.
     bool IsCounting() const { return !environment.empty(); }
 
     Use Get() const { return {page->bytes, page->blocks}; }

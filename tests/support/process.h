@@ -16,13 +16,13 @@ namespace zarn::test {
 /// A program that a test has started, with what it writes. Killed when the object goes.
 class Process {
 public:
-    /// For what is expected to happen at all, on a machine that may be busy with something else for seconds. Only a
-    /// test that fails waits for it.
+    /// For what has to happen at all, on a machine that may be busy elsewhere for seconds. Only a test that fails waits
+    /// this long.
     static constexpr std::chrono::seconds Generous{30};
 
     /// arguments    program (found by PATH when it has no "/") and arguments
     /// environment  variables that are set, or with an empty value unset, beside those of the test
-    /// heldSignals  those that do not reach it, on top of those that do not reach the test
+    /// heldSignals  blocked in the program, in addition to those that are blocked in the test
     /// Throws std::runtime_error when it cannot be started.
     explicit Process(std::vector<std::string> arguments, std::map<std::string, std::string> const& environment = {},
                      std::vector<int> const& heldSignals = {});
@@ -48,8 +48,8 @@ public:
     bool WaitForOutput(std::string_view text, std::chrono::milliseconds limit = Generous) const;
     bool WaitForLog(std::string_view text, std::chrono::milliseconds limit = Generous) const;
 
-    /// What all its threads together have worked so far, those that have ended included; when `Wait` has seen its end,
-    /// up to then. What else the machine does hardly changes it.
+    /// The processor time of all its threads so far, including those that have ended; the total once `Wait` has seen
+    /// its end. Other programs hardly change it.
     std::chrono::nanoseconds GetProcessorTime() const;
 
     pid_t GetId() const { return id; }

@@ -18,7 +18,7 @@ namespace {
 constexpr std::uint16_t FirstPort = 20000;
 constexpr std::uint16_t LastPort = 29999;
 
-/// The byte of a port is locked in a file that all tests of this user share; the lock goes with the descriptor.
+/// Locks the byte of a port in a file that all tests of this user share. Closing the descriptor releases the lock.
 bool LockByte(int descriptor, std::uint16_t port) {
     struct flock lock {};
 
@@ -47,7 +47,7 @@ ReservedPort::ReservedPort() {
         std::filesystem::temp_directory_path() / ("zarn-test-ports-" + std::to_string(getuid()) + ".lock");
     descriptor = open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     if (descriptor < 0) throw std::runtime_error(file.string() + " cannot be opened");
-    // From anywhere, so that a port whose last connections still linger is seldom taken again.
+    // Starts at a random port, so that a port with lingering connections is seldom taken again.
     constexpr int Count = LastPort - FirstPort + 1;
     std::random_device random;
     int const begin = std::uniform_int_distribution(0, Count - 1)(random);

@@ -4,7 +4,7 @@
 
 namespace zarn::test {
 
-/// A TCP port on which nobody listens, kept for its owner: no other test gets it, and the system chooses it for nobody.
+/// A free TCP port, reserved for its owner: no other test gets it, and the system gives it to no program.
 class ReservedPort {
 public:
     /// Throws std::runtime_error when none is left.

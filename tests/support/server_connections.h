@@ -11,8 +11,8 @@ struct ServerConnection {
     std::size_t unsent = 0; ///< bytes that the client has not taken yet
 };
 
-/// The connections to a port of this machine that the server has not closed, as the system knows them: those that it
-/// has not accepted yet included. Source: proc_net_tcp in the documentation of the Linux kernel.
+/// The connections to a port of this machine that the server has not closed, including those that it has not accepted
+/// yet. Source: proc_net_tcp in the documentation of the Linux kernel.
 std::vector<ServerConnection> ListServerConnections(std::uint16_t port);
 
 } // namespace zarn::test

@@ -57,7 +57,7 @@ TEST_F(EngineSnapshot, UsesTheFullRangeOfBrightness) {
 
 TEST_F(EngineSnapshot, SharesOnePictureBetweenRequestsAtTheSameTime) {
     engine->SetChannels({From("1", "test:ball?width=128&height=96&rate=10")});
-    // A machine that stands still lets the picture grow too old to be shared.
+    // Repeats, because on a stalled machine the picture may grow too old to be shared.
     EXPECT_TRUE(test::Eventually([&] {
         auto const one = WaitForSnapshot("1");
         auto const other = TakeSnapshot("1");

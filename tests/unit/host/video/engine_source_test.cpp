@@ -47,7 +47,7 @@ TEST_P(EngineFile, IsPlayedOverItsEndInRealTime) {
         return engine->Describe("1") == VideoInfo({128, 96}, GetParam().codec, 20, 1);
     })) << engine->Describe("1").GetFrameRateNumerator();
     Viewer viewer(GetUrl("1"));
-    // No gap at the end of the file. Where the machine could not follow the engine leaves pictures out: once more then.
+    // No gap at the end of the file. The engine drops pictures when the machine cannot keep up: then try again.
     auto gap = std::chrono::nanoseconds::max();
     for (int attempt = 0; gap > 55ms && attempt < 4; ++attempt) {
         auto const first = viewer.Next();

@@ -69,7 +69,7 @@ TEST_F(EngineStream, ShowsEveryViewerItsFirstPictureSoon) {
     ASSERT_TRUE(WaitForState("1", ChannelState::Running));
     Viewer first(GetUrl("1"));
     ASSERT_TRUE(first.Next());
-    // The best of three: a machine that is busy elsewhere keeps one waiting.
+    // The best of three, because a busy machine may delay a viewer.
     auto best = std::chrono::steady_clock::duration::max();
     for (int attempt = 0; best >= 2s && attempt < 3; ++attempt) {
         auto const begin = std::chrono::steady_clock::now();

@@ -27,7 +27,7 @@ protected:
         return answer;
     }
 
-    /// Asks again where a machine that stands still lets the video grow too old before it is asked for.
+    /// Asks again when the video has grown too old before the request, as it may on a stalled machine.
     static void WaitUntilInTime(std::function<Snapshot()> const& ask) {
         EXPECT_TRUE(test::Eventually([&] { return ask().error != Error::NoFrame; }));
     }

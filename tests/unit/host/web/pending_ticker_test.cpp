@@ -134,7 +134,7 @@ TEST_F(PendingTickerTest, GivesUpAfterTheResponsesOwnTimeOut) {
 }
 
 TEST_F(PendingTickerTest, AsksAYoungResponseOften) {
-    // A machine that has no time for it right away has it later.
+    // Repeats, because a busy machine may not manage it at once.
     auto const deadline = Clock::now() + Patience;
     auto lasted = Clock::duration::max();
     while (lasted > 20ms && Clock::now() < deadline) {

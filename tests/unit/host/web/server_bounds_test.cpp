@@ -31,8 +31,8 @@ protected:
         return response.status;
     }
 
-    /// A connection on which these bytes have been sent and `hasBegun` holds. A server of little patience may end the
-    /// connection before they come, as a slow machine has it: then on another one.
+    /// A connection on which these bytes have been sent and `hasBegun` holds. On a slow machine a server with short
+    /// limits may end the connection before the bytes arrive: then it is another one.
     std::unique_ptr<RawConnection> Begin(std::string const& bytes,
                                          std::function<bool(RawConnection&)> const& hasBegun) {
         for (int i = 0; i < 20; ++i) {

@@ -16,7 +16,7 @@ namespace zarn::host::web {
 /// it got, in lines; `/wait` answers when the test says so; `/big` answers a GET with BigSize bytes.
 class ServerTest : public testing::Test {
 protected:
-    /// How long to wait for what is to happen: long enough for a machine that hardly runs.
+    /// How long to wait for what has to happen: long enough for an overloaded machine.
     static constexpr std::chrono::seconds Patience{60};
 
     static constexpr std::size_t BigSize = 32 * 1024 * 1024;
@@ -33,7 +33,7 @@ protected:
 
     static constexpr char const* Wait = "GET /wait HTTP/1.1\r\nHost: h\r\n\r\n";
 
-    /// Waits until the server has as many exchanges under way; false when it does not come to that within the patience.
+    /// Waits until the server has as many exchanges under way; false when it does not within Patience.
     bool AwaitExchanges(std::size_t count) const;
     bool AwaitConnections(std::size_t count) const;
 
