@@ -11,7 +11,6 @@ set(sources
   logging/rate_limit_test.cpp
   meta/data/video_info_test.cpp
   network/address_test.cpp
-  network/device_test.cpp
   protocol/network/http/method_test.cpp
   protocol/network/http/request_test.cpp
   protocol/network/http/response/status_test.cpp
@@ -26,6 +25,7 @@ zarn_add_tests(NAME platform_core_tests SOURCES ${sources} LIBRARIES zarn::platf
 set(sources
   job/dynamic_thread_pool_stop_test.cpp
   job/dynamic_thread_pool_test.cpp
+  network/device_test.cpp
   network/interface_test.cpp
   network/local_test.cpp)
 list(TRANSFORM sources PREPEND "${CMAKE_CURRENT_LIST_DIR}/")

@@ -1,6 +1,5 @@
 # What the discovery responder stands on: zarn::asio (I/O context), network (networks), onvif::discovery, protocol (UDP)
 set(sources
-  asio/io_context_test.cpp
   onvif/discovery/endpoint_test.cpp
   onvif/discovery/request_hostile_test.cpp
   onvif/discovery/request_test.cpp
@@ -18,6 +17,7 @@ zarn_add_tests(
 
 # Real sockets, in networks that `ip` makes.
 set(sources
+  asio/io_context_test.cpp
   network/networks_test.cpp
   protocol/network/udp/failing_new.cpp
   protocol/network/udp/membership_test.cpp
