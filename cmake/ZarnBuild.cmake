@@ -33,6 +33,9 @@ if(ZARN_SANITIZE)
   add_compile_options(-fsanitize=${ZARN_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   add_link_options(-fsanitize=${ZARN_SANITIZE})
   add_compile_definitions(ZARN_SANITIZED)
+  if(ZARN_SANITIZE MATCHES "address") # the tests, too, need to know, although the compiler does not watch them for it
+    add_compile_definitions(ZARN_SANITIZED_ADDRESSES)
+  endif()
 endif()
 
 # ZARN_FUZZ: every target counts what it covers, for libFuzzer; needs Clang.
