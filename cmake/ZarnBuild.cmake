@@ -12,7 +12,7 @@ set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
 # Sources are compiled in batches, since most of the time goes into the headers that they share. OFF compiles each on its own.
 option(ZARN_UNITY "Compile the sources of a target in batches" ON)
 set(CMAKE_UNITY_BUILD ${ZARN_UNITY})
-set(CMAKE_UNITY_BUILD_BATCH_SIZE 12)
+set(CMAKE_UNITY_BUILD_BATCH_SIZE 16)
 
 find_package(PkgConfig REQUIRED)
 find_package(Threads REQUIRED)
@@ -21,8 +21,10 @@ find_package(OpenSSL 3 REQUIRED)
 
 find_program(ZARN_CCACHE ccache)
 if(ZARN_CCACHE)
-  # Paths relative to the source folder let the build folders of all presets share one cache.
-  set(zarn_launcher "${CMAKE_COMMAND}" -E env "CCACHE_BASEDIR=${CMAKE_SOURCE_DIR}" CCACHE_NOHASHDIR=1 "${ZARN_CCACHE}")
+  # Paths relative to the source folder let the build folders of all presets share one cache. It caches what uses precompiled
+  # headers only if it need not watch their macros and times.
+  set(zarn_launcher "${CMAKE_COMMAND}" -E env "CCACHE_BASEDIR=${CMAKE_SOURCE_DIR}" CCACHE_NOHASHDIR=1
+    CCACHE_SLOPPINESS=pch_defines,time_macros "${ZARN_CCACHE}")
   set(CMAKE_C_COMPILER_LAUNCHER ${zarn_launcher})
   set(CMAKE_CXX_COMPILER_LAUNCHER ${zarn_launcher})
 endif()
@@ -38,9 +40,9 @@ if(ZARN_SANITIZE)
   endif()
 endif()
 
-# ZARN_FUZZ: every target counts what it covers, for libFuzzer; needs Clang.
-option(ZARN_FUZZ "Build the fuzzers" OFF)
-if(ZARN_FUZZ)
+# ZARN_BUILD_FUZZERS: every target counts what it covers, for libFuzzer; needs Clang.
+option(ZARN_BUILD_FUZZERS "Build the fuzzers" OFF)
+if(ZARN_BUILD_FUZZERS)
   add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 
@@ -56,14 +58,6 @@ endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND ZARN_UNITY)
   # GCC takes the sources of a batch for headers and warns about their types with members of anonymous namespaces.
   target_compile_options(zarn_warnings INTERFACE -Wno-subobject-linkage)
-endif()
-if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND ZARN_SANITIZE)
-  # GCC's analysis goes astray in instrumented code, in Boost's optional for one.
-  target_compile_options(zarn_warnings INTERFACE -Wno-maybe-uninitialized)
-endif()
-if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND ZARN_SANITIZE MATCHES "thread")
-  # GCC warns of Asio's fences, which the sanitizer does not see; the locks of Asio's scheduler order the handlers too.
-  target_compile_options(zarn_warnings INTERFACE -Wno-tsan)
 endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
   # GCC 12 takes the joining of std::strings for overlapping copies when it optimises (GCC bug 105651).

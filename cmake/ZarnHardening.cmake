@@ -10,7 +10,7 @@
 include(CheckPIESupported)
 check_pie_supported(LANGUAGES C CXX)
 
-if(NOT ZARN_SANITIZE AND NOT ZARN_FUZZ)
+if(NOT ZARN_SANITIZE)
   set(optimised "$<CONFIG:Release,RelWithDebInfo,MinSizeRel>")
   add_compile_options("$<${optimised}:-fstack-protector-strong;-fstack-clash-protection;-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=3>")
   if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|i[3-6]86)$")

@@ -15,12 +15,32 @@ endfunction()
 
 # zarn_runs(result label...): whether tests of these labels run in this build. Those that decode video or start other
 # people's clients do not under sanitizers: the libraries below them are not instrumented, so that the thread sanitizer cannot
-# see their locks, and encoding gets too slow to keep up with the clock.
+# see their locks, and encoding gets too slow to keep up with the clock. Clang's thread sanitizer brings the functions of the
+# C++ heap itself, so that a test ("heap") cannot replace them.
 function(zarn_runs result)
   set(${result} ON PARENT_SCOPE)
+  if(ZARN_SANITIZE MATCHES "thread" AND "heap" IN_LIST ARGN)
+    set(${result} OFF PARENT_SCOPE)
+  endif()
   if(ZARN_SANITIZE AND ("video" IN_LIST ARGN OR "interop" IN_LIST ARGN))
     set(${result} OFF PARENT_SCOPE)
   endif()
+endfunction()
+
+# zarn_as_in_programs(target): compiles a library of the tests like a program, which a precompiled header has to agree with.
+function(zarn_as_in_programs target)
+  set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE OFF)
+  target_compile_options(${target} PRIVATE -fPIE)
+endfunction()
+
+# zarn_reuse_precompiled(target): a program or a library of the tests finds tests/support/precompiled.h compiled.
+function(zarn_reuse_precompiled target)
+  get_target_property(type ${target} TYPE)
+  if(NOT type STREQUAL "EXECUTABLE")
+    zarn_as_in_programs(${target})
+  endif()
+  target_link_libraries(${target} PRIVATE zarn::platform) # whose definitions of macros are compiled into it
+  target_precompile_headers(${target} REUSE_FROM zarn_precompiled_for_tests)
 endfunction()
 
 # zarn_add_tests(NAME name SOURCES a.cpp... [LIBRARIES lib...] LABELS label... [TIMEOUT seconds])
@@ -35,6 +55,7 @@ function(zarn_add_tests)
   add_executable(${arg_NAME} ${arg_SOURCES})
   target_link_libraries(${arg_NAME} PRIVATE zarn::warnings ${arg_LIBRARIES} GTest::gmock_main)
   target_include_directories(${arg_NAME} PRIVATE "${CMAKE_SOURCE_DIR}/tests")
+  zarn_reuse_precompiled(${arg_NAME})
   zarn_runs(runs ${arg_LABELS})
   if(NOT runs)
     set_target_properties(${arg_NAME} PROPERTIES EXCLUDE_FROM_ALL ON)

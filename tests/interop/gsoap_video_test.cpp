@@ -75,8 +75,8 @@ TEST_F(ViewingClient, FetchesTheSnapshotOfEveryProfile) {
         request.ProfileToken = profile->token;
         auto const uri = Ask(&Media2BindingProxy::GetSnapshotUri, request).Uri;
         auto const file = host.GetFolder() / "snapshot.jpeg";
-        Process curl({"curl", "-sS", "--fail", "--retry", "5", "--digest", "-u", "admin:" + host.GetPassword(), "-o",
-                      file, uri});
+        Process curl({"curl", "-sS", "--fail", "--retry", "20", "--retry-max-time", "50", "--digest", "-u",
+                      "admin:" + host.GetPassword(), "-o", file, uri});
         ASSERT_EQ(curl.Wait(), 0) << uri << curl.GetLog();
         Process decoder(
             {"ffprobe", "-v", "error", "-show_entries", "stream=codec_name,width,height", "-of", "csv=p=0", file});

@@ -35,4 +35,4 @@ zarn_add_tests(
     "${CMAKE_CURRENT_LIST_DIR}/onvif/meta/convert_test.cpp"
     "${PROJECT_SOURCE_DIR}/tests/unit/interface/exchange.cpp"
   LIBRARIES zarn::onvif_meta zarn_failing_nothrow_new
-  LABELS unit)
+  LABELS unit heap)

@@ -7,11 +7,10 @@
 
 #include <atomic>
 #include <cerrno>
-#include <optional>
 
 namespace {
 
-std::atomic<std::optional<zarn::test::Lack>> Present;
+std::atomic<zarn::test::Lack> Present = zarn::test::Lack::Nothing;
 
 } // namespace
 
@@ -31,6 +30,6 @@ namespace zarn::test {
 
 UnreadableInterfaces::UnreadableInterfaces(Lack lack) { Present = lack; }
 
-UnreadableInterfaces::~UnreadableInterfaces() { Present = std::nullopt; }
+UnreadableInterfaces::~UnreadableInterfaces() { Present = Lack::Nothing; }
 
 } // namespace zarn::test

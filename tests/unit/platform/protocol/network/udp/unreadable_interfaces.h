@@ -3,7 +3,7 @@
 namespace zarn::test {
 
 /// What there is too little of.
-enum class Lack { Descriptors, Memory };
+enum class Lack { Nothing, Descriptors, Memory };
 
 /// While it lives, this process cannot read the network interfaces of its machine.
 class UnreadableInterfaces {

@@ -11,9 +11,16 @@ thread_local bool Failing = false;
 
 } // namespace
 
+/// The thread sanitizer's own, where there is one: it learns from it what waits for what.
+extern "C" int __interceptor_epoll_ctl(int instance, int operation, int descriptor, epoll_event* event)
+    __attribute__((weak));
+
 /// Stands before the system's function of this name, which it calls.
 extern "C" int epoll_ctl(int instance, int operation, int descriptor, epoll_event* event) noexcept {
-    static auto const System = reinterpret_cast<decltype(&epoll_ctl)>(dlsym(RTLD_NEXT, "epoll_ctl"));
+    static auto const System =
+        __interceptor_epoll_ctl != nullptr
+            ? &__interceptor_epoll_ctl
+            : reinterpret_cast<decltype(&__interceptor_epoll_ctl)>(dlsym(RTLD_NEXT, "epoll_ctl"));
     if (Failing && operation == EPOLL_CTL_ADD) {
         errno = ENOSPC;
         return -1;
