@@ -29,8 +29,8 @@ extern "C" int pthread_create(pthread_t* thread, pthread_attr_t const* attribute
                               void* argument) {
     using Function = decltype(&__interceptor_pthread_create);
     static auto const System = __interceptor_pthread_create != nullptr
-                                       ? &__interceptor_pthread_create
-                                       : reinterpret_cast<Function>(dlsym(RTLD_NEXT, "pthread_create"));
+                                   ? &__interceptor_pthread_create
+                                   : reinterpret_cast<Function>(dlsym(RTLD_NEXT, "pthread_create"));
     using zarn::test::successesLeft;
     if (successesLeft == 0) return EAGAIN;
     if (successesLeft > 0) --successesLeft;
