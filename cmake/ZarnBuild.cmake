@@ -13,6 +13,9 @@ set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
 option(ZARN_UNITY "Compile the sources of a target in batches" ON)
 set(CMAKE_UNITY_BUILD ${ZARN_UNITY})
 set(CMAKE_UNITY_BUILD_BATCH_SIZE 16)
+if(NOT ZARN_UNITY) # then a source that lacks an include is to be found
+  set(CMAKE_DISABLE_PRECOMPILE_HEADERS ON)
+endif()
 
 find_package(PkgConfig REQUIRED)
 find_package(Threads REQUIRED)
@@ -21,15 +24,15 @@ find_package(OpenSSL 3 REQUIRED)
 
 find_program(ZARN_CCACHE ccache)
 if(ZARN_CCACHE)
-  # Paths relative to the source folder let the build folders of all presets share one cache. It caches what uses precompiled
-  # headers only if it need not watch their macros and times.
+  # Paths relative to the source folder let the build folders of all presets share one cache. It caches compilations with a
+  # precompiled header only with this sloppiness.
   set(zarn_launcher "${CMAKE_COMMAND}" -E env "CCACHE_BASEDIR=${CMAKE_SOURCE_DIR}" CCACHE_NOHASHDIR=1
     CCACHE_SLOPPINESS=pch_defines,time_macros "${ZARN_CCACHE}")
   set(CMAKE_C_COMPILER_LAUNCHER ${zarn_launcher})
   set(CMAKE_CXX_COMPILER_LAUNCHER ${zarn_launcher})
 endif()
 
-# ZARN_SANITIZE: comma-separated list for -fsanitize, applied to every target, generated code included.
+# ZARN_SANITIZE: comma-separated list for -fsanitize, applied to every target that does not say otherwise.
 set(ZARN_SANITIZE "" CACHE STRING "Sanitizers, as for -fsanitize=")
 if(ZARN_SANITIZE)
   add_compile_options(-fsanitize=${ZARN_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)

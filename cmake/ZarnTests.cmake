@@ -15,8 +15,8 @@ endfunction()
 
 # zarn_runs(result label...): whether tests of these labels run in this build. Those that decode video or start other
 # people's clients do not under sanitizers: the libraries below them are not instrumented, so that the thread sanitizer cannot
-# see their locks, and encoding gets too slow to keep up with the clock. Clang's thread sanitizer brings the functions of the
-# C++ heap itself, so that a test ("heap") cannot replace them.
+# see their locks, and encoding gets too slow to keep up with the clock. Clang's thread sanitizer defines operator new itself,
+# so that a test ("heap") cannot replace it.
 function(zarn_runs result)
   set(${result} ON PARENT_SCOPE)
   if(ZARN_SANITIZE MATCHES "thread" AND "heap" IN_LIST ARGN)
@@ -27,20 +27,20 @@ function(zarn_runs result)
   endif()
 endfunction()
 
-# zarn_as_in_programs(target): compiles a library of the tests like a program, which a precompiled header has to agree with.
+# zarn_as_in_programs(target): compiles a test library with the flags of a program, so that both can share the precompiled header.
 function(zarn_as_in_programs target)
   set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE OFF)
   target_compile_options(${target} PRIVATE -fPIE)
 endfunction()
 
-# zarn_reuse_precompiled(target): a program or a library of the tests finds tests/support/precompiled.h compiled.
+# zarn_reuse_precompiled(target): lets a test program or library use the precompiled tests/support/precompiled.h.
 function(zarn_reuse_precompiled target)
   get_target_property(type ${target} TYPE)
   if(NOT type STREQUAL "EXECUTABLE")
     zarn_as_in_programs(${target})
   endif()
-  target_link_libraries(${target} PRIVATE zarn::platform) # whose definitions of macros are compiled into it
-  target_precompile_headers(${target} REUSE_FROM zarn_precompiled_for_tests)
+  target_link_libraries(${target} PRIVATE zarn::platform) # the precompiled header contains its macros
+  target_precompile_headers(${target} REUSE_FROM zarn_test_support)
 endfunction()
 
 # zarn_add_tests(NAME name SOURCES a.cpp... [LIBRARIES lib...] LABELS label... [TIMEOUT seconds])
@@ -68,7 +68,8 @@ function(zarn_add_tests)
   if("video" IN_LIST arg_LABELS)
     set(processors 2)
   endif()
-  set(properties TIMEOUT ${arg_TIMEOUT} PROCESSORS ${processors})
+  # What may take longest begins first, so that the end of a run keeps all processors busy.
+  set(properties TIMEOUT ${arg_TIMEOUT} COST ${arg_TIMEOUT} PROCESSORS ${processors})
   # ctest reads this file when it starts.
   set(listing "${CMAKE_CURRENT_BINARY_DIR}/${arg_NAME}_listing.cmake")
   if("unit" IN_LIST arg_LABELS)
@@ -98,4 +99,8 @@ function(zarn_add_test)
   endif()
   add_test(NAME ${arg_NAME} COMMAND ${arg_COMMAND})
   set_tests_properties(${arg_NAME} PROPERTIES LABELS "${arg_LABELS}" ${arg_PROPERTIES})
+  get_test_property(${arg_NAME} TIMEOUT timeout)
+  if(timeout)
+    set_tests_properties(${arg_NAME} PROPERTIES COST ${timeout})
+  endif()
 endfunction()

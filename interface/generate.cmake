@@ -14,8 +14,8 @@ if(status OR report MATCHES "\\*\\*(ERROR|WARNING|FAILED)|There were errors")
   message(FATAL_ERROR "soapcpp2 refuses ${DEFINITION}:\n${report}")
 endif()
 
-# Three functions in four of the common header are for clients and for files. Nothing here calls them, and every source that
-# includes the header would pay for them.
+# Three quarters of the functions in soapH.h serve clients and files. Nothing calls them, yet every source that includes the
+# header would pay for them.
 execute_process(
   COMMAND sed -i -E "/^inline .*soap_(new_req|new_set|read|write|GET|PUT|PATCH|POST_send|POST_recv)_/,/^\\}/d" "${OUTPUT}/soapH.h"
   COMMAND_ERROR_IS_FATAL ANY)

@@ -38,7 +38,7 @@ constexpr std::size_t FirstRead = 4096;
 constexpr std::chrono::seconds LingerTime{2};
 constexpr std::size_t LingerBytes = 16 * 1024 * 1024;
 
-/// How long an operation may take to end once it was cancelled.
+/// How long a cancelled operation may take to end.
 constexpr std::chrono::seconds CancelTime{1};
 
 /// Line ends that are skipped in front of a request. Whoever sends more of them would be one who never says anything,
@@ -71,8 +71,8 @@ public:
         asio::post(stream.get_executor(), [self = Self()] {
             if (Clock::now() < self->deadline.load()) return;
             // Cancelling misses an operation of several steps between two of them, and a client that floods the
-            // connection lets none of its steps wait. What is left some time later is closed; not at once, since a
-            // busy machine may be late with the end of what was cancelled, whose client has an answer to get.
+            // connection lets none of its steps wait. What is still open after `CancelTime` is closed; not at once,
+            // since on a busy machine the cancelled operation may end late, and its client still gets a 408.
             if (std::exchange(self->timedOut, true)) return self->CloseNow();
             self->deadline = Clock::now() + CancelTime;
             beast::error_code ignored;

@@ -131,7 +131,7 @@ for (const useWSSecurity of [true, false]) {
     });
 }
 
-// How a client logs in for SOAP makes no difference to the addresses.
+// The login method does not change the addresses.
 describe('the video that npm onvif is told', () => {
     let cam;
     before(async () => { cam = await connect(host); });
@@ -162,7 +162,7 @@ describe('the video that npm onvif is told', () => {
             const anonymous = await fetch(uri);
             assert.equal(anonymous.status, 401);
             const file = join(folder, `${channel.token}.jpeg`);
-            // A host with too little time for a picture says 503 and when to ask again, which curl then does.
+            // A busy host answers 503 with Retry-After; curl then asks again.
             const download = await run('curl', ['-sS', '--fail', '--retry', '20', '--retry-max-time', '50',
                 '--digest', '-u', `admin:${password}`, '-o', file, uri]);
             assert.equal(download.code, 0, download.stderr);

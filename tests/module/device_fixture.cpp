@@ -1,5 +1,6 @@
 #include "device_fixture.h"
 
+#include "support/eventually.h"
 #include "test_request.h"
 
 #include <zarn/authentication/ha1.h>
@@ -11,10 +12,9 @@
 #include <openssl/evp.h>
 
 #include <array>
-#include <chrono>
+#include <optional>
 #include <sstream>
 #include <stdexcept>
-#include <thread>
 
 namespace zarn::test {
 
@@ -123,13 +123,14 @@ std::shared_ptr<web::Request> DeviceFixture::MakeRequest(std::string const& body
 }
 
 Pending::Data DeviceFixture::WaitFor(Pending& pending) {
-    auto const deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-    for (;;) {
-        auto data = pending.GetData();
-        if (data.GetState() == web::response::State::Complete) return data;
-        if (std::chrono::steady_clock::now() > deadline) throw std::runtime_error("no answer within a minute");
-        std::this_thread::sleep_for(std::chrono::microseconds(100));
+    std::optional<Pending::Data> data;
+    if (!Eventually([&] {
+            data = pending.GetData();
+            return data->GetState() == web::response::State::Complete;
+        })) {
+        throw std::runtime_error("no answer within a minute");
     }
+    return *data;
 }
 
 Reply DeviceFixture::Post(std::string const& body, Sending const& sending) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "support/eventually.h"
 #include "support/network_namespace.h"
 
 #include <boost/asio/io_context.hpp>
@@ -89,12 +90,12 @@ public:
 
     /// Whether a responder answers within the time, however often it has to be asked.
     bool FindsAnybody(std::chrono::milliseconds limit = std::chrono::seconds(60)) {
-        auto const deadline = std::chrono::steady_clock::now() + limit;
-        do {
-            Send(MakeProbe("urn:uuid:anybody"));
-            if (Receive(std::chrono::milliseconds(100))) return true;
-        } while (std::chrono::steady_clock::now() < deadline);
-        return false;
+        return Eventually(
+            [this] {
+                Send(MakeProbe("urn:uuid:anybody"));
+                return Receive(std::chrono::milliseconds(100)).has_value();
+            },
+            limit);
     }
 
 private:

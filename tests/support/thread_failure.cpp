@@ -20,7 +20,7 @@ ThreadFailure::~ThreadFailure() { successesLeft = Unlimited; }
 
 } // namespace zarn::test
 
-/// The thread sanitizer's own, where there is one: it has to know the threads.
+/// A sanitizer's version, if there is one: it has to know the threads.
 extern "C" int __interceptor_pthread_create(pthread_t* thread, pthread_attr_t const* attributes,
                                             void* (*function)(void*), void* argument) __attribute__((weak));
 

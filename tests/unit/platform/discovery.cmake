@@ -19,16 +19,17 @@ zarn_add_tests(
 set(sources
   asio/io_context_test.cpp
   network/networks_test.cpp
+  protocol/network/udp/receiver_group_test.cpp
   protocol/network/udp/receiver_test.cpp
   protocol/network/udp/sender_test.cpp
   protocol/network/udp/unwatchable.cpp)
-set(multicast_sources
+set(heap_sources
   protocol/network/udp/failing_new.cpp
   protocol/network/udp/membership_test.cpp
-  protocol/network/udp/receiver_group_test.cpp
+  protocol/network/udp/unreadable_group_test.cpp
   protocol/network/udp/unreadable_interfaces.cpp)
 list(TRANSFORM sources PREPEND "${CMAKE_CURRENT_LIST_DIR}/")
-list(TRANSFORM multicast_sources PREPEND "${CMAKE_CURRENT_LIST_DIR}/")
+list(TRANSFORM heap_sources PREPEND "${CMAKE_CURRENT_LIST_DIR}/")
 # What replaces functions of the system is compiled apart from what calls them.
 foreach(source failing_new unreadable_interfaces unwatchable)
   set_source_files_properties("${CMAKE_CURRENT_LIST_DIR}/protocol/network/udp/${source}.cpp"
@@ -40,11 +41,11 @@ zarn_add_tests(
   LIBRARIES zarn::platform zarn::test_support
   LABELS integration)
 zarn_add_tests(
-  NAME platform_multicast_tests
-  SOURCES ${multicast_sources}
+  NAME platform_discovery_heap_tests
+  SOURCES ${heap_sources}
   LIBRARIES zarn::platform zarn::test_support
   LABELS integration heap)
 # What is not public is tested by itself where nothing public shows it.
-foreach(target platform_discovery_tests platform_discovery_integration_tests platform_multicast_tests)
+foreach(target platform_discovery_tests platform_discovery_integration_tests platform_discovery_heap_tests)
   target_include_directories(${target} PRIVATE "${CMAKE_SOURCE_DIR}/platform/src")
 endforeach()

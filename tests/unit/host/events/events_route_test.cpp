@@ -1,4 +1,5 @@
 #include "host/events/events_route.h"
+#include "support/eventually.h"
 #include "web/fake_request.h"
 
 #include <zarn/authentication/engine.h>
@@ -10,8 +11,8 @@
 #include <future>
 #include <map>
 #include <new>
+#include <optional>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace zarn::host::events {
@@ -19,7 +20,6 @@ namespace {
 
 using protocol::network::http::response::Status;
 using namespace std::chrono_literals;
-using Clock = std::chrono::steady_clock;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -38,11 +38,12 @@ protected:
     }
 
     static zarn::web::response::Pending::Data Await(zarn::web::response::Pending const& response) {
-        auto data = response.GetData();
-        for (auto const deadline = Clock::now() + 60s; data.GetState() == State::NotReady && Clock::now() < deadline;
-             data = response.GetData())
-            std::this_thread::sleep_for(1ms);
-        return data;
+        std::optional<zarn::web::response::Pending::Data> data;
+        test::Eventually([&] {
+            data = response.GetData();
+            return data->GetState() != State::NotReady;
+        });
+        return *data;
     }
 
     static std::string GetBody(zarn::web::response::Pending::Data const& data) {

@@ -1,4 +1,5 @@
 #include "host/web/repeating_timer.h"
+#include "support/eventually.h"
 #include "web/io_thread.h"
 
 #include <zarn/logging/capture.h>
@@ -8,6 +9,8 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
+#include <functional>
 #include <future>
 #include <stdexcept>
 
@@ -28,9 +31,7 @@ protected:
     }
 
     bool AwaitCalls(int count) const {
-        auto const deadline = std::chrono::steady_clock::now() + 60s;
-        while (calls < count && std::chrono::steady_clock::now() < deadline) std::this_thread::yield();
-        return calls >= count;
+        return test::Eventually([&] { return calls >= count; });
     }
 
     static constexpr auto Interval = 1ms;

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <new>
+#include <span>
 
 namespace zarn::protocol::network::udp {
 namespace {

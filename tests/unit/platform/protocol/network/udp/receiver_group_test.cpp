@@ -1,22 +1,12 @@
-#include "inbox.h"
-#include "support/machine.h"
-#include "support/peer.h"
-#include "unreadable_interfaces.h"
+#include "group_test.h"
 
-#include <zarn/asio/io_context.h>
 #include <zarn/logging/capture.h>
 #include <zarn/protocol/network/udp/admission.h>
-#include <zarn/protocol/network/udp/receiver.h>
 
-#include <boost/asio/io_context.hpp>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <chrono>
-#include <fstream>
-#include <memory>
-#include <optional>
-#include <stdexcept>
 #include <string>
 #include <thread>
 
@@ -26,107 +16,6 @@ namespace {
 using namespace std::chrono_literals;
 using test::Machine;
 using test::Peer;
-
-constexpr char Group[] = "239.255.255.250";
-constexpr unsigned short Port = 3702;
-
-/// Two machines with a cable between them, 10.1.0.1 (the receiver's) and 10.1.0.2, and a receiver for the group.
-class GroupTest : public testing::Test {
-protected:
-    void SetUp() override {
-        if (!host.Exists() || !neighbour.Exists()) GTEST_SKIP() << "no network namespace may be made here";
-        ASSERT_TRUE(host.Ip("link set lo up"));
-    }
-
-    void TearDown() override {
-        AllowAnySource(false);
-        if (context) context->Stop();
-        receiver.reset();
-    }
-
-    /// Connects the two machines by interfaces of this name.
-    void Connect(std::string const& name, std::string const& address, std::string const& neighbourAddress) {
-        ASSERT_TRUE(host.Ip("link add " + name + " type veth peer name " + name + " netns " + neighbour.GetPath()));
-        ASSERT_TRUE(neighbour.Ip("address add " + neighbourAddress + " dev " + name));
-        ASSERT_TRUE(neighbour.Ip("link set " + name + " up"));
-        ASSERT_TRUE(host.Ip("address add " + address + " dev " + name));
-        ASSERT_TRUE(host.Ip("link set " + name + " up"));
-    }
-
-    void Connect() { Connect("eth0", "10.1.0.1/24", "10.1.0.2/24"); }
-
-    /// Connects them by eth0 and eth1, and waits until the kernel has told all about that: it tells of a link being up
-    /// as much as a second late, and what follows is to happen without a change.
-    void ConnectTwiceAndSettle() {
-        Connect();
-        Connect("eth1", "10.2.0.1/24", "10.2.0.2/24");
-        for (std::string const name : {"eth0", "eth1"}) {
-            auto const deadline = std::chrono::steady_clock::now() + 60s;
-            while (!host.Ip("link show " + name + " | grep -q 'state UP'"))
-                ASSERT_LT(std::chrono::steady_clock::now(), deadline);
-        }
-    }
-
-    /// What Start throws; empty when it does not.
-    std::string TryToStart() {
-        std::string reason;
-        host.Run([&] {
-            try {
-                if (!context) context.emplace(1);
-                receiver = std::make_unique<Receiver>(context->Get(), Port, boost::asio::ip::make_address(Group), 65535,
-                                                      inbox.MakeCallback());
-                receiver->Start();
-            } catch (std::runtime_error const& error) {
-                reason = error.what();
-            }
-        });
-        return reason;
-    }
-
-    void Start() { ASSERT_EQ(TryToStart(), ""); }
-
-    /// Sends to the group from `address` until the receiver hears it.
-    bool IsHeard(Machine const& sender, std::string const& address, std::string const& text,
-                 std::string const& target = Group, std::chrono::seconds limit = 60s) {
-        bool heard = false;
-        sender.Run([&] {
-            auto const deadline = std::chrono::steady_clock::now() + limit;
-            while (!heard && std::chrono::steady_clock::now() < deadline) {
-                Peer(address).Send(text, target, Port);
-                heard = inbox.WaitFor(text, 20ms);
-            }
-        });
-        return heard;
-    }
-
-    /// True once what is sent to the group is not heard any more, while what is sent later by the own machine is.
-    bool FallsSilent(Machine const& sender, std::string const& address) {
-        for (int i = 0; i < 100; ++i) {
-            auto const text = address + " " + std::to_string(i);
-            sender.Run([&] { Peer(address).Send(text, Group, Port); });
-            if (!IsHeard(host, "127.0.1." + std::to_string(i + 1), "after " + text, "127.0.0.1")) return false;
-            if (inbox.Count(text) == 0) return true;
-            std::this_thread::sleep_for(150ms); // the receiver takes ten datagrams in a second from one source
-        }
-        return false;
-    }
-
-    /// False when it cannot be set here.
-    bool SetLimitOfMemberships(int limit) {
-        bool set = false;
-        host.Run([&] {
-            std::ofstream file("/proc/sys/net/ipv4/igmp_max_memberships");
-            set = static_cast<bool>(file << limit << std::flush);
-        });
-        return set;
-    }
-
-    Machine host;
-    Machine neighbour;
-    test::Inbox inbox;
-    std::optional<asio::IoContext> context;
-    std::unique_ptr<Receiver> receiver;
-};
 
 TEST_F(GroupTest, HearsTheGroupAndUnicastOnEveryInterface) {
     Connect();
@@ -214,26 +103,6 @@ TEST_F(GroupTest, TriesAgainToJoinWithoutAnyChange) {
     ASSERT_TRUE(SetLimitOfMemberships(20));
     EXPECT_TRUE(IsHeard(neighbour, "10.2.0.2", "hello"));
 }
-
-class UnreadableGroupTest : public GroupTest, public testing::WithParamInterface<test::Lack> {};
-
-TEST_P(UnreadableGroupTest, ReadsTheInterfacesAgainWithoutAnyChange) {
-    ConnectTwiceAndSettle();
-    ASSERT_TRUE(host.Ip("address delete 10.2.0.1/24 dev eth1"));
-    Start();
-    logging::Capture const capture;
-    {
-        test::UnreadableInterfaces const unreadable(GetParam());
-        ASSERT_TRUE(host.Ip("address add 10.2.0.1/24 dev eth1"));
-        ASSERT_TRUE(capture.WaitFor("; trying again in 10 seconds", 60s));
-    }
-    EXPECT_TRUE(IsHeard(neighbour, "10.2.0.2", "hello"));
-}
-
-INSTANTIATE_TEST_SUITE_P(Lacks, UnreadableGroupTest, testing::Values(test::Lack::Descriptors, test::Lack::Memory),
-                         [](auto const& each) {
-                             return each.param == test::Lack::Memory ? "ForWantOfMemory" : "ForWantOfDescriptors";
-                         });
 
 TEST_F(GroupTest, HearsAnInterfaceThatAppearsLater) {
     Connect();

@@ -11,7 +11,7 @@ thread_local bool Failing = false;
 
 } // namespace
 
-/// The thread sanitizer's own, where there is one: it learns from it what waits for what.
+/// The thread sanitizer's version, if there is one: it tracks synchronisation through it.
 extern "C" int __interceptor_epoll_ctl(int instance, int operation, int descriptor, epoll_event* event)
     __attribute__((weak));
 

@@ -1,1 +1,0 @@
-// Gives the precompiled header a target of its own.
