@@ -69,12 +69,13 @@ public:
     void CheckDeadline(Clock::time_point now) override {
         if (now < deadline.load()) return;
         asio::post(stream.get_executor(), [self = Self()] {
-            if (Clock::now() < self->deadline.load()) return;
+            auto const time = Clock::now();
+            if (time < self->deadline.load()) return;
             // Cancelling misses an operation of several steps between two of them, and a client that floods the
-            // connection lets none of its steps wait. What is still open after `CancelTime` is closed; not at once,
-            // since on a busy machine the cancelled operation may end late, and its client still gets a 408.
-            if (std::exchange(self->timedOut, true)) return self->CloseNow();
-            self->deadline = Clock::now() + CancelTime;
+            // connection lets none of its steps wait: every look cancels, until `CancelTime` after the first. Closing
+            // at once would take the 408 from a client because the host is busy.
+            if (!std::exchange(self->timedOut, true)) self->closing = time + CancelTime;
+            if (time >= self->closing) return self->CloseNow();
             beast::error_code ignored;
             GetSocket(self->stream).cancel(ignored);
         });
@@ -137,22 +138,28 @@ private:
             self->idle = false;
             self->buffer.commit(count);
             if (count > 0) self->fresh = false;
-            bool const woken = error == asio::error::operation_aborted && self->finishing && !self->timedOut;
-            if (error && !(woken && self->MayHaveRequest())) return self->CloseNow();
+            // A busy host may be later than a client that was in time.
+            bool const goesOn = error == asio::error::operation_aborted &&
+                                (self->timedOut ? self->HasUnread() : self->finishing && self->MayHaveRequest());
+            if (error && !goesOn) return self->CloseNow();
             self->AwaitRequest();
         });
+    }
+
+    /// Whether the client has sent more than the host has read.
+    bool HasUnread() {
+        beast::error_code ignored;
+        return GetSocket(stream).available(ignored) > 0;
     }
 
     /// Whether a connection that is to end still has a request to answer: something has come, or it is so new that the
     /// client is about to send its first.
     bool MayHaveRequest() {
-        beast::error_code error;
-        if (GetSocket(stream).available(error) > 0) return true;
         if constexpr (std::is_same_v<Stream, TlsStream>) {
             if (SSL_has_pending(stream.native_handle()) || BIO_pending(SSL_get_rbio(stream.native_handle())) > 0)
                 return true;
         }
-        return !error && fresh && !context->IsFinishing();
+        return HasUnread() || (fresh && !context->IsFinishing());
     }
 
     /// Old clients end a body with a line end that does not belong to it. Source: RFC 9112, 2.2.
@@ -283,11 +290,12 @@ private:
     std::atomic<bool> finishing = false;                                ///< no request follows the present one
 
     // Only touched on the stream's strand.
-    Limits limits;         ///< of the present request
-    bool timedOut = false; ///< the present operation was cancelled because its time was over
-    bool idle = false;     ///< waiting for the first byte of a request
-    bool fresh = true;     ///< nothing of a request has come yet
-    int skipped = 0;       ///< bytes of line ends in front of the next request
+    Limits limits;             ///< of the present request
+    bool timedOut = false;     ///< the present operation was cancelled because its time was over
+    Clock::time_point closing; ///< when the connection is closed if that does not end the operation
+    bool idle = false;         ///< waiting for the first byte of a request
+    bool fresh = true;         ///< nothing of a request has come yet
+    int skipped = 0;           ///< bytes of line ends in front of the next request
     beast::flat_buffer buffer{MaximumHeader + FirstRead};
     std::optional<RequestParser> parser;
     std::optional<RequestParser::value_type::header_type> checkedHeader; ///< of a chunked request
