@@ -44,8 +44,12 @@ Broker::Broker(std::string lines, std::string listened)
 }
 
 void Broker::Stop() {
-    process->Signal(SIGTERM);
-    if (!process->Wait()) throw std::runtime_error("the broker does not end");
+    // Again and again: a broker that listens, but has only just started, forgets the first signal.
+    bool const ended = Eventually([this] {
+        process->Signal(SIGTERM);
+        return process->Wait(100ms).has_value();
+    });
+    if (!ended) throw std::runtime_error("the broker does not end");
 }
 
 void Broker::Start() {
