@@ -118,6 +118,15 @@ for (const useWSSecurity of [true, false]) {
             assert.deepEqual(sources.map(source => [source.$.token, source.framerate, source.resolution.width]),
                 channels.map(channel => [channel.token, channel.rate, channel.width]));
         });
+
+        test('is told where the streams and the snapshots are', async () => {
+            for (const [index, {token}] of channels.entries()) {
+                const stream = await call(cam, 'getStreamUri', {protocol: 'RTSP', profileToken: token});
+                assert.equal(new URL(stream.uri).pathname, `/channels/${index + 1}`);
+                const snapshot = await call(cam, 'getSnapshotUri', {profileToken: token});
+                assert.equal(new URL(snapshot.uri).pathname, `/snapshot/${index + 1}/latest.jpeg`);
+            }
+        });
     });
 
     test(`npm onvif ${useWSSecurity ? 'with' : 'without'} its WS-Security header is refused with a wrong password`, async () => {
