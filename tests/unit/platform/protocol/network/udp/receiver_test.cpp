@@ -122,8 +122,7 @@ TEST_F(ReceiverTest, HandsOnTheFirstPartOfALongDatagramAsAnError) {
 
 TEST_F(ReceiverTest, GoesOnWhenTheCallbackThrows) {
     logging::Capture const capture;
-    int calls = 0;
-    receiver = Make(inbox.MakeCallback([&]() -> Operation {
+    receiver = Make(inbox.MakeCallback([calls = 0]() mutable -> Operation {
         if (++calls == 1) throw std::runtime_error("too hard");
         return Operation::Continue;
     }));
