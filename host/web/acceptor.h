@@ -39,7 +39,6 @@ public:
 
 private:
     void Accept();
-    void OnSettled();
     void AcceptWaiting();
     void OnAccepted(boost::system::error_code error, Socket socket);
     void OnError(boost::system::error_code error);
@@ -47,7 +46,6 @@ private:
     boost::asio::io_context& io;
     boost::asio::ip::tcp::acceptor acceptor; ///< used on its own strand only
     boost::asio::steady_timer pause;
-    boost::asio::steady_timer settling;
     bool accepting = false; ///< a connection is awaited, or has come and is not handled yet
     std::vector<std::shared_ptr<std::promise<void>>> closing; ///< of who waits in Close until that is over
     Handler const handler;

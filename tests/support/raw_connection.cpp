@@ -3,13 +3,16 @@
 #include <boost/algorithm/string/case_conv.hpp>
 #include <boost/algorithm/string/trim.hpp>
 #include <boost/asio/write.hpp>
+#include <linux/sockios.h>
 #include <netinet/tcp.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 
 #include <array>
 #include <cstddef>
 #include <sstream>
 #include <stdexcept>
+#include <thread>
 
 namespace zarn::test {
 
@@ -31,6 +34,19 @@ RawConnection::RawConnection(std::uint16_t port, std::chrono::milliseconds limit
 void RawConnection::Send(std::string_view bytes) {
     boost::system::error_code ignored;
     boost::asio::write(socket, boost::asio::buffer(bytes), ignored);
+}
+
+void RawConnection::AwaitArrival() {
+    auto const isUnderWay = [this] {
+        int unacknowledged = 0;
+        ioctl(socket.native_handle(), SIOCOUTQ, &unacknowledged);
+        return unacknowledged > 0;
+    };
+    auto const deadline = std::chrono::steady_clock::now() + limit;
+    while (isUnderWay()) {
+        if (std::chrono::steady_clock::now() > deadline) throw std::runtime_error("what was sent did not arrive");
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
 }
 
 bool RawConnection::Fill(std::chrono::milliseconds wait) {

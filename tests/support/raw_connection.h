@@ -35,6 +35,9 @@ public:
     /// Sends bytes. What a peer that has closed does not take is dropped.
     void Send(std::string_view bytes);
 
+    /// Waits until the server's system has all that was sent, whether or not the server has read it.
+    void AwaitArrival();
+
     /// Reads one response. `hasBody` false: that of a HEAD request.
     /// Throws std::runtime_error when the connection ends before.
     RawResponse Read(bool hasBody = true);

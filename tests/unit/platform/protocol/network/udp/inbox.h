@@ -27,7 +27,8 @@ public:
     using Callback = protocol::network::udp::Receiver::Callback;
 
     /// The callback that fills it. It must outlive the receiver.
-    /// then  what to do after each; a datagram can be seen before this has ended, so that what it refers to must outlive
+    /// then  what to do after each; a datagram can be seen before this has ended, so that what it refers to must
+    /// outlive
     ///       the receiver too
     Callback MakeCallback(std::function<Operation()> then = [] { return Operation::Continue; }) {
         return [this, then = std::move(then)](boost::system::error_code const& error,
