@@ -92,8 +92,10 @@ TEST(Events, AreLostNeitherByTheBrokerNorByTheHost) {
     broker.PublishNumbered("events", 200);
     broker.Stop();
     HostProcess const host(options);
-    ASSERT_TRUE(AwaitIntake(host, "state", "waiting"));
-    EXPECT_EQ(host.GetHealth().at("status"), "degraded");
+    EXPECT_TRUE(Eventually([&] {
+        auto const health = host.GetHealth();
+        return health.at("events").at("mqtt").at("state") == "waiting" && health.at("status") == "degraded";
+    }));
     broker.Start();
     EXPECT_TRUE(AwaitIntake(host, "events", 200));
 }

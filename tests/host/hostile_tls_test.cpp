@@ -96,7 +96,7 @@ protected:
     Certificate files{*folder};
     HostProcess host{{.arguments = {"--set", "settings.tls.certificate=" + files.certificate, "--set",
                                     "settings.tls.private_key=" + files.key, "--set",
-                                    "settings.limits.header_seconds=1", "--set", "settings.limits.idle_seconds=1"},
+                                    "settings.limits.header_seconds=3", "--set", "settings.limits.idle_seconds=3"},
                       .folder = folder}};
     ResourceUse idle = ReadResourceUse(host.GetProcess().GetId());
 };

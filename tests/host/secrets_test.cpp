@@ -65,7 +65,8 @@ protected:
         auto const send = [&](std::string const& fields) {
             connection.Send("DESCRIBE " + uri + " RTSP/1.0\r\nCSeq: 1\r\n" + fields + "\r\n");
             std::string header;
-            while (!header.ends_with("\r\n\r\n")) header += connection.ReadBytes(1);
+            for (std::string next = " "; !header.ends_with("\r\n\r\n") && !next.empty(); header += next)
+                next = connection.ReadBytes(1);
             return header;
         };
         std::string challenge;

@@ -89,7 +89,7 @@ protected:
         std::atomic<int> published = -1;
         auto const begin = Clock::now();
         std::jthread publisher([&] { published = PublishAtRate(rate, duration); });
-        auto const end = begin + duration * 10 + 60s;
+        auto const end = begin + duration * 10 + 120s;
         for (std::size_t done = 0; done < clients && Clock::now() < end; std::this_thread::sleep_for(1ms)) {
             int const all = published;
             done = 0;

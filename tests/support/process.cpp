@@ -95,7 +95,9 @@ Process::~Process() {
     log.reader.join();
 }
 
-void Process::Signal(int number) const { kill(id, number); }
+void Process::Signal(int number) const {
+    if (!status) kill(id, number); // the system may have given the number to another process since
+}
 
 std::optional<int> Process::Wait(std::chrono::milliseconds limit) {
     if (status) return status;

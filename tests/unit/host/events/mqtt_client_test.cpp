@@ -60,6 +60,15 @@ public:
         return test::Eventually([&] { return GetTaken().size() >= count; });
     }
 
+    /// How many messages have come up to the one whose event is of this type, which is awaited.
+    std::uint64_t CountUpTo(std::string const& type) const {
+        EXPECT_TRUE(test::Eventually([&] { return !GetTaken().empty() && GetTaken().back() == type; })) << type;
+        // Each message brings one event, and is counted once that is taken.
+        auto const count = GetTaken().size();
+        EXPECT_TRUE(AwaitReceived(count));
+        return count;
+    }
+
     bool AwaitReceived(std::uint64_t count) const {
         return test::Eventually([&] { return client.GetStatus().received >= count; });
     }
@@ -87,7 +96,7 @@ TEST(MqttClient, TakesEventsInTheirOrder) {
     Intake intake(For(broker));
     ASSERT_TRUE(intake.AwaitState(MqttState::Connected));
     broker.PublishNumbered("events", 1000);
-    EXPECT_TRUE(intake.AwaitTaken(1000));
+    EXPECT_TRUE(intake.AwaitReceived(1000));
     EXPECT_EQ(intake.GetTaken(), Numbers(1000));
     auto const status = intake.client.GetStatus();
     EXPECT_EQ(status.received, 1000U);
@@ -150,8 +159,9 @@ TEST(MqttClient, ComesBackWhenTheBrokerDoes) {
     EXPECT_NE(intake.client.GetStatus().detail, "");
     broker.Start();
     broker.Publish("events", R"({"type": "while away"})");
-    ASSERT_TRUE(intake.AwaitTaken(2));
-    EXPECT_THAT(intake.GetTaken(), ElementsAre("before", "while away"));
+    // A broker that ended before it read that "before" was taken brings it again.
+    intake.CountUpTo("while away");
+    EXPECT_EQ(intake.GetTaken().front(), "before");
     EXPECT_TRUE(intake.AwaitState(MqttState::Connected));
     EXPECT_EQ(intake.client.GetStatus().detail, "");
     EXPECT_TRUE(log.Contains("No connection to " + broker.GetUrl()));
@@ -310,11 +320,10 @@ TEST(MqttClient, FollowsAChangeOfTheTopic) {
     }));
     // Whatever came between the change and its taking effect is taken before this one is.
     broker.Publish("site/1/events", R"({"type": "settled"})");
-    ASSERT_TRUE(test::Eventually([&] { return intake.GetTaken().back() == "settled"; }));
-    auto const before = intake.client.GetStatus().received;
+    auto const before = intake.CountUpTo("settled");
     broker.Publish("events", R"({"type": "old"})");
     broker.Publish("site/1/events", R"({"type": "last"})");
-    ASSERT_TRUE(test::Eventually([&] { return intake.GetTaken().back() == "last"; }));
+    EXPECT_EQ(intake.CountUpTo("last"), before + 1);
     EXPECT_EQ(intake.client.GetStatus().received, before + 1);
 }
 

@@ -74,8 +74,7 @@ TEST_F(EngineChannels, TellHowOldTheNewestFrameIs) {
 TEST_F(EngineChannels, TellEverybodyWhyTheirSourceFailsAndTheLogWhichItIs) {
     logging::Capture const log;
     engine->SetChannels({From("1", folder / "missing.mp4")});
-    ASSERT_TRUE(WaitForState("1", ChannelState::Failed));
-    EXPECT_EQ(GetStatus("1").detail, "the source is not there");
+    EXPECT_EQ(AwaitFailure("1"), "the source is not there");
     EXPECT_TRUE(log.Contains("missing.mp4"));
 }
 

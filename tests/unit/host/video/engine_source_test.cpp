@@ -1,4 +1,5 @@
 #include "support/eventually.h"
+#include "support/reserved_port.h"
 #include "unit/host/video/video_test.h"
 
 #include <zarn/authentication/ha1.h>
@@ -112,17 +113,14 @@ TEST_F(EngineSource, FailsWhenAFileHoldsNoVideo) {
     auto const sound = (folder / "sound.wav").string();
     ASSERT_TRUE(RunToEnd("audiotestsrc num-buffers=10 ! wavenc ! filesink location=" + sound));
     engine->SetChannels({From("1", sound), From("2", folder)});
-    EXPECT_TRUE(WaitForState("1", ChannelState::Failed));
-    EXPECT_TRUE(WaitForState("2", ChannelState::Failed));
-    EXPECT_NE(GetStatus("1").detail, "");
-    EXPECT_NE(GetStatus("2").detail, "");
+    EXPECT_NE(AwaitFailure("1"), "");
+    EXPECT_NE(AwaitFailure("2"), "");
 }
 
 TEST_F(EngineSource, FailsWhenADeviceIsMissing) {
     logging::Capture const log;
     engine->SetChannels({From("1", "v4l2:/dev/video99")});
-    ASSERT_TRUE(WaitForState("1", ChannelState::Failed));
-    EXPECT_EQ(GetStatus("1").detail, "the source is not there");
+    EXPECT_EQ(AwaitFailure("1"), "the source is not there");
     EXPECT_TRUE(log.Contains("/dev/video99"));
 }
 
@@ -144,10 +142,10 @@ TEST_F(EngineSource, IsLoggedOnceForEachChange) {
 /// A second engine is the camera.
 class EngineCamera : public VideoTest {
 protected:
-    /// Starts the camera at a port, by default a free one.
-    void StartCamera(std::string const& source, std::uint16_t port = 0) {
+    /// Starts the camera, always at the same port.
+    void StartCamera(std::string const& source) {
         camera = std::make_unique<Engine>(
-            RtspSettings{port, true, authentication::MakeHa1("admin", authentication::Realm, "secret")});
+            RtspSettings{port.Get(), true, authentication::MakeHa1("admin", authentication::Realm, "secret")});
         camera->SetChannels({From("1", source)});
         ASSERT_TRUE(test::Eventually([&] { return camera->GetStatus().front().state == ChannelState::Running; }));
     }
@@ -160,6 +158,7 @@ protected:
         return settings;
     }
 
+    test::ReservedPort const port;
     std::unique_ptr<Engine> camera;
 };
 
@@ -183,8 +182,7 @@ TEST_F(EngineCamera, NeedsTheRightPasswordWhichIsNeverLogged) {
     logging::Capture const capture;
     StartCamera(Small);
     engine->SetChannels({FromCamera("a-wrong-one")});
-    ASSERT_TRUE(WaitForState("1", ChannelState::Failed));
-    EXPECT_EQ(GetStatus("1").detail, "the source refuses the user or password");
+    EXPECT_EQ(AwaitFailure("1"), "the source refuses the user or password");
     EXPECT_TRUE(capture.Contains("Unauthorized"));
     EXPECT_TRUE(capture.Contains("channel 1: source rtsp://127.0.0.1"));
     EXPECT_FALSE(capture.Contains("a-wrong-one"));
@@ -193,14 +191,13 @@ TEST_F(EngineCamera, NeedsTheRightPasswordWhichIsNeverLogged) {
 TEST_F(EngineCamera, ComesBackAfterItWasGone) {
     StartCamera(Small);
     auto const settings = FromCamera();
-    auto const port = camera->GetPort();
     engine->SetChannels({settings});
     ASSERT_TRUE(WaitForState("1", ChannelState::Running));
     Viewer viewer(GetUrl("1"));
     ASSERT_TRUE(viewer.Next());
     camera.reset();
     ASSERT_TRUE(WaitForState("1", ChannelState::Failed));
-    StartCamera(Small, port);
+    StartCamera(Small);
     ASSERT_TRUE(WaitForState("1", ChannelState::Running));
     for (int count = 0; count < 15; ++count) ASSERT_TRUE(viewer.Next()) << viewer.GetFailure();
 }
@@ -208,11 +205,10 @@ TEST_F(EngineCamera, ComesBackAfterItWasGone) {
 TEST_F(EngineCamera, MayStartLater) {
     StartCamera(Small);
     auto const settings = FromCamera();
-    auto const port = camera->GetPort();
     camera.reset();
     engine->SetChannels({settings});
     ASSERT_TRUE(WaitForState("1", ChannelState::Failed));
-    StartCamera(Small, port);
+    StartCamera(Small);
     EXPECT_TRUE(WaitForState("1", ChannelState::Running));
 }
 

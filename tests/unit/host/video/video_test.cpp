@@ -151,6 +151,12 @@ bool VideoTest::WaitForState(std::string const& id, ChannelState state) {
     return test::Eventually([&] { return GetStatus(id).state == state; });
 }
 
+std::string VideoTest::AwaitFailure(std::string const& id) {
+    ChannelStatus status;
+    bool const failed = test::Eventually([&] { return (status = GetStatus(id)).state == ChannelState::Failed; });
+    return failed ? status.detail : "";
+}
+
 Snapshot VideoTest::TakeSnapshot(std::string const& id) {
     auto promise = std::make_shared<std::promise<Snapshot>>();
     auto answer = promise->get_future();

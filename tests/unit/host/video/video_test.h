@@ -85,6 +85,10 @@ protected:
     /// Waits until a channel is in a state.
     bool WaitForState(std::string const& id, ChannelState state);
 
+    /// Waits until the source of a channel has failed and tells why; empty when it does not fail. By then the channel
+    /// may be trying again.
+    std::string AwaitFailure(std::string const& id);
+
     /// The status of a channel; it must be there.
     ChannelStatus GetStatus(std::string const& id) const;
 

@@ -180,7 +180,7 @@ TEST_F(PendingTickerTest, GoesOnWhenAnAnswerCannotBeDelivered) {
     ASSERT_EQ(youngReply.wait_for(Patience), std::future_status::ready);
     old->ready = true;
     ASSERT_EQ(oldReply.wait_for(Patience), std::future_status::ready);
-    EXPECT_TRUE(log.Contains("no memory"));
+    EXPECT_TRUE(log.WaitFor("no memory", Patience));
 }
 
 TEST_F(PendingTickerTest, DropsWhatIsPendingWhenItGoes) {

@@ -97,11 +97,11 @@ TEST(GlobalContext, RunsTimersOnTheSystemClock) {
 }
 
 TEST(GlobalContext, RunsATimerAtTheEndsOfTheClock) {
+    std::promise<void> expired;
+    std::atomic<bool> lastExpired = false;
     GlobalContext const handle;
     boost::asio::system_timer last(handle.Get(), std::chrono::system_clock::time_point::max());
     boost::asio::system_timer first(handle.Get(), std::chrono::system_clock::time_point::min());
-    std::promise<void> expired;
-    std::atomic<bool> lastExpired = false;
     last.async_wait([&](boost::system::error_code error) { lastExpired = !error; });
     first.async_wait([&](boost::system::error_code) { expired.set_value(); });
     expired.get_future().get();

@@ -147,6 +147,7 @@ TEST_F(GroupTest, RefusesSourcesFromElsewhereUnlessAllowed) {
     ASSERT_TRUE(neighbour.Ip("address add 192.0.2.1/24 dev eth0"));
     ASSERT_TRUE(host.Ip("route add 192.0.2.0/24 via 10.1.0.2")); // so that the kernel lets it pass
     Start();
+    ASSERT_TRUE(IsHeard(neighbour, "10.1.0.2", "before")); // the link may take a moment to come up
     logging::Capture const capture;
     EXPECT_TRUE(FallsSilent(neighbour, "192.0.2.1"));
     auto const items = inbox.GetItems();
@@ -162,6 +163,7 @@ TEST_F(GroupTest, BoundsAFloodFromAnySource) {
     Connect();
     ASSERT_TRUE(neighbour.Ip("address add 10.1.0.3/24 dev eth0"));
     Start();
+    ASSERT_TRUE(IsHeard(neighbour, "10.1.0.3", "before")); // the link may take a moment to come up
     auto const begin = std::chrono::steady_clock::now();
     neighbour.Run([&] {
         Peer const flooder("10.1.0.2");
