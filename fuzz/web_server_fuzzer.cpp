@@ -68,7 +68,7 @@ private:
     }
 };
 
-/// A connection on which every step ends with the deadline.
+/// A connection on which every step ends with the deadline. The fuzzer's alarm interrupts its calls now and then.
 class Client {
 public:
     explicit Client(std::uint16_t port) : descriptor(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
@@ -94,6 +94,7 @@ public:
         while (!bytes.empty()) {
             auto const count = send(descriptor, bytes.data(), bytes.size(), MSG_NOSIGNAL);
             if (count < 0) {
+                if (errno == EINTR) continue;
                 Require(errno != EAGAIN, "a server takes what is sent, or closes");
                 return;
             }
@@ -108,6 +109,7 @@ public:
         std::array<char, 4096> chunk{};
         for (;;) {
             auto const count = recv(descriptor, chunk.data(), chunk.size(), 0);
+            if (count < 0 && errno == EINTR) continue;
             Require(count >= 0 || errno != EAGAIN, "a connection ends in time");
             if (count <= 0) return answer;
             answer.append(chunk.data(), static_cast<std::size_t>(count));
@@ -120,6 +122,8 @@ private:
     bool Connect(sockaddr_in const& server) const {
         auto const deadline = std::chrono::steady_clock::now() + Deadline;
         while (connect(descriptor, reinterpret_cast<sockaddr const*>(&server), sizeof server) != 0) {
+            if (errno == EISCONN) return true;
+            if (errno == EINTR) continue; // which goes on with the attempt
             if (errno != EADDRNOTAVAIL || std::chrono::steady_clock::now() > deadline) {
                 std::perror("connect");
                 return false;
