@@ -6,7 +6,6 @@
 
 #include <boost/json/parse.hpp>
 #include <gmock/gmock.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -94,13 +93,17 @@ TEST(Disk, ThatTakesNothingEndsTheFirstStartWithALineAndNoFile) {
 }
 
 TEST(Disk, ThatGetsFullEndsTheFirstStartWithALine) {
-    if (geteuid() != 0) GTEST_SKIP() << "only root makes a small disk";
     TemporaryFolder const folder;
-    auto const process = HostProcess::Launch(
-        {.configuration = "",
-         .launcher = {"unshare", "--mount", "sh", "-ec",
-                      "mount -t tmpfs -o size=4k none " + folder.GetPath().string() + R"(; exec "$@")", "sh"}},
-        folder);
+    std::vector<std::string> const launcher{
+        "unshare", "--map-root-user",
+        "--mount", "sh",
+        "-ec",     "mount -t tmpfs -o size=4k none " + folder.GetPath().string() + R"(; exec "$@")",
+        "sh"};
+    auto trialArguments = launcher;
+    trialArguments.emplace_back("true");
+    Process trial(trialArguments);
+    if (trial.Wait() != 0) GTEST_SKIP() << "no small disk may be mounted here: " << trial.GetLog();
+    auto const process = HostProcess::Launch({.configuration = "", .launcher = launcher}, folder);
     EXPECT_EQ(process->Wait(), 2);
     EXPECT_THAT(process->GetLog(), EndsWith("No space left on device\n"));
 }

@@ -67,7 +67,7 @@ std::string GetEndpointReference(std::string const& answer) {
 class DiscoveredHost : public testing::Test {
 protected:
     void SetUp() override {
-        if (!server.Exists()) GTEST_SKIP() << "no network namespace may be made here: " << server.WhyNot();
+        if (!server.Exists()) GTEST_SKIP() << server.WhyNot();
         Ip(server, "link set lo up");
         Ip(client, "link set lo up");
         Connect(server, "lan", client, "lan");

@@ -61,7 +61,7 @@ TEST_F(GetHostname, AndTheSerialNumberFollowTheHostNameWhenItChanges) {
             EXPECT_EQ(Ask("<tds:GetDeviceInformation/>").Text("//tds:SerialNumber"), name);
         }
     });
-    if (!entered) GTEST_SKIP() << "the kernel allows no host name of one's own";
+    if (!entered) GTEST_SKIP() << WhyNoNamespace();
 }
 
 class GetNetworkInterfaces : public DeviceFixture {};
@@ -96,7 +96,7 @@ TEST_F(GetNetworkInterfaces, ReportsEveryInterfaceAsConfiguredByDhcpWithPrefixLe
 TEST_F(GetNetworkInterfaces, AreNoneOnAMachineWithOnlyALoopbackDeviceWithoutAddress) {
     bool const entered = RunOnPrivateMachine(
         [this] { EXPECT_THAT(Ask("<tds:GetNetworkInterfaces/>"), Answers("<tds:GetNetworkInterfacesResponse/>")); });
-    if (!entered) GTEST_SKIP() << "the kernel allows no network of one's own";
+    if (!entered) GTEST_SKIP() << WhyNoNamespace();
 }
 
 class GetNetworkProtocols : public DeviceFixture {};

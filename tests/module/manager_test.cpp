@@ -145,7 +145,7 @@ TEST_F(Exchange, TellsAddressesWithTheLocalAddressOfTheMoment) {
         EXPECT_EQ(device(), "http://10.0.0.6:8080/onvif/device_service");
         EXPECT_EQ(uri("GetStreamUri"), "rtsp://10.0.0.6:554/channels/1");
     });
-    if (!entered) GTEST_SKIP() << "the kernel allows no network of one's own";
+    if (!entered) GTEST_SKIP() << WhyNoNamespace();
 }
 
 TEST_F(Exchange, IsServedByTheServiceThatKnowsTheOperationWhateverThePath) {

@@ -137,7 +137,8 @@ function complaintsOf(output) {
 }
 
 if (!wsdl) {
-    test('published schemas', {skip: 'ONVIF_WSDL_DIR is not set'}, () => {});
+    console.log('skipped: ONVIF_WSDL_DIR does not name the published schemas');
+    process.exitCode = 77; // which ctest shows as skipped
 } else {
     const folder = mkdtempSync(join(tmpdir(), 'zarn-schema-'));
     const {schema, env} = makeSchemas(wsdl, folder);

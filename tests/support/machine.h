@@ -22,9 +22,9 @@ public:
     Machine() {
         bool const entered = RunInNetworkNamespace([this] {
             descriptor = open("/proc/thread-self/ns/net", O_RDONLY | O_CLOEXEC);
-            if (!Exists()) reason = std::error_code(errno, std::generic_category());
+            if (!Exists()) throw std::system_error(errno, std::generic_category(), "its network cannot be opened");
         });
-        if (!entered) reason = std::error_code(errno, std::generic_category());
+        if (!entered) reason = WhyNoNamespace();
     }
 
     ~Machine() {
@@ -38,7 +38,7 @@ public:
     bool Exists() const { return descriptor >= 0; }
 
     /// Why it does not exist.
-    std::string WhyNot() const { return reason.message(); }
+    std::string const& WhyNot() const { return reason; }
 
     /// Runs `work` on a thread there, as well as the threads that it starts, and waits for it.
     void Run(std::function<void()> const& work) const {
@@ -64,7 +64,7 @@ public:
 
 private:
     int descriptor = -1;
-    std::error_code reason;
+    std::string reason;
 };
 
 } // namespace zarn::test

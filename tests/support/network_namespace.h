@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <exception>
 #include <functional>
 #include <string>
@@ -31,6 +32,12 @@ inline bool RunInNamespaces(int kinds, std::function<void()> const& work) {
     }).join();
     errno = reason;
     return entered;
+}
+
+/// Why a test is skipped: the reason in errno why RunInNamespaces ran nothing.
+inline std::string WhyNoNamespace() {
+    return std::string("no namespace may be made here: ") + std::strerror(errno) +
+           "; run the test as root or under `unshare --map-root-user`";
 }
 
 /// Runs `work` where only a loopback interface exists that is down. Otherwise as RunInNamespaces.

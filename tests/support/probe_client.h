@@ -11,9 +11,7 @@
 
 #include <array>
 #include <atomic>
-#include <cerrno>
 #include <chrono>
-#include <cstring>
 #include <functional>
 #include <optional>
 #include <string>
@@ -29,10 +27,7 @@ inline void OnOwnNetwork(std::function<void()> const& work) {
         ASSERT_TRUE(Ip("link set lo up multicast on"));
         work();
     });
-    if (!entered) {
-        GTEST_SKIP() << "no network namespace may be made here: " << std::strerror(errno)
-                     << "; `unshare --map-root-user` before the command may help";
-    }
+    if (!entered) GTEST_SKIP() << WhyNoNamespace();
 }
 
 /// A probe of WS-Discovery 2005/04 for ONVIF devices.

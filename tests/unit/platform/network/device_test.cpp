@@ -22,8 +22,7 @@ TEST(GetDevices, HasOneForEachInterfaceInItsOrder) {
 
 TEST(GetDevices, HasNoAddressForADeviceWithoutOne) {
     std::vector<std::shared_ptr<Device>> devices;
-    if (!test::RunInNetworkNamespace([&] { devices = GetDevices(); }))
-        GTEST_SKIP() << "no network namespace may be made here";
+    if (!test::RunInNetworkNamespace([&] { devices = GetDevices(); })) GTEST_SKIP() << test::WhyNoNamespace();
     ASSERT_EQ(devices.size(), 1U);
     EXPECT_EQ(devices[0]->GetName(), "lo");
     EXPECT_EQ(devices[0]->GetIPv4Address(), address::v4::Make(0, 0, 0, 0));

@@ -41,7 +41,7 @@ TEST(ReadInterfaces, ReadsNameHardwareAddressAndFirstAddress) {
             ASSERT_TRUE(test::Ip("link set zarn1 up"));
             interfaces = ReadInterfaces();
         })) {
-        GTEST_SKIP() << "no network namespace may be made here";
+        GTEST_SKIP() << test::WhyNoNamespace();
     }
     ASSERT_EQ(interfaces.size(), 3U);
     EXPECT_EQ(interfaces[0].name, "lo");
@@ -64,7 +64,7 @@ TEST(ReadInterfaces, FindsTheAddressBehindALabel) {
             ASSERT_TRUE(test::Ip("address add 10.1.2.3/24 dev zarn1 label zarn1:b"));
             interfaces = ReadInterfaces();
         })) {
-        GTEST_SKIP() << "no network namespace may be made here";
+        GTEST_SKIP() << test::WhyNoNamespace();
     }
     auto const found = std::ranges::find(interfaces, std::string("zarn1"), &Interface::name);
     ASSERT_NE(found, interfaces.end());
@@ -79,7 +79,7 @@ TEST(ReadInterfaces, KeepsTheOrderOfTheIndex) {
 TEST(ReadInterfaces, KnowsInterfacesWithoutAddress) {
     std::vector<Interface> interfaces;
     if (!test::RunInNetworkNamespace([&] { interfaces = ReadInterfaces(); })) {
-        GTEST_SKIP() << "no network namespace may be made here";
+        GTEST_SKIP() << test::WhyNoNamespace();
     }
     ASSERT_EQ(interfaces.size(), 1U);
     EXPECT_EQ(interfaces[0].name, "lo");

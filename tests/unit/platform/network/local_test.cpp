@@ -36,7 +36,7 @@ std::string LocalAddressBeside(std::vector<std::string> const& commands) {
 class LocalAddressTest : public testing::Test {
 protected:
     void SetUp() override {
-        if (!test::RunInNetworkNamespace([] {})) GTEST_SKIP() << "no network namespace may be made here";
+        if (!test::RunInNetworkNamespace([] {})) GTEST_SKIP() << test::WhyNoNamespace();
     }
 };
 

@@ -34,7 +34,7 @@ TEST(ReadInterfaces, ReadsEveryNetworkOfAnInterface) {
                      {"link add zarn1 type veth peer name zarn2", "address add 10.1.2.3/24 dev zarn1",
                       "address add 10.1.2.4/24 dev zarn1 label zarn1:b", "address add 172.16.0.1/12 dev zarn1"},
                      ran);
-    if (!ran) GTEST_SKIP() << "no network namespace may be made here";
+    if (!ran) GTEST_SKIP() << test::WhyNoNamespace();
     EXPECT_EQ(networks, (Texts{"10.1.2.3/24", "172.16.0.1/12", "10.1.2.4/24"}));
 }
 
@@ -43,7 +43,7 @@ TEST(ReadInterfaces, ReadsThePeerOfAPointToPointLink) {
     bool ran = false;
     auto const networks =
         ReadNetworks("zarn1", {"tuntap add zarn1 mode tun", "address add 10.9.0.1 peer 10.9.0.2/32 dev zarn1"}, ran);
-    if (!ran) GTEST_SKIP() << "no network namespace may be made here";
+    if (!ran) GTEST_SKIP() << test::WhyNoNamespace();
     EXPECT_EQ(networks, (Texts{"10.9.0.1/32", "10.9.0.2/32"}));
 }
 
@@ -53,7 +53,7 @@ TEST(ReadInterfaces, TellsWhichInterfacesCanMulticast) {
             ASSERT_TRUE(test::Ip("link add zarn1 type veth peer name zarn2"));
             interfaces = ReadInterfaces();
         })) {
-        GTEST_SKIP() << "no network namespace may be made here";
+        GTEST_SKIP() << test::WhyNoNamespace();
     }
     ASSERT_EQ(interfaces.size(), 3U);
     EXPECT_FALSE(interfaces[0].multicast); // the loopback device

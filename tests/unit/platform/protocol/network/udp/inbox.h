@@ -27,9 +27,8 @@ public:
     using Callback = protocol::network::udp::Receiver::Callback;
 
     /// The callback that fills it. It must outlive the receiver.
-    /// then  what to do after each; a datagram can be seen before this has ended, so that what it refers to must
-    /// outlive
-    ///       the receiver too
+    /// then  what to do after each datagram. It may still run when the datagram can be seen: what it refers to must
+    ///       outlive the receiver too.
     Callback MakeCallback(std::function<Operation()> then = [] { return Operation::Continue; }) {
         return [this, then = std::move(then)](boost::system::error_code const& error,
                                               std::shared_ptr<container::Buffer> const& buffer,

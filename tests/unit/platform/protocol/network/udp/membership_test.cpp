@@ -42,7 +42,7 @@ TEST(Membership, JoinsWhereMemoryRanOutBefore) {
         }
         EXPECT_GT(n, 1) << "there was always enough memory";
     });
-    if (!entered) GTEST_SKIP() << "no network namespace may be made here";
+    if (!entered) GTEST_SKIP() << test::WhyNoNamespace();
 }
 
 } // namespace

@@ -70,22 +70,21 @@ TEST(Sender, TellsOfADatagramThatIsTooLong) {
 
 TEST(Sender, TellsThatThereIsNoRoute) {
     test::Machine const host;
-    if (!host.Exists()) GTEST_SKIP() << "no network namespace may be made here";
+    if (!host.Exists()) GTEST_SKIP() << host.WhyNot();
     host.Run([] {
         asio::IoContext context(1);
         EXPECT_EQ(Send(context, "10.0.0.1", 3702, "hello"), boost::asio::error::network_unreachable);
     });
 }
 
+#ifndef ZARN_SANITIZED_ADDRESSES // whose check of types opens pipes to see whether memory can be read
 TEST(Sender, TellsThatThereIsNoSocketToBeHad) {
-#ifdef ZARN_SANITIZED_ADDRESSES
-    GTEST_SKIP() << "the check of types in this build opens pipes to see whether memory can be read";
-#endif
     asio::IoContext context(1);
     Sender const first(context.Get(), {make_address("127.0.0.1"), 9}); // the context opens what it needs itself
     NoDescriptors const none;
     EXPECT_EQ(Send(context, "127.0.0.1", 3702, "hello"), boost::asio::error::no_descriptors);
 }
+#endif
 
 TEST(Sender, IsLetGoWithTheContextWhenItNeverCompleted) {
     std::weak_ptr<Sender> observed;
