@@ -13,7 +13,7 @@ set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
 option(ZARN_UNITY "Compile the sources of a target in batches" ON)
 set(CMAKE_UNITY_BUILD ${ZARN_UNITY})
 set(CMAKE_UNITY_BUILD_BATCH_SIZE 16)
-if(NOT ZARN_UNITY) # then a source that lacks an include is to be found
+if(NOT ZARN_UNITY) # so that the compiler finds sources that lack an include
   set(CMAKE_DISABLE_PRECOMPILE_HEADERS ON)
 endif()
 
@@ -32,7 +32,7 @@ if(ZARN_CCACHE)
   set(CMAKE_CXX_COMPILER_LAUNCHER ${zarn_launcher})
 endif()
 
-# ZARN_SANITIZE: comma-separated list for -fsanitize, applied to every target that does not say otherwise.
+# ZARN_SANITIZE: comma-separated list for -fsanitize, applied to every target that does not opt out.
 set(ZARN_SANITIZE "" CACHE STRING "Sanitizers, as for -fsanitize=")
 if(ZARN_SANITIZE)
   add_compile_options(-fsanitize=${ZARN_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)

@@ -68,7 +68,7 @@ private:
     }
 };
 
-/// A connection on which every step ends with the deadline. The fuzzer's alarm interrupts its calls now and then.
+/// A connection on which every step ends with the deadline. A signal of libFuzzer may interrupt its system calls.
 class Client {
 public:
     explicit Client(std::uint16_t port) : descriptor(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
@@ -122,8 +122,7 @@ private:
     bool Connect(sockaddr_in const& server) const {
         auto const deadline = std::chrono::steady_clock::now() + Deadline;
         while (connect(descriptor, reinterpret_cast<sockaddr const*>(&server), sizeof server) != 0) {
-            if (errno == EISCONN) return true;
-            if (errno == EINTR) continue; // which goes on with the attempt
+            if (errno == EINTR) continue; // connect() then waits for the same attempt
             if (errno != EADDRNOTAVAIL || std::chrono::steady_clock::now() > deadline) {
                 std::perror("connect");
                 return false;

@@ -1,6 +1,6 @@
 #pragma once
 
-/// What most of the host's sources include: precompiled. A source still includes what it uses.
+/// Headers that most sources of the host include, compiled once. Each source still includes what it uses.
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>

@@ -32,8 +32,8 @@ public:
     /// Begins to accept. To be called once. Thread: any.
     void Start();
 
-    /// Closes the port. Who has connected before is still handed to the handler, which is not called after this has
-    /// returned. Closing twice is harmless.
+    /// Closes the port. Connections made before are still handed to the handler, which is not called after this has
+    /// returned. A client that connects meanwhile may be reset. Closing twice is harmless.
     /// Thread: any but those that run the I/O context, which must be running.
     void Close();
 

@@ -72,8 +72,8 @@ public:
             auto const time = Clock::now();
             if (time < self->deadline.load()) return;
             // Cancelling misses an operation of several steps between two of them, and a client that floods the
-            // connection lets none of its steps wait: every look cancels, until `CancelTime` after the first. Closing
-            // at once would take the 408 from a client because the host is busy.
+            // connection lets none of its steps wait: every sweep cancels, until `CancelTime` after the first.
+            // Closing at once would deny the client its 408 only because the host is busy.
             if (!std::exchange(self->timedOut, true)) self->closing = time + CancelTime;
             if (time >= self->closing) return self->CloseNow();
             beast::error_code ignored;
@@ -138,7 +138,7 @@ private:
             self->idle = false;
             self->buffer.commit(count);
             if (count > 0) self->fresh = false;
-            // A busy host may be later than a client that was in time.
+            // A busy host may time out before it reads what arrived in time.
             bool const goesOn = error == asio::error::operation_aborted &&
                                 (self->timedOut ? self->HasUnread() : self->finishing && self->MayHaveRequest());
             if (error && !goesOn) return self->CloseNow();
@@ -292,7 +292,7 @@ private:
     // Only touched on the stream's strand.
     Limits limits;             ///< of the present request
     bool timedOut = false;     ///< the present operation was cancelled because its time was over
-    Clock::time_point closing; ///< when the connection is closed if that does not end the operation
+    Clock::time_point closing; ///< when to close the connection if cancelling has not ended the operation
     bool idle = false;         ///< waiting for the first byte of a request
     bool fresh = true;         ///< nothing of a request has come yet
     int skipped = 0;           ///< bytes of line ends in front of the next request

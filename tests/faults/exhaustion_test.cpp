@@ -94,15 +94,12 @@ TEST(Disk, ThatTakesNothingEndsTheFirstStartWithALineAndNoFile) {
 
 TEST(Disk, ThatGetsFullEndsTheFirstStartWithALine) {
     TemporaryFolder const folder;
-    std::vector<std::string> const launcher{
-        "unshare", "--map-root-user",
-        "--mount", "sh",
-        "-ec",     "mount -t tmpfs -o size=4k none " + folder.GetPath().string() + R"(; exec "$@")",
-        "sh"};
+    auto launcher = InShell("mount -t tmpfs -o size=4k none " + folder.GetPath().string());
+    launcher.insert(launcher.begin(), {"unshare", "--map-root-user", "--mount"});
     auto trialArguments = launcher;
     trialArguments.emplace_back("true");
     Process trial(trialArguments);
-    if (trial.Wait() != 0) GTEST_SKIP() << "no small disk may be mounted here: " << trial.GetLog();
+    if (trial.Wait() != 0) GTEST_SKIP() << "a small tmpfs cannot be mounted: " << trial.GetLog();
     auto const process = HostProcess::Launch({.configuration = "", .launcher = launcher}, folder);
     EXPECT_EQ(process->Wait(), 2);
     EXPECT_THAT(process->GetLog(), EndsWith("No space left on device\n"));

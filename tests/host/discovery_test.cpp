@@ -199,7 +199,7 @@ TEST_F(DiscoveredHost, IsListedByOnvifUtil) {
     Ip(client, "route add default dev lan");
     client.Run([&] {
         std::string output;
-        // It asks once and waits for half a second, which a busy machine may need.
+        // onvif-util sends one probe and waits half a second, too short on a busy machine.
         EXPECT_TRUE(Eventually([&] {
             Process util({"onvif-util", "-a"});
             EXPECT_EQ(util.Wait(), 0);

@@ -208,7 +208,7 @@ TEST_F(FloodingClients, GetNoMoreThreadsThanThereMayBeExchanges) {
     auto const pull = MakePull("PT1H");
     auto pulls = ConnectMany(10, pull);
     ASSERT_TRUE(Eventually([&] {
-        // The question whether there is room left takes room itself, for a moment, and may have kept a pull out.
+        // The health request takes an exchange itself and may have displaced a pull: send that pull again.
         for (auto& each : pulls) {
             if (!each.HasUnread()) continue;
             EXPECT_EQ(each.Read().status, 503U);

@@ -63,8 +63,8 @@ protected:
 
     /// Expects that a well-behaved client is served on a new connection without waiting for others, and that this takes
     /// the host less than a second of processor time.
-    /// limit  for the answer; a server that other clients hold up waits for the limits of one after the other, which
-    ///        must take far longer
+    /// limit  for the answer; must be far shorter than the time limits of the other clients added up, which a host that
+    ///        they hold up waits for
     void ExpectServed(std::chrono::seconds limit = std::chrono::seconds(10)) const;
 
     ResourceUse GetUse() const { return ReadResourceUse(host.GetProcess().GetId()); }

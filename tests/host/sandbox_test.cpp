@@ -81,9 +81,8 @@ TEST_F(Sandboxed, EncodesAndDecodesVideoAndAnswersDiscovery) {
          "-frames:v", "3", "-f", "framemd5", "-"});
     EXPECT_EQ(player.Wait(), 0) << player.GetLog();
     EXPECT_THAT(player.GetOutput(), HasSubstr("\n0,"));
-    EXPECT_TRUE(host->GetProcess().WaitForLog("Onvif discovery service started successfully",
-                                              std::chrono::seconds(60))) // another test may hold its port
-
+    // Another test may hold the port for a while.
+    EXPECT_TRUE(host->GetProcess().WaitForLog("Onvif discovery service started successfully", std::chrono::seconds(60)))
         << host->GetProcess().GetLog();
 }
 

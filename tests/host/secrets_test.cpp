@@ -65,8 +65,11 @@ protected:
         auto const send = [&](std::string const& fields) {
             connection.Send("DESCRIBE " + uri + " RTSP/1.0\r\nCSeq: 1\r\n" + fields + "\r\n");
             std::string header;
-            for (std::string next = " "; !header.ends_with("\r\n\r\n") && !next.empty(); header += next)
-                next = connection.ReadBytes(1);
+            while (!header.ends_with("\r\n\r\n")) {
+                auto const next = connection.ReadBytes(1);
+                if (next.empty()) break;
+                header += next;
+            }
             return header;
         };
         std::string challenge;

@@ -44,7 +44,7 @@ Broker::Broker(std::string lines, std::string listened)
 }
 
 void Broker::Stop() {
-    // Again and again: a broker that listens, but has only just started, forgets the first signal.
+    // Repeats the signal: a broker that has only just begun to listen ignores the first.
     bool const ended = Eventually([this] {
         process->Signal(SIGTERM);
         return process->Wait(100ms).has_value();

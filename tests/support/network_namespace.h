@@ -34,9 +34,9 @@ inline bool RunInNamespaces(int kinds, std::function<void()> const& work) {
     return entered;
 }
 
-/// Why a test is skipped: the reason in errno why RunInNamespaces ran nothing.
+/// The text of a skip, from the errno that RunInNamespaces left.
 inline std::string WhyNoNamespace() {
-    return std::string("no namespace may be made here: ") + std::strerror(errno) +
+    return std::string("cannot create a namespace: ") + std::strerror(errno) +
            "; run the test as root or under `unshare --map-root-user`";
 }
 

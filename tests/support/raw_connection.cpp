@@ -1,5 +1,7 @@
 #include "support/raw_connection.h"
 
+#include "support/eventually.h"
+
 #include <boost/algorithm/string/case_conv.hpp>
 #include <boost/algorithm/string/trim.hpp>
 #include <boost/asio/write.hpp>
@@ -12,7 +14,6 @@
 #include <cstddef>
 #include <sstream>
 #include <stdexcept>
-#include <thread>
 
 namespace zarn::test {
 
@@ -37,16 +38,11 @@ void RawConnection::Send(std::string_view bytes) {
 }
 
 void RawConnection::AwaitArrival() {
-    auto const isUnderWay = [this] {
+    auto const hasArrived = [this] {
         int unacknowledged = 0;
-        ioctl(socket.native_handle(), SIOCOUTQ, &unacknowledged);
-        return unacknowledged > 0;
+        return ioctl(socket.native_handle(), SIOCOUTQ, &unacknowledged) == 0 && unacknowledged == 0;
     };
-    auto const deadline = std::chrono::steady_clock::now() + limit;
-    while (isUnderWay()) {
-        if (std::chrono::steady_clock::now() > deadline) throw std::runtime_error("what was sent did not arrive");
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
+    if (!Eventually(hasArrived, limit)) throw std::runtime_error("what was sent did not arrive");
 }
 
 bool RawConnection::Fill(std::chrono::milliseconds wait) {

@@ -13,10 +13,8 @@
 #include <gmock/gmock.h>
 
 #include <atomic>
-#include <cerrno>
 #include <chrono>
 #include <cstddef>
-#include <cstring>
 #include <filesystem>
 #include <iterator>
 #include <memory>
@@ -223,7 +221,7 @@ TEST(DiscoveryBase, MakesNothingOfAReceivingThatFails) {
     });
 }
 
-#ifndef ZARN_SANITIZED_ADDRESSES // whose check of types opens pipes to see whether memory can be read
+#ifndef ZARN_SANITIZED_ADDRESSES // the type check of UBSan opens pipes
 TEST(DiscoveryBase, LogsAnAnswerThatCannotBeSent) {
     OnOwnNetwork([] {
         logging::Capture const log;

@@ -85,8 +85,8 @@ protected:
     /// Waits until a channel is in a state.
     bool WaitForState(std::string const& id, ChannelState state);
 
-    /// Waits until the source of a channel has failed and tells why; empty when it does not fail. By then the channel
-    /// may be trying again.
+    /// Waits until a channel's source fails; returns the reason, empty if it does not fail. The channel may already be
+    /// retrying.
     std::string AwaitFailure(std::string const& id);
 
     /// The status of a channel; it must be there.

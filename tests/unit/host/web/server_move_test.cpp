@@ -121,7 +121,9 @@ TEST_F(ServerMove, LosesNoRequestOnceItHasBegun) {
                 }
                 try {
                     connection->Send(EchoThatAsksToContinue);
-                    if (connection->ReadBytes(Continue.size()) != Continue) continue; // it moved before it saw us
+                    auto const answer = connection->ReadBytes(Continue.size());
+                    if (answer.empty()) continue; // the port closed before the server accepted the connection
+                    EXPECT_EQ(answer, Continue);
                     EXPECT_EQ(connection->Exchange("hello").status, 200U);
                     ++answered;
                 } catch (std::exception const& error) {

@@ -58,7 +58,7 @@ TEST(DynamicThreadPool, StartsAThreadForEachJobThatFindsNoIdleOne) {
     EXPECT_TRUE(gate.WaitForWaiting(20)); // all of them at the same time
     EXPECT_GE(pool.GetThreadCount(), 20U);
     gate.Open();
-    pool.Stop(); // while there still is a gate
+    pool.Stop(); // before the gate is destroyed
 }
 
 TEST(DynamicThreadPool, LetsThreadsAboveTheMinimumGo) {

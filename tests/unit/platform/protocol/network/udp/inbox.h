@@ -27,8 +27,8 @@ public:
     using Callback = protocol::network::udp::Receiver::Callback;
 
     /// The callback that fills it. It must outlive the receiver.
-    /// then  what to do after each datagram. It may still run when the datagram can be seen: what it refers to must
-    ///       outlive the receiver too.
+    /// then  called after each datagram, which is visible before this returns: what it refers to must outlive the
+    ///       receiver
     Callback MakeCallback(std::function<Operation()> then = [] { return Operation::Continue; }) {
         return [this, then = std::move(then)](boost::system::error_code const& error,
                                               std::shared_ptr<container::Buffer> const& buffer,

@@ -8,13 +8,11 @@
 #include <algorithm>
 #include <chrono>
 #include <string>
-#include <thread>
 
 namespace zarn::protocol::network::udp {
 namespace {
 
 using namespace std::chrono_literals;
-using test::Machine;
 using test::Peer;
 
 TEST_F(GroupTest, HearsTheGroupAndUnicastOnEveryInterface) {

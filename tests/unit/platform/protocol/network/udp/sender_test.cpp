@@ -77,7 +77,7 @@ TEST(Sender, TellsThatThereIsNoRoute) {
     });
 }
 
-#ifndef ZARN_SANITIZED_ADDRESSES // whose check of types opens pipes to see whether memory can be read
+#ifndef ZARN_SANITIZED_ADDRESSES // the type check of UBSan opens pipes
 TEST(Sender, TellsThatThereIsNoSocketToBeHad) {
     asio::IoContext context(1);
     Sender const first(context.Get(), {make_address("127.0.0.1"), 9}); // the context opens what it needs itself
