@@ -1,6 +1,5 @@
 // Whole requests into the module, on the host's real libraries.
 #include "exchange_script.h"
-#include "onvif/discovery/text.h"
 #include "require.h"
 
 #include <service/onvif/manager.h>
@@ -16,6 +15,7 @@
 #include <zarn/meta/data/object.h>
 #include <zarn/meta/data/zone.h>
 #include <zarn/onvif/events/handler.h>
+#include <zarn/text/character.h>
 
 #include <boost/json/parse.hpp>
 
@@ -76,7 +76,7 @@ constexpr std::array OpenAnswers{"GetSystemDateAndTimeResponse",
 
 /// Whether a text has no character that XML cannot carry, neither itself nor as a reference. Source: XML 1.0, 2.2.
 bool IsXmlText(std::string_view text) {
-    if (!onvif::discovery::IsXmlText(text)) return false;
+    if (!text::IsXml(text)) return false;
     constexpr std::string_view Start = "&#x";
     for (auto at = text.find(Start); at != std::string_view::npos; at = text.find(Start, at + 1)) {
         unsigned long code = 0;

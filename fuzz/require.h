@@ -1,5 +1,7 @@
 #pragma once
 
+#include <zarn/text/character.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
@@ -17,11 +19,7 @@ inline void Require(bool holds, char const* rule) {
 /// Whether a text is one line that can be shown to a person and written into a log: no control characters, no more than
 /// `most` bytes.
 inline bool IsLine(std::string_view text, std::size_t most) {
-    if (text.empty() || text.size() > most) return false;
-    for (char const character : text) {
-        if (static_cast<unsigned char>(character) < 0x20 || character == 0x7F) return false;
-    }
-    return true;
+    return !text.empty() && text.size() <= most && text::IsLine(text);
 }
 
 } // namespace zarn::fuzz

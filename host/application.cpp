@@ -16,7 +16,6 @@
 #include <zarn/configuration/node/primitive.h>
 #include <zarn/network/local.h>
 #include <zarn/onvif/events/handler.h>
-#include <zarn/protocol/network/udp/admission.h>
 
 #include <boost/asio/post.hpp>
 
@@ -31,7 +30,6 @@ namespace zarn::host {
 namespace {
 
 using logging::Level;
-namespace udp = protocol::network::udp;
 
 /// Settings that are read once, at start.
 constexpr std::array FixedPaths{"identity", RtspPortPath};
@@ -81,8 +79,6 @@ Application::Application(Preparation prepared)
     web::Listener listener(webContext, ReadPort(root, WebPortPath));
     BindPort(WebPortPath, listener.GetPort());
     failedLogins->SetLimit(ReadFailedLoginsLimit(root));
-    // For the whole process: the module makes the responder, and has no setting to hand on to it.
-    udp::AllowAnySource(ReadBool(root, DiscoveryAnywherePath));
     engine = std::make_unique<video::Engine>(video::RtspSettings{.port = ReadPort(root, RtspPortPath),
                                                                  .authenticate = authenticate,
                                                                  .ha1 = preparation.credentials.ha1,
@@ -95,6 +91,7 @@ Application::Application(Preparation prepared)
         &authentication, preparation.configuration, [this](std::string const& id) { return engine->Describe(id); },
         ReadIdentity(root));
     manager->UpdateSSLState(speaksTls);
+    manager->UpdateDiscoveryAnywhere(ReadBool(root, DiscoveryAnywherePath));
     manager->UpdateServerPort(listener.GetPort()); // last: from now on addresses are told
     mqtt = std::make_unique<events::MqttClient>(zarn::onvif::events::Publish);
     onvif = std::make_shared<web::OnvifRoute>(*manager, web::Digest(authentication, challenges));
@@ -202,7 +199,7 @@ void Application::Apply() {
         }
         challenges.SetLife(ReadNonceLife(root));
         failedLogins->SetLimit(ReadFailedLoginsLimit(root));
-        udp::AllowAnySource(ReadBool(root, DiscoveryAnywherePath));
+        manager->UpdateDiscoveryAnywhere(ReadBool(root, DiscoveryAnywherePath));
         server->SetLimits(ReadLimits(root));
         engine->SetLimits(ReadRtspLimits(root));
         engine->SetChannels(ReadChannels(root));

@@ -1,5 +1,7 @@
 #include "host/atomic_file.h"
 
+#include <zarn/io/unique_descriptor.h>
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -25,19 +27,12 @@ constexpr std::size_t MaximumLength = 16 * 1024 * 1024;
 class File {
 public:
     File(int descriptor, std::string path) : descriptor(descriptor), path(std::move(path)) {
-        if (descriptor < 0) Fail(this->path, errno);
+        if (!this->descriptor) Fail(this->path, errno);
     }
-
-    ~File() {
-        if (descriptor >= 0) close(descriptor);
-    }
-
-    File(File const&) = delete;
-    File& operator=(File const&) = delete;
 
     void Write(std::string_view text) const {
         while (!text.empty()) {
-            ssize_t const count = write(descriptor, text.data(), text.size());
+            ssize_t const count = write(descriptor.Get(), text.data(), text.size());
             if (count < 0 && errno != EINTR) Fail(path, errno);
             if (count > 0) text.remove_prefix(static_cast<std::size_t>(count));
         }
@@ -47,7 +42,7 @@ public:
         std::string text;
         std::array<char, 65536> chunk{};
         for (;;) {
-            ssize_t const count = read(descriptor, chunk.data(), chunk.size());
+            ssize_t const count = read(descriptor.Get(), chunk.data(), chunk.size());
             if (count == 0) return text;
             if (count < 0 && errno != EINTR) Fail(path, errno);
             if (count > 0) text.append(chunk.data(), static_cast<std::size_t>(count));
@@ -56,22 +51,22 @@ public:
     }
 
     void SetMode(mode_t mode) const {
-        if (fchmod(descriptor, mode) != 0) Fail(path, errno);
+        if (fchmod(descriptor.Get(), mode) != 0) Fail(path, errno);
     }
 
     void Sync() const {
-        if (fsync(descriptor) != 0) Fail(path, errno);
+        if (fsync(descriptor.Get()) != 0) Fail(path, errno);
     }
 
     struct stat GetStatus() const {
         struct stat status {};
 
-        if (fstat(descriptor, &status) != 0) Fail(path, errno);
+        if (fstat(descriptor.Get(), &status) != 0) Fail(path, errno);
         return status;
     }
 
 private:
-    int descriptor;
+    io::UniqueDescriptor descriptor;
     std::string path;
 };
 

@@ -11,12 +11,8 @@
 #include <zarn/configuration/node/primitive.h>
 #include <zarn/configuration/schema.h>
 #include <zarn/logging/format.h>
+#include <zarn/text/character.h>
 
-#include <boost/json/parse.hpp>
-#include <boost/json/serialize.hpp>
-#include <boost/json/string.hpp>
-
-#include <algorithm>
 #include <cstddef>
 #include <limits>
 #include <memory>
@@ -34,23 +30,9 @@ using configuration::schema::Rule;
 
 constexpr std::size_t MaximumTextLength = 256;
 
-/// Whether a text can be shown in one line and written into XML, whoever typed it.
-bool IsLine(std::string const& text) {
-    if (text.size() > MaximumTextLength) return false;
-    if (std::any_of(text.begin(), text.end(),
-                    [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7f; })) {
-        return false;
-    }
-    // U+FFFE and U+FFFF.
-    if (text.find("\xEF\xBF\xBE") != std::string::npos || text.find("\xEF\xBF\xBF") != std::string::npos) return false;
-    // The parser refuses what is no UTF-8.
-    boost::system::error_code error;
-    boost::json::parse(boost::json::serialize(boost::json::string(text)), error);
-    return !error;
-}
-
 Rule<std::string> Line() {
-    return {"a line of at most 256 bytes of UTF-8 without characters that XML cannot carry", IsLine};
+    return {"a line of at most 256 bytes of UTF-8 without characters that XML cannot carry",
+            [](std::string const& text) { return text.size() <= MaximumTextLength && text::IsXmlLine(text); }};
 }
 
 Rule<std::uint16_t> Port() { return {"a port (0 to 65535; 0 takes a free one)", {}}; }

@@ -12,8 +12,7 @@ target_sources(zarn_platform PRIVATE
   src/logging/level.cpp
   src/logging/logger.cpp
   src/logging/output.cpp
-  src/logging/rate_limit.cpp
-  src/logging/utf8.cpp
+  src/logging/limited_logger.cpp
   src/meta/data/video_info.cpp
   src/network/address.cpp
   src/network/device.cpp
@@ -26,6 +25,7 @@ target_sources(zarn_platform PRIVATE
   src/protocol/network/http/response.cpp
   src/protocol/network/http/response/status.cpp
   src/protocol/network/http/token.cpp
+  src/text/character.cpp
   src/utilities/name/config.cpp
   src/web/response/pending.cpp
   src/web/service.cpp)
@@ -42,7 +42,7 @@ zarn_verify_headers(zarn_platform "${CMAKE_CURRENT_SOURCE_DIR}/include"
   include/zarn/logging/format.h
   include/zarn/logging/level.h
   include/zarn/logging/logger.h
-  include/zarn/logging/rate_limit.h
+  include/zarn/logging/limited_logger.h
   include/zarn/meta/data/video_info.h
   include/zarn/network/address.h
   include/zarn/network/device.h
@@ -53,6 +53,8 @@ zarn_verify_headers(zarn_platform "${CMAKE_CURRENT_SOURCE_DIR}/include"
   include/zarn/protocol/network/http/request.h
   include/zarn/protocol/network/http/response.h
   include/zarn/protocol/network/http/response/status.h
+  include/zarn/io/unique_descriptor.h
+  include/zarn/text/character.h
   include/zarn/utilities/name/config.h
   include/zarn/web/request.h
   include/zarn/web/response/pending.h

@@ -7,7 +7,6 @@ target_sources(zarn_platform PRIVATE
   src/onvif/discovery/request.cpp
   src/onvif/discovery/response.cpp
   src/onvif/discovery/scopes.cpp
-  src/onvif/discovery/text.cpp
   src/onvif/discovery/xml.cpp
   src/protocol/network/udp/admission.cpp
   src/protocol/network/udp/membership.cpp

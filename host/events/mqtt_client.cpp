@@ -41,16 +41,14 @@ bool IsSubscribed(std::string const& filter, std::string const& topic) {
 } // namespace
 
 MqttClient::Wake::Wake() : descriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
-    if (descriptor < 0) throw std::system_error(errno, std::system_category(), "eventfd");
+    if (!descriptor) throw std::system_error(errno, std::system_category(), "eventfd");
 }
 
-MqttClient::Wake::~Wake() { close(descriptor); }
-
-void MqttClient::Wake::Set() const { eventfd_write(descriptor, 1); }
+void MqttClient::Wake::Set() const { eventfd_write(descriptor.Get(), 1); }
 
 void MqttClient::Wake::Clear() const {
     eventfd_t value = 0;
-    eventfd_read(descriptor, &value);
+    eventfd_read(descriptor.Get(), &value);
 }
 
 MqttClient::Library::Library() { mosquitto_lib_init(); }
@@ -177,10 +175,7 @@ void MqttClient::Take(MqttSettings const& settings, MqttMessage const& message) 
         taken = Deliver(settings, message);
     } catch (std::exception const& error) {
         refused = true;
-        if (auto const more = refusals.Admit()) {
-            logger.Log(Level::Warning, "Refused a message of topic %0%: %1% (%2% more since the last such line)",
-                       message.topic, error.what(), *more);
-        }
+        refusals.Log(Level::Warning, "Refused a message on topic %0%: %1%", message.topic, error.what());
     }
     std::lock_guard const lock(mutex);
     ++status.received;

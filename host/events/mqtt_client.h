@@ -6,8 +6,9 @@
 #include "host/events/mqtt_status.h"
 #include "host/events/reconnect_delay.h"
 
+#include <zarn/io/unique_descriptor.h>
+#include <zarn/logging/limited_logger.h>
 #include <zarn/logging/logger.h>
-#include <zarn/logging/rate_limit.h>
 
 #include <chrono>
 #include <cstddef>
@@ -59,17 +60,14 @@ private:
     class Wake {
     public:
         Wake();
-        ~Wake();
-        Wake(Wake const&) = delete;
-        Wake& operator=(Wake const&) = delete;
 
         void Set() const;
         void Clear() const;
 
-        int GetDescriptor() const { return descriptor; }
+        int GetDescriptor() const { return descriptor.Get(); }
 
     private:
-        int descriptor;
+        io::UniqueDescriptor descriptor;
     };
 
     /// The library, initialised as long as this lives.
@@ -99,7 +97,7 @@ private:
     void SetState(MqttState state, std::string detail);
 
     logging::Logger logger{"zarn.host.mqtt"};
-    logging::RateLimit refusals;
+    logging::LimitedLogger refusals{"zarn.host.mqtt"};
     Sink const sink;
     std::chrono::milliseconds const timeToConnect;
     Library library;

@@ -2,8 +2,8 @@
 
 #include <zarn/configuration/error.h>
 #include <zarn/configuration/node/primitive.h>
+#include <zarn/text/character.h>
 
-#include <algorithm>
 #include <cstddef>
 #include <string>
 
@@ -27,11 +27,8 @@ constexpr char const* CaFilePath = "settings.events.mqtt.ca_file";
 constexpr std::size_t LongestText = 4096;
 
 Rule<std::string> Line() {
-    return {"a line of at most 4096 bytes without control characters", [](std::string const& text) {
-                return text.size() <= LongestText && std::none_of(text.begin(), text.end(), [](char c) {
-                           return static_cast<unsigned char>(c) < 0x20 || c == 0x7f;
-                       });
-            }};
+    return {"a line of at most 4096 bytes without control characters",
+            [](std::string const& text) { return text.size() <= LongestText && zarn::text::IsLine(text); }};
 }
 
 /// Not quoted in errors, because people put credentials there.

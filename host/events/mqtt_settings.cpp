@@ -1,5 +1,7 @@
 #include "host/events/mqtt_settings.h"
 
+#include <zarn/text/character.h>
+
 #include <boost/asio/ip/host_name.hpp>
 #include <mosquitto.h>
 
@@ -67,9 +69,7 @@ std::optional<BrokerAddress> ParseBrokerUrl(std::string_view url) {
 }
 
 bool IsTopicFilter(std::string const& text) {
-    bool const printable = std::none_of(text.begin(), text.end(),
-                                        [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7f; });
-    return !text.empty() && text.size() <= LongestTopic && printable &&
+    return !text.empty() && text.size() <= LongestTopic && zarn::text::IsLine(text) &&
            mosquitto_validate_utf8(text.data(), static_cast<int>(text.size())) == MOSQ_ERR_SUCCESS &&
            mosquitto_sub_topic_check(text.c_str()) == MOSQ_ERR_SUCCESS;
 }

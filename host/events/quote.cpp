@@ -1,5 +1,7 @@
 #include "host/events/quote.h"
 
+#include <zarn/text/character.h>
+
 #include <boost/json/serialize.hpp>
 #include <boost/json/string.hpp>
 #include <boost/json/value.hpp>
@@ -11,14 +13,6 @@ namespace zarn::host::events {
 namespace {
 
 constexpr std::size_t MostBytes = 80;
-
-std::string_view CutShort(std::string_view text) {
-    if (text.size() <= MostBytes) return text;
-    std::size_t length = MostBytes;
-    // Not in the middle of a character.
-    while (length > 0 && (static_cast<unsigned char>(text[length]) & 0xc0) == 0x80) --length;
-    return text.substr(0, length);
-}
 
 /// The serializer escapes what is below a blank, but not DEL nor C1, which terminals take for orders.
 std::string EscapeOthers(std::string_view text) {
@@ -44,7 +38,7 @@ std::string EscapeOthers(std::string_view text) {
 }
 
 std::string QuoteText(std::string_view text) {
-    auto const part = CutShort(text);
+    auto const part = text::CutShort(text, MostBytes);
     auto quoted = EscapeOthers(boost::json::serialize(boost::json::string(part.data(), part.size())));
     if (part.size() < text.size()) quoted += "...";
     return quoted;

@@ -2,25 +2,16 @@
 
 #include "host/events/bounds.h"
 
+#include <zarn/text/character.h>
+
 #include <boost/json/array.hpp>
 #include <boost/json/object.hpp>
 #include <boost/json/string.hpp>
 
-#include <algorithm>
 #include <string_view>
 
 namespace zarn::host::events {
-namespace {
-
-/// Whether XML 1.0 can carry the characters of a text, which is valid UTF-8. Source: XML 1.0, 2.2 Characters.
-bool FitsIntoXml(std::string_view text) {
-    bool const controls = std::any_of(text.begin(), text.end(), [](char c) {
-        return static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n' && c != '\r';
-    });
-    return !controls && text.find("\xef\xbf\xbe") == text.npos && text.find("\xef\xbf\xbf") == text.npos;
-}
-
-} // namespace
+namespace {} // namespace
 
 std::string ReadText(boost::json::value const& value, Place const& place) {
     auto const* const string = value.if_string();
@@ -28,7 +19,7 @@ std::string ReadText(boost::json::value const& value, Place const& place) {
     std::string_view const text(string->data(), string->size());
     if (text.size() > MaximumTextBytes)
         place.Refuse(Quote(value) + " is longer than " + std::to_string(MaximumTextBytes) + " bytes");
-    if (!FitsIntoXml(text)) place.Refuse(Quote(value) + " holds a character that XML cannot carry");
+    if (!text::IsXml(text)) place.Refuse(Quote(value) + " holds a character that XML cannot carry");
     return std::string(text);
 }
 

@@ -84,10 +84,7 @@ void Acceptor::OnAccepted(boost::system::error_code error, Socket socket) {
 
 void Acceptor::OnError(boost::system::error_code error) {
     if (error == asio::error::connection_aborted) return Accept();
-    if (auto const suppressed = failures.Admit()) {
-        logger.Log(logging::Level::Error, "Cannot accept a connection: %0% (%1% more before)", error.message(),
-                   *suppressed);
-    }
+    failures.Log(logging::Level::Error, "Cannot accept a connection: %0%", error.message());
     pause.expires_after(PauseAfterFailure);
     pause.async_wait([self = shared_from_this()](boost::system::error_code cancelled) {
         if (!cancelled && self->acceptor.is_open()) self->Accept();

@@ -3,8 +3,8 @@
 #include "host/web/connection.h"
 #include "host/web/listener.h"
 
+#include <zarn/logging/limited_logger.h>
 #include <zarn/logging/logger.h>
-#include <zarn/logging/rate_limit.h>
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
@@ -50,7 +50,7 @@ private:
     std::vector<std::shared_ptr<std::promise<void>>> closing; ///< of who waits in Close until that is over
     Handler const handler;
     logging::Logger logger{"zarn.host.web"};
-    logging::RateLimit failures;
+    logging::LimitedLogger failures{"zarn.host.web"};
 };
 
 } // namespace zarn::host::web

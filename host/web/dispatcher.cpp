@@ -39,22 +39,16 @@ void Dispatcher::Handle(boost::asio::ip::address const& peer, std::shared_ptr<In
     auto const authorization = request->FindField("Authorization");
     if (!authorization.empty()) {
         if (auto const wait = failedLogins.GetWait(peer)) {
-            if (auto const suppressed = throttled.Admit()) {
-                logger.Log(Level::Warning,
-                           "%0% gave too many wrong passwords, refused for %1% s (%2% more refusals before)",
-                           peer.to_string(), wait->count(), *suppressed);
-            }
+            throttled.Log(Level::Warning, "%0% sent too many wrong passwords, refused for %1% s", peer.to_string(),
+                          wait->count());
             return done(MakeTextReply(Status::TooManyRequests, "Too many wrong logins; try again later.",
                                       {{"Retry-After", std::to_string(wait->count())}}));
         }
     }
     auto slot = admission.BeginExchange(limits);
     if (!slot) {
-        if (auto const suppressed = overloaded.Admit()) {
-            logger.Log(Level::Warning,
-                       "Refused a request of %0%: %1% exchanges are under way (%2% more refusals before)",
-                       peer.to_string(), limits.exchanges, *suppressed);
-        }
+        overloaded.Log(Level::Warning, "Refused a request from %0%: %1% exchanges are under way", peer.to_string(),
+                       limits.exchanges);
         return done(MakeTextReply(Status::ServiceUnavailable, "Too many requests are under way; try again later.",
                                   {{"Retry-After", "1"}}));
     }
@@ -75,15 +69,11 @@ std::shared_ptr<zarn::web::response::Pending> Dispatcher::Ask(std::shared_ptr<In
         return service->Process(request);
     } catch (std::system_error const& error) {
         // No thread could be started: the load is too high, which passes.
-        if (auto const suppressed = failed.Admit()) {
-            logger.Log(Level::Error, "A request was not begun: %0% (%1% more before)", error.what(), *suppressed);
-        }
+        failed.Log(Level::Error, "A request could not be started: %0%", error.what());
         return MakeTextResponse(Status::ServiceUnavailable, "The request cannot be worked on now; try again later.",
                                 {{"Retry-After", "1"}});
     } catch (std::exception const& error) {
-        if (auto const suppressed = failed.Admit()) {
-            logger.Log(Level::Error, "A request failed: %0% (%1% more before)", error.what(), *suppressed);
-        }
+        failed.Log(Level::Error, "A request failed: %0%", error.what());
         return MakeTextResponse(Status::InternalServerError, "The request could not be worked on.");
     }
 }

@@ -8,8 +8,7 @@
 #include "host/web/reply.h"
 #include "host/web/router.h"
 
-#include <zarn/logging/logger.h>
-#include <zarn/logging/rate_limit.h>
+#include <zarn/logging/limited_logger.h>
 
 #include <boost/asio/ip/address.hpp>
 
@@ -43,10 +42,9 @@ private:
     PendingTicker& ticker;
     Admission& admission;
     FailedLogins& failedLogins;
-    logging::Logger logger{"zarn.host.web"};
-    logging::RateLimit throttled;
-    logging::RateLimit overloaded;
-    logging::RateLimit failed;
+    logging::LimitedLogger throttled{"zarn.host.web"};
+    logging::LimitedLogger overloaded{"zarn.host.web"};
+    logging::LimitedLogger failed{"zarn.host.web"};
 };
 
 } // namespace zarn::host::web

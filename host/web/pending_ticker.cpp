@@ -1,7 +1,6 @@
 #include "host/web/pending_ticker.h"
 
-#include <zarn/logging/logger.h>
-#include <zarn/logging/rate_limit.h>
+#include <zarn/logging/limited_logger.h>
 
 #include <boost/asio/bind_executor.hpp>
 #include <boost/asio/steady_timer.hpp>
@@ -78,9 +77,8 @@ private:
     void AskWaiting(Clock::time_point now);
     void ArmLocked(Clock::time_point when);
 
-    logging::Logger logger{"zarn.host.web"};
-    logging::RateLimit throwing;
-    logging::RateLimit failing;
+    logging::LimitedLogger throwing{"zarn.host.web"};
+    logging::LimitedLogger failing{"zarn.host.web"};
     boost::asio::strand<boost::asio::io_context::executor_type> strand;
 
     std::mutex mutex; ///< guards the members up to the next blank line
@@ -138,9 +136,7 @@ std::optional<Reply> PendingTicker::Impl::Ask(Entry const& entry, Clock::time_po
 }
 
 Reply PendingTicker::Impl::Unanswered(std::string_view why) {
-    if (auto const suppressed = throwing.Admit()) {
-        logger.Log(logging::Level::Error, "A request ended without an answer: %0% (%1% more before)", why, *suppressed);
-    }
+    throwing.Log(logging::Level::Error, "A request ended without an answer: %0%", why);
     return MakeTextReply(Reply::Status::InternalServerError, "The request ended without an answer.");
 }
 
@@ -149,10 +145,7 @@ void PendingTicker::Impl::Finish(Entry const& entry, Reply reply) {
     try {
         entry.done(std::move(reply));
     } catch (std::exception const& error) {
-        if (auto const suppressed = failing.Admit()) {
-            logger.Log(logging::Level::Error, "An answer could not be delivered: %0% (%1% more before)", error.what(),
-                       *suppressed);
-        }
+        failing.Log(logging::Level::Error, "An answer could not be delivered: %0%", error.what());
     }
 }
 
@@ -165,10 +158,7 @@ void PendingTicker::Impl::Tick() {
     } catch (std::exception const& error) {
         // Out of memory, most likely. All that is left is asked again at the next tick.
         nextRound = std::max(nextRound, now + LongestRoundPause);
-        if (auto const suppressed = failing.Admit()) {
-            logger.Log(logging::Level::Error, "Not all pending responses could be asked: %0% (%1% more before)",
-                       error.what(), *suppressed);
-        }
+        failing.Log(logging::Level::Error, "Not all pending responses could be asked: %0%", error.what());
     }
 
     std::optional<Clock::time_point> next;

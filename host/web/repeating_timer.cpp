@@ -23,9 +23,7 @@ void RepeatingTimer::Call() {
     try {
         function();
     } catch (std::exception const& error) {
-        if (auto const suppressed = failures.Admit()) {
-            logger.Log(logging::Level::Error, "%0%: %1% (%2% more before)", what, error.what(), *suppressed);
-        }
+        failures.Log(logging::Level::Error, "%0%: %1%", what, error.what());
     }
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 
-#include <zarn/logging/logger.h>
-#include <zarn/logging/rate_limit.h>
+#include <zarn/logging/limited_logger.h>
 
 #include <boost/asio/any_io_executor.hpp>
 #include <boost/asio/steady_timer.hpp>
@@ -39,8 +38,7 @@ private:
     char const* const what;
     std::function<void()> const function;
     bool isStopped = false;
-    logging::Logger logger{"zarn.host.web"};
-    logging::RateLimit failures;
+    logging::LimitedLogger failures{"zarn.host.web"};
 };
 
 } // namespace zarn::host::web

@@ -8,8 +8,7 @@
 #include "host/web/repeating_timer.h"
 #include "host/web/response_head.h"
 
-#include <zarn/logging/logger.h>
-#include <zarn/logging/rate_limit.h>
+#include <zarn/logging/limited_logger.h>
 
 #include <boost/asio/executor_work_guard.hpp>
 #include <boost/asio/post.hpp>
@@ -115,7 +114,7 @@ private:
     asio::io_context& io;
     std::shared_ptr<Acceptor> acceptor;
     logging::Logger logger{"zarn.host.web"};
-    logging::RateLimit refused;
+    logging::LimitedLogger refusals{"zarn.host.web"};
 
     std::mutex mutex; ///< guards the members up to the next blank line
     std::shared_ptr<asio::ssl::context> tls;
@@ -167,10 +166,7 @@ void Server::Impl::OnAccepted(Socket socket) {
         secure = tls;
     }
     if (!slot) {
-        if (auto const suppressed = refused.Admit()) {
-            logger.Log(Level::Warning, "Refused a connection of %0%: too many are open (%1% more refusals before)",
-                       peer.to_string(), *suppressed);
-        }
+        refusals.Log(Level::Warning, "Refused a connection from %0%: too many are open", peer.to_string());
         if (!secure) Turn(std::move(socket));
         return;
     }

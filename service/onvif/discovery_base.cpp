@@ -69,7 +69,8 @@ void DiscoveryBase::TrySetup() {
             ioContext.Get(), Port, MulticastAddress, LongestDatagram,
             [this](error_code const& error, std::shared_ptr<Buffer> const& datagram, udp::endpoint const& source) {
                 return HandleReceiveFrom(error, datagram, source);
-            });
+            },
+            [this] { return anySource.load(); });
         receiver->Start();
         DiscoveryLog().Log(logging::Level::Info, "Onvif discovery service started successfully");
     } catch (std::exception const& error) {

@@ -7,6 +7,7 @@
 #include <boost/asio/ip/udp.hpp>
 #include <boost/asio/steady_timer.hpp>
 
+#include <atomic>
 #include <chrono>
 #include <memory>
 #include <string>
@@ -46,6 +47,10 @@ public:
     DiscoveryBase(DiscoveryBase const&) = delete;
     DiscoveryBase& operator=(DiscoveryBase const&) = delete;
 
+    /// Whether messages are taken that come from networks which the machine is not connected to; false at first.
+    /// Thread: any.
+    void AllowAnySource(bool allowed) noexcept { anySource = allowed; }
+
     /// The answer to a message; one that is not valid is not sent. Thread: the responder's own.
     virtual zarn::onvif::discovery::Response HandleReceive(zarn::onvif::discovery::Request const& request) = 0;
 
@@ -68,6 +73,7 @@ private:
     void Send(std::string xml, boost::asio::ip::udp::endpoint const& destination);
 
     std::chrono::milliseconds const retryInterval;
+    std::atomic<bool> anySource = false;
     asio::IoContext ioContext;
     std::unique_ptr<protocol::network::udp::Receiver> receiver;
     boost::asio::steady_timer retryTimer;

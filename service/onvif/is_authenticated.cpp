@@ -2,12 +2,12 @@
 
 #include <zarn/authentication/engine.h>
 #include <zarn/authentication/realm.h>
+#include <zarn/text/character.h>
 
 #include <boost/algorithm/string/predicate.hpp>
 #include <httpda.h>
 #include <soapH.h>
 
-#include <algorithm>
 #include <string>
 #include <string_view>
 
@@ -31,9 +31,7 @@ bool IsMd5(char const* algorithm) { return IsEmpty(algorithm) || boost::iequals(
 /// Whether the digest plugin can write the realm into a header field as it is. gSOAP has decoded what the client sent,
 /// so that it may hold anything: the end of the quoted text, and of the line.
 bool IsWritable(std::string_view realm) {
-    return realm.size() <= LongestRealm && std::none_of(realm.begin(), realm.end(), [](unsigned char character) {
-               return character < ' ' || character == 0x7F || character == '"' || character == '\\';
-           });
+    return realm.size() <= LongestRealm && text::IsLine(realm) && realm.find_first_of("\"\\") == realm.npos;
 }
 
 } // namespace

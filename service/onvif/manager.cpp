@@ -110,6 +110,12 @@ public:
         if (discovery) discovery->SetSSlEnabled(enabled);
     }
 
+    void UpdateDiscoveryAnywhere(bool allowed) {
+        std::scoped_lock const lock(discoveryMutex);
+        discoveryAnywhere = allowed;
+        if (discovery) discovery->AllowAnySource(allowed);
+    }
+
     /// Runs one SOAP exchange. Thread: a worker of the pool.
     SharedResponse Serve(http::Request const& request) const {
         auto const context = MakeSoapContext(&ending);
@@ -167,6 +173,7 @@ private:
         // What the host has told meanwhile, it told nobody.
         if (serverPort != port) made->SetPort(serverPort);
         if (sslEnabled != ssl) made->SetSSlEnabled(sslEnabled);
+        made->AllowAnySource(discoveryAnywhere);
         discovery = std::move(made);
     }
 
@@ -189,6 +196,7 @@ private:
     std::atomic<std::uint16_t> serverPort = 0;
     std::atomic<bool> sslEnabled = false;
     std::atomic<bool> ending = false;
+    bool discoveryAnywhere = false; ///< guarded by discoveryMutex
     std::unique_ptr<Discovery> discovery;
     std::shared_ptr<configuration::node::Root> configuration;
     type::Binding enabledBinding;
@@ -226,5 +234,7 @@ Manager::Response Manager::Post(std::shared_ptr<web::Request> request) {
 void Manager::UpdateServerPort(std::uint16_t port) { impl->UpdateServerPort(port); }
 
 void Manager::UpdateSSLState(bool enabled) { impl->UpdateSSLState(enabled); }
+
+void Manager::UpdateDiscoveryAnywhere(bool allowed) { impl->UpdateDiscoveryAnywhere(allowed); }
 
 } // namespace zarn::service::onvif

@@ -1,6 +1,6 @@
 #include "soap_context.h"
 
-#include "xml_text.h"
+#include <zarn/text/character.h>
 
 #include <boost/algorithm/string/replace.hpp>
 #include <soapH.h>
@@ -91,7 +91,7 @@ bool IsEnding(soap const* soap) {
 void AnswerAddressing(soap* soap) {
     if (!soap->header) return;
     char* const messageId = soap->header->wsa5__MessageID;
-    bool const isRelated = messageId && IsXmlText(messageId);
+    bool const isRelated = messageId && text::IsPlainXml(messageId);
     soap_default_SOAP_ENV__Header(soap, soap->header);
     auto* const relatesTo = isRelated ? soap_new_wsa5__RelatesToType(soap) : nullptr;
     if (!relatesTo) {

@@ -3,6 +3,7 @@
 #include "host/video/rtsp/media_factory.h"
 
 #include <zarn/authentication/realm.h>
+#include <zarn/io/unique_descriptor.h>
 
 #include <boost/asio/ip/address.hpp>
 #include <sys/mman.h>
@@ -21,27 +22,16 @@ namespace {
 class MemoryFile {
 public:
     explicit MemoryFile(std::string const& content) : descriptor(memfd_create("rtsp", MFD_CLOEXEC)) {
-        if (descriptor < 0 ||
-            write(descriptor, content.data(), content.size()) != static_cast<ssize_t>(content.size())) {
-            auto const error = errno;
-            Close();
-            throw std::system_error(error, std::generic_category(), "the RTSP server cannot store its credentials");
+        if (!descriptor ||
+            write(descriptor.Get(), content.data(), content.size()) != static_cast<ssize_t>(content.size())) {
+            throw std::system_error(errno, std::generic_category(), "the RTSP server cannot store its credentials");
         }
     }
 
-    ~MemoryFile() { Close(); }
-
-    MemoryFile(MemoryFile const&) = delete;
-    MemoryFile& operator=(MemoryFile const&) = delete;
-
-    std::string GetPath() const { return "/proc/self/fd/" + std::to_string(descriptor); }
+    std::string GetPath() const { return "/proc/self/fd/" + std::to_string(descriptor.Get()); }
 
 private:
-    void Close() const {
-        if (descriptor >= 0) close(descriptor);
-    }
-
-    int descriptor;
+    io::UniqueDescriptor descriptor;
 };
 
 /// GObject's way of deriving: the base's instance comes first, and construction and destruction are functions of the

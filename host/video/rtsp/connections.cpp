@@ -1,5 +1,7 @@
 #include "host/video/rtsp/connections.h"
 
+#include <zarn/io/unique_descriptor.h>
+
 #include <linux/tcp.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
@@ -88,29 +90,22 @@ public:
         : descriptor(
               dup(g_socket_get_fd(gst_rtsp_connection_get_read_socket(gst_rtsp_client_get_connection(client))))) {
         // A peer that sends without end is to fill little of the system's memory, too.
-        setsockopt(descriptor, SOL_SOCKET, SO_RCVBUF, &ReceiveBuffer, sizeof(ReceiveBuffer));
+        setsockopt(descriptor.Get(), SOL_SOCKET, SO_RCVBUF, &ReceiveBuffer, sizeof(ReceiveBuffer));
     }
 
-    ~Socket() {
-        if (descriptor >= 0) close(descriptor);
-    }
-
-    Socket(Socket const&) = delete;
-    Socket& operator=(Socket const&) = delete;
-
-    void ShutDown() const { shutdown(descriptor, SHUT_RDWR); }
+    void ShutDown() const { shutdown(descriptor.Get(), SHUT_RDWR); }
 
     /// The bytes that have come so far, read or not.
     std::uint64_t CountReceived() const {
         tcp_info info{};
         socklen_t size = sizeof(info);
-        return getsockopt(descriptor, IPPROTO_TCP, TCP_INFO, &info, &size) == 0 ? info.tcpi_bytes_received : 0;
+        return getsockopt(descriptor.Get(), IPPROTO_TCP, TCP_INFO, &info, &size) == 0 ? info.tcpi_bytes_received : 0;
     }
 
 private:
     static constexpr int ReceiveBuffer = 32 * 1024;
 
-    int descriptor;
+    io::UniqueDescriptor descriptor;
 };
 
 Connections::Connections() : state(std::make_shared<State>()) {}

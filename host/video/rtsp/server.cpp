@@ -8,7 +8,7 @@
 #include "host/video/rtsp/loop.h"
 #include "host/video/rtsp/media_factory.h"
 
-#include <zarn/logging/rate_limit.h>
+#include <zarn/logging/limited_logger.h>
 
 #include <algorithm>
 #include <atomic>
@@ -167,10 +167,7 @@ private:
     bool HasRoom() {
         auto const count = connections.GetCount();
         if (count < maximum) return true;
-        if (auto const more = refusals.Admit()) {
-            Log().Log(logging::Level::Warning, "RTSP connection refused: there are %0% (%1% more refused before)",
-                      count, *more);
-        }
+        refusals.Log(logging::Level::Warning, "Refused an RTSP connection: %0% are open", count);
         return false;
     }
 
@@ -178,10 +175,7 @@ private:
     void BoundPerAddress(GstRTSPClient* client) {
         std::string const address = GetAddress(client);
         if (connections.CountFrom(address) <= maximumPerAddress) return;
-        if (auto const more = refusals.Admit()) {
-            Log().Log(logging::Level::Warning,
-                      "RTSP connection of %0% refused: too many are open (%1% more refused before)", address, *more);
-        }
+        refusals.Log(logging::Level::Warning, "Refused an RTSP connection from %0%: too many are open", address);
         connections.ShutDown(client);
     }
 
@@ -211,7 +205,7 @@ private:
     }
 
     Connections connections;
-    logging::RateLimit refusals;
+    logging::LimitedLogger refusals{Log().GetName()};
     std::atomic<std::size_t> maximum = Connections::Maximum;
     std::atomic<std::size_t> maximumPerAddress = Connections::Maximum;
     std::shared_ptr<FailedLogins> const failedLogins;

@@ -61,6 +61,10 @@ public:
     /// call. Thread: any.
     void UpdateSSLState(bool enabled);
 
+    /// Whether probes from networks that the machine is not connected to are answered, from the next probe on. False
+    /// until the first call. Thread: any.
+    void UpdateDiscoveryAnywhere(bool allowed);
+
 private:
     class __attribute__((visibility("hidden"))) Impl;
     std::unique_ptr<Impl> impl;

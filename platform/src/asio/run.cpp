@@ -28,7 +28,7 @@ void RunUntilStopped(boost::asio::io_context& ioContext, std::string_view logger
         } catch (std::exception const& error) {
             Report(logger, error.what());
         } catch (...) {
-            Report(logger, "something that is no std::exception");
+            Report(logger, "an exception of unknown type");
         }
     }
 }

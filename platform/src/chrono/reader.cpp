@@ -2,15 +2,14 @@
 
 #include <zarn/chrono/error.h>
 #include <zarn/logging/format.h>
+#include <zarn/text/character.h>
 
-#include <algorithm>
 #include <cstddef>
 
 namespace zarn::chrono {
 
 namespace {
 
-constexpr std::string_view WhiteSpace = " \t\r\n";
 constexpr std::string_view Digits = "0123456789";
 
 /// Enough to recognise what was meant; a client may send anything.
@@ -18,15 +17,10 @@ constexpr std::size_t QuoteLimit = 64;
 
 std::string Quote(std::string_view text) { return '"' + logging::ToLine(text, QuoteLimit) + '"'; }
 
-std::string_view Trim(std::string_view text) {
-    text.remove_prefix(std::min(text.find_first_not_of(WhiteSpace), text.size()));
-    text.remove_suffix(text.size() - (text.find_last_not_of(WhiteSpace) + 1));
-    return text;
-}
-
 } // namespace
 
-Reader::Reader(std::string_view textKind, std::string_view whole) : kind(textKind), text(Trim(whole)), rest(text) {}
+Reader::Reader(std::string_view textKind, std::string_view whole)
+    : kind(textKind), text(text::Trim(whole)), rest(text) {}
 
 std::optional<char> Reader::Peek() const noexcept {
     if (rest.empty()) return std::nullopt;

@@ -1,8 +1,7 @@
 #include "job/thread.h"
 
 #include <zarn/job/dynamic_thread_pool.h>
-#include <zarn/logging/logger.h>
-#include <zarn/logging/rate_limit.h>
+#include <zarn/logging/limited_logger.h>
 
 #include <algorithm>
 #include <condition_variable>
@@ -11,7 +10,6 @@
 #include <mutex>
 #include <optional>
 #include <stdexcept>
-#include <string_view>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -60,7 +58,6 @@ private:
     void Start(Job& first);
     void Work(Job first);
     void Run(Job&& taken) noexcept;
-    void Report(std::string_view what) noexcept;
     bool WaitForJob(std::unique_lock<std::mutex>& lock, Worker& worker);
 
     /// The pool that the current thread belongs to.
@@ -68,8 +65,7 @@ private:
 
     std::size_t const minimum;
     std::chrono::seconds const idle;
-    logging::Logger const logger{"zarn.job.DynamicThreadPool"};
-    logging::RateLimit failures;
+    logging::LimitedLogger failures{"zarn.job.DynamicThreadPool"};
     std::mutex stopping; ///< lets the second of two Stops wait for the first; taken before `mutex`
 
     mutable std::mutex mutex; ///< guards the members below and the jobs of the waiting workers
@@ -167,20 +163,9 @@ void DynamicThreadPool::Impl::Run(Job&& taken) noexcept {
     try {
         job();
     } catch (std::exception const& exception) {
-        Report(exception.what());
+        failures.Log(logging::Level::Error, "A job threw: %0%", exception.what());
     } catch (...) {
-        Report("something that is no std::exception");
-    }
-}
-
-void DynamicThreadPool::Impl::Report(std::string_view what) noexcept {
-    auto const suppressed = failures.Admit();
-    if (!suppressed) return;
-    try {
-        logger.Log(logging::Level::Error, "A job threw: %0% (%1% more since the last report)", what, *suppressed);
-    } catch (std::exception const&) {
-        // Without memory for the line there is nobody to tell; the pool goes on.
-        return;
+        failures.Log(logging::Level::Error, "A job threw: an exception of unknown type");
     }
 }
 

@@ -1,6 +1,5 @@
-#include "logging/utf8.h"
-
 #include <zarn/logging/format.h>
+#include <zarn/text/character.h>
 
 #include <charconv>
 #include <cstddef>
@@ -65,7 +64,7 @@ std::string Format(std::string_view format, std::span<std::string const> argumen
 std::string ToLine(std::string_view text, std::size_t limit) {
     std::string line;
     while (!text.empty()) {
-        auto const character = utf8::ReadCharacter(text);
+        auto const character = text::ReadCharacter(text);
         auto const bytes = text.substr(0, character.length);
         auto const size = line.size();
         if (character.printable)

@@ -1,11 +1,12 @@
 #include "network/change_notices.h"
 
+#include <zarn/io/unique_descriptor.h>
+
 #include <boost/asio/error.hpp>
 #include <boost/system/error_code.hpp>
 #include <linux/netlink.h>
 #include <linux/rtnetlink.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
 #include <array>
 #include <cerrno>
@@ -14,38 +15,14 @@
 
 namespace zarn::network {
 
-namespace {
-
-/// A descriptor that is closed unless somebody takes it over.
-class Descriptor {
-public:
-    explicit Descriptor(int number) : number(number) {}
-
-    ~Descriptor() {
-        if (number >= 0) close(number);
-    }
-
-    Descriptor(Descriptor const&) = delete;
-    Descriptor& operator=(Descriptor const&) = delete;
-
-    int Get() const noexcept { return number; }
-
-    void Release() noexcept { number = -1; }
-
-private:
-    int number;
-};
-
-} // namespace
-
 ChangeNotices::ChangeNotices(boost::asio::any_io_executor const& executor) : netlink(executor), settling(executor) {}
 
 void ChangeNotices::Open() {
     constexpr auto What = "Failed to watch the network interfaces";
-    Descriptor descriptor(socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC | SOCK_NONBLOCK, NETLINK_ROUTE));
-    if (descriptor.Get() < 0) throw std::system_error(errno, std::generic_category(), What);
+    io::UniqueDescriptor descriptor(socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC | SOCK_NONBLOCK, NETLINK_ROUTE));
+    if (!descriptor) throw std::system_error(errno, std::generic_category(), What);
     netlink.assign(descriptor.Get()); // which does not take it over when it throws
-    descriptor.Release();
+    static_cast<void>(descriptor.Release());
     sockaddr_nl groups{};
     groups.nl_family = AF_NETLINK;
     groups.nl_groups = RTMGRP_LINK | RTMGRP_IPV4_IFADDR;

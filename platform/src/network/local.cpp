@@ -1,3 +1,4 @@
+#include <zarn/io/unique_descriptor.h>
 #include <zarn/network/address.h>
 #include <zarn/network/interface.h>
 #include <zarn/network/local.h>
@@ -18,39 +19,21 @@ namespace {
 
 using boost::asio::ip::address_v4;
 
-/// A socket that is closed with its scope.
-class Socket {
-public:
-    Socket() noexcept : descriptor(socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0)) {}
-
-    ~Socket() {
-        if (descriptor >= 0) close(descriptor);
-    }
-
-    Socket(Socket const&) = delete;
-    Socket& operator=(Socket const&) = delete;
-
-    int Get() const noexcept { return descriptor; }
-
-private:
-    int descriptor;
-};
-
 /// The address that the kernel would send from to the world at large; empty when it has no route, or one that does not
 /// leave this machine. Connecting a UDP socket makes it choose and sends nothing.
 std::optional<address_v4> ProbeRoute() noexcept {
     // TEST-NET-2 (RFC 5737): nobody's network, so that only the default route leads there.
     auto const target = address::v4::Make(198, 51, 100, 1);
     constexpr in_port_t DiscardPort = 9;
-    Socket const socket;
+    io::UniqueDescriptor const descriptor(socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
     sockaddr_in endpoint{};
     endpoint.sin_family = AF_INET;
     endpoint.sin_port = htons(DiscardPort);
     endpoint.sin_addr.s_addr = htonl(target.to_uint());
     socklen_t length = sizeof(endpoint);
     auto* const generic = reinterpret_cast<sockaddr*>(&endpoint);
-    if (socket.Get() < 0 || connect(socket.Get(), generic, length) != 0) return std::nullopt;
-    if (getsockname(socket.Get(), generic, &length) != 0) return std::nullopt;
+    if (!descriptor || connect(descriptor.Get(), generic, length) != 0) return std::nullopt;
+    if (getsockname(descriptor.Get(), generic, &length) != 0) return std::nullopt;
     address_v4 const address(ntohl(endpoint.sin_addr.s_addr));
     if (address.is_loopback() || address.is_unspecified()) return std::nullopt;
     return address;

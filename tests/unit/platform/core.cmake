@@ -4,17 +4,19 @@ set(sources
   authentication/engine_test.cpp
   authentication/ha1_test.cpp
   container/buffer_test.cpp
+  io/unique_descriptor_test.cpp
   logging/capture_test.cpp
   logging/format_test.cpp
   logging/level_test.cpp
+  logging/limited_logger_test.cpp
   logging/logger_test.cpp
-  logging/rate_limit_test.cpp
   meta/data/video_info_test.cpp
   network/address_test.cpp
   protocol/network/http/method_test.cpp
   protocol/network/http/request_test.cpp
   protocol/network/http/response/status_test.cpp
   protocol/network/http/response_test.cpp
+  text/character_test.cpp
   utilities/name/config_test.cpp
   web/response/pending_test.cpp
   web/service_test.cpp)

@@ -2,6 +2,8 @@
 
 #include "configuration/schema/quote.h"
 
+#include <zarn/text/character.h>
+
 #include <boost/json/value.hpp>
 
 #include <charconv>
@@ -113,7 +115,7 @@ boost::json::value Conversion<T>::WriteJson(T const& value) {
 template <class T>
 bool Conversion<T>::IsWritable([[maybe_unused]] T const& value) {
     if constexpr (std::same_as<T, std::string>) {
-        return IsUtf8(value);
+        return zarn::text::IsUtf8(value);
     } else if constexpr (std::same_as<T, double>) {
         return std::isfinite(value);
     } else {

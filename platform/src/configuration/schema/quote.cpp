@@ -3,8 +3,8 @@
 #include "configuration/text/writer.h"
 
 #include <zarn/logging/format.h>
+#include <zarn/text/character.h>
 
-#include <boost/json/parse.hpp>
 #include <boost/json/serialize.hpp>
 #include <boost/json/value.hpp>
 
@@ -17,10 +17,7 @@ constexpr std::size_t MaximumLength = 80;
 std::string Shorten(std::string text) {
     text = logging::ToLine(text, std::string::npos); // JSON leaves some control characters as they are
     if (text.size() <= MaximumLength) return text;
-    std::size_t length = MaximumLength;
-    // Not in the middle of a UTF-8 sequence.
-    while (length > 0 && (static_cast<unsigned char>(text[length]) & 0xc0) == 0x80) --length;
-    text.resize(length);
+    text.resize(zarn::text::CutShort(text, MaximumLength).size());
     return text += "...";
 }
 
@@ -38,16 +35,8 @@ std::string Quote(boost::json::value const& json) {
 
 std::string Quote(std::string_view text) {
     if (IsNumber(text)) return Shorten(std::string(text));
-    if (!IsUtf8(text)) return "a text that is not UTF-8";
+    if (!zarn::text::IsUtf8(text)) return "a text that is not UTF-8";
     return Shorten(boost::json::serialize(boost::json::value(boost::json::string_view(text.data(), text.size()))));
-}
-
-bool IsUtf8(std::string_view text) {
-    // Boost's serializer copies the bytes, its parser checks them.
-    boost::json::error_code error;
-    boost::json::parse(boost::json::serialize(boost::json::value(boost::json::string_view(text.data(), text.size()))),
-                       error);
-    return !error;
 }
 
 } // namespace zarn::configuration::schema

@@ -14,7 +14,4 @@ std::string Quote(boost::json::value const& json);
 /// it is long. What is not UTF-8 is not quoted, only named.
 std::string Quote(std::string_view text);
 
-/// Whether a text is valid UTF-8.
-bool IsUtf8(std::string_view text);
-
 } // namespace zarn::configuration::schema

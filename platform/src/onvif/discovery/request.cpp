@@ -1,8 +1,8 @@
-#include "onvif/discovery/text.h"
 #include "onvif/discovery/xml.h"
 
 #include <zarn/onvif/discovery/request.h>
 #include <zarn/onvif/discovery/scopes.h>
+#include <zarn/text/character.h>
 
 #include <algorithm>
 #include <array>
@@ -17,13 +17,24 @@ constexpr char Anonymous[] = "http://schemas.xmlsoap.org/ws/2004/08/addressing/r
 /// What this device is.
 constexpr std::array OurTypes{Name{DeviceNamespace, "Device"}, Name{NetworkNamespace, "NetworkVideoTransmitter"}};
 
+/// The items of a list that white space separates.
+std::vector<std::string_view> Split(std::string_view list) {
+    std::vector<std::string_view> items;
+    for (auto rest = text::Trim(list); !rest.empty();) {
+        auto const item = rest.substr(0, rest.find_first_of(text::WhiteSpace));
+        items.push_back(item);
+        rest = text::Trim(rest.substr(item.size()));
+    }
+    return items;
+}
+
 /// A child of the message's header, or of a part of it, by either edition of WS-Addressing.
 pugi::xml_node FindAddressing(pugi::xml_node parent, std::string_view local) {
     auto const found = FindChild(parent, {AddressingNamespace, local});
     return found ? found : FindChild(parent, {NewAddressingNamespace, local});
 }
 
-std::string GetTrimmedText(pugi::xml_node element) { return std::string(Trim(GetText(element))); }
+std::string GetTrimmedText(pugi::xml_node element) { return std::string(text::Trim(GetText(element))); }
 
 bool MatchesTypes(pugi::xml_node types) {
     auto const text = GetText(types);
@@ -49,7 +60,9 @@ bool AsksForThisDevice(pugi::xml_node header, pugi::xml_node body) {
            MatchesScopes(FindChild(probe, {DiscoveryNamespace, "Scopes"}));
 }
 
-bool IsAcceptable(std::string const& text) { return text.size() <= Request::MaximumTextLength && IsXmlLine(text); }
+bool IsAcceptable(std::string const& text) {
+    return text.size() <= Request::MaximumTextLength && text::IsXmlLine(text);
+}
 
 } // namespace
 

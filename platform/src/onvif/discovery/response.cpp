@@ -1,10 +1,10 @@
-#include "onvif/discovery/text.h"
 #include "onvif/discovery/xml.h"
 
 #include <zarn/network/local.h>
 #include <zarn/onvif/discovery/endpoint.h>
 #include <zarn/onvif/discovery/response.h>
 #include <zarn/onvif/discovery/scopes.h>
+#include <zarn/text/character.h>
 
 #include <boost/uuid/random_generator.hpp>
 #include <boost/uuid/uuid_io.hpp>
@@ -116,7 +116,7 @@ std::string Write(std::string const& relatesTo, std::string const& address, std:
 
 Response::Response(std::string const& relatesTo, std::string const& address, unsigned short port, bool ssl,
                    utilities::name::Config nameConfig) { // NOLINT: by value as callers link it
-    if (relatesTo.empty() || !IsXmlLine(relatesTo) || !IsXmlLine(address)) return;
+    if (relatesTo.empty() || !text::IsXmlLine(relatesTo) || !text::IsXmlLine(address)) return;
     try {
         xml = Write(relatesTo, address, MakeScopes(nameConfig), MakeServiceAddress(port, ssl));
     } catch (std::bad_alloc const&) {

@@ -1,6 +1,6 @@
 #include "onvif/discovery/xml.h"
 
-#include "onvif/discovery/text.h"
+#include <zarn/text/character.h>
 
 #include <boost/algorithm/string/predicate.hpp>
 
@@ -134,7 +134,7 @@ private:
     bool TakeText() {
         auto const text = rest.substr(0, rest.find('<'));
         rest.remove_prefix(text.size());
-        if (depth == 0) return Trim(text).empty();
+        if (depth == 0) return text::Trim(text).empty();
         return text.find("]]>") == std::string_view::npos && HasGoodReferences(text);
     }
 
@@ -196,7 +196,7 @@ private:
 bool Load(pugi::xml_document& document, std::string_view text, int maximumDepth) {
     constexpr auto Options = pugi::parse_default | pugi::parse_declaration | pugi::parse_doctype;
     constexpr std::string_view ByteOrderMark = "\xef\xbb\xbf";
-    if (!IsXmlText(text)) return false;
+    if (!text::IsXml(text)) return false;
     if (text.starts_with(ByteOrderMark)) text.remove_prefix(ByteOrderMark.size());
     if (!Markup(text).IsGood()) return false;
     if (!document.load_buffer(text.data(), text.size(), Options, pugi::encoding_utf8)) return false;

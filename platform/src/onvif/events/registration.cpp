@@ -1,8 +1,5 @@
 #include "onvif/events/registration.h"
 
-#include <zarn/logging/level.h>
-#include <zarn/logging/logger.h>
-
 #include <algorithm>
 #include <exception>
 #include <utility>
@@ -46,9 +43,9 @@ void Registration::Call(std::shared_ptr<zarn::meta::data::Event> const& event) n
         Visit const visit(*this);
         if (visit.IsAdmitted()) handler(event);
     } catch (std::exception const& error) {
-        Report(error.what());
+        failures.Log(logging::Level::Error, "An event handler threw: %0%", error.what());
     } catch (...) {
-        Report("something that is no std::exception");
+        failures.Log(logging::Level::Error, "An event handler threw: an exception of unknown type");
     }
 }
 
@@ -65,17 +62,6 @@ void Registration::Close() noexcept {
         orphaned = true;
     }
     lock.unlock();
-}
-
-void Registration::Report(char const* what) noexcept {
-    try {
-        auto const suppressed = failures.Admit();
-        if (!suppressed) return;
-        logging::Logger("zarn.onvif.events")
-            .Log(logging::Level::Error, "An event handler threw: %0% (%1% more since the last report)", what,
-                 *suppressed);
-    } catch (...) { // no memory for the line: the other handlers matter more
-    }
 }
 
 } // namespace zarn::onvif::events

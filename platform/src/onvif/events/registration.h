@@ -1,6 +1,6 @@
 #pragma once
 
-#include <zarn/logging/rate_limit.h>
+#include <zarn/logging/limited_logger.h>
 #include <zarn/onvif/events/handler.h>
 
 #include <condition_variable>
@@ -26,9 +26,7 @@ public:
 private:
     class Visit;
 
-    void Report(char const* what) noexcept;
-
-    logging::RateLimit failures;
+    logging::LimitedLogger failures{"zarn.onvif.events"};
     std::mutex mutex; ///< guards the members below
     std::condition_variable left;
     /// Called without the lock, but replaced only when nobody is in it.

@@ -133,7 +133,7 @@ TEST(DynamicThreadPool, LogsWhatAJobThrowsAndGoesOn) {
     logging::Capture const capture;
     DynamicThreadPool pool(1, 10s);
     pool.Post([] { throw std::runtime_error("no\nway"); });
-    EXPECT_TRUE(capture.WaitFor("A job threw: no\\nway (0 more since the last report)", 60s));
+    EXPECT_TRUE(capture.WaitFor("A job threw: no\\nway", 60s));
     std::promise<void> ran;
     pool.Post([&] { ran.set_value(); });
     ran.get_future().get();
@@ -143,7 +143,7 @@ TEST(DynamicThreadPool, LogsThatAJobThrewSomethingElse) {
     logging::Capture const capture;
     DynamicThreadPool pool(1, 10s);
     pool.Post([] { throw 42; }); // NOLINT: that is what is tested
-    EXPECT_TRUE(capture.WaitFor("A job threw: something that is no std::exception", 60s));
+    EXPECT_TRUE(capture.WaitFor("A job threw: an exception of unknown type", 60s));
 }
 
 TEST(DynamicThreadPool, DoesNotFillTheLogWithWhatJobsThrow) {

@@ -1,7 +1,6 @@
 #include <zarn/protocol/network/udp/admission.h>
 
 #include <algorithm>
-#include <atomic>
 
 namespace zarn::protocol::network::udp {
 
@@ -10,8 +9,6 @@ namespace {
 using boost::asio::ip::address_v4;
 using boost::asio::ip::network_v4;
 using zarn::network::Interface;
-
-std::atomic<bool> AnySourceAllowed = false;
 
 bool Contains(network_v4 const& network, address_v4 const& address) {
     auto const difference = network.address().to_uint() ^ address.to_uint();
@@ -29,10 +26,6 @@ bool IsOwn(std::span<Interface const> interfaces, address_v4 const& address) {
 }
 
 } // namespace
-
-void AllowAnySource(bool allowed) noexcept { AnySourceAllowed = allowed; }
-
-bool IsAnySourceAllowed() noexcept { return AnySourceAllowed; }
 
 bool IsNearby(std::span<Interface const> interfaces, unsigned index, address_v4 const& source) {
     auto const found = std::ranges::find(interfaces, index, &Interface::index);

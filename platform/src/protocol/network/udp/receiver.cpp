@@ -4,8 +4,8 @@
 
 #include <zarn/container/buffer.h>
 #include <zarn/logging/level.h>
+#include <zarn/logging/limited_logger.h>
 #include <zarn/logging/logger.h>
-#include <zarn/logging/rate_limit.h>
 #include <zarn/network/interface.h>
 #include <zarn/protocol/network/udp/admission.h>
 #include <zarn/protocol/network/udp/receiver.h>
@@ -42,22 +42,7 @@ constexpr std::chrono::milliseconds PauseAfterError{100};
 /// Until what could not be joined or read is tried again.
 constexpr std::chrono::seconds RetryInterval{10};
 
-/// Counts datagrams that are refused for one reason.
-class Refusals {
-public:
-    explicit Refusals(char const* reason) : reason(reason) {}
-
-    void Add(logging::Logger const& logger, udp::endpoint const& source) {
-        auto const earlier = limit.Admit();
-        if (!earlier) return;
-        logger.Log(logging::Level::Debug, "Refused a datagram from %0%: %1%; %2% more since the last report",
-                   source.address().to_string(), reason, *earlier);
-    }
-
-private:
-    char const* reason;
-    logging::RateLimit limit;
-};
+constexpr char LoggerName[] = "zarn.protocol.network.udp.Receiver";
 
 } // namespace
 
@@ -65,12 +50,13 @@ private:
 class Receiver::State : public std::enable_shared_from_this<State> {
 public:
     State(boost::asio::io_context& ioContext, unsigned short number, boost::optional<boost::asio::ip::address> group,
-          unsigned long bufferSize, Callback callback)
+          unsigned long bufferSize, Callback callback, AnySource anySource)
         : executor(boost::asio::make_strand(ioContext)),
           number(number),
           group(std::move(group)),
           bufferSize(bufferSize),
-          callback(std::move(callback)) {}
+          callback(std::move(callback)),
+          anySource(std::move(anySource)) {}
 
     void Start();
     void Close() noexcept;
@@ -109,7 +95,8 @@ private:
     boost::optional<boost::asio::ip::address> const group;
     unsigned long const bufferSize;
     Callback const callback;
-    logging::Logger const logger{"zarn.protocol.network.udp.Receiver"};
+    AnySource const anySource;
+    logging::Logger const logger{LoggerName};
 
     Port port{executor};
     boost::asio::steady_timer pause{executor};
@@ -117,8 +104,8 @@ private:
     bool wanted = true; ///< the callback has not said Stop
     bool failed = false;
     Throttle throttle;
-    Refusals strangers{"it comes from no network that is connected directly"};
-    Refusals surplus{"too many lately"};
+    logging::LimitedLogger strangers{LoggerName};
+    logging::LimitedLogger surplus{LoggerName};
 
     zarn::network::ChangeNotices notices{executor};
     boost::asio::steady_timer retry{executor};
@@ -234,12 +221,13 @@ void Receiver::State::Take(Datagram const& datagram) {
 
 bool Receiver::State::IsAdmitted(Datagram const& datagram) {
     auto const source = datagram.source.address().to_v4();
-    if (!IsAnySourceAllowed() && !IsNearby(interfaces, datagram.interface, source)) {
-        strangers.Add(logger, datagram.source);
+    if (!(anySource && anySource()) && !IsNearby(interfaces, datagram.interface, source)) {
+        strangers.Log(logging::Level::Debug,
+                      "Refused a datagram from %0%: it comes from no network that is connected directly", source);
         return false;
     }
     if (!throttle.Admit(source)) {
-        surplus.Add(logger, datagram.source);
+        surplus.Log(logging::Level::Debug, "Refused a datagram from %0%: too many lately", source);
         return false;
     }
     return true;
@@ -281,8 +269,9 @@ void Receiver::State::RetryLater() {
 
 Receiver::Receiver(boost::asio::io_context& ioContext, unsigned short port,
                    boost::optional<boost::asio::ip::address> multicastGroup, unsigned long bufferSize,
-                   Callback callback)
-    : state(std::make_shared<State>(ioContext, port, std::move(multicastGroup), bufferSize, std::move(callback))) {}
+                   Callback callback, AnySource anySource)
+    : state(std::make_shared<State>(ioContext, port, std::move(multicastGroup), bufferSize, std::move(callback),
+                                    std::move(anySource))) {}
 
 Receiver::~Receiver() { state->Close(); }
 

@@ -31,7 +31,7 @@ namespace zarn::protocol::network::udp {
 /// A datagram reaches the callback only when it keeps to both rules, so that the receiver's user cannot be made to
 /// answer somebody far away, or a lot:
 /// - its source is on a network that is directly connected to the interface by which it came, or is this machine
-///   itself (AllowAnySource lifts this rule);
+///   itself, unless the receiver's user allows any source (AnySource);
 /// - its source has not sent too many lately, and neither have all sources together (Throttle).
 /// Others are counted and reported in the log, at most once a second.
 ///
@@ -50,13 +50,19 @@ public:
         std::function<Operation(boost::system::error_code const& error, std::shared_ptr<container::Buffer> buffer,
                                 boost::asio::ip::udp::endpoint source)>;
 
+    /// Whether datagrams from any source are taken at this moment. Asked for each datagram, on the callback's thread. A
+    /// device that answers everybody can be made to flood a host whose address was forged; Throttle bounds that.
+    using AnySource = std::function<bool()>;
+
     /// Binds nothing yet, so that another receiver for the same port may still exist.
     /// ioContext       where the callback runs; must outlive the receiver
     /// port            to bind on all IPv4 addresses of this machine
     /// multicastGroup  an IPv4 group to join; none: unicast and broadcast only
     /// bufferSize      the longest datagram in bytes, at least 1 and at most 65,535
+    /// anySource       null: only sources nearby, see above
     Receiver(boost::asio::io_context& ioContext, unsigned short port,
-             boost::optional<boost::asio::ip::address> multicastGroup, unsigned long bufferSize, Callback callback);
+             boost::optional<boost::asio::ip::address> multicastGroup, unsigned long bufferSize, Callback callback,
+             AnySource anySource = nullptr);
 
     /// Closes the port. No callback begins any more, see above.
     ~Receiver();

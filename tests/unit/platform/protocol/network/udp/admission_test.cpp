@@ -65,13 +65,5 @@ TEST(IsNearby, RefusesWhatCameByAnUnknownInterfaceOrOneWithoutAddress) {
     EXPECT_FALSE(IsNearby({}, Eth, Make(192, 168, 7, 1)));
 }
 
-TEST(AllowAnySource, IsOffUnlessSet) {
-    EXPECT_FALSE(IsAnySourceAllowed());
-    AllowAnySource(true);
-    EXPECT_TRUE(IsAnySourceAllowed());
-    AllowAnySource(false);
-    EXPECT_FALSE(IsAnySourceAllowed());
-}
-
 } // namespace
 } // namespace zarn::protocol::network::udp

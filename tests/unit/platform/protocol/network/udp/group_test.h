@@ -6,11 +6,11 @@
 #include "support/peer.h"
 
 #include <zarn/asio/io_context.h>
-#include <zarn/protocol/network/udp/admission.h>
 #include <zarn/protocol/network/udp/receiver.h>
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
 #include <fstream>
 #include <memory>
@@ -33,7 +33,6 @@ protected:
     }
 
     void TearDown() override {
-        AllowAnySource(false);
         if (context) context->Stop();
         receiver.reset();
     }
@@ -66,7 +65,7 @@ protected:
             try {
                 if (!context) context.emplace(1);
                 receiver = std::make_unique<Receiver>(context->Get(), Port, boost::asio::ip::make_address(Group), 65535,
-                                                      inbox.MakeCallback());
+                                                      inbox.MakeCallback(), [this] { return anySource.load(); });
                 receiver->Start();
             } catch (std::runtime_error const& error) {
                 reason = error.what();
@@ -118,6 +117,7 @@ protected:
     test::Machine host;
     test::Machine neighbour;
     test::Inbox inbox;
+    std::atomic<bool> anySource = false;
     std::optional<asio::IoContext> context;
     std::unique_ptr<Receiver> receiver;
 };

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+/// What a text may hold, for those who write it into XML, JSON, a log or a header field.
+namespace zarn::text {
+
+inline constexpr std::string_view WhiteSpace = " \t\r\n"; ///< of XML. Source: XML 1.0, 2.3
+
+/// The first character of a text.
+struct Character {
+    std::size_t length; ///< in bytes, at least 1
+    bool valid;         ///< false for a byte that is not part of UTF-8
+    bool printable;     ///< false for control characters (C0, DEL, C1) and for what is not valid
+};
+
+/// Reads the first character of `text`, which must not be empty. Source: RFC 3629, 4.
+Character ReadCharacter(std::string_view text) noexcept;
+
+/// Whether a text is valid UTF-8.
+bool IsUtf8(std::string_view text) noexcept;
+
+/// Whether a text has no ASCII control characters (C0 and DEL), whatever its encoding: it is one line.
+bool IsLine(std::string_view text) noexcept;
+
+/// Whether XML can carry a text: it is UTF-8 without control characters of C0 other than white space, and without
+/// U+FFFE and U+FFFF. Source: XML 1.0, 2.2.
+bool IsXml(std::string_view text) noexcept;
+
+/// As IsXml, and without the control characters that XML only discourages (DEL, C1).
+bool IsPlainXml(std::string_view text) noexcept;
+
+/// Whether XML can carry a text and it is one line.
+bool IsXmlLine(std::string_view text) noexcept;
+
+/// The longest beginning of a text of at most `most` bytes that does not end within a character.
+std::string_view CutShort(std::string_view text, std::size_t most) noexcept;
+
+/// A text without the given characters at either end.
+std::string_view Trim(std::string_view text, std::string_view characters = WhiteSpace) noexcept;
+
+} // namespace zarn::text
