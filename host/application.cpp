@@ -1,15 +1,15 @@
 #include "host/application.h"
 
 #include "host/configuration_file.h"
-#include "host/events/events_route.h"
 #include "host/events/mqtt_configuration.h"
 #include "host/heap.h"
+#include "host/routes/events_route.h"
+#include "host/routes/health_route.h"
+#include "host/routes/snapshot_route.h"
 #include "host/settings.h"
 #include "host/signals.h"
 #include "host/status.h"
-#include "host/web/health_route.h"
 #include "host/web/listener.h"
-#include "host/web/snapshot_route.h"
 #include "host/web/tls.h"
 
 #include <zarn/configuration/layer.h>
@@ -94,7 +94,7 @@ Application::Application(Preparation prepared)
     manager->UpdateDiscoveryAnywhere(ReadBool(root, DiscoveryAnywherePath));
     manager->UpdateServerPort(listener.GetPort()); // last: from now on addresses are told
     mqtt = std::make_unique<events::MqttClient>(zarn::onvif::events::Publish);
-    onvif = std::make_shared<web::OnvifRoute>(*manager, web::Digest(authentication, challenges));
+    onvif = std::make_shared<routes::OnvifRoute>(*manager, web::Digest(authentication, challenges));
 
     server = std::make_unique<web::Server>(webContext, std::move(listener), web::Router(MakeRoutes()),
                                            web::Server::Options{.limits = ReadLimits(root),
@@ -148,9 +148,9 @@ std::vector<web::Route> Application::MakeRoutes() {
     web::Digest const digest(authentication, challenges);
     return {
         {"/onvif/", onvif},
-        {"/snapshot/*/latest.jpeg", std::make_shared<web::SnapshotRoute>(digest, snapshot)},
-        {"/api/events", std::make_shared<events::EventsRoute>(digest, zarn::onvif::events::Publish)},
-        {"/api/health", std::make_shared<web::HealthRoute>(describe)},
+        {"/snapshot/*/latest.jpeg", std::make_shared<routes::SnapshotRoute>(digest, snapshot)},
+        {"/api/events", std::make_shared<routes::EventsRoute>(digest, zarn::onvif::events::Publish)},
+        {"/api/health", std::make_shared<routes::HealthRoute>(describe)},
     };
 }
 

@@ -4,10 +4,10 @@
 #include "host/events/queue_watch.h"
 #include "host/failed_logins.h"
 #include "host/preparation.h"
+#include "host/routes/onvif_route.h"
 #include "host/video/engine.h"
 #include "host/web/admission.h"
 #include "host/web/challenges.h"
-#include "host/web/onvif_route.h"
 #include "host/web/repeating_timer.h"
 #include "host/web/server.h"
 
@@ -87,7 +87,7 @@ private:
     events::QueueWatch queueWatch;
     unsigned long reportedShortages = 0; ///< of memory
     web::RepeatingTimer queueTimer;
-    std::shared_ptr<web::OnvifRoute> onvif;
+    std::shared_ptr<routes::OnvifRoute> onvif;
     std::shared_ptr<web::Admission> admission = std::make_shared<web::Admission>();
     std::unique_ptr<web::Server> server;
     std::atomic<bool> speaksTls; ///< the web server, to connections that come now

@@ -27,6 +27,7 @@ target_sources(zarn_platform PRIVATE
   src/protocol/network/http/token.cpp
   src/text/character.cpp
   src/utilities/name/config.cpp
+  src/web/request.cpp
   src/web/response/pending.cpp
   src/web/service.cpp)
 

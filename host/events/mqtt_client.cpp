@@ -1,7 +1,6 @@
 #include "host/events/mqtt_client.h"
 
 #include "host/events/mqtt_session.h"
-#include "host/events/read_events.h"
 
 #include <mosquitto.h>
 #include <poll.h>
@@ -55,7 +54,7 @@ MqttClient::Library::Library() { mosquitto_lib_init(); }
 
 MqttClient::Library::~Library() { mosquitto_lib_cleanup(); }
 
-MqttClient::MqttClient(Sink sink, std::chrono::milliseconds timeToConnect)
+MqttClient::MqttClient(EventSink sink, std::chrono::milliseconds timeToConnect)
     : sink(std::move(sink)), timeToConnect(timeToConnect) {}
 
 MqttClient::~MqttClient() { Stop(); }
@@ -189,9 +188,7 @@ std::size_t MqttClient::Deliver(MqttSettings const& settings, MqttMessage const&
     if (message.retained) throw ReadError("the message is retained: an event of the past");
     if (message.payload.size() > LongestMessage)
         throw ReadError("the message is longer than " + std::to_string(LongestMessage) + " bytes");
-    auto const events = ReadEvents(message.payload, std::chrono::system_clock::now());
-    for (auto const& event : events) sink(event);
-    return events.size();
+    return DeliverEvents(message.payload, sink);
 }
 
 bool MqttClient::IsCurrent(MqttSettings const& settings) const {

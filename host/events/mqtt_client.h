@@ -1,9 +1,9 @@
 #pragma once
 
-#include "host/events/events_route.h"
 #include "host/events/mqtt_session.h"
 #include "host/events/mqtt_settings.h"
 #include "host/events/mqtt_status.h"
+#include "host/events/read_events.h"
 #include "host/events/reconnect_delay.h"
 
 #include <zarn/io/unique_descriptor.h>
@@ -33,7 +33,7 @@ public:
 
     /// sink           is called with each event, in the order in which the broker sent them
     /// timeToConnect  how long the broker may take to confirm the subscription
-    explicit MqttClient(Sink sink, std::chrono::milliseconds timeToConnect = TimeToConnect);
+    explicit MqttClient(EventSink sink, std::chrono::milliseconds timeToConnect = TimeToConnect);
 
     /// Stop().
     ~MqttClient();
@@ -98,7 +98,7 @@ private:
 
     logging::Logger logger{"zarn.host.mqtt"};
     logging::LimitedLogger refusals{"zarn.host.mqtt"};
-    Sink const sink;
+    EventSink const sink;
     std::chrono::milliseconds const timeToConnect;
     Library library;
     Wake wake;

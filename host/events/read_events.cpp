@@ -185,4 +185,10 @@ Events ReadEvents(std::string_view text, Time now) {
     return events;
 }
 
+std::size_t DeliverEvents(std::string_view text, EventSink const& sink) {
+    auto const events = ReadEvents(text, std::chrono::system_clock::now());
+    for (auto const& event : events) sink(event);
+    return events.size();
+}
+
 } // namespace zarn::host::events

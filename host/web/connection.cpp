@@ -2,7 +2,6 @@
 
 #include "host/web/incoming_request.h"
 #include "host/web/request_check.h"
-#include "host/web/request_target.h"
 #include "host/web/response_head.h"
 
 #include <boost/asio/dispatch.hpp>
@@ -214,11 +213,9 @@ private:
         if (checkedHeader) message.base() = *std::exchange(checkedHeader, std::nullopt);
         form = {message.version() % 10, message.keep_alive()};
         headOnly = message.method() == http::verb::head;
-        auto target = ToOriginForm(message.target()).value_or("/");
         deadline = Clock::time_point::max();
         context->GetDispatcher().Handle(
-            peer, std::make_shared<IncomingRequest>(std::move(message), std::move(target)), limits,
-            [self = Self()](Reply answer) {
+            peer, std::make_shared<IncomingRequest>(std::move(message)), limits, [self = Self()](Reply answer) {
                 asio::dispatch(self->stream.get_executor(),
                                [self, answer = std::move(answer)]() mutable { self->Write(std::move(answer)); });
             });

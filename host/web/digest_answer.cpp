@@ -1,7 +1,6 @@
 #include "host/web/digest_answer.h"
 
 #include "host/web/digest_parameters.h"
-#include "host/web/find_field.h"
 
 #include <zarn/authentication/digest.h>
 #include <zarn/authentication/engine.h>
@@ -32,7 +31,7 @@ bool IsMd5(std::string const& algorithm) { return algorithm.empty() || boost::be
 } // namespace
 
 std::optional<DigestAnswer> DigestAnswer::Read(zarn::web::Request const& request) {
-    auto parameters = ParseDigestParameters(FindField(request.GetFields(), "Authorization"));
+    auto parameters = ParseDigestParameters(request.FindField("Authorization"));
     if (!parameters) return std::nullopt;
     DigestAnswer answer(*std::move(parameters));
     if (answer.Get("username").empty() || answer.Get("realm").empty() || !IsMd5(answer.Get("algorithm"))) {

@@ -63,8 +63,9 @@ void Dispatcher::Handle(boost::asio::ip::address const& peer, std::shared_ptr<In
 }
 
 std::shared_ptr<zarn::web::response::Pending> Dispatcher::Ask(std::shared_ptr<IncomingRequest> const& request) {
-    auto const service = router.Find(GetPath(request->GetTarget()));
-    if (!service) return MakeTextResponse(Status::NotFound, "There is nothing here.");
+    auto const [service, segment] = router.Find(GetPath(request->GetTarget()));
+    if (service == nullptr) return MakeTextResponse(Status::NotFound, "There is nothing here.");
+    request->SetRouteSegment(segment);
     try {
         return service->Process(request);
     } catch (std::system_error const& error) {

@@ -1,64 +1,77 @@
 #include "host/web/incoming_request.h"
 
 #include "host/web/digest_parameters.h"
-#include "host/web/find_field.h"
+#include "host/web/request_target.h"
 
-#include <boost/beast/core/string.hpp>
+#include <boost/beast/http/field.hpp>
 #include <boost/beast/http/rfc7230.hpp>
 
 #include <algorithm>
-#include <array>
+#include <iterator>
+#include <string>
 #include <utility>
 
 namespace zarn::host::web {
 namespace {
 
 namespace http = boost::beast::http;
+using http::field;
 using protocol::network::http::Method;
 
-constexpr std::array<std::string_view, 9> ConnectionFields{
-    "Connection",       "Keep-Alive",          "Expect",  "TE", "Trailer", "Transfer-Encoding",
-    "Proxy-Connection", "Proxy-Authorization", "Upgrade",
+constexpr field ConnectionFields[]{
+    field::connection,
+    field::keep_alive,
+    field::expect,
+    field::te,
+    field::trailer,
+    field::proxy_connection,
+    field::proxy_authorization,
+    field::upgrade,
+    field::transfer_encoding,
 };
 
-bool IsConnectionField(std::string_view name, std::string_view connection) {
-    return std::any_of(ConnectionFields.begin(), ConnectionFields.end(),
-                       [&](auto field) { return boost::beast::iequals(field, name); }) ||
-           http::token_list(connection).exists(name);
+void EraseConnectionFields(http::fields& fields) {
+    std::string const named(fields[field::connection]);
+    for (auto const& name : http::token_list(named)) fields.erase(name);
+    for (auto const name : ConnectionFields) fields.erase(name);
+}
+
+void JoinRepeatedFields(http::fields& fields) {
+    auto const find = [&] {
+        return std::find_if(fields.begin(), fields.end(),
+                            [&](auto const& each) { return fields.count(each.name_string()) > 1; });
+    };
+    for (auto repeated = find(); repeated != fields.end(); repeated = find()) {
+        std::string const name(repeated->name_string());
+        auto const [first, last] = fields.equal_range(name);
+        std::string values(first->value());
+        std::for_each(std::next(first), last, [&](auto const& each) { values.append(", ").append(each.value()); });
+        fields.set(name, values);
+    }
+}
+
+void TidyAuthorization(http::fields& fields) {
+    auto const found = fields.find(field::authorization);
+    if (found == fields.end()) return;
+    auto const tidied = RemoveBlanksBeforeSeparators(found->value());
+    if (tidied.size() < found->value().size()) fields.set(std::string(found->name_string()), tidied);
 }
 
 } // namespace
 
-IncomingRequest::IncomingRequest(Message message, std::string target)
-    : message(std::move(message)),
-      target(std::move(target)),
-      method(protocol::network::http::FromString(this->message.method_string()).value_or(Method::Connect)) {
-    std::string_view const connection = this->message[http::field::connection];
-    for (auto const& field : this->message) {
-        if (!IsConnectionField(field.name_string(), connection)) AddField(field.name_string(), field.value());
-    }
-    TidyAuthorization();
+IncomingRequest::IncomingRequest(Message received)
+    : message(std::move(received)),
+      method(protocol::network::http::FromString(message.method_string()).value_or(Method::Connect)) {
+    if (!message.target().starts_with('/')) message.target(ToOriginForm(message.target()).value_or("/"));
+    EraseConnectionFields(message);
+    JoinRepeatedFields(message);
+    TidyAuthorization(message);
 }
 
-std::string_view IncomingRequest::FindField(std::string_view name) const { return web::FindField(fields, name); }
-
-void IncomingRequest::AddField(std::string_view name, std::string_view value) {
-    auto const same = std::find_if(fields.begin(), fields.end(),
-                                   [&](auto const& field) { return boost::beast::iequals(field.first, name); });
-    if (same == fields.end()) {
-        fields.emplace(name, value);
-    } else {
-        same->second = changed.emplace_back(std::string(same->second).append(", ").append(value));
-    }
-}
-
-void IncomingRequest::TidyAuthorization() {
-    auto const field = std::find_if(fields.begin(), fields.end(), [](auto const& entry) {
-        return boost::beast::iequals(entry.first, "Authorization");
-    });
-    if (field == fields.end()) return;
-    auto tidied = RemoveBlanksBeforeSeparators(field->second);
-    if (tidied.size() < field->second.size()) field->second = changed.emplace_back(std::move(tidied));
+std::map<std::string_view, std::string_view> IncomingRequest::GetFields() const {
+    std::map<std::string_view, std::string_view> fields;
+    for (auto const& each : message) fields.emplace(each.name_string(), each.value());
+    return fields;
 }
 
 } // namespace zarn::host::web

@@ -39,7 +39,7 @@ std::optional<Reply> CheckAddress(Header const& header) {
     if (!IsHost(header[http::field::host])) {
         return MakeTextReply(Status::BadRequest, "The Host field is neither a name nor an address.");
     }
-    if (!ToOriginForm(header.target())) {
+    if (!header.target().starts_with('/') && !ToOriginForm(header.target())) {
         return MakeTextReply(Status::BadRequest, "The request target is neither a path nor an http address.");
     }
     return std::nullopt;

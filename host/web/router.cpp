@@ -1,40 +1,29 @@
 #include "host/web/router.h"
 
-#include <algorithm>
-#include <cstddef>
-#include <utility>
-
 namespace zarn::host::web {
-namespace {
 
-/// Takes the first segment, without the "/" behind it, off a path.
-std::string_view TakeSegment(std::string_view& path) {
-    std::size_t const end = std::min(path.find('/'), path.size());
-    std::string_view const segment = path.substr(0, end);
-    path.remove_prefix(std::min(end + 1, path.size()));
-    return segment;
-}
-
-} // namespace
-
-bool Matches(std::string_view pattern, std::string_view path) {
-    bool const below = pattern.ends_with('/');
-    auto const slashes = [](std::string_view text) { return std::count(text.begin(), text.end(), '/'); };
-    if (below ? slashes(path) < slashes(pattern) : slashes(path) != slashes(pattern)) return false;
-    while (!pattern.empty()) {
-        auto const wanted = TakeSegment(pattern);
-        auto const segment = TakeSegment(path);
-        if (wanted == "*" ? segment.empty() : wanted != segment) return false;
+std::optional<std::string_view> MatchPath(std::string_view pattern, std::string_view path) {
+    auto const star = pattern.find('*');
+    auto const before = pattern.substr(0, star);
+    if (!path.starts_with(before)) return std::nullopt;
+    path.remove_prefix(before.size());
+    std::string_view segment;
+    std::string_view after;
+    if (star != std::string_view::npos) {
+        segment = path.substr(0, path.find('/'));
+        if (segment.empty()) return std::nullopt;
+        path.remove_prefix(segment.size());
+        after = pattern.substr(star + 1);
     }
-    return below || path.empty();
+    bool const matches = pattern.ends_with('/') ? path.starts_with(after) : path == after;
+    return matches ? std::optional(segment) : std::nullopt;
 }
 
-Router::Router(std::vector<Route> routes) : routes(std::move(routes)) {}
-
-std::shared_ptr<zarn::web::Service> Router::Find(std::string_view path) const {
-    auto const found =
-        std::find_if(routes.begin(), routes.end(), [&](Route const& route) { return Matches(route.pattern, path); });
-    return found == routes.end() ? nullptr : found->service;
+Router::Match Router::Find(std::string_view path) const {
+    for (auto const& route : routes) {
+        if (auto const segment = MatchPath(route.pattern, path)) return {route.service.get(), *segment};
+    }
+    return {};
 }
 
 } // namespace zarn::host::web

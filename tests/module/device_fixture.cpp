@@ -1,7 +1,7 @@
 #include "device_fixture.h"
 
 #include "support/eventually.h"
-#include "test_request.h"
+#include "support/test_request.h"
 
 #include <zarn/authentication/ha1.h>
 #include <zarn/authentication/realm.h>
@@ -119,7 +119,7 @@ std::shared_ptr<web::Request> DeviceFixture::MakeRequest(std::string const& body
     fields.emplace("Host", "device");
     fields.emplace("Content-Type", "application/soap+xml; charset=utf-8");
     if (sending.authenticated) fields.emplace("Authorization", MakeAuthorization(sending));
-    return std::make_shared<TestRequest>(sending.method, sending.path, body, std::move(fields));
+    return std::make_shared<TestRequest>(sending.method, sending.path, std::move(fields), body);
 }
 
 Pending::Data DeviceFixture::WaitFor(Pending& pending) {

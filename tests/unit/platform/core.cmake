@@ -18,6 +18,7 @@ set(sources
   protocol/network/http/response_test.cpp
   text/character_test.cpp
   utilities/name/config_test.cpp
+  web/request_test.cpp
   web/response/pending_test.cpp
   web/service_test.cpp)
 list(TRANSFORM sources PREPEND "${CMAKE_CURRENT_LIST_DIR}/")

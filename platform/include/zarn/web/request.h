@@ -26,6 +26,13 @@ public:
 
     /// Header fields, name to value; names in the client's spelling.
     virtual std::map<std::string_view, std::string_view> GetFields() const = 0;
+
+    /// The value of one header field, its name compared without case; empty when there is none.
+    virtual std::string_view FindField(std::string_view name) const;
+
+    /// The part of the path that the "*" in the pattern of the route stands for, as the web server matched it; empty
+    /// when the pattern has none.
+    virtual std::string_view GetRouteSegment() const { return {}; }
 };
 
 } // namespace zarn::web

@@ -1,5 +1,5 @@
 #include "host/web/digest_answer.h"
-#include "web/fake_request.h"
+#include "support/test_request.h"
 
 #include <zarn/authentication/digest.h>
 #include <zarn/authentication/engine.h>
@@ -10,7 +10,8 @@ namespace zarn::host::web {
 namespace {
 
 std::optional<DigestAnswer> Read(std::string const& authorization) {
-    return DigestAnswer::Read(FakeRequest(FakeRequest::Method::Get, "/", {{"authorization", authorization}}));
+    return DigestAnswer::Read(
+        test::TestRequest(test::TestRequest::Method::Get, "/", {{"authorization", authorization}}));
 }
 
 /// The example of RFC 2617, 3.5.

@@ -1,7 +1,7 @@
 #include "host/web/digest.h"
 #include "host/web/digest_parameters.h"
 #include "host/web/reply.h"
-#include "web/fake_request.h"
+#include "support/test_request.h"
 
 #include <zarn/authentication/digest.h>
 #include <zarn/authentication/engine.h>
@@ -16,7 +16,7 @@ namespace {
 using testing::HasSubstr;
 using testing::MatchesRegex;
 using testing::Not;
-using Method = FakeRequest::Method;
+using Method = test::TestRequest::Method;
 
 /// What a client says; the answer is made of it.
 struct Answer {
@@ -37,7 +37,7 @@ protected:
     /// The challenge for a request; empty when it is let through.
     std::string Ask(std::string const& authorization, std::string const& target = "/snapshot/1/latest.jpeg",
                     Method method = Method::Get) const {
-        FakeRequest const request(method, target, {{"authorization", authorization}});
+        test::TestRequest const request(method, target, {{"authorization", authorization}});
         auto const refusal = digest.Refuse(request);
         if (!refusal) return "";
         auto const data = refusal->GetData();
@@ -65,7 +65,7 @@ protected:
 
     /// The module's refusal of a request, with the challenge that takes the place of its own.
     std::string Challenge(std::string const& authorization, std::string const& target = "/onvif/a") const {
-        FakeRequest const request(Method::Post, target, {{"authorization", authorization}});
+        test::TestRequest const request(Method::Post, target, {{"authorization", authorization}});
         auto const data = digest.Challenge({Reply::Status::Unauthorized,
                                             {{"www-authenticate", ModulesChallenge}, {"Content-Type", "text/xml"}},
                                             {zarn::web::response::State::Complete, {}}},

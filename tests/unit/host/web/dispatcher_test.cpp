@@ -24,7 +24,12 @@ class Scripted final : public zarn::web::Service {
 public:
     std::function<Response()> script = [] { return MakeTextResponse(Status::Ok, "served"); };
 
-    Response Post(std::shared_ptr<zarn::web::Request> /*request*/) override { return script(); }
+    Response Post(std::shared_ptr<zarn::web::Request> request) override {
+        segment = request->GetRouteSegment();
+        return script();
+    }
+
+    std::string segment; ///< of the last request's route
 };
 
 class DispatcherTest : public testing::Test {
@@ -35,7 +40,7 @@ protected:
         IncomingRequest::Message message(boost::beast::http::verb::post, target, 11);
         if (!authorization.empty()) message.set("Authorization", authorization);
         auto const promise = std::make_shared<std::promise<Reply>>();
-        dispatcher.Handle(Peer, std::make_shared<IncomingRequest>(std::move(message), target), limits,
+        dispatcher.Handle(Peer, std::make_shared<IncomingRequest>(std::move(message)), limits,
                           [promise](Reply reply) { promise->set_value(std::move(reply)); });
         return promise->get_future();
     }
@@ -49,7 +54,8 @@ protected:
     PendingTicker ticker{io.GetContext()};
     std::shared_ptr<Scripted> service = std::make_shared<Scripted>();
     FailedLogins failedLogins{3};
-    Dispatcher dispatcher{Router({{"/onvif/", service}}), ticker, admission, failedLogins};
+    Dispatcher dispatcher{Router({{"/onvif/", service}, {"/snapshot/*/latest.jpeg", service}}), ticker, admission,
+                          failedLogins};
     Limits limits{.exchanges = 2};
 };
 
@@ -57,6 +63,13 @@ TEST_F(DispatcherTest, TakesARequestToTheServiceOfItsPath) {
     EXPECT_EQ(Ask(), Status::Ok);
     EXPECT_EQ(Ask({}, "/onvif/a?/other"), Status::Ok);
     EXPECT_EQ(Ask({}, "/other?/onvif/a"), Status::NotFound);
+}
+
+TEST_F(DispatcherTest, TellsTheServiceWhatItsRouteMatched) {
+    EXPECT_EQ(Ask({}, "/snapshot/gate-1/latest.jpeg?time=/2/"), Status::Ok);
+    EXPECT_EQ(service->segment, "gate-1");
+    EXPECT_EQ(Ask(), Status::Ok);
+    EXPECT_EQ(service->segment, "");
 }
 
 TEST_F(DispatcherTest, MakesA503OfAThreadThatCannotBeStarted) {

@@ -13,24 +13,30 @@ using testing::UnorderedElementsAre;
 IncomingRequest::Message MakeMessage(std::string_view method = "POST") {
     IncomingRequest::Message message;
     message.method_string(method);
-    message.target("/not/used");
+    message.target("/onvif/device_service?a");
     return message;
 }
 
 TEST(IncomingRequest, GivesMethodTargetAndBody) {
     auto message = MakeMessage();
     message.body() = "content";
-    IncomingRequest const request(std::move(message), "/onvif/device_service?a");
+    IncomingRequest const request(std::move(message));
     EXPECT_EQ(request.GetMethod(), Method::Post);
     EXPECT_EQ(request.GetTarget(), "/onvif/device_service?a");
     EXPECT_EQ(request.GetBody(), "content");
+}
+
+TEST(IncomingRequest, GivesAnAbsoluteTargetInOriginForm) {
+    auto message = MakeMessage();
+    message.target("http://host:80/a?b");
+    EXPECT_EQ(IncomingRequest(std::move(message)).GetTarget(), "/a?b");
 }
 
 TEST(IncomingRequest, GivesTheFieldsInTheClientsSpelling) {
     auto message = MakeMessage();
     message.set("host", "h");
     message.set("SOAPAction", "\"x\"");
-    IncomingRequest const request(std::move(message), "/");
+    IncomingRequest const request(std::move(message));
     EXPECT_THAT(request.GetFields(), UnorderedElementsAre(Pair("host", "h"), Pair("SOAPAction", "\"x\"")));
 }
 
@@ -39,14 +45,25 @@ TEST(IncomingRequest, JoinsTheValuesOfARepeatedField) {
     message.insert("Accept", "a");
     message.insert("accept", "b");
     message.insert("ACCEPT", "c");
-    IncomingRequest const request(std::move(message), "/");
+    IncomingRequest const request(std::move(message));
     EXPECT_THAT(request.GetFields(), UnorderedElementsAre(Pair("Accept", "a, b, c")));
+    EXPECT_EQ(request.FindField("accept"), "a, b, c");
+}
+
+TEST(IncomingRequest, JoinsEachOfSeveralRepeatedFields) {
+    auto message = MakeMessage();
+    for (auto const* value : {"", "1", "2"}) {
+        message.insert("X-A", value);
+        message.insert("Via", value);
+    }
+    IncomingRequest const request(std::move(message));
+    EXPECT_THAT(request.GetFields(), UnorderedElementsAre(Pair("Via", ", 1, 2"), Pair("X-A", ", 1, 2")));
 }
 
 TEST(IncomingRequest, FindsAFieldWithoutRegardToCase) {
     auto message = MakeMessage();
     message.set("AUTHORIZATION", "a");
-    IncomingRequest const request(std::move(message), "/");
+    IncomingRequest const request(std::move(message));
     EXPECT_EQ(request.FindField("Authorization"), "a");
     EXPECT_EQ(request.FindField("Host"), "");
 }
@@ -55,7 +72,7 @@ TEST(IncomingRequest, HasNoBlanksBeforeTheSeparatorsOfItsCredentials) {
     auto message = MakeMessage();
     message.set("authorization", "Digest qop=auth , nc = 1");
     message.set("X-Other", "a , b");
-    IncomingRequest const request(std::move(message), "/");
+    IncomingRequest const request(std::move(message));
     EXPECT_THAT(request.GetFields(),
                 UnorderedElementsAre(Pair("authorization", "Digest qop=auth, nc= 1"), Pair("X-Other", "a , b")));
 }
@@ -67,14 +84,14 @@ TEST(IncomingRequest, LeavesOutWhatConcernsTheConnectionOnly) {
         message.insert(name, "x");
     }
     message.set("Connection", "close, x-hop");
-    IncomingRequest const request(std::move(message), "/");
+    IncomingRequest const request(std::move(message));
     EXPECT_THAT(request.GetFields(), IsEmpty());
 }
 
 TEST(IncomingRequest, GivesAnUnknownMethodAsOneThatNoServiceServes) {
-    EXPECT_EQ(IncomingRequest(MakeMessage("BREW"), "/").GetMethod(), Method::Connect);
-    EXPECT_EQ(IncomingRequest(MakeMessage("post"), "/").GetMethod(), Method::Connect);
-    EXPECT_EQ(IncomingRequest(MakeMessage("PATCH"), "/").GetMethod(), Method::Patch);
+    EXPECT_EQ(IncomingRequest(MakeMessage("BREW")).GetMethod(), Method::Connect);
+    EXPECT_EQ(IncomingRequest(MakeMessage("post")).GetMethod(), Method::Connect);
+    EXPECT_EQ(IncomingRequest(MakeMessage("PATCH")).GetMethod(), Method::Patch);
 }
 
 } // namespace

@@ -8,41 +8,50 @@ namespace {
 struct PathCase {
     char const* pattern;
     char const* path;
-    bool matches;
+    std::optional<std::string_view> segment; ///< none: the path does not match
 };
 
 TEST(Router, MatchesPathsWithPatterns) {
     for (auto const& row : {
-             PathCase{"/api/health", "/api/health", true},
-             PathCase{"/api/health", "/api/health/", false},
-             PathCase{"/api/health", "/api/healthy", false},
-             PathCase{"/api/health", "/api", false},
-             PathCase{"/api/health", "/API/health", false},
-             PathCase{"/api/health", "", false},
-             PathCase{"/onvif/", "/onvif/device_service", true},
-             PathCase{"/onvif/", "/onvif/events_service/1/2", true},
-             PathCase{"/onvif/", "/onvif/", true},
-             PathCase{"/onvif/", "/onvif", false},
-             PathCase{"/onvif/", "/onviff/a", false},
-             PathCase{"/onvif/", "//onvif/a", false},
-             PathCase{"/snapshot/*/latest.jpeg", "/snapshot/1/latest.jpeg", true},
-             PathCase{"/snapshot/*/latest.jpeg", "/snapshot//latest.jpeg", false},
-             PathCase{"/snapshot/*/latest.jpeg", "/snapshot/1/2/latest.jpeg", false},
-             PathCase{"/snapshot/*/latest.jpeg", "/snapshot/1/latest.jpeg/", false},
-             PathCase{"/snapshot/*/latest.jpeg", "/snapshot/1/", false},
-             PathCase{"/snapshot/*/latest.jpeg", "/snapshot/1/latest.jpg", false},
+             PathCase{"/api/health", "/api/health", ""},
+             PathCase{"/api/health", "/api/health/", {}},
+             PathCase{"/api/health", "/api/healthy", {}},
+             PathCase{"/api/health", "/api", {}},
+             PathCase{"/api/health", "/API/health", {}},
+             PathCase{"/api/health", "", {}},
+             PathCase{"/onvif/", "/onvif/device_service", ""},
+             PathCase{"/onvif/", "/onvif/events_service/1/2", ""},
+             PathCase{"/onvif/", "/onvif/", ""},
+             PathCase{"/onvif/", "/onvif", {}},
+             PathCase{"/onvif/", "/onviff/a", {}},
+             PathCase{"/onvif/", "//onvif/a", {}},
+             PathCase{"/snapshot/*/latest.jpeg", "/snapshot/1/latest.jpeg", "1"},
+             PathCase{"/snapshot/*/latest.jpeg", "/snapshot/gate-1/latest.jpeg", "gate-1"},
+             PathCase{"/snapshot/*/latest.jpeg", "/snapshot//latest.jpeg", {}},
+             PathCase{"/snapshot/*/latest.jpeg", "/snapshot/1/2/latest.jpeg", {}},
+             PathCase{"/snapshot/*/latest.jpeg", "/snapshot/1/latest.jpeg/", {}},
+             PathCase{"/snapshot/*/latest.jpeg", "/snapshot/1/", {}},
+             PathCase{"/snapshot/*/latest.jpeg", "/snapshot/1/latest.jpg", {}},
+             PathCase{"/files/*/", "/files/1/a/b", "1"},
+             PathCase{"/files/*/", "/files/1", {}},
+             PathCase{"/files/*", "/files/1", "1"},
+             PathCase{"/files/*", "/files/", {}},
          }) {
-        EXPECT_EQ(Matches(row.pattern, row.path), row.matches) << row.pattern << " " << row.path;
+        EXPECT_EQ(MatchPath(row.pattern, row.path), row.segment) << row.pattern << " " << row.path;
     }
 }
 
 TEST(Router, GivesThePathToTheFirstRowThatMatches) {
     auto const exact = std::make_shared<zarn::web::Service>();
     auto const below = std::make_shared<zarn::web::Service>();
-    Router const router({{"/a/b", exact}, {"/a/", below}});
-    EXPECT_EQ(router.Find("/a/b"), exact);
-    EXPECT_EQ(router.Find("/a/c"), below);
-    EXPECT_EQ(router.Find("/b"), nullptr);
+    auto const named = std::make_shared<zarn::web::Service>();
+    Router const router({{"/a/b", exact}, {"/a/", below}, {"/c/*/d", named}});
+    EXPECT_EQ(router.Find("/a/b").service, exact.get());
+    EXPECT_EQ(router.Find("/a/c").service, below.get());
+    EXPECT_EQ(router.Find("/b").service, nullptr);
+    EXPECT_EQ(router.Find("/c/1/d").service, named.get());
+    EXPECT_EQ(router.Find("/c/1/d").segment, "1");
+    EXPECT_EQ(router.Find("/a/b").segment, "");
 }
 
 } // namespace

@@ -1,6 +1,6 @@
-#include "host/events/events_route.h"
+#include "host/routes/events_route.h"
 #include "support/eventually.h"
-#include "web/fake_request.h"
+#include "support/test_request.h"
 
 #include <zarn/authentication/engine.h>
 #include <zarn/container/buffer.h>
@@ -15,7 +15,7 @@
 #include <string>
 #include <vector>
 
-namespace zarn::host::events {
+namespace zarn::host::routes {
 namespace {
 
 using protocol::network::http::response::Status;
@@ -24,7 +24,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using zarn::web::response::State;
-using Method = web::FakeRequest::Method;
+using Method = test::TestRequest::Method;
 
 class EventsRouteTest : public testing::Test {
 protected:
@@ -33,7 +33,7 @@ protected:
     zarn::web::response::Pending::Data Send(std::string body, std::map<std::string, std::string> fields = {},
                                             Method method = Method::Post) {
         auto const request =
-            std::make_shared<web::FakeRequest>(method, "/api/events", std::move(fields), std::move(body));
+            std::make_shared<test::TestRequest>(method, "/api/events", std::move(fields), std::move(body));
         return Await(*route.Process(request));
     }
 
@@ -73,7 +73,7 @@ TEST_F(EventsRouteTest, TakesAListInItsOrderBeforeItAnswers) {
 TEST_F(EventsRouteTest, DoesNotWaitUntilTheEventsAreTaken) {
     std::promise<void> taking;
     EventsRoute slow(web::Digest(engine, challenges), [&](auto const&) { taking.get_future().wait(); });
-    auto const response = slow.Process(std::make_shared<web::FakeRequest>(
+    auto const response = slow.Process(std::make_shared<test::TestRequest>(
         Method::Post, "/api/events", std::map<std::string, std::string>(), R"({"type": "a"})"));
     EXPECT_EQ(response->GetStatus(), Status::Provisional);
     EXPECT_EQ(response->GetTimeout(), 0ms);
@@ -87,7 +87,7 @@ TEST_F(EventsRouteTest, DoesNotWaitUntilTheEventsAreTaken) {
 
 TEST_F(EventsRouteTest, LetsTheServerKnowWhatWentWrong) {
     EventsRoute failing(web::Digest(engine, challenges), [](auto const&) { throw std::bad_alloc(); });
-    auto const response = failing.Process(std::make_shared<web::FakeRequest>(
+    auto const response = failing.Process(std::make_shared<test::TestRequest>(
         Method::Post, "/api/events", std::map<std::string, std::string>(), R"({"type": "a"})"));
     EXPECT_THROW(Await(*response), std::bad_alloc);
 }
@@ -137,4 +137,4 @@ TEST_F(EventsRouteTest, RefusesOtherMethods) {
 }
 
 } // namespace
-} // namespace zarn::host::events
+} // namespace zarn::host::routes

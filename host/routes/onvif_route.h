@@ -7,15 +7,15 @@
 #include <memory>
 #include <shared_mutex>
 
-namespace zarn::host::web {
+namespace zarn::host::routes {
 
-/// Hands requests to the ONVIF module until it is told to stop: the module goes while the web server still runs, since
-/// it is the module that ends the requests which wait.
+/// Hands requests to the ONVIF module until Stop(): the module is destroyed while the web server still runs, because
+/// only the module can end the requests that wait.
 class OnvifRoute final : public zarn::web::Service {
 public:
     /// module  must live until Stop() has returned
     /// digest  makes the challenges that clients get
-    OnvifRoute(zarn::web::Service& module, Digest digest);
+    OnvifRoute(zarn::web::Service& module, web::Digest digest);
 
     /// The module's answer, in a refusal with the host's challenge; 503 after Stop(). A request without body and
     /// credentials is answered 401 when clients have to log in: some clients hold the body of their first request back
@@ -28,9 +28,9 @@ public:
 private:
     Response Ask(std::shared_ptr<zarn::web::Request> request);
 
-    Digest digest;
+    web::Digest digest;
     std::shared_mutex mutex; ///< guards module
     zarn::web::Service* module;
 };
 
-} // namespace zarn::host::web
+} // namespace zarn::host::routes

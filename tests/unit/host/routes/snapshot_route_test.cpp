@@ -1,6 +1,6 @@
+#include "host/routes/snapshot_route.h"
 #include "host/web/reply.h"
-#include "host/web/snapshot_route.h"
-#include "web/fake_request.h"
+#include "support/test_request.h"
 
 #include <zarn/authentication/engine.h>
 
@@ -10,46 +10,48 @@
 #include <utility>
 #include <vector>
 
-namespace zarn::host::web {
+namespace zarn::host::routes {
 namespace {
 
 using video::Snapshot;
 using video::SnapshotError;
 using zarn::web::response::State;
-using Method = FakeRequest::Method;
-using Status = Reply::Status;
+using Method = test::TestRequest::Method;
+using Status = web::Reply::Status;
 
 class SnapshotRouteTest : public testing::Test {
 protected:
     SnapshotRouteTest() { engine.SetEnabled(false); }
 
-    std::shared_ptr<zarn::web::response::Pending> Ask(std::string const& target, Method method = Method::Get) {
-        return route.Process(std::make_shared<FakeRequest>(method, target));
+    std::shared_ptr<zarn::web::response::Pending> Ask(std::string const& id, Method method = Method::Get) {
+        return route.Process(std::make_shared<test::TestRequest>(method, "/snapshot/" + id + "/latest.jpeg",
+                                                                 std::map<std::string, std::string>(), "", id));
     }
 
     /// The answer to a request whose picture is this.
     zarn::web::response::Pending::Data Deliver(Snapshot snapshot) {
-        auto const pending = Ask("/snapshot/1/latest.jpeg");
+        auto const pending = Ask("1");
         requests.back().second(std::move(snapshot));
         return pending->GetData();
     }
 
     ZarnAuthenticationEngine engine;
     std::vector<std::pair<std::string, std::function<void(Snapshot)>>> requests;
-    Challenges challenges;
-    SnapshotRoute route{Digest(engine, challenges), [this](std::string_view id, std::function<void(Snapshot)> done) {
+    web::Challenges challenges;
+    SnapshotRoute route{web::Digest(engine, challenges),
+                        [this](std::string_view id, std::function<void(Snapshot)> done) {
                             requests.emplace_back(id, std::move(done));
                         }};
 };
 
-TEST_F(SnapshotRouteTest, AsksForThePictureOfTheChannelInThePath) {
-    Ask("/snapshot/gate-1/latest.jpeg?time=/2/");
+TEST_F(SnapshotRouteTest, AsksForThePictureOfTheChannelThatTheRouteNames) {
+    Ask("gate-1");
     ASSERT_EQ(requests.size(), 1U);
     EXPECT_EQ(requests.front().first, "gate-1");
 }
 
 TEST_F(SnapshotRouteTest, IsPendingUntilThePictureComes) {
-    auto const pending = Ask("/snapshot/1/latest.jpeg");
+    auto const pending = Ask("1");
     EXPECT_EQ(pending->GetData().GetState(), State::NotReady);
     requests.front().second({SnapshotError::None, "", std::make_shared<container::Buffer>("jpeg")});
     auto const data = pending->GetData();
@@ -74,22 +76,22 @@ TEST_F(SnapshotRouteTest, SaysThatThereIsNoPictureNow) {
 }
 
 TEST_F(SnapshotRouteTest, AnswersHeadAndRefusesOtherMethods) {
-    Ask("/snapshot/1/latest.jpeg", Method::Head);
+    Ask("1", Method::Head);
     EXPECT_EQ(requests.size(), 1U);
-    EXPECT_EQ(Ask("/snapshot/1/latest.jpeg", Method::Post)->GetData().GetStatus(), Status::MethodNotAllowed);
+    EXPECT_EQ(Ask("1", Method::Post)->GetData().GetStatus(), Status::MethodNotAllowed);
 }
 
 TEST_F(SnapshotRouteTest, ShowsNothingToWhoHasNotLoggedIn) {
     engine.SetEnabled(true);
-    EXPECT_EQ(Ask("/snapshot/1/latest.jpeg")->GetData().GetStatus(), Status::Unauthorized);
-    EXPECT_EQ(Ask("/snapshot/1/latest.jpeg", Method::Head)->GetData().GetStatus(), Status::Unauthorized);
+    EXPECT_EQ(Ask("1")->GetData().GetStatus(), Status::Unauthorized);
+    EXPECT_EQ(Ask("1", Method::Head)->GetData().GetStatus(), Status::Unauthorized);
     EXPECT_TRUE(requests.empty());
 }
 
 TEST_F(SnapshotRouteTest, DoesNotMindAPictureForWhichNobodyWaits) {
-    Ask("/snapshot/1/latest.jpeg").reset();
+    Ask("1").reset();
     EXPECT_NO_THROW(requests.front().second({SnapshotError::None, "", std::make_shared<container::Buffer>("jpeg")}));
 }
 
 } // namespace
-} // namespace zarn::host::web
+} // namespace zarn::host::routes

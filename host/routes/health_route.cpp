@@ -1,10 +1,10 @@
-#include "host/web/health_route.h"
+#include "host/routes/health_route.h"
 
 #include <boost/json/serialize.hpp>
 
 #include <utility>
 
-namespace zarn::host::web {
+namespace zarn::host::routes {
 
 HealthRoute::HealthRoute(std::function<boost::json::value()> describe)
     : Service({Method::Get, Method::Head}), describe(std::move(describe)) {}
@@ -17,4 +17,4 @@ HealthRoute::Response HealthRoute::Get(std::shared_ptr<zarn::web::Request> /*req
 
 HealthRoute::Response HealthRoute::Head(std::shared_ptr<zarn::web::Request> request) { return Get(std::move(request)); }
 
-} // namespace zarn::host::web
+} // namespace zarn::host::routes

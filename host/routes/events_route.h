@@ -6,21 +6,17 @@
 #include <zarn/asio/io_context.h>
 #include <zarn/web/service.h>
 
-#include <functional>
 #include <memory>
 
-namespace zarn::host::events {
+namespace zarn::host::routes {
 
-/// Where events go. Thread: any, several at once; the events of one thread stay in their order.
-using Sink = std::function<void(std::shared_ptr<meta::data::Event>)>;
-
-/// Serves `/api/events`: takes events of other programs, from those who log in.
+/// Serves `/api/events`: takes events from other programs that log in.
 class EventsRoute final : public zarn::web::Service {
 public:
-    /// digest  decides who may bring events
+    /// digest  decides which requests are served
     /// sink    is called with each event, before the answer, on a thread of the route
-    /// Throws std::system_error when there is no thread to be had.
-    EventsRoute(web::Digest digest, Sink sink);
+    /// Throws std::system_error when no thread can be started.
+    EventsRoute(web::Digest digest, events::EventSink sink);
 
     /// Drops the requests whose events have not been read, and waits for those that have.
     ~EventsRoute() override = default;
@@ -33,12 +29,12 @@ public:
     Response Post(std::shared_ptr<zarn::web::Request> request) override;
 
 private:
-    Response Take(zarn::web::Request const& request) const;
+    Response Deliver(zarn::web::Request const& request) const;
 
     web::Digest digest;
-    Sink sink;
+    events::EventSink sink;
     /// Few threads, since a text takes many times its length while it is read: the others wait for their turn.
     asio::IoContext readers{2};
 };
 
-} // namespace zarn::host::events
+} // namespace zarn::host::routes

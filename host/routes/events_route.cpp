@@ -1,6 +1,4 @@
-#include "host/events/events_route.h"
-
-#include "host/web/find_field.h"
+#include "host/routes/events_route.h"
 
 #include <boost/algorithm/string/predicate.hpp>
 #include <boost/algorithm/string/trim.hpp>
@@ -17,7 +15,7 @@
 #include <string_view>
 #include <utility>
 
-namespace zarn::host::events {
+namespace zarn::host::routes {
 namespace {
 
 using namespace std::chrono_literals;
@@ -45,11 +43,11 @@ Pending::Data GetData(std::shared_future<zarn::web::Service::Response> const& an
 
 } // namespace
 
-EventsRoute::EventsRoute(web::Digest digest, Sink sink) : digest(digest), sink(std::move(sink)) {}
+EventsRoute::EventsRoute(web::Digest digest, events::EventSink sink) : digest(digest), sink(std::move(sink)) {}
 
 EventsRoute::Response EventsRoute::Post(std::shared_ptr<zarn::web::Request> request) {
     if (auto refusal = digest.Refuse(*request)) return refusal;
-    if (!MayBeJson(web::FindField(request->GetFields(), "Content-Type"))) {
+    if (!MayBeJson(request->FindField("Content-Type"))) {
         return Answer(Status::UnsupportedMediaType, {{"error", "Content-Type: events come as application/json"}},
                       {{"Accept", "application/json"}});
     }
@@ -57,7 +55,7 @@ EventsRoute::Response EventsRoute::Post(std::shared_ptr<zarn::web::Request> requ
     auto const future = answer->get_future().share();
     boost::asio::post(readers.Get(), [this, answer, request = std::move(request)] {
         try {
-            answer->set_value(Take(*request));
+            answer->set_value(Deliver(*request));
         } catch (...) {
             answer->set_exception(std::current_exception());
         }
@@ -66,14 +64,12 @@ EventsRoute::Response EventsRoute::Post(std::shared_ptr<zarn::web::Request> requ
         Status::Provisional, [future] { return GetData(future); }, 0ms);
 }
 
-EventsRoute::Response EventsRoute::Take(zarn::web::Request const& request) const {
+EventsRoute::Response EventsRoute::Deliver(zarn::web::Request const& request) const {
     try {
-        auto const events = ReadEvents(request.GetBody(), std::chrono::system_clock::now());
-        for (auto const& event : events) sink(event);
-        return Answer(Status::Accepted, {{"taken", events.size()}});
-    } catch (ReadError const& error) {
+        return Answer(Status::Accepted, {{"taken", events::DeliverEvents(request.GetBody(), sink)}});
+    } catch (events::ReadError const& error) {
         return Answer(Status::BadRequest, {{"error", error.what()}});
     }
 }
 
-} // namespace zarn::host::events
+} // namespace zarn::host::routes

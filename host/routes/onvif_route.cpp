@@ -1,26 +1,25 @@
-#include "host/web/onvif_route.h"
+#include "host/routes/onvif_route.h"
 
-#include "host/web/find_field.h"
 #include "host/web/reply.h"
 
 #include <mutex>
 #include <utility>
 
-namespace zarn::host::web {
+namespace zarn::host::routes {
 
 using zarn::web::response::Pending;
 using zarn::web::response::State;
 
-OnvifRoute::OnvifRoute(zarn::web::Service& module, Digest digest) : digest(digest), module(&module) {}
+OnvifRoute::OnvifRoute(zarn::web::Service& module, web::Digest digest) : digest(digest), module(&module) {}
 
 OnvifRoute::Response OnvifRoute::Post(std::shared_ptr<zarn::web::Request> request) {
-    if (request->GetBody().empty() && FindField(request->GetFields(), "Authorization").empty()) {
+    if (request->GetBody().empty() && request->FindField("Authorization").empty()) {
         if (auto challenge = digest.Refuse(*request)) return challenge;
     }
     auto const pending = Ask(request);
     auto const getData = [pending, request = std::move(request), digest = digest] {
         auto data = pending->GetData();
-        bool const refused = data.GetState() == State::Complete && data.GetStatus() == Reply::Status::Unauthorized;
+        bool const refused = data.GetState() == State::Complete && data.GetStatus() == web::Reply::Status::Unauthorized;
         return refused ? digest.Challenge(data, *request) : data;
     };
     return std::make_shared<Pending>(pending->GetStatus(), getData, pending->GetTimeout());
@@ -28,7 +27,8 @@ OnvifRoute::Response OnvifRoute::Post(std::shared_ptr<zarn::web::Request> reques
 
 OnvifRoute::Response OnvifRoute::Ask(std::shared_ptr<zarn::web::Request> request) {
     std::shared_lock const lock(mutex);
-    if (module == nullptr) return MakeTextResponse(Reply::Status::ServiceUnavailable, "The server is stopping.");
+    if (module == nullptr)
+        return web::MakeTextResponse(web::Reply::Status::ServiceUnavailable, "The server is stopping.");
     return module->Post(std::move(request));
 }
 
@@ -37,4 +37,4 @@ void OnvifRoute::Stop() {
     module = nullptr;
 }
 
-} // namespace zarn::host::web
+} // namespace zarn::host::routes

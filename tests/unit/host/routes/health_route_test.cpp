@@ -1,22 +1,22 @@
-#include "host/web/health_route.h"
-#include "web/fake_request.h"
+#include "host/routes/health_route.h"
+#include "support/test_request.h"
 
 #include <zarn/container/buffer.h>
 
 #include <boost/json/object.hpp>
 #include <gmock/gmock.h>
 
-namespace zarn::host::web {
+namespace zarn::host::routes {
 namespace {
 
-using Method = FakeRequest::Method;
+using Method = test::TestRequest::Method;
 using Status = protocol::network::http::response::Status;
 
 TEST(HealthRoute, GivesTheStatusOfTheMomentAsJson) {
     int calls = 0;
     HealthRoute route([&] { return boost::json::value{{"calls", ++calls}}; });
     EXPECT_EQ(calls, 0);
-    auto const data = route.Process(std::make_shared<FakeRequest>(Method::Get, "/api/health"))->GetData();
+    auto const data = route.Process(std::make_shared<test::TestRequest>(Method::Get, "/api/health"))->GetData();
     EXPECT_EQ(data.GetStatus(), Status::Ok);
     EXPECT_EQ(data.GetFields().at("Content-Type"), "application/json");
     EXPECT_EQ(data.GetFields().at("Cache-Control"), "no-store");
@@ -26,7 +26,7 @@ TEST(HealthRoute, GivesTheStatusOfTheMomentAsJson) {
 TEST(HealthRoute, AnswersHeadAndRefusesOtherMethods) {
     HealthRoute route([] { return boost::json::value(); });
     auto const ask = [&](Method method) {
-        return route.Process(std::make_shared<FakeRequest>(method, "/api/health"))->GetData();
+        return route.Process(std::make_shared<test::TestRequest>(method, "/api/health"))->GetData();
     };
     EXPECT_EQ(ask(Method::Head).GetStatus(), Status::Ok);
     EXPECT_EQ(ask(Method::Post).GetStatus(), Status::MethodNotAllowed);
@@ -34,4 +34,4 @@ TEST(HealthRoute, AnswersHeadAndRefusesOtherMethods) {
 }
 
 } // namespace
-} // namespace zarn::host::web
+} // namespace zarn::host::routes

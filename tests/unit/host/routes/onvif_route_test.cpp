@@ -1,20 +1,21 @@
+#include "host/routes/onvif_route.h"
 #include "host/web/digest_parameters.h"
-#include "host/web/onvif_route.h"
 #include "host/web/reply.h"
-#include "web/fake_request.h"
+#include "support/test_request.h"
 
 #include <zarn/authentication/engine.h>
 
 #include <gmock/gmock.h>
 
-namespace zarn::host::web {
+namespace zarn::host::routes {
 namespace {
 
 using namespace std::chrono_literals;
 using zarn::web::response::Pending;
 using zarn::web::response::State;
-using Method = FakeRequest::Method;
-using Status = Reply::Status;
+using Method = test::TestRequest::Method;
+using web::MakeTextResponse;
+using Status = web::Reply::Status;
 
 class Module final : public zarn::web::Service {
 public:
@@ -31,15 +32,15 @@ class OnvifRouteTest : public testing::Test {
 protected:
     Status Ask(std::string const& body, std::map<std::string, std::string> const& fields = {},
                Method method = Method::Post) {
-        return route.Process(std::make_shared<FakeRequest>(method, "/onvif/device_service", fields, body))
+        return route.Process(std::make_shared<test::TestRequest>(method, "/onvif/device_service", fields, body))
             ->GetData()
             .GetStatus();
     }
 
     Module module;
     ZarnAuthenticationEngine engine;
-    Challenges challenges;
-    OnvifRoute route{module, Digest(engine, challenges)};
+    web::Challenges challenges;
+    OnvifRoute route{module, web::Digest(engine, challenges)};
 };
 
 TEST_F(OnvifRouteTest, HandsRequestsToTheModule) {
@@ -65,13 +66,13 @@ TEST_F(OnvifRouteTest, LeavesAnEmptyBodyWithCredentialsToTheModule) {
 
 TEST_F(OnvifRouteTest, GivesTheModulesRefusalAChallengeOfTheHost) {
     module.answer = MakeTextResponse(Status::Unauthorized, "no", {{"WWW-Authenticate", "Digest nonce=\"1\""}});
-    auto const data =
-        route
-            .Process(std::make_shared<FakeRequest>(Method::Post, "/onvif/a", std::map<std::string, std::string>(), "x"))
-            ->GetData();
+    auto const data = route
+                          .Process(std::make_shared<test::TestRequest>(Method::Post, "/onvif/a",
+                                                                       std::map<std::string, std::string>(), "x"))
+                          ->GetData();
     EXPECT_EQ(data.GetStatus(), Status::Unauthorized);
     EXPECT_EQ(data.GetBody().at(0)->ToStringView(), "no\n");
-    auto const challenge = ParseDigestParameters(data.GetFields().at("WWW-Authenticate"));
+    auto const challenge = web::ParseDigestParameters(data.GetFields().at("WWW-Authenticate"));
     EXPECT_TRUE(challenges.Take({.nonce = challenge->at("nonce"), .nonceCount = "1", .clientNonce = "c"}));
 }
 
@@ -85,7 +86,7 @@ TEST_F(OnvifRouteTest, AsksTheModuleUntilItsAnswerIsThere) {
         },
         7ms);
     auto const pending = route.Process(
-        std::make_shared<FakeRequest>(Method::Post, "/onvif/a", std::map<std::string, std::string>(), "x"));
+        std::make_shared<test::TestRequest>(Method::Post, "/onvif/a", std::map<std::string, std::string>(), "x"));
     EXPECT_EQ(pending->GetTimeout(), 7ms);
     EXPECT_EQ(pending->GetStatus(), Status::Provisional);
     EXPECT_EQ(pending->GetData().GetState(), State::NotReady);
@@ -101,4 +102,4 @@ TEST_F(OnvifRouteTest, AnswersForTheModuleOnceItIsStopped) {
 }
 
 } // namespace
-} // namespace zarn::host::web
+} // namespace zarn::host::routes

@@ -7,9 +7,9 @@
 #include <functional>
 #include <memory>
 
-namespace zarn::host::web {
+namespace zarn::host::routes {
 
-/// Tells everybody how the host is.
+/// Serves `/api/health`: the status of the host, without login.
 class HealthRoute final : public zarn::web::Service {
 public:
     /// describe  makes the status; called for each request, on any thread
@@ -23,4 +23,4 @@ private:
     std::function<boost::json::value()> describe;
 };
 
-} // namespace zarn::host::web
+} // namespace zarn::host::routes

@@ -1,7 +1,6 @@
-#include "host/web/snapshot_route.h"
+#include "host/routes/snapshot_route.h"
 
 #include "host/web/reply.h"
-#include "host/web/request_target.h"
 
 #include <chrono>
 #include <map>
@@ -10,16 +9,18 @@
 #include <string>
 #include <utility>
 
-namespace zarn::host::web {
+namespace zarn::host::routes {
 namespace {
 
 using video::Snapshot;
 using video::SnapshotError;
+using web::MakeTextReply;
+using web::Reply;
 using zarn::web::response::Pending;
 using zarn::web::response::State;
 using Status = Reply::Status;
 
-/// Where the picture is put by whoever makes it and found by whoever asks for it.
+/// Carries the picture from the thread that makes it to the one that asks for it.
 struct Delivery {
     std::mutex mutex; ///< guards snapshot
     std::optional<Snapshot> snapshot;
@@ -38,25 +39,18 @@ Reply MakeReply(Snapshot const& snapshot) {
 Pending::Data Ask(Delivery& delivery) {
     std::lock_guard const lock(delivery.mutex);
     if (!delivery.snapshot) return {Status::Provisional, {}, {State::NotReady, {}}};
-    return ToData(MakeReply(*delivery.snapshot));
-}
-
-/// The `<id>` of "/snapshot/<id>/latest.jpeg".
-std::string_view GetId(std::string_view target) {
-    std::string_view const path = GetPath(target);
-    auto const begin = path.find('/', 1) + 1;
-    return path.substr(begin, path.rfind('/') - begin);
+    return web::ToData(MakeReply(*delivery.snapshot));
 }
 
 } // namespace
 
-SnapshotRoute::SnapshotRoute(Digest digest, Source source)
+SnapshotRoute::SnapshotRoute(web::Digest digest, Source source)
     : Service({Method::Get, Method::Head}), digest(digest), source(std::move(source)) {}
 
 SnapshotRoute::Response SnapshotRoute::Get(std::shared_ptr<zarn::web::Request> request) {
     if (auto refusal = digest.Refuse(*request)) return refusal;
     auto const delivery = std::make_shared<Delivery>();
-    source(GetId(request->GetTarget()), [delivery](Snapshot snapshot) {
+    source(request->GetRouteSegment(), [delivery](Snapshot snapshot) {
         std::lock_guard const lock(delivery->mutex);
         delivery->snapshot = std::move(snapshot);
     });
@@ -68,4 +62,4 @@ SnapshotRoute::Response SnapshotRoute::Head(std::shared_ptr<zarn::web::Request> 
     return Get(std::move(request));
 }
 
-} // namespace zarn::host::web
+} // namespace zarn::host::routes
