@@ -1,5 +1,11 @@
 // The configuration file, which people write, and the overrides of the command line.
+#include "host/access/access_settings.h"
+#include "host/device_settings.h"
+#include "host/events/mqtt_settings.h"
+#include "host/events/queue_watch.h"
 #include "host/settings.h"
+#include "host/video/channel_settings.h"
+#include "host/web/web_settings.h"
 #include "require.h"
 
 #include <zarn/configuration/error.h>
@@ -48,11 +54,12 @@ std::shared_ptr<Root> MakeTree() {
 /// Everything that the host reads of the tree can be read.
 void ReadAll(Root const& root) {
     host::ReadIdentity(root);
-    host::ReadLimits(root);
-    host::ReadRtspLimits(root);
-    host::ReadFailedLoginsLimit(root);
-    host::ReadChannels(root);
-    Try([&] { host::ReadTlsFiles(root); });
+    host::ReadDiscoveryAnywhere(root);
+    host::ReadAccessSettings(root);
+    host::web::ReadLimits(root);
+    host::events::ReadQueuedWarning(root);
+    Try([&] { host::events::ReadMqttSettings(root); });
+    host::video::ReadChannels(root);
 }
 
 void CheckFile(Root& root, std::string_view text) {

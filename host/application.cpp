@@ -1,21 +1,22 @@
 #include "host/application.h"
 
-#include "host/configuration_file.h"
-#include "host/events/mqtt_configuration.h"
+#include "host/device_settings.h"
+#include "host/events/mqtt_settings.h"
 #include "host/heap.h"
 #include "host/routes/events_route.h"
 #include "host/routes/health_route.h"
 #include "host/routes/snapshot_route.h"
-#include "host/settings.h"
 #include "host/signals.h"
 #include "host/status.h"
 #include "host/web/listener.h"
 #include "host/web/tls.h"
+#include "host/web/web_settings.h"
 
 #include <zarn/configuration/layer.h>
 #include <zarn/configuration/node/primitive.h>
 #include <zarn/network/local.h>
 #include <zarn/onvif/events/handler.h>
+#include <zarn/onvif/settings.h>
 
 #include <boost/asio/post.hpp>
 
@@ -30,17 +31,23 @@ namespace zarn::host {
 namespace {
 
 using logging::Level;
+using zarn::onvif::RtspPortPath;
+using zarn::onvif::WebPortPath;
 
 /// Settings that are read once, at start.
 constexpr std::array FixedPaths{"identity", RtspPortPath};
 
-/// How often the queues of the subscriptions are looked at.
+/// How often the queues of the subscriptions are checked.
 constexpr std::chrono::seconds QueueInterval{1};
 
 std::vector<int> const EndingSignals{SIGTERM, SIGINT};
 
-/// Threads of the web server: they never wait, so that more than a few would only get into each other's way.
+/// The threads of the web server never wait, so that more than a few would only compete for the processors.
 unsigned CountWebThreads() { return std::clamp(std::thread::hardware_concurrency(), 2U, 4U); }
+
+std::uint16_t ReadPort(configuration::node::Root const& root, char const* path) {
+    return configuration::node::Read<std::uint16_t>(root, path);
+}
 
 bool IsOverridden(configuration::node::Root const& root, char const* path) {
     return root.Find(path)->As<configuration::node::Value>().IsOverridden();
@@ -61,48 +68,39 @@ Application::Application(Preparation prepared)
       control(1),
       endSignals(control, OpenSignals(EndingSignals)),
       reloadSignals(control, OpenSignals({SIGHUP})),
-      queueTimer(control.get_executor(), QueueInterval, "The queues of the subscriptions were not looked at",
+      queueTimer(control.get_executor(), QueueInterval, "Checking the queues of the subscriptions failed",
                  [this] {
                      ReportShortages();
-                     queueWatch.Look(ReadQueuedWarning(*preparation.configuration));
+                     queueWatch.CheckQueues(events::ReadQueuedWarning(*preparation.configuration));
                  }),
-      speaksTls(preparation.tls != nullptr) {
+      speaksTls(preparation.tls != nullptr),
+      appliers(MakeAppliers()) {
     auto& root = *preparation.configuration;
     for (auto const* path : FixedPaths) fixed.push_back(ReadPersisted(root, path));
 
-    bool const authenticate = ReadBool(root, AuthenticationPath);
     authentication.SetHa1(preparation.credentials.ha1);
-    authentication.SetEnabled(authenticate);
-    challenges.SetLife(ReadNonceLife(root));
 
     if (!IsOverridden(root, WebPortPath)) followedPort = ReadPersistedPort(root);
     web::Listener listener(webContext, ReadPort(root, WebPortPath));
-    BindPort(WebPortPath, listener.GetPort());
-    failedLogins->SetLimit(ReadFailedLoginsLimit(root));
-    engine = std::make_unique<video::Engine>(video::RtspSettings{.port = ReadPort(root, RtspPortPath),
-                                                                 .authenticate = authenticate,
-                                                                 .ha1 = preparation.credentials.ha1,
-                                                                 .limits = ReadRtspLimits(root),
-                                                                 .failedLogins = failedLogins});
+    auto const webPort = listener.GetPort();
+    BindPort(WebPortPath, webPort);
+    engine = std::make_unique<video::Engine>(
+        video::RtspSettings{.port = ReadPort(root, RtspPortPath), .authenticate = true, .failedLogins = failedLogins});
     BindPort(RtspPortPath, engine->GetPort());
-    engine->SetChannels(ReadChannels(root));
-
     manager = std::make_unique<service::onvif::Manager>(
         &authentication, preparation.configuration, [this](std::string const& id) { return engine->Describe(id); },
         ReadIdentity(root));
     manager->UpdateSSLState(speaksTls);
-    manager->UpdateDiscoveryAnywhere(ReadBool(root, DiscoveryAnywherePath));
-    manager->UpdateServerPort(listener.GetPort()); // last: from now on addresses are told
+    manager->UpdateServerPort(webPort); // last: from now on addresses are told
     mqtt = std::make_unique<events::MqttClient>(zarn::onvif::events::Publish);
     onvif = std::make_shared<routes::OnvifRoute>(*manager, web::Digest(authentication, challenges));
-
     server = std::make_unique<web::Server>(webContext, std::move(listener), web::Router(MakeRoutes()),
-                                           web::Server::Options{.limits = ReadLimits(root),
+                                           web::Server::Options{.limits = {},
                                                                 .tls = preparation.tls,
                                                                 .threads = CountWebThreads(),
                                                                 .admission = admission,
                                                                 .failedLogins = failedLogins});
-    ApplyMqtt();
+    for (auto const& applier : appliers) applier.apply();
     changes = root.Bind([this](auto const&) { ScheduleApply(); });
     queueTimer.Start();
     AwaitSignals(endSignals, [this](int signal) { End(signal); });
@@ -112,8 +110,8 @@ Application::Application(Preparation prepared)
 Application::~Application() { Stop(); }
 
 std::string Application::GetAddress() const {
-    return std::string(speaksTls ? "https://" : "http://") + network::GetLocalIPAddress().to_string() + ':' +
-           std::to_string(ReadPort(*preparation.configuration, WebPortPath)) + "/onvif/device_service";
+    return network::MakeLocalWebUrl(speaksTls, ReadPort(*preparation.configuration, WebPortPath)) +
+           "/onvif/device_service";
 }
 
 void Application::Run() { control.run(); }
@@ -164,7 +162,7 @@ void Application::AwaitSignals(SignalDescriptor& signals, std::function<void(int
 
 void Application::End(int signal) {
     logger.Log(Level::Info, "Stopping: signal %0%", signal);
-    // A second one ends the process the system's way, should stopping take too long for somebody.
+    // A second signal ends the process at once.
     ReleaseSignals(EndingSignals);
     control.stop();
 }
@@ -175,12 +173,13 @@ void Application::Reload() {
         preparation.file->KeepCopy();
         logger.Log(Level::Info, "Read %0% again", preparation.file->GetPath());
     } catch (LoadError const& error) {
-        logger.Log(Level::Error, "The configuration stays as it was: %0%", error.what());
+        logger.Log(Level::Error, "Keeping the previous configuration: %0%", error.what());
         return;
     } catch (std::exception const& error) {
-        logger.Log(Level::Error, "The configuration has changed, but could not be applied wholly: %0%", error.what());
+        logger.Log(Level::Error, "The configuration has changed, but not all of it could be applied: %0%",
+                   error.what());
     }
-    // Also when the file is as it was: the certificate may be another, or a port free.
+    // Also when the file is the same: the certificate may have changed, or a port be free now.
     ScheduleApply();
 }
 
@@ -188,30 +187,56 @@ void Application::ScheduleApply() {
     if (!applyScheduled.exchange(true)) boost::asio::post(control, [this] { Apply(); });
 }
 
+/// Every group of settings that is followed. What the objects are made with, before they are applied at start, lets
+/// nobody in.
+std::vector<Application::Applier> Application::MakeAppliers() {
+    auto const& root = *preparation.configuration;
+    return {
+        {"login settings",
+         [this, &root] {
+             auto const access = ReadAccessSettings(root);
+             engine->SetAuthentication(access.authenticate, preparation.credentials.ha1);
+             authentication.SetEnabled(access.authenticate);
+             challenges.SetLife(access.nonceLife);
+             failedLogins->SetLimit(access.failedLoginsPerMinute);
+         }},
+        {"limits",
+         [this, &root] {
+             server->SetLimits(web::ReadLimits(root));
+             engine->SetLimits(ReadConnectionLimits(root));
+         }},
+        {"discovery settings", [this, &root] { manager->UpdateDiscoveryAnywhere(ReadDiscoveryAnywhere(root)); }},
+        {"channels", [this, &root] { engine->SetChannels(video::ReadChannels(root)); }},
+        {"certificate", [this] { ApplyTls(); }}, // before the port, so that a new one never speaks the former protocol
+        {"web port", [this] { ApplyWebPort(); }},
+        {"MQTT settings", [this, &root] { mqtt->Configure(events::ReadMqttSettings(root)); }},
+    };
+}
+
 void Application::Apply() {
     applyScheduled = false;
-    auto const& root = *preparation.configuration;
-    try {
-        bool const authenticate = ReadBool(root, AuthenticationPath);
-        if (authenticate != authentication.IsEnabled()) {
-            authentication.SetEnabled(authenticate);
-            engine->SetAuthentication(authenticate, preparation.credentials.ha1);
+    for (auto const& applier : appliers) {
+        try {
+            applier.apply();
+        } catch (std::exception const& error) {
+            logger.Log(Level::Error, "Keeping the previous %0%: %1%", applier.what, error.what());
         }
-        challenges.SetLife(ReadNonceLife(root));
-        failedLogins->SetLimit(ReadFailedLoginsLimit(root));
-        manager->UpdateDiscoveryAnywhere(ReadBool(root, DiscoveryAnywherePath));
-        server->SetLimits(ReadLimits(root));
-        engine->SetLimits(ReadRtspLimits(root));
-        engine->SetChannels(ReadChannels(root));
-        ApplyTls(); // before the port, so that a new one never speaks the former protocol
-        ApplyWebPort();
-        ApplyMqtt();
+    }
+    try {
         ReportLater();
         preparation.file->SaveChanges();
         preparation.file->KeepCopy();
     } catch (std::exception const& error) {
-        logger.Log(Level::Error, "A change of the configuration could not be applied or saved: %0%", error.what());
+        logger.Log(Level::Error, "The configuration could not be saved: %0%", error.what());
     }
+}
+
+void Application::ApplyTls() {
+    // At start the one that was checked; later the files may be others under the same names.
+    auto tls = preparation.tls ? std::exchange(preparation.tls, nullptr) : web::ReadTls(*preparation.configuration);
+    speaksTls = tls != nullptr;
+    server->SetTls(std::move(tls));
+    manager->UpdateSSLState(speaksTls);
 }
 
 /// A port that the command line sets stays for the run.
@@ -224,42 +249,19 @@ void Application::ApplyWebPort() {
         followedPort = wanted;
         return;
     }
-    try {
-        web::Listener listener(webContext, wanted);
-        auto const port = listener.GetPort();
-        server->SetListener(std::move(listener));
-        followedPort = wanted;
-        BindPort(WebPortPath, port);
-        manager->UpdateServerPort(port);
-        logger.Log(Level::Info, "The web server has moved to port %0%", port);
-    } catch (std::exception const& error) {
-        logger.Log(Level::Error, "The web server stays where it was: %0%", error.what());
-    }
-}
-
-void Application::ApplyTls() {
-    try {
-        auto const files = ReadTlsFiles(*preparation.configuration);
-        server->SetTls(files.IsEmpty() ? nullptr : web::MakeTlsContext(files.certificate, files.privateKey));
-        speaksTls = !files.IsEmpty();
-        manager->UpdateSSLState(speaksTls);
-    } catch (std::exception const& error) {
-        logger.Log(Level::Error, "The certificate stays as it was: %0%", error.what());
-    }
-}
-
-void Application::ApplyMqtt() {
-    try {
-        mqtt->Configure(events::ReadMqttSettings(*preparation.configuration));
-    } catch (std::exception const& error) {
-        logger.Log(Level::Error, "The intake of events over MQTT stays as it was: %0%", error.what());
-    }
+    web::Listener listener(webContext, wanted);
+    auto const port = listener.GetPort();
+    server->SetListener(std::move(listener));
+    followedPort = wanted;
+    BindPort(WebPortPath, port);
+    manager->UpdateServerPort(port);
+    logger.Log(Level::Info, "The web server has moved to port %0%", port);
 }
 
 void Application::ReportShortages() {
     auto const present = CountShortages();
     if (present == reportedShortages) return;
-    logger.Log(Level::Warning, "Memory was short: it had to be waited for, %0% times so far", present);
+    logger.Log(Level::Warning, "Low memory: %0% allocations had to wait", present);
     reportedShortages = present;
 }
 

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "host/access/failed_logins.h"
 #include "host/events/mqtt_client.h"
 #include "host/events/queue_watch.h"
-#include "host/failed_logins.h"
 #include "host/preparation.h"
 #include "host/routes/onvif_route.h"
 #include "host/video/engine.h"
@@ -31,8 +31,8 @@
 
 namespace zarn::host {
 
-/// The running host: constructed it listens and serves, destroyed it has stopped. The members stand in the order in
-/// which they are made; Stop() takes them apart in reverse. Thread: one, except where a function says so.
+/// The running host: it serves from construction to Stop(). Members are in the order in which they are made; Stop()
+/// ends them in reverse. Thread: one, except where a function says so.
 class Application {
 public:
     /// Throws std::exception with one line when a port cannot be bound.
@@ -47,8 +47,8 @@ public:
     /// The address under which clients find the device service.
     std::string GetAddress() const;
 
-    /// Works until SIGTERM or SIGINT comes: re-reads the configuration at SIGHUP, applies and saves its changes.
-    /// These signals have to be held, in all threads.
+    /// Runs until SIGTERM or SIGINT: re-reads the configuration at SIGHUP, applies and saves its changes. These signals
+    /// must be blocked in all threads.
     void Run();
 
     /// Ends everything: no new connections, no new requests; the module answers those that wait; the answers are
@@ -58,16 +58,22 @@ public:
 private:
     using SignalDescriptor = boost::asio::posix::stream_descriptor;
 
+    /// A group of settings that takes effect when it changes.
+    struct Applier {
+        char const* what; ///< for the log
+        std::function<void()> apply;
+    };
+
     void BindPort(char const* path, std::uint16_t bound);
     std::vector<web::Route> MakeRoutes();
     void AwaitSignals(SignalDescriptor& signals, std::function<void(int)> const& handle);
     void End(int signal);
     void Reload();
     void ScheduleApply();
+    std::vector<Applier> MakeAppliers();
     void Apply();
-    void ApplyWebPort();
     void ApplyTls();
-    void ApplyMqtt();
+    void ApplyWebPort();
     void ReportLater();
     void ReportShortages();
 
@@ -79,7 +85,7 @@ private:
     SignalDescriptor reloadSignals; ///< its own, so that a flood of SIGHUP does not keep the others from being read
     web::Challenges challenges;
     ZarnAuthenticationEngine authentication{&challenges};
-    boost::asio::io_context webContext; ///< run by the server's threads; outlives whoever may still complete a response
+    boost::asio::io_context webContext; ///< run by the server's threads; outlives everything that completes responses
     std::shared_ptr<FailedLogins> failedLogins = std::make_shared<FailedLogins>();
     std::unique_ptr<video::Engine> engine;
     std::unique_ptr<service::onvif::Manager> manager;
@@ -90,10 +96,11 @@ private:
     std::shared_ptr<routes::OnvifRoute> onvif;
     std::shared_ptr<web::Admission> admission = std::make_shared<web::Admission>();
     std::unique_ptr<web::Server> server;
-    std::atomic<bool> speaksTls; ///< the web server, to connections that come now
-    /// What the file says of the web port, as far as it has been followed; none when the command line sets the port.
+    std::atomic<bool> speaksTls; ///< the web server, to new connections
+    /// The web port of the file that the server follows; none when the command line sets the port.
     std::optional<std::uint16_t> followedPort;
-    std::vector<boost::json::value> fixed; ///< what the file says of the settings that are used at start only
+    std::vector<boost::json::value> fixed; ///< the file's values of the settings that are used at start only
+    std::vector<Applier> const appliers;
     std::atomic<bool> applyScheduled = false;
     type::Binding changes;
 };

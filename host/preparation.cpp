@@ -1,6 +1,7 @@
 #include "host/preparation.h"
 
-#include "host/events/mqtt_configuration.h"
+#include "host/events/mqtt_settings.h"
+#include "host/settings.h"
 #include "host/web/tls.h"
 
 #include <zarn/configuration/error.h>
@@ -10,14 +11,6 @@
 
 namespace zarn::host {
 namespace {
-
-void ReadConfiguration(ConfigurationFile& file, bool check) {
-    if (check) {
-        file.Load();
-    } else {
-        file.Open();
-    }
-}
 
 void ApplyOverrides(configuration::node::Root const& root, CommandLine const& commandLine) {
     for (auto const& [path, text] : commandLine.overrides) {
@@ -29,19 +22,12 @@ void ApplyOverrides(configuration::node::Root const& root, CommandLine const& co
     }
 }
 
-std::shared_ptr<boost::asio::ssl::context> ReadTls(Preparation const& preparation) {
+/// Reads the settings that are wrong only together, or together with other files.
+void ReadTogether(Preparation& preparation) {
     try {
-        auto const files = ReadTlsFiles(*preparation.configuration);
-        return files.IsEmpty() ? nullptr : web::MakeTlsContext(files.certificate, files.privateKey);
-    } catch (std::runtime_error const& error) {
-        throw std::runtime_error(preparation.file->GetPath() + ": " + error.what());
-    }
-}
-
-void CheckMqtt(Preparation const& preparation) {
-    try {
+        preparation.tls = web::ReadTls(*preparation.configuration);
         events::ReadMqttSettings(*preparation.configuration);
-    } catch (configuration::Error const& error) {
+    } catch (std::runtime_error const& error) {
         throw std::runtime_error(preparation.file->GetPath() + ": " + error.what());
     }
 }
@@ -54,10 +40,13 @@ Preparation Prepare(CommandLine const& commandLine) {
     DescribeSettings(*preparation.configuration);
     preparation.file = std::make_unique<ConfigurationFile>(
         commandLine.configuration ? *commandLine.configuration : DefaultConfigurationPath(), preparation.configuration);
-    ReadConfiguration(*preparation.file, commandLine.check);
+    if (commandLine.check) {
+        preparation.file->Load();
+    } else {
+        preparation.file->Open();
+    }
     ApplyOverrides(*preparation.configuration, commandLine);
-    preparation.tls = ReadTls(preparation);
-    CheckMqtt(preparation);
+    ReadTogether(preparation);
     if (!commandLine.check) {
         preparation.file->KeepCopy();
         preparation.credentials = LoadCredentials(preparation.file->GetPath() + ".credentials", commandLine.password);

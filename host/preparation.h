@@ -3,7 +3,6 @@
 #include "host/command_line.h"
 #include "host/configuration_file.h"
 #include "host/credentials.h"
-#include "host/settings.h"
 
 #include <zarn/configuration/node/root.h>
 

@@ -1,18 +1,22 @@
 #include "host/status.h"
 
 #include "host/events/subscriptions_status.h"
-#include "host/settings.h"
+
+#include <zarn/configuration/node/primitive.h>
+#include <zarn/onvif/settings.h>
 
 #include <boost/json/array.hpp>
 #include <boost/json/object.hpp>
 
 #include <algorithm>
+#include <cstdint>
 #include <string>
 
 namespace zarn::host {
 namespace {
 
 namespace json = boost::json;
+using configuration::node::Read;
 
 json::object MakeChannel(video::ChannelStatus const& channel) {
     auto const& info = channel.info;
@@ -43,10 +47,10 @@ json::value MakeStatus(configuration::node::Root const& configuration, video::En
         {"status", degraded ? "degraded" : "ok"},
         {"version", ZARN_VERSION},
         {"uptime_seconds", uptime.count()},
-        {"module", {{"onvif", "serving"}, {"enabled", ReadBool(configuration, OnvifPath)}}},
+        {"module", {{"onvif", "serving"}, {"enabled", Read<bool>(configuration, zarn::onvif::EnabledPath)}}},
         {"listeners",
          {{"web",
-           {{"port", ReadPort(configuration, WebPortPath)},
+           {{"port", Read<std::uint16_t>(configuration, zarn::onvif::WebPortPath)},
             {"tls", tls},
             {"connections", admission.GetConnections()},
             {"exchanges", admission.GetExchanges()}}},

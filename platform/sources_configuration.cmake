@@ -20,6 +20,7 @@ target_sources(zarn_platform PRIVATE
   src/configuration/schema/conversion.cpp
   src/configuration/schema/description.cpp
   src/configuration/schema/quote.cpp
+  src/configuration/schema/rule.cpp
   src/configuration/schema/value_description.cpp
   src/configuration/text.cpp
   src/configuration/text/duplicate_finder.cpp

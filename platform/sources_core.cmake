@@ -15,6 +15,7 @@ target_sources(zarn_platform PRIVATE
   src/logging/limited_logger.cpp
   src/meta/data/video_info.cpp
   src/network/address.cpp
+  src/network/authority.cpp
   src/network/device.cpp
   src/network/interface.cpp
   src/network/local.cpp
@@ -46,6 +47,7 @@ zarn_verify_headers(zarn_platform "${CMAKE_CURRENT_SOURCE_DIR}/include"
   include/zarn/logging/limited_logger.h
   include/zarn/meta/data/video_info.h
   include/zarn/network/address.h
+  include/zarn/network/authority.h
   include/zarn/network/device.h
   include/zarn/network/interface.h
   include/zarn/network/local.h

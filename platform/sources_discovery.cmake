@@ -21,6 +21,7 @@ zarn_verify_headers(zarn_platform "${CMAKE_CURRENT_SOURCE_DIR}/include"
   include/zarn/onvif/discovery/request.h
   include/zarn/onvif/discovery/response.h
   include/zarn/onvif/discovery/scopes.h
+  include/zarn/onvif/settings.h
   include/zarn/protocol/network/udp/admission.h
   include/zarn/protocol/network/udp/operation.h
   include/zarn/protocol/network/udp/receiver.h

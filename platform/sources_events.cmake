@@ -20,6 +20,7 @@ target_sources(zarn_platform PRIVATE
 zarn_verify_headers(zarn_platform "${CMAKE_CURRENT_SOURCE_DIR}/include"
   include/zarn/asio/global_context.h
   include/zarn/chrono/add.h
+  include/zarn/chrono/back_off.h
   include/zarn/chrono/duration/iso8601.h
   include/zarn/chrono/error.h
   include/zarn/chrono/iso8601.h

@@ -101,7 +101,7 @@ void MqttClient::Work() {
         {
             std::lock_guard const lock(mutex);
             if (stopping) return;
-            if (settings != wanted) delay.Reset();
+            if (settings != wanted) backOff.Reset();
             settings = wanted;
         }
         if (!settings->enabled) {
@@ -114,7 +114,7 @@ void MqttClient::Work() {
         // A name may have addresses of both families, of which the broker serves only one.
         bool const first = family == MqttSession::Family::Any && lasted == Clock::duration::zero();
         family = first ? MqttSession::Family::Ipv4 : MqttSession::Family::Any;
-        AwaitWake(delay.Fail(lasted, distribution(chance)));
+        AwaitWake(backOff.Fail(lasted, distribution(chance)));
     }
 }
 

@@ -4,8 +4,8 @@
 #include "host/events/mqtt_settings.h"
 #include "host/events/mqtt_status.h"
 #include "host/events/read_events.h"
-#include "host/events/reconnect_delay.h"
 
+#include <zarn/chrono/back_off.h>
 #include <zarn/io/unique_descriptor.h>
 #include <zarn/logging/limited_logger.h>
 #include <zarn/logging/logger.h>
@@ -108,8 +108,8 @@ private:
     bool stopping = false;
     MqttStatus status;
 
-    std::minstd_rand chance{std::random_device{}()}; ///< of the thread
-    ReconnectDelay delay;                            ///< of the thread
+    std::minstd_rand chance{std::random_device{}()};         ///< of the thread
+    chrono::BackOff backOff{std::chrono::milliseconds(500)}; ///< of the thread
     std::string lastFailure; ///< of the thread: what was logged last, so that it is not repeated
     std::thread thread;
 };

@@ -1,17 +1,49 @@
 #include "host/events/mqtt_settings.h"
 
+#include <zarn/configuration/error.h>
+#include <zarn/configuration/node/primitive.h>
+#include <zarn/network/authority.h>
 #include <zarn/text/character.h>
 
+#include <boost/asio/ip/address_v6.hpp>
 #include <boost/asio/ip/host_name.hpp>
 #include <mosquitto.h>
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cstddef>
 
 namespace zarn::host::events {
 namespace {
+
+using configuration::node::Read;
+using configuration::schema::Option;
+using configuration::schema::Options;
+using configuration::schema::Rule;
+
+constexpr char const* EnabledPath = "settings.events.mqtt.enabled";
+constexpr char const* UrlPath = "settings.events.mqtt.url";
+constexpr char const* TopicPath = "settings.events.mqtt.topic";
+constexpr char const* ClientIdPath = "settings.events.mqtt.client_id";
+constexpr char const* UserPath = "settings.events.mqtt.user";
+constexpr char const* PasswordPath = "settings.events.mqtt.password";
+constexpr char const* CaFilePath = "settings.events.mqtt.ca_file";
+
+/// Passwords may be tokens, which are long.
+constexpr std::size_t LongestText = 4096;
+
+Rule<std::string> Line() {
+    return {"a line of at most 4096 bytes without control characters",
+            [](std::string const& text) { return text.size() <= LongestText && zarn::text::IsLine(text); }};
+}
+
+/// Not quoted in errors, because people put credentials there.
+Rule<std::string> Url() {
+    return {"a broker (mqtt://HOST[:PORT] or mqtts://HOST[:PORT], without credentials or path)",
+            [](std::string const& text) { return text.empty() || ParseBrokerUrl(text).has_value(); }, true};
+}
+
+Rule<std::string> Topic() { return {"a topic filter of at most 1024 bytes, such as site/+/events", IsTopicFilter}; }
 
 struct Scheme {
     std::string_view prefix;
@@ -27,45 +59,58 @@ constexpr std::array Schemes{
 constexpr std::size_t LongestHost = 253;
 constexpr std::size_t LongestTopic = 1024;
 
-bool IsHost(std::string_view text) {
-    return !text.empty() && text.size() <= LongestHost && std::all_of(text.begin(), text.end(), [](char c) {
+bool IsHost(network::Authority const& authority) {
+    if (authority.host.size() > LongestHost) return false;
+    if (authority.bracketed) {
+        boost::system::error_code error;
+        boost::asio::ip::make_address_v6(authority.host, error);
+        return !error && authority.host.find('%') == authority.host.npos;
+    }
+    return std::ranges::all_of(authority.host, [](char c) {
         return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '.' || c == '-' ||
                c == '_';
     });
 }
 
-bool IsIpv6(std::string_view text) {
-    return !text.empty() && text.size() <= LongestHost && std::all_of(text.begin(), text.end(), [](char c) {
-        return (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F') || (c >= '0' && c <= '9') || c == ':' || c == '.';
-    });
-}
-
-std::optional<std::uint16_t> ReadPort(std::string_view text) {
-    std::uint16_t port = 0;
-    auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), port);
-    if (error != std::errc{} || end != text.data() + text.size() || port == 0) return {};
-    return port;
-}
-
 } // namespace
+
+std::vector<configuration::Schema> MakeMqttSchemas() {
+    auto const optional = Option::Optional;
+    return {
+        {EnabledPath, false, "Whether events are fetched from an MQTT broker", optional},
+        {UrlPath, "", "The broker: mqtt://HOST[:PORT] or mqtts://HOST[:PORT]", optional, Url()},
+        {TopicPath, "zarn/events", "The topic filter to subscribe to", optional, Topic()},
+        {ClientIdPath, "", "The name of the session at the broker; empty: from the machine's name", optional, Line()},
+        {UserPath, "", "User name at the broker; empty: no login", optional, Line()},
+        {PasswordPath, "", "Password at the broker", Options(optional) | Option::WriteOnly, Line()},
+        {CaFilePath, "", "PEM file of the authorities that the broker is believed by; empty: the system's", optional,
+         Line()},
+    };
+}
+
+MqttSettings ReadMqttSettings(configuration::node::Root const& root) {
+    auto const lock = root.GetLock();
+    auto const text = [&](char const* path) { return Read<std::string>(root, path); };
+    MqttSettings settings{.enabled = Read<bool>(root, EnabledPath),
+                          .url = text(UrlPath),
+                          .topic = text(TopicPath),
+                          .clientId = text(ClientIdPath),
+                          .user = text(UserPath),
+                          .password = text(PasswordPath),
+                          .caFile = text(CaFilePath)};
+    if (settings.enabled && settings.url.empty()) throw configuration::Error(UrlPath, "there is no broker");
+    if (settings.user.empty() && !settings.password.empty())
+        throw configuration::Error(UserPath, "there is a password but no user");
+    return settings;
+}
 
 std::optional<BrokerAddress> ParseBrokerUrl(std::string_view url) {
     auto const scheme =
         std::find_if(Schemes.begin(), Schemes.end(), [&](auto const& row) { return url.starts_with(row.prefix); });
     if (scheme == Schemes.end()) return {};
-    url.remove_prefix(scheme->prefix.size());
-
-    bool const bracketed = url.starts_with('[');
-    auto const end = bracketed ? url.find(']') : url.find(':');
-    if (bracketed && end == url.npos) return {};
-    auto const host = bracketed ? url.substr(1, end - 1) : url.substr(0, end);
-    if (!(bracketed ? IsIpv6(host) : IsHost(host))) return {};
-
-    auto const rest = bracketed ? url.substr(end + 1) : url.substr(host.size());
-    if (rest.empty()) return BrokerAddress{scheme->tls, std::string(host), scheme->port};
-    auto const port = rest.front() == ':' ? ReadPort(rest.substr(1)) : std::nullopt;
-    if (!port) return {};
-    return BrokerAddress{scheme->tls, std::string(host), *port};
+    auto const authority = network::ParseAuthority(url.substr(scheme->prefix.size()));
+    if (!authority || !IsHost(*authority)) return {};
+    return BrokerAddress{scheme->tls, std::string(authority->host), authority->port.value_or(scheme->port)};
 }
 
 bool IsTopicFilter(std::string const& text) {

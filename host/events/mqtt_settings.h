@@ -1,9 +1,13 @@
 #pragma once
 
+#include <zarn/configuration/node/root.h>
+#include <zarn/configuration/schema.h>
+
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace zarn::host::events {
 
@@ -29,6 +33,13 @@ struct MqttSettings {
 
     bool operator==(MqttSettings const&) const = default;
 };
+
+/// Describes `settings.events.mqtt`.
+std::vector<configuration::Schema> MakeMqttSchemas();
+
+/// `settings.events.mqtt`. Throws configuration::Error when it is enabled without a broker, or holds a password without
+/// a user.
+MqttSettings ReadMqttSettings(configuration::node::Root const& root);
 
 /// Where a broker is.
 struct BrokerAddress {

@@ -1,8 +1,9 @@
 #include "host/video/channel.h"
 
-#include "host/video/back_off.h"
 #include "host/video/check_source.h"
 #include "host/video/log.h"
+
+#include <zarn/chrono/back_off.h>
 
 #include <system_error>
 #include <utility>
@@ -101,7 +102,7 @@ ChannelStatus Channel::GetStatus() const {
 }
 
 void Channel::Run(std::stop_token const& stop, Source const& source) {
-    BackOff backOff;
+    chrono::BackOff backOff(1s);
     OpenOptions options{settings.user, settings.password, false};
     while (!stop.stop_requested()) {
         auto outcome = RunOnce(stop, source, options);

@@ -1,8 +1,11 @@
 #pragma once
 
+#include <zarn/configuration/node/root.h>
+#include <zarn/configuration/schema.h>
 #include <zarn/meta/data/video_info.h>
 
 #include <string>
+#include <vector>
 
 namespace zarn::host::video {
 
@@ -25,5 +28,12 @@ struct ChannelSettings {
 
     bool operator==(ChannelSettings const&) const = default;
 };
+
+/// Describes `channels`. Identifiers and names are as long as ONVIF clients accept: a token ("channels." and the
+/// identifier) and a name have up to 64 characters. Source: ONVIF Core, ReferenceToken and Name.
+std::vector<configuration::Schema> MakeChannelSchemas();
+
+/// The channels in their order (`channels`).
+std::vector<ChannelSettings> ReadChannels(configuration::node::Root const& root);
 
 } // namespace zarn::host::video

@@ -86,7 +86,7 @@ public:
         if (!isStopped) server.SetAuthentication(authenticate, ha1);
     }
 
-    void SetLimits(RtspLimits const& limits) {
+    void SetLimits(ConnectionLimits const& limits) {
         std::scoped_lock const changing(changeMutex);
         if (!isStopped) server.SetLimits(limits);
     }
@@ -208,7 +208,7 @@ void Engine::SetAuthentication(bool authenticate, std::string const& ha1) {
     impl->SetAuthentication(authenticate, ha1);
 }
 
-void Engine::SetLimits(RtspLimits const& limits) { impl->SetLimits(limits); }
+void Engine::SetLimits(ConnectionLimits const& limits) { impl->SetLimits(limits); }
 
 std::uint16_t Engine::GetPort() const { return impl->GetPort(); }
 

@@ -46,7 +46,7 @@ public:
     void SetAuthentication(bool authenticate, std::string const& ha1);
 
     /// Bounds for the connections that come from now on.
-    void SetLimits(RtspLimits const& limits);
+    void SetLimits(ConnectionLimits const& limits);
 
     /// The bound RTSP port.
     std::uint16_t GetPort() const;

@@ -1,22 +1,14 @@
 #pragma once
 
-#include "host/failed_logins.h"
+#include "host/access/access_settings.h"
+#include "host/access/failed_logins.h"
 
-#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace zarn::host::video {
-
-/// The bounds of the RTSP server that the configuration sets. They hold for connections that come.
-struct RtspLimits {
-    /// Connections in all; further ones are closed at once. More than rtsp::Connections::Maximum are never taken.
-    std::size_t connections = 1024;
-
-    /// Connections from one address; further ones are closed at once.
-    std::size_t connectionsPerAddress = 256;
-};
 
 /// How the RTSP server is set up.
 struct RtspSettings {
@@ -27,13 +19,18 @@ struct RtspSettings {
     bool authenticate = false;
 
     /// HA1 of `admin` in zarn::authentication::Realm, 32 lower-case hexadecimal digits; used when `authenticate` is
-    /// set.
+    /// set. With anything else every login fails.
     std::string ha1 = {};
 
-    RtspLimits limits = {};
+    /// For connections that come; more than rtsp::Connections::Maximum are never taken. Further ones are closed at
+    /// once.
+    ConnectionLimits limits = {};
 
-    /// Slows down who guesses passwords; never null.
+    /// Slows down guessing passwords; never null.
     std::shared_ptr<FailedLogins> failedLogins = std::make_shared<FailedLogins>();
 };
+
+/// Describes `settings.rtsp_port`.
+std::vector<configuration::Schema> MakeRtspSchemas();
 
 } // namespace zarn::host::video

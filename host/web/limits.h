@@ -1,5 +1,7 @@
 #pragma once
 
+#include "host/access/access_settings.h"
+
 #include <chrono>
 #include <cstddef>
 
@@ -9,10 +11,10 @@ namespace zarn::host::web {
 /// request goes by the bounds that stand when it begins.
 struct Limits {
     /// Connections in all; further ones are answered 503 and closed.
-    std::size_t connections = 1024;
+    std::size_t connections = ConnectionLimits().connections;
 
     /// Connections from one address; further ones are answered 503 and closed.
-    std::size_t connectionsPerAddress = 256;
+    std::size_t connectionsPerAddress = ConnectionLimits().connectionsPerAddress;
 
     /// Requests whose response is not complete yet; further ones are answered 503.
     std::size_t exchanges = 1024;

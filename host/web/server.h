@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/failed_logins.h"
+#include "host/access/failed_logins.h"
 #include "host/web/admission.h"
 #include "host/web/limits.h"
 #include "host/web/listener.h"

@@ -1,5 +1,7 @@
 #include "host/web/tls.h"
 
+#include <zarn/configuration/error.h>
+#include <zarn/configuration/node/primitive.h>
 #include <zarn/logging/logger.h>
 
 #include <boost/system/system_error.hpp>
@@ -15,7 +17,6 @@ namespace ssl = boost::asio::ssl;
 
 namespace {
 
-/// Where the configuration names the files.
 constexpr char const* CertificatePath = "settings.tls.certificate";
 constexpr char const* PrivateKeyPath = "settings.tls.private_key";
 
@@ -23,8 +24,8 @@ std::runtime_error Unusable(std::string const& setting, std::string const& file,
     return std::runtime_error(setting + ": " + file + " cannot be used: " + why);
 }
 
-/// A clock that is wrong must not take the device off the network, and many clients do not look at the dates: so the
-/// certificate is used, and the log says what those will miss that do.
+/// A wrong clock must not take the device off the network, and many clients ignore the dates: so the certificate is
+/// used, with a warning.
 void WarnOfDates(ssl::context& context, std::string const& file) {
     static logging::Logger const logger("zarn.host.web.tls");
     X509 const* const certificate = SSL_CTX_get0_certificate(context.native_handle());
@@ -32,12 +33,26 @@ void WarnOfDates(ssl::context& context, std::string const& file) {
         logger.Log(logging::Level::Warning, "%0%: %1% %2%: clients that check certificates will refuse it",
                    CertificatePath, file, what);
     };
-    // 0 is an error: a date that is none.
+    // 0 means that the date could not be parsed.
     if (X509_cmp_current_time(X509_get0_notAfter(certificate)) <= 0) warn("has expired");
     if (X509_cmp_current_time(X509_get0_notBefore(certificate)) >= 0) warn("is not valid yet");
 }
 
 } // namespace
+
+std::vector<configuration::Schema> MakeTlsSchemas() {
+    return {{CertificatePath, "", "PEM file with the certificate chain; empty: no TLS"},
+            {PrivateKeyPath, "", "PEM file with the private key of the certificate"}};
+}
+
+std::shared_ptr<ssl::context> ReadTls(configuration::node::Root const& root) {
+    auto const certificate = configuration::node::Read<std::string>(root, CertificatePath);
+    auto const privateKey = configuration::node::Read<std::string>(root, PrivateKeyPath);
+    if (certificate.empty() && privateKey.empty()) return nullptr;
+    if (privateKey.empty()) throw configuration::Error(PrivateKeyPath, "there is a certificate but no private key");
+    if (certificate.empty()) throw configuration::Error(CertificatePath, "there is a private key but no certificate");
+    return MakeTlsContext(certificate, privateKey);
+}
 
 std::shared_ptr<ssl::context> MakeTlsContext(std::string const& certificate, std::string const& privateKey) {
     auto context = std::make_shared<ssl::context>(ssl::context::tls_server);

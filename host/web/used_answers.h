@@ -1,5 +1,7 @@
 #pragma once
 
+#include "host/access/access_settings.h"
+
 #include <zarn/authentication/replay_check.h>
 
 #include <chrono>
@@ -31,7 +33,7 @@ public:
     std::size_t GetSize() const;
 
     /// After that a nonce counts no longer, whatever its life, and its answers need not be remembered.
-    static constexpr std::chrono::minutes LongestLife{5};
+    static constexpr std::chrono::seconds LongestLife = LongestNonceLife;
 
 private:
     /// The answers to nonces of a span of time, by their hashes: two that share one would cost the client of the

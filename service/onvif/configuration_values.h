@@ -2,6 +2,7 @@
 
 #include <zarn/configuration/event.h>
 #include <zarn/configuration/node/root.h>
+#include <zarn/onvif/settings.h>
 
 #include <boost/utility/string_view.hpp>
 
@@ -11,13 +12,9 @@
 
 namespace zarn::service::onvif {
 
-/// The module's own setting, a path in the host's configuration: whether the device can be discovered. Requests are
-/// served whatever it says.
-inline constexpr char EnabledPath[] = "settings.onvif.enabled";
-
-/// Settings of the host that are told to clients, as paths in its configuration.
-inline constexpr char RtspPortPath[] = "settings.rtsp_port";
-inline constexpr char WebPortPath[] = "settings.web_port";
+using zarn::onvif::EnabledPath;
+using zarn::onvif::RtspPortPath;
+using zarn::onvif::WebPortPath;
 
 /// What an event of the setting says that it is now; nothing for an event that is no change.
 /// Throws object::BadCast with "zarn.configuration.node.Bool" when the event's node is no boolean.

@@ -146,7 +146,7 @@ public:
 
 private:
     void BindEnabled() {
-        configuration->Schema({{EnabledPath, false, "The boolean denoting whether ONVIF is enabled for Zarnsuite"}});
+        configuration->Schema({zarn::onvif::DescribeEnabled()});
         enabledBinding = configuration->Find(EnabledPath)
                              ->Bind([this](auto const& event) { FollowEnabled(*event); },
                                     configuration::node::binding::Option::DeliverCurrent);

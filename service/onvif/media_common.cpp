@@ -114,13 +114,12 @@ tt__Profile* MakeProfile(soap* soap, std::string const& token, std::string const
 std::string MakeStreamUri(configuration::node::Root const& root, std::string const& token) {
     auto path = token;
     std::replace(path.begin(), path.end(), '.', '/');
-    return "rtsp://" + network::GetLocalIPAddress().to_string() + ":" + std::to_string(ReadPort(root, RtspPortPath)) +
-           "/" + path;
+    return network::MakeLocalUrl("rtsp", ReadPort(root, RtspPortPath)) + "/" + path;
 }
 
 std::string MakeSnapshotUri(configuration::node::Root const& root, bool ssl, std::string const& token) {
-    return (ssl ? "https://" : "http://") + network::GetLocalIPAddress().to_string() + ":" +
-           std::to_string(ReadPort(root, WebPortPath)) + "/snapshot/" + GetChannelId(token) + "/latest.jpeg";
+    return network::MakeLocalWebUrl(ssl, ReadPort(root, WebPortPath)) + "/snapshot/" + GetChannelId(token) +
+           "/latest.jpeg";
 }
 
 } // namespace zarn::service::onvif

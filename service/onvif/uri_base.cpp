@@ -6,10 +6,7 @@ namespace zarn::service::onvif {
 
 URIBase::URIBase(unsigned short port, bool ssl) : port(port), ssl(ssl) {}
 
-std::string URIBase::GetBaseUri() const {
-    return (ssl ? "https://" : "http://") + network::GetLocalIPAddress().to_string() + ":" + std::to_string(port) +
-           BasePath;
-}
+std::string URIBase::GetBaseUri() const { return network::MakeLocalWebUrl(ssl, port) + BasePath; }
 
 unsigned short URIBase::GetPort() const { return port; }
 

@@ -79,7 +79,7 @@ TEST(Memory, ThatIsGoneForASecondIsWaitedFor) {
     EXPECT_EQ(waiting.Read().status, 200U);
     EXPECT_EQ(newcomer.Read().status, 200U);
     EXPECT_EQ(Ask(host), 200U);
-    EXPECT_TRUE(host.GetProcess().WaitForLog("Memory was short"));
+    EXPECT_TRUE(host.GetProcess().WaitForLog("Low memory: "));
 }
 
 /// No file may grow: the system answers as for a full disk, and sends a signal that ends most programs.

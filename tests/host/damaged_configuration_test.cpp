@@ -69,7 +69,7 @@ TEST_F(DamagedConfiguration, ChangesNothingWhenItIsReadAgain) {
     auto host = StartAgain();
     folder->Write("config.json", "garbage");
     host.GetProcess().Signal(SIGHUP);
-    ASSERT_TRUE(host.GetProcess().WaitForLog("The configuration stays as it was: "));
+    ASSERT_TRUE(host.GetProcess().WaitForLog("Keeping the previous configuration: "));
     ExpectTheModelOfBefore(host);
     EXPECT_EQ(folder->Read("config.json.good"), Configuration);
 }

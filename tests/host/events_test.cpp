@@ -111,7 +111,8 @@ TEST(Events, FollowTheConfiguration) {
     reload(Subscribe(broker, "events"));
     EXPECT_TRUE(AwaitIntake(host, "state", "connected"));
     reload(ConfigureMqtt(R"({"enabled": true})"));
-    EXPECT_TRUE(host.GetProcess().WaitForLog("stays as it was: settings.events.mqtt.url: there is no broker"));
+    EXPECT_TRUE(host.GetProcess().WaitForLog(
+        "Keeping the previous MQTT settings: settings.events.mqtt.url: there is no broker"));
     EXPECT_EQ(GetIntake(host).at("state"), "connected");
     reload(ConfigureMqtt("{}"));
     EXPECT_TRUE(AwaitIntake(host, "state", "off"));

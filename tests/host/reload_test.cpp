@@ -116,9 +116,9 @@ TEST_F(Reload, KeepsTheSettingOfDiscoveryOverARestart) {
 TEST_F(Reload, KeepsTheRunningConfigurationWhenTheFileIsBroken) {
     for (std::string const text :
          {"{ no JSON", R"({"channels": {"1": {"source": "test:none-such"}}})", R"({"channel": {}})"}) {
-        auto const before = CountLogLines("The configuration stays as it was");
+        auto const before = CountLogLines("Keeping the previous configuration");
         Write(text);
-        EXPECT_TRUE(Eventually([&] { return CountLogLines("The configuration stays as it was") == before + 1; }));
+        EXPECT_TRUE(Eventually([&] { return CountLogLines("Keeping the previous configuration") == before + 1; }));
     }
     EXPECT_THAT(host.GetProcess().GetLog(), HasSubstr("config.json: channels.1.source: "));
     EXPECT_THAT(GetChannels(), ElementsAre("1", "2"));
@@ -127,7 +127,7 @@ TEST_F(Reload, KeepsTheRunningConfigurationWhenTheFileIsBroken) {
 TEST_F(Reload, KeepsTheRunningConfigurationWhenTheFileIsGone) {
     std::filesystem::remove(host.GetFolder() / "config.json");
     host.GetProcess().Signal(SIGHUP);
-    EXPECT_TRUE(host.GetProcess().WaitForLog("The configuration stays as it was"));
+    EXPECT_TRUE(host.GetProcess().WaitForLog("Keeping the previous configuration"));
     EXPECT_THAT(GetChannels(), ElementsAre("1", "2"));
 }
 
@@ -184,7 +184,7 @@ TEST_F(Reload, KeepsThePortThatTheSystemChoseWhenTheFileNamesIt) {
     EXPECT_EQ(Ask(port), 200U);
     Write(WebPort(0));
     EXPECT_TRUE(host.GetProcess().WaitForLog("The web server has moved to port "));
-    EXPECT_EQ(CountLogLines("stays where it was"), 0U) << host.GetProcess().GetLog();
+    EXPECT_EQ(CountLogLines("Keeping the previous web port"), 0U) << host.GetProcess().GetLog();
 }
 
 TEST_F(Reload, StaysWhereItIsUntilTheWantedPortIsFree) {
@@ -193,7 +193,7 @@ TEST_F(Reload, StaysWhereItIsUntilTheWantedPortIsFree) {
     boost::asio::io_context io;
     boost::asio::ip::tcp::acceptor taken(io, {boost::asio::ip::tcp::v4(), port});
     Write(WebPort(port));
-    EXPECT_TRUE(host.GetProcess().WaitForLog("The web server stays where it was: web port " + std::to_string(port) +
+    EXPECT_TRUE(host.GetProcess().WaitForLog("Keeping the previous web port: web port " + std::to_string(port) +
                                              " cannot be bound: Address already in use"));
     EXPECT_EQ(Ask(host.GetPort()), 200U);
     taken.close();

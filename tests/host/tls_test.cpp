@@ -77,7 +77,7 @@ TEST_F(TlsHost, KeepsItsCertificateWhenTheNewOneCannotBeUsed) {
     auto const old = folder->Write("old.pem", folder->Read("server.pem"));
     folder->Write("server.key", "garbage");
     host.GetProcess().Signal(SIGHUP);
-    ASSERT_TRUE(host.GetProcess().WaitForLog("The certificate stays as it was: settings.tls.private_key: "));
+    ASSERT_TRUE(host.GetProcess().WaitForLog("Keeping the previous certificate: settings.tls.private_key: "));
     EXPECT_THAT(Curl({host.GetUrl() + "/api/health"}, old), HasSubstr("\"tls\":true"));
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/failed_logins.h"
+#include "host/access/failed_logins.h"
 #include "host/video/handle.h"
 
 #include <gst/rtsp-server/rtsp-server.h>

@@ -127,7 +127,7 @@ public:
         gst_rtsp_server_set_auth(server.get(), authentication.get());
     }
 
-    void SetLimits(RtspLimits const& limits) {
+    void SetLimits(ConnectionLimits const& limits) {
         maximum = std::min(limits.connections, Connections::Maximum);
         maximumPerAddress = limits.connectionsPerAddress;
     }
@@ -231,7 +231,7 @@ void Server::SetAuthentication(bool authenticate, std::string const& ha1) {
     impl->SetAuthentication(authenticate, ha1);
 }
 
-void Server::SetLimits(RtspLimits const& limits) { impl->SetLimits(limits); }
+void Server::SetLimits(ConnectionLimits const& limits) { impl->SetLimits(limits); }
 
 void Server::Mount(std::string const& id, std::shared_ptr<Stream> const& stream) { impl->Mount(id, stream); }
 

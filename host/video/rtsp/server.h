@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/failed_logins.h"
+#include "host/access/failed_logins.h"
 #include "host/video/rtsp_settings.h"
 #include "host/video/stream.h"
 
@@ -33,7 +33,7 @@ public:
     void SetAuthentication(bool authenticate, std::string const& ha1);
 
     /// Bounds for the connections that come from now on.
-    void SetLimits(RtspLimits const& limits);
+    void SetLimits(ConnectionLimits const& limits);
 
     /// Serves a stream at `/channels/ID`, in place of what was there.
     void Mount(std::string const& id, std::shared_ptr<Stream> const& stream);

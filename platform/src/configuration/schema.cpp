@@ -14,9 +14,10 @@ Schema::Schema(std::string nodePath, char const* defaultValue, std::string text,
                schema::Rule<std::string> rule)
     : Schema(std::move(nodePath), std::string(defaultValue), std::move(text), options, std::move(rule)) {}
 
-Schema Schema::Collection(std::string nodePath, std::vector<Schema> entry, std::string text, schema::Options options) {
-    return {std::move(nodePath),
-            std::make_shared<schema::CollectionDescription>(std::move(entry), std::move(text), options)};
+Schema Schema::Collection(std::string nodePath, std::vector<Schema> entry, std::string text, schema::Options options,
+                          schema::Rule<std::string> keyRule) {
+    return {std::move(nodePath), std::make_shared<schema::CollectionDescription>(std::move(entry), std::move(text),
+                                                                                 options, std::move(keyRule))};
 }
 
 std::string const& Schema::GetPath() const noexcept { return path; }

@@ -55,6 +55,12 @@ address_v4 GetLocalIPAddress() {
     return ChooseLocalAddress(ReadInterfacesIfPossible());
 }
 
+std::string MakeLocalUrl(std::string_view scheme, std::uint16_t port) {
+    return std::string(scheme) + "://" + GetLocalIPAddress().to_string() + ':' + std::to_string(port);
+}
+
+std::string MakeLocalWebUrl(bool tls, std::uint16_t port) { return MakeLocalUrl(tls ? "https" : "http", port); }
+
 std::string GetHostname() {
     std::array<char, HOST_NAME_MAX + 1> name{};
     if (gethostname(name.data(), name.size()) != 0) {

@@ -2,7 +2,9 @@
 #include "host/settings.h"
 #include "support/temporary_folder.h"
 
+#include <zarn/configuration/layer.h>
 #include <zarn/configuration/node/primitive.h>
+#include <zarn/onvif/settings.h>
 
 #include <boost/json/parse.hpp>
 #include <gmock/gmock.h>
@@ -14,10 +16,14 @@
 namespace zarn::host {
 namespace {
 
+using configuration::node::Read;
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
+using zarn::onvif::EnabledPath;
+using zarn::onvif::RtspPortPath;
+using zarn::onvif::WebPortPath;
 
 class ConfigurationFileTest : public testing::Test {
 protected:
@@ -44,8 +50,8 @@ protected:
 
 TEST_F(ConfigurationFileTest, IsMadeOfTheDefault) {
     file.Open();
-    EXPECT_TRUE(ReadBool(*root, OnvifPath));
-    EXPECT_EQ(ReadChannels(*root).size(), 2U);
+    EXPECT_TRUE(Read<bool>(*root, EnabledPath));
+    EXPECT_EQ(root->Find("channels")->As<configuration::node::Map>().GetSize(), 2U);
     auto const written = boost::json::parse(folder.Read("config.json"));
     EXPECT_EQ(written, root->ToJson(configuration::Layer::Persisted));
     EXPECT_EQ(written.at("settings").at("limits").at("connections"), 1024);
@@ -59,7 +65,7 @@ TEST_F(ConfigurationFileTest, IsMadeWithTheFoldersThatAreMissing) {
 
 TEST_F(ConfigurationFileTest, FillsTheTree) {
     EXPECT_EQ(GetLoadError(R"({"settings": {"web_port": 81}})"), "");
-    EXPECT_EQ(ReadPort(*root, WebPortPath), 81);
+    EXPECT_EQ(Read<std::uint16_t>(*root, WebPortPath), 81);
 }
 
 TEST_F(ConfigurationFileTest, NamesItselfAndThePlaceOfAMistake) {
@@ -72,7 +78,7 @@ TEST_F(ConfigurationFileTest, NamesItselfAndThePlaceOfAMistake) {
 TEST_F(ConfigurationFileTest, LeavesTheTreeAloneWhenItIsBroken) {
     GetLoadError(R"({"settings": {"web_port": 81}})");
     GetLoadError(R"({"settings": {"web_port": 82, "rtsp_port": 70000}})");
-    EXPECT_EQ(ReadPort(*root, WebPortPath), 81);
+    EXPECT_EQ(Read<std::uint16_t>(*root, WebPortPath), 81);
 }
 
 TEST_F(ConfigurationFileTest, IsWrittenWhenTheTreeHasChanged) {
@@ -135,7 +141,7 @@ TEST_F(UsedConfigurationFile, HasACopyThatOnlyItsOwnerReads) {
 TEST_F(UsedConfigurationFile, IsWrittenAgainFromItsCopyWhenItIsGone) {
     Remove("config.json");
     EXPECT_EQ(GetOpenError(), "");
-    EXPECT_EQ(ReadPort(*root, WebPortPath), 81);
+    EXPECT_EQ(Read<std::uint16_t>(*root, WebPortPath), 81);
     EXPECT_EQ(folder.Read("config.json"), R"({"settings": {"web_port": 81}})");
 }
 
@@ -145,7 +151,7 @@ TEST_F(UsedConfigurationFile, GivesWayToItsCopyWhenItIsDamagedAndStaysForItsEdit
         folder.Write("config.json", text);
         auto const tree = MakeTree();
         ConfigurationFile(folder / "config.json", tree).Open();
-        EXPECT_EQ(ReadPort(*tree, WebPortPath), 81) << text;
+        EXPECT_EQ(Read<std::uint16_t>(*tree, WebPortPath), 81) << text;
         EXPECT_EQ(folder.Read("config.json"), text);
     }
 }
@@ -204,7 +210,7 @@ TEST_F(UsedConfigurationFile, IsNotReplacedByItsCopyWhenItIsLoadedAgain) {
     file.Open();
     folder.Write("config.json", "garbage");
     EXPECT_THROW(file.Load(), DamageError);
-    EXPECT_EQ(ReadPort(*root, WebPortPath), 81);
+    EXPECT_EQ(Read<std::uint16_t>(*root, WebPortPath), 81);
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "host/preparation.h"
+#include "host/video/channel_settings.h"
 #include "support/certificate.h"
 #include "support/temporary_folder.h"
 
@@ -31,7 +32,7 @@ protected:
 
 TEST_F(PreparationTest, MakesWhatIsMissing) {
     auto const preparation = Prepare(commandLine);
-    EXPECT_EQ(ReadChannels(*preparation.configuration).size(), 2U);
+    EXPECT_EQ(video::ReadChannels(*preparation.configuration).size(), 2U);
     EXPECT_TRUE(preparation.credentials.generated);
     EXPECT_EQ(preparation.tls, nullptr);
     EXPECT_TRUE(std::filesystem::exists(folder / "config.json"));

@@ -1,32 +1,37 @@
 #include "host/settings.h"
+#include "support/source_file.h"
 
-#include <service/onvif/manager.h>
-#include <zarn/authentication/engine.h>
 #include <zarn/configuration/error.h>
+#include <zarn/configuration/layer.h>
+#include <zarn/configuration/node/primitive.h>
 
 #include <boost/json/parse.hpp>
 #include <boost/json/serialize.hpp>
 #include <gmock/gmock.h>
 
+#include <map>
 #include <memory>
+#include <regex>
+#include <set>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace zarn::host {
 namespace {
 
 using configuration::Error;
-using testing::ElementsAre;
+using configuration::node::Read;
 using testing::HasSubstr;
-using testing::IsEmpty;
 
 class SettingsTest : public testing::Test {
 protected:
     SettingsTest() { DescribeSettings(*root); }
 
-    void Read(std::string const& json) { root->FromJson(boost::json::parse(json)); }
-
-    std::string GetError(std::string const& json) {
+    std::string GetError(std::string const& json) const {
         try {
-            Read(json);
+            root->FromJson(boost::json::parse(json));
             return "";
         } catch (Error const& error) {
             return error.what();
@@ -35,83 +40,6 @@ protected:
 
     std::shared_ptr<configuration::node::Root> root = std::make_shared<configuration::node::Root>();
 };
-
-TEST_F(SettingsTest, HaveDefaults) {
-    Read("{}");
-    EXPECT_EQ(ReadPort(*root, WebPortPath), 8080);
-    EXPECT_EQ(ReadPort(*root, RtspPortPath), 8554);
-    EXPECT_TRUE(ReadBool(*root, AuthenticationPath));
-    EXPECT_EQ(ReadNonceLife(*root), std::chrono::minutes(5));
-    EXPECT_FALSE(ReadBool(*root, OnvifPath));
-    EXPECT_TRUE(ReadTlsFiles(*root).IsEmpty());
-    EXPECT_EQ(ReadLimits(*root), web::Limits());
-    EXPECT_THAT(ReadChannels(*root), IsEmpty());
-    EXPECT_EQ(ReadIdentity(*root).GetProductModel(), "zarn-host");
-}
-
-TEST_F(SettingsTest, DescribeTheSettingOfTheModuleAsItDoesItself) {
-    ZarnAuthenticationEngine const engine;
-    auto const own = std::make_shared<configuration::node::Root>();
-    service::onvif::Manager const manager(&engine, own, {}, {});
-    EXPECT_EQ(root->Find(OnvifPath)->GetSchema(), own->Find(OnvifPath)->GetSchema());
-}
-
-TEST_F(SettingsTest, LeaveAnIdentityEmptyThatIsGivenAsEmpty) {
-    Read(R"({"identity": {"manufacturer": "", "name": "Grün"}})");
-    auto const identity = ReadIdentity(*root);
-    EXPECT_EQ(identity.GetProductManufacturer(), "");
-    EXPECT_EQ(identity.GetProductName(), "Grün");
-}
-
-TEST_F(SettingsTest, GiveEveryLimit) {
-    Read(R"({"settings": {"limits": {"connections": 1, "connections_per_address": 2, "exchanges": 3, "body_bytes": 4096,
-             "header_seconds": 5, "idle_seconds": 6, "failed_logins_per_minute": 7}}})");
-    EXPECT_EQ(ReadLimits(*root), (web::Limits{.connections = 1,
-                                              .connectionsPerAddress = 2,
-                                              .exchanges = 3,
-                                              .bodyBytes = 4096,
-                                              .headerTime = std::chrono::seconds(5),
-                                              .idleTime = std::chrono::seconds(6)}));
-    EXPECT_EQ(ReadRtspLimits(*root).connections, 1U);
-    EXPECT_EQ(ReadRtspLimits(*root).connectionsPerAddress, 2U);
-    EXPECT_EQ(ReadFailedLoginsLimit(*root), 7U);
-}
-
-TEST_F(SettingsTest, LetNoncesLiveFiveMinutesAtMost) {
-    Read(R"({"settings": {"authentication": {"nonce_seconds": 1}}})");
-    EXPECT_EQ(ReadNonceLife(*root), std::chrono::seconds(1));
-    for (auto const* text : {"0", "301"}) {
-        EXPECT_THAT(GetError(std::string(R"({"settings": {"authentication": {"nonce_seconds": )") + text + "}}}"),
-                    HasSubstr("settings.authentication.nonce_seconds: " + std::string(text) +
-                              " is not a number from 1 to 300"));
-    }
-}
-
-TEST_F(SettingsTest, GiveTheChannelsInTheOrderOfTheFile) {
-    Read(R"({"channels": {
-        "b-2": {"name": "B", "source": "rtsp://camera/stream", "user": "u", "password": "p"},
-        "1": {"name": "A", "video": {"codec": "odd", "width": 1920, "height": 1080, "rate": "30000/1001"}}}})");
-    EXPECT_THAT(
-        ReadChannels(*root),
-        ElementsAre(
-            video::ChannelSettings{
-                .id = "b-2", .source = "rtsp://camera/stream", .user = "u", .password = "p", .described = {}},
-            video::ChannelSettings{
-                .id = "1", .source = "", .user = "", .password = "", .described = {{1920, 1080}, "odd", 30000, 1001}}));
-}
-
-TEST_F(SettingsTest, KeepWhatAChannelDoesNotSayOutOfTheFile) {
-    Read(R"({"channels": {"1": {"name": "A"}}})");
-    EXPECT_EQ(boost::json::serialize(root->Find("channels")->ToJson(configuration::Layer::Persisted)),
-              R"({"1":{"name":"A"}})");
-}
-
-TEST_F(SettingsTest, KeepAPasswordInTheFileAndShowItToNobody) {
-    Read(R"({"channels": {"1": {"name": "A", "password": "sesame"}}})");
-    EXPECT_THAT(boost::json::serialize(root->ToJson(configuration::Layer::Persisted)), HasSubstr("sesame"));
-    EXPECT_THAT(boost::json::serialize(root->ToJson(configuration::Layer::Effective)),
-                testing::Not(HasSubstr("sesame")));
-}
 
 TEST_F(SettingsTest, RefuseValuesThatMakeNoSense) {
     for (auto const* json : {
@@ -123,39 +51,20 @@ TEST_F(SettingsTest, RefuseValuesThatMakeNoSense) {
              R"({"settings": {"limits": {"header_seconds": 3601}}})",
              R"({"settings": {"limits": {"idle_seconds": 0}}})",
              R"({"settings": {"limits": {"failed_logins_per_minute": 10001}}})",
-             R"({"identity": {"name": "a\nb"}})",
-             R"({"channels": {"1": {"name": "a\u0000b"}}})",
-             R"({"channels": {"1": {"video": {"rate": "x"}}}})",
-             R"({"channels": {"1": {"video": {"width": -1}}}})",
-             R"({"channels": {"1": {"source": "test:none-such"}}})",
-             R"({"channels": {"a.b": {}}})",
-             R"({"channels": {"1": {"colour": "red"}}})",
-             R"({"channels": []})",
              R"({"events": {}})",
          }) {
         EXPECT_THAT(GetError(json), HasSubstr(": ")) << json;
     }
-    EXPECT_THAT(GetError(R"({"identity": {"name": ")" + std::string(257, 'a') + R"("}})"), HasSubstr("identity.name"));
-    EXPECT_EQ(GetError(R"({"identity": {"name": ")" + std::string(256, 'a') + R"("}})"), "");
-}
-
-TEST_F(SettingsTest, WantCertificateAndKeyTogether) {
-    Read(R"({"settings": {"tls": {"certificate": "a", "private_key": "b"}}})");
-    EXPECT_EQ(ReadTlsFiles(*root), (TlsFiles{"a", "b"}));
-    Read(R"({"settings": {"tls": {"certificate": "a"}}})");
-    EXPECT_THROW(ReadTlsFiles(*root), Error);
-    Read(R"({"settings": {"tls": {"private_key": "b"}}})");
-    EXPECT_THROW(ReadTlsFiles(*root), Error);
 }
 
 TEST_F(SettingsTest, CanBeOverriddenAsText) {
-    Read(R"({"channels": {"1": {"name": "A"}}})");
-    OverrideSetting(*root, WebPortPath, "18080");
-    OverrideSetting(*root, AuthenticationPath, "false");
+    root->FromJson(boost::json::parse(R"({"channels": {"1": {"name": "A"}}})"));
+    OverrideSetting(*root, "settings.web_port", "18080");
+    OverrideSetting(*root, "settings.authentication.enabled", "false");
     OverrideSetting(*root, "channels.1.video.rate", "15/1");
-    EXPECT_EQ(ReadPort(*root, WebPortPath), 18080);
-    EXPECT_FALSE(ReadBool(*root, AuthenticationPath));
-    EXPECT_EQ(ReadChannels(*root).at(0).described.GetFrameRateNumerator(), 15);
+    EXPECT_EQ(Read<std::uint16_t>(*root, "settings.web_port"), 18080);
+    EXPECT_FALSE(Read<bool>(*root, "settings.authentication.enabled"));
+    EXPECT_EQ(Read<std::string>(*root, "channels.1.video.rate"), "15/1");
 }
 
 TEST_F(SettingsTest, CannotBeOverriddenWithWhatTheyDoNotTake) {
@@ -177,7 +86,7 @@ TEST_F(SettingsTest, CannotBeOverriddenWithWhatTheyDoNotTake) {
 TEST_F(SettingsTest, QuoteAWrongValueInOneLine) {
     try {
         OverrideSetting(*root, "settings.limits.connections", "4\x7F\xC2\x85");
-        FAIL() << "taken";
+        FAIL() << "accepted";
     } catch (Error const& error) {
         EXPECT_THAT(error.what(), testing::HasSubstr(R"("4\x7f\xc2\x85")"));
     }
@@ -186,11 +95,102 @@ TEST_F(SettingsTest, QuoteAWrongValueInOneLine) {
 TEST_F(SettingsTest, NameAnUnknownPathInOneShortLine) {
     try {
         OverrideSetting(*root, "channels.\x01\n\xff" + std::string(10000, 'a'), "1");
-        FAIL() << "taken";
+        FAIL() << "accepted";
     } catch (Error const& error) {
         EXPECT_THAT(error.what(), testing::StartsWith(R"(channels.\x01\n\xffaaa)"));
         EXPECT_THAT(error.what(), testing::EndsWith("more): there is no such setting"));
     }
+}
+
+/// The settings with their defaults as the documentation writes them, ID for a channel's.
+using Defaults = std::map<std::string, std::string>;
+
+std::string WriteDefault(boost::json::value const& value) {
+    if (value.is_string()) return value.as_string().empty() ? "empty" : '`' + std::string(value.as_string()) + '`';
+    return boost::json::serialize(value);
+}
+
+void Collect(boost::json::value const& schema, std::string const& path, Defaults& defaults) {
+    auto const& object = schema.as_object();
+    if (auto const* entry = object.if_contains("additionalProperties")) {
+        Collect(*entry, path + ".ID", defaults);
+    } else if (auto const* properties = object.if_contains("properties")) {
+        for (auto const& [key, value] : properties->as_object()) {
+            Collect(value, path.empty() ? std::string(key) : path + '.' + std::string(key), defaults);
+        }
+    } else {
+        defaults.emplace(path, WriteDefault(object.at("default")));
+    }
+}
+
+/// What does not depend on the setting's owner is the same in the documents.
+class SettingsInDocuments : public SettingsTest {
+protected:
+    SettingsInDocuments() { Collect(root->GetSchema(), "", settings); }
+
+    /// The rows of the table of settings: path, bounds, default.
+    static std::map<std::string, std::pair<std::string, std::string>> ReadTable() {
+        std::map<std::string, std::pair<std::string, std::string>> rows;
+        std::istringstream lines(test::ReadSourceFile("docs/configuration.md"));
+        std::regex const row(R"(\| `((?:identity|settings|channels)\.[A-Za-z_.]+)` \| (.*?) \| (.*?) \|.*)");
+        for (std::string line; std::getline(lines, line);) {
+            std::smatch match;
+            if (std::regex_match(line, match, row)) rows[match[1]] = {match[2], match[3]};
+        }
+        return rows;
+    }
+
+    Defaults settings;
+};
+
+TEST_F(SettingsInDocuments, HaveARowEachWithTheirDefault) {
+    Defaults documented;
+    for (auto const& [path, row] : ReadTable()) {
+        if (path != "channels.ID") documented.emplace(path, row.second);
+    }
+    settings["identity.firmware"] = "the version";
+    EXPECT_THAT(documented, testing::ContainerEq(settings));
+}
+
+TEST_F(SettingsInDocuments, HaveTheBoundsOfTheirRow) {
+    root->FromJson(boost::json::parse(R"({"channels": {"ID": {}}})"));
+    std::regex const range("([0-9]+) to ([0-9]+)");
+    int checked = 0;
+    for (auto const& [path, row] : ReadTable()) {
+        std::smatch match;
+        if (!std::regex_match(row.first, match, range)) continue;
+        auto const least = std::stoll(match[1]);
+        auto const most = std::stoll(match[2]);
+        EXPECT_NO_THROW(OverrideSetting(*root, path, std::to_string(least))) << path;
+        EXPECT_NO_THROW(OverrideSetting(*root, path, std::to_string(most))) << path;
+        EXPECT_THROW(OverrideSetting(*root, path, std::to_string(least - 1)), Error) << path;
+        EXPECT_THROW(OverrideSetting(*root, path, std::to_string(most + 1)), Error) << path;
+        ++checked;
+    }
+    EXPECT_GE(checked, 12);
+}
+
+TEST_F(SettingsInDocuments, ExistWhereverTheyAreNamed) {
+    std::regex const name(R"(\bsettings(\.[a-z_]+)+)");
+    for (auto const* file :
+         {"README.md", "docs/architecture.md", "docs/authentication.md", "docs/configuration.md", "docs/deployment.md",
+          "docs/discovery.md", "docs/events.md", "docs/host.md", "docs/security.md", "docs/video.md"}) {
+        auto const text = test::ReadSourceFile(file);
+        for (std::sregex_iterator match(text.begin(), text.end(), name), end; match != end; ++match) {
+            EXPECT_TRUE(root->Find(match->str())) << file << ": " << match->str();
+        }
+    }
+}
+
+TEST_F(SettingsInDocuments, AreKeysOfTheFuzzersDictionary) {
+    auto const dictionary = test::ReadSourceFile("fuzz/dictionaries/configuration.dict");
+    std::set<std::string> keys;
+    for (auto const& [path, value] : settings) {
+        std::istringstream parts(path);
+        for (std::string key; std::getline(parts, key, '.');) keys.insert(key);
+    }
+    keys.erase("ID");
+    for (auto const& key : keys) EXPECT_THAT(dictionary, HasSubstr("\\\"" + key + "\\\":"));
 }
 
 } // namespace

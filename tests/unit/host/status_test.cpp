@@ -17,7 +17,7 @@ TEST(Status, SaysHowChannelsModuleAndListenersAre) {
         boost::json::parse(R"({"settings": {"web_port": 8081}, "channels": {"7": {"name": "A", "password": "sesame",
         "video": {"codec": "video/x-h264", "width": 640, "height": 360, "rate": "15/2"}}}})"));
     video::Engine engine({.port = 0, .authenticate = false, .ha1 = ""});
-    engine.SetChannels(ReadChannels(*root));
+    engine.SetChannels(video::ReadChannels(*root));
     web::Admission admission;
     auto const slot = admission.BeginExchange({});
 

@@ -12,6 +12,7 @@ set(sources
   logging/logger_test.cpp
   meta/data/video_info_test.cpp
   network/address_test.cpp
+  network/authority_test.cpp
   protocol/network/http/method_test.cpp
   protocol/network/http/request_test.cpp
   protocol/network/http/response/status_test.cpp

@@ -1,6 +1,7 @@
 # zarn::asio, chrono, meta, onvif
 set(sources
   chrono/add_test.cpp
+  chrono/back_off_test.cpp
   chrono/duration/iso8601_test.cpp
   chrono/iso8601_test.cpp
   meta/box_test.cpp

@@ -49,9 +49,10 @@ public:
            schema::Rule<std::string> rule = {});
 
     /// Describes a collection (node::Dynamic).
-    /// entry  the members of every entry, in the order in which new entries have them
+    /// entry    the members of every entry, in the order in which new entries have them
+    /// keyRule  which keys entries may have; by default all keys
     static Schema Collection(std::string path, std::vector<Schema> entry, std::string description,
-                             schema::Options options = {});
+                             schema::Options options = {}, schema::Rule<std::string> keyRule = {});
 
     /// The path, relative to the map that the schema is given to.
     std::string const& GetPath() const noexcept;

@@ -2,7 +2,9 @@
 
 #include <boost/asio/ip/address_v4.hpp>
 
+#include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace zarn::network {
 
@@ -11,6 +13,13 @@ namespace zarn::network {
 /// Looked up anew at each call (a few microseconds with a default route); sends nothing; never throws because of the
 /// state of the network. Thread: any.
 boost::asio::ip::address_v4 GetLocalIPAddress();
+
+/// The beginning of an address of this machine, "SCHEME://ADDRESS:PORT" with GetLocalIPAddress(); the port is written
+/// even when it is the scheme's default. Thread: any.
+std::string MakeLocalUrl(std::string_view scheme, std::uint16_t port);
+
+/// The same for a web server: "https" with TLS, else "http".
+std::string MakeLocalWebUrl(bool tls, std::uint16_t port);
 
 /// The host name as the kernel has it now. Throws std::system_error when it cannot be read. Thread: any.
 std::string GetHostname();

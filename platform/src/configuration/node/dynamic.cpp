@@ -43,6 +43,7 @@ Dynamic::~Dynamic() = default;
 
 std::shared_ptr<Map> Dynamic::MakeEntry(std::string_view entryKey) const {
     RequireKey(entryKey, GetPath());
+    description->CheckKey(entryKey, GetPath());
     auto entry = std::make_shared<Map>(MakePlace(entryKey));
     entry->Schema(description->GetEntry());
     MarkRead(*entry);

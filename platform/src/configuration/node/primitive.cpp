@@ -1,3 +1,4 @@
+#include "configuration/node/key.h"
 #include "configuration/node/place.h"
 #include "configuration/schema/value_description.h"
 
@@ -9,6 +10,10 @@
 #include <utility>
 
 namespace zarn::configuration::node {
+
+void ThrowMissing(char const* typeName, Map const& map, std::string_view path) {
+    throw object::BadCast(typeName, JoinPath(map.GetPath(), path));
+}
 
 template <class T>
 Primitive<T>::Primitive(Place const& place, std::shared_ptr<schema::ValueDescription const> valueDescription)

@@ -1,7 +1,9 @@
 #include "configuration/schema/collection_description.h"
 
 #include "configuration/node/place.h"
+#include "configuration/schema/quote.h"
 
+#include <zarn/configuration/error.h>
 #include <zarn/configuration/node/dynamic.h>
 #include <zarn/configuration/node/root.h>
 
@@ -12,8 +14,15 @@
 namespace zarn::configuration::schema {
 
 CollectionDescription::CollectionDescription(std::vector<Schema> entrySchemas, std::string descriptionText,
-                                             Options descriptionOptions)
-    : Description(std::move(descriptionText), descriptionOptions), entry(std::move(entrySchemas)) {}
+                                             Options descriptionOptions, Rule<std::string> entryKeyRule)
+    : Description(std::move(descriptionText), descriptionOptions),
+      entry(std::move(entrySchemas)),
+      keyRule(std::move(entryKeyRule)) {}
+
+void CollectionDescription::CheckKey(std::string_view key, std::string const& path) const {
+    if (keyRule.accepts && !keyRule.accepts(std::string(key)))
+        throw Error(path, Quote(key) + " is not " + keyRule.text);
+}
 
 std::shared_ptr<Node> CollectionDescription::Create(node::Place const& place) const {
     return std::make_shared<node::Dynamic>(place,

@@ -65,8 +65,7 @@ void AppendSequence(pugi::xml_node header) {
 }
 
 std::string MakeServiceAddress(unsigned short port, bool ssl) {
-    return (ssl ? "https://" : "http://") + network::GetLocalIPAddress().to_string() + ":" + std::to_string(port) +
-           "/onvif/device_service";
+    return network::MakeLocalWebUrl(ssl, port) + "/onvif/device_service";
 }
 
 void AppendHeader(pugi::xml_node envelope, std::string const& relatesTo, std::string const& address) {

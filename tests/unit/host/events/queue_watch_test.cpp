@@ -26,23 +26,23 @@ protected:
 };
 
 TEST_F(QueueWatchTest, SaysNothingUpToTheLimit) {
-    watch.Look(10);
+    watch.CheckQueues(10);
     EXPECT_THAT(log.GetLines(), IsEmpty());
 }
 
 TEST_F(QueueWatchTest, WarnsOnceWhenAllQueuesTogetherPassTheLimit) {
-    for (int i = 0; i < 3; ++i) watch.Look(9);
+    for (int i = 0; i < 3; ++i) watch.CheckQueues(9);
     ASSERT_THAT(log.GetLines(), SizeIs(1));
     EXPECT_EQ(log.GetLines().front().level, logging::Level::Warning);
     EXPECT_THAT(log.GetLines().front().text, HasSubstr("10 events wait in 2 subscriptions"));
 }
 
 TEST_F(QueueWatchTest, WarnsAgainWhenTheyHaveBeenShorterMeanwhile) {
-    watch.Look(9);
+    watch.CheckQueues(9);
     many.SetQueued(0);
-    watch.Look(9);
+    watch.CheckQueues(9);
     many.SetQueued(7);
-    watch.Look(9);
+    watch.CheckQueues(9);
     EXPECT_THAT(log.GetLines(), SizeIs(2));
 }
 

@@ -209,7 +209,7 @@ TEST_F(EngineLimits, RefuseTheRightPasswordAfterTooManyGuesses) {
     StartChannel();
     auto const describe = "DESCRIBE " + GetUrl("1") + " RTSP/1.0\r\nCSeq: 1\r\n";
     auto const peer = Connect();
-    for (std::size_t guess = 0; guess <= FailedLogins::DefaultLimit; ++guess) {
+    for (std::size_t guess = 0; guess <= AccessSettings().failedLoginsPerMinute; ++guess) {
         ASSERT_TRUE(peer->Send(describe +
                                "Authorization: Digest username=\"admin\", realm=\"x\", nonce=\"x\", uri=\"x\", "
                                "response=\"00000000000000000000000000000000\"\r\n\r\n"));

@@ -3,14 +3,18 @@
 #include "support/process.h"
 #include "web/server_fixture.h"
 
+#include <zarn/configuration/error.h>
+
 #include <boost/asio/connect.hpp>
 #include <boost/asio/read.hpp>
 #include <boost/asio/read_until.hpp>
 #include <boost/asio/ssl/stream.hpp>
 #include <boost/asio/write.hpp>
+#include <boost/json/parse.hpp>
 #include <gmock/gmock.h>
 #include <openssl/ssl.h>
 
+#include <memory>
 #include <stdexcept>
 #include <string>
 
@@ -48,6 +52,24 @@ TEST(Tls, NamesTheFileThatCannotBeUsed) {
     EXPECT_THAT(GetError(garbage, files.key), AllOf(HasSubstr("settings.tls.certificate: "), HasSubstr("/garbage")));
     EXPECT_THAT(GetError(files.certificate, garbage),
                 AllOf(HasSubstr("settings.tls.private_key: "), HasSubstr("/garbage")));
+}
+
+TEST(TlsSettings, NameBothFilesOrNone) {
+    auto const root = std::make_shared<configuration::node::Root>();
+    root->Schema(MakeTlsSchemas());
+    auto const read = [&](char const* json) {
+        root->FromJson(boost::json::parse(json));
+        return ReadTls(*root);
+    };
+    EXPECT_EQ(read("{}"), nullptr);
+    EXPECT_THROW(read(R"({"settings": {"tls": {"certificate": "a"}}})"), configuration::Error);
+    EXPECT_THROW(read(R"({"settings": {"tls": {"private_key": "b"}}})"), configuration::Error);
+    TemporaryFolder const folder;
+    Certificate const files(folder);
+    EXPECT_NE(read((R"({"settings": {"tls": {"certificate": ")" + files.certificate + R"(", "private_key": ")" +
+                    files.key + R"("}}})")
+                       .c_str()),
+              nullptr);
 }
 
 TEST(Tls, RefusesAKeyOfAnotherCertificate) {

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <zarn/configuration/node/map.h>
 #include <zarn/configuration/node/value.h>
 
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace zarn::configuration::node {
 
@@ -26,6 +28,9 @@ inline constexpr char const* PrimitiveTypeName<std::int64_t> = "zarn.configurati
 template <>
 inline constexpr char const* PrimitiveTypeName<double> = "zarn.configuration.node.Double";
 
+/// Throws the object::BadCast of Read for a node that is missing.
+[[noreturn]] void ThrowMissing(char const* typeName, Map const& map, std::string_view path);
+
 /// A node that holds a value of type T. Its GetValuePtr() gives an object::Primitive<T>.
 template <class T>
 class Primitive : public object::Typed<Primitive<T>, Value> {
@@ -45,6 +50,15 @@ public:
     /// Overrides the value for this run. Throws Error when the node's rule refuses it.
     void Override(T value);
 };
+
+/// The effective value of the node with a path below a map ("name", "video.width").
+/// Throws object::BadCast when there is no such node or it holds another type. Thread: any; waits for no change.
+template <class T>
+T Read(Map const& map, std::string_view path) {
+    auto const node = map.Find(boost::string_view(path.data(), path.size()));
+    if (!node) ThrowMissing(PrimitiveTypeName<T>, map, path);
+    return node->template As<Primitive<T>>().Get();
+}
 
 extern template class Primitive<bool>;
 extern template class Primitive<std::string>;

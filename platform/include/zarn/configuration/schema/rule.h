@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <string>
 
@@ -21,5 +23,17 @@ struct Rule {
     /// Whether values may hold something secret, so that a refused one is not shown.
     bool secret = false;
 };
+
+/// A number between two bounds, both included.
+Rule<std::uint32_t> Between(std::uint32_t least, std::uint32_t most);
+
+/// A port to listen on.
+Rule<std::uint16_t> Port();
+
+/// A text that can be shown in one line and written into XML: at most 256 bytes of UTF-8.
+Rule<std::string> Line();
+
+/// The same with at most this many characters (code points).
+Rule<std::string> Line(std::size_t characters);
 
 } // namespace zarn::configuration::schema

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "host/access/access_settings.h"
+
 #include <boost/asio/ip/address.hpp>
 
 #include <chrono>
@@ -11,31 +13,30 @@
 
 namespace zarn::host {
 
-/// Remembers, per address, the wrong digest answers of the last minute, so that guessing can be slowed down. The
-/// servers share one, so that whoever guesses on both ports gets no further than on one. Remembers 4,096 addresses at
-/// most and forgets the one that failed longest ago first. Thread: any.
+/// Counts the failed logins of each address within the last minute, to slow down guessing. Both servers share one
+/// count, so that guessing on two ports gains nothing. Keeps at most 4,096 addresses and forgets the one that failed
+/// longest ago first. Thread: any.
 class FailedLogins {
 public:
     using Clock = std::chrono::steady_clock;
 
     /// limit  as in SetLimit
-    explicit FailedLogins(std::size_t limit = DefaultLimit) : limit(limit) {}
+    explicit FailedLogins(std::size_t limit = AccessSettings().failedLoginsPerMinute) : limit(limit) {}
 
     FailedLogins(FailedLogins const&) = delete;
     FailedLogins& operator=(FailedLogins const&) = delete;
 
-    /// How many wrong answers an address may give within a minute, from now on.
+    /// How many logins an address may fail within a minute, from now on.
     void SetLimit(std::size_t value);
 
-    /// Counts one wrong answer of `peer`.
+    /// Counts a failed login of `peer`.
     void Count(boost::asio::ip::address const& peer, Clock::time_point now = Clock::now());
 
-    /// How long `peer` has to wait before it may try again: none unless it has given more wrong answers than
-    /// the limit within the last minute; rounded up to whole seconds, one at least.
+    /// How long `peer` has to wait before it may try again, in whole seconds rounded up, at least one. None unless it
+    /// failed more logins than the limit within the last minute.
     std::optional<std::chrono::seconds> GetWait(boost::asio::ip::address const& peer,
                                                 Clock::time_point now = Clock::now()) const;
 
-    static constexpr std::size_t DefaultLimit = 60;
     static constexpr std::size_t MaximumAddresses = 4096;
 
 private:

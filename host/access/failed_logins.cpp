@@ -1,4 +1,4 @@
-#include "host/failed_logins.h"
+#include "host/access/failed_logins.h"
 
 #include <algorithm>
 
