@@ -11,6 +11,7 @@ zarn_add_tests(NAME platform_configuration_tests
     configuration/node/reading_test.cpp
     configuration/node/undescribed_test.cpp
     configuration/node/writing_test.cpp
+    configuration/schema/rule_test.cpp
     configuration/schema_test.cpp
     configuration/text_test.cpp
     object/bad_cast_test.cpp

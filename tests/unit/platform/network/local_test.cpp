@@ -110,6 +110,12 @@ TEST(GetLocalIPAddress, LeavesNoDescriptorOpen) {
     EXPECT_EQ(after, before);
 }
 
+TEST(MakeLocalUrl, JoinsSchemeAddressAndPort) {
+    EXPECT_EQ(MakeLocalUrl("rtsp", 554), "rtsp://" + GetLocalIPAddress().to_string() + ":554");
+    EXPECT_EQ(MakeLocalWebUrl(false, 80), MakeLocalUrl("http", 80));
+    EXPECT_EQ(MakeLocalWebUrl(true, 0), MakeLocalUrl("https", 0));
+}
+
 TEST(GetHostname, IsTheKernelsName) {
     std::array<char, HOST_NAME_MAX + 1> name{};
     ASSERT_EQ(gethostname(name.data(), name.size()), 0);

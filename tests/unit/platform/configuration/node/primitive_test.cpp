@@ -33,6 +33,19 @@ TEST_F(PrimitiveTest, HasItsDefaultAtFirst) {
     EXPECT_EQ(At<String>("name").Get(), "server");
 }
 
+TEST_F(PrimitiveTest, IsReadByItsPath) {
+    EXPECT_EQ(node::Read<std::uint16_t>(*root, "settings.port"), 80);
+    EXPECT_EQ(node::Read<std::string>(*root, "name"), "server");
+    EXPECT_THROW(node::Read<std::string>(*root, "settings.port"), object::BadCast);
+    try {
+        node::Read<bool>(root->Find("settings")->As<node::Map>(), "nothing.here");
+        FAIL() << "found";
+    } catch (object::BadCast const& error) {
+        EXPECT_NE(std::string(error.what()).find("settings.nothing.here"), std::string::npos) << error.what();
+        EXPECT_NE(std::string(error.what()).find("zarn.configuration.node.Bool"), std::string::npos) << error.what();
+    }
+}
+
 TEST_F(PrimitiveTest, GivesItsValueAsAnObjectThatNeverChanges) {
     auto const before = At<node::Value>("settings.port").GetValuePtr();
     At<UInt16>("settings.port").Set(81);
