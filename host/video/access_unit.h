@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/video/handle.h"
+#include "host/video/gstreamer.h"
 
 #include <chrono>
 #include <cstddef>
@@ -21,12 +21,41 @@ struct AccessUnit {
     Stamp stamp;                                  ///< when
     bool isKey = false;                           ///< decoding can begin here
     std::size_t size = 0;                         ///< bytes in `data`
-    std::chrono::steady_clock::time_point came{}; ///< when it came from the source
+    std::chrono::steady_clock::time_point arrived{}; ///< from the source
 };
 
 using AccessUnitPtr = std::shared_ptr<AccessUnit const>;
 
 /// Access units in decoding order.
 using AccessUnits = std::vector<AccessUnitPtr>;
+
+/// The newest key frame of a stream and everything after it: what a viewer who comes now, or a snapshot, has to decode.
+/// Bounded: a group that grows past a bound is given up until the next key frame, since a part of it would be of no
+/// use. Thread: one at a time.
+class GroupOfPictures {
+public:
+    struct Bounds {
+        std::size_t units = 3600;
+        std::size_t bytes = std::size_t{32} * 1024 * 1024;
+    };
+
+    GroupOfPictures() = default;
+
+    explicit GroupOfPictures(Bounds bounds) : bounds(bounds) {}
+
+    /// Takes the next access unit; those before the first key frame are passed over.
+    void Add(AccessUnitPtr unit);
+
+    /// Forgets everything.
+    void Clear();
+
+    /// The group so far; empty or beginning with a key frame.
+    AccessUnits const& GetUnits() const { return units; }
+
+private:
+    Bounds bounds{};
+    AccessUnits units;
+    std::size_t bytes = 0;
+};
 
 } // namespace zarn::host::video

@@ -1,6 +1,6 @@
 #include "host/video/channel.h"
 
-#include "host/video/check_source.h"
+#include "host/video/source.h"
 #include "host/video/log.h"
 
 #include <zarn/chrono/back_off.h>
@@ -124,7 +124,7 @@ void Channel::Run(std::stop_token const& stop, Source const& source) {
 }
 
 Channel::Outcome Channel::RunOnce(std::stop_token const& stop, Source const& source, OpenOptions const& options) {
-    bool const isPaced = std::holds_alternative<FileSource>(source);
+    bool const isPaced = !source.isLive;
     Outcome outcome;
     timeline.BeginRun();
     Producer producer(source, options);
@@ -135,7 +135,7 @@ Channel::Outcome Channel::RunOnce(std::stop_token const& stop, Source const& sou
         if (stop.stop_requested()) break;
         if (auto* picture = std::get_if<Producer::Picture>(&result)) {
             newest = Clock::now();
-            Take(stop, std::move(*picture), isPaced);
+            Publish(stop, std::move(*picture), isPaced);
             if (!outcome.firstPicture) outcome.firstPicture = newest;
         } else if (auto* failure = std::get_if<Failure>(&result)) {
             outcome.failure = std::move(*failure);
@@ -152,8 +152,8 @@ Channel::Outcome Channel::RunOnce(std::stop_token const& stop, Source const& sou
     return outcome;
 }
 
-void Channel::Take(std::stop_token const& stop, Producer::Picture picture, bool isPaced) {
-    Follow(gst_sample_get_caps(picture.sample.get()));
+void Channel::Publish(std::stop_token const& stop, Producer::Picture picture, bool isPaced) {
+    UpdateFormat(gst_sample_get_caps(picture.sample.get()));
     auto const now = stream->GetNow();
     if (isPaced && now - timeline.GetPosition() > LagLimit) timeline.BeginRun();
     auto unit = std::make_shared<AccessUnit>();
@@ -163,12 +163,12 @@ void Channel::Take(std::stop_token const& stop, Producer::Picture picture, bool 
     unit->data.reset(gst_buffer_ref(buffer));
     unit->isKey = !GST_BUFFER_FLAG_IS_SET(buffer, GST_BUFFER_FLAG_DELTA_UNIT);
     unit->size = gst_buffer_get_size(buffer);
-    unit->came = Clock::now();
+    unit->arrived = Clock::now();
     stream->Publish(std::move(unit));
     SetState(ChannelState::Running, {});
 }
 
-void Channel::Follow(GstCaps* next) {
+void Channel::UpdateFormat(GstCaps* next) {
     if (caps && (caps.get() == next || gst_caps_is_equal(caps.get(), next) != FALSE)) return;
     auto const format = ReadFormat(next);
     if (!format) return;

@@ -69,8 +69,8 @@ private:
     void Refuse(Failure const& why);
     void Run(std::stop_token const& stop, Source const& source);
     Outcome RunOnce(std::stop_token const& stop, Source const& source, OpenOptions const& options);
-    void Take(std::stop_token const& stop, Producer::Picture picture, bool isPaced);
-    void Follow(GstCaps* caps);
+    void Publish(std::stop_token const& stop, Producer::Picture picture, bool isPaced);
+    void UpdateFormat(GstCaps* caps);
     void WaitUntil(std::stop_token const& stop, std::chrono::steady_clock::time_point time);
     void SetState(ChannelState next, Failure const& why);
     void Report(ChannelState next, std::string why);

@@ -1,7 +1,6 @@
 #include "host/video/channel_settings.h"
 
-#include "host/video/check_source.h"
-#include "host/video/frame_rate.h"
+#include "host/video/source.h"
 
 #include <zarn/configuration/node/dynamic.h>
 #include <zarn/configuration/node/primitive.h>

@@ -2,7 +2,9 @@
 
 #include <zarn/meta/data/video_info.h>
 
+#include <array>
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -19,7 +21,10 @@ enum class ChannelState {
 };
 
 /// Lower-case name of a state, for logs and status documents: "described", "connecting", "running", "failed".
-std::string_view ToString(ChannelState state);
+constexpr std::string_view ToString(ChannelState state) {
+    constexpr std::array<std::string_view, 4> Names{"described", "connecting", "running", "failed"};
+    return Names[static_cast<std::size_t>(state)];
+}
 
 /// A channel as it is at one moment.
 struct ChannelStatus {

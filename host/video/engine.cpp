@@ -118,7 +118,7 @@ public:
         }
         for (auto const& entry : last.order) entry->channel.Stop();
         stills.Stop();
-        Leave(last.order);
+        AwaitEnd(last.order);
         server.Stop();
     }
 
@@ -142,7 +142,7 @@ private:
             entry->channel.Stop();
             gone.push_back(entry);
         }
-        Leave(gone);
+        AwaitEnd(gone);
         for (auto const& [id, entry] : entries.byId) {
             if (!kept.byId.contains(id) && entry->channel.HasSource()) server.Unmount(id);
         }
@@ -154,7 +154,7 @@ private:
     }
 
     /// Waits for channels that have been stopped, and sets those aside that do not end in time.
-    void Leave(std::vector<EntryPtr> const& stopped) {
+    void AwaitEnd(std::vector<EntryPtr> const& stopped) {
         auto const deadline = std::chrono::steady_clock::now() + EndTimeout;
         std::erase_if(late, [](auto const& entry) { return entry->channel.WaitForEnd({}); });
         for (auto const& entry : stopped) {

@@ -2,7 +2,6 @@
 
 #include "host/video/channel_settings.h"
 #include "host/video/channel_status.h"
-#include "host/video/check_source.h"
 #include "host/video/rtsp_settings.h"
 #include "host/video/snapshot.h"
 

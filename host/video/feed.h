@@ -2,12 +2,35 @@
 
 #include "host/video/access_unit.h"
 #include "host/video/format.h"
-#include "host/video/handle.h"
-#include "host/video/viewer_clock.h"
 
 #include <chrono>
 
 namespace zarn::host::video {
+
+/// Turns times of a stream's timeline into those of one viewer, which begin at zero. What was kept from before the
+/// viewer came passes in a fiftieth of its time, so that a picture is there at once and the viewer is up to date right
+/// after. Order is kept, also between presentation times that go back and forth. Pure.
+class ViewerClock {
+public:
+    using Time = std::chrono::nanoseconds;
+
+    /// first  presentation or decoding time of the first access unit, whichever is less
+    /// present  the timeline when the viewer comes
+    ViewerClock(Time first, Time present) : first(first), present(present < first ? first : present) {}
+
+    /// The viewer's time; never negative.
+    Time Map(Time time) const {
+        if (time <= first) return Time{0};
+        if (time <= present) return (time - first) / Speed;
+        return (present - first) / Speed + (time - present);
+    }
+
+private:
+    static constexpr int Speed = 50;
+
+    Time first;
+    Time present;
+};
 
 /// Hands access units to one RTSP media. Never waits: a media that does not take them in time misses some and goes on
 /// at a key frame. Thread: one at a time.

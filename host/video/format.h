@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/video/codec.h"
-#include "host/video/handle.h"
+#include "host/video/gstreamer.h"
 #include "host/video/source.h"
 
 #include <zarn/meta/data/video_info.h>

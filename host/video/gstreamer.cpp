@@ -1,7 +1,5 @@
 #include "host/video/gstreamer.h"
 
-#include <gst/gst.h>
-
 #include <stdexcept>
 #include <string>
 

@@ -5,6 +5,9 @@
 namespace zarn::host::video {
 
 /// Where the video engine writes its log.
-logging::Logger const& Log();
+inline logging::Logger const& Log() {
+    static logging::Logger const Logger("zarn.host.video");
+    return Logger;
+}
 
 } // namespace zarn::host::video

@@ -1,6 +1,5 @@
 #include "host/video/pipeline.h"
 
-#include "host/video/gstreamer.h"
 #include "host/video/pipeline_text.h"
 
 #include <algorithm>

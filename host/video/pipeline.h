@@ -1,7 +1,6 @@
 #pragma once
 
-#include "host/video/failure.h"
-#include "host/video/handle.h"
+#include "host/video/gstreamer.h"
 
 #include <gst/gst.h>
 
@@ -10,6 +9,18 @@
 #include <string>
 
 namespace zarn::host::video {
+
+/// Why a source or a pipeline is of no use.
+struct Failure {
+    /// For everybody: names no address, path, user or password.
+    std::string summary;
+
+    /// For the log: what GStreamer says, which may name addresses and paths. Empty when the summary says it all.
+    std::string detail = {};
+
+    /// What the log is told.
+    std::string const& GetText() const { return detail.empty() ? summary : detail; }
+};
 
 /// A GStreamer pipeline that remembers why it failed and keeps no other messages. Destruction ends it.
 /// Thread: any.

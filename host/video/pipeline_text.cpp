@@ -55,12 +55,10 @@ std::string MakeEncoderText(Codec codec, EncoderInput const& input) {
     return text.str();
 }
 
-std::string MakeTestText(TestSource const& test) {
-    std::ostringstream text;
-    text << "videotestsrc is-live=true name=" << TestPicturesName << " pattern=" << test.pattern
-         << " ! video/x-raw,format=I420,width=" << test.width << ",height=" << test.height
-         << ",framerate=" << ToText(test.rate);
-    return text.str();
+std::string MakeTestText(TestEncoding const& test) {
+    return "capsfilter caps=video/x-raw,format=I420,width=" + std::to_string(test.width) +
+           ",height=" + std::to_string(test.height) + ",framerate=" + ToText(test.rate) + " ! " +
+           MakeEncoderText(test.codec, {test.width, test.height, test.rate, true});
 }
 
 std::string MakePayloaderText(Codec codec) {

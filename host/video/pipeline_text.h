@@ -14,9 +14,6 @@ inline constexpr char SinkName[] = "zarn-sink";
 /// Name of the application source at the beginning of what is fed by this program.
 inline constexpr char FeedName[] = "zarn-feed";
 
-/// Name of the element that makes test pictures.
-inline constexpr char TestPicturesName[] = "zarn-pictures";
-
 /// What is to be encoded.
 struct EncoderInput {
     std::uint32_t width = 0;
@@ -32,8 +29,8 @@ std::string MakeParserText(Codec codec);
 /// Launch line of what comes after raw pictures: encoder without delay, a key frame every second, then the parser.
 std::string MakeEncoderText(Codec codec, EncoderInput const& input);
 
-/// Launch line of test video: raw pictures in real time.
-std::string MakeTestText(TestSource const& test);
+/// Launch line of what comes after test pictures: their size and rate, then the encoder.
+std::string MakeTestText(TestEncoding const& test);
 
 /// Launch line that takes access units and ends with RTP packets, as a media factory wants it.
 std::string MakePayloaderText(Codec codec);

@@ -2,11 +2,12 @@
 
 #include "host/video/pipeline.h"
 #include "host/video/pipeline_text.h"
-#include "host/video/test_clock.h"
+#include "host/video/clock_overlay.h"
 
 #include <gst/app/app.h>
 
 #include <algorithm>
+#include <string>
 #include <string_view>
 #include <thread>
 
@@ -61,6 +62,17 @@ std::optional<std::chrono::nanoseconds> GetDuration(GstBuffer const* buffer, Gst
     return std::chrono::nanoseconds(GST_SECOND) * rate.denominator / rate.numerator;
 }
 
+/// Texts are set as they are: GStreamer would unquote them.
+void SetProperty(GstElement* element, std::string const& name, std::string const& value) {
+    auto* const object = G_OBJECT(element);
+    auto const* const specification = g_object_class_find_property(G_OBJECT_GET_CLASS(object), name.c_str());
+    if (specification != nullptr && G_IS_PARAM_SPEC_STRING(specification)) {
+        g_object_set(object, name.c_str(), value.c_str(), nullptr);
+    } else {
+        gst_util_set_object_arg(object, name.c_str(), value.c_str());
+    }
+}
+
 gboolean OnSelectStream(GstElement*, guint, GstCaps* caps, gpointer) {
     auto const* media = gst_structure_get_string(gst_caps_get_structure(caps, 0), "media");
     return media != nullptr && std::string_view(media) == "video" ? TRUE : FALSE;
@@ -71,8 +83,8 @@ gboolean OnSelectStream(GstElement*, guint, GstCaps* caps, gpointer) {
 /// Builds the pipeline; what depends on the kind of video is built when the source has told it, on a streaming thread.
 class Producer::Impl {
 public:
-    Impl(Source const& source, OpenOptions const& options) : isLive(!std::holds_alternative<FileSource>(source)) {
-        std::visit([this, &options](auto const& kind) { Open(kind, options); }, source);
+    Impl(Source const& source, OpenOptions const& options) : isLive(source.isLive) {
+        if (auto* element = pipeline.Add(source.element.c_str())) Open(element, source, options);
         if (!pipeline.GetFailure()) pipeline.Play();
     }
 
@@ -98,50 +110,35 @@ public:
     }
 
 private:
-    void Open(TestSource const& test, OpenOptions const&) {
-        EncoderInput const input{test.width, test.height, test.rate, true};
-        auto* bin = pipeline.AddText(MakeTestText(test) + " ! " + MakeEncoderText(test.codec, input));
-        if (bin == nullptr) return;
-        ObjectHandle<GstElement> const pictures(gst_bin_get_by_name(GST_BIN(bin), TestPicturesName));
-        ObjectHandle<GstPad> const pad(gst_element_get_static_pad(pictures.get(), "src"));
-        AttachClock(pad.get());
-    }
-
-    void Open(FileSource const& file, OpenOptions const&) {
-        if (auto* element = pipeline.Add("filesrc")) {
-            g_object_set(element, "location", file.path.c_str(), nullptr);
-            DecodeStatic(element);
+    void Open(GstElement* element, Source const& source, OpenOptions const& options) {
+        for (auto const& [name, value] : source.properties) SetProperty(element, name, value);
+        if (source.isRemote) return OpenRemote(element, options);
+        ObjectHandle<GstPad> const pad(gst_element_get_static_pad(element, "src"));
+        if (source.test) {
+            Encode(pad.get(), *source.test);
+        } else {
+            Decode(pad.get());
         }
     }
 
-    void Open(DeviceSource const& device, OpenOptions const&) {
-        if (auto* element = pipeline.Add("v4l2src")) {
-            g_object_set(element, "device", device.device.c_str(), nullptr);
-            DecodeStatic(element);
-        }
-    }
-
-    void Open(RtspSource const& rtsp, OpenOptions const& options) {
-        auto* element = pipeline.Add("rtspsrc");
-        if (element == nullptr) return;
-        constexpr guint64 Microseconds = 5'000'000;
-        g_object_set(element, "location", rtsp.url.c_str(), "latency", 200U, "tcp-timeout", Microseconds, "timeout",
-                     Microseconds, "user-agent", "zarn-host", nullptr);
-        gst_util_set_object_arg(G_OBJECT(element), "protocols", options.overUdp ? "udp" : "tcp");
+    void OpenRemote(GstElement* element, OpenOptions const& options) {
+        SetProperty(element, "protocols", options.overUdp ? "udp" : "tcp");
         if (!options.user.empty()) {
-            g_object_set(element, "user-id", options.user.c_str(), "user-pw", options.password.c_str(), nullptr);
+            SetProperty(element, "user-id", options.user);
+            SetProperty(element, "user-pw", options.password);
         }
         g_signal_connect(element, "select-stream", G_CALLBACK(OnSelectStream), nullptr);
         g_signal_connect(element, "pad-added", G_CALLBACK(&Impl::OnPackets), this);
         g_signal_connect(element, "no-more-pads", G_CALLBACK(&Impl::OnNoMorePackets), this);
     }
 
-    void DecodeStatic(GstElement* element) {
-        ObjectHandle<GstPad> const pad(gst_element_get_static_pad(element, "src"));
-        Decode(pad.get());
+    /// Encodes the test pictures that come from a pad.
+    void Encode(GstPad* pad, TestEncoding const& test) {
+        AttachClock(pad);
+        if (auto* bin = pipeline.AddText(MakeTestText(test))) Link(pad, bin);
     }
 
-    /// Lets an automatic decoder find out what comes from a pad.
+    /// Finds out what comes from a pad.
     void Decode(GstPad* pad) {
         decoder = pipeline.Add("decodebin");
         if (decoder == nullptr) return;

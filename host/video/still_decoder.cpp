@@ -30,9 +30,9 @@ struct Limit {
 };
 
 /// Puts buffers through a launch line that begins with an application source and ends with an application sink.
-class Passage {
+class Conversion {
 public:
-    Passage(std::string const& text, GstCaps* caps) {
+    Conversion(std::string const& text, GstCaps* caps) {
         if (pipeline.AddText(text) == nullptr) return;
         feed.reset(gst_bin_get_by_name(pipeline.GetBin(), FeedName));
         sink = pipeline.FindSink();
@@ -83,13 +83,13 @@ std::shared_ptr<container::Buffer> CopyBytes(GstSample* sample) {
 Still DecodeStill(Stream::Recent const& recent, Clock::time_point deadline, std::stop_token const& stop) {
     Limit const limit{deadline, stop};
     auto const& format = recent.format;
-    Passage decoding(MakeDecoderText(format.codec), format.caps.get());
+    Conversion decoding(MakeDecoderText(format.codec), format.caps.get());
     if (!decoding.IsReady()) return {nullptr, decoding.GetFailure()};
     for (auto const& unit : recent.units) decoding.Push(unit->data.get());
     auto const picture = decoding.Finish(limit);
     if (!picture) return {nullptr, decoding.GetFailure()};
 
-    Passage encoding(MakeJpegText(format.width, format.height), gst_sample_get_caps(picture.get()));
+    Conversion encoding(MakeJpegText(format.width, format.height), gst_sample_get_caps(picture.get()));
     if (!encoding.IsReady()) return {nullptr, encoding.GetFailure()};
     encoding.Push(gst_sample_get_buffer(picture.get()));
     auto const jpeg = encoding.Finish(limit);

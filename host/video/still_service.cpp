@@ -31,7 +31,7 @@ void StillService::Request(SlotPtr const& slot, Done done) {
         std::scoped_lock const lock(mutex);
         if (isStopped) {
             answer = Refuse(SnapshotError::Stopped, "the video engine stops");
-        } else if (slot->jpeg && now - slot->made < bounds.reuse && now - slot->taken < GreatestAge) {
+        } else if (slot->jpeg && now - slot->made < bounds.reuse && now - slot->arrived < GreatestAge) {
             answer.jpeg = slot->jpeg;
         } else if (waiting >= bounds.waiting) {
             answer = Refuse(SnapshotError::Busy, "too many snapshots are being made");
@@ -72,15 +72,15 @@ void StillService::Work(std::stop_token const& stop) {
 Snapshot StillService::Make(Slot& slot, std::stop_token const& stop) {
     auto const recent = slot.stream->GetRecent();
     if (!recent) return Refuse(SnapshotError::NoFrame, "the channel has no video");
-    auto const taken = recent->units.back()->came;
+    auto const arrived = recent->units.back()->arrived;
     auto const now = Clock::now();
-    if (now - taken >= GreatestAge) return Refuse(SnapshotError::NoFrame, "the newest picture is too old");
-    auto still = DecodeStill(*recent, std::min(now + bounds.decodingTime, taken + GreatestAge), stop);
+    if (now - arrived >= GreatestAge) return Refuse(SnapshotError::NoFrame, "the newest picture is too old");
+    auto still = DecodeStill(*recent, std::min(now + bounds.decodingTime, arrived + GreatestAge), stop);
     if (!still.jpeg) return Refuse(SnapshotError::Failed, std::move(still.failure));
     std::scoped_lock const lock(mutex);
     slot.jpeg = still.jpeg;
     slot.made = Clock::now();
-    slot.taken = taken;
+    slot.arrived = arrived;
     return {SnapshotError::None, {}, std::move(still.jpeg)};
 }
 

@@ -24,7 +24,7 @@ bool Stream::SetFormat(Format const& value) {
 
 void Stream::Publish(AccessUnitPtr unit) {
     std::scoped_lock const lock(mutex);
-    newest = unit->came;
+    newest = unit->arrived;
     if (format && !format->rate) rate.Add(unit->stamp.decoding);
     // Handing over only appends to the media's queue, so it may be done under the lock, which keeps the order.
     std::erase_if(feeds, [&unit](std::weak_ptr<Feed> const& weak) {

@@ -3,7 +3,6 @@
 #include "host/video/access_unit.h"
 #include "host/video/feed.h"
 #include "host/video/format.h"
-#include "host/video/group_of_pictures.h"
 #include "host/video/rate_meter.h"
 
 #include <zarn/meta/data/video_info.h>

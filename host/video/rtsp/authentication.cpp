@@ -1,5 +1,6 @@
 #include "host/video/rtsp/authentication.h"
 
+#include "host/video/rtsp/derived.h"
 #include "host/video/rtsp/media_factory.h"
 
 #include <zarn/authentication/realm.h>
@@ -17,7 +18,7 @@
 namespace zarn::host::video::rtsp {
 namespace {
 
-/// A file in memory that only this process can find: GStreamer reads hashes from files only, and they are to leave no
+/// A file in memory that only this process can open: GStreamer reads hashes from files only, and they must leave no
 /// trace.
 class MemoryFile {
 public:
@@ -34,51 +35,28 @@ private:
     io::UniqueDescriptor descriptor;
 };
 
-/// GObject's way of deriving: the base's instance comes first, and construction and destruction are functions of the
-/// class.
-struct Authentication {
-    GstRTSPAuth base;
-    std::shared_ptr<FailedLogins>* failedLogins;
-};
+void OverrideAuthenticate(GstRTSPAuthClass& table);
 
-struct AuthenticationClass {
-    GstRTSPAuthClass base;
-};
+using Authentication = Derived<GstRTSPAuth, GstRTSPAuthClass, std::shared_ptr<FailedLogins>, OverrideAuthenticate>;
 
-GstRTSPAuthClass* GetAuthParent() { return GST_RTSP_AUTH_CLASS(g_type_class_peek(GST_TYPE_RTSP_AUTH)); }
-
-bool HasAnswer(GstRTSPContext const* context) {
-    gchar* answer = nullptr;
-    return gst_rtsp_message_get_header(context->request, GST_RTSP_HDR_AUTHORIZATION, &answer, 0) == GST_RTSP_OK;
+bool HasCredentials(GstRTSPContext const* context) {
+    gchar* credentials = nullptr;
+    return gst_rtsp_message_get_header(context->request, GST_RTSP_HDR_AUTHORIZATION, &credentials, 0) == GST_RTSP_OK;
 }
 
 gboolean Authenticate(GstRTSPAuth* authentication, GstRTSPContext* context) {
-    if (!HasAnswer(context)) return GetAuthParent()->authenticate(authentication, context);
-    auto& failedLogins = **reinterpret_cast<Authentication*>(authentication)->failedLogins;
+    auto const& base = Authentication::GetBase();
+    if (!HasCredentials(context)) return base.authenticate(authentication, context);
+    auto& failedLogins = *Authentication::GetValue(authentication);
     boost::system::error_code ignored;
     auto const peer = boost::asio::ip::make_address(gst_rtsp_connection_get_ip(context->conn), ignored);
     if (failedLogins.GetWait(peer)) return FALSE;
-    auto const isKnown = GetAuthParent()->authenticate(authentication, context);
+    auto const isKnown = base.authenticate(authentication, context);
     if (isKnown == FALSE || context->token == nullptr) failedLogins.Count(peer);
     return isKnown;
 }
 
-void FinalizeAuth(GObject* object) {
-    delete reinterpret_cast<Authentication*>(object)->failedLogins;
-    G_OBJECT_CLASS(GetAuthParent())->finalize(object);
-}
-
-void InitializeAuthClass(gpointer type, gpointer) {
-    G_OBJECT_CLASS(type)->finalize = FinalizeAuth;
-    GST_RTSP_AUTH_CLASS(type)->authenticate = Authenticate;
-}
-
-GType GetAuthenticationType() {
-    static GType const Type =
-        g_type_register_static_simple(GST_TYPE_RTSP_AUTH, "ZarnRtspAuthentication", sizeof(AuthenticationClass),
-                                      InitializeAuthClass, sizeof(Authentication), nullptr, static_cast<GTypeFlags>(0));
-    return Type;
-}
+void OverrideAuthenticate(GstRTSPAuthClass& table) { table.authenticate = Authenticate; }
 
 bool IsHash(std::string const& text) {
     constexpr std::string_view Digits = "0123456789abcdef";
@@ -88,9 +66,7 @@ bool IsHash(std::string const& text) {
 } // namespace
 
 ObjectHandle<GstRTSPAuth> MakeAuthentication(std::string const& ha1, std::shared_ptr<FailedLogins> failedLogins) {
-    ObjectHandle<GstRTSPAuth> authentication(GST_RTSP_AUTH(g_object_new(GetAuthenticationType(), nullptr)));
-    reinterpret_cast<Authentication*>(authentication.get())->failedLogins =
-        new std::shared_ptr<FailedLogins>(std::move(failedLogins));
+    auto authentication = Authentication::Make(GST_TYPE_RTSP_AUTH, "ZarnRtspAuthentication", std::move(failedLogins));
     gst_rtsp_auth_set_supported_methods(authentication.get(), GST_RTSP_AUTH_DIGEST);
     gst_rtsp_auth_set_realm(authentication.get(), zarn::authentication::Realm);
     if (!IsHash(ha1)) return authentication;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/access/failed_logins.h"
-#include "host/video/handle.h"
+#include "host/video/gstreamer.h"
 
 #include <gst/rtsp-server/rtsp-server.h>
 
@@ -11,8 +11,8 @@
 namespace zarn::host::video::rtsp {
 
 /// Makes the check of RTSP requests: digest only, user `admin`, realm zarn::authentication::Realm.
-/// ha1           32 lower-case hexadecimal digits; with anything else nobody gets in
-/// failedLogins  counts wrong answers; an address that has given too many is refused
+/// ha1           32 lower-case hexadecimal digits; with anything else every login fails
+/// failedLogins  counts failed logins; an address with too many is refused
 /// Throws std::runtime_error when the system cannot hand the hash to GStreamer. Source: RFC 2326, RFC 2617.
 ObjectHandle<GstRTSPAuth> MakeAuthentication(std::string const& ha1, std::shared_ptr<FailedLogins> failedLogins);
 

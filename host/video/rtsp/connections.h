@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/video/handle.h"
+#include "host/video/gstreamer.h"
 
 #include <gst/rtsp-server/rtsp-server.h>
 

@@ -1,6 +1,7 @@
 #include "host/video/rtsp/media_factory.h"
 
 #include "host/video/pipeline_text.h"
+#include "host/video/rtsp/derived.h"
 
 #include <gst/app/app.h>
 
@@ -9,16 +10,10 @@
 namespace zarn::host::video::rtsp {
 namespace {
 
-/// GObject's way of deriving: the base's instance comes first, and construction and destruction are functions of the
-/// class.
-struct Factory {
-    GstRTSPMediaFactory base;
-    std::shared_ptr<Stream>* stream;
-};
+void OverrideCreateElement(GstRTSPMediaFactoryClass& table);
 
-struct FactoryClass {
-    GstRTSPMediaFactoryClass base;
-};
+using Factory =
+    Derived<GstRTSPMediaFactory, GstRTSPMediaFactoryClass, std::shared_ptr<Stream>, OverrideCreateElement>;
 
 /// The media's element keeps its feed alive under this name.
 constexpr char FeedKey[] = "zarn-feed";
@@ -26,7 +21,7 @@ constexpr char FeedKey[] = "zarn-feed";
 void DeleteFeed(gpointer feed) { delete static_cast<std::shared_ptr<Feed>*>(feed); }
 
 GstElement* CreateElement(GstRTSPMediaFactory* factory, GstRTSPUrl const*) {
-    auto const& stream = *reinterpret_cast<Factory*>(factory)->stream;
+    auto const& stream = Factory::GetValue(factory);
     auto const codec = stream->GetCodec();
     if (!codec) return nullptr;
     auto* element = gst_parse_launch(MakePayloaderText(*codec).c_str(), nullptr);
@@ -41,29 +36,12 @@ GstElement* CreateElement(GstRTSPMediaFactory* factory, GstRTSPUrl const*) {
     return element;
 }
 
-void FinalizeFactory(GObject* object) {
-    delete reinterpret_cast<Factory*>(object)->stream;
-    auto* parent = g_type_class_peek(GST_TYPE_RTSP_MEDIA_FACTORY);
-    G_OBJECT_CLASS(parent)->finalize(object);
-}
-
-void InitializeFactoryClass(gpointer type, gpointer) {
-    G_OBJECT_CLASS(type)->finalize = FinalizeFactory;
-    GST_RTSP_MEDIA_FACTORY_CLASS(type)->create_element = CreateElement;
-}
-
-GType GetFactoryType() {
-    static GType const Type =
-        g_type_register_static_simple(GST_TYPE_RTSP_MEDIA_FACTORY, "ZarnMediaFactory", sizeof(FactoryClass),
-                                      InitializeFactoryClass, sizeof(Factory), nullptr, static_cast<GTypeFlags>(0));
-    return Type;
-}
+void OverrideCreateElement(GstRTSPMediaFactoryClass& table) { table.create_element = CreateElement; }
 
 } // namespace
 
 ObjectHandle<GstRTSPMediaFactory> MakeMediaFactory(std::shared_ptr<Stream> stream) {
-    ObjectHandle<GstRTSPMediaFactory> factory(GST_RTSP_MEDIA_FACTORY(g_object_new(GetFactoryType(), nullptr)));
-    reinterpret_cast<Factory*>(factory.get())->stream = new std::shared_ptr<Stream>(std::move(stream));
+    auto factory = Factory::Make(GST_TYPE_RTSP_MEDIA_FACTORY, "ZarnMediaFactory", std::move(stream));
     gst_rtsp_media_factory_set_shared(factory.get(), FALSE);
     gst_rtsp_media_factory_set_protocols(
         factory.get(), static_cast<GstRTSPLowerTrans>(GST_RTSP_LOWER_TRANS_TCP | GST_RTSP_LOWER_TRANS_UDP));

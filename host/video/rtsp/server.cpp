@@ -3,8 +3,8 @@
 #include "host/video/gstreamer.h"
 #include "host/video/log.h"
 #include "host/video/rtsp/authentication.h"
-#include "host/video/rtsp/bounded_server.h"
 #include "host/video/rtsp/connections.h"
+#include "host/video/rtsp/derived.h"
 #include "host/video/rtsp/loop.h"
 #include "host/video/rtsp/media_factory.h"
 
@@ -28,16 +28,28 @@ namespace {
 
 constexpr std::string_view Prefix = "/channels/";
 
-/// How long connections stay after the end of their stream, so that it can be told to those who view over UDP.
+/// How long connections stay after the end of their stream, so that viewers over UDP hear of it.
 constexpr std::chrono::milliseconds Farewell{150};
 
-/// How long Stop() waits for connections to be taken apart.
+/// How long Stop() waits for connections to end.
 constexpr std::chrono::milliseconds EndTimeout{600};
 
-constexpr guint LookSeconds = 2;
+constexpr guint CheckSeconds = 2;
 constexpr guint MaximumBody = 64 * 1024;
 constexpr guint MaximumSessions = 2 * Connections::Maximum; // some wait for their connection to come back
 constexpr gint ThreadPerConnection = -1;
+
+void OverrideCreateClient(GstRTSPServerClass& table);
+
+/// A server that asks before it accepts a connection; one that is refused is closed at once. The function is called on
+/// the thread that the server is attached to.
+using BoundedServer = Derived<GstRTSPServer, GstRTSPServerClass, std::function<bool()>, OverrideCreateClient>;
+
+GstRTSPClient* CreateClient(GstRTSPServer* server) {
+    return BoundedServer::GetValue(server)() ? BoundedServer::GetBase().create_client(server) : nullptr;
+}
+
+void OverrideCreateClient(GstRTSPServerClass& table) { table.create_client = CreateClient; }
 
 std::string MakePath(std::string const& id) { return std::string(Prefix) + id; }
 
@@ -85,12 +97,12 @@ private:
 
 } // namespace
 
-/// The loop's thread accepts connections and looks after them now and then; every connection has a thread of its own,
-/// since a peer that sends without end keeps GStreamer reading.
+/// The loop's thread accepts connections and checks them now and then; every connection has a thread of its own, since
+/// a peer that never stops sending keeps GStreamer reading.
 class Server::Impl {
 public:
     Impl(std::uint16_t port, std::shared_ptr<FailedLogins> failedLogins)
-        : failedLogins(std::move(failedLogins)), server(MakeBoundedServer([this] { return HasRoom(); })) {
+        : failedLogins(std::move(failedLogins)), server(BoundedServer::Make(GST_TYPE_RTSP_SERVER, "ZarnRtspServer", [this] { return HasRoom(); })) {
         ObjectHandle<GstRTSPThreadPool> const threads(gst_rtsp_server_get_thread_pool(server.get()));
         gst_rtsp_thread_pool_set_max_threads(threads.get(), ThreadPerConnection);
         sessions.reset(gst_rtsp_server_get_session_pool(server.get()));
@@ -106,13 +118,13 @@ public:
             throw std::runtime_error("RTSP port " + std::to_string(port) + " cannot be bound: " + ToMessage(error));
         }
         Attach(source);
-        auto* timer = g_timeout_source_new_seconds(LookSeconds);
+        auto* timer = g_timeout_source_new_seconds(CheckSeconds);
         g_source_set_callback(timer, &Impl::OnTimer, this, nullptr);
         Attach(timer);
     }
 
     ~Impl() {
-        loop.Run([this] { CloseDoor(); });
+        loop.Run([this] { StopAccepting(); });
         if (connections.GetCount() > 0) std::this_thread::sleep_for(Farewell);
         if (!connections.EndAll(EndTimeout)) Log().Log(logging::Level::Warning, "RTSP connections do not end in time");
         gst_rtsp_session_pool_filter(
@@ -156,8 +168,8 @@ private:
         sources.push_back(source);
     }
 
-    /// Takes no more connections.
-    void CloseDoor() {
+    /// Accepts no more connections.
+    void StopAccepting() {
         for (auto* source : std::exchange(sources, {})) {
             g_source_destroy(source);
             g_source_unref(source);

@@ -22,7 +22,7 @@ protected:
         unit->isKey = isKey;
         unit->size = size;
         unit->stamp = {time, time};
-        unit->came = Stream::Clock::now() - age;
+        unit->arrived = Stream::Clock::now() - age;
         time += std::chrono::milliseconds(40);
         stream->Publish(std::move(unit));
     }
@@ -48,7 +48,7 @@ protected:
             unit->data.reset(gst_buffer_ref(buffer));
             unit->isKey = !GST_BUFFER_FLAG_IS_SET(buffer, GST_BUFFER_FLAG_DELTA_UNIT);
             unit->size = gst_buffer_get_size(buffer);
-            unit->came = Stream::Clock::now();
+            unit->arrived = Stream::Clock::now();
             stream->Publish(std::move(unit));
             --count;
         }

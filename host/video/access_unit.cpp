@@ -1,4 +1,4 @@
-#include "host/video/group_of_pictures.h"
+#include "host/video/access_unit.h"
 
 #include <utility>
 

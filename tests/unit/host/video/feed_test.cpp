@@ -1,4 +1,4 @@
-#include "host/video/viewer_clock.h"
+#include "host/video/feed.h"
 
 #include <gtest/gtest.h>
 
