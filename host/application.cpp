@@ -70,7 +70,7 @@ Application::Application(Preparation prepared)
       reloadSignals(control, OpenSignals({SIGHUP})),
       queueTimer(control.get_executor(), QueueInterval, "Checking the queues of the subscriptions failed",
                  [this] {
-                     ReportShortages();
+                     ReportLowMemory();
                      queueWatch.CheckQueues(events::ReadQueuedWarning(*preparation.configuration));
                  }),
       speaksTls(preparation.tls != nullptr),
@@ -163,7 +163,7 @@ void Application::AwaitSignals(SignalDescriptor& signals, std::function<void(int
 void Application::End(int signal) {
     logger.Log(Level::Info, "Stopping: signal %0%", signal);
     // A second signal ends the process at once.
-    ReleaseSignals(EndingSignals);
+    UnblockSignals(EndingSignals);
     control.stop();
 }
 
@@ -258,11 +258,11 @@ void Application::ApplyWebPort() {
     logger.Log(Level::Info, "The web server has moved to port %0%", port);
 }
 
-void Application::ReportShortages() {
-    auto const present = CountShortages();
-    if (present == reportedShortages) return;
+void Application::ReportLowMemory() {
+    auto const present = CountRetriedAllocations();
+    if (present == reportedAllocations) return;
     logger.Log(Level::Warning, "Low memory: %0% allocations had to wait", present);
-    reportedShortages = present;
+    reportedAllocations = present;
 }
 
 void Application::ReportLater() {

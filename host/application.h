@@ -75,7 +75,7 @@ private:
     void ApplyTls();
     void ApplyWebPort();
     void ReportLater();
-    void ReportShortages();
+    void ReportLowMemory();
 
     logging::Logger logger{"zarn.host"};
     std::chrono::steady_clock::time_point const started = std::chrono::steady_clock::now();
@@ -91,7 +91,7 @@ private:
     std::unique_ptr<service::onvif::Manager> manager;
     std::unique_ptr<events::MqttClient> mqtt;
     events::QueueWatch queueWatch;
-    unsigned long reportedShortages = 0; ///< of memory
+    unsigned long reportedAllocations = 0; ///< that had to wait for memory
     web::RepeatingTimer queueTimer;
     std::shared_ptr<routes::OnvifRoute> onvif;
     std::shared_ptr<web::Admission> admission = std::make_shared<web::Admission>();

@@ -5,10 +5,10 @@
 
 namespace zarn::host {
 
-/// Makes `text` the content of the file at `path`, so that whatever happens the file holds either its old content or
-/// the new one, whole: writes a new file beside it, brings it to the disk, renames it. A symbolic link is followed. A
-/// file that is there keeps its mode; a new one is readable and writable by its owner only. Throws std::system_error
-/// that names the path. Thread: any, one at a time per path.
+/// Replaces the content of the file at `path`. Whatever happens, the file holds either its old or its new content: the
+/// text is written to a new file beside it, synchronised with the disk and renamed. A symbolic link is followed. An
+/// existing file keeps its mode; only the owner can read and write a new one. Throws std::system_error that names the
+/// path. Thread: any, one at a time per path.
 void WriteFileAtomically(std::string const& path, std::string_view text);
 
 /// The content of the file at `path`.

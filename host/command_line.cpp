@@ -18,7 +18,7 @@ std::string GetVariable(char const* name) {
     return value == nullptr ? "" : value;
 }
 
-/// The texts of the options before they are looked at.
+/// The options as they were given.
 struct Texts {
     std::string configuration;
     std::vector<std::string> overrides;
@@ -26,18 +26,18 @@ struct Texts {
     std::string logLevel = "info";
 };
 
-/// The part of a text that can be the path of a setting. What follows it may be a secret in the wrong place.
+/// The beginning of a text that can be the path of a setting. The rest may be a secret in the wrong place.
 std::string_view GetPathPart(std::string_view text) {
     constexpr std::string_view PathCharacters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-_.";
     return text.substr(0, text.find_first_not_of(PathCharacters));
 }
 
-/// What is wrong with arguments that nobody asked for. Names options only, without their values: a misspelt option may
-/// carry a password, and so may what stands behind it.
+/// What is wrong with unknown arguments. Names options only, because their values and the arguments after them may be
+/// passwords.
 Misuse RefuseExtras(std::vector<std::string> const& extras) {
     for (auto const& text : extras) {
         if (text.size() < 2 || !text.starts_with('-')) continue;
-        // Behind one dash comes one letter, then the value.
+        // After one dash: one letter, then the value.
         auto const name = text.starts_with("--") ? text.substr(0, text.find('=')) : text.substr(0, 2);
         return Misuse{name + " is not an option; --help lists them"};
     }
@@ -72,7 +72,7 @@ std::variant<CommandLine, Information, Misuse> Interpret(Texts const& texts, CLI
     return commandLine;
 }
 
-/// What follows the first "="; null when there is none.
+/// What follows the first "="; null without one.
 char* FindValue(char* text) {
     char* const sign = std::strchr(text, '=');
     return sign == nullptr ? nullptr : sign + 1;

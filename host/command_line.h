@@ -28,13 +28,13 @@ struct CommandLine {
     bool check = false;
 };
 
-/// The command line asks for nothing but this text (`--help`, `--version`).
+/// The command line asks only for this text (`--help`, `--version`).
 struct Information {
     std::string text;
 };
 
-/// The command line cannot be understood: one line, without a line end. Repeats no value that could be a password, not
-/// even that of a misspelt option.
+/// What is wrong with the command line: one line, without a line end. Repeats no value, because any could be a
+/// password, even that of a misspelt option.
 struct Misuse {
     std::string text;
 };
@@ -42,8 +42,8 @@ struct Misuse {
 /// Reads the arguments, program name included.
 std::variant<CommandLine, Information, Misuse> ParseCommandLine(int count, char const* const* arguments);
 
-/// Overwrites the passwords among the arguments, those of `--set` too, so that other users of the machine do not see it
-/// in the list of processes.
+/// Overwrites the passwords among the arguments, also those of `--set`, so that other users of the machine do not see
+/// them in the list of processes.
 void HidePassword(int count, char** arguments);
 
 /// `$XDG_CONFIG_HOME/zarn-host/config.json`, else `$HOME/.config/zarn-host/config.json`.

@@ -11,6 +11,7 @@
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <exception>
 #include <filesystem>
 #include <stdexcept>
 #include <string_view>
@@ -46,7 +47,7 @@ std::string ReadText(std::string const& path) try {
     throw LoadError(error.what());
 }
 
-/// A key that occurs twice has a path: somebody has written it, no disk has.
+/// An error with a path (a key that occurs twice) is a mistake of a person; without one the file is damaged.
 boost::json::value ParseText(std::string const& path, std::string const& text) try {
     return configuration::text::Parse(text);
 
@@ -72,7 +73,7 @@ void ConfigurationFile::Open() {
         return Create();
     }
     try {
-        Take(path);
+        ReadFrom(path);
     } catch (DamageError const& error) {
         if (IsGone(copyPath)) throw;
         damaged = true;
@@ -89,37 +90,37 @@ void ConfigurationFile::Create() {
 
 /// Under the lock.
 void ConfigurationFile::Recover(std::string const& reason) {
-    Take(copyPath);
-    logger.Log(logging::Level::Error, "%0%: going on with the last configuration that was good, %1%", reason, copyPath);
+    ReadFrom(copyPath);
+    logger.Log(logging::Level::Error, "%0%: using the last good configuration, %1%", reason, copyPath);
     if (damaged) return;
     try {
         WriteFileAtomically(path, content);
     } catch (std::exception const& error) {
-        logger.Log(logging::Level::Error, "The configuration was not written again: %0%", error.what());
+        logger.Log(logging::Level::Error, "Failed to write the configuration: %0%", error.what());
     }
 }
 
 void ConfigurationFile::Load() {
     std::lock_guard const lock(mutex);
-    Take(path);
+    ReadFrom(path);
     damaged = false;
 }
 
-/// Under the lock. Messages name the source, not the file that it may stand for.
-void ConfigurationFile::Take(std::string const& source) {
+/// Under the lock. Messages name the source: the file or its copy.
+void ConfigurationFile::ReadFrom(std::string const& source) {
     auto text = ReadText(source);
     auto const json = ParseText(source, text);
+    std::exception_ptr failedBinding;
     try {
         root->FromJson(json);
     } catch (configuration::Error const& error) {
         throw LoadError(source + ": " + error.what());
     } catch (std::exception const&) {
-        content = std::move(text);
-        kept = root->ToJson(Layer::Persisted);
-        throw;
+        failedBinding = std::current_exception();
     }
     content = std::move(text);
     kept = root->ToJson(Layer::Persisted);
+    if (failedBinding) std::rethrow_exception(failedBinding);
 }
 
 void ConfigurationFile::SaveChanges() {
@@ -139,7 +140,7 @@ void ConfigurationFile::KeepCopy() {
     try {
         if (IsGone(copyPath) || ReadWholeFile(copyPath) != content) WriteFileAtomically(copyPath, content);
     } catch (std::exception const& error) {
-        logger.Log(logging::Level::Warning, "No copy of the configuration is kept: %0%", error.what());
+        logger.Log(logging::Level::Warning, "Failed to copy the configuration: %0%", error.what());
     }
 }
 

@@ -9,34 +9,22 @@
 namespace zarn::host {
 namespace {
 
-/// Each arena keeps what its fragments hold. Of the eight for each processor that the C library would make, threads of
-/// video that come and go with viewers and snapshots wander over all, and memory grows for hours.
-constexpr int Arenas = 4;
-
-/// From this size on memory goes straight back to the system: pictures do; the context of a SOAP exchange (160 KiB)
-/// does not, which would take half the web server's speed. Unless it is set, the first large picture that is freed
-/// raises it to the picture's size, and all later ones lie between the small pieces of the heap.
-constexpr int LargeBytes = 256 * 1024;
-
-/// What may lie unused at the end of a heap; the C library's own proportion.
-constexpr int UnusedBytes = 2 * LargeBytes;
-
 using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds Pause{1};
 
-std::atomic<unsigned long> shortages = 0;
+std::atomic<unsigned long> retriedAllocations = 0;
 std::atomic<std::chrono::milliseconds> longestWait;
 
-/// The standard calls it again as long as there is no memory, and does not say whether it is for the same allocation:
-/// that is tried at once when this returns, so that a call which comes at once is for it.
+/// `new` calls it as long as an allocation fails, right after it returned, and does not say for which allocation: a
+/// later call belongs to another one.
 void WaitForMemory() {
     thread_local Clock::time_point begin;
     thread_local Clock::time_point returned;
     auto const now = Clock::now();
     if (now - returned > Pause) {
         begin = now;
-        ++shortages;
+        ++retriedAllocations;
     }
     if (now - begin > longestWait.load()) throw std::bad_alloc();
     std::this_thread::sleep_for(Pause);
@@ -45,17 +33,23 @@ void WaitForMemory() {
 
 } // namespace
 
-void AwaitMemory(std::chrono::milliseconds longest) {
+void RetryAllocations(std::chrono::milliseconds longest) {
     longestWait = longest;
     std::set_new_handler(WaitForMemory);
 }
 
-unsigned long CountShortages() { return shortages; }
+unsigned long CountRetriedAllocations() { return retriedAllocations; }
 
-void BoundHeap() {
-    mallopt(M_ARENA_MAX, Arenas);
+void LimitHeap() {
+    // Each arena keeps its fragments. The C library would make eight for each processor, and threads of video, which
+    // come and go with viewers and snapshots, would use them all: memory would grow for hours.
+    mallopt(M_ARENA_MAX, 4);
+    // Larger pieces go straight back to the system: pictures do; the context of a SOAP exchange (160 KiB) does not,
+    // which would halve the web server's speed. Unless the limit is set, the first large picture that is freed raises
+    // it to that picture's size.
+    constexpr int LargeBytes = 256 * 1024;
     mallopt(M_MMAP_THRESHOLD, LargeBytes);
-    mallopt(M_TRIM_THRESHOLD, UnusedBytes);
+    mallopt(M_TRIM_THRESHOLD, 2 * LargeBytes); // the C library's own proportion
 }
 
 } // namespace zarn::host

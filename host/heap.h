@@ -6,14 +6,14 @@ namespace zarn::host {
 
 /// Keeps the C library's heap from growing with the number of threads that have ever used it. To be called first of
 /// all, while the process has one thread. Source: mallopt(3).
-void BoundHeap();
+void LimitHeap();
 
-/// Lets whoever finds no memory wait for it before std::bad_alloc is thrown: the work of others ends meanwhile and
-/// gives some back. Much of what keeps a server going has nobody to catch that exception: a queue of handlers that was
-/// about to be scheduled stands still for ever after it. To be called once. longest  wait
-void AwaitMemory(std::chrono::milliseconds longest);
+/// From now on a failed allocation is retried for up to `longest` before std::bad_alloc is thrown, because other
+/// threads free memory meanwhile. Nothing catches that exception in much of what keeps a server going: a queue of
+/// handlers that was about to be scheduled would stop for ever. To be called once.
+void RetryAllocations(std::chrono::milliseconds longest);
 
-/// How often memory was waited for so far. Thread: any.
-unsigned long CountShortages();
+/// How many allocations had to wait so far. Thread: any.
+unsigned long CountRetriedAllocations();
 
 } // namespace zarn::host

@@ -20,17 +20,17 @@ namespace {
 
 using namespace zarn::host;
 
-/// Status of a process that was told something that it cannot do.
+/// Exit status for a bad option or file.
 constexpr int BadOptionOrFile = 2;
 
-/// Status of a process that could not do what it was told.
+/// Exit status for a failure to start or run.
 constexpr int CannotRun = 1;
 
-/// What stopping may take after the signal.
+/// How long stopping may take.
 constexpr std::chrono::milliseconds StopTime{1500};
 
-/// What memory that is short may take to come back: longer than any request should, because what fails for want of it
-/// may be what serves all requests.
+/// How long a failed allocation is retried: longer than any request should take, because what fails without memory may
+/// be what serves all requests.
 constexpr std::chrono::seconds MemoryTime{10};
 
 /// Needs no memory.
@@ -44,7 +44,7 @@ void Print(std::string const& text) {
     std::fflush(stdout);
 }
 
-/// Each connection is an open file; the usual limit is there for programs that use select().
+/// Each connection is an open file; the default limit protects programs that use select().
 void RaiseFileLimit() {
     rlimit limit{};
     if (getrlimit(RLIMIT_NOFILE, &limit) != 0) return;
@@ -56,14 +56,14 @@ int Serve(Preparation preparation) {
     if (auto const& password = preparation.credentials.generated) {
         Print("password of user admin, shown only now: " + *password + '\n');
     }
-    if (IsWaiting({SIGTERM, SIGINT})) return 0;
+    if (IsPending({SIGTERM, SIGINT})) return 0;
     Application application(std::move(preparation));
     Print("ready " + application.GetAddress() + '\n');
     application.Run();
     EndWithin(StopTime);
     application.Stop();
-    // Nobody is left to read the configuration again; to end for that would be worse.
-    HoldSignals({SIGHUP});
+    // A SIGHUP from now on would end the process by default.
+    BlockSignals({SIGHUP});
     return 0;
 }
 
@@ -87,10 +87,10 @@ int Start(CommandLine const& commandLine) {
 }
 
 int Run(int count, char** arguments) {
-    // Until the application can handle them, so that none ends it in the middle of writing a file.
-    HoldSignals({SIGTERM, SIGINT, SIGHUP});
+    // Until the application handles them, so that none ends the process while it writes a file.
+    BlockSignals({SIGTERM, SIGINT, SIGHUP});
     std::signal(SIGPIPE, SIG_IGN);
-    // A file that may not grow any more is an error like a full disk, and no reason to end.
+    // A file over its size limit is an error like a full disk, no reason to end.
     std::signal(SIGXFSZ, SIG_IGN);
     RaiseFileLimit();
     auto const commandLine = ParseCommandLine(count, arguments);
@@ -106,8 +106,8 @@ int Run(int count, char** arguments) {
 } // namespace
 
 int main(int count, char** arguments) {
-    BoundHeap();
-    AwaitMemory(MemoryTime);
+    LimitHeap();
+    RetryAllocations(MemoryTime);
     try {
         return Run(count, arguments);
     } catch (std::exception const& error) {

@@ -12,7 +12,7 @@
 
 namespace zarn::host {
 
-/// What a host needs to know before it opens its first port.
+/// What the host reads before it opens its first port.
 struct Preparation {
     std::shared_ptr<configuration::node::Root> configuration;
     std::unique_ptr<ConfigurationFile> file;
@@ -23,7 +23,7 @@ struct Preparation {
 };
 
 /// Reads and checks configuration, overrides, certificate and credentials; writes what is missing. With
-/// CommandLine::check nothing is written, the configuration has to be there, and credentials stay empty.
+/// CommandLine::check nothing is written, the configuration must exist, and credentials stay empty.
 /// Throws std::exception with one line that names file or option, the path in it, and the reason.
 Preparation Prepare(CommandLine const& commandLine);
 

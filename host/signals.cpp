@@ -23,19 +23,19 @@ sigset_t MakeSet(std::vector<int> const& signals) {
 
 /// Only what may be done in a signal handler.
 void EndNow(int) {
-    constexpr std::string_view Text = "zarn-host: something does not stop; ended without waiting for it\n";
+    constexpr std::string_view Text = "zarn-host: shutdown timed out; exiting\n";
     [[maybe_unused]] auto const written = write(STDERR_FILENO, Text.data(), Text.size());
     _exit(0);
 }
 
 } // namespace
 
-void HoldSignals(std::vector<int> const& signals) {
+void BlockSignals(std::vector<int> const& signals) {
     auto const set = MakeSet(signals);
     pthread_sigmask(SIG_BLOCK, &set, nullptr);
 }
 
-void ReleaseSignals(std::vector<int> const& signals) {
+void UnblockSignals(std::vector<int> const& signals) {
     auto const set = MakeSet(signals);
     pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
 }
@@ -53,7 +53,7 @@ std::optional<int> ReadSignal(int descriptor) {
     return static_cast<int>(information.ssi_signo);
 }
 
-bool IsWaiting(std::vector<int> const& signals) {
+bool IsPending(std::vector<int> const& signals) {
     sigset_t waiting;
     sigpending(&waiting);
     return std::any_of(signals.begin(), signals.end(), [&](int signal) { return sigismember(&waiting, signal) == 1; });

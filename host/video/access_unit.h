@@ -17,10 +17,10 @@ struct Stamp {
 
 /// One coded picture. Never changes; shared by the streams and snapshots that use it.
 struct AccessUnit {
-    MiniHandle<GstBuffer> data;                   ///< byte stream; a key frame carries its parameter sets
-    Stamp stamp;                                  ///< when
-    bool isKey = false;                           ///< decoding can begin here
-    std::size_t size = 0;                         ///< bytes in `data`
+    MiniHandle<GstBuffer> data;                      ///< byte stream; a key frame carries its parameter sets
+    Stamp stamp;                                     ///< when
+    bool isKey = false;                              ///< decoding can begin here
+    std::size_t size = 0;                            ///< bytes in `data`
     std::chrono::steady_clock::time_point arrived{}; ///< from the source
 };
 

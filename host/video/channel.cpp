@@ -1,7 +1,7 @@
 #include "host/video/channel.h"
 
-#include "host/video/source.h"
 #include "host/video/log.h"
+#include "host/video/source.h"
 
 #include <zarn/chrono/back_off.h>
 

@@ -1,8 +1,8 @@
 #include "host/video/producer.h"
 
+#include "host/video/clock_overlay.h"
 #include "host/video/pipeline.h"
 #include "host/video/pipeline_text.h"
-#include "host/video/clock_overlay.h"
 
 #include <gst/app/app.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "host/video/pipeline.h"
 #include "host/video/gstreamer.h"
+#include "host/video/pipeline.h"
 #include "host/video/source.h"
 #include "host/video/timeline.h"
 

@@ -12,9 +12,32 @@ namespace zarn::host::video {
 namespace {
 
 constexpr std::array<std::string_view, 26> TestPatterns{
-    "smpte", "snow", "black", "white", "red", "green", "blue", "checkers-1", "checkers-2", "checkers-4", "checkers-8",
-    "circular", "blink", "smpte75", "zone-plate", "gamut", "chroma-zone-plate", "solid-color", "ball", "smpte100",
-    "bar", "pinwheel", "spokes", "gradient", "colors", "smpte-rp-219",
+    "smpte",
+    "snow",
+    "black",
+    "white",
+    "red",
+    "green",
+    "blue",
+    "checkers-1",
+    "checkers-2",
+    "checkers-4",
+    "checkers-8",
+    "circular",
+    "blink",
+    "smpte75",
+    "zone-plate",
+    "gamut",
+    "chroma-zone-plate",
+    "solid-color",
+    "ball",
+    "smpte100",
+    "bar",
+    "pinwheel",
+    "spokes",
+    "gradient",
+    "colors",
+    "smpte-rp-219",
 };
 
 constexpr std::size_t MaximumLength = 2048;
@@ -69,9 +92,10 @@ constexpr std::array Parameters{
     Parameter{
         "width", "an even number from 64 to 3840",
         [](TestEncoding& test, std::string_view value) { return Assign(test.width, ParseSide(value, MaximumWidth)); }},
-    Parameter{
-        "height", "an even number from 64 to 2160",
-        [](TestEncoding& test, std::string_view value) { return Assign(test.height, ParseSide(value, MaximumHeight)); }},
+    Parameter{"height", "an even number from 64 to 2160",
+              [](TestEncoding& test, std::string_view value) {
+                  return Assign(test.height, ParseSide(value, MaximumHeight));
+              }},
     Parameter{"rate", "a frame rate from 1 to 60, such as 25 or 30000/1001",
               [](TestEncoding& test, std::string_view value) { return Assign(test.rate, ParseTestRate(value)); }},
 };
@@ -108,7 +132,8 @@ std::string ReadRtsp(std::string_view& text, Source& source) {
     auto const authority = text.substr(begin, text.find_first_of("/?#", begin) - begin);
     if (authority.find('@') != std::string_view::npos)
         return "rtsp: credentials belong into the channel's user and password, not into the source";
-    if (!network::ParseAuthority(authority)) return "rtsp: " + Quote(authority) + " is not HOST or HOST:PORT (1 to 65535)";
+    if (!network::ParseAuthority(authority))
+        return "rtsp: " + Quote(authority) + " is not HOST or HOST:PORT (1 to 65535)";
     if (text.find(' ') != std::string_view::npos) return "rtsp: the URL holds a space";
     source.isRemote = true;
     for (auto const* name : {"tcp-timeout", "timeout"}) source.properties.push_back({name, "5000000"}); // microseconds
@@ -140,10 +165,8 @@ struct Kind {
 };
 
 constexpr std::array Kinds{
-    Kind{"test:", 5, "videotestsrc", "pattern", ReadTest},
-    Kind{"rtsp://", 0, "rtspsrc", "location", ReadRtsp},
-    Kind{"rtsps://", 0, "rtspsrc", "location", ReadRtsp},
-    Kind{"v4l2:", 5, "v4l2src", "device", ReadDevice},
+    Kind{"test:", 5, "videotestsrc", "pattern", ReadTest}, Kind{"rtsp://", 0, "rtspsrc", "location", ReadRtsp},
+    Kind{"rtsps://", 0, "rtspsrc", "location", ReadRtsp},  Kind{"v4l2:", 5, "v4l2src", "device", ReadDevice},
     Kind{"", 0, "filesrc", "location", ReadFile},
 };
 
@@ -154,8 +177,7 @@ bool IsControl(char character) { return static_cast<unsigned char>(character) < 
 std::optional<FrameRate> ParseFrameRate(std::string_view text) {
     auto const slash = text.find('/');
     auto const numerator = ParseNumber<std::int32_t>(text.substr(0, slash));
-    auto const denominator =
-        slash == std::string_view::npos ? 1 : ParseNumber<std::int32_t>(text.substr(slash + 1));
+    auto const denominator = slash == std::string_view::npos ? 1 : ParseNumber<std::int32_t>(text.substr(slash + 1));
     if (!numerator || !denominator) return std::nullopt;
     return FrameRate{*numerator, *denominator};
 }

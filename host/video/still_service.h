@@ -50,7 +50,7 @@ public:
 
         std::shared_ptr<Stream> const stream;
         std::shared_ptr<container::Buffer> jpeg;
-        Clock::time_point made;  ///< when `jpeg` was made
+        Clock::time_point made;    ///< when `jpeg` was made
         Clock::time_point arrived; ///< when its picture came from the source
         std::vector<Waiter> waiters;
         bool isQueued = false; ///< waits for a worker or is with one

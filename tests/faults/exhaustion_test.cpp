@@ -113,7 +113,7 @@ TEST(Disk, ThatIsFullWhileTheHostRunsCostsTheCopyOnly) {
     control.Arm(Call::Write, 1, ENOSPC, Always);
     folder->Write("config.json", R"({"identity": {"name": "later"}, "settings": {"web_port": 0, "rtsp_port": 0}})");
     host.GetProcess().Signal(SIGHUP);
-    EXPECT_TRUE(host.GetProcess().WaitForLog("No copy of the configuration is kept: "));
+    EXPECT_TRUE(host.GetProcess().WaitForLog("Failed to copy the configuration: "));
     EXPECT_TRUE(host.GetProcess().WaitForLog("No space left on device"));
     EXPECT_EQ(folder->Read("config.json.good"), before);
     control.Disarm();

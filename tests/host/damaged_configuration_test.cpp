@@ -43,7 +43,7 @@ TEST_F(DamagedConfiguration, GivesWayToTheOneOfBeforeWhenItWasCutOff) {
     auto const host = StartAgain();
     ExpectTheModelOfBefore(host);
     EXPECT_TRUE(host.GetProcess().WaitForLog(
-        "config.json: line 1, column 19: incomplete JSON: going on with the last configuration that was good, " +
+        "config.json: line 1, column 19: incomplete JSON: using the last good configuration, " +
         *folder / "config.json.good"))
         << host.GetProcess().GetLog();
     EXPECT_EQ(folder->Read("config.json"), R"({"identity": {"mod)") << "somebody may be editing it";
@@ -53,7 +53,7 @@ TEST_F(DamagedConfiguration, IsWrittenAgainWhenItIsGone) {
     std::filesystem::remove(*folder / "config.json");
     auto const host = StartAgain();
     ExpectTheModelOfBefore(host);
-    EXPECT_TRUE(host.GetProcess().WaitForLog("config.json is gone: going on with the last configuration"))
+    EXPECT_TRUE(host.GetProcess().WaitForLog("config.json is gone: using the last good configuration"))
         << host.GetProcess().GetLog();
     EXPECT_EQ(folder->Read("config.json"), Configuration);
 }

@@ -25,7 +25,7 @@ TEST(StopWithASourceThatHangs, EndsInTimeAllTheSame) {
     ASSERT_TRUE(Eventually([&] { return host.GetHealth().at("channels").at(0).at("state") == "running"; }));
     EXPECT_TRUE(host.GetProcess().WaitForLog("channel 1: its source does not close"));
     EXPECT_EQ(host.Stop(std::chrono::seconds(10)), 0);
-    EXPECT_TRUE(host.GetProcess().WaitForLog("something does not stop"));
+    EXPECT_TRUE(host.GetProcess().WaitForLog("shutdown timed out; exiting"));
 }
 
 } // namespace

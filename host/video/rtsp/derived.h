@@ -16,9 +16,8 @@ public:
     /// type  of Base
     /// name  of the derived class, the same at each call
     static ObjectHandle<Base> Make(GType type, char const* name, Value value) {
-        static GType const Type =
-            g_type_register_static_simple(type, name, sizeof(BaseClass), InitializeClass, sizeof(Instance), nullptr,
-                                          static_cast<GTypeFlags>(0));
+        static GType const Type = g_type_register_static_simple(type, name, sizeof(BaseClass), InitializeClass,
+                                                                sizeof(Instance), nullptr, static_cast<GTypeFlags>(0));
         auto* const instance = static_cast<Instance*>(g_object_new(Type, nullptr));
         instance->value = new Value(std::move(value));
         return ObjectHandle<Base>(&instance->base);

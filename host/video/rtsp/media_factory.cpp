@@ -12,8 +12,7 @@ namespace {
 
 void OverrideCreateElement(GstRTSPMediaFactoryClass& table);
 
-using Factory =
-    Derived<GstRTSPMediaFactory, GstRTSPMediaFactoryClass, std::shared_ptr<Stream>, OverrideCreateElement>;
+using Factory = Derived<GstRTSPMediaFactory, GstRTSPMediaFactoryClass, std::shared_ptr<Stream>, OverrideCreateElement>;
 
 /// The media's element keeps its feed alive under this name.
 constexpr char FeedKey[] = "zarn-feed";

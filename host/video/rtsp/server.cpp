@@ -102,7 +102,8 @@ private:
 class Server::Impl {
 public:
     Impl(std::uint16_t port, std::shared_ptr<FailedLogins> failedLogins)
-        : failedLogins(std::move(failedLogins)), server(BoundedServer::Make(GST_TYPE_RTSP_SERVER, "ZarnRtspServer", [this] { return HasRoom(); })) {
+        : failedLogins(std::move(failedLogins)),
+          server(BoundedServer::Make(GST_TYPE_RTSP_SERVER, "ZarnRtspServer", [this] { return HasRoom(); })) {
         ObjectHandle<GstRTSPThreadPool> const threads(gst_rtsp_server_get_thread_pool(server.get()));
         gst_rtsp_thread_pool_set_max_threads(threads.get(), ThreadPerConnection);
         sessions.reset(gst_rtsp_server_get_session_pool(server.get()));

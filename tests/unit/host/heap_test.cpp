@@ -47,13 +47,13 @@ void AllocateOnThreads(int number) {
 }
 
 TEST(Heap, HasFewArenasHoweverManyThreadsUseIt) {
-    BoundHeap();
+    LimitHeap();
     AllocateOnThreads(16);
     EXPECT_LE(CountArenas(), 4);
 }
 
 TEST(Heap, GivesLargePiecesBackAlsoAfterOneHasBeenFreed) {
-    BoundHeap();
+    LimitHeap();
     constexpr std::size_t Large = 8 * 1024 * 1024;   // more than may lie free in the heap of other tests
     void* const volatile first = std::malloc(Large); // volatile: or the compiler does without it
     std::free(first);                                // would move the threshold
@@ -63,7 +63,7 @@ TEST(Heap, GivesLargePiecesBackAlsoAfterOneHasBeenFreed) {
 }
 
 TEST(Heap, GivesThePictureOfASmallVideoBack) {
-    BoundHeap();
+    LimitHeap();
     auto const before = mallinfo2().hblks;
     std::vector<std::unique_ptr<void, decltype(&std::free)>> pictures;
     // Other tests may have left room for some in the heap.
@@ -74,7 +74,7 @@ TEST(Heap, GivesThePictureOfASmallVideoBack) {
 }
 
 TEST(Heap, KeepsPiecesOfTheSizeOfAnExchange) {
-    BoundHeap();
+    LimitHeap();
     auto const before = mallinfo2().hblks;
     std::unique_ptr<void, decltype(&std::free)> const memory(std::malloc(160 * 1024), &std::free);
     EXPECT_EQ(mallinfo2().hblks, before) << "every exchange would ask the system for memory and give it back";
@@ -85,10 +85,10 @@ TEST(Heap, KeepsPiecesOfTheSizeOfAnExchange) {
 TEST(Heap, WaitsForMemoryOnlySoLong) {
     using namespace std::chrono_literals;
     using Clock = std::chrono::steady_clock;
-    AwaitMemory(100ms);
+    RetryAllocations(100ms);
     auto const handler = std::get_new_handler();
     ASSERT_NE(handler, nullptr);
-    auto const before = CountShortages();
+    auto const before = CountRetriedAllocations();
     auto const begin = Clock::now();
     // As operator new does while there is none.
     auto const need = [&] {
@@ -98,7 +98,7 @@ TEST(Heap, WaitsForMemoryOnlySoLong) {
     auto const waited = Clock::now() - begin;
     EXPECT_GE(waited, 100ms);
     EXPECT_LT(waited, 60s);
-    EXPECT_GT(CountShortages(), before);
+    EXPECT_GT(CountRetriedAllocations(), before);
     std::this_thread::sleep_for(5ms); // by which a further call is for another allocation
     EXPECT_NO_THROW(handler()) << "the next one may wait again";
 }

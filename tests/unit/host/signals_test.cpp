@@ -13,14 +13,14 @@ using namespace std::chrono_literals;
 TEST(Signals, WaitWhileTheyAreHeldAndComeWhenTheyAreReleased) {
     static int count = 0;
     std::signal(SIGHUP, [](int) { ++count; });
-    HoldSignals({SIGTERM, SIGHUP});
-    EXPECT_FALSE(IsWaiting({SIGTERM, SIGHUP}));
+    BlockSignals({SIGTERM, SIGHUP});
+    EXPECT_FALSE(IsPending({SIGTERM, SIGHUP}));
     raise(SIGHUP);
-    EXPECT_FALSE(IsWaiting({SIGTERM}));
-    EXPECT_TRUE(IsWaiting({SIGTERM, SIGHUP}));
+    EXPECT_FALSE(IsPending({SIGTERM}));
+    EXPECT_TRUE(IsPending({SIGTERM, SIGHUP}));
     EXPECT_EQ(count, 0);
-    ReleaseSignals({SIGTERM, SIGHUP});
-    EXPECT_FALSE(IsWaiting({SIGTERM, SIGHUP}));
+    UnblockSignals({SIGTERM, SIGHUP});
+    EXPECT_FALSE(IsPending({SIGTERM, SIGHUP}));
     EXPECT_EQ(count, 1);
 }
 
@@ -30,7 +30,7 @@ TEST(SignalsDeathTest, EndAProcessThatDoesNotEndByItself) {
             EndWithin(50ms);
             std::this_thread::sleep_for(20s);
         },
-        testing::ExitedWithCode(0), "something does not stop");
+        testing::ExitedWithCode(0), "shutdown timed out; exiting");
 }
 
 } // namespace
