@@ -19,16 +19,15 @@ OnvifRoute::Response OnvifRoute::Post(std::shared_ptr<zarn::web::Request> reques
     auto const pending = Ask(request);
     auto const getData = [pending, request = std::move(request), digest = digest] {
         auto data = pending->GetData();
-        bool const refused = data.GetState() == State::Complete && data.GetStatus() == web::Reply::Status::Unauthorized;
-        return refused ? digest.Challenge(data, *request) : data;
+        bool const refused = data.GetState() == State::Complete && data.GetStatus() == web::Status::Unauthorized;
+        return refused ? digest.ReplaceChallenge(data, *request) : data;
     };
     return std::make_shared<Pending>(pending->GetStatus(), getData, pending->GetTimeout());
 }
 
 OnvifRoute::Response OnvifRoute::Ask(std::shared_ptr<zarn::web::Request> request) {
     std::shared_lock const lock(mutex);
-    if (module == nullptr)
-        return web::MakeTextResponse(web::Reply::Status::ServiceUnavailable, "The server is stopping.");
+    if (module == nullptr) return web::MakeTextResponse(web::Status::ServiceUnavailable, "The server is stopping.");
     return module->Post(std::move(request));
 }
 

@@ -16,9 +16,9 @@ using video::Snapshot;
 using video::SnapshotError;
 using web::MakeTextReply;
 using web::Reply;
+using web::Status;
 using zarn::web::response::Pending;
 using zarn::web::response::State;
-using Status = Reply::Status;
 
 /// Carries the picture from the thread that makes it to the one that asks for it.
 struct Delivery {
@@ -28,7 +28,9 @@ struct Delivery {
 
 Reply MakeReply(Snapshot const& snapshot) {
     if (snapshot.error == SnapshotError::None) {
-        return {Status::Ok, {{"Content-Type", "image/jpeg"}, {"Cache-Control", "no-store"}}, {snapshot.jpeg}};
+        return {Status::Ok,
+                {{"Content-Type", "image/jpeg"}, {"Cache-Control", "no-store"}},
+                {State::Complete, {snapshot.jpeg}}};
     }
     if (snapshot.error == SnapshotError::NoSuchChannel) {
         return MakeTextReply(Status::NotFound, "There is no such channel.");
@@ -39,7 +41,7 @@ Reply MakeReply(Snapshot const& snapshot) {
 Pending::Data Ask(Delivery& delivery) {
     std::lock_guard const lock(delivery.mutex);
     if (!delivery.snapshot) return {Status::Provisional, {}, {State::NotReady, {}}};
-    return web::ToData(MakeReply(*delivery.snapshot));
+    return MakeReply(*delivery.snapshot);
 }
 
 } // namespace

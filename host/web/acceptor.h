@@ -4,21 +4,18 @@
 #include "host/web/listener.h"
 
 #include <zarn/logging/limited_logger.h>
-#include <zarn/logging/logger.h>
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/steady_timer.hpp>
 
 #include <functional>
-#include <future>
 #include <memory>
-#include <vector>
 
 namespace zarn::host::web {
 
-/// Accepts the connections of one listener until it is closed, whatever goes wrong with some of them. What is under way
-/// keeps it alive.
+/// Accepts the connections of one listener until it is closed, whatever goes wrong with some of them. Its pending
+/// operations keep it alive.
 class Acceptor : public std::enable_shared_from_this<Acceptor> {
 public:
     /// Gets each connection, one at a time.
@@ -29,7 +26,7 @@ public:
     Acceptor(Acceptor const&) = delete;
     Acceptor& operator=(Acceptor const&) = delete;
 
-    /// Begins to accept. To be called once. Thread: any.
+    /// Starts to accept. To be called once. Thread: any.
     void Start();
 
     /// Closes the port. Connections made before are still handed to the handler, which is not called after this has
@@ -38,18 +35,13 @@ public:
     void Close();
 
 private:
-    void Accept();
-    void AcceptWaiting();
-    void OnAccepted(boost::system::error_code error, Socket socket);
-    void OnError(boost::system::error_code error);
+    void AwaitConnections();
+    boost::system::error_code AcceptWaiting() noexcept;
 
     boost::asio::io_context& io;
     boost::asio::ip::tcp::acceptor acceptor; ///< used on its own strand only
     boost::asio::steady_timer pause;
-    bool accepting = false; ///< a connection is awaited, or has come and is not handled yet
-    std::vector<std::shared_ptr<std::promise<void>>> closing; ///< of who waits in Close until that is over
     Handler const handler;
-    logging::Logger logger{"zarn.host.web"};
     logging::LimitedLogger failures{"zarn.host.web"};
 };
 

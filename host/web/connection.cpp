@@ -1,5 +1,6 @@
 #include "host/web/connection.h"
 
+#include "host/web/dispatcher.h"
 #include "host/web/incoming_request.h"
 #include "host/web/request_check.h"
 #include "host/web/response_head.h"
@@ -29,19 +30,19 @@ namespace http = beast::http;
 using Clock = Connection::Clock;
 using TlsStream = asio::ssl::stream<Socket>;
 
-/// How much is read at once at the beginning of a request; what most requests fit into.
+/// How much is read at once at the start of a request; most requests fit into it.
 constexpr std::size_t FirstRead = 4096;
 
-/// How long, and how much, a client whose connection ends may go on sending. Closing while it still sends would make
-/// its system throw away the answer before it is read.
+/// How long, and how much, a client may go on sending when its connection ends. Closing while it still sends would make
+/// its system discard the answer before it is read.
 constexpr std::chrono::seconds LingerTime{2};
 constexpr std::size_t LingerBytes = 16 * 1024 * 1024;
 
 /// How long a cancelled operation may take to end.
 constexpr std::chrono::seconds CancelTime{1};
 
-/// Line ends that are skipped in front of a request. Whoever sends more of them would be one who never says anything,
-/// and yet is never silent for long enough.
+/// Line ends that are skipped in front of a request. A client that sent nothing else would never be idle for long
+/// enough to be closed.
 constexpr int MostSkipped = 4;
 
 constexpr std::string_view ContinueText = "HTTP/1.1 100 Continue\r\n\r\n";
@@ -84,7 +85,7 @@ public:
         finishing = true; // at once, so that a response made from now on already announces the end
         asio::post(stream.get_executor(), [self = Self()] {
             if (!self->idle) return;
-            // What has been read already is not lost by that.
+            // Cancelling loses nothing that has been read.
             self->deadline = Clock::now() + self->context->GetLastRequestTime();
             beast::error_code ignored;
             GetSocket(self->stream).cancel(ignored);
@@ -151,8 +152,8 @@ private:
         return GetSocket(stream).available(ignored) > 0;
     }
 
-    /// Whether a connection that is to end still has a request to answer: something has come, or it is so new that the
-    /// client is about to send its first.
+    /// Whether a connection that is to end still has a request to answer: something has arrived, or the connection is
+    /// so new that the client is about to send its first request.
     bool MayHaveRequest() {
         if constexpr (std::is_same_v<Stream, TlsStream>) {
             if (SSL_has_pending(stream.native_handle()) || BIO_pending(SSL_get_rbio(stream.native_handle())) > 0)
@@ -198,7 +199,7 @@ private:
     }
 
     void OnReadError(beast::error_code error) {
-        if (timedOut) return Refuse(MakeTextReply(Reply::Status::RequestTimeout, "The request took too long to come."));
+        if (timedOut) return Refuse(MakeTextReply(Status::RequestTimeout, "The request took too long to come."));
         auto const rest = buffer.cdata();
         std::string_view const received(static_cast<char const*>(rest.data()), rest.size());
         if (auto refusal = ExplainReadError(error, received, limits)) return Refuse(*std::move(refusal));
@@ -209,7 +210,7 @@ private:
         if (error) return OnReadError(error);
         auto message = parser->release();
         parser.reset();
-        // Trailer fields, which the parser adds to the header, have not been checked.
+        // The parser adds trailer fields to the header, unchecked.
         if (checkedHeader) message.base() = *std::exchange(checkedHeader, std::nullopt);
         form = {message.version() % 10, message.keep_alive()};
         headOnly = message.method() == http::verb::head;
@@ -221,7 +222,7 @@ private:
             });
     }
 
-    /// Answers a request that is not read any further; what follows on the connection could not be told apart from it.
+    /// Answers a request without reading the rest of it; where the next one would start is unknown.
     void Refuse(Reply refusal) {
         headOnly = false;
         form = {1, false};
@@ -232,17 +233,17 @@ private:
     void Write(Reply answer) {
         form.keepAlive = form.keepAlive && !IsFinishing();
         reply = std::move(answer);
-        head = MakeResponseHead(reply, form);
+        head = MakeResponseHead(*reply, form);
         std::vector<asio::const_buffer> chunks{asio::buffer(head)};
-        if (!headOnly && HasBody(reply.status)) {
-            for (auto const& chunk : reply.body) chunks.emplace_back(asio::buffer(chunk->ToStringView()));
+        if (!headOnly && HasBody(reply->GetStatus())) {
+            for (auto const& chunk : reply->GetBody()) chunks.emplace_back(asio::buffer(chunk->ToStringView()));
         }
         Allow(limits.idleTime);
         asio::async_write(stream, chunks, Then(&Session::OnWritten));
     }
 
     void OnWritten(beast::error_code error) {
-        reply = {};
+        reply.reset();
         if (error) return CloseNow();
         if (form.keepAlive) return AwaitRequest();
         Linger();
@@ -291,14 +292,14 @@ private:
     bool timedOut = false;     ///< the present operation was cancelled because its time was over
     Clock::time_point closing; ///< when to close the connection if cancelling has not ended the operation
     bool idle = false;         ///< waiting for the first byte of a request
-    bool fresh = true;         ///< nothing of a request has come yet
+    bool fresh = true;         ///< nothing has been received yet
     int skipped = 0;           ///< bytes of line ends in front of the next request
     beast::flat_buffer buffer{MaximumHeader + FirstRead};
     std::optional<RequestParser> parser;
     std::optional<RequestParser::value_type::header_type> checkedHeader; ///< of a chunked request
     ResponseForm form;
     bool headOnly = false;
-    Reply reply;
+    std::optional<Reply> reply; ///< being written
     std::string head;
     std::size_t drained = 0;
 };

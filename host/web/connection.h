@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/web/admission.h"
-#include "host/web/connection_context.h"
+#include "host/web/limits.h"
 
 #include <boost/asio/basic_stream_socket.hpp>
 #include <boost/asio/io_context.hpp>
@@ -10,14 +10,53 @@
 #include <boost/asio/ssl/context.hpp>
 #include <boost/asio/strand.hpp>
 
+#include <atomic>
 #include <chrono>
 #include <memory>
+#include <mutex>
 
 namespace zarn::host::web {
+
+class Dispatcher;
 
 /// A socket whose handlers run one at a time.
 using Socket =
     boost::asio::basic_stream_socket<boost::asio::ip::tcp, boost::asio::strand<boost::asio::io_context::executor_type>>;
+
+/// What all connections of a server share. Thread: any.
+class ConnectionContext {
+public:
+    /// dispatcher       answers the requests; must outlive the context
+    /// lastRequestTime  how long a connection that is about to end waits for a request that is already on its way
+    ConnectionContext(Dispatcher& dispatcher, Limits const& limits, std::chrono::milliseconds lastRequestTime)
+        : dispatcher(dispatcher), lastRequestTime(lastRequestTime), limits(limits) {}
+
+    Dispatcher& GetDispatcher() const noexcept { return dispatcher; }
+
+    std::chrono::milliseconds GetLastRequestTime() const noexcept { return lastRequestTime; }
+
+    Limits GetLimits() const {
+        std::lock_guard const lock(mutex);
+        return limits;
+    }
+
+    void SetLimits(Limits const& value) {
+        std::lock_guard const lock(mutex);
+        limits = value;
+    }
+
+    /// From now on no connection is kept for another request.
+    void SetFinishing() noexcept { finishing = true; }
+
+    bool IsFinishing() const noexcept { return finishing; }
+
+private:
+    Dispatcher& dispatcher;
+    std::chrono::milliseconds const lastRequestTime;
+    std::atomic<bool> finishing = false;
+    mutable std::mutex mutex; ///< guards limits
+    Limits limits;
+};
 
 /// One client's connection: reads requests one after the other, has each answered, and writes the answers. It keeps
 /// itself alive for as long as there is something to read, write or wait for.
@@ -30,22 +69,22 @@ public:
     Connection(Connection const&) = delete;
     Connection& operator=(Connection const&) = delete;
 
-    /// Begins to serve. To be called once.
+    /// Starts to serve. To be called once.
     virtual void Start() = 0;
 
-    /// Ends what takes longer than it may: an idle connection or a slow reader is closed, a slow sender is answered
-    /// 408. Has to be called again and again, a few times a second. Thread: any.
+    /// Enforces the deadline of the present operation: closes an idle connection or one whose client reads too slowly,
+    /// answers 408 to a client that sends too slowly. Has to be called a few times a second. Thread: any.
     virtual void CheckDeadline(Clock::time_point now) = 0;
 
-    /// Closes the connection when the present request is answered, or one that has come meanwhile. One on which nothing
-    /// has come yet is given a second for its first request, unless the whole server ends. Thread: any.
+    /// Closes the connection after its present request, or after one that has already arrived. A connection that has
+    /// received nothing yet is given a second for its first request, unless the whole server ends. Thread: any.
     virtual void Finish() = 0;
 
     /// Closes the connection now. Thread: any.
     virtual void Close() = 0;
 };
 
-/// What the server knows about a connection when it has accepted it.
+/// What a connection is made of.
 struct Accepted {
     Socket socket;
     boost::asio::ip::address peer;

@@ -1,7 +1,6 @@
 #include "host/web/digest.h"
 
-#include "host/web/digest_answer.h"
-#include "host/web/digest_parameters.h"
+#include "host/web/digest_credentials.h"
 #include "host/web/reply.h"
 #include "host/web/request_target.h"
 
@@ -18,14 +17,14 @@ namespace {
 
 constexpr char FieldName[] = "WWW-Authenticate";
 
-/// Whether the answer is made for this request: a client may leave out the query, as many do.
+/// Whether credentials with this uri are made for a request; many clients leave out the query.
 bool IsFor(std::string const& uri, std::string_view target) {
     auto const origin = ToOriginForm(uri);
     return origin && (*origin == target || *origin == GetPath(target));
 }
 
-/// Takes the challenge out of the fields of a refusal, and returns its realm.
-std::string TakeRealm(std::map<std::string, std::string>& fields) {
+/// Removes the challenge from the fields of a refusal and returns its realm.
+std::string RemoveChallenge(std::map<std::string, std::string>& fields) {
     std::string realm = authentication::Realm;
     std::erase_if(fields, [&](auto const& field) {
         if (!boost::beast::iequals(field.first, FieldName)) return false;
@@ -45,24 +44,24 @@ Digest::Digest(ZarnAuthenticationEngine const& engine, Challenges& challenges)
 zarn::web::Service::Response Digest::Refuse(zarn::web::Request const& request) const {
     if (!ZarnAuthenticationIsEnabled(engine)) return nullptr;
     bool stale = false;
-    auto const answer = DigestAnswer::Read(request);
-    if (answer && IsFor(answer->GetUri(), request.GetTarget())) {
+    auto const credentials = DigestCredentials::Find(request);
+    if (credentials && IsFor(credentials->GetUri(), request.GetTarget())) {
         std::string const method(protocol::network::http::ToString(request.GetMethod()));
-        if (answer->LogsIn(*engine, method, answer->GetUri())) return nullptr;
-        stale = answer->IsRight(*engine, method, answer->GetUri());
+        if (credentials->LogIn(*engine, method, credentials->GetUri())) return nullptr;
+        stale = credentials->HasRightResponse(*engine, method, credentials->GetUri());
     }
-    return MakeTextResponse(Reply::Status::Unauthorized, "Log in first.",
+    return MakeTextResponse(Status::Unauthorized, "Log in first.",
                             {{FieldName, MakeChallenge(authentication::Realm, stale)}});
 }
 
-Digest::Data Digest::Challenge(Data const& refusal, zarn::web::Request const& request) const {
-    // Right for the targets that the module tries: all else that it could mind was the nonce.
-    auto const answer = DigestAnswer::Read(request);
+Digest::Data Digest::ReplaceChallenge(Data const& refusal, zarn::web::Request const& request) const {
+    // With a right response to one of the targets that the module tries, only the nonce can be the reason.
+    auto const credentials = DigestCredentials::Find(request);
     auto const target = request.GetTarget();
-    bool const stale =
-        answer && (answer->IsRight(*engine, "POST", target) || answer->IsRight(*engine, "POST", GetPath(target)));
+    bool const stale = credentials && (credentials->HasRightResponse(*engine, "POST", target) ||
+                                       credentials->HasRightResponse(*engine, "POST", GetPath(target)));
     auto fields = refusal.GetFields();
-    auto const realm = TakeRealm(fields);
+    auto const realm = RemoveChallenge(fields);
     fields.emplace(FieldName, MakeChallenge(realm, stale));
     return {refusal.GetStatus(), std::move(fields), {refusal.GetState(), refusal.GetBody()}};
 }

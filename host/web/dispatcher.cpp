@@ -1,7 +1,6 @@
 #include "host/web/dispatcher.h"
 
-#include "host/web/digest_answer.h"
-#include "host/web/digest_parameters.h"
+#include "host/web/digest_credentials.h"
 #include "host/web/request_target.h"
 
 #include <boost/algorithm/string/predicate.hpp>
@@ -17,16 +16,22 @@ namespace zarn::host::web {
 namespace {
 
 using logging::Level;
-using Status = Reply::Status;
 
-/// Whether the refusal only asks for a newer nonce, so that the answer itself was right.
+/// Whether a refusal only asks for a newer nonce: the response was right.
 bool IsStale(Reply const& reply) {
-    return std::any_of(reply.fields.begin(), reply.fields.end(), [](auto const& field) {
+    return std::any_of(reply.GetFields().begin(), reply.GetFields().end(), [](auto const& field) {
         if (!boost::beast::iequals(field.first, "WWW-Authenticate")) return false;
-        // Read as a client does: the realm in it may be the text of the one who guesses.
+        // Parsed as a client does, because the realm may be a text that the client sent.
         auto challenge = ParseDigestParameters(field.second);
         return challenge && boost::beast::iequals((*challenge)["stale"], "true");
     });
+}
+
+/// Whether a request was refused because its response was wrong.
+bool IsFailedLogin(IncomingRequest const& request, Reply const& reply) {
+    if (reply.GetStatus() != Status::Unauthorized) return false;
+    auto const authorization = request.FindField("Authorization");
+    return boost::istarts_with(authorization, "Digest") && !IsOfUnofferedForm(authorization) && !IsStale(reply);
 }
 
 } // namespace
@@ -36,8 +41,7 @@ Dispatcher::Dispatcher(Router router, PendingTicker& ticker, Admission& admissio
 
 void Dispatcher::Handle(boost::asio::ip::address const& peer, std::shared_ptr<IncomingRequest> const& request,
                         Limits const& limits, Done done) {
-    auto const authorization = request->FindField("Authorization");
-    if (!authorization.empty()) {
+    if (!request->FindField("Authorization").empty()) {
         if (auto const wait = failedLogins.GetWait(peer)) {
             throttled.Log(Level::Warning, "%0% sent too many wrong passwords, refused for %1% s", peer.to_string(),
                           wait->count());
@@ -52,14 +56,12 @@ void Dispatcher::Handle(boost::asio::ip::address const& peer, std::shared_ptr<In
         return done(MakeTextReply(Status::ServiceUnavailable, "Too many requests are under way; try again later.",
                                   {{"Retry-After", "1"}}));
     }
-    bool const answersDigest = boost::istarts_with(authorization, "Digest") && !IsOfOtherForm(authorization);
-    auto pending = Ask(request);
-    ticker.Watch(std::move(pending), [this, peer, answersDigest, slot = std::move(slot), request,
-                                      done = std::move(done)](Reply reply) mutable {
-        slot.reset();
-        if (answersDigest) CountFailure(peer, reply);
-        done(std::move(reply));
-    });
+    ticker.Watch(Ask(request),
+                 [this, peer, slot = std::move(slot), request, done = std::move(done)](Reply reply) mutable {
+                     slot.reset();
+                     if (IsFailedLogin(*request, reply)) failedLogins.Count(peer);
+                     done(std::move(reply));
+                 });
 }
 
 std::shared_ptr<zarn::web::response::Pending> Dispatcher::Ask(std::shared_ptr<IncomingRequest> const& request) {
@@ -69,7 +71,7 @@ std::shared_ptr<zarn::web::response::Pending> Dispatcher::Ask(std::shared_ptr<In
     try {
         return service->Process(request);
     } catch (std::system_error const& error) {
-        // No thread could be started: the load is too high, which passes.
+        // No thread could be started: the load is too high for now.
         failed.Log(Level::Error, "A request could not be started: %0%", error.what());
         return MakeTextResponse(Status::ServiceUnavailable, "The request cannot be worked on now; try again later.",
                                 {{"Retry-After", "1"}});
@@ -77,10 +79,6 @@ std::shared_ptr<zarn::web::response::Pending> Dispatcher::Ask(std::shared_ptr<In
         failed.Log(Level::Error, "A request failed: %0%", error.what());
         return MakeTextResponse(Status::InternalServerError, "The request could not be worked on.");
     }
-}
-
-void Dispatcher::CountFailure(boost::asio::ip::address const& peer, Reply const& reply) {
-    if (reply.status == Status::Unauthorized && !IsStale(reply)) failedLogins.Count(peer);
 }
 
 } // namespace zarn::host::web

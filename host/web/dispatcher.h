@@ -17,9 +17,9 @@
 
 namespace zarn::host::web {
 
-/// Takes a request from wherever it came to the service that its path names, and the service's answer back. Refuses
-/// what goes past a bound: 429 with Retry-After for an address that guesses passwords, 503 when too many exchanges are
-/// under way or no thread can be started for this one. Thread: any.
+/// Hands a request to the service of its path, and the service's answer back. Refuses what exceeds a bound: 429 with
+/// Retry-After for an address that guesses passwords, 503 when too many exchanges are under way or no thread can be
+/// started for this one. Thread: any.
 class Dispatcher {
 public:
     using Done = std::function<void(Reply)>;
@@ -36,7 +36,6 @@ public:
 
 private:
     std::shared_ptr<zarn::web::response::Pending> Ask(std::shared_ptr<IncomingRequest> const& request);
-    void CountFailure(boost::asio::ip::address const& peer, Reply const& reply);
 
     Router router;
     PendingTicker& ticker;

@@ -1,6 +1,6 @@
 #include "host/web/incoming_request.h"
 
-#include "host/web/digest_parameters.h"
+#include "host/web/digest_credentials.h"
 #include "host/web/request_target.h"
 
 #include <boost/beast/http/field.hpp>

@@ -1,189 +1,133 @@
 #include "host/web/pending_ticker.h"
 
-#include <zarn/logging/limited_logger.h>
-
 #include <boost/asio/bind_executor.hpp>
-#include <boost/asio/steady_timer.hpp>
-#include <boost/asio/strand.hpp>
 
 #include <algorithm>
-#include <chrono>
 #include <cstddef>
 #include <exception>
 #include <iterator>
-#include <mutex>
-#include <optional>
-#include <string_view>
 #include <utility>
-#include <vector>
 
 namespace zarn::host::web {
 namespace {
 
+using logging::Level;
 using zarn::web::response::Pending;
 using zarn::web::response::State;
-using Clock = std::chrono::steady_clock;
+using Duration = std::chrono::steady_clock::duration;
 using namespace std::chrono_literals;
 
 /// The shortest pause between two questions.
-constexpr Clock::duration ShortestPause = 50us;
+constexpr Duration ShortestPause = 50us;
 
-/// A response that has waited for T is asked again after T / this: it loses an eighth of its own duration at most.
+/// A response of age T is asked again after T / PausesPerAge: the answer is late by an eighth of its time at most.
 constexpr int PausesPerAge = 8;
 
 /// From this age on a response counts as one that waits for an event; those are asked all together.
-constexpr Clock::duration WaitingAge = 20ms;
+constexpr Duration WaitingAge = 20ms;
 
-/// Pause between two rounds over the waiting ones: in proportion to their number, so that asking costs the same share
+/// The pause between two rounds over the waiting responses grows with their number, so that asking costs the same share
 /// of a core however many there are, between two bounds.
-constexpr Clock::duration PausePerWaiting = 40us;
-constexpr Clock::duration ShortestRoundPause = 4ms;
-constexpr Clock::duration LongestRoundPause = 40ms;
+constexpr Duration PausePerWaiting = 40us;
+constexpr Duration ShortestRoundPause = 4ms;
+constexpr Duration LongestRoundPause = 40ms;
 
-/// What has woken one waiting response wakes others: for so many rounds after one was ready they are asked sooner.
+/// An event that completes one waiting response often completes others: after one was complete, so many rounds follow
+/// sooner.
 constexpr int HastyRounds = 8;
-constexpr Clock::duration HastyRoundPause = 1ms;
+constexpr Duration HastyRoundPause = 1ms;
 
-struct Entry {
-    std::shared_ptr<Pending const> pending;
-    PendingTicker::Done done;
-    Clock::time_point begun;
-    Clock::time_point due;
-};
-
-/// Removes one of many whose order does not matter.
-void Remove(std::vector<Entry>& entries, std::size_t index) {
-    if (index + 1 < entries.size()) entries[index] = std::move(entries.back());
-    entries.pop_back();
+/// Removes the entries for which `isFinished` returns true, in any order: nothing is moved but the last one.
+template <class Entries, class IsFinished>
+void RemoveIf(Entries& entries, IsFinished isFinished) {
+    for (std::size_t i = 0; i < entries.size();) {
+        if (!isFinished(entries[i])) {
+            ++i;
+            continue;
+        }
+        if (i + 1 < entries.size()) entries[i] = std::move(entries.back());
+        entries.pop_back();
+    }
 }
 
 } // namespace
 
-class PendingTicker::Impl : public std::enable_shared_from_this<Impl> {
-public:
-    explicit Impl(boost::asio::io_context& io) : strand(boost::asio::make_strand(io)), timer(io) {}
+PendingTicker::PendingTicker(boost::asio::io_context& io) : strand(boost::asio::make_strand(io)), timer(io) {}
 
-    void Watch(std::shared_ptr<Pending const> pending, Done done);
-    void Stop();
-
-private:
-    std::optional<Reply> Ask(Entry const& entry, Clock::time_point now);
-    Reply Unanswered(std::string_view why);
-    void Finish(Entry const& entry, Reply reply);
-    bool Settle(Entry& entry, Clock::time_point now);
-    void Tick();
-    void TakeArrived();
-    void AskYoung(Clock::time_point now);
-    void AskWaiting(Clock::time_point now);
-    void ArmLocked(Clock::time_point when);
-
-    logging::LimitedLogger throwing{"zarn.host.web"};
-    logging::LimitedLogger failing{"zarn.host.web"};
-    boost::asio::strand<boost::asio::io_context::executor_type> strand;
-
-    std::mutex mutex; ///< guards the members up to the next blank line
-    boost::asio::steady_timer timer;
-    std::optional<Clock::time_point> armed; ///< when the timer fires; none: it does not
-    std::vector<Entry> arrived;
-    bool stopped = false;
-
-    // Only touched on the strand.
-    std::vector<Entry> young;
-    std::vector<Entry> waiting;
-    Clock::time_point nextRound;
-    int hastyRounds = 0;
-};
-
-void PendingTicker::Impl::Watch(std::shared_ptr<Pending const> pending, Done done) {
+void PendingTicker::Watch(std::shared_ptr<Pending const> pending, Done done) {
     auto const now = Clock::now();
     Entry entry{std::move(pending), std::move(done), now, now + ShortestPause};
-    if (auto reply = Ask(entry, now)) {
-        entry.done(*std::move(reply));
-        return;
-    }
+    if (auto reply = Ask(entry, now)) return entry.done(*std::move(reply));
     std::lock_guard const lock(mutex);
-    if (stopped) return;
     arrived.push_back(std::move(entry));
     ArmLocked(arrived.back().due);
 }
 
-void PendingTicker::Impl::Stop() {
-    std::vector<Entry> dropped;
-    {
-        std::lock_guard const lock(mutex);
-        stopped = true;
-        timer.cancel();
-        dropped.swap(arrived);
-    }
-    young.clear();
-    waiting.clear();
-}
-
-std::optional<Reply> PendingTicker::Impl::Ask(Entry const& entry, Clock::time_point now) {
+std::optional<Reply> PendingTicker::Ask(Entry const& entry, Clock::time_point now) {
+    auto const fail = [this](char const* why) {
+        throwing.Log(Level::Error, "A request ended without an answer: %0%", why);
+        return MakeTextReply(Status::InternalServerError, "The request ended without an answer.");
+    };
     try {
         auto data = entry.pending->GetData();
-        if (data.GetState() == State::Complete) return Reply{data.GetStatus(), data.GetFields(), data.GetBody()};
+        if (data.GetState() == State::Complete) return data;
         auto const timeout = entry.pending->GetTimeout();
-        if (timeout > 0ms && now - entry.begun >= timeout) {
-            return MakeTextReply(Reply::Status::GatewayTimeout, "The request was not answered in time.");
-        }
-        return std::nullopt;
+        if (timeout <= 0ms || now - entry.begun < timeout) return std::nullopt;
+        return MakeTextReply(Status::GatewayTimeout, "The request was not answered in time.");
     } catch (std::exception const& error) {
-        return Unanswered(error.what());
+        return fail(error.what());
     } catch (...) {
-        return Unanswered("an exception of unknown type");
+        return fail("an exception of unknown type");
     }
 }
 
-Reply PendingTicker::Impl::Unanswered(std::string_view why) {
-    throwing.Log(logging::Level::Error, "A request ended without an answer: %0%", why);
-    return MakeTextReply(Reply::Status::InternalServerError, "The request ended without an answer.");
-}
-
-/// Hands a reply over. What is thrown concerns this one only: the others are still to be asked.
-void PendingTicker::Impl::Finish(Entry const& entry, Reply reply) {
+/// Asks a response and delivers its reply. Returns whether it is finished. A delivery that throws concerns this
+/// response only: the others are still to be asked.
+bool PendingTicker::AskAndFinish(Entry const& entry, Clock::time_point now) {
+    auto reply = Ask(entry, now);
+    if (!reply) return false;
     try {
-        entry.done(std::move(reply));
+        entry.done(*std::move(reply));
     } catch (std::exception const& error) {
-        failing.Log(logging::Level::Error, "An answer could not be delivered: %0%", error.what());
+        failing.Log(Level::Error, "An answer could not be delivered: %0%", error.what());
     }
+    return true;
 }
 
-void PendingTicker::Impl::Tick() {
+void PendingTicker::Tick() {
     auto const now = Clock::now();
     try {
-        TakeArrived();
-        AskYoung(now);
-        if (!waiting.empty() && nextRound <= now) AskWaiting(now);
+        AskAll(now);
     } catch (std::exception const& error) {
-        // Out of memory, most likely. All that is left is asked again at the next tick.
+        // Out of memory, most likely. The rest is asked again at the next tick.
         nextRound = std::max(nextRound, now + LongestRoundPause);
-        failing.Log(logging::Level::Error, "Not all pending responses could be asked: %0%", error.what());
+        failing.Log(Level::Error, "Not all pending responses could be asked: %0%", error.what());
     }
 
-    std::optional<Clock::time_point> next;
-    for (auto const& entry : young) next = next ? std::min(*next, entry.due) : entry.due;
-    if (!waiting.empty()) next = next ? std::min(*next, nextRound) : nextRound;
-    // The pause counts from the end of the work, so that asking cannot eat up the thread however much there is to ask.
-    if (next) next = std::max(*next, Clock::now() + ShortestPause);
+    auto next = waiting.empty() ? Clock::time_point::max() : nextRound;
+    for (auto const& entry : young) next = std::min(next, entry.due);
+    if (next == Clock::time_point::max()) return;
     std::lock_guard const lock(mutex);
-    if (next && !stopped) ArmLocked(*next);
+    // The pause counts from the end of the work, so that asking leaves the thread some time however much there is to
+    // do.
+    ArmLocked(std::max(next, Clock::now() + ShortestPause));
 }
 
-void PendingTicker::Impl::TakeArrived() {
-    std::lock_guard const lock(mutex);
-    young.reserve(young.size() + arrived.size());
-    std::move(arrived.begin(), arrived.end(), std::back_inserter(young));
-    arrived.clear();
+void PendingTicker::AskAll(Clock::time_point now) {
+    {
+        std::lock_guard const lock(mutex);
+        young.reserve(young.size() + arrived.size());
+        std::move(arrived.begin(), arrived.end(), std::back_inserter(young));
+        arrived.clear();
+    }
+    RemoveIf(young, [&](Entry& entry) { return AskIfDue(entry, now); });
+    if (!waiting.empty() && nextRound <= now) AskWaiting(now);
 }
 
-/// Asks a young response that is due. Returns true when it is young no more.
-bool PendingTicker::Impl::Settle(Entry& entry, Clock::time_point now) {
+/// Asks a young response if it is due. Returns whether it is finished or counts as waiting from now on.
+bool PendingTicker::AskIfDue(Entry& entry, Clock::time_point now) {
     if (entry.due > now) return false;
-    if (auto reply = Ask(entry, now)) {
-        Finish(entry, *std::move(reply));
-        return true;
-    }
+    if (AskAndFinish(entry, now)) return true;
     auto const age = now - entry.begun;
     entry.due = now + std::max(age / PausesPerAge, ShortestPause);
     if (age < WaitingAge) return false;
@@ -192,55 +136,27 @@ bool PendingTicker::Impl::Settle(Entry& entry, Clock::time_point now) {
     return true;
 }
 
-void PendingTicker::Impl::AskYoung(Clock::time_point now) {
-    for (std::size_t i = 0; i < young.size();) {
-        if (Settle(young[i], now)) {
-            Remove(young, i);
-        } else {
-            ++i;
-        }
-    }
-}
-
-void PendingTicker::Impl::AskWaiting(Clock::time_point now) {
-    bool ready = false;
-    for (std::size_t i = 0; i < waiting.size();) {
-        if (auto reply = Ask(waiting[i], now)) {
-            ready = true;
-            Finish(waiting[i], *std::move(reply));
-            Remove(waiting, i);
-        } else {
-            ++i;
-        }
-    }
-    hastyRounds = ready ? HastyRounds : std::max(hastyRounds - 1, 0);
+void PendingTicker::AskWaiting(Clock::time_point now) {
+    auto const before = waiting.size();
+    RemoveIf(waiting, [&](Entry const& entry) { return AskAndFinish(entry, now); });
+    hastyRounds = waiting.size() < before ? HastyRounds : std::max(hastyRounds - 1, 0);
     auto const pause =
         std::clamp(PausePerWaiting * static_cast<long>(waiting.size()), ShortestRoundPause, LongestRoundPause);
     nextRound = now + (hastyRounds > 0 ? HastyRoundPause : pause);
 }
 
-void PendingTicker::Impl::ArmLocked(Clock::time_point when) {
+void PendingTicker::ArmLocked(Clock::time_point when) {
     if (armed && *armed <= when) return;
     armed = when;
     timer.expires_at(when);
-    timer.async_wait(boost::asio::bind_executor(strand, [self = shared_from_this()](boost::system::error_code error) {
-        // Cancelled because an earlier time was set: that one ticks.
-        if (error) return;
+    timer.async_wait(boost::asio::bind_executor(strand, [this](boost::system::error_code error) {
+        if (error) return; // cancelled because an earlier time was set
         {
-            std::lock_guard const lock(self->mutex);
-            if (self->stopped) return;
-            self->armed.reset();
+            std::lock_guard const lock(mutex);
+            armed.reset();
         }
-        self->Tick();
+        Tick();
     }));
-}
-
-PendingTicker::PendingTicker(boost::asio::io_context& io) : impl(std::make_shared<Impl>(io)) {}
-
-PendingTicker::~PendingTicker() { impl->Stop(); }
-
-void PendingTicker::Watch(std::shared_ptr<zarn::web::response::Pending const> pending, Done done) {
-    impl->Watch(std::move(pending), std::move(done));
 }
 
 } // namespace zarn::host::web

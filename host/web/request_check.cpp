@@ -15,11 +15,10 @@ namespace zarn::host::web {
 namespace {
 
 namespace http = boost::beast::http;
-using Status = Reply::Status;
 using Header = http::request<http::string_body>;
 
-/// Whether a Host field can be a name or an address, with or without a port: its characters are looked at, not their
-/// order. An empty one is what a client sends that has no name for the server.
+/// Whether a Host field can be a name or an address, with or without a port: checks its characters, not their order. It
+/// is empty when the client has no name for the server.
 /// Source: RFC 9112, 3.2; RFC 3986, 3.2.
 bool IsHost(std::string_view host) {
     constexpr std::string_view Allowed =
@@ -66,16 +65,16 @@ std::optional<Reply> CheckFields(Header const& header) {
     }
     // Decompression would let a small request grow past every bound.
     if (!IsOnly(header, http::field::content_encoding, "identity")) {
-        return MakeTextReply(Status::UnsupportedMediaType, "Compressed content is not taken.",
+        return MakeTextReply(Status::UnsupportedMediaType, "Compressed content is not supported.",
                              {{"Accept-Encoding", "identity"}});
     }
     if (!IsOnly(header, http::field::expect, "100-continue")) {
-        return MakeTextReply(Status::ExpectationFailed, "The only expectation that is met is 100-continue.");
+        return MakeTextReply(Status::ExpectationFailed, "The only supported expectation is 100-continue.");
     }
     return std::nullopt;
 }
 
-/// Whether the first line ends with a version of HTTP, and as lines of HTTP end.
+/// Whether the first line ends with a version of HTTP and a line end of HTTP.
 /// Source: RFC 9112, 2.3.
 bool NamesVersion(std::string_view received) {
     constexpr std::string_view Form = " HTTP/0.0";
@@ -88,20 +87,20 @@ bool NamesVersion(std::string_view received) {
 
 std::optional<Reply> CheckLength(RequestParser const& parser) {
     auto const& header = parser.get();
-    // Whoever stands in front of this server might see another end of a body that is coded otherwise.
+    // A proxy in front of this server might see another end of a body with another coding.
     if (header.count(http::field::transfer_encoding) > 0 &&
         (header.version() < 11 || !boost::beast::iequals(header[http::field::transfer_encoding], "chunked"))) {
-        return MakeTextReply(Status::BadRequest, "The only transfer coding that is taken is chunked, in HTTP/1.1.");
+        return MakeTextReply(Status::BadRequest, "The only supported transfer coding is chunked, in HTTP/1.1.");
     }
-    // He might also take another one of the lengths, even where they are the same in our eyes.
+    // It might also use another one of several lengths, even of lengths that look equal here.
     if (header.count(http::field::content_length) > 1 ||
         header[http::field::content_length].find(',') != std::string_view::npos) {
-        return MakeTextReply(Status::BadRequest, "The length of the body is said more than once.");
+        return MakeTextReply(Status::BadRequest, "The length of the body is given more than once.");
     }
     auto const method = header.method();
     bool const hasContent = method == http::verb::post || method == http::verb::put;
     if (hasContent && !parser.content_length() && !parser.chunked()) {
-        return MakeTextReply(Status::LengthRequired, "The request says neither Content-Length nor that it is chunked.");
+        return MakeTextReply(Status::LengthRequired, "The request has neither Content-Length nor chunked coding.");
     }
     return std::nullopt;
 }
@@ -128,7 +127,7 @@ std::optional<Reply> ExplainReadError(boost::beast::error_code error, std::strin
                              "The header is longer than " + std::to_string(MaximumHeader) + " bytes.");
     }
     if (error == http::error::bad_version && NamesVersion(received)) {
-        return MakeTextReply(Status::HttpVersionNotSupported, "Only HTTP/1.0 and HTTP/1.1 are spoken.");
+        return MakeTextReply(Status::HttpVersionNotSupported, "Only HTTP/1.0 and HTTP/1.1 are supported.");
     }
     return MakeTextReply(Status::BadRequest, "This is not an HTTP request: " + error.message() + ".");
 }

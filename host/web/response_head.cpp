@@ -5,9 +5,9 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <clocale>
 #include <cstddef>
 #include <ctime>
-#include <mutex>
 #include <string_view>
 
 namespace zarn::host::web {
@@ -33,29 +33,20 @@ bool IsValue(std::string_view value) {
     return value.find_first_of(Splitters) == std::string_view::npos;
 }
 
-/// The time of an HTTP header; made once a second, since it is the same for every response of that second.
-std::string HttpDate() {
-    static std::mutex mutex;
-    static std::time_t made = 0;
-    static std::string text;
+/// The Date field, made once a second by each thread, since it is the same for every response of that second. In the C
+/// locale, whatever the process uses. Source: RFC 9110, 5.6.7.
+std::string_view GetDate() {
+    static locale_t const c = newlocale(LC_ALL_MASK, "C", nullptr);
+    thread_local std::time_t made = 0;
+    thread_local std::array<char, 40> text{};
     std::time_t const now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
-    std::lock_guard const lock(mutex);
-    if (now != made || text.empty()) {
-        constexpr std::array<char const*, 7> Days{"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
-        constexpr std::array<char const*, 12> Months{"Jan", "Feb", "Mar", "Apr", "May", "Jun",
-                                                     "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+    if (now != made) {
         std::tm utc{};
         gmtime_r(&now, &utc);
-        std::array<char, 40> rest{};
-        std::size_t const length = std::strftime(rest.data(), rest.size(), " %Y %H:%M:%S GMT", &utc);
-        std::array<char, 3> day{};
-        std::strftime(day.data(), day.size(), "%d", &utc);
-        text = Days.at(static_cast<std::size_t>(utc.tm_wday));
-        text.append(", ").append(day.data(), 2).append(" ").append(Months.at(static_cast<std::size_t>(utc.tm_mon)));
-        text.append(rest.data(), length);
+        strftime_l(text.data(), text.size(), "%a, %d %b %Y %H:%M:%S GMT", &utc, c);
         made = now;
     }
-    return text;
+    return text.data();
 }
 
 void Add(std::string& head, std::string_view name, std::string_view value) {
@@ -64,31 +55,29 @@ void Add(std::string& head, std::string_view name, std::string_view value) {
 
 } // namespace
 
-bool HasBody(Reply::Status status) noexcept {
-    return status != Reply::Status::NoContent && status != Reply::Status::NotModified;
-}
+bool HasBody(Status status) noexcept { return status != Status::NoContent && status != Status::NotModified; }
 
 std::string MakeResponseHead(Reply const& reply, ResponseForm form) {
-    auto code = static_cast<unsigned>(reply.status);
-    if (code < 200 || code > 599) code = static_cast<unsigned>(Reply::Status::InternalServerError);
+    auto code = static_cast<unsigned>(reply.GetStatus());
+    if (code < 200 || code > 599) code = static_cast<unsigned>(Status::InternalServerError);
 
     std::string head;
     head.reserve(512);
     head.append("HTTP/1.1 ").append(std::to_string(code)).append(" ");
-    head.append(protocol::network::http::response::ToString(static_cast<Reply::Status>(code))).append("\r\n");
-    Add(head, "Date", HttpDate());
+    head.append(protocol::network::http::response::ToString(static_cast<Status>(code))).append("\r\n");
+    Add(head, "Date", GetDate());
     Add(head, "Server", "zarn-host");
     if (!form.keepAlive) {
         Add(head, "Connection", "close");
     } else if (form.minorVersion == 0) {
         Add(head, "Connection", "keep-alive");
     }
-    if (HasBody(reply.status)) {
+    if (HasBody(reply.GetStatus())) {
         std::size_t length = 0;
-        for (auto const& chunk : reply.body) length += chunk->GetSize();
+        for (auto const& chunk : reply.GetBody()) length += chunk->GetSize();
         Add(head, "Content-Length", std::to_string(length));
     }
-    for (auto const& [name, value] : reply.fields) {
+    for (auto const& [name, value] : reply.GetFields()) {
         if (IsToken(name) && IsValue(value) && !IsOwn(name)) Add(head, name, value);
     }
     head.append("\r\n");

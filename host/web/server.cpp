@@ -2,7 +2,6 @@
 
 #include "host/web/acceptor.h"
 #include "host/web/connection.h"
-#include "host/web/connection_context.h"
 #include "host/web/dispatcher.h"
 #include "host/web/pending_ticker.h"
 #include "host/web/repeating_timer.h"
@@ -33,14 +32,14 @@ using asio::ip::tcp;
 using logging::Level;
 using namespace std::chrono_literals;
 
-/// How often the deadlines of the connections are looked at.
+/// How often the deadlines of the connections are checked.
 constexpr std::chrono::milliseconds SweepInterval = 250ms;
 
-/// Tells a client that there is no room, if that can be done without waiting.
-void Turn(Socket socket) {
-    Reply const reply = MakeTextReply(Reply::Status::ServiceUnavailable, "Too many connections; try again later.",
-                                      {{"Retry-After", "1"}});
-    std::string const text = MakeResponseHead(reply, {1, false}).append(reply.body.front()->ToStringView());
+/// Answers a client 503 before closing its connection, if that is possible without waiting.
+void RefuseConnection(Socket socket) {
+    Reply const reply =
+        MakeTextReply(Status::ServiceUnavailable, "Too many connections; try again later.", {{"Retry-After", "1"}});
+    std::string const text = MakeResponseHead(reply, {1, false}).append(reply.GetBody().front()->ToStringView());
     boost::system::error_code ignored;
     socket.non_blocking(true, ignored);
     socket.write_some(asio::buffer(text), ignored);
@@ -61,7 +60,7 @@ public:
           dispatcher(std::move(router), ticker, *admission, *failedLogins),
           context(std::make_shared<ConnectionContext>(dispatcher, options.limits, options.lastRequestTime)),
           sweeping(asio::make_strand(io)),
-          sweeper(sweeping, SweepInterval, "The deadlines of the connections were not looked at", [this] { Sweep(); }),
+          sweeper(sweeping, SweepInterval, "Checking the deadlines of the connections failed", [this] { Sweep(); }),
           work(io.get_executor()) {}
 
     ~Impl() { Stop(0ms); }
@@ -109,7 +108,7 @@ private:
     void OnAccepted(Socket socket);
     void Sweep();
     void FinishAll();
-    std::vector<std::shared_ptr<Connection>> TakeLiving();
+    std::vector<std::shared_ptr<Connection>> GetLiving();
 
     asio::io_context& io;
     std::shared_ptr<Acceptor> acceptor;
@@ -167,22 +166,22 @@ void Server::Impl::OnAccepted(Socket socket) {
     }
     if (!slot) {
         refusals.Log(Level::Warning, "Refused a connection from %0%: too many are open", peer.to_string());
-        if (!secure) Turn(std::move(socket));
+        if (!secure) RefuseConnection(std::move(socket));
         return;
     }
     socket.set_option(tcp::no_delay(true), error);
     auto const connection = MakeConnection({std::move(socket), peer, std::move(slot), context}, secure);
-    bool stale = false;
+    bool protocolChanged = false;
     {
         std::lock_guard const lock(mutex);
         connections.push_back(connection);
-        stale = !tls != !secure;
+        protocolChanged = !tls != !secure;
     }
     connection->Start();
-    if (stale) connection->Finish(); // the protocol has changed before it was listed to be told so
+    if (protocolChanged) connection->Finish(); // the change missed it, since it was not listed yet
 }
 
-std::vector<std::shared_ptr<Connection>> Server::Impl::TakeLiving() {
+std::vector<std::shared_ptr<Connection>> Server::Impl::GetLiving() {
     std::vector<std::shared_ptr<Connection>> living;
     std::lock_guard const lock(mutex);
     living.reserve(connections.size()); // nothing may be thrown while elements are on the move
@@ -196,11 +195,11 @@ std::vector<std::shared_ptr<Connection>> Server::Impl::TakeLiving() {
 
 void Server::Impl::Sweep() {
     auto const now = Connection::Clock::now();
-    for (auto const& connection : TakeLiving()) connection->CheckDeadline(now);
+    for (auto const& connection : GetLiving()) connection->CheckDeadline(now);
 }
 
 void Server::Impl::FinishAll() {
-    for (auto const& connection : TakeLiving()) connection->Finish();
+    for (auto const& connection : GetLiving()) connection->Finish();
 }
 
 void Server::Impl::StopAccepting() {
@@ -216,7 +215,7 @@ void Server::Impl::Stop(std::chrono::milliseconds grace) {
     auto const deadline = Connection::Clock::now() + grace;
     auto const busy = [&] { return admission->GetConnections() > 0; };
     while (busy() && Connection::Clock::now() < deadline) std::this_thread::sleep_for(5ms);
-    for (auto const& connection : TakeLiving()) connection->Close();
+    for (auto const& connection : GetLiving()) connection->Close();
     asio::post(sweeping, [this] { sweeper.Stop(); });
     work.reset();
     io.stop();

@@ -34,13 +34,13 @@ public:
         /// Counts connections and exchanges; never null.
         std::shared_ptr<Admission> admission = std::make_shared<Admission>();
 
-        /// Slows down who guesses passwords; never null.
+        /// Slows down guessing of passwords; never null.
         std::shared_ptr<FailedLogins> failedLogins = std::make_shared<FailedLogins>();
     };
 
-    /// Serves from now on. Throws std::runtime_error when a thread cannot be started; none is left then.
-    /// io  run by the server's threads and by nobody else; must outlive the server, and whatever a service still does
-    ///     with a response that it has not completed
+    /// Starts to serve. Throws std::runtime_error when a thread cannot be started; then none is left running.
+    /// io  run by the server's threads only; must outlive the server, and whatever a service still does with a response
+    ///     that it has not completed
     Server(boost::asio::io_context& io, Listener listener, Router router, Options const& options);
 
     /// Stop().
@@ -49,18 +49,18 @@ public:
     Server(Server const&) = delete;
     Server& operator=(Server const&) = delete;
 
-    /// Bounds for the requests that begin from now on.
+    /// Bounds for the requests that start from now on.
     void SetLimits(Limits const& limits);
 
-    /// Accepts connections on another listener from now on, and none any more on the one before. The connections before
-    /// end after the request that they are at.
+    /// Accepts connections on another listener instead of the present one. Existing connections close after their
+    /// current request.
     void SetListener(Listener listener);
 
-    /// Certificate and key for the connections that come from now on; null: plain HTTP. When plain HTTP gives way to
-    /// TLS or TLS to it, the connections before end after the request that they are at.
+    /// Certificate and key for new connections; null: plain HTTP. When the protocol changes between plain HTTP and TLS,
+    /// existing connections close after their current request.
     void SetTls(std::shared_ptr<boost::asio::ssl::context> tls);
 
-    /// Accepts no more connections, closes those that wait for a request, and keeps the others only until their present
+    /// Accepts no more connections, closes those that wait for a request, and keeps the others only until their current
     /// request is answered. Doing so twice is harmless.
     void StopAccepting();
 

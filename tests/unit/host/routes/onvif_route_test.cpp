@@ -1,5 +1,5 @@
 #include "host/routes/onvif_route.h"
-#include "host/web/digest_parameters.h"
+#include "host/web/digest_credentials.h"
 #include "host/web/reply.h"
 #include "support/test_request.h"
 
@@ -15,7 +15,7 @@ using zarn::web::response::Pending;
 using zarn::web::response::State;
 using Method = test::TestRequest::Method;
 using web::MakeTextResponse;
-using Status = web::Reply::Status;
+using web::Status;
 
 class Module final : public zarn::web::Service {
 public:

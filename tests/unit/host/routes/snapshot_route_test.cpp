@@ -17,7 +17,7 @@ using video::Snapshot;
 using video::SnapshotError;
 using zarn::web::response::State;
 using Method = test::TestRequest::Method;
-using Status = web::Reply::Status;
+using web::Status;
 
 class SnapshotRouteTest : public testing::Test {
 protected:

@@ -2,12 +2,157 @@
 
 #include <gmock/gmock.h>
 
+#include <atomic>
+#include <cstddef>
 #include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
 
 namespace zarn::host::web {
 namespace {
 
 using namespace std::chrono_literals;
+using authentication::AnswerIdentity;
+using testing::Eq;
+using testing::Optional;
+
+Nonces::Clock::time_point const Start{100h};
+
+TEST(Nonces, AreHexadecimal) { EXPECT_THAT(Nonces().Make(Start), testing::MatchesRegex("[0-9a-f]{64}")); }
+
+TEST(Nonces, DifferAlsoWhenTheyAreMadeAtTheSameTime) {
+    Nonces nonces;
+    EXPECT_NE(nonces.Make(Start), nonces.Make(Start));
+}
+
+TEST(Nonces, TellWhenTheyWereMadeToTheMillisecond) {
+    Nonces nonces;
+    EXPECT_THAT(nonces.GetTime(nonces.Make(Start)), Optional(Start));
+    EXPECT_THAT(nonces.GetTime(nonces.Make(Start + 1999us)), Optional(Start + 1ms));
+}
+
+TEST(Nonces, OfOthersAreNotRecognised) {
+    Nonces others;
+    EXPECT_THAT(Nonces().GetTime(others.Make(Start)), Eq(std::nullopt));
+}
+
+TEST(Nonces, AreNotRecognisedWhenAnyCharacterIsChanged) {
+    Nonces nonces;
+    auto const nonce = nonces.Make(Start);
+    for (std::size_t i = 0; i < nonce.size(); ++i) {
+        auto changed = nonce;
+        changed[i] = changed[i] == '0' ? '1' : '0';
+        EXPECT_THAT(nonces.GetTime(changed), Eq(std::nullopt)) << i;
+    }
+}
+
+TEST(Nonces, OfAnotherLengthAreNotRecognised) {
+    Nonces nonces;
+    EXPECT_THAT(nonces.GetTime(""), Eq(std::nullopt));
+    EXPECT_THAT(nonces.GetTime(nonces.Make(Start) + "0"), Eq(std::nullopt));
+    EXPECT_THAT(nonces.GetTime(nonces.Make(Start).substr(1)), Eq(std::nullopt));
+}
+
+AnswerIdentity const Response{.nonce = "n", .nonceCount = "00000001", .clientNonce = "c"};
+
+TEST(UsedResponses, TakeAResponseOnce) {
+    UsedResponses used;
+    EXPECT_TRUE(used.Add(Response, Start, Start));
+    EXPECT_FALSE(used.Add(Response, Start, Start));
+    EXPECT_EQ(used.GetSize(), 1U);
+}
+
+TEST(UsedResponses, TellResponsesApartByEachPart) {
+    UsedResponses used;
+    EXPECT_TRUE(used.Add(Response, Start, Start));
+    for (auto const part : {&AnswerIdentity::nonce, &AnswerIdentity::nonceCount, &AnswerIdentity::clientNonce}) {
+        auto other = Response;
+        other.*part = "other";
+        EXPECT_TRUE(used.Add(other, Start, Start));
+        EXPECT_FALSE(used.Add(other, Start, Start));
+    }
+}
+
+TEST(UsedResponses, DoNotMixUpTextsThatAreOneWhenJoined) {
+    UsedResponses used;
+    EXPECT_TRUE(used.Add({.nonce = "n", .nonceCount = "1", .clientNonce = "23"}, Start, Start));
+    EXPECT_TRUE(used.Add({.nonce = "n", .nonceCount = "12", .clientNonce = "3"}, Start, Start));
+}
+
+TEST(UsedResponses, TakeTheCountsOfAClientInAnyOrder) {
+    UsedResponses used;
+    for (auto const* count : {"00000003", "00000001", "00000010", "00000002"}) {
+        EXPECT_TRUE(used.Add({.nonce = "n", .nonceCount = count, .clientNonce = "c"}, Start, Start)) << count;
+    }
+    EXPECT_FALSE(used.Add({.nonce = "n", .nonceCount = "00000010", .clientNonce = "c"}, Start, Start));
+}
+
+TEST(UsedResponses, AreRememberedAsLongAsTheirNonceMayCount) {
+    UsedResponses used;
+    EXPECT_TRUE(used.Add(Response, Start, Start));
+    EXPECT_FALSE(used.Add(Response, Start, Start + UsedResponses::LongestLife));
+}
+
+TEST(UsedResponses, AreForgottenSoonAfterwards) {
+    UsedResponses used;
+    EXPECT_TRUE(used.Add(Response, Start, Start));
+    auto const later = Start + UsedResponses::LongestLife + 10s;
+    EXPECT_TRUE(used.Add({.nonce = "other", .nonceCount = "1", .clientNonce = "c"}, later, later));
+    EXPECT_EQ(used.GetSize(), 1U);
+}
+
+/// Adds one response each second, for as many seconds.
+void Fill(UsedResponses& used, int seconds) {
+    for (int second = 0; second < seconds; ++second) {
+        auto const nonce = std::to_string(second);
+        auto const made = Start + std::chrono::seconds(second);
+        EXPECT_TRUE(used.Add({.nonce = nonce, .nonceCount = "1", .clientNonce = "c"}, made, made)) << second;
+    }
+}
+
+TEST(UsedResponses, AreNeverMoreThanTheirMaximum) {
+    UsedResponses used(100);
+    Fill(used, 250);
+    EXPECT_LE(used.GetSize(), 100U);
+    EXPECT_GE(used.GetSize(), 90U);
+}
+
+TEST(UsedResponses, ThatHadToGoCannotBeUsedAgain) {
+    UsedResponses used(100);
+    Fill(used, 250);
+    for (int second = 0; second < 250; ++second) {
+        auto const nonce = std::to_string(second);
+        EXPECT_FALSE(used.Add({.nonce = nonce, .nonceCount = "1", .clientNonce = "c"},
+                              Start + std::chrono::seconds(second), Start + 250s))
+            << second;
+    }
+}
+
+TEST(UsedResponses, LetANewNonceCountAlsoWhenTheyAreFullOfOneSecond) {
+    UsedResponses used(10);
+    for (int count = 0; count < 11; ++count) {
+        EXPECT_TRUE(used.Add({.nonce = "n", .nonceCount = std::to_string(count), .clientNonce = "c"}, Start, Start));
+    }
+    EXPECT_FALSE(used.Add({.nonce = "n", .nonceCount = "new", .clientNonce = "c"}, Start, Start));
+    EXPECT_TRUE(used.Add(Response, Start + 1ms, Start + 1ms));
+}
+
+TEST(UsedResponses, TakeAResponseOnceAlsoFromManyThreads) {
+    UsedResponses used;
+    std::atomic<int> taken = 0;
+    std::vector<std::thread> threads;
+    for (int thread = 0; thread < 4; ++thread) {
+        threads.emplace_back([&] {
+            for (int count = 0; count < 500; ++count) {
+                auto const text = std::to_string(count);
+                if (used.Add({.nonce = "n", .nonceCount = text, .clientNonce = "c"}, Start, Start)) ++taken;
+            }
+        });
+    }
+    for (auto& thread : threads) thread.join();
+    EXPECT_EQ(taken, 500);
+}
 
 class ChallengesTest : public testing::Test {
 protected:
@@ -19,7 +164,7 @@ protected:
     Challenges challenges{[this] { return now; }};
 };
 
-TEST_F(ChallengesTest, LetAnAnswerToOneOfThemBeUsedOnce) {
+TEST_F(ChallengesTest, LetAResponseToOneOfThemBeUsedOnce) {
     auto const nonce = challenges.MakeNonce();
     EXPECT_TRUE(Take(nonce));
     EXPECT_FALSE(Take(nonce));
@@ -73,7 +218,7 @@ TEST_F(ChallengesTest, CannotBeToldToCountForLongerThanFiveMinutesOrNotAtAll) {
     EXPECT_NO_THROW(challenges.SetLife(300s));
 }
 
-TEST_F(ChallengesTest, CannotBeDrivenOutByWhoAsksForMany) {
+TEST_F(ChallengesTest, CannotBePushedOutByAClientThatAsksForMany) {
     auto const nonce = challenges.MakeNonce();
     for (int count = 0; count < 100000; ++count) challenges.MakeNonce();
     EXPECT_TRUE(Take(nonce));

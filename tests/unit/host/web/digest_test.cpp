@@ -1,5 +1,5 @@
 #include "host/web/digest.h"
-#include "host/web/digest_parameters.h"
+#include "host/web/digest_credentials.h"
 #include "host/web/reply.h"
 #include "support/test_request.h"
 
@@ -66,11 +66,12 @@ protected:
     /// The module's refusal of a request, with the challenge that takes the place of its own.
     std::string Challenge(std::string const& authorization, std::string const& target = "/onvif/a") const {
         test::TestRequest const request(Method::Post, target, {{"authorization", authorization}});
-        auto const data = digest.Challenge({Reply::Status::Unauthorized,
-                                            {{"www-authenticate", ModulesChallenge}, {"Content-Type", "text/xml"}},
-                                            {zarn::web::response::State::Complete, {}}},
-                                           request);
-        EXPECT_EQ(data.GetStatus(), Reply::Status::Unauthorized);
+        auto const data =
+            digest.ReplaceChallenge({Status::Unauthorized,
+                                     {{"www-authenticate", ModulesChallenge}, {"Content-Type", "text/xml"}},
+                                     {zarn::web::response::State::Complete, {}}},
+                                    request);
+        EXPECT_EQ(data.GetStatus(), Status::Unauthorized);
         EXPECT_EQ(data.GetFields().size(), 2U);
         EXPECT_EQ(data.GetFields().at("Content-Type"), "text/xml");
         return data.GetFields().at("WWW-Authenticate");

@@ -15,7 +15,6 @@ namespace {
 using namespace std::chrono_literals;
 using zarn::web::response::Pending;
 using zarn::web::response::State;
-using Status = Reply::Status;
 
 auto const Peer = boost::asio::ip::make_address("192.0.2.1");
 
@@ -46,7 +45,7 @@ protected:
     }
 
     Status Ask(std::string const& authorization = {}, std::string const& target = "/onvif/a") {
-        return Send(authorization, target).get().status;
+        return Send(authorization, target).get().GetStatus();
     }
 
     IoThread io;
@@ -77,8 +76,8 @@ TEST_F(DispatcherTest, MakesA503OfAThreadThatCannotBeStarted) {
         throw std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again));
     };
     auto const reply = Send().get();
-    EXPECT_EQ(reply.status, Status::ServiceUnavailable);
-    EXPECT_TRUE(reply.fields.contains("Retry-After"));
+    EXPECT_EQ(reply.GetStatus(), Status::ServiceUnavailable);
+    EXPECT_TRUE(reply.GetFields().contains("Retry-After"));
     EXPECT_EQ(admission.GetExchanges(), 0U);
 }
 
@@ -103,8 +102,8 @@ TEST_F(DispatcherTest, CountsAnExchangeUntilItsResponseIsComplete) {
     EXPECT_EQ(admission.GetExchanges(), 2U);
     EXPECT_EQ(Ask(), Status::ServiceUnavailable);
     *ready = true;
-    EXPECT_EQ(first.get().status, Status::Ok);
-    EXPECT_EQ(second.get().status, Status::Ok);
+    EXPECT_EQ(first.get().GetStatus(), Status::Ok);
+    EXPECT_EQ(second.get().GetStatus(), Status::Ok);
     EXPECT_EQ(admission.GetExchanges(), 0U);
 }
 
@@ -126,8 +125,9 @@ TEST_F(GuessingTest, IsRefusedAfterTooManyWrongAnswers) {
     Guess(4, "Digest username=\"admin\"");
     auto const reply = Send("Digest username=\"admin\"").get();
     auto const elapsed = std::chrono::ceil<std::chrono::seconds>(std::chrono::steady_clock::now() - begin).count();
-    EXPECT_EQ(reply.status, Status::TooManyRequests);
-    EXPECT_THAT(std::stoi(reply.fields.at("Retry-After")), testing::AllOf(testing::Ge(60 - elapsed), testing::Le(60)));
+    EXPECT_EQ(reply.GetStatus(), Status::TooManyRequests);
+    EXPECT_THAT(std::stoi(reply.GetFields().at("Retry-After")),
+                testing::AllOf(testing::Ge(60 - elapsed), testing::Le(60)));
 }
 
 TEST_F(GuessingTest, StillLetsRequestsWithoutCredentialsThrough) {

@@ -22,7 +22,6 @@ using namespace std::chrono_literals;
 using zarn::web::response::Pending;
 using zarn::web::response::State;
 using Clock = std::chrono::steady_clock;
-using Status = Reply::Status;
 
 constexpr auto Patience = 60s;
 
@@ -68,7 +67,7 @@ protected:
 TEST_F(PendingTickerTest, PassesOnAResponseThatIsCompleteAtOnce) {
     auto reply = Watch(zarn::web::response::MakeComplete(Status::Ok, {}, "now"));
     ASSERT_EQ(reply.wait_for(0s), std::future_status::ready);
-    EXPECT_EQ(reply.get().body.front()->ToStringView(), "now");
+    EXPECT_EQ(reply.get().GetBody().front()->ToStringView(), "now");
 }
 
 TEST_F(PendingTickerTest, PassesOnAResponseOnceItIsReady) {
@@ -79,9 +78,9 @@ TEST_F(PendingTickerTest, PassesOnAResponseOnceItIsReady) {
     work->ready = true;
     ASSERT_EQ(reply.wait_for(Patience), std::future_status::ready);
     auto const result = reply.get();
-    EXPECT_EQ(result.status, Status::Accepted);
-    EXPECT_EQ(result.fields.at("A"), "1");
-    EXPECT_EQ(result.body.front()->ToStringView(), "done");
+    EXPECT_EQ(result.GetStatus(), Status::Accepted);
+    EXPECT_EQ(result.GetFields().at("A"), "1");
+    EXPECT_EQ(result.GetBody().front()->ToStringView(), "done");
 }
 
 TEST_F(PendingTickerTest, AsksNoMoreAfterTheAnswer) {
@@ -113,7 +112,7 @@ TEST_F(PendingTickerTest, MakesA500OfAResponseThatThrows) {
         Status::Provisional, []() -> Pending::Data { throw std::future_error(std::future_errc::broken_promise); },
         0ms));
     ASSERT_EQ(reply.wait_for(Patience), std::future_status::ready);
-    EXPECT_EQ(reply.get().status, Status::InternalServerError);
+    EXPECT_EQ(reply.get().GetStatus(), Status::InternalServerError);
     EXPECT_TRUE(log.Contains("Broken promise"));
 }
 
@@ -121,14 +120,14 @@ TEST_F(PendingTickerTest, MakesA500OfAnExceptionThatIsNoneOfTheLibrarys) {
     auto reply = Watch(std::make_shared<Pending>(
         Status::Provisional, []() -> Pending::Data { throw 1; }, 0ms));
     ASSERT_EQ(reply.wait_for(Patience), std::future_status::ready);
-    EXPECT_EQ(reply.get().status, Status::InternalServerError);
+    EXPECT_EQ(reply.get().GetStatus(), Status::InternalServerError);
 }
 
 TEST_F(PendingTickerTest, GivesUpAfterTheResponsesOwnTimeOut) {
     auto const begun = Clock::now();
     auto reply = Watch(MakePending(std::make_shared<Work>(), 50ms));
     ASSERT_EQ(reply.wait_for(Patience), std::future_status::ready);
-    EXPECT_EQ(reply.get().status, Status::GatewayTimeout);
+    EXPECT_EQ(reply.get().GetStatus(), Status::GatewayTimeout);
     EXPECT_GE(Clock::now() - begun, 50ms);
 }
 

@@ -9,17 +9,17 @@ using testing::Contains;
 using testing::Pair;
 
 TEST(Reply, OfTextIsALineThatSaysItIsText) {
-    auto const reply = MakeTextReply(Reply::Status::NotFound, "Nothing.", {{"Retry-After", "1"}});
-    EXPECT_EQ(reply.status, Reply::Status::NotFound);
-    EXPECT_THAT(reply.fields, Contains(Pair("Content-Type", "text/plain; charset=utf-8")));
-    EXPECT_THAT(reply.fields, Contains(Pair("Retry-After", "1")));
-    ASSERT_EQ(reply.body.size(), 1U);
-    EXPECT_EQ(reply.body.front()->ToStringView(), "Nothing.\n");
+    auto const reply = MakeTextReply(Status::NotFound, "Nothing.", {{"Retry-After", "1"}});
+    EXPECT_EQ(reply.GetStatus(), Status::NotFound);
+    EXPECT_THAT(reply.GetFields(), Contains(Pair("Content-Type", "text/plain; charset=utf-8")));
+    EXPECT_THAT(reply.GetFields(), Contains(Pair("Retry-After", "1")));
+    ASSERT_EQ(reply.GetBody().size(), 1U);
+    EXPECT_EQ(reply.GetBody().front()->ToStringView(), "Nothing.\n");
 }
 
 TEST(Reply, OfTextComesAsACompleteResponseToo) {
-    auto const data = MakeTextResponse(Reply::Status::Conflict, "No.")->GetData();
-    EXPECT_EQ(data.GetStatus(), Reply::Status::Conflict);
+    auto const data = MakeTextResponse(Status::Conflict, "No.")->GetData();
+    EXPECT_EQ(data.GetStatus(), Status::Conflict);
     EXPECT_EQ(data.GetState(), zarn::web::response::State::Complete);
     ASSERT_EQ(data.GetBody().size(), 1U);
     EXPECT_EQ(data.GetBody().front()->ToStringView(), "No.\n");

@@ -20,7 +20,7 @@ unsigned Check(std::string const& header) {
     parser.put(boost::asio::buffer(header + "\r\n"), error);
     EXPECT_FALSE(error && error != http::error::need_more) << error.message();
     auto const refusal = CheckHeader(parser);
-    return refusal ? static_cast<unsigned>(refusal->status) : 0;
+    return refusal ? static_cast<unsigned>(refusal->GetStatus()) : 0;
 }
 
 std::string const Post = "POST /onvif/a HTTP/1.1\r\nHost: h\r\n";
@@ -108,7 +108,7 @@ TEST(RequestCheck, MeetsOneExpectationOnly) {
 TEST(ReadError, IsExplainedWhenTheRequestIsAtFault) {
     auto const status = [](boost::beast::error_code error) {
         auto const refusal = ExplainReadError(error, "GET / HTTP/2.0\r\n", {});
-        return refusal ? static_cast<unsigned>(refusal->status) : 0U;
+        return refusal ? static_cast<unsigned>(refusal->GetStatus()) : 0U;
     };
     EXPECT_EQ(status(http::error::body_limit), 413U);
     EXPECT_EQ(status(http::error::header_limit), 431U);
@@ -120,7 +120,7 @@ TEST(ReadError, IsExplainedWhenTheRequestIsAtFault) {
 
 TEST(ReadError, IsAnotherVersionOnlyWhereOneIsNamed) {
     auto const status = [](std::string_view received) {
-        return static_cast<unsigned>(ExplainReadError(http::error::bad_version, received, {})->status);
+        return static_cast<unsigned>(ExplainReadError(http::error::bad_version, received, {})->GetStatus());
     };
     for (auto const* line : {"GET / HTTP/1.2\r\n", "PRI * HTTP/2.0\r\n\r\nSM\r\n\r\n", "GET / HTTP/0.9\r\nHost: h\r\n"})
         EXPECT_EQ(status(line), 505U) << line;

@@ -11,31 +11,34 @@ using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
-using Status = Reply::Status;
+
+Reply const Empty{Status::Ok, {}, {}};
 
 TEST(ResponseHead, BeginsWithTheStatusAndEndsWithABlankLine) {
-    EXPECT_THAT(MakeResponseHead({}, {}), AllOf(StartsWith("HTTP/1.1 200 OK\r\n"), EndsWith("\r\n\r\n")));
+    EXPECT_THAT(MakeResponseHead(Empty, {}), AllOf(StartsWith("HTTP/1.1 200 OK\r\n"), EndsWith("\r\n\r\n")));
     EXPECT_THAT(MakeResponseHead({static_cast<Status>(299), {}, {}}, {}), StartsWith("HTTP/1.1 299 \r\n"));
 }
 
 TEST(ResponseHead, CarriesTheTimeInTheFormOfHttp) {
     EXPECT_THAT(
-        MakeResponseHead({}, {}),
+        MakeResponseHead(Empty, {}),
         ContainsRegex("Date: (Mon|Tue|Wed|Thu|Fri|Sat|Sun), [0-9]{2} [A-Z][a-z]{2} [0-9]{4} [0-9:]{8} GMT\r\n"));
 }
 
 TEST(ResponseHead, CountsTheBodyOverAllChunks) {
-    Reply reply = MakeTextReply(Status::Ok, "1234");
-    reply.body.push_back(std::make_shared<container::Buffer>("56789"));
+    Reply const reply{Status::Ok,
+                      {},
+                      {zarn::web::response::State::Complete,
+                       {std::make_shared<container::Buffer>("1234\n"), std::make_shared<container::Buffer>("56789")}}};
     EXPECT_THAT(MakeResponseHead(reply, {}), HasSubstr("Content-Length: 10\r\n"));
-    EXPECT_THAT(MakeResponseHead({}, {}), HasSubstr("Content-Length: 0\r\n"));
+    EXPECT_THAT(MakeResponseHead(Empty, {}), HasSubstr("Content-Length: 0\r\n"));
 }
 
 TEST(ResponseHead, SaysHowTheConnectionGoesOnInTheTermsOfTheRequestsVersion) {
-    EXPECT_THAT(MakeResponseHead({}, {1, true}), Not(HasSubstr("Connection:")));
-    EXPECT_THAT(MakeResponseHead({}, {1, false}), HasSubstr("Connection: close\r\n"));
-    EXPECT_THAT(MakeResponseHead({}, {0, true}), HasSubstr("Connection: keep-alive\r\n"));
-    EXPECT_THAT(MakeResponseHead({}, {0, false}), HasSubstr("Connection: close\r\n"));
+    EXPECT_THAT(MakeResponseHead(Empty, {1, true}), Not(HasSubstr("Connection:")));
+    EXPECT_THAT(MakeResponseHead(Empty, {1, false}), HasSubstr("Connection: close\r\n"));
+    EXPECT_THAT(MakeResponseHead(Empty, {0, true}), HasSubstr("Connection: keep-alive\r\n"));
+    EXPECT_THAT(MakeResponseHead(Empty, {0, false}), HasSubstr("Connection: close\r\n"));
 }
 
 TEST(ResponseHead, KeepsTheFieldsOfTheReply) {
@@ -53,7 +56,7 @@ TEST(ResponseHead, ReplacesTheFieldsThatAreTheServersOwnBusiness) {
                        {"Keep-Alive", "1"},
                        {"date", "today"}},
                       {}};
-    EXPECT_EQ(MakeResponseHead(reply, {}), MakeResponseHead({}, {}));
+    EXPECT_EQ(MakeResponseHead(reply, {}), MakeResponseHead(Empty, {}));
 }
 
 TEST(ResponseHead, LeavesOutFieldsThatWouldSplitTheMessage) {
@@ -61,7 +64,7 @@ TEST(ResponseHead, LeavesOutFieldsThatWouldSplitTheMessage) {
         Status::Ok,
         {{"A", "1\r\nB: 2"}, {"C", "1\n"}, {"D", std::string("1\0", 2)}, {"E F", "1"}, {"", "1"}, {"G:", "1"}},
         {}};
-    EXPECT_EQ(MakeResponseHead(reply, {}), MakeResponseHead({}, {}));
+    EXPECT_EQ(MakeResponseHead(reply, {}), MakeResponseHead(Empty, {}));
 }
 
 TEST(ResponseHead, HasNoLengthWhereThereIsNoBody) {

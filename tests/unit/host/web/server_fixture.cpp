@@ -13,7 +13,6 @@ namespace {
 using namespace std::chrono_literals;
 using zarn::web::response::Pending;
 using zarn::web::response::State;
-using Status = Reply::Status;
 
 class EchoService final : public zarn::web::Service {
 public:

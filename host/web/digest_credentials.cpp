@@ -1,0 +1,144 @@
+#include "host/web/digest_credentials.h"
+
+#include <zarn/authentication/digest.h>
+#include <zarn/authentication/engine.h>
+
+#include <boost/algorithm/string/case_conv.hpp>
+#include <boost/algorithm/string/predicate.hpp>
+#include <boost/beast/core/string.hpp>
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+
+namespace zarn::host::web {
+namespace {
+
+constexpr std::string_view Scheme = "Digest ";
+constexpr std::string_view Blanks = " \t";
+constexpr char Account[] = "admin";
+
+constexpr std::string_view OtherAlgorithms[]{"MD5-sess", "SHA-256", "SHA-256-sess", "SHA-512-256", "SHA-512-256-sess"};
+
+/// What the SOAP engine reads in another way than ParseDigestParameters: other separators and escapes, and parameters
+/// that its buffer cannot hold.
+constexpr std::string_view ReadDifferently = ";\\%";
+constexpr std::size_t LongestReadAlike = 2000;
+
+bool IsMd5(std::string const& algorithm) { return algorithm.empty() || boost::beast::iequals(algorithm, "MD5"); }
+
+void SkipBlanks(std::string_view& text) { text.remove_prefix(std::min(text.find_first_not_of(Blanks), text.size())); }
+
+/// Removes the text before any of `ends` and returns it, without blanks at its end.
+std::string ReadUntil(std::string_view& text, std::string_view ends) {
+    std::size_t const end = std::min(text.find_first_of(ends), text.size());
+    std::string_view read = text.substr(0, end);
+    text.remove_prefix(end);
+    read = read.substr(0, read.find_last_not_of(Blanks) + 1);
+    return std::string(read);
+}
+
+/// Removes a quoted string and returns its content; nothing when it does not end.
+std::optional<std::string> ReadQuoted(std::string_view& text) {
+    std::string value;
+    for (std::size_t i = 1; i < text.size(); ++i) {
+        if (text[i] == '"') {
+            text.remove_prefix(i + 1);
+            return value;
+        }
+        if (text[i] == '\\' && ++i == text.size()) break;
+        value += text[i];
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+std::optional<DigestParameters> ParseDigestParameters(std::string_view field) {
+    if (!boost::istarts_with(field, Scheme)) return std::nullopt;
+    std::string_view rest = field.substr(Scheme.size());
+    DigestParameters parameters;
+    for (SkipBlanks(rest); !rest.empty(); SkipBlanks(rest)) {
+        std::string name = boost::to_lower_copy(ReadUntil(rest, "=,\""));
+        if (name.empty() || !rest.starts_with('=')) return std::nullopt;
+        rest.remove_prefix(1);
+        SkipBlanks(rest);
+        auto value = rest.starts_with('"') ? ReadQuoted(rest) : ReadUntil(rest, ",");
+        if (!value || !parameters.emplace(std::move(name), *std::move(value)).second) return std::nullopt;
+        SkipBlanks(rest);
+        if (rest.empty()) break;
+        if (!rest.starts_with(',')) return std::nullopt;
+        rest.remove_prefix(1);
+    }
+    if (parameters.empty()) return std::nullopt;
+    return parameters;
+}
+
+std::string RemoveBlanksBeforeSeparators(std::string_view authorization) {
+    std::string text;
+    text.reserve(authorization.size());
+    bool quoted = false;
+    for (std::size_t i = 0; i < authorization.size(); ++i) {
+        char const character = authorization[i];
+        if (!quoted && (character == ',' || character == '=')) text.resize(text.find_last_not_of(Blanks) + 1);
+        if (character == '"') quoted = !quoted;
+        text += character;
+        if (quoted && character == '\\' && i + 1 < authorization.size()) text += authorization[++i];
+    }
+    return text;
+}
+
+bool IsOfUnofferedForm(std::string_view authorization) {
+    if (authorization.size() > LongestReadAlike ||
+        authorization.find_first_of(ReadDifferently) != std::string_view::npos) {
+        return false;
+    }
+    auto parameters = ParseDigestParameters(authorization);
+    if (!parameters) return false;
+    return (*parameters)["qop"] == "auth-int" || std::ranges::any_of(OtherAlgorithms, [&](auto other) {
+               return boost::beast::iequals((*parameters)["algorithm"], other);
+           });
+}
+
+std::optional<DigestCredentials> DigestCredentials::Find(zarn::web::Request const& request) {
+    auto parameters = ParseDigestParameters(request.FindField("Authorization"));
+    if (!parameters) return std::nullopt;
+    DigestCredentials credentials(*std::move(parameters));
+    bool const isChecked = !credentials.Get("username").empty() && !credentials.Get("realm").empty();
+    if (!isChecked || !IsMd5(credentials.Get("algorithm"))) return std::nullopt;
+    return credentials;
+}
+
+DigestCredentials::DigestCredentials(DigestParameters read) : parameters(std::move(read)) {
+    boost::to_lower(parameters["response"]);
+}
+
+bool DigestCredentials::LogIn(ZarnAuthenticationEngine const& engine, std::string const& method,
+                              std::string const& uri) const {
+    return ZarnAuthenticationCheckDigest(&engine, "zarn.host", "", Account, Get("response").c_str(), method.c_str(),
+                                         uri.c_str(), Get("nonce").c_str(), Get("nc").c_str(), Get("cnonce").c_str(),
+                                         Get("qop").c_str());
+}
+
+bool DigestCredentials::HasRightResponse(ZarnAuthenticationEngine const& engine, std::string_view method,
+                                         std::string_view uri) const {
+    auto const ha1 = engine.GetHa1(Account);
+    auto const& qop = Get("qop");
+    if (ha1.empty() || !(qop.empty() || qop == "auth")) return false;
+    return authentication::IsDigestResponse({.ha1 = ha1,
+                                             .method = method,
+                                             .uri = uri,
+                                             .nonce = Get("nonce"),
+                                             .nonceCount = Get("nc"),
+                                             .clientNonce = Get("cnonce"),
+                                             .qop = qop},
+                                            Get("response"));
+}
+
+std::string const& DigestCredentials::Get(std::string const& name) const {
+    static std::string const none;
+    auto const found = parameters.find(name);
+    return found == parameters.end() ? none : found->second;
+}
+
+} // namespace zarn::host::web

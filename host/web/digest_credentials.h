@@ -1,0 +1,56 @@
+#pragma once
+
+#include <zarn/web/request.h>
+
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+
+class ZarnAuthenticationEngine;
+
+namespace zarn::host::web {
+
+/// The parameters of a `Digest` challenge or of digest credentials: lower-case name to value, quotes and escapes
+/// removed.
+using DigestParameters = std::map<std::string, std::string>;
+
+/// Parses the value of an Authorization or WWW-Authenticate field. Returns nothing when the value is of another scheme,
+/// is not well-formed, or names a parameter twice. Source: RFC 9110, 11.4.
+std::optional<DigestParameters> ParseDigestParameters(std::string_view field);
+
+/// The value of an Authorization field without the white space before "," and "=", which means nothing but ends an
+/// unquoted value or a name for the SOAP engine. Source: RFC 9110, 11.4.
+std::string RemoveBlanksBeforeSeparators(std::string_view authorization);
+
+/// Whether an Authorization field states that its credentials are of a form that the challenge does not offer
+/// (RFC 7616's other algorithms, qop "auth-int"), so that they are refused without checking their response. False when
+/// in doubt: the SOAP engine may read the same text in another way.
+bool IsOfUnofferedForm(std::string_view authorization);
+
+/// The digest credentials of a request, in one of the forms that the challenge offers. Thread: one at a time.
+/// Source: RFC 7616, 3.4.
+class DigestCredentials {
+public:
+    /// Returns nothing when the request has no digest credentials, or some with another algorithm than MD5 or without
+    /// user name or realm, which are refused without checking their response.
+    static std::optional<DigestCredentials> Find(zarn::web::Request const& request);
+
+    /// The "uri" parameter; empty when there is none.
+    std::string const& GetUri() const { return Get("uri"); }
+
+    /// Whether the engine accepts them for a request of this method and target. Uses up the response.
+    bool LogIn(ZarnAuthenticationEngine const& engine, std::string const& method, std::string const& uri) const;
+
+    /// Whether the response is right for this method and target, whatever the nonce: its client knows the password.
+    bool HasRightResponse(ZarnAuthenticationEngine const& engine, std::string_view method, std::string_view uri) const;
+
+private:
+    explicit DigestCredentials(DigestParameters parameters);
+
+    std::string const& Get(std::string const& name) const;
+
+    DigestParameters parameters;
+};
+
+} // namespace zarn::host::web
