@@ -1,5 +1,4 @@
 // Analytics events as other programs send them, over HTTP or through a broker.
-#include "host/events/bounds.h"
 #include "host/events/read_events.h"
 #include "require.h"
 

@@ -1,4 +1,4 @@
-# zarn::type, zarn::object, zarn::configuration
+# zarn::type, zarn::object, zarn::json, zarn::configuration
 target_sources(zarn_platform PRIVATE
   src/configuration/change.cpp
   src/configuration/error.cpp
@@ -23,8 +23,8 @@ target_sources(zarn_platform PRIVATE
   src/configuration/schema/rule.cpp
   src/configuration/schema/value_description.cpp
   src/configuration/text.cpp
-  src/configuration/text/duplicate_finder.cpp
   src/configuration/text/writer.cpp
+  src/json/parse.cpp
   src/object/bad_cast.cpp
   src/object/object.cpp
   src/type/binding.cpp)
@@ -50,6 +50,7 @@ zarn_verify_headers(zarn_platform "${CMAKE_CURRENT_SOURCE_DIR}/include"
   include/zarn/configuration/schema/rule.h
   include/zarn/configuration/text.h
   include/zarn/configuration/unknown.h
+  include/zarn/json/parse.h
   include/zarn/object/bad_cast.h
   include/zarn/object/container/const_iterator.h
   include/zarn/object/object.h

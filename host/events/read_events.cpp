@@ -1,8 +1,6 @@
 #include "host/events/read_events.h"
 
-#include "host/events/bounds.h"
-#include "host/events/parse_document.h"
-#include "host/events/read_value.h"
+#include "host/events/value_reader.h"
 
 #include <zarn/chrono/error.h>
 #include <zarn/chrono/iso8601.h>
@@ -28,7 +26,6 @@ namespace zarn::host::events {
 namespace {
 
 namespace data = meta::data;
-namespace json = boost::json;
 using Time = std::chrono::system_clock::time_point;
 
 /// What has been read of an event, whose fields may come in any order.
@@ -52,82 +49,84 @@ struct ZoneDraft {
 template <class Draft>
 struct Field {
     std::string_view name;
-    void (*read)(json::value const& value, Place const& place, Draft& draft);
+    void (*read)(boost::json::value const& value, ValuePath const& path, Draft& draft);
 };
 
 /// Reads an object whose fields are those of a table.
 template <class Draft>
-Draft ReadFields(std::span<Field<Draft> const> fields, json::value const& value, Place const& place) {
+Draft ReadFields(std::span<Field<Draft> const> fields, boost::json::value const& value, ValuePath const& path) {
     Draft draft;
-    for (auto const& member : ReadObject(value, place)) {
+    for (auto const& member : ReadObject(value, path)) {
         std::string_view const key(member.key().data(), member.key().size());
         auto const field = std::find_if(fields.begin(), fields.end(), [&](auto const& row) { return row.name == key; });
-        auto const here = place.Field(key);
+        auto const here = path.Field(key);
         if (field == fields.end()) here.Refuse("there is no such field");
         field->read(member.value(), here, draft);
     }
     return draft;
 }
 
-std::uint32_t ReadZoneType(json::value const& value, Place const& place) {
+std::uint32_t ReadZoneType(boost::json::value const& value, ValuePath const& path) {
     if (value.is_string() && value.get_string() == "field") return data::Zone::Field;
     if (value.is_string() && value.get_string() == "line") return data::Zone::Line;
-    if (value.is_int64()) return ReadNumber<std::uint32_t>(value, place);
-    place.Refuse(Quote(value) + R"( is not "field", "line" or )" + DescribeRange<std::uint32_t>());
+    if (value.is_int64()) return ReadNumber<std::uint32_t>(value, path);
+    path.Refuse(Quote(value) + R"( is not "field", "line" or )" + DescribeRange<std::uint32_t>());
 }
 
 constexpr std::array ZoneFields{
-    Field<ZoneDraft>{
-        "type", [](auto const& value, auto const& place, auto& draft) { draft.type = ReadZoneType(value, place); }},
+    Field<ZoneDraft>{"type",
+                     [](auto const& value, auto const& path, auto& draft) { draft.type = ReadZoneType(value, path); }},
 };
 
 constexpr std::array ObjectFields{
-    Field<ObjectDraft>{"id", [](auto const& value, auto const& place,
-                                auto& draft) { draft.id = ReadNumber<std::uint32_t>(value, place); }},
+    Field<ObjectDraft>{"id", [](auto const& value, auto const& path,
+                                auto& draft) { draft.id = ReadNumber<std::uint32_t>(value, path); }},
     Field<ObjectDraft>{"class",
-                       [](auto const& value, auto const& place, auto& draft) {
+                       [](auto const& value, auto const& path, auto& draft) {
                            draft.parts.push_back(
-                               std::make_shared<data::classification::Confidence>(ReadText(value, place)));
+                               std::make_shared<data::classification::Confidence>(ReadText(value, path)));
                        }},
     Field<ObjectDraft>{"name",
-                       [](auto const& value, auto const& place, auto& draft) {
-                           draft.parts.push_back(std::make_shared<data::classification::Name>(ReadText(value, place)));
+                       [](auto const& value, auto const& path, auto& draft) {
+                           draft.parts.push_back(std::make_shared<data::classification::Name>(ReadText(value, path)));
                        }},
 };
 
-void ReadType(json::value const& value, Place const& place, EventDraft& draft) {
-    draft.type = ReadText(value, place);
-    if (draft.type.empty()) place.Refuse("is empty");
+void ReadType(boost::json::value const& value, ValuePath const& path, EventDraft& draft) {
+    draft.type = ReadText(value, path);
+    if (draft.type.empty()) path.Refuse("is empty");
 }
 
-void ReadName(json::value const& value, Place const& place, EventDraft& draft) { draft.name = ReadText(value, place); }
+void ReadName(boost::json::value const& value, ValuePath const& path, EventDraft& draft) {
+    draft.name = ReadText(value, path);
+}
 
-void ReadStart(json::value const& value, Place const& place, EventDraft& draft) {
-    auto const text = ReadText(value, place);
+void ReadStart(boost::json::value const& value, ValuePath const& path, EventDraft& draft) {
+    auto const text = ReadText(value, path);
     try {
         draft.start = chrono::FromIso8601(text);
     } catch (chrono::Error const& error) {
-        place.Refuse(error.what());
+        path.Refuse(error.what());
     }
 }
 
-void ReadChannel(json::value const& value, Place const& place, EventDraft& draft) {
-    draft.parts.push_back(std::make_shared<data::Channel>(ReadNumber<std::uint32_t>(value, place)));
+void ReadChannel(boost::json::value const& value, ValuePath const& path, EventDraft& draft) {
+    draft.parts.push_back(std::make_shared<data::Channel>(ReadNumber<std::uint32_t>(value, path)));
 }
 
-void ReadZone(json::value const& value, Place const& place, EventDraft& draft) {
-    auto const zone = ReadFields<ZoneDraft>(ZoneFields, value, place);
-    if (!zone.type) place.Field("type").Refuse("is missing");
+void ReadZone(boost::json::value const& value, ValuePath const& path, EventDraft& draft) {
+    auto const zone = ReadFields<ZoneDraft>(ZoneFields, value, path);
+    if (!zone.type) path.Field("type").Refuse("is missing");
     draft.parts.push_back(std::make_shared<data::Zone>(*zone.type));
 }
 
-void ReadCount(json::value const& value, Place const& place, EventDraft& draft) {
-    draft.parts.push_back(std::make_shared<data::count::Value>(ReadNumber<std::int32_t>(value, place)));
+void ReadCount(boost::json::value const& value, ValuePath const& path, EventDraft& draft) {
+    draft.parts.push_back(std::make_shared<data::count::Value>(ReadNumber<std::int32_t>(value, path)));
 }
 
-void ReadTrackedObject(json::value const& value, Place const& place, EventDraft& draft) {
-    auto const read = ReadFields<ObjectDraft>(ObjectFields, value, place);
-    if (!read.id) place.Field("id").Refuse("is missing");
+void ReadTrackedObject(boost::json::value const& value, ValuePath const& path, EventDraft& draft) {
+    auto const read = ReadFields<ObjectDraft>(ObjectFields, value, path);
+    if (!read.id) path.Field("id").Refuse("is missing");
     auto const object = std::make_shared<data::Object>(*read.id);
     for (auto const& part : read.parts) object->Add(part);
     draft.parts.push_back(object);
@@ -135,9 +134,9 @@ void ReadTrackedObject(json::value const& value, Place const& place, EventDraft&
 
 /// A field that holds several of what another function reads.
 template <auto ReadOne, std::size_t Most>
-void ReadSeveral(json::value const& value, Place const& place, EventDraft& draft) {
+void ReadSeveral(boost::json::value const& value, ValuePath const& path, EventDraft& draft) {
     std::size_t index = 0;
-    for (auto const& element : ReadList(value, place, Most)) ReadOne(element, place.Element(index++), draft);
+    for (auto const& element : ReadList(value, path, Most)) ReadOne(element, path.Element(index++), draft);
 }
 
 constexpr std::array EventFields{
@@ -153,20 +152,20 @@ constexpr std::array EventFields{
     Field<EventDraft>{"counts", ReadSeveral<ReadCount, MaximumValues>},
 };
 
-/// What may be given once or as a list, but not both ways.
+/// Fields that may be given once or as a list, but not both.
 constexpr std::array Alternatives{
     std::pair<char const*, char const*>{"channel", "channels"},
     std::pair<char const*, char const*>{"zone", "zones"},
     std::pair<char const*, char const*>{"count", "counts"},
 };
 
-std::shared_ptr<data::Event> ReadEvent(json::value const& value, Place const& place, Time now) {
-    auto draft = ReadFields<EventDraft>(EventFields, value, place);
-    if (draft.type.empty()) place.Field("type").Refuse("is missing");
+std::shared_ptr<data::Event> ReadEvent(boost::json::value const& value, ValuePath const& path, Time now) {
+    auto draft = ReadFields<EventDraft>(EventFields, value, path);
+    if (draft.type.empty()) path.Field("type").Refuse("is missing");
     for (auto const& [one, several] : Alternatives) {
         auto const& fields = value.get_object();
         if (fields.contains(one) && fields.contains(several))
-            place.Field(several).Refuse(std::string("there is also ") + one + "; give one of the two");
+            path.Field(several).Refuse(std::string("there is also ") + one + "; give one of the two");
     }
     auto event = std::make_shared<data::Event>(std::move(draft.type), std::move(draft.name), draft.start.value_or(now));
     for (auto& part : draft.parts) event->Add(std::move(part));
@@ -178,10 +177,10 @@ std::shared_ptr<data::Event> ReadEvent(json::value const& value, Place const& pl
 Events ReadEvents(std::string_view text, Time now) {
     auto const document = ParseDocument(text);
     auto const* const list = document.if_array();
-    if (!list) return {ReadEvent(document, Place::Event(0), now)};
+    if (!list) return {ReadEvent(document, ValuePath::Event(0), now)};
     Events events;
     events.reserve(list->size());
-    for (auto const& element : *list) events.push_back(ReadEvent(element, Place::Event(events.size()), now));
+    for (auto const& element : *list) events.push_back(ReadEvent(element, ValuePath::Event(events.size()), now));
     return events;
 }
 

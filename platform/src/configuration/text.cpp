@@ -1,13 +1,12 @@
-#include "configuration/text/duplicate_finder.h"
+#include "configuration/node/key.h"
+#include "configuration/schema/quote.h"
 #include "configuration/text/writer.h"
 
 #include <zarn/configuration/error.h>
 #include <zarn/configuration/text.h>
+#include <zarn/json/parse.h>
 
-#include <boost/json/parser.hpp>
 #include <boost/json/value.hpp>
-
-#include <algorithm>
 
 namespace zarn::configuration::text {
 
@@ -15,30 +14,27 @@ namespace {
 
 constexpr std::size_t MaximumSize = std::size_t{16} * 1024 * 1024;
 
-/// The place of a byte for a person.
-std::string Locate(std::string_view text, std::size_t offset) {
-    std::string_view const before = text.substr(0, offset);
-    auto const line = std::count(before.begin(), before.end(), '\n') + 1;
-    auto const column = before.size() - (before.rfind('\n') + 1) + 1;
-    return "line " + std::to_string(line) + ", column " + std::to_string(column);
+/// The dotted path of the key that was read last, without the indices of lists.
+std::string GetPath(json::ParseError const& error) {
+    std::string path;
+    for (auto const& level : error.GetPath()) {
+        // A text that is not a key may be of any length and hold any character.
+        if (level.key) path = node::JoinPath(path, node::IsKey(*level.key) ? *level.key : schema::Quote(*level.key));
+    }
+    return path;
 }
 
 } // namespace
 
 boost::json::value Parse(std::string_view text) {
     if (text.size() > MaximumSize) throw Error({}, "the text is longer than 16 MiB");
-    boost::json::string_view const source(text.data(), text.size());
-    boost::json::error_code error;
-    boost::json::parser parser;
-    std::size_t const length = parser.write_some(source, error);
-    if (!error && text.find_first_not_of(" \t\r\n", length) != std::string_view::npos) {
-        error = boost::json::error::extra_data;
+    try {
+        return json::Parse(text);
+    } catch (json::ParseError const& error) {
+        if (error.GetReason() == json::ParseError::Reason::DuplicateKey)
+            throw Error(GetPath(error), error.GetPosition() + ": the key occurs twice");
+        throw Error({}, error.GetPosition() + ": " + error.what());
     }
-    if (error) throw Error({}, Locate(text, length) + ": " + error.message());
-    if (auto const duplicate = FindDuplicate(text)) {
-        throw Error(duplicate->path, Locate(text, duplicate->offset) + ": the key occurs twice");
-    }
-    return parser.release();
 }
 
 std::string Format(boost::json::value const& json) {

@@ -14,6 +14,7 @@ zarn_add_tests(NAME platform_configuration_tests
     configuration/schema/rule_test.cpp
     configuration/schema_test.cpp
     configuration/text_test.cpp
+    json/parse_test.cpp
     object/bad_cast_test.cpp
     object/container/const_iterator_test.cpp
     object/object_test.cpp

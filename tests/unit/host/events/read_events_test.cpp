@@ -1,4 +1,3 @@
-#include "host/events/bounds.h"
 #include "host/events/read_events.h"
 
 #include <zarn/meta/data/channel.h>
