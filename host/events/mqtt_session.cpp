@@ -45,7 +45,7 @@ MqttSession::MqttSession(MqttSettings const& settings, Family family, std::chron
     client.reset(mosquitto_new(id.c_str(), CleanSession, this));
     if (!client) {
         if (errno == ENOMEM) throw std::bad_alloc();
-        End("client_id: the library does not take it");
+        End("client_id: the library refuses it");
         return;
     }
     mosquitto_connect_callback_set(client.get(),
@@ -69,7 +69,7 @@ MqttSession::~MqttSession() {
 
 void MqttSession::Connect(MqttSettings const& settings, Family family) {
     auto const broker = ParseBrokerUrl(settings.url);
-    if (!broker) return End("url: there is no broker in it");
+    if (!broker) return End("url: it names no broker");
     auto* const library = client.get();
     if (!settings.user.empty())
         Check(mosquitto_username_pw_set(library, settings.user.c_str(), settings.password.c_str()), "user");
@@ -95,11 +95,11 @@ bool MqttSession::Serve(int wake) {
     descriptors[1] = {mosquitto_socket(library), POLLIN, 0};
     if (mosquitto_want_write(library)) descriptors[1].events |= POLLOUT;
     if (poll(descriptors.data(), descriptors.size(), IdleMilliseconds) > 0 && descriptors[1].revents != 0) {
-        // The library does not notice when the connection for a TLS handshake fails, and would be called for ever.
+        // The library does not notice when a connection fails during a TLS handshake, and would be called for ever.
         bool const broken = (descriptors[1].revents & (POLLERR | POLLHUP)) != 0;
         if (int const error = broken ? TakeSocketError(descriptors[1].fd) : 0; error != 0)
             End("connection: " + std::system_category().message(error));
-        // Writing and reading, whichever of them became possible: a TLS handshake goes on in the reading function.
+        // Reads even when only writing became possible: a TLS handshake continues in the reading function.
         if (!HasEnded()) Check(mosquitto_loop_read(library, 1), "connection");
         if (broken && !HasEnded()) End(ready ? "connection: lost" : "connection: the broker cannot be reached");
         if (!HasEnded() && mosquitto_want_write(library)) Check(mosquitto_loop_write(library, 1), "connection");

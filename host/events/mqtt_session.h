@@ -20,25 +20,25 @@ struct MqttMessage {
     bool retained = false; ///< the broker kept it from earlier: it was not sent now
 };
 
-/// One connection to a broker, from the first step to its end: logs in, takes up the session of the client identifier
-/// and subscribes with QoS 1. Nothing in it waits but Serve, which can be woken, and the resolution of a name. The
+/// One connection to a broker, from the first step to its end: logs in, resumes the session of the client identifier
+/// and subscribes with QoS 1. Only Serve waits, which can be woken, and the resolution of a name. The
 /// library's own loop is not used: it cannot be woken, and it ends the process when its socket is above 1,023.
 /// Thread: one.
 class MqttSession {
 public:
-    /// Which addresses of a broker's name are tried. Of those of one family the library takes only the first.
+    /// Which addresses of a broker's name are tried. Of one family the library uses only the first address.
     enum class Family { Any, Ipv4 };
 
     using OnMessage = std::function<void(MqttMessage const&)>;
 
-    /// Begins to connect. What goes wrong, here too, ends the session.
-    /// settings       of which the url is one
+    /// Starts to connect. Any failure, here too, ends the session.
+    /// settings       with a url
     /// timeToConnect  how long the broker may take to confirm the subscription
     /// onMessage      must not throw
     MqttSession(MqttSettings const& settings, Family family, std::chrono::milliseconds timeToConnect,
                 OnMessage onMessage);
 
-    /// Takes leave of the broker as far as that needs no waiting; the broker keeps the session.
+    /// Disconnects from the broker as far as that needs no waiting; the broker keeps the session.
     ~MqttSession();
 
     MqttSession(MqttSession const&) = delete;
@@ -53,10 +53,10 @@ public:
 
     bool HasEnded() const { return !reason.empty(); }
 
-    /// Why the session has ended: one line that anybody may read.
+    /// Why the session has ended: one line without secrets.
     std::string const& GetReason() const { return reason; }
 
-    /// The same with what the library says, which may name files: one line for the log.
+    /// The same with the library's own message, which may name files: one line for the log.
     std::string GetDetailedReason() const;
 
     /// Tells the broker not to keep messages of this topic for the session any longer.
@@ -81,7 +81,7 @@ private:
     std::chrono::steady_clock::time_point const deadline; ///< for getting ready
     bool ready = false;
     std::string reason;  ///< empty: not ended
-    std::string problem; ///< what the library said first about an error
+    std::string problem; ///< the library's first error message
     std::unique_ptr<mosquitto, Destroy> client;
 };
 

@@ -7,21 +7,21 @@
 
 namespace zarn::host::events {
 
-/// How far the connection to the broker is.
+/// The state of the connection to the broker.
 enum class MqttState {
-    Off,        ///< not wanted
+    Off,        ///< disabled
     Connecting, ///< until the broker has confirmed the subscription
-    Connected,  ///< events come
+    Connected,  ///< receiving events
     Waiting,    ///< it failed and will be tried again
 };
 
-/// What people and monitoring are told of the intake over MQTT. Holds no secrets.
+/// The status of the intake over MQTT, for people and monitoring. Holds no secrets.
 struct MqttStatus {
     MqttState state = MqttState::Off;
     std::string detail = {};    ///< why the last connection failed; empty when it did not
-    std::uint64_t received = 0; ///< messages that came
-    std::uint64_t refused = 0;  ///< messages of these that held no events, or wrong ones
-    std::uint64_t events = 0;   ///< events that the others held
+    std::uint64_t received = 0; ///< messages
+    std::uint64_t refused = 0;  ///< of these, messages without valid events
+    std::uint64_t events = 0;   ///< events in the others
 };
 
 /// The status as a part of `GET /api/health`.

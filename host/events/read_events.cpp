@@ -28,7 +28,7 @@ namespace {
 namespace data = meta::data;
 using Time = std::chrono::system_clock::time_point;
 
-/// What has been read of an event, whose fields may come in any order.
+/// What has been read of an event, whose fields may be in any order.
 struct EventDraft {
     std::string type;
     std::string name;

@@ -23,7 +23,7 @@ namespace json = boost::json;
 using zarn::web::response::Pending;
 using Status = protocol::network::http::response::Status;
 
-/// Whether a media type is JSON or unknown: not every client says what it sends. Source: RFC 6839, 3.1.
+/// Whether a media type is JSON, or missing, as some clients send none. Source: RFC 6839, 3.1.
 bool MayBeJson(std::string_view contentType) {
     std::string const type = boost::algorithm::trim_copy(std::string(contentType.substr(0, contentType.find(';'))));
     if (type.empty() || boost::algorithm::iequals(type, "application/json")) return true;

@@ -18,14 +18,14 @@ public:
     /// Throws std::system_error when no thread can be started.
     EventsRoute(web::Digest digest, events::EventSink sink);
 
-    /// Drops the requests whose events have not been read, and waits for those that have.
+    /// Drops the requests that no thread has started to read, and waits for the others.
     ~EventsRoute() override = default;
 
-    /// Pending while the body is read and its events are taken, which does not hold up the web server's thread: it may
-    /// be a list of thousands, for each of a thousand subscriptions.
-    /// 202 with `{"taken": N}` when all events of the body have gone to the sink; 400 with `{"error": "..."}` when it
-    /// does not hold events, none of which has been taken then; 401 for who has not logged in; 415 with the same form
-    /// for a body that says that it is not JSON.
+    /// Pending while threads of the route read the body and deliver its events: it may be a list of thousands, for each
+    /// of a thousand subscriptions.
+    /// 202 with `{"taken": N}` after all events of the body went to the sink; 400 with `{"error": "..."}` when the body
+    /// is invalid, and then none of them went there; 401 without valid credentials; 415 with the same form when the
+    /// Content-Type is not JSON.
     Response Post(std::shared_ptr<zarn::web::Request> request) override;
 
 private:
@@ -33,7 +33,7 @@ private:
 
     web::Digest digest;
     events::EventSink sink;
-    /// Few threads, since a text takes many times its length while it is read: the others wait for their turn.
+    /// Few threads, because a text needs many times its length while it is read.
     asio::IoContext readers{2};
 };
 

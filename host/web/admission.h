@@ -9,22 +9,21 @@
 
 namespace zarn::host::web {
 
-/// Counts what is under way and refuses what would go past a bound.
-/// Thread: any. A slot may outlive the admission.
+/// Counts connections and exchanges and refuses those that would exceed a bound. Thread: any.
 class Admission {
 public:
-    /// A place that is taken for as long as the slot, or a copy of it, lives; null: refused.
+    /// Counts as long as it, or a copy of it, lives, which may be longer than the admission; null: refused.
     using Slot = std::shared_ptr<void const>;
 
     Admission();
     Admission(Admission const&) = delete;
     Admission& operator=(Admission const&) = delete;
 
-    /// Takes a place for a connection from `peer`.
+    /// A slot for a connection from `peer`.
     Slot Connect(boost::asio::ip::address const& peer, Limits const& limits);
 
-    /// Takes a place for an exchange: hold it until the response is complete, whether its client is still there or not,
-    /// since the work goes on without the client.
+    /// A slot for an exchange: hold it until the response is complete, also when the client has disconnected, since the
+    /// work continues without it.
     Slot BeginExchange(Limits const& limits);
 
     std::size_t GetConnections() const;

@@ -72,7 +72,7 @@ public:
             auto const time = Clock::now();
             if (time < self->deadline.load()) return;
             // Cancelling misses an operation of several steps between two of them, and a client that floods the
-            // connection lets none of its steps wait: every sweep cancels, until `CancelTime` after the first.
+            // connection keeps its steps from waiting: every sweep cancels, until `CancelTime` after the first.
             // Closing at once would deny the client its 408 only because the host is busy.
             if (!std::exchange(self->timedOut, true)) self->closing = time + CancelTime;
             if (time >= self->closing) return self->CloseNow();
@@ -199,7 +199,7 @@ private:
     }
 
     void OnReadError(beast::error_code error) {
-        if (timedOut) return Refuse(MakeTextReply(Status::RequestTimeout, "The request took too long to come."));
+        if (timedOut) return Refuse(MakeTextReply(Status::RequestTimeout, "The request took too long to arrive."));
         auto const rest = buffer.cdata();
         std::string_view const received(static_cast<char const*>(rest.data()), rest.size());
         if (auto refusal = ExplainReadError(error, received, limits)) return Refuse(*std::move(refusal));
@@ -226,7 +226,7 @@ private:
     void Refuse(Reply refusal) {
         headOnly = false;
         form = {1, false};
-        parser.reset(); // whose many small fields may take much more than was sent, while what follows is drained
+        parser.reset(); // before draining: its many small fields may take much more memory than was sent
         Write(std::move(refusal));
     }
 

@@ -7,7 +7,7 @@
 
 namespace zarn::host::web {
 
-/// A bound TCP port. Connections queue up from construction on and are served once a Server takes the listener over.
+/// A bound TCP port. Connections queue up from construction on, until a Server accepts them.
 class Listener {
 public:
     /// Binds the port on all IPv4 addresses of the machine; 0 binds a free one.
@@ -17,7 +17,7 @@ public:
     /// The bound port.
     std::uint16_t GetPort() const noexcept { return port; }
 
-    /// Gives the acceptor away; it runs on a strand of its own.
+    /// Moves the acceptor out; it runs on a strand of its own.
     boost::asio::ip::tcp::acceptor Release() { return std::move(acceptor); }
 
 private:

@@ -10,23 +10,23 @@
 
 namespace zarn::host::web {
 
-/// Calls a function again and again, whatever it throws: what is thrown is logged, and the next call comes in time.
+/// Calls a function at an interval. Logs an exception that it throws, and calls it again in time.
 /// Thread: the executor's, which runs one handler at a time.
 class RepeatingTimer {
 public:
     /// executor  runs the calls; must have stopped running them when the timer is destroyed
     /// interval  between the end of one call and the next one
-    /// what      is done, for the log
+    /// what      for the log, when a call fails
     RepeatingTimer(boost::asio::any_io_executor const& executor, std::chrono::milliseconds interval, char const* what,
                    std::function<void()> function);
 
     RepeatingTimer(RepeatingTimer const&) = delete;
     RepeatingTimer& operator=(RepeatingTimer const&) = delete;
 
-    /// Calls the function now, and from now on.
+    /// Calls the function now and from now on.
     void Start();
 
-    /// Calls it no more.
+    /// Ends the calls.
     void Stop();
 
 private:

@@ -156,7 +156,7 @@ std::shared_ptr<Acceptor> Server::Impl::MakeAcceptor(Listener listener) {
 void Server::Impl::OnAccepted(Socket socket) {
     boost::system::error_code error;
     auto const peer = socket.remote_endpoint(error).address();
-    if (error) return; // gone already
+    if (error) return; // already disconnected
     auto const limits = context->GetLimits();
     auto slot = admission->Connect(peer, limits);
     std::shared_ptr<asio::ssl::context> secure;
