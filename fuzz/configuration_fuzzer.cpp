@@ -99,12 +99,11 @@ void CheckOverrides(Root& root, std::string_view lines) {
 /// taken or refused likewise and never saved; and whatever the tree holds then can be used.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     using namespace zarn::fuzz;
-    if (size > MaximumLength) return 0;
-    std::string_view const text(reinterpret_cast<char const*>(data), size);
-    auto const end = std::min(text.find(Separator), text.size());
-    auto const root = MakeTree();
-    CheckFile(*root, text.substr(0, end));
-    CheckOverrides(*root, text.substr(std::min(end + Separator.size(), text.size())));
-    ReadAll(*root);
-    return 0;
+    return CheckInput(data, size, MaximumLength, [](std::string_view text) {
+        auto const end = std::min(text.find(Separator), text.size());
+        auto const root = MakeTree();
+        CheckFile(*root, text.substr(0, end));
+        CheckOverrides(*root, text.substr(std::min(end + Separator.size(), text.size())));
+        ReadAll(*root);
+    });
 }

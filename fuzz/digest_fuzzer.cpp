@@ -1,8 +1,9 @@
-// Authorization fields, of whoever has not logged in and of who has.
+// Authorization fields, of clients with and without the password.
 #include "host/web/challenges.h"
 #include "host/web/digest.h"
-#include "host/web/digest_parameters.h"
+#include "host/web/digest_credentials.h"
 #include "require.h"
+#include "support/test_request.h"
 
 #include <zarn/authentication/digest.h>
 #include <zarn/authentication/engine.h>
@@ -24,48 +25,29 @@ namespace {
 using host::web::Challenges;
 using host::web::Digest;
 using host::web::ParseDigestParameters;
-using Parameters = std::map<std::string, std::string>;
-using Method = protocol::network::http::Method;
+using Parameters = host::web::DigestParameters;
 
 constexpr std::size_t MaximumLength = 8192;
 constexpr std::string_view Target = "/snapshot/1/latest.jpeg?width=640";
 constexpr std::string_view Path = "/snapshot/1/latest.jpeg";
 
-/// A request for the target, with one field.
-class Request final : public web::Request {
-public:
-    explicit Request(std::string authorization) : authorization(std::move(authorization)) {}
-
-    Method GetMethod() const override { return Method::Get; }
-
-    std::string_view GetTarget() const override { return Target; }
-
-    std::string_view GetBody() const override { return {}; }
-
-    std::map<std::string_view, std::string_view> GetFields() const override {
-        return {{"Authorization", authorization}};
-    }
-
-private:
-    std::string authorization;
-};
-
-/// What the host makes of an Authorization field.
+/// How the host answers an Authorization field.
 struct Verdict {
     bool served = false;
     bool stale = false;
     std::string nonce; ///< of the new challenge
 };
 
-/// A password that no other party knows, and what asks for it.
-struct Door {
-    Door() : ha1(authentication::MakeHa1("admin", authentication::Realm, "secret")) { engine.SetHa1(ha1); }
+/// A protected path whose password the client does not know.
+struct ProtectedPath {
+    ProtectedPath() : ha1(authentication::MakeHa1("admin", authentication::Realm, "secret")) { engine.SetHa1(ha1); }
 
     Verdict Ask(std::string authorization) {
-        auto const refusal = digest.Refuse(Request(std::move(authorization)));
+        auto const refusal = digest.Refuse(test::TestRequest(test::TestRequest::Method::Get, std::string(Target),
+                                                             {{"Authorization", std::move(authorization)}}));
         if (!refusal) return {.served = true};
         auto const data = refusal->GetData();
-        Require(static_cast<int>(data.GetStatus()) == 401, "who has not logged in is answered 401");
+        Require(static_cast<int>(data.GetStatus()) == 401, "a refusal is a 401");
         std::string_view const challenge = data.GetFields().at("WWW-Authenticate");
         constexpr std::string_view Name = "nonce=\"";
         auto const begin = challenge.find(Name);
@@ -94,63 +76,65 @@ std::string Write(Parameters const& parameters) {
     return text;
 }
 
-/// Makes the answer right for what else it says.
-void Sign(Parameters& answer, std::string const& ha1) {
-    answer["response"] = authentication::MakeDigestResponse({.ha1 = ha1,
-                                                             .method = "GET",
-                                                             .uri = answer["uri"],
-                                                             .nonce = answer["nonce"],
-                                                             .nonceCount = answer["nc"],
-                                                             .clientNonce = answer["cnonce"],
-                                                             .qop = answer["qop"]});
+/// Makes the response right for the other parameters.
+void Sign(Parameters& credentials, std::string const& ha1) {
+    credentials["response"] = authentication::MakeDigestResponse({.ha1 = ha1,
+                                                                  .method = "GET",
+                                                                  .uri = credentials["uri"],
+                                                                  .nonce = credentials["nonce"],
+                                                                  .nonceCount = credentials["nc"],
+                                                                  .clientNonce = credentials["cnonce"],
+                                                                  .qop = credentials["qop"]});
 }
 
-/// Whether a right answer of this form lets in.
-bool IsTaken(Parameters& answer) {
-    auto const& algorithm = answer["algorithm"];
-    auto const& qop = answer["qop"];
-    return !answer["username"].empty() && !answer["realm"].empty() && (qop.empty() || qop == "auth") &&
+/// Whether a right response in credentials of this form is accepted.
+bool IsOffered(Parameters& credentials) {
+    auto const& algorithm = credentials["algorithm"];
+    auto const& qop = credentials["qop"];
+    return !credentials["username"].empty() && !credentials["realm"].empty() && (qop.empty() || qop == "auth") &&
            (algorithm.empty() || boost::iequals(algorithm, "MD5"));
 }
 
-/// Whether an answer can be told from the next one to the same challenge.
-bool IsCounted(Parameters& answer) {
-    return !answer["qop"].empty() && !(answer["nc"].empty() && answer["cnonce"].empty());
+/// Whether a response can be told from the next one to the same challenge.
+bool IsCounted(Parameters& credentials) {
+    return !credentials["qop"].empty() && !(credentials["nc"].empty() && credentials["cnonce"].empty());
 }
 
-void Check(Door& door, Parameters answer) {
-    Require(ParseDigestParameters(Write(answer)) == answer, "what was read is read again when written out");
-    bool const isForTarget = answer["uri"] == Target || answer["uri"] == Path;
-    Sign(answer, door.ha1);
-    auto const old = door.Ask(Write(answer));
-    Require(!old.served, "a right answer to somebody else's challenge does not let in");
-    if (isForTarget) Require(old.stale == IsTaken(answer), "a right answer to an old challenge gets a new one");
+void Check(ProtectedPath& path, Parameters credentials) {
+    Require(ParseDigestParameters(Write(credentials)) == credentials, "what was read is read again when written out");
+    bool const isForTarget = credentials["uri"] == Target || credentials["uri"] == Path;
+    Sign(credentials, path.ha1);
+    auto const old = path.Ask(Write(credentials));
+    Require(!old.served, "a right response to a foreign challenge is refused");
+    if (isForTarget)
+        Require(old.stale == IsOffered(credentials), "a right response to an old challenge gets a new one");
 
-    answer["nonce"] = old.nonce;
-    Sign(answer, door.ha1);
-    auto const served = door.Ask(Write(answer)).served;
-    if (isForTarget) Require(served == IsTaken(answer), "a right answer to a new challenge lets in");
-    if (!IsTaken(answer)) Require(!served, "an answer of a form that is not offered does not let in");
+    credentials["nonce"] = old.nonce;
+    Sign(credentials, path.ha1);
+    auto const served = path.Ask(Write(credentials)).served;
+    if (isForTarget) Require(served == IsOffered(credentials), "a right response to a new challenge is accepted");
+    if (!IsOffered(credentials)) Require(!served, "a form that is not offered is refused");
     if (!served) return;
 
-    auto const again = door.Ask(Write(answer));
-    Require(again.served != IsCounted(answer), "an answer lets in once, unless it has neither count nor client nonce");
-    Require(again.served || again.stale, "a right answer that has been used gets a new challenge");
+    auto const again = path.Ask(Write(credentials));
+    Require(again.served != IsCounted(credentials), "a response counts once, unless it has neither nc nor cnonce");
+    Require(again.served || again.stale, "a used response gets a new challenge");
 }
 
 } // namespace
 } // namespace zarn::fuzz
 
-/// A field lets nobody in who does not know the password, whatever it says, and lets in who answers the challenge
-/// rightly, in whatever form; what is read of it is the same once it is written out again.
+/// No field is accepted without the password, and a right response to the challenge is, whatever its form; the
+/// parameters are the same once they are written out again.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     using namespace zarn::fuzz;
-    std::string const field(reinterpret_cast<char const*>(data), size);
-    // The web server lets no such fields through.
-    if (size > MaximumLength || field.find_first_of(std::string("\0\r\n", 3)) != std::string::npos) return 0;
-    Door door;
-    auto const verdict = door.Ask(field);
-    Require(!verdict.served && !verdict.stale, "who does not know the password is not let in");
-    if (auto parameters = ParseDigestParameters(field)) Check(door, *std::move(parameters));
-    return 0;
+    return CheckInput(data, size, MaximumLength, [](std::string_view text) {
+        std::string const field(text);
+        // The web server lets no such fields through.
+        if (field.find_first_of(std::string("\0\r\n", 3)) != std::string::npos) return;
+        ProtectedPath path;
+        auto const verdict = path.Ask(field);
+        Require(!verdict.served && !verdict.stale, "a client without the password is not served");
+        if (auto parameters = ParseDigestParameters(field)) Check(path, *std::move(parameters));
+    });
 }

@@ -89,9 +89,8 @@ void CheckSpan(std::string_view text) {
 /// span that reaches no further than the clock.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     using namespace zarn::fuzz;
-    if (size > MaximumLength) return 0;
-    std::string_view const text(reinterpret_cast<char const*>(data), size);
-    CheckTime(text);
-    CheckSpan(text);
-    return 0;
+    return CheckInput(data, size, MaximumLength, [](std::string_view text) {
+        CheckTime(text);
+        CheckSpan(text);
+    });
 }

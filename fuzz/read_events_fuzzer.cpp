@@ -30,15 +30,15 @@ void Check(meta::data::Event const& event) {
 /// gives as many.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     using namespace zarn::fuzz;
-    if (size > MaximumLength) return 0;
-    std::string_view const text(reinterpret_cast<char const*>(data), size);
-    try {
-        auto const events = zarn::host::events::ReadEvents(text, Now);
-        Require(events.size() <= MaximumEvents, "a text holds a bounded number of events");
-        for (auto const& event : events) Check(*event);
-        Require(zarn::host::events::ReadEvents(text, Now).size() == events.size(), "reading depends on the text only");
-    } catch (zarn::host::events::ReadError const& error) {
-        Require(IsLine(error.what(), LongestError), "an error is one short line");
-    }
-    return 0;
+    using zarn::host::events::ReadEvents;
+    return CheckInput(data, size, MaximumLength, [](std::string_view text) {
+        try {
+            auto const events = ReadEvents(text, Now);
+            Require(events.size() <= MaximumEvents, "a text holds a bounded number of events");
+            for (auto const& event : events) Check(*event);
+            Require(ReadEvents(text, Now).size() == events.size(), "reading depends on the text only");
+        } catch (zarn::host::events::ReadError const& error) {
+            Require(IsLine(error.what(), LongestError), "an error is one short line");
+        }
+    });
 }

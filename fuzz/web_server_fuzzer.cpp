@@ -35,7 +35,7 @@ constexpr std::size_t MaximumLength = std::size_t{256} * 1024;
 constexpr std::size_t BodyBytes = 4096;
 constexpr std::chrono::seconds Deadline(8);
 
-/// Every how many inputs a client that means well is served in between.
+/// After so many inputs a well-behaved client is served.
 constexpr unsigned GoodClientEvery = 64;
 
 constexpr std::array Statuses{"200", "204", "400", "404", "405", "411", "413", "414", "415", "417", "431", "505"};
@@ -44,7 +44,7 @@ bool IsFree(std::string_view text, std::string_view characters) {
     return text.find_first_of(characters) == std::string_view::npos;
 }
 
-/// Answers what it was asked, and looks at how the request reached it.
+/// Answers with the body of the request, and checks the request.
 class Echo final : public web::Service {
 public:
     Response Process(std::shared_ptr<web::Request> request) override {
@@ -102,7 +102,7 @@ public:
         }
     }
 
-    /// Says that nothing more comes, and reads up to the end.
+    /// Ends sending, and reads up to the end.
     std::string Finish() const {
         shutdown(descriptor, SHUT_WR);
         std::string answer;
@@ -196,30 +196,30 @@ void CheckAnswer(std::string_view answer) {
     if (answer.empty()) return; // the request was not complete
     constexpr std::string_view Continue = "HTTP/1.1 100 Continue\r\n\r\n";
     if (answer.starts_with(Continue)) return CheckAnswer(answer.substr(Continue.size()));
-    Require(answer.starts_with("HTTP/1."), "an answer is one of HTTP");
+    Require(answer.starts_with("HTTP/1."), "an answer is HTTP");
     auto const status = answer.substr(std::min<std::size_t>(answer.size(), 9), 3);
-    Require(std::ranges::find(Statuses, status) != Statuses.end(), "a status is one of those that are promised");
+    Require(std::ranges::find(Statuses, status) != Statuses.end(), "a status is one of the promised ones");
     Require(answer.find("\r\n\r\n") != std::string_view::npos, "an answer has a whole header");
 }
 
 void ServeGoodClient(Site& site) {
     auto const answer =
         site.Exchange("POST /a HTTP/1.1\r\nHost: h\r\nContent-Length: 5\r\nConnection: close\r\n\r\nhello");
-    Require(answer.starts_with("HTTP/1.1 200 ") && answer.ends_with("hello"), "a client that means well is served");
+    Require(answer.starts_with("HTTP/1.1 200 ") && answer.ends_with("hello"), "a well-behaved client is served");
 }
 
 } // namespace
 } // namespace zarn::fuzz
 
-/// Whatever is sent, the connection ends, what is answered is HTTP with a status that is promised, no request past a
-/// bound or with line ends in its fields reaches a service, and the next client is served.
+/// Whatever is sent, the connection ends, every answer is HTTP with a promised status, no request that exceeds a bound
+/// or has line ends in its fields reaches a service, and the next client is served.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     using namespace zarn::fuzz;
-    if (size > MaximumLength) return 0;
-    static Site site;
-    static unsigned count = 0;
-    CheckAnswer(site.Exchange({reinterpret_cast<char const*>(data), size}));
-    if (++count % GoodClientEvery == 0) ServeGoodClient(site);
-    Require(site.AwaitQuiet(), "a connection that is over leaves nothing behind");
-    return 0;
+    return CheckInput(data, size, MaximumLength, [](std::string_view bytes) {
+        static Site site;
+        static unsigned count = 0;
+        CheckAnswer(site.Exchange(bytes));
+        if (++count % GoodClientEvery == 0) ServeGoodClient(site);
+        Require(site.AwaitQuiet(), "a connection that is over leaves nothing behind");
+    });
 }
