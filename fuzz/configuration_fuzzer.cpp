@@ -9,7 +9,7 @@
 #include "require.h"
 
 #include <zarn/configuration/error.h>
-#include <zarn/configuration/layer.h>
+#include <zarn/configuration/node.h>
 #include <zarn/configuration/text.h>
 
 #include <boost/json/value.hpp>

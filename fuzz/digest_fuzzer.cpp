@@ -82,8 +82,8 @@ void Sign(Parameters& credentials, std::string const& ha1) {
                                                                   .method = "GET",
                                                                   .uri = credentials["uri"],
                                                                   .nonce = credentials["nonce"],
-                                                                  .nonceCount = credentials["nc"],
-                                                                  .clientNonce = credentials["cnonce"],
+                                                                  .nc = credentials["nc"],
+                                                                  .cnonce = credentials["cnonce"],
                                                                   .qop = credentials["qop"]});
 }
 

@@ -162,8 +162,8 @@ private:
                                                                   .method = "POST",
                                                                   .uri = request.target,
                                                                   .nonce = "0123456789abcdef",
-                                                                  .nonceCount = "00000001",
-                                                                  .clientNonce = "fedcba98",
+                                                                  .nc = "00000001",
+                                                                  .cnonce = "fedcba98",
                                                                   .qop = "auth"});
         request.fields["Authorization"] = std::string("Digest username=\"admin\", realm=\"") + authentication::Realm +
                                           "\", nonce=\"0123456789abcdef\", uri=\"" + request.target +

@@ -12,7 +12,7 @@
 #include "host/web/tls.h"
 #include "host/web/web_settings.h"
 
-#include <zarn/configuration/layer.h>
+#include <zarn/configuration/node.h>
 #include <zarn/configuration/node/primitive.h>
 #include <zarn/network/local.h>
 #include <zarn/onvif/events/handler.h>

@@ -3,7 +3,7 @@
 #include "host/atomic_file.h"
 
 #include <zarn/configuration/error.h>
-#include <zarn/configuration/layer.h>
+#include <zarn/configuration/node.h>
 #include <zarn/configuration/text.h>
 
 #include <boost/json/object.hpp>

@@ -2,7 +2,6 @@
 
 #include "host/events/value_reader.h"
 
-#include <zarn/chrono/error.h>
 #include <zarn/chrono/iso8601.h>
 #include <zarn/meta/data/channel.h>
 #include <zarn/meta/data/classification/confidence.h>

@@ -30,12 +30,12 @@ void Append(std::string& text, std::uint64_t number) {
     text.append(NumberLength - length, '0').append(digits.data(), length);
 }
 
-std::uint64_t Hash(authentication::AnswerIdentity const& response) {
+std::uint64_t Hash(authentication::DigestCredentials const& response) {
     std::string text;
-    text.reserve(response.nonce.size() + response.nonceCount.size() + response.clientNonce.size() + 2);
+    text.reserve(response.nonce.size() + response.nc.size() + response.cnonce.size() + 2);
     // A header field holds no line end.
-    text.append(response.nonce).append(1, '\n').append(response.nonceCount).append(1, '\n');
-    return std::hash<std::string>()(text.append(response.clientNonce));
+    text.append(response.nonce).append(1, '\n').append(response.nc).append(1, '\n');
+    return std::hash<std::string>()(text.append(response.cnonce));
 }
 
 } // namespace
@@ -73,7 +73,8 @@ std::string Nonces::Sign(std::string_view text) const {
     return hex;
 }
 
-bool UsedResponses::Add(authentication::AnswerIdentity const& response, Clock::time_point made, Clock::time_point now) {
+bool UsedResponses::Add(authentication::DigestCredentials const& response, Clock::time_point made,
+                        Clock::time_point now) {
     auto const hash = Hash(response);
     std::vector<Slices::node_type> dropped; // destroyed when the lock is free again
     std::lock_guard const lock(mutex);
@@ -113,11 +114,11 @@ void Challenges::SetLife(std::chrono::seconds value) {
 
 std::string Challenges::MakeNonce() { return nonces.Make(clock()); }
 
-bool Challenges::Take(authentication::AnswerIdentity const& response) {
+bool Challenges::Accept(authentication::DigestCredentials const& response) {
     auto const now = clock();
     auto const made = nonces.GetTime(response.nonce);
     if (!made || now - *made >= life.load()) return false;
-    if (response.nonceCount.empty() && response.clientNonce.empty()) return true;
+    if (response.nc.empty() && response.cnonce.empty()) return true;
     return used.Add(response, *made, now);
 }
 

@@ -2,7 +2,7 @@
 
 #include "host/access/access_settings.h"
 
-#include <zarn/authentication/replay_check.h>
+#include <zarn/authentication/engine.h>
 
 #include <array>
 #include <atomic>
@@ -57,7 +57,7 @@ public:
 
     /// Remembers a response whose nonce was made at `made`, in whole milliseconds. False when it was used before, or
     /// may be among those that were dropped.
-    bool Add(authentication::AnswerIdentity const& response, Clock::time_point made, Clock::time_point now);
+    bool Add(authentication::DigestCredentials const& response, Clock::time_point made, Clock::time_point now);
 
     std::size_t GetSize() const;
 
@@ -102,9 +102,9 @@ public:
     /// A nonce for a new challenge.
     std::string MakeNonce();
 
-    /// A response with neither nonce count nor client nonce cannot be told from another one of the same client, so that
+    /// A response with neither nc nor cnonce cannot be told from another one of the same client, so that
     /// it may be used as long as its nonce is valid.
-    bool Take(authentication::AnswerIdentity const& response) override;
+    bool Accept(authentication::DigestCredentials const& response) override;
 
 private:
     std::function<Clock::time_point()> clock;

@@ -129,8 +129,8 @@ bool DigestCredentials::HasRightResponse(ZarnAuthenticationEngine const& engine,
                                              .method = method,
                                              .uri = uri,
                                              .nonce = Get("nonce"),
-                                             .nonceCount = Get("nc"),
-                                             .clientNonce = Get("cnonce"),
+                                             .nc = Get("nc"),
+                                             .cnonce = Get("cnonce"),
                                              .qop = qop},
                                             Get("response"));
 }

@@ -1,6 +1,6 @@
 #include "configuration_values.h"
 
-#include <zarn/configuration/event/changed.h>
+#include <zarn/configuration/event.h>
 #include <zarn/configuration/node/primitive.h>
 
 namespace zarn::service::onvif {

@@ -13,7 +13,7 @@
 
 #include <service/onvif/manager.h>
 #include <zarn/asio/global_context.h>
-#include <zarn/configuration/node/binding/option.h>
+#include <zarn/configuration/node.h>
 #include <zarn/configuration/schema.h>
 #include <zarn/container/buffer.h>
 #include <zarn/job/dynamic_thread_pool.h>

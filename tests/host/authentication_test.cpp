@@ -64,7 +64,7 @@ TEST(Authentication, LetsAClientGoOnWithItsChallenge) {
         client.credentials.count = count;
         EXPECT_EQ(client.AskWithCredentials().status, 200U) << count;
     }
-    client.credentials.clientNonce = "another";
+    client.credentials.cnonce = "another";
     EXPECT_EQ(client.AskWithCredentials().status, 200U);
 }
 

@@ -183,13 +183,13 @@ private:
 
     std::string Authorize(std::string const& target) {
         std::array<char, 9> count{};
-        std::snprintf(count.data(), count.size(), "%08x", ++nonceCount);
+        std::snprintf(count.data(), count.size(), "%08x", ++nc);
         auto const response = authentication::MakeDigestResponse({.ha1 = ha1,
                                                                   .method = "POST",
                                                                   .uri = target,
                                                                   .nonce = nonce,
-                                                                  .nonceCount = count.data(),
-                                                                  .clientNonce = "0a4f113b",
+                                                                  .nc = count.data(),
+                                                                  .cnonce = "0a4f113b",
                                                                   .qop = "auth"});
         return "Digest username=\"admin\", realm=\"" + std::string(authentication::Realm) + "\", nonce=\"" + nonce +
                "\", uri=\"" + target + "\", qop=auth, nc=" + count.data() + ", cnonce=\"0a4f113b\", response=\"" +
@@ -199,7 +199,7 @@ private:
     std::map<To, std::string> targets;
     std::string ha1;
     std::string nonce;
-    unsigned nonceCount = 0;
+    unsigned nc = 0;
     asio::io_context context;
     boost::beast::tcp_stream stream{context};
     boost::beast::flat_buffer buffer;

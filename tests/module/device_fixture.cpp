@@ -58,12 +58,12 @@ std::string Envelope(std::string const& body, std::string const& header) {
 std::string MakeAuthorization(Sending const& sending, std::string const& method) {
     auto const& uri = sending.digestPath.empty() ? sending.path : sending.digestPath;
     std::string const nonce = "0123456789abcdef";
-    std::string const clientNonce = "fedcba98";
+    std::string const cnonce = "fedcba98";
     auto const ha1 = Md5(sending.user + ":" + authentication::Realm + ":" + sending.password);
-    auto const response = Md5(ha1 + ":" + nonce + ":00000001:" + clientNonce + ":auth:" + Md5(method + ":" + uri));
+    auto const response = Md5(ha1 + ":" + nonce + ":00000001:" + cnonce + ":auth:" + Md5(method + ":" + uri));
     return "Digest username=\"" + sending.user + "\", realm=\"" + authentication::Realm + "\", nonce=\"" + nonce +
-           "\", uri=\"" + uri + "\", algorithm=MD5, qop=auth, nc=00000001, cnonce=\"" + clientNonce +
-           "\", response=\"" + response + "\"";
+           "\", uri=\"" + uri + "\", algorithm=MD5, qop=auth, nc=00000001, cnonce=\"" + cnonce + "\", response=\"" +
+           response + "\"";
 }
 
 std::string MakeOldAuthorization(Sending const& sending) {

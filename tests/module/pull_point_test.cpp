@@ -94,7 +94,7 @@ TEST_F(PullPoint, LastsUntilAnAbsoluteTime) {
 }
 
 TEST_F(PullPoint, LastsToTheEndOfTheClockForWhoAsksForMore) {
-    for (auto const* text : {"P292Y", "9999-12-31T23:59:59Z"}) {
+    for (auto const* text : {"P292Y", "P400Y", "9999-12-31T23:59:59Z"}) {
         auto const reply = Create(Termination(text));
         EXPECT_EQ(reply.Text("//wsnt:TerminationTime"), "2262-04-11T23:47:16Z") << text;
         auto const address = reply.Text("//wsa5:Address");
@@ -175,7 +175,7 @@ TEST_F(PullPoint, IsForThoseWhoLogIn) {
 TEST_F(PullPoint, BreaksItsPromiseForTimesThatAreNone) {
     auto const path = Subscribe();
     auto const count = onvif::events::GetSubscriptions().size();
-    for (auto const* text : {"P", "-PT5S", "PT5X", "tomorrow", "P400Y", "2026-13-01T00:00:00Z"}) {
+    for (auto const* text : {"P", "-PT5S", "PT5X", "tomorrow", "2026-13-01T00:00:00Z"}) {
         EXPECT_THROW(Create(Termination(text)), std::future_error) << text;
         EXPECT_THROW(Renew(path, text), std::future_error) << text;
     }

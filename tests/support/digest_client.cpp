@@ -28,10 +28,10 @@ std::string DigestCredentials::MakeResponse() const {
         return Hash(algorithm.starts_with("SHA-256") ? "SHA256" : "MD5", text);
     };
     auto ha1 = hash(user + ":" + realm + ":" + password);
-    if (algorithm.ends_with("-sess")) ha1 = hash(ha1 + ":" + nonce + ":" + clientNonce);
+    if (algorithm.ends_with("-sess")) ha1 = hash(ha1 + ":" + nonce + ":" + cnonce);
     auto const ha2 = hash(method + ":" + uri + (qop == "auth-int" ? ":" + hash(body) : std::string()));
     if (qop.empty()) return hash(ha1 + ":" + nonce + ":" + ha2);
-    return hash(ha1 + ":" + nonce + ":" + count + ":" + clientNonce + ":" + qop + ":" + ha2);
+    return hash(ha1 + ":" + nonce + ":" + count + ":" + cnonce + ":" + qop + ":" + ha2);
 }
 
 std::string DigestCredentials::Write() const {
@@ -40,7 +40,7 @@ std::string DigestCredentials::Write() const {
     if (!algorithm.empty()) text += ", algorithm=" + algorithm;
     if (!qop.empty()) text += ", qop=" + qop;
     if (!qop.empty() && !count.empty()) text += ", nc=" + count;
-    if (!qop.empty() && !clientNonce.empty()) text += ", cnonce=\"" + clientNonce + "\"";
+    if (!qop.empty() && !cnonce.empty()) text += ", cnonce=\"" + cnonce + "\"";
     return text + ", response=\"" + MakeResponse() + "\"";
 }
 

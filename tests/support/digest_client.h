@@ -24,7 +24,7 @@ struct DigestCredentials {
     std::string algorithm = "MD5"; ///< also "MD5-sess", "SHA-256", "SHA-256-sess"; empty: MD5 without saying so
     std::string qop = "auth";      ///< also "auth-int"; empty: the form of RFC 2069
     std::string count = "00000001";
-    std::string clientNonce = "0a4f113b";
+    std::string cnonce = "0a4f113b";
     std::string body = {}; ///< for "auth-int"
 
     /// The response that proves knowledge of the password.

@@ -1,10 +1,10 @@
-#include "run.h"
-
 #include <zarn/asio/io_context.h>
+#include <zarn/logging/logger.h>
 
 #include <boost/asio/executor_work_guard.hpp>
 #include <boost/asio/io_context.hpp>
 
+#include <exception>
 #include <mutex>
 #include <stdexcept>
 #include <thread>
@@ -17,8 +17,26 @@ struct IoContext::Impl {
 
     void Start(unsigned count) {
         threads.reserve(count);
-        for (unsigned i = 0; i < count; ++i) {
-            threads.emplace_back([this] { RunUntilStopped(ioContext, "zarn.asio.IoContext"); });
+        for (unsigned i = 0; i < count; ++i) threads.emplace_back([this] { Run(); });
+    }
+
+    void Run() noexcept {
+        while (!ioContext.stopped()) {
+            try {
+                ioContext.run();
+            } catch (std::exception const& error) {
+                Report(error.what());
+            } catch (...) {
+                Report("an exception of unknown type");
+            }
+        }
+    }
+
+    static void Report(char const* what) noexcept {
+        try {
+            logging::Logger("zarn.asio.IoContext").Log(logging::Level::Error, "A handler threw: %0%", what);
+        } catch (std::exception const&) {
+            return; // no memory for the line: the thread matters more
         }
     }
 
@@ -46,7 +64,7 @@ IoContext::IoContext(unsigned threads) : impl(std::make_unique<Impl>()) {
 
 IoContext::~IoContext() = default;
 
-boost::asio::io_context& IoContext::Get() noexcept { return impl->ioContext; }
+boost::asio::io_context& IoContext::Get() const noexcept { return impl->ioContext; }
 
 void IoContext::Stop() noexcept { impl->Stop(); }
 

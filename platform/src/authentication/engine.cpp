@@ -20,7 +20,7 @@ bool IsLowerHex(char character) {
     return ('0' <= character && character <= '9') || ('a' <= character && character <= 'f');
 }
 
-/// What answers are compared with for want of an account, so that the time does not tell that there is none.
+/// Compared with when there is no account, so that the time taken does not reveal that.
 constexpr std::string_view NobodysHa1 = "00000000000000000000000000000000";
 
 } // namespace
@@ -63,14 +63,14 @@ bool ZarnAuthenticationCheckDigest(ZarnAuthenticationEngine const* engine, char 
                                                 .method = View(method),
                                                 .uri = View(uri),
                                                 .nonce = View(nonce),
-                                                .nonceCount = View(nc),
-                                                .clientNonce = View(cnonce),
+                                                .nc = View(nc),
+                                                .cnonce = View(cnonce),
                                                 .qop = View(qop)},
                                                View(response));
     if (!isRight || ha1.empty()) return false;
     auto* const replays = engine->GetReplayCheck();
     if (replays == nullptr) return true;
-    // Without a quality of protection the answer covers neither count nor client nonce: who repeats it may change both.
-    if (View(qop).empty()) return replays->Take({.nonce = View(nonce), .nonceCount = {}, .clientNonce = {}});
-    return replays->Take({.nonce = View(nonce), .nonceCount = View(nc), .clientNonce = View(cnonce)});
+    // Without qop the response covers neither nc nor cnonce: an attacker who repeats it may change both.
+    if (View(qop).empty()) return replays->Accept({.nonce = View(nonce), .nc = {}, .cnonce = {}});
+    return replays->Accept({.nonce = View(nonce), .nc = View(nc), .cnonce = View(cnonce)});
 }

@@ -1,6 +1,5 @@
 #include "chrono/reader.h"
 
-#include <zarn/chrono/error.h>
 #include <zarn/chrono/iso8601.h>
 
 #include <algorithm>
@@ -30,16 +29,16 @@ struct Date {
 Date ReadDate(Reader& reader) {
     bool const negative = reader.Skip('-');
     auto const place = reader.QuoteRest();
-    auto const digits = reader.TakeDigits();
+    auto const digits = reader.ReadDigits();
     if (digits.size() < 4) reader.Fail("at least four digits of the year expected at " + place);
     if (digits.size() > 4 && digits.front() == '0') reader.Fail("a year of more than four digits begins with 0");
     int year = 0;
     for (char const digit : digits.substr(digits.size() - 4)) year = year * 10 + (digit - '0');
 
     reader.Expect('-');
-    unsigned const month = reader.TakeTwoDigits("month", 1, 12);
+    unsigned const month = reader.ReadTwoDigits("month", 1, 12);
     reader.Expect('-');
-    unsigned const day = reader.TakeTwoDigits("day", 1, 31);
+    unsigned const day = reader.ReadTwoDigits("day", 1, 31);
     std::chrono::year_month_day const date{std::chrono::year(negative ? -year : year), std::chrono::month(month),
                                            std::chrono::day(day)};
     if (!date.ok()) reader.Fail("the month has no day " + std::to_string(day));
@@ -48,12 +47,12 @@ Date ReadDate(Reader& reader) {
 
 /// The time of the day in nanoseconds from its start.
 std::chrono::nanoseconds ReadTimeOfDay(Reader& reader) {
-    std::chrono::hours const hour(reader.TakeTwoDigits("hour", 0, 24));
+    std::chrono::hours const hour(reader.ReadTwoDigits("hour", 0, 24));
     reader.Expect(':');
-    std::chrono::minutes const minute(reader.TakeTwoDigits("minute", 0, 59));
+    std::chrono::minutes const minute(reader.ReadTwoDigits("minute", 0, 59));
     reader.Expect(':');
-    std::chrono::seconds const second(reader.TakeTwoDigits("second", 0, 59));
-    std::chrono::nanoseconds const fraction(reader.TakeFraction().value_or(0));
+    std::chrono::seconds const second(reader.ReadTwoDigits("second", 0, 59));
+    std::chrono::nanoseconds const fraction(reader.ReadFraction().value_or(0));
     std::chrono::nanoseconds const time = hour + minute + second + fraction;
     if (time > std::chrono::hours(24)) reader.Fail("the day ends at 24:00:00");
     return time;
@@ -62,10 +61,10 @@ std::chrono::nanoseconds ReadTimeOfDay(Reader& reader) {
 TimeZone ReadZone(Reader& reader) {
     if (reader.AtEnd() || reader.Skip('Z')) return TimeZone(0);
     bool const negative = reader.Skip('-');
-    if (!negative && !reader.Skip('+')) reader.Fail(reader.QuoteRest() + " is no time zone (Z, +hh:mm or -hh:mm)");
-    std::chrono::hours const hour(reader.TakeTwoDigits("hour of the time zone", 0, 14));
+    if (!negative && !reader.Skip('+')) reader.Fail(reader.QuoteRest() + " is not a time zone (Z, +hh:mm or -hh:mm)");
+    std::chrono::hours const hour(reader.ReadTwoDigits("hour of the time zone", 0, 14));
     reader.Expect(':');
-    std::chrono::minutes const minute(reader.TakeTwoDigits("minute of the time zone", 0, 59));
+    std::chrono::minutes const minute(reader.ReadTwoDigits("minute of the time zone", 0, 59));
     TimeZone const zone = hour + minute;
     if (zone > FurthestZone) reader.Fail("the time zone is more than 14 hours from UTC");
     return negative ? -zone : zone;

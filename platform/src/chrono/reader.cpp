@@ -1,6 +1,6 @@
 #include "chrono/reader.h"
 
-#include <zarn/chrono/error.h>
+#include <zarn/chrono/iso8601.h>
 #include <zarn/logging/format.h>
 #include <zarn/text/character.h>
 
@@ -37,15 +37,15 @@ void Reader::Expect(char character) {
     if (!Skip(character)) Fail(Quote({&character, 1}) + " expected at " + QuoteRest());
 }
 
-std::string_view Reader::TakeDigits() noexcept {
+std::string_view Reader::ReadDigits() noexcept {
     auto const digits = rest.substr(0, rest.find_first_not_of(Digits));
     rest.remove_prefix(digits.size());
     return digits;
 }
 
-unsigned Reader::TakeTwoDigits(std::string_view name, unsigned minimum, unsigned maximum) {
+unsigned Reader::ReadTwoDigits(std::string_view name, unsigned minimum, unsigned maximum) {
     auto const place = QuoteRest();
-    auto const digits = TakeDigits();
+    auto const digits = ReadDigits();
     if (digits.size() != 2) Fail("two digits of the " + std::string(name) + " expected at " + place);
     auto const number = static_cast<unsigned>((digits[0] - '0') * 10 + (digits[1] - '0'));
     if (number < minimum || number > maximum) {
@@ -55,9 +55,9 @@ unsigned Reader::TakeTwoDigits(std::string_view name, unsigned minimum, unsigned
     return number;
 }
 
-std::optional<std::int64_t> Reader::TakeFraction() {
+std::optional<std::int64_t> Reader::ReadFraction() {
     if (!Skip('.')) return std::nullopt;
-    auto const digits = TakeDigits();
+    auto const digits = ReadDigits();
     if (digits.empty()) Fail("digits expected behind the decimal point at " + QuoteRest());
     std::int64_t nanoseconds = 0;
     for (std::size_t place = 0; place < 9; ++place) {

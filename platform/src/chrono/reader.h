@@ -20,22 +20,22 @@ public:
     /// The next character; empty at the end.
     std::optional<char> Peek() const noexcept;
 
-    /// Passes over a character; returns false, and does nothing, when another one is next.
+    /// Skips a character; returns false, and does nothing, when another one is next.
     bool Skip(char character) noexcept;
 
-    /// Passes over a character; fails when another one is next.
+    /// Skips a character; fails when another one is next.
     void Expect(char character);
 
-    /// Takes the decimal digits that are next; there may be none.
-    std::string_view TakeDigits() noexcept;
+    /// Reads the decimal digits that are next; there may be none.
+    std::string_view ReadDigits() noexcept;
 
-    /// Takes a number of exactly two digits.
+    /// Reads a number of exactly two digits.
     /// name  what it is, for errors
-    unsigned TakeTwoDigits(std::string_view name, unsigned minimum, unsigned maximum);
+    unsigned ReadTwoDigits(std::string_view name, unsigned minimum, unsigned maximum);
 
-    /// Takes a "." and the digits behind it, if a "." is next. Returns nanoseconds, further digits dropped; empty when
+    /// Reads a "." and the digits behind it, if a "." is next. Returns nanoseconds, further digits dropped; empty when
     /// there is no fraction.
-    std::optional<std::int64_t> TakeFraction();
+    std::optional<std::int64_t> ReadFraction();
 
     /// What is left as errors quote it: cut short, on one line.
     std::string QuoteRest() const;

@@ -1,7 +1,7 @@
 #include "configuration/node/binding/subscription.h"
-#include "configuration/node/place.h"
+#include "configuration/node/location.h"
 
-#include <zarn/configuration/event/changed.h>
+#include <zarn/configuration/event.h>
 #include <zarn/configuration/node.h>
 
 #include <boost/json/value.hpp>
@@ -12,7 +12,7 @@
 
 namespace zarn::configuration {
 
-Node::Node(node::Place const& place) : treeMutex(place.treeMutex), key(place.key), path(place.path) {}
+Node::Node(node::Location const& location) : treeMutex(location.treeMutex), key(location.key), path(location.path) {}
 
 Node::~Node() = default;
 

@@ -1,7 +1,7 @@
-#include "job/thread.h"
-
 #include <zarn/job/dynamic_thread_pool.h>
 #include <zarn/logging/limited_logger.h>
+
+#include <pthread.h>
 
 #include <algorithm>
 #include <condition_variable>
@@ -18,16 +18,26 @@ namespace zarn::job {
 
 namespace {
 
-// Room for an XML document at gSOAP's nesting limit of 10,000 elements, which takes about 1 MiB as a DOM. Only touched
-// pages cost memory, so that a waiting thread stays cheap. Sanitizers make every frame larger.
-#ifdef ZARN_SANITIZED
-constexpr std::size_t StackSize = std::size_t{16} << 20U;
-#else
-constexpr std::size_t StackSize = std::size_t{2} << 20U;
-#endif
-
 /// Longer waits would overflow the clock.
 constexpr std::chrono::seconds MaximumIdle = std::chrono::hours(24 * 365);
+
+void* RunThread(void* argument) {
+    std::unique_ptr<std::function<void()>> const function(static_cast<std::function<void()>*>(argument));
+    pthread_setname_np(pthread_self(), "zarn.job"); // for debuggers and top; a failure changes nothing
+    (*function)();
+    return nullptr;
+}
+
+/// Starts a thread, which has to be joined by its own pthread_self(): only the thread that starts a std::thread could
+/// join it. Throws std::system_error when the thread cannot be started.
+/// function  must not throw
+void StartThread(std::function<void()> function) {
+    auto argument = std::make_unique<std::function<void()>>(std::move(function));
+    pthread_t unused{};
+    int const error = pthread_create(&unused, nullptr, &RunThread, argument.get());
+    if (error != 0) throw std::system_error(error, std::generic_category(), "Failed to start a thread");
+    static_cast<void>(argument.release()); // the thread has it
+}
 
 } // namespace
 
@@ -48,7 +58,8 @@ public:
     std::size_t GetIdleCount() const;
 
 private:
-    /// What a thread waits with. It has a condition variable of its own, so that the pool chooses who wakes up.
+    /// What a thread waits with. It has a condition variable of its own, so that the pool chooses which thread wakes
+    /// up.
     struct Worker {
         std::condition_variable wake;
         Job job;
@@ -70,9 +81,9 @@ private:
 
     mutable std::mutex mutex; ///< guards the members below and the jobs of the waiting workers
     std::condition_variable ended;
-    std::vector<Worker*> waiting;     ///< the one that became idle last is at the end
-    std::size_t threads = 0;          ///< started or being started, and not yet ending
-    std::optional<ThreadHandle> last; ///< the last thread that went; it joins the one before it
+    std::vector<Worker*> waiting;  ///< the one that became idle last is at the end
+    std::size_t threads = 0;       ///< started or being started, and not yet ending
+    std::optional<pthread_t> last; ///< the last thread that went; it joins the one before it
     bool stopped = false;
 };
 
@@ -127,7 +138,7 @@ void DynamicThreadPool::Impl::Start(Job& first) {
     try {
         auto const shared = std::make_shared<Job>(std::move(first));
         try {
-            StartThread(StackSize, [this, shared] { Work(std::move(*shared)); });
+            StartThread([this, shared] { Work(std::move(*shared)); });
         } catch (...) {
             first = std::move(*shared);
             throw;
@@ -150,11 +161,11 @@ void DynamicThreadPool::Impl::Work(Job first) {
         if (worker.job) Run(std::move(worker.job));
         lock.lock();
     } while (WaitForJob(lock, worker));
-    auto const previous = std::exchange(last, GetCurrentThread());
+    auto const previous = std::exchange(last, pthread_self());
     --threads;
     ended.notify_all();
     lock.unlock();
-    if (previous) JoinThread(*previous);
+    if (previous) pthread_join(*previous, nullptr);
 }
 
 /// Runs the job and destroys it. This is the boundary for what jobs throw.
@@ -194,7 +205,7 @@ void DynamicThreadPool::Impl::Stop() {
     ended.wait(lock, [this] { return threads == 0; });
     auto const thread = std::exchange(last, std::nullopt);
     lock.unlock();
-    if (thread) JoinThread(*thread);
+    if (thread) pthread_join(*thread, nullptr);
 }
 
 std::size_t DynamicThreadPool::Impl::GetThreadCount() const {
@@ -219,7 +230,5 @@ void DynamicThreadPool::Stop() { impl->Stop(); }
 std::size_t DynamicThreadPool::GetThreadCount() const { return impl->GetThreadCount(); }
 
 std::size_t DynamicThreadPool::GetIdleCount() const { return impl->GetIdleCount(); }
-
-std::size_t DynamicThreadPool::GetStackSize() noexcept { return StackSize; }
 
 } // namespace zarn::job

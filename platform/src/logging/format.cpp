@@ -1,8 +1,11 @@
 #include <zarn/logging/format.h>
 #include <zarn/text/character.h>
 
+#include <boost/algorithm/hex.hpp>
+
 #include <charconv>
 #include <cstddef>
+#include <iterator>
 #include <optional>
 
 namespace zarn::logging {
@@ -27,15 +30,13 @@ std::optional<Placeholder> ReadPlaceholder(std::string_view text) {
 
 /// One character as it may stand in a line.
 std::string Escape(std::string_view character) {
-    constexpr std::string_view Digits = "0123456789abcdef";
     if (character == "\n") return "\\n";
     if (character == "\r") return "\\r";
     if (character == "\t") return "\\t";
     std::string escaped;
-    for (unsigned char const byte : character) {
+    for (char const byte : character) {
         escaped += "\\x";
-        escaped += Digits[byte >> 4U];
-        escaped += Digits[byte & 0xfU];
+        boost::algorithm::hex_lower(&byte, &byte + 1, std::back_inserter(escaped));
     }
     return escaped;
 }

@@ -7,9 +7,10 @@
 #include <spdlog/sinks/stdout_sinks.h>
 
 #include <algorithm>
-#include <array>
 #include <atomic>
+#include <bit>
 #include <mutex>
+#include <utility>
 #include <vector>
 
 namespace zarn::logging {
@@ -21,21 +22,12 @@ namespace {
 constinit std::atomic<Level> Least{Level::Info};     ///< of standard error
 constinit std::atomic<Level> Threshold{Level::Info}; ///< of standard error and all listeners
 
-struct SpdlogLevel {
-    Level level;
-    spdlog::level::level_enum spdlog;
-};
+constexpr int LevelCount = spdlog::level::off; // which is no level
 
-constexpr std::array SpdlogLevels{
-    SpdlogLevel{Level::Critical, spdlog::level::critical}, SpdlogLevel{Level::Error, spdlog::level::err},
-    SpdlogLevel{Level::Warning, spdlog::level::warn},      SpdlogLevel{Level::Info, spdlog::level::info},
-    SpdlogLevel{Level::Debug, spdlog::level::debug},
-};
-
-spdlog::level::level_enum ToSpdlog(Level level) {
-    auto const* row =
-        std::ranges::find_if(SpdlogLevels, [level](SpdlogLevel const& each) { return each.level <= level; });
-    return row == SpdlogLevels.end() ? spdlog::level::trace : row->spdlog;
+/// The levels are powers of two, spdlog's are counted.
+spdlog::level::level_enum ToSpdlog(Level level) noexcept {
+    auto const index = static_cast<int>(std::bit_width(static_cast<unsigned>(level))) - 1;
+    return static_cast<spdlog::level::level_enum>(std::clamp(index, 0, LevelCount - 1));
 }
 
 } // namespace
@@ -97,5 +89,27 @@ void SetLevel(Level least) { Output::Get().SetLevel(least); }
 Level GetLevel() noexcept { return Least; }
 
 bool IsEnabled(Level level) noexcept { return level >= Threshold.load(std::memory_order_relaxed); }
+
+std::string_view ToString(Level level) noexcept {
+    auto const name = spdlog::level::to_string_view(ToSpdlog(level));
+    return {name.data(), name.size()};
+}
+
+std::optional<Level> LevelFromString(std::string_view name) noexcept {
+    for (int i = 0; i < LevelCount; ++i) {
+        auto const level = static_cast<Level>(1U << static_cast<unsigned>(i));
+        if (ToString(level) == name) return level;
+    }
+    return std::nullopt;
+}
+
+Logger::Logger(std::string name) : name(std::move(name)) {
+    // A static logger may be used while the process ends: the output has to be constructed before it.
+    Output::Get();
+}
+
+void Logger::Write(Level level, std::string const& text) const {
+    Output::Get().Write(Line{level, name, ToLine(text, MaximumLineLength)});
+}
 
 } // namespace zarn::logging

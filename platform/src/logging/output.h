@@ -8,7 +8,7 @@
 
 namespace zarn::logging {
 
-/// Where the lines of all loggers go: standard error, and whoever listens. Thread: any.
+/// Where the lines of all loggers go: standard error and the listeners. Thread: any.
 class Output {
 public:
     /// Gets every line of its level or above, one at a time; must not log.

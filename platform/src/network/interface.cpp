@@ -1,5 +1,6 @@
 #include <zarn/network/interface.h>
 
+#include <boost/algorithm/hex.hpp>
 #include <ifaddrs.h>
 #include <linux/if_packet.h>
 #include <net/if.h>
@@ -25,11 +26,10 @@ using boost::asio::ip::network_v4;
 
 /// Lower-case hex pairs joined with ":".
 std::string FormatHardwareAddress(std::span<unsigned char const> bytes) {
-    constexpr std::string_view Digits = "0123456789abcdef";
     std::string text;
     for (auto const byte : bytes) {
         if (!text.empty()) text += ':';
-        text += {Digits[byte >> 4U], Digits[byte & 0xfU]};
+        boost::algorithm::hex_lower(&byte, &byte + 1, std::back_inserter(text));
     }
     return text;
 }

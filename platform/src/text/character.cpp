@@ -82,6 +82,20 @@ std::string_view CutShort(std::string_view text, std::size_t most) noexcept {
     return text.substr(0, most);
 }
 
+std::string PercentEncode(std::string_view text, bool (*isKept)(char)) {
+    constexpr std::string_view Digits = "0123456789ABCDEF";
+    std::string encoded;
+    encoded.reserve(text.size());
+    for (char const each : text) {
+        auto const byte = static_cast<unsigned char>(each);
+        if (isKept(each))
+            encoded += each;
+        else
+            encoded += {'%', Digits[byte >> 4U], Digits[byte & 0xfU]};
+    }
+    return encoded;
+}
+
 std::string_view Trim(std::string_view text, std::string_view characters) noexcept {
     text.remove_prefix(std::min(text.find_first_not_of(characters), text.size()));
     text.remove_suffix(text.size() - (text.find_last_not_of(characters) + 1));

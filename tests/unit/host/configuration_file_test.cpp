@@ -2,7 +2,7 @@
 #include "host/settings.h"
 #include "support/temporary_folder.h"
 
-#include <zarn/configuration/layer.h>
+#include <zarn/configuration/node.h>
 #include <zarn/configuration/node/primitive.h>
 #include <zarn/onvif/settings.h>
 

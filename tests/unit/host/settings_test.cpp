@@ -2,7 +2,7 @@
 #include "support/source_file.h"
 
 #include <zarn/configuration/error.h>
-#include <zarn/configuration/layer.h>
+#include <zarn/configuration/node.h>
 #include <zarn/configuration/node/primitive.h>
 
 #include <boost/json/parse.hpp>

@@ -24,6 +24,7 @@ set(sources
   protocol/network/udp/sender_test.cpp
   protocol/network/udp/unwatchable.cpp)
 set(heap_sources
+  onvif/discovery/response_memory_test.cpp
   protocol/network/udp/failing_new.cpp
   protocol/network/udp/membership_test.cpp
   protocol/network/udp/unreadable_group_test.cpp

@@ -15,7 +15,6 @@ set(sources
   meta/data/sample_meta_test.cpp
   meta/data/zone_test.cpp
   meta/meta_test.cpp
-  meta/point_test.cpp
   object/container/typed_view_test.cpp
   onvif/events/handler_test.cpp
   onvif/events/subscription_gauge_test.cpp)

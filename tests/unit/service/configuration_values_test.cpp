@@ -1,7 +1,5 @@
 #include <service/onvif/configuration_values.h>
-#include <zarn/configuration/event/added.h>
-#include <zarn/configuration/event/changed.h>
-#include <zarn/configuration/event/removed.h>
+#include <zarn/configuration/event.h>
 #include <zarn/configuration/node/primitive.h>
 #include <zarn/configuration/schema.h>
 #include <zarn/object/bad_cast.h>

@@ -57,6 +57,12 @@ TEST(Discovery, AnswersNothingWithPortZeroUntilItIsToldThePort) {
     });
 }
 
+TEST(Discovery, TellsPortZeroWhenItIsToldThatAfterAnother) {
+    Discovery discovery(Identity(), 8080, false);
+    discovery.SetPort(0);
+    EXPECT_THAT(Ask(discovery).GetXML(), HasSubstr("http://" + Address() + ":0/onvif/device_service"));
+}
+
 TEST(Discovery, AnswersAtOnceWithAPort) {
     OnOwnNetwork([] {
         Discovery const discovery(Identity(), 8080, false);

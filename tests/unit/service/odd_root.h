@@ -1,7 +1,7 @@
 #pragma once
 
 #include "configuration/node/children.h"
-#include "configuration/node/place.h"
+#include "configuration/node/location.h"
 
 #include <zarn/configuration/node/dynamic.h>
 #include <zarn/configuration/node/root.h>
@@ -16,15 +16,15 @@ namespace zarn::test {
 /// A collection that holds something that is no map, which no schema brings about.
 class OddCollection : public configuration::node::Dynamic {
 public:
-    explicit OddCollection(configuration::node::Place const& place) : Dynamic(place, nullptr) {
-        children->Put(std::make_shared<configuration::node::Undescribed>(MakePlace("1"), "no map"));
+    explicit OddCollection(configuration::node::Location const& place) : Dynamic(place, nullptr) {
+        children->Put(std::make_shared<configuration::node::Undescribed>(MakeLocation("1"), "no map"));
     }
 };
 
 /// A configuration whose `channels` are one.
 class OddRoot : public configuration::node::Root {
 public:
-    OddRoot() { children->Put(std::make_shared<OddCollection>(MakePlace("channels"))); }
+    OddRoot() { children->Put(std::make_shared<OddCollection>(MakeLocation("channels"))); }
 };
 
 } // namespace zarn::test

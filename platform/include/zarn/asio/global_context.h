@@ -8,20 +8,22 @@ class io_context;
 
 namespace zarn::asio {
 
+class IoContext;
+
 /// A handle to the I/O context of the process and the one thread that runs it. The first handle makes the context and
 /// starts the thread; copies share it; the last one stops the thread, waits for it and destroys the context. A handle
-/// made after that starts anew, with another context.
+/// made after that makes another context.
 ///
-/// Whoever calls something of the context, such as posting a handler or starting a timer, holds a handle until the call
-/// has returned. Whatever is bound to the context, such as a timer, must be destroyed before the last handle: keep a
-/// handle beside it, declared before it. A handler that has not begun when the last handle goes is destroyed without
-/// having run, on the thread that lets the handle go. A handler must not own a handle that is waiting in the context
-/// itself, since the two would keep each other alive.
+/// A thread that calls something of the context, such as posting a handler or starting a timer, holds a handle until
+/// the call has returned. Whatever is bound to the context, such as a timer, must be destroyed before the last handle:
+/// keep a handle beside it, declared before it. A handler that has not begun when the last handle goes is destroyed
+/// without having run, on the thread that lets the handle go. A handler must not own a handle that is waiting in the
+/// context itself, since the two would keep each other alive.
 ///
 /// The last handle may also go on the context's own thread, within a handler. It does not wait then: the thread ends
-/// after that handler, destroys the context itself and is joined by the end of the process at the latest. Who must be
-/// sure that nothing runs any more, such as the owner of static state, keeps a handle of his own and lets it go
-/// elsewhere.
+/// after that handler, which must not wait for other threads any more. The thread that makes the next handle waits for
+/// it and destroys the context, or the end of the process does. To be sure that nothing runs any more, the owner of
+/// static state keeps a handle and lets it go elsewhere.
 ///
 /// What a handler throws is logged and goes no further; the others run on.
 /// Thread: any; one handle is used by one thread at a time, as usual. A handle must not go while its thread holds a
@@ -41,8 +43,7 @@ public:
     boost::asio::io_context& Get() const noexcept;
 
 private:
-    class Context;
-    std::shared_ptr<Context> context;
+    std::shared_ptr<IoContext> context;
 };
 
 } // namespace zarn::asio

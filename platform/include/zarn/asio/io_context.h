@@ -25,7 +25,7 @@ public:
     IoContext& operator=(IoContext const&) = delete;
 
     /// The context; the reference holds as long as this object lives. Thread: any.
-    boost::asio::io_context& Get() noexcept;
+    boost::asio::io_context& Get() const noexcept;
 
     /// Ends the threads after the handlers that are running and waits for them: when it returns, no handler runs or
     /// will run, so that what handlers use may be taken apart. Stopping twice is harmless. From within a handler it

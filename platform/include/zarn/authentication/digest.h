@@ -5,22 +5,22 @@
 
 namespace zarn::authentication {
 
-/// What the client's answer to a digest challenge is made of. Source: RFC 2617, 3.2.2.
+/// What the `response` of digest credentials is made of. Source: RFC 7616, 3.4.
 struct DigestInput {
     std::string_view ha1; ///< 32 lower-case hexadecimal characters
     std::string_view method;
     std::string_view uri;
     std::string_view nonce;
-    std::string_view nonceCount;
-    std::string_view clientNonce;
-    std::string_view qop; ///< empty: the older form, without nonce count and client nonce
+    std::string_view nc;
+    std::string_view cnonce;
+    std::string_view qop; ///< empty: the form of RFC 2069, without nc and cnonce
 };
 
-/// The answer that proves knowledge of HA1, as 32 lower-case hexadecimal characters.
-/// Throws std::runtime_error when OpenSSL has no MD5. Thread: any. Source: RFC 2617, 3.2.2.1.
+/// The response that proves knowledge of HA1, as 32 lower-case hexadecimal characters.
+/// Throws std::runtime_error when OpenSSL has no MD5. Thread: any. Source: RFC 7616, 3.4.1.
 std::string MakeDigestResponse(DigestInput const& input);
 
-/// Whether `response` is that answer, 32 lower-case hexadecimal characters; compared in constant time.
+/// Whether `response` is that response, 32 lower-case hexadecimal characters; compared in constant time.
 /// Throws std::runtime_error when OpenSSL has no MD5. Thread: any.
 bool IsDigestResponse(DigestInput const& input, std::string_view response);
 

@@ -10,12 +10,13 @@ namespace zarn::configuration {
 /// never quoted.
 class Error : public std::runtime_error {
 public:
-    /// path     the dotted path of the node at fault; empty for the root
-    /// message  what is wrong, without the path
-    Error(std::string const& path, std::string const& message);
+    /// nodePath  the dotted path of the node at fault; empty for the root
+    /// message   what is wrong, without the path
+    Error(std::string const& nodePath, std::string const& message)
+        : std::runtime_error(nodePath.empty() ? message : nodePath + ": " + message), path(nodePath) {}
 
     /// The dotted path of the node at fault; empty for the root.
-    std::string const& GetPath() const noexcept;
+    std::string const& GetPath() const noexcept { return path; }
 
 private:
     std::string path;

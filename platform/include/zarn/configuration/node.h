@@ -1,11 +1,9 @@
 #pragma once
 
 #include <zarn/configuration/event.h>
-#include <zarn/configuration/layer.h>
-#include <zarn/configuration/lock.h>
-#include <zarn/configuration/node/binding/option.h>
 #include <zarn/object/typed.h>
 #include <zarn/type/binding.h>
+#include <zarn/type/flags.h>
 
 #include <boost/json/fwd.hpp>
 
@@ -13,6 +11,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace zarn::configuration {
@@ -23,13 +22,53 @@ class Notification;
 namespace node {
 
 class Map;
-struct Place;
+struct Location;
 
 namespace binding {
+
 class Subscription;
-}
+
+/// How Node::Bind binds a callback.
+enum class Option : unsigned short {
+    /// The current value is delivered once, as event::Changed of the bound node, before Bind returns.
+    DeliverCurrent = 1,
+};
+
+/// A set of options.
+using Options = type::Flags<Option, unsigned short, 64>;
+
+} // namespace binding
 
 } // namespace node
+
+/// Which of its values a node is asked for.
+enum class Layer {
+    /// What belongs into the file: overrides are left out, and so are read-only values and optional members that the
+    /// file did not state and that hold their default. Write-only values are in it.
+    Persisted,
+    /// What holds now, overrides included. Write-only values are left out, and so are optional members that are
+    /// not stated.
+    Effective,
+    /// What holds when nothing is stated. Write-only values are left out; collections are empty.
+    Default,
+};
+
+/// Holds the lock of a whole configuration tree until it is destroyed, see Node::GetLock.
+/// Move-only; belongs to the thread that took it.
+class Lock {
+public:
+    /// Takes the lock, waiting for it when another thread has it.
+    explicit Lock(std::shared_ptr<std::recursive_mutex> treeMutex) : mutex(std::move(treeMutex)), guard(*mutex) {}
+
+    Lock(Lock&&) noexcept = default;
+    Lock& operator=(Lock&&) = delete;
+    ~Lock() = default;
+
+private:
+    /// Keeps the mutex alive when the tree goes first; declared first, so that it outlives the guard.
+    std::shared_ptr<std::recursive_mutex> mutex;
+    std::unique_lock<std::recursive_mutex> guard;
+};
 
 /// A node of the configuration tree: a value (node::Value), a map of nodes (node::Map), a collection of maps that can
 /// be added and removed (node::Dynamic), or the tree itself (node::Root).
@@ -38,8 +77,8 @@ class Subscription;
 /// key and path never change. Nodes are held by shared pointers; a node that was removed from its collection, or whose
 /// tree is gone, can still be read.
 ///
-/// Thread: any thread may call anything at any time. A single read is always of one state; whoever needs several reads
-/// to be of the same state holds GetLock meanwhile.
+/// Thread: any thread may call anything at any time. A single read is always of one state; hold GetLock
+/// for several reads of the same state.
 class Node : public object::Typed<Node>, public std::enable_shared_from_this<Node> {
 public:
     static constexpr char const* TypeName = "zarn.configuration.Node";
@@ -84,7 +123,7 @@ public:
     /// callback  must not be empty (throws std::invalid_argument)
     [[nodiscard]] type::Binding Bind(Callback callback, node::binding::Options options = {});
 
-    /// Whether somebody gave this node a value: it is in what was last read by FromJson, differs from its default, or
+    /// Whether this node was given a value: it is in what was last read by FromJson, differs from its default, or
     /// is overridden. A map is stated when it was read or when anything in it is stated.
     virtual bool IsStated() const = 0;
 
@@ -98,7 +137,7 @@ public:
     boost::json::value GetSchema() const;
 
 protected:
-    explicit Node(node::Place const& place);
+    explicit Node(node::Location const& location);
 
 private:
     friend class Notification;

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <zarn/configuration/schema/option.h>
 #include <zarn/configuration/schema/rule.h>
+#include <zarn/type/flags.h>
 
 #include <boost/json/fwd.hpp>
 
@@ -15,6 +15,19 @@
 namespace zarn::configuration {
 
 namespace schema {
+
+/// What is special about a node.
+enum class Option : unsigned short {
+    /// The program sets it; text, JSON and files must not change it, and files do not hold it.
+    ReadOnly = 1,
+    /// It can be set, and files hold it, but it is never shown, nor quoted in errors.
+    WriteOnly = 2,
+    /// Files hold it only when they did before or when it differs from its default.
+    Optional = 4,
+};
+
+/// A set of options.
+using Options = type::Flags<Option, unsigned short, 64>;
 
 class Description;
 

@@ -3,15 +3,16 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace zarn::container {
 
-/// An immutable run of bytes, shared between those who produce and those who send or parse it.
+/// An immutable run of bytes, shared by the code that makes it and the code that sends or parses it.
 /// Thread: any; its bytes never change after construction.
 class Buffer {
 public:
     /// Takes over the bytes of `bytes`.
-    explicit Buffer(std::string&& bytes) noexcept;
+    explicit Buffer(std::string&& bytes) noexcept : bytes(std::move(bytes)) {}
 
     Buffer(Buffer const&) = delete;
     Buffer& operator=(Buffer const&) = delete;

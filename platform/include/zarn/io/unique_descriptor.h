@@ -6,8 +6,8 @@
 
 namespace zarn::io {
 
-/// Owns a file descriptor and closes it. A negative one is none, so that the result of a system call can be given as it
-/// is and tested afterwards.
+/// Owns a file descriptor and closes it. Takes the result of a system call as it is:
+/// a negative number stands for no descriptor.
 class UniqueDescriptor {
 public:
     explicit UniqueDescriptor(int descriptor = -1) noexcept : descriptor(descriptor) {}

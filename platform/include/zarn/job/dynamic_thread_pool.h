@@ -11,7 +11,6 @@ namespace zarn::job {
 /// wait as long as it likes without holding up another. The caller bounds the number of jobs.
 ///
 /// An idle thread waits without waking up; the one that became idle last gets the next job, so that the others can go.
-/// Each thread has a stack of its own, fixed size (see GetStackSize), of which only the part in use costs memory.
 /// Thread: any, except that Stop and the destructor must not be called by a job of the same pool.
 class DynamicThreadPool {
 public:
@@ -43,9 +42,6 @@ public:
 
     /// The number of threads that wait for a job.
     std::size_t GetIdleCount() const;
-
-    /// The stack size in bytes of every pool thread.
-    static std::size_t GetStackSize() noexcept;
 
 private:
     class Impl;

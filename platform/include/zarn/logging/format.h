@@ -12,7 +12,7 @@
 namespace zarn::logging {
 
 /// Puts arguments into the numbered placeholders of a format: `%0%` is the first argument, `%1%` the second.
-/// Placeholders may stand in any order and be repeated. One without an argument, and any other "%", stays as it is.
+/// Placeholders may stand in any order and be repeated. One without an argument, and any other "%", is kept.
 /// Arguments are put in as they are: a placeholder inside an argument is not looked at.
 std::string Format(std::string_view format, std::span<std::string const> arguments);
 

@@ -19,7 +19,7 @@ enum class Level : unsigned {
 /// A number between two levels has the name of the lower one; below Trace it is "trace".
 std::string_view ToString(Level level) noexcept;
 
-/// The level with that lower-case name; empty when there is none.
+/// The level with that lower-case name; empty for an unknown name.
 std::optional<Level> LevelFromString(std::string_view name) noexcept;
 
 } // namespace zarn::logging

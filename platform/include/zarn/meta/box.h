@@ -1,8 +1,25 @@
 #pragma once
 
-#include <zarn/meta/point.h>
-
 namespace zarn::meta {
+
+/// A place in a picture: fractions of its width and height from its top left corner, y downwards, so that it holds for
+/// every size at which the picture is looked at. (0, 0) is the top left corner, (1, 1) the bottom right one; a place
+/// beyond the edges is one too, for trackers follow objects that leave the picture.
+class Point {
+public:
+    /// Throws std::invalid_argument when one of the two is not a finite number.
+    Point(double x, double y);
+
+    double GetX() const noexcept { return x; }
+
+    double GetY() const noexcept { return y; }
+
+    bool operator==(Point const&) const = default;
+
+private:
+    double x;
+    double y;
+};
 
 /// An upright rectangle in a picture. It may be empty, and may reach beyond the picture.
 class Box {

@@ -1,15 +1,22 @@
 #pragma once
 
 #include <zarn/meta/box.h>
-#include <zarn/meta/color.h>
 #include <zarn/meta/data/classification/confidence.h>
-#include <zarn/meta/point.h>
 
 #include <cstdint>
 #include <optional>
 #include <vector>
 
 namespace zarn::meta {
+
+/// A colour, each part from 0 to 255.
+struct Color {
+    std::uint8_t red;
+    std::uint8_t green;
+    std::uint8_t blue;
+
+    bool operator==(Color const&) const = default;
+};
 
 /// What a tracker knows of an object in one frame.
 struct TrackedObject {

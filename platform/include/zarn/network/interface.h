@@ -28,7 +28,8 @@ struct Interface {
 /// Throws std::system_error when the kernel does not answer. Thread: any.
 std::vector<Interface> ReadInterfaces();
 
-/// The address of the first interface that is up, has an address and is no loopback; 127.0.0.1 when there is none.
+/// The address of the first interface that is up, has an address and is not a loopback; 127.0.0.1 without such an
+/// interface.
 boost::asio::ip::address_v4 ChooseLocalAddress(std::span<Interface const> interfaces);
 
 } // namespace zarn::network

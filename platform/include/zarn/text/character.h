@@ -1,9 +1,10 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 
-/// What a text may hold, for those who write it into XML, JSON, a log or a header field.
+/// Which characters a text holds: whether XML, JSON, a log line or a header field can carry it.
 namespace zarn::text {
 
 inline constexpr std::string_view WhiteSpace = " \t\r\n"; ///< of XML. Source: XML 1.0, 2.3
@@ -36,6 +37,9 @@ bool IsXmlLine(std::string_view text) noexcept;
 
 /// The longest beginning of a text of at most `most` bytes that does not end within a character.
 std::string_view CutShort(std::string_view text, std::size_t most) noexcept;
+
+/// A text with every byte for which `isKept` is false as "%XX". Source: RFC 3986, 2.1.
+std::string PercentEncode(std::string_view text, bool (*isKept)(char));
 
 /// A text without the given characters at either end.
 std::string_view Trim(std::string_view text, std::string_view characters = WhiteSpace) noexcept;

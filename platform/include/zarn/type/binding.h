@@ -6,8 +6,8 @@ namespace zarn::type {
 
 /// Keeps something bound, such as a callback to a source of events, for as long as it lives.
 /// Move-only. The release function runs once: when the binding is destroyed, reset or assigned to.
-/// Thread: one thread at a time; what the release function promises (such as that no callback runs any more) is told
-/// by whoever made the binding.
+/// Thread: one thread at a time; what the release function promises (such as that no callback runs any more) is
+/// documented where the binding is made.
 class Binding {
 public:
     /// A binding of nothing.

@@ -18,7 +18,7 @@ public:
 
     virtual protocol::network::http::Method GetMethod() const = 0;
 
-    /// The request target in origin form: path and, behind "?", query; percent-encoded as it came.
+    /// The request target in origin form: path and, behind "?", query; percent-encoded as the client sent it.
     virtual std::string_view GetTarget() const = 0;
 
     /// The body, decoded from its transfer coding.

@@ -11,8 +11,8 @@
 namespace zarn::web {
 
 /// What the web server hands requests to. A service overrides the methods that it answers; the others answer a complete
-/// 405 with the field Allow, and OPTIONS a complete 204 with it. None of them may wait: who needs time returns a
-/// response that is pending. Thread: any number at once.
+/// 405 with the field Allow, and OPTIONS a complete 204 with it. None of them may wait: a service that needs time
+/// returns a pending response. Thread: any number at once.
 class Service {
 public:
     using Response = std::shared_ptr<response::Pending>;

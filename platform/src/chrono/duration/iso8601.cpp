@@ -1,14 +1,15 @@
 #include "chrono/reader.h"
 
+#include <zarn/chrono/add.h>
 #include <zarn/chrono/duration/iso8601.h>
 
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdint>
+#include <limits>
 #include <span>
 #include <string>
-#include <system_error>
 
 namespace zarn::chrono::duration {
 
@@ -38,7 +39,7 @@ std::string Letters(std::span<Unit const> units) {
 /// Adds up the parts of a duration, all of one sign, so that a sum that does not fit never fits again.
 class Sum {
 public:
-    Sum(Reader const& reader, bool negative) : reader(reader), sign(negative ? -1 : 1) {}
+    explicit Sum(bool negative) : sign(negative ? -1 : 1) {}
 
     void Add(std::int64_t number, Unit const& unit) {
         AddProduct(months, number, unit.months);
@@ -53,22 +54,17 @@ public:
         return std::chrono::nanoseconds(nanoseconds);
     }
 
-    [[noreturn]] void FailTooLong() const {
-        reader.Fail("the span does not fit in nanoseconds (it is longer than about 292 years)");
-    }
-
 private:
     void AddProduct(std::int64_t& sum, std::int64_t number, std::int64_t factor) const {
-        std::int64_t product = 0;
-        if (__builtin_mul_overflow(number, sign * factor, &product) || __builtin_add_overflow(sum, product, &sum)) {
-            FailTooLong();
-        }
+        sum = AddSaturated(sum, MultiplySaturated(number, sign * factor));
     }
 
     std::int64_t GetDays(Clock::time_point now) const {
         // More than the clock is long in all; the calendar's own years end at 32767.
-        constexpr std::int64_t longest = std::int64_t{12} * 600;
-        if (months > longest || months < -longest) FailTooLong();
+        constexpr std::int64_t LongestMonths = std::int64_t{12} * 600;
+        constexpr std::int64_t LongestDays = std::int64_t{366} * 600;
+        if (months > LongestMonths) return LongestDays;
+        if (months < -LongestMonths) return -LongestDays;
         auto const today = std::chrono::floor<std::chrono::days>(now);
         std::chrono::year_month_day const from(today);
         std::chrono::year_month const month =
@@ -78,15 +74,15 @@ private:
         return (std::chrono::sys_days(to) - today).count();
     }
 
-    Reader const& reader;
     std::int64_t sign;
     std::int64_t months = 0;
     std::int64_t nanoseconds = 0;
 };
 
-std::int64_t ToNumber(std::string_view digits, Sum const& sum) {
-    std::int64_t number = 0;
-    if (std::from_chars(digits.data(), digits.data() + digits.size(), number).ec != std::errc()) sum.FailTooLong();
+/// The number, or the largest one when it is larger.
+std::int64_t ToNumber(std::string_view digits) {
+    auto number = std::numeric_limits<std::int64_t>::max();
+    std::from_chars(digits.data(), digits.data() + digits.size(), number); // leaves it when there are too many digits
     return number;
 }
 
@@ -94,15 +90,15 @@ std::int64_t ToNumber(std::string_view digits, Sum const& sum) {
 /// any.
 bool ReadParts(Reader& reader, Sum& sum, std::span<Unit const> units) {
     auto next = units.begin();
-    for (auto digits = reader.TakeDigits(); !digits.empty(); digits = reader.TakeDigits()) {
-        auto const fraction = reader.TakeFraction();
+    for (auto digits = reader.ReadDigits(); !digits.empty(); digits = reader.ReadDigits()) {
+        auto const fraction = reader.ReadFraction();
         auto const unit =
             std::find_if(next, units.end(), [&](Unit const& candidate) { return reader.Skip(candidate.letter); });
         if (unit == units.end()) {
             reader.Fail("one of the units " + Letters(units) + ", in this order, expected at " + reader.QuoteRest());
         }
         if (fraction && unit->nanoseconds != Second) reader.Fail("only seconds can have a fraction");
-        sum.Add(ToNumber(digits, sum), *unit);
+        sum.Add(ToNumber(digits), *unit);
         sum.AddNanoseconds(fraction.value_or(0));
         next = unit + 1;
     }
@@ -113,7 +109,7 @@ bool ReadParts(Reader& reader, Sum& sum, std::span<Unit const> units) {
 
 std::chrono::nanoseconds FromIso8601(std::string_view text, Clock::time_point now) {
     Reader reader("ISO 8601 duration", text);
-    Sum sum(reader, reader.Skip('-'));
+    Sum sum(reader.Skip('-'));
     reader.Expect('P');
     bool const hasDateParts = ReadParts(reader, sum, DateUnits);
     bool const hasTime = reader.Skip('T');

@@ -25,10 +25,10 @@ public:
 
     std::size_t GetSize() const;
 
-    /// Puts a child in the place of the one with its key, or behind the others when there is none.
+    /// Replaces the child with the same key, or appends the child.
     void Put(std::shared_ptr<Node> child);
 
-    /// Takes a child out. Returns null when there is none with this key.
+    /// Removes a child and returns it; null when no child has this key.
     std::shared_ptr<Node> Remove(std::string_view key);
 
     /// Replaces all children.
@@ -39,7 +39,7 @@ private:
     List list;
     /// By the keys that the children hold.
     std::unordered_map<std::string_view, std::shared_ptr<Node>> index;
-    /// Made when somebody asks, dropped when the list changes.
+    /// Made on demand, dropped when the list changes.
     mutable std::shared_ptr<List const> snapshot;
 };
 

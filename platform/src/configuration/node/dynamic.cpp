@@ -1,15 +1,12 @@
 #include "configuration/change.h"
 #include "configuration/node/children.h"
-#include "configuration/node/key.h"
-#include "configuration/node/place.h"
+#include "configuration/node/location.h"
 #include "configuration/notification.h"
-#include "configuration/schema/collection_description.h"
+#include "configuration/schema/description.h"
 #include "configuration/schema/quote.h"
 
 #include <zarn/configuration/error.h>
-#include <zarn/configuration/event/added.h>
-#include <zarn/configuration/event/changed.h>
-#include <zarn/configuration/event/removed.h>
+#include <zarn/configuration/event.h>
 #include <zarn/configuration/node/dynamic.h>
 
 #include <boost/json/value.hpp>
@@ -36,15 +33,15 @@ List Select(List const& list, Set const& set, bool contained) {
 
 } // namespace
 
-Dynamic::Dynamic(Place const& place, std::shared_ptr<schema::CollectionDescription const> collectionDescription)
-    : Typed(place), description(std::move(collectionDescription)) {}
+Dynamic::Dynamic(Location const& location, std::shared_ptr<schema::CollectionDescription const> collectionDescription)
+    : Typed(location), description(std::move(collectionDescription)) {}
 
 Dynamic::~Dynamic() = default;
 
 std::shared_ptr<Map> Dynamic::MakeEntry(std::string_view entryKey) const {
     RequireKey(entryKey, GetPath());
     description->CheckKey(entryKey, GetPath());
-    auto entry = std::make_shared<Map>(MakePlace(entryKey));
+    auto entry = std::make_shared<Map>(MakeLocation(entryKey));
     entry->Schema(description->GetEntry());
     MarkRead(*entry);
     return entry;

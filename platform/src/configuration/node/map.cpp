@@ -1,13 +1,14 @@
 #include "configuration/change.h"
 #include "configuration/node/children.h"
-#include "configuration/node/key.h"
-#include "configuration/node/place.h"
+#include "configuration/node/location.h"
 #include "configuration/notification.h"
 #include "configuration/schema/description.h"
 #include "configuration/schema/quote.h"
 
 #include <zarn/configuration/error.h>
 #include <zarn/configuration/node/map.h>
+#include <zarn/configuration/node/primitive.h>
+#include <zarn/configuration/node/root.h>
 #include <zarn/configuration/node/undescribed.h>
 #include <zarn/configuration/schema.h>
 
@@ -18,7 +19,7 @@
 
 namespace zarn::configuration::node {
 
-Map::Map(Place const& place) : Typed(place), children(std::make_unique<Children>()) {}
+Map::Map(Location const& location) : Typed(location), children(std::make_unique<Children>()) {}
 
 Map::~Map() = default;
 
@@ -92,7 +93,7 @@ std::shared_ptr<Node> Map::MakeUnknown(std::string_view childKey, boost::json::v
                                        Change const& change) const {
     RequireKey(childKey, GetPath());
     if (change.GetUnknown() == Unknown::Refuse) throw Error(JoinPath(GetPath(), childKey), "unknown key");
-    return std::make_shared<Undescribed>(MakePlace(childKey), json);
+    return std::make_shared<Undescribed>(MakeLocation(childKey), json);
 }
 
 bool Map::PrepareMissing(Node& child, Change& change) { return child.PrepareAbsent(change); }
@@ -105,7 +106,7 @@ void Map::Rearrange(List after, Notification&) {
 void Map::ReadNew(Node& node, boost::json::value const& json, Unknown unknown) {
     Change change(unknown);
     node.Prepare(json, change);
-    // Nobody can know the node yet, so nobody is told.
+    // The node is not in the tree yet, so it has no listeners.
     Notification unheard;
     change.Apply(unheard);
 }
@@ -169,7 +170,7 @@ std::shared_ptr<Map> Map::RequireMap(std::string_view childKey) {
     if (child && child->Is<Map>()) return std::static_pointer_cast<Map>(child);
     if (child && !child->Is<Undescribed>()) throw Error(child->GetPath(), "a value has no members");
     RequireSchemaAccepted();
-    auto map = std::make_shared<Map>(MakePlace(childKey));
+    auto map = std::make_shared<Map>(MakeLocation(childKey));
     Adopt(map, child.get());
     return map;
 }
@@ -178,7 +179,7 @@ void Map::Describe(std::string_view childKey, schema::Description const& descrip
     auto const child = children->Find(childKey);
     if (child && !child->Is<Undescribed>()) return;
     RequireSchemaAccepted();
-    Adopt(description.Create(MakePlace(childKey)), child.get());
+    Adopt(description.Create(MakeLocation(childKey)), child.get());
 }
 
 void Map::Adopt(std::shared_ptr<Node> const& node, Node const* undescribed) {
@@ -193,12 +194,43 @@ void Map::RequireSchemaAccepted() const {
     if (!AcceptsSchema()) throw Error(GetPath(), "the entries of a collection come from the collection's own schema");
 }
 
-Place Map::MakePlace(std::string_view childKey) const {
+Location Map::MakeLocation(std::string_view childKey) const {
     return {treeMutex, std::string(childKey), JoinPath(GetPath(), childKey)};
 }
 
 void Map::Attach(Node& child) { child.parent = std::static_pointer_cast<Map>(shared_from_this()); }
 
 void Map::Detach(Node& child) { child.parent.reset(); }
+
+void ThrowMissing(char const* typeName, Map const& map, std::string_view path) {
+    throw object::BadCast(typeName, JoinPath(map.GetPath(), path));
+}
+
+// What no schema describes yet
+
+Undescribed::Undescribed(Location const& location, boost::json::value const& json)
+    : Typed(location), content(std::make_unique<boost::json::value>(json)) {}
+
+Undescribed::~Undescribed() = default;
+
+bool Undescribed::IsStated() const { return true; }
+
+void Undescribed::Prepare(boost::json::value const& json, Change& change) {
+    change.Add([this, json](Notification&) { *content = json; });
+}
+
+bool Undescribed::PrepareAbsent(Change&) { return false; }
+
+bool Undescribed::IsWritten(Layer layer) const { return layer == Layer::Persisted; }
+
+boost::json::value Undescribed::Write(Layer) const { return *content; }
+
+boost::json::value Undescribed::WriteSchema() const { return boost::json::object(); }
+
+// The tree
+
+Root::Root() : Typed(Location{std::make_shared<std::recursive_mutex>(), {}, {}}) {}
+
+Root::~Root() = default;
 
 } // namespace zarn::configuration::node

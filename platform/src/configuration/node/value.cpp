@@ -1,10 +1,10 @@
 #include "configuration/change.h"
-#include "configuration/node/place.h"
+#include "configuration/node/location.h"
 #include "configuration/notification.h"
-#include "configuration/schema/value_description.h"
+#include "configuration/schema/description.h"
 
 #include <zarn/configuration/error.h>
-#include <zarn/configuration/event/changed.h>
+#include <zarn/configuration/event.h>
 #include <zarn/configuration/node/value.h>
 
 #include <boost/json/value.hpp>
@@ -13,8 +13,8 @@
 
 namespace zarn::configuration::node {
 
-Value::Value(Place const& place, std::shared_ptr<schema::ValueDescription const> valueDescription)
-    : Typed(place), description(std::move(valueDescription)), current{description->GetDefault(), nullptr, false} {}
+Value::Value(Location const& location, std::shared_ptr<schema::ValueDescription const> valueDescription)
+    : Typed(location), description(std::move(valueDescription)), current{description->GetDefault(), nullptr, false} {}
 
 Value::~Value() = default;
 

@@ -1,7 +1,6 @@
-#include "configuration/schema/value_description.h"
-
-#include "configuration/node/place.h"
+#include "configuration/node/location.h"
 #include "configuration/schema/conversion.h"
+#include "configuration/schema/description.h"
 #include "configuration/schema/quote.h"
 
 #include <zarn/configuration/error.h>
@@ -25,13 +24,13 @@ public:
           defaultValue(Make(std::move(initial))),
           rule(std::move(valueRule)) {}
 
-    std::shared_ptr<Node> Create(node::Place const& place) const override {
+    std::shared_ptr<Node> Create(node::Location const& location) const override {
         return std::make_shared<node::Primitive<T>>(
-            place, std::static_pointer_cast<ValueDescription const>(shared_from_this()));
+            location, std::static_pointer_cast<ValueDescription const>(shared_from_this()));
     }
 
     boost::json::value ToJson() const override {
-        return {{"type", Conversion<T>::JsonType},
+        return {{"type", Conversion<T>::GetJsonType()},
                 {"default", WriteJson(*defaultValue)},
                 {"readOnly", GetOptions().Has(Option::ReadOnly)},
                 {"writeOnly", GetOptions().Has(Option::WriteOnly)},
@@ -81,14 +80,13 @@ private:
 
     void CheckValue(std::string const& path, T const& value) const {
         // What cannot be written cannot be quoted as JSON either.
-        if (!Conversion<T>::IsWritable(value))
-            throw Error(path, std::string("the value is not ") + Conversion<T>::Rule);
+        if (!Conversion<T>::IsWritable(value)) throw Error(path, "the value is not " + Conversion<T>::GetRule());
         if (rule.accepts && !rule.accepts(value)) throw Refusal(path, Quote(Conversion<T>::WriteJson(value)));
     }
 
     Error Refusal(std::string const& path, std::string const& quoted) const {
         return Error(path, (IsSecret() ? "the value" : quoted) + " is not " +
-                               (rule.text.empty() ? Conversion<T>::Rule : rule.text));
+                               (rule.text.empty() ? Conversion<T>::GetRule() : rule.text));
     }
 
     Value const defaultValue;

@@ -1,11 +1,12 @@
-#include "onvif/discovery/xml.h"
-
+#include <zarn/logging/format.h>
 #include <zarn/network/local.h>
 #include <zarn/onvif/discovery/endpoint.h>
 #include <zarn/onvif/discovery/response.h>
 #include <zarn/onvif/discovery/scopes.h>
 #include <zarn/text/character.h>
 
+#include <boost/algorithm/string/erase.hpp>
+#include <boost/algorithm/string/replace.hpp>
 #include <boost/uuid/random_generator.hpp>
 #include <boost/uuid/uuid_io.hpp>
 
@@ -14,40 +15,46 @@
 #include <chrono>
 #include <cstdint>
 #include <new>
-#include <utility>
 
 namespace zarn::onvif::discovery {
 
 namespace {
 
-constexpr char ProbeMatchesAction[] = "http://schemas.xmlsoap.org/ws/2005/04/discovery/ProbeMatches";
+/// The message; its line ends are not sent.
+constexpr std::string_view Message = R"(<?xml version="1.0" encoding="UTF-8"?>
+<SOAP-ENV:Envelope
+ xmlns:SOAP-ENV="http://www.w3.org/2003/05/soap-envelope"
+ xmlns:wsa="http://schemas.xmlsoap.org/ws/2004/08/addressing"
+ xmlns:d="http://schemas.xmlsoap.org/ws/2005/04/discovery"
+ xmlns:dn="http://www.onvif.org/ver10/network/wsdl"
+ xmlns:tds="http://www.onvif.org/ver10/device/wsdl">
+<SOAP-ENV:Header>
+<wsa:MessageID>urn:uuid:%0%</wsa:MessageID>
+<wsa:RelatesTo>%1%</wsa:RelatesTo>
+<wsa:To>%2%</wsa:To>
+<wsa:Action>http://schemas.xmlsoap.org/ws/2005/04/discovery/ProbeMatches</wsa:Action>
+<d:AppSequence InstanceId="%3%" MessageNumber="%4%"/>
+</SOAP-ENV:Header>
+<SOAP-ENV:Body>
+<d:ProbeMatches>
+<d:ProbeMatch>
+<wsa:EndpointReference>
+<wsa:Address>%5%</wsa:Address>
+</wsa:EndpointReference>
+<d:Types>dn:NetworkVideoTransmitter tds:Device</d:Types>
+<d:Scopes>%6%</d:Scopes>
+<d:XAddrs>%7%</d:XAddrs>
+<d:MetadataVersion>1</d:MetadataVersion>
+</d:ProbeMatch>
+</d:ProbeMatches>
+</SOAP-ENV:Body>
+</SOAP-ENV:Envelope>)";
 
-/// The prefixes of the message.
-constexpr std::array Prefixes{
-    std::pair{"xmlns:SOAP-ENV", SoapNamespace}, std::pair{"xmlns:wsa", AddressingNamespace},
-    std::pair{"xmlns:d", DiscoveryNamespace},   std::pair{"xmlns:dn", NetworkNamespace},
-    std::pair{"xmlns:tds", DeviceNamespace},
-};
-
-// The library tells of a lack of memory by what it returns, and goes on with a message that lacks a part.
-
-void Require(bool succeeded) {
-    if (!succeeded) throw std::bad_alloc();
-}
-
-pugi::xml_node Append(pugi::xml_node parent, char const* name) {
-    auto const child = parent.append_child(name);
-    Require(!child.empty());
-    return child;
-}
-
-void Append(pugi::xml_node parent, char const* name, std::string const& text) {
-    Require(Append(parent, name).text().set(text.c_str()));
-}
-
-template <class Value>
-void SetAttribute(pugi::xml_node element, char const* name, Value value) {
-    Require(element.append_attribute(name).set_value(value));
+std::string Escape(std::string text) {
+    boost::replace_all(text, "&", "&amp;");
+    boost::replace_all(text, "<", "&lt;");
+    boost::replace_all(text, ">", "&gt;");
+    return text;
 }
 
 /// When this process first answered, in seconds since 1970: more after each restart.
@@ -57,58 +64,9 @@ std::uint32_t GetInstanceId() {
     return id;
 }
 
-void AppendSequence(pugi::xml_node header) {
+std::uint32_t CountMessage() {
     static std::atomic<std::uint32_t> last = 0;
-    auto const sequence = Append(header, "d:AppSequence");
-    SetAttribute(sequence, "InstanceId", GetInstanceId());
-    SetAttribute(sequence, "MessageNumber", ++last);
-}
-
-std::string MakeServiceAddress(unsigned short port, bool ssl) {
-    return network::MakeLocalWebUrl(ssl, port) + "/onvif/device_service";
-}
-
-void AppendHeader(pugi::xml_node envelope, std::string const& relatesTo, std::string const& address) {
-    auto const header = Append(envelope, "SOAP-ENV:Header");
-    Append(header, "wsa:MessageID", "urn:uuid:" + to_string(boost::uuids::random_generator()()));
-    Append(header, "wsa:RelatesTo", relatesTo);
-    Append(header, "wsa:To", address);
-    Append(header, "wsa:Action", ProbeMatchesAction);
-    AppendSequence(header);
-}
-
-void AppendBody(pugi::xml_node envelope, std::string const& scopes, std::string const& serviceAddress) {
-    auto const match = Append(Append(Append(envelope, "SOAP-ENV:Body"), "d:ProbeMatches"), "d:ProbeMatch");
-    Append(Append(match, "wsa:EndpointReference"), "wsa:Address", GetEndpoint());
-    Append(match, "d:Types", "dn:NetworkVideoTransmitter tds:Device");
-    Append(match, "d:Scopes", scopes);
-    Append(match, "d:XAddrs", serviceAddress);
-    Append(match, "d:MetadataVersion", "1");
-}
-
-struct StringWriter : pugi::xml_writer {
-    explicit StringWriter(std::string& text) : text(text) {}
-
-    void write(void const* data, std::size_t size) override { text.append(static_cast<char const*>(data), size); }
-
-    std::string& text;
-};
-
-/// Throws std::bad_alloc unless there is memory for all of the message.
-std::string Write(std::string const& relatesTo, std::string const& address, std::string const& scopes,
-                  std::string const& serviceAddress) {
-    pugi::xml_document document;
-    auto const declaration = document.append_child(pugi::node_declaration);
-    SetAttribute(declaration, "version", "1.0");
-    SetAttribute(declaration, "encoding", "UTF-8");
-    auto const envelope = Append(document, "SOAP-ENV:Envelope");
-    for (auto const& [name, space] : Prefixes) SetAttribute(envelope, name, space);
-    AppendHeader(envelope, relatesTo, address);
-    AppendBody(envelope, scopes, serviceAddress);
-    std::string text;
-    StringWriter writer(text);
-    document.save(writer, "", pugi::format_raw, pugi::encoding_utf8);
-    return text;
+    return ++last;
 }
 
 } // namespace
@@ -117,7 +75,15 @@ Response::Response(std::string const& relatesTo, std::string const& address, uns
                    utilities::name::Config nameConfig) { // NOLINT: by value as callers link it
     if (relatesTo.empty() || !text::IsXmlLine(relatesTo) || !text::IsXmlLine(address)) return;
     try {
-        xml = Write(relatesTo, address, MakeScopes(nameConfig), MakeServiceAddress(port, ssl));
+        std::array<std::string, 8> const arguments{to_string(boost::uuids::random_generator()()),
+                                                   Escape(relatesTo),
+                                                   Escape(address),
+                                                   std::to_string(GetInstanceId()),
+                                                   std::to_string(CountMessage()),
+                                                   GetEndpoint(),
+                                                   Escape(MakeScopes(nameConfig)),
+                                                   network::MakeLocalWebUrl(ssl, port) + "/onvif/device_service"};
+        xml = logging::Format(boost::erase_all_copy(std::string(Message), "\n"), arguments);
     } catch (std::bad_alloc const&) {
         xml.clear(); // not valid
     }

@@ -1,4 +1,5 @@
 #include <zarn/onvif/discovery/scopes.h>
+#include <zarn/text/character.h>
 
 #include <boost/algorithm/string/join.hpp>
 #include <boost/algorithm/string/predicate.hpp>
@@ -34,22 +35,12 @@ constexpr std::array Scopes{
     Scope{"name", &Config::GetProductName},
 };
 
-constexpr std::string_view LettersAndDigits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789";
-constexpr std::string_view OtherUnescaped = "-._~/";
-
 std::string Encode(std::string_view text) {
-    constexpr std::string_view Digits = "0123456789ABCDEF";
-    std::string encoded;
-    for (auto const each : text) {
-        auto const byte = static_cast<unsigned char>(each);
-        if (LettersAndDigits.find(each) != std::string_view::npos ||
-            OtherUnescaped.find(each) != std::string_view::npos) {
-            encoded += each;
-        } else {
-            encoded += {'%', Digits[byte >> 4U], Digits[byte & 0xfU]};
-        }
-    }
-    return encoded;
+    return text::PercentEncode(text, [](char each) {
+        constexpr std::string_view Others = "-._~/";
+        return (each >= '0' && each <= '9') || (each >= 'A' && each <= 'Z') || (each >= 'a' && each <= 'z') ||
+               Others.find(each) != Others.npos;
+    });
 }
 
 /// The scopes, the texts of the identity in the form that `toForm` gives them.

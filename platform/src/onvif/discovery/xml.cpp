@@ -1,21 +1,16 @@
 #include "onvif/discovery/xml.h"
 
-#include <zarn/text/character.h>
-
 #include <boost/algorithm/string/predicate.hpp>
+#include <expat.h>
 
-#include <algorithm>
-#include <array>
-#include <charconv>
-#include <iterator>
-#include <system_error>
+#include <memory>
 
 namespace zarn::onvif::discovery {
 
 namespace {
 
 /// Every resolving of a prefix looks through the attributes of an element and those around it.
-constexpr std::ptrdiff_t MaximumAttributes = 64;
+constexpr int MaximumAttributes = 64;
 
 /// A name as it is written.
 struct Written {
@@ -37,7 +32,7 @@ bool Declares(std::string_view attribute, std::string_view prefix) {
            attribute[Declaration.size()] == ':' && attribute.ends_with(prefix);
 }
 
-/// The namespace of a prefix at an element; empty when there is none.
+/// The namespace of a prefix at an element; empty when the prefix is not declared.
 std::string_view FindNamespace(pugi::xml_node element, std::string_view prefix) {
     for (auto each = element; each.type() == pugi::node_element; each = each.parent()) {
         for (auto const attribute : each.attributes()) {
@@ -47,161 +42,57 @@ std::string_view FindNamespace(pugi::xml_node element, std::string_view prefix) 
     return {};
 }
 
-/// True unless an attribute is given twice. Only for an element with few of them.
-bool HasDistinctAttributes(pugi::xml_node element) {
-    auto const attributes = element.attributes();
-    return std::none_of(attributes.begin(), attributes.end(), [&](pugi::xml_attribute const& each) {
-        return std::any_of(attributes.begin(), attributes.end(), [&](pugi::xml_attribute const& other) {
-            return each != other && std::string_view(each.name()) == other.name();
-        });
-    });
-}
-
-/// Looks at every element of a document.
-struct Bounds : pugi::xml_tree_walker {
-    explicit Bounds(int maximumDepth) : maximumDepth(maximumDepth) {}
-
-    bool for_each(pugi::xml_node& node) override {
-        auto const attributes = node.attributes();
-        return depth() < maximumDepth && std::distance(attributes.begin(), attributes.end()) <= MaximumAttributes &&
-               HasDistinctAttributes(node);
-    }
-
-    int maximumDepth;
-};
-
-/// True when what stands beside the root element is harmless, and there is one root element.
-bool HasPlainProlog(pugi::xml_document const& document) {
-    auto const children = document.children();
-    auto const isRoot = [](pugi::xml_node const& each) { return each.type() == pugi::node_element; };
-    auto const isHarmful = [](pugi::xml_node const& each) {
-        if (each.type() == pugi::node_doctype) return true;
-        auto const encoding = each.attribute("encoding");
-        return each.type() == pugi::node_declaration && encoding && !boost::iequals(encoding.value(), "UTF-8");
-    };
-    return std::count_if(children.begin(), children.end(), isRoot) == 1 &&
-           std::none_of(children.begin(), children.end(), isHarmful);
-}
-
-/// The number of a character reference, which begins after "&#"; 0 for what is none, and for one that is too large.
-unsigned ReadNumber(std::string_view digits) {
-    int base = 10;
-    if (digits.starts_with('x')) {
-        digits.remove_prefix(1);
-        base = 16;
-    }
-    unsigned number = 0;
-    auto const* const end = digits.data() + digits.size();
-    auto const [stop, error] = std::from_chars(digits.data(), end, number, base);
-    return error == std::errc() && stop == end ? number : 0;
-}
-
-/// True for what stands between "&" and ";" when it refers to a character. There are no entities but those of XML, as
-/// there is no document type.
-bool IsReference(std::string_view text) {
-    constexpr std::array<std::string_view, 5> Entities{"lt", "gt", "amp", "apos", "quot"};
-    if (text.starts_with('#')) return ReadNumber(text.substr(1)) != 0;
-    return std::ranges::find(Entities, text) != Entities.end();
-}
-
-/// True when every "&" of a text begins a reference.
-bool HasGoodReferences(std::string_view text) {
-    for (auto at = text.find('&'); at != std::string_view::npos; at = text.find('&', at)) {
-        ++at;
-        auto const end = text.find(';', at);
-        if (end == std::string_view::npos || !IsReference(text.substr(at, end - at))) return false;
-    }
-    return true;
-}
-
-/// Goes through the markup of a document, which the library reads without looking at all of its rules.
-/// Source: XML 1.0, 2.4 Character Data and 3.1 Start-Tags.
-class Markup {
+/// Reads a document with expat, which checks all rules of XML 1.0, and counts what the tree may hold. The parser that
+/// makes the tree passes over many errors. Names are read without their namespaces, because expat would refuse a
+/// message for a prefix that is not declared, and clients send such prefixes where they mean nothing.
+class Checker {
 public:
-    explicit Markup(std::string_view text) : rest(text) {}
+    explicit Checker(int maximumDepth) : maximumDepth(maximumDepth) {}
 
-    /// True when the texts and the values of the attributes have nothing that is not allowed there.
-    bool IsGood() {
-        while (!rest.empty()) {
-            if (!TakeText()) return false;
-            if (rest.empty()) return depth == 0;
-            if (!(rest.starts_with("<!") || rest.starts_with("<?") ? SkipSpecial() : TakeTag())) return false;
-        }
-        return depth == 0;
+    bool Accepts(std::string_view text) {
+        std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> const owner(XML_ParserCreate("UTF-8"),
+                                                                                 &XML_ParserFree);
+        if (!owner) return false;
+        parser = owner.get();
+        XML_SetUserData(parser, this);
+        XML_SetElementHandler(parser, &OnStart, &OnEnd);
+        XML_SetXmlDeclHandler(parser, &OnDeclaration);
+        XML_SetStartDoctypeDeclHandler(parser, &OnDocumentType);
+        return XML_Parse(parser, text.data(), static_cast<int>(text.size()), XML_TRUE) == XML_STATUS_OK;
     }
 
 private:
-    bool TakeText() {
-        auto const text = rest.substr(0, rest.find('<'));
-        rest.remove_prefix(text.size());
-        if (depth == 0) return text::Trim(text).empty();
-        return text.find("]]>") == std::string_view::npos && HasGoodReferences(text);
+    static void OnStart(void* self, XML_Char const*, XML_Char const** attributes) {
+        auto& checker = *static_cast<Checker*>(self);
+        int count = 0; // of names and values
+        while (attributes[count] != nullptr) ++count;
+        if (++checker.depth > checker.maximumDepth || count > 2 * MaximumAttributes) checker.Refuse();
     }
 
-    /// Comments, character data sections, instructions: what is in them means nothing.
-    bool SkipSpecial() {
-        struct Kind {
-            std::string_view begin;
-            std::string_view end;
-            bool anywhere; ///< also beside the root element
-        };
+    static void OnEnd(void* self, XML_Char const*) { --static_cast<Checker*>(self)->depth; }
 
-        constexpr std::array Kinds{Kind{"<!--", "-->", true}, Kind{"<![CDATA[", "]]>", false}, Kind{"<?", "?>", true}};
-        for (auto const& [begin, end, anywhere] : Kinds) {
-            if (!rest.starts_with(begin)) continue;
-            auto const at = rest.find(end, begin.size());
-            if (at == std::string_view::npos || (depth == 0 && !anywhere)) return false;
-            rest.remove_prefix(at + end.size());
-            return true;
-        }
-        return false; // a document type
+    static void OnDeclaration(void* self, XML_Char const*, XML_Char const* encoding, int) {
+        if (encoding != nullptr && !boost::iequals(encoding, "UTF-8")) static_cast<Checker*>(self)->Refuse();
     }
 
-    /// A tag from "<" to ">".
-    bool TakeTag() {
-        bool const ends = rest.starts_with("</");
-        for (;;) {
-            auto const at = rest.find_first_of("\"'>");
-            if (at == std::string_view::npos) return false;
-            char const found = rest[at];
-            bool const empty = found == '>' && at > 0 && rest[at - 1] == '/';
-            rest.remove_prefix(at + 1);
-            if (found != '>') {
-                if (!TakeValue(found)) return false;
-                continue;
-            }
-            if (ends)
-                --depth;
-            else if (!empty)
-                ++depth;
-            return depth >= 0;
-        }
+    static void OnDocumentType(void* self, XML_Char const*, XML_Char const*, XML_Char const*, int) {
+        static_cast<Checker*>(self)->Refuse();
     }
 
-    /// The value of an attribute, of which the quote has been taken.
-    bool TakeValue(char quote) {
-        auto const end = rest.find(quote);
-        if (end == std::string_view::npos) return false;
-        auto const value = rest.substr(0, end);
-        rest.remove_prefix(end + 1);
-        return value.find('<') == std::string_view::npos && HasGoodReferences(value);
-    }
+    void Refuse() { XML_StopParser(parser, XML_FALSE); }
 
-    std::string_view rest;
-    int depth = 0; ///< elements that are open
+    int const maximumDepth;
+    int depth = 0;
+    XML_Parser parser = nullptr;
 };
 
 } // namespace
 
 bool Load(pugi::xml_document& document, std::string_view text, int maximumDepth) {
-    constexpr auto Options = pugi::parse_default | pugi::parse_declaration | pugi::parse_doctype;
     constexpr std::string_view ByteOrderMark = "\xef\xbb\xbf";
-    if (!text::IsXml(text)) return false;
+    if (!Checker(maximumDepth).Accepts(text)) return false;
     if (text.starts_with(ByteOrderMark)) text.remove_prefix(ByteOrderMark.size());
-    if (!Markup(text).IsGood()) return false;
-    if (!document.load_buffer(text.data(), text.size(), Options, pugi::encoding_utf8)) return false;
-    Bounds bounds(maximumDepth);
-    return HasPlainProlog(document) && document.traverse(bounds);
+    return bool(document.load_buffer(text.data(), text.size(), pugi::parse_default, pugi::encoding_utf8));
 }
 
 bool Is(pugi::xml_node element, Name name) {

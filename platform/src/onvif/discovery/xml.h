@@ -28,7 +28,7 @@ bool Load(pugi::xml_document& document, std::string_view text, int maximumDepth)
 /// True when the element has the name.
 bool Is(pugi::xml_node element, Name name);
 
-/// The first child element of the name; null when there is none, or no parent.
+/// The first child element of that name; null without such a child or without a parent.
 pugi::xml_node FindChild(pugi::xml_node parent, Name name);
 
 /// The text of an element, that of its child elements left out.

@@ -73,7 +73,7 @@ TEST_F(OnvifRouteTest, GivesTheModulesRefusalAChallengeOfTheHost) {
     EXPECT_EQ(data.GetStatus(), Status::Unauthorized);
     EXPECT_EQ(data.GetBody().at(0)->ToStringView(), "no\n");
     auto const challenge = web::ParseDigestParameters(data.GetFields().at("WWW-Authenticate"));
-    EXPECT_TRUE(challenges.Take({.nonce = challenge->at("nonce"), .nonceCount = "1", .clientNonce = "c"}));
+    EXPECT_TRUE(challenges.Accept({.nonce = challenge->at("nonce"), .nc = "1", .cnonce = "c"}));
 }
 
 TEST_F(OnvifRouteTest, AsksTheModuleUntilItsAnswerIsThere) {

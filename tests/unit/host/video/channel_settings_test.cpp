@@ -1,7 +1,7 @@
 #include "host/video/channel_settings.h"
 
 #include <zarn/configuration/error.h>
-#include <zarn/configuration/layer.h>
+#include <zarn/configuration/node.h>
 #include <zarn/configuration/node/dynamic.h>
 #include <zarn/configuration/node/primitive.h>
 

@@ -13,7 +13,7 @@ namespace zarn::host::web {
 namespace {
 
 using namespace std::chrono_literals;
-using authentication::AnswerIdentity;
+using authentication::DigestCredentials;
 using testing::Eq;
 using testing::Optional;
 
@@ -54,7 +54,7 @@ TEST(Nonces, OfAnotherLengthAreNotRecognised) {
     EXPECT_THAT(nonces.GetTime(nonces.Make(Start).substr(1)), Eq(std::nullopt));
 }
 
-AnswerIdentity const Response{.nonce = "n", .nonceCount = "00000001", .clientNonce = "c"};
+DigestCredentials const Response{.nonce = "n", .nc = "00000001", .cnonce = "c"};
 
 TEST(UsedResponses, TakeAResponseOnce) {
     UsedResponses used;
@@ -66,7 +66,7 @@ TEST(UsedResponses, TakeAResponseOnce) {
 TEST(UsedResponses, TellResponsesApartByEachPart) {
     UsedResponses used;
     EXPECT_TRUE(used.Add(Response, Start, Start));
-    for (auto const part : {&AnswerIdentity::nonce, &AnswerIdentity::nonceCount, &AnswerIdentity::clientNonce}) {
+    for (auto const part : {&DigestCredentials::nonce, &DigestCredentials::nc, &DigestCredentials::cnonce}) {
         auto other = Response;
         other.*part = "other";
         EXPECT_TRUE(used.Add(other, Start, Start));
@@ -76,16 +76,16 @@ TEST(UsedResponses, TellResponsesApartByEachPart) {
 
 TEST(UsedResponses, DoNotMixUpTextsThatAreOneWhenJoined) {
     UsedResponses used;
-    EXPECT_TRUE(used.Add({.nonce = "n", .nonceCount = "1", .clientNonce = "23"}, Start, Start));
-    EXPECT_TRUE(used.Add({.nonce = "n", .nonceCount = "12", .clientNonce = "3"}, Start, Start));
+    EXPECT_TRUE(used.Add({.nonce = "n", .nc = "1", .cnonce = "23"}, Start, Start));
+    EXPECT_TRUE(used.Add({.nonce = "n", .nc = "12", .cnonce = "3"}, Start, Start));
 }
 
 TEST(UsedResponses, TakeTheCountsOfAClientInAnyOrder) {
     UsedResponses used;
     for (auto const* count : {"00000003", "00000001", "00000010", "00000002"}) {
-        EXPECT_TRUE(used.Add({.nonce = "n", .nonceCount = count, .clientNonce = "c"}, Start, Start)) << count;
+        EXPECT_TRUE(used.Add({.nonce = "n", .nc = count, .cnonce = "c"}, Start, Start)) << count;
     }
-    EXPECT_FALSE(used.Add({.nonce = "n", .nonceCount = "00000010", .clientNonce = "c"}, Start, Start));
+    EXPECT_FALSE(used.Add({.nonce = "n", .nc = "00000010", .cnonce = "c"}, Start, Start));
 }
 
 TEST(UsedResponses, AreRememberedAsLongAsTheirNonceMayCount) {
@@ -98,7 +98,7 @@ TEST(UsedResponses, AreForgottenSoonAfterwards) {
     UsedResponses used;
     EXPECT_TRUE(used.Add(Response, Start, Start));
     auto const later = Start + UsedResponses::LongestLife + 10s;
-    EXPECT_TRUE(used.Add({.nonce = "other", .nonceCount = "1", .clientNonce = "c"}, later, later));
+    EXPECT_TRUE(used.Add({.nonce = "other", .nc = "1", .cnonce = "c"}, later, later));
     EXPECT_EQ(used.GetSize(), 1U);
 }
 
@@ -107,7 +107,7 @@ void Fill(UsedResponses& used, int seconds) {
     for (int second = 0; second < seconds; ++second) {
         auto const nonce = std::to_string(second);
         auto const made = Start + std::chrono::seconds(second);
-        EXPECT_TRUE(used.Add({.nonce = nonce, .nonceCount = "1", .clientNonce = "c"}, made, made)) << second;
+        EXPECT_TRUE(used.Add({.nonce = nonce, .nc = "1", .cnonce = "c"}, made, made)) << second;
     }
 }
 
@@ -123,8 +123,8 @@ TEST(UsedResponses, ThatHadToGoCannotBeUsedAgain) {
     Fill(used, 250);
     for (int second = 0; second < 250; ++second) {
         auto const nonce = std::to_string(second);
-        EXPECT_FALSE(used.Add({.nonce = nonce, .nonceCount = "1", .clientNonce = "c"},
-                              Start + std::chrono::seconds(second), Start + 250s))
+        EXPECT_FALSE(
+            used.Add({.nonce = nonce, .nc = "1", .cnonce = "c"}, Start + std::chrono::seconds(second), Start + 250s))
             << second;
     }
 }
@@ -132,9 +132,9 @@ TEST(UsedResponses, ThatHadToGoCannotBeUsedAgain) {
 TEST(UsedResponses, LetANewNonceCountAlsoWhenTheyAreFullOfOneSecond) {
     UsedResponses used(10);
     for (int count = 0; count < 11; ++count) {
-        EXPECT_TRUE(used.Add({.nonce = "n", .nonceCount = std::to_string(count), .clientNonce = "c"}, Start, Start));
+        EXPECT_TRUE(used.Add({.nonce = "n", .nc = std::to_string(count), .cnonce = "c"}, Start, Start));
     }
-    EXPECT_FALSE(used.Add({.nonce = "n", .nonceCount = "new", .clientNonce = "c"}, Start, Start));
+    EXPECT_FALSE(used.Add({.nonce = "n", .nc = "new", .cnonce = "c"}, Start, Start));
     EXPECT_TRUE(used.Add(Response, Start + 1ms, Start + 1ms));
 }
 
@@ -146,7 +146,7 @@ TEST(UsedResponses, TakeAResponseOnceAlsoFromManyThreads) {
         threads.emplace_back([&] {
             for (int count = 0; count < 500; ++count) {
                 auto const text = std::to_string(count);
-                if (used.Add({.nonce = "n", .nonceCount = text, .clientNonce = "c"}, Start, Start)) ++taken;
+                if (used.Add({.nonce = "n", .nc = text, .cnonce = "c"}, Start, Start)) ++taken;
             }
         });
     }
@@ -156,8 +156,8 @@ TEST(UsedResponses, TakeAResponseOnceAlsoFromManyThreads) {
 
 class ChallengesTest : public testing::Test {
 protected:
-    bool Take(std::string const& nonce, char const* count = "00000001", char const* clientNonce = "c") {
-        return challenges.Take({.nonce = nonce, .nonceCount = count, .clientNonce = clientNonce});
+    bool Take(std::string const& nonce, char const* count = "00000001", char const* cnonce = "c") {
+        return challenges.Accept({.nonce = nonce, .nc = count, .cnonce = cnonce});
     }
 
     Challenges::Clock::time_point now{100h};

@@ -99,8 +99,8 @@ TEST(DigestCredentials, AreNeverRightWithoutAPassword) {
                                                                  .method = "GET",
                                                                  .uri = "/dir/index.html",
                                                                  .nonce = "dcd98b7102dd2f0e8b11d0f600bfb0c093",
-                                                                 .nonceCount = "00000001",
-                                                                 .clientNonce = "0a4f113b",
+                                                                 .nc = "00000001",
+                                                                 .cnonce = "0a4f113b",
                                                                  .qop = "auth"});
     text.replace(text.find("6629fae4"), 32, credentials);
     EXPECT_FALSE(Find(text)->HasRightResponse(ZarnAuthenticationEngine(), "GET", "/dir/index.html"));
@@ -112,8 +112,8 @@ TEST(DigestCredentials, AreNotRightWithAnotherQualityOfProtection) {
                                                                  .method = "GET",
                                                                  .uri = "/dir/index.html",
                                                                  .nonce = "dcd98b7102dd2f0e8b11d0f600bfb0c093",
-                                                                 .nonceCount = "00000001",
-                                                                 .clientNonce = "0a4f113b",
+                                                                 .nc = "00000001",
+                                                                 .cnonce = "0a4f113b",
                                                                  .qop = "auth-int"});
     text.replace(text.find("qop=auth"), 8, "qop=auth-int").replace(text.find("6629fae4"), 32, credentials);
     EXPECT_FALSE(Find(text)->HasRightResponse(Engine(), "GET", "/dir/index.html"));

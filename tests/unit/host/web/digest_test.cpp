@@ -27,7 +27,7 @@ struct Answer {
     std::string qop = "auth";
     std::string further = {};
     std::string count = "00000001";
-    std::string clientNonce = "c";
+    std::string cnonce = "c";
 };
 
 class DigestTest : public testing::Test {
@@ -53,13 +53,13 @@ protected:
                                                                   .method = answer.method,
                                                                   .uri = answer.uri,
                                                                   .nonce = nonce,
-                                                                  .nonceCount = answer.count,
-                                                                  .clientNonce = answer.clientNonce,
+                                                                  .nc = answer.count,
+                                                                  .cnonce = answer.cnonce,
                                                                   .qop = answer.qop});
         std::string text = "Digest username=\"" + answer.user + "\", realm=\"" + authentication::Realm +
                            "\", nonce=\"" + nonce + "\", uri=\"" + answer.uri + "\", response=\"" + response + "\"";
         if (!answer.qop.empty())
-            text += ", qop=" + answer.qop + ", nc=" + answer.count + ", cnonce=\"" + answer.clientNonce + "\"";
+            text += ", qop=" + answer.qop + ", nc=" + answer.count + ", cnonce=\"" + answer.cnonce + "\"";
         return text + answer.further;
     }
 
@@ -127,7 +127,7 @@ TEST_F(DigestTest, SaysThatANonceIsStaleWhenTheAnswerHasBeenUsed) {
 TEST_F(DigestTest, LetsAClientGoOnWithItsChallenge) {
     auto const nonce = GetNonce();
     for (auto const* count : {"00000001", "00000003", "00000002"}) EXPECT_EQ(Ask(Say(nonce, {.count = count})), "");
-    EXPECT_EQ(Ask(Say(nonce, {.clientNonce = "d"})), "");
+    EXPECT_EQ(Ask(Say(nonce, {.cnonce = "d"})), "");
     for (int request = 0; request < 3; ++request) EXPECT_EQ(Ask(Say(nonce, {.qop = ""})), "");
 }
 

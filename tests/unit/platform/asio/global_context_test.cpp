@@ -172,6 +172,7 @@ TEST(GlobalContext, EndsWhenTheLastHandleGoesOnItsThread) {
         },
         [] {});
     EXPECT_TRUE(test::Eventually([&] { return end->HasCome(); }));
+    GlobalContext const next; // destroys the former context
     EXPECT_EQ(held.use_count(), 1);
     EXPECT_FALSE(*held);
 }

@@ -14,8 +14,8 @@ constexpr DigestInput Example{
     .method = "GET",
     .uri = "/dir/index.html",
     .nonce = "dcd98b7102dd2f0e8b11d0f600bfb0c093",
-    .nonceCount = "00000001",
-    .clientNonce = "0a4f113b",
+    .nc = "00000001",
+    .cnonce = "0a4f113b",
     .qop = "auth",
 };
 
@@ -27,14 +27,14 @@ TEST(MakeDigestResponse, HasAnOlderFormWithoutQop) {
     auto input = Example;
     input.qop = "";
     EXPECT_EQ(MakeDigestResponse(input), "670fd8c2df070c60b045671b8b24ff02");
-    input.nonceCount = "7";
-    input.clientNonce = "other";
+    input.nc = "7";
+    input.cnonce = "other";
     EXPECT_EQ(MakeDigestResponse(input), "670fd8c2df070c60b045671b8b24ff02");
 }
 
 TEST(MakeDigestResponse, DependsOnEachPart) {
     for (auto const part : {&DigestInput::ha1, &DigestInput::method, &DigestInput::uri, &DigestInput::nonce,
-                            &DigestInput::nonceCount, &DigestInput::clientNonce, &DigestInput::qop}) {
+                            &DigestInput::nc, &DigestInput::cnonce, &DigestInput::qop}) {
         auto input = Example;
         input.*part = "other";
         EXPECT_NE(MakeDigestResponse(input), MakeDigestResponse(Example));

@@ -168,9 +168,9 @@ TEST_F(AuthenticationEngine, WithoutAnEngineEverybodyIsRefused) {
 /// Remembers what it is asked, and answers what its test says.
 class FakeReplayCheck final : public zarn::authentication::ReplayCheck {
 public:
-    bool Take(zarn::authentication::AnswerIdentity const& answer) override {
+    bool Accept(zarn::authentication::DigestCredentials const& credentials) override {
         questions.push_back(
-            {std::string(answer.nonce), std::string(answer.nonceCount), std::string(answer.clientNonce)});
+            {std::string(credentials.nonce), std::string(credentials.nc), std::string(credentials.cnonce)});
         return answers;
     }
 

@@ -33,5 +33,17 @@ TEST(ChronoAdd, StaysAtTheBeginningOfTheClockInsteadOfWrapping) {
     EXPECT_EQ(Add(System(-1s), std::chrono::nanoseconds::min()), System::min());
 }
 
+TEST(ChronoSaturated, StaysAtTheEndsOfTheRange) {
+    using Limits = std::numeric_limits<std::int64_t>;
+    EXPECT_EQ(AddSaturated(2, -5), -3);
+    EXPECT_EQ(AddSaturated(Limits::max(), 1), Limits::max());
+    EXPECT_EQ(AddSaturated(Limits::min(), -1), Limits::min());
+    EXPECT_EQ(MultiplySaturated(-2, 5), -10);
+    EXPECT_EQ(MultiplySaturated(Limits::max(), 2), Limits::max());
+    EXPECT_EQ(MultiplySaturated(Limits::min(), -1), Limits::max());
+    EXPECT_EQ(MultiplySaturated(Limits::min(), 2), Limits::min());
+    EXPECT_EQ(MultiplySaturated(2, Limits::min()), Limits::min());
+}
+
 } // namespace
 } // namespace zarn::chrono

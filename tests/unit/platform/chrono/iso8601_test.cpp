@@ -1,4 +1,3 @@
-#include <zarn/chrono/error.h>
 #include <zarn/chrono/iso8601.h>
 
 #include <gmock/gmock.h>

@@ -176,14 +176,6 @@ TEST(DynamicThreadPool, RefusesAnEmptyJob) {
     EXPECT_EQ(pool.GetThreadCount(), 1U);
 }
 
-TEST(DynamicThreadPool, GivesEveryThreadItsStack) {
-    DynamicThreadPool pool(0, 0s);
-    std::promise<std::size_t> size;
-    pool.Post([&] { size.set_value(GetStackSizeOfThisThread()); });
-    EXPECT_EQ(size.get_future().get(), DynamicThreadPool::GetStackSize());
-    EXPECT_GE(DynamicThreadPool::GetStackSize(), std::size_t{2} << 20U);
-}
-
 TEST(DynamicThreadPool, KeepsAThousandWaitingJobsCheap) {
     DynamicThreadPool pool(1, 0s);
     Gate gate;

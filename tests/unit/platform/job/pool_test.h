@@ -2,7 +2,6 @@
 
 #include <zarn/job/dynamic_thread_pool.h>
 
-#include <pthread.h>
 #include <sys/types.h>
 #include <unistd.h>
 
@@ -55,15 +54,6 @@ private:
     std::size_t waiting = 0;
     bool open = false;
 };
-
-inline std::size_t GetStackSizeOfThisThread() {
-    pthread_attr_t attributes;
-    pthread_getattr_np(pthread_self(), &attributes);
-    std::size_t size = 0;
-    pthread_attr_getstacksize(&attributes, &size);
-    pthread_attr_destroy(&attributes);
-    return size;
-}
 
 /// The memory of this process that is in use.
 inline std::size_t GetResidentBytes() {

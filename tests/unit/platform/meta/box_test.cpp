@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <stdexcept>
 
 namespace zarn::meta {
@@ -29,6 +30,18 @@ TEST(Box, HasItsCornersWhereTheirNamesSay) {
         },
         ThrowsMessage<std::invalid_argument>(HasSubstr("left and right: 0.75")));
     EXPECT_THAT([] { Box({0, 1}, {1, 0.5}); }, ThrowsMessage<std::invalid_argument>(HasSubstr("top and bottom: 1.0")));
+}
+
+TEST(PointOfAPicture, TellsItsPlace) {
+    EXPECT_EQ(Point(0.25, 0.75).GetX(), 0.25);
+    EXPECT_EQ(Point(0.25, 0.75).GetY(), 0.75);
+}
+
+TEST(PointOfAPicture, MayLieBeyondIt) { EXPECT_EQ(Point(-3, 7), Point(-3, 7)); }
+
+TEST(PointOfAPicture, IsFinite) {
+    EXPECT_THROW(Point(std::numeric_limits<double>::quiet_NaN(), 0), std::invalid_argument);
+    EXPECT_THROW(Point(0, std::numeric_limits<double>::infinity()), std::invalid_argument);
 }
 
 } // namespace

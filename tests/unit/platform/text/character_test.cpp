@@ -55,6 +55,11 @@ TEST(CutShort, KeepsCharactersWhole) {
     EXPECT_EQ(CutShort("\xE2\x82\xAC", 2), "");
 }
 
+TEST(PercentEncode, WritesOtherBytesAsTwoDigits) {
+    EXPECT_EQ(PercentEncode("a b/\xC3\xBC%", [](char each) { return each == 'a' || each == '/'; }),
+              "a%20%62/%C3%BC%25");
+}
+
 TEST(Trim, RemovesWhiteSpaceAtBothEnds) {
     EXPECT_EQ(Trim(" \t\r\na b\n"), "a b");
     EXPECT_EQ(Trim(" \n"), "");

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <zarn/chrono/iso8601.h>
+
 #include <chrono>
 #include <string_view>
 
@@ -10,8 +12,9 @@ namespace zarn::chrono::duration {
 /// Years and months are those of the calendar (UTC) from `now` on: one month from January 31 ends on the last day of
 /// February. Digits of the fraction beyond nanoseconds are dropped; white space around the text is ignored.
 /// now  where the duration starts; without years and months it plays no part
-/// Returns how far the end of the duration is from now, in nanoseconds; negative for `-P…`.
-/// Throws Error when the text is not such a duration, or when the span does not fit in nanoseconds (about 292 years).
+/// Returns how far the end of the duration is from now, in nanoseconds; negative for `-P…`. A span that does not fit in
+/// nanoseconds (it is longer than about 292 years) becomes the longest that does.
+/// Throws Error when the text is not such a duration.
 /// Thread: any.
 /// Source: ISO 8601; W3C XML Schema 1.1 Part 2, 3.3.6 duration; XML Schema 1.0 Part 2, appendix E.
 std::chrono::nanoseconds FromIso8601(std::string_view text,

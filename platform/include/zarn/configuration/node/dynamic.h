@@ -23,7 +23,7 @@ public:
     static constexpr char const* TypeName = "zarn.configuration.node.Dynamic";
 
     /// Made by Map::Schema only.
-    Dynamic(Place const& place, std::shared_ptr<schema::CollectionDescription const> collectionDescription);
+    Dynamic(Location const& location, std::shared_ptr<schema::CollectionDescription const> collectionDescription);
     ~Dynamic() override;
 
     /// Adds an entry with default values behind the others and returns it.
@@ -31,7 +31,7 @@ public:
     /// Throws Error when the key is something else or is taken.
     std::shared_ptr<Map> Add(std::string_view entryKey);
 
-    /// Removes an entry. Returns false when there is none with this key.
+    /// Removes an entry. Returns false when no entry has this key.
     bool Remove(std::string_view entryKey);
 
     /// Puts the entries into another order.

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <zarn/configuration/node.h>
-#include <zarn/configuration/unknown.h>
 #include <zarn/object/container/const_iterator.h>
 
 #include <boost/utility/string_view.hpp>
@@ -16,6 +15,14 @@
 namespace zarn::configuration {
 
 class Schema;
+
+/// What reading does with keys that no schema describes.
+enum class Unknown {
+    /// They are errors.
+    Refuse,
+    /// They are kept as node::Undescribed until a schema describes them, and are written back until then.
+    Keep,
+};
 
 namespace schema {
 class Description;
@@ -35,10 +42,10 @@ public:
     using Iterator = object::container::ConstIterator<std::shared_ptr<Node>>;
 
     /// Made by Schema and Dynamic::Add only.
-    explicit Map(Place const& place);
+    explicit Map(Location const& location);
     ~Map() override;
 
-    /// The node with a path relative to this one ("name", "video.width"); null when there is none, as for an empty
+    /// The node with a path relative to this one ("name", "video.width"); null for an unknown or empty
     /// path. Takes the same short time whatever the number of children.
     std::shared_ptr<Node> Find(boost::string_view nodePath) const;
 
@@ -51,8 +58,8 @@ public:
     std::size_t GetSize() const;
 
     /// Registers descriptions, whose paths are relative to this node, and makes the nodes that are missing, maps on the
-    /// way included. A node that is described already stays as it is: the first description counts, and whoever
-    /// expected another type meets it when casting. A value that was read before it was described is adopted when it
+    /// way included. A node that is described already stays as it is: the first description counts, and casting
+    /// to another type fails. A value that was read before it was described is adopted when it
     /// fits. Throws Error when an adopted value does not fit, when a path leads through a value or a collection, or
     /// when it has a part that is no key (1 to 64 letters, digits, '-' and '_'); the descriptions before that one are
     /// then registered.
@@ -87,8 +94,8 @@ protected:
 
     boost::json::value WriteSchema() const override;
 
-    /// The place of a new child.
-    Place MakePlace(std::string_view childKey) const;
+    /// Where a new child is.
+    Location MakeLocation(std::string_view childKey) const;
 
     /// Reads into a node that is not in the tree yet.
     static void ReadNew(Node& node, boost::json::value const& json, Unknown unknown);

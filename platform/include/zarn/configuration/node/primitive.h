@@ -2,11 +2,13 @@
 
 #include <zarn/configuration/node/map.h>
 #include <zarn/configuration/node/value.h>
+#include <zarn/object/primitive.h>
 
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace zarn::configuration::node {
 
@@ -39,16 +41,17 @@ public:
     static_assert(TypeName != nullptr, "no node holds this type");
 
     /// Made by Map::Schema and Dynamic::Add only.
-    Primitive(Place const& place, std::shared_ptr<schema::ValueDescription const> valueDescription);
+    Primitive(Location const& location, std::shared_ptr<schema::ValueDescription const> valueDescription)
+        : object::Typed<Primitive<T>, Value>(location, std::move(valueDescription)) {}
 
     /// The effective value.
-    T Get() const;
+    T Get() const { return this->GetValuePtr()->template As<object::Primitive<T>>().Get(); }
 
     /// Sets the value and ends an override. Throws Error when the node's rule refuses it.
-    void Set(T value);
+    void Set(T value) { this->Store(std::make_shared<object::Primitive<T> const>(std::move(value))); }
 
     /// Overrides the value for this run. Throws Error when the node's rule refuses it.
-    void Override(T value);
+    void Override(T value) { this->StoreOverride(std::make_shared<object::Primitive<T> const>(std::move(value))); }
 };
 
 /// The effective value of the node with a path below a map ("name", "video.width").
@@ -59,13 +62,5 @@ T Read(Map const& map, std::string_view path) {
     if (!node) ThrowMissing(PrimitiveTypeName<T>, map, path);
     return node->template As<Primitive<T>>().Get();
 }
-
-extern template class Primitive<bool>;
-extern template class Primitive<std::string>;
-extern template class Primitive<std::uint16_t>;
-extern template class Primitive<std::uint32_t>;
-extern template class Primitive<std::int32_t>;
-extern template class Primitive<std::int64_t>;
-extern template class Primitive<double>;
 
 } // namespace zarn::configuration::node

@@ -13,7 +13,7 @@ public:
     static constexpr char const* TypeName = "zarn.configuration.node.Undescribed";
 
     /// Made by Map::FromJson and Map::Schema only.
-    Undescribed(Place const& place, boost::json::value const& json);
+    Undescribed(Location const& location, boost::json::value const& json);
     ~Undescribed() override;
 
     bool IsStated() const override;

@@ -54,13 +54,13 @@ public:
     /// Whether text, JSON and files must not set the value; the program still can (Primitive::Set).
     bool IsReadOnly() const noexcept;
 
-    /// Whether the value can be set but is shown to nobody, such as a password; the program still can read it.
+    /// Whether the value can be set but is never shown, such as a password; the program still can read it.
     bool IsWriteOnly() const noexcept;
 
     bool IsStated() const override;
 
 protected:
-    Value(Place const& place, std::shared_ptr<schema::ValueDescription const> valueDescription);
+    Value(Location const& location, std::shared_ptr<schema::ValueDescription const> valueDescription);
 
     /// Sets or overrides the value with an object of the node's type. Throws Error when the rule refuses it.
     void Store(std::shared_ptr<object::Object const> value);
@@ -70,7 +70,7 @@ private:
     /// The layers of the value.
     struct State {
         std::shared_ptr<object::Object const> underlying;
-        /// Null when there is none.
+        /// Null without an override.
         std::shared_ptr<object::Object const> overriding;
         /// Whether the value was in what was last read.
         bool read = false;

@@ -5,13 +5,14 @@
 
 #include <cstddef>
 #include <memory>
+#include <stdexcept>
 #include <utility>
 #include <vector>
 
 namespace zarn::meta::data {
 
 /// An object that carries other objects, told apart by their types, in the order in which they were added.
-/// Thread: one thread fills it; once it has been handed on nobody changes it, and any thread may read it.
+/// Thread: one thread fills it; once it has been handed on it never changes, and any thread may read it.
 class Container : public object::Typed<Container> {
 public:
     static constexpr char const* TypeName = "zarn.meta.data.Container";
@@ -22,7 +23,10 @@ public:
 
     /// Adds an object, which may be shared with other containers.
     /// Throws std::invalid_argument for a null pointer.
-    void Add(std::shared_ptr<object::Object const> added);
+    void Add(std::shared_ptr<object::Object const> added) {
+        if (!added) throw std::invalid_argument("Container::Add: the object is null");
+        objects.push_back(std::move(added));
+    }
 
     /// Makes an object and adds it. Returns it, to be filled further before the container is handed on; the reference
     /// holds as long as the container.

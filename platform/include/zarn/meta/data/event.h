@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <string>
+#include <utility>
 
 namespace zarn::meta::data {
 
@@ -17,7 +18,8 @@ public:
     /// type   the type of the rule, such as "presence", "count" or "dwell"
     /// name   the name of the rule, UTF-8
     /// start  when it began
-    Event(std::string type, std::string name, std::chrono::system_clock::time_point start);
+    Event(std::string type, std::string name, std::chrono::system_clock::time_point start)
+        : type(std::move(type)), name(std::move(name)), start(start) {}
 
     /// The type of the rule.
     std::string const& GetType() const noexcept { return type; }

@@ -10,13 +10,14 @@ namespace zarn::meta::data {
 class VideoInfo {
 public:
     /// No video known: 0 x 0, no codec, frame rate 0/1.
-    VideoInfo();
+    VideoInfo() : VideoInfo({0, 0}, "", 0, 1) {}
 
     /// resolution  width and height in pixels
     /// codec       media type, for example "video/x-h264"
     /// numerator, denominator  frame rate in frames per second, for example 30000 and 1001
     VideoInfo(std::pair<std::uint32_t, std::uint32_t> resolution, std::string codec, std::int32_t numerator,
-              std::int32_t denominator);
+              std::int32_t denominator)
+        : resolution(resolution), codec(std::move(codec)), numerator(numerator), denominator(denominator) {}
 
     std::pair<std::uint32_t, std::uint32_t> GetResolution() const noexcept { return resolution; }
 

@@ -5,7 +5,7 @@
 
 namespace zarn::onvif::discovery {
 
-/// A datagram that came to the discovery port, read as a WS-Discovery message. What matters of it is whether it is a
+/// A datagram for the discovery port, read as a WS-Discovery message. What matters of it is whether it is a
 /// Probe for a device such as this one.
 ///
 /// Understood are SOAP 1.2 envelopes with WS-Discovery of 2005/04 and WS-Addressing headers of 2004/08 or 2005/08. A
@@ -30,8 +30,8 @@ public:
     /// Reads a message. Never throws because of its contents.
     explicit Request(std::string const& text);
 
-    /// True for what is no SOAP 1.2 envelope: XML that is not well formed, another encoding than UTF-8 or bytes that
-    /// are none, a document type declaration, an element with more than 64 attributes, or a bound above on size, depth
+    /// True for what is no SOAP 1.2 envelope: XML that is not well formed, another encoding than UTF-8, invalid
+    /// UTF-8, a document type declaration, an element with more than 64 attributes, or a bound above on size, depth
     /// or text exceeded. Message id and address are empty then.
     bool IsParseError() const noexcept { return parseError; }
 
@@ -39,8 +39,8 @@ public:
     /// to be answered: another kind of message, a Probe for other devices, or one without MessageID.
     std::string const& GetMessageId() const noexcept { return messageId; }
 
-    /// The address of ReplyTo, which the answer carries in its header (it goes to where the datagram came from); the
-    /// anonymous role http://schemas.xmlsoap.org/ws/2004/08/addressing/role/anonymous when the message has none.
+    /// The address of ReplyTo, which the answer carries in its header (the answer goes to the source of the datagram);
+    /// the anonymous role http://schemas.xmlsoap.org/ws/2004/08/addressing/role/anonymous when the message has none.
     std::string const& GetAddress() const noexcept { return address; }
 
 private:

@@ -23,7 +23,7 @@ public:
 
     /// Builds the answer.
     /// relatesTo   the message id of the probe; the answer is not valid when it is empty
-    /// address     who the answer is for, as the probe had it; goes into its header only
+    /// address     the recipient as the probe names it; goes into the header only
     /// port        of the web server that serves the device service
     /// ssl         that server speaks TLS
     /// nameConfig  the identity, for the scopes

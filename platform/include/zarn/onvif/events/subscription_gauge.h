@@ -38,7 +38,8 @@ struct SubscriptionStatus {
     bool operator==(SubscriptionStatus const&) const = default;
 };
 
-/// The subscriptions that there are, the oldest first. Waits for nobody who queues or fetches events. Thread: any.
+/// The subscriptions that there are, the oldest first. Never waits for a thread that queues or fetches events. Thread:
+/// any.
 std::vector<SubscriptionStatus> GetSubscriptions();
 
 } // namespace zarn::onvif::events

@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace zarn::utilities::name {
 
@@ -20,9 +21,9 @@ public:
     };
 
     /// An identity of empty texts.
-    Config();
+    Config() : Config(Product{}) {}
 
-    explicit Config(Product product);
+    explicit Config(Product product) : product(std::make_shared<Product const>(std::move(product))) {}
 
     // Declared so that there is no move: a moved-from identity would have no texts to give.
     Config(Config const&) = default;

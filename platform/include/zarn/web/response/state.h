@@ -2,7 +2,7 @@
 
 namespace zarn::web::response {
 
-/// How far a pending response has come.
+/// Whether a pending response is complete.
 enum class State {
     Complete = 0, ///< status, fields and body are final; do not ask again
     NotReady = 1, ///< nothing to send yet; ask again

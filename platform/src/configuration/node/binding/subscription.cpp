@@ -1,6 +1,6 @@
 #include "configuration/node/binding/subscription.h"
 
-#include <zarn/configuration/event/changed.h>
+#include <zarn/configuration/event.h>
 
 #include <utility>
 
@@ -23,7 +23,7 @@ bool Subscription::Claim() {
     return true;
 }
 
-std::shared_ptr<Event const> Subscription::TakeNext() {
+std::shared_ptr<Event const> Subscription::PopNext() {
     Node::Callback ended;
     std::scoped_lock const lock(mutex);
     if (!waiting.empty()) {
@@ -40,7 +40,7 @@ std::shared_ptr<Event const> Subscription::TakeNext() {
 
 std::exception_ptr Subscription::Run() {
     std::exception_ptr first;
-    while (auto const event = TakeNext()) {
+    while (auto const event = PopNext()) {
         try {
             callback(event);
         } catch (...) {

@@ -28,14 +28,14 @@ public:
     /// Delivers until no event waits; this thread must have claimed it. Returns what the callback threw first, or null.
     std::exception_ptr Run();
 
-    /// Delivers what waits, unless somebody is at it. Returns as Run.
+    /// Delivers what waits, unless another thread is delivering. Returns as Run.
     std::exception_ptr Deliver();
 
     /// Ends the subscription: drops what waits, and waits for a callback that is running on another thread.
     void Close() noexcept;
 
 private:
-    std::shared_ptr<Event const> TakeNext();
+    std::shared_ptr<Event const> PopNext();
 
     std::mutex mutex;
     std::condition_variable idle;

@@ -1,6 +1,8 @@
-#include "protocol/network/http/token.h"
-
 #include <zarn/protocol/network/http/request.h>
+#include <zarn/protocol/network/http/token.h>
+#include <zarn/text/character.h>
+
+#include <boost/beast/core/string.hpp>
 
 #include <algorithm>
 #include <ostream>
@@ -12,19 +14,7 @@ namespace zarn::protocol::network::http {
 namespace {
 
 std::string EncodeTarget(std::string_view target) {
-    constexpr std::string_view Digits = "0123456789ABCDEF";
-    if (target.empty()) return "/";
-    std::string encoded;
-    encoded.reserve(target.size());
-    for (char const character : target) {
-        if ('!' <= character && character <= '~') {
-            encoded += character;
-            continue;
-        }
-        auto const byte = static_cast<unsigned char>(character);
-        encoded += {'%', Digits[byte >> 4U], Digits[byte & 0xfU]};
-    }
-    return encoded;
+    return target.empty() ? "/" : text::PercentEncode(target, [](char each) { return '!' <= each && each <= '~'; });
 }
 
 std::string CleanValue(std::string value) {
@@ -34,7 +24,7 @@ std::string CleanValue(std::string value) {
 }
 
 bool IsFraming(std::string_view name) {
-    return EqualsIgnoringCase(name, "Content-Length") || EqualsIgnoringCase(name, "Transfer-Encoding");
+    return boost::beast::iequals(name, "Content-Length") || boost::beast::iequals(name, "Transfer-Encoding");
 }
 
 } // namespace

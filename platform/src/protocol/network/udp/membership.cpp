@@ -44,7 +44,7 @@ std::vector<Membership::Failure> Membership::Follow(int socket, std::span<Interf
     for (auto const& interface : interfaces) {
         auto const isOn = [&](Joined const& each) { return each.IsOn(interface); };
         if (!IsSuitable(interface) || std::ranges::any_of(joined, isOn)) continue;
-        // Before joining: nothing may fail between that and the note of it, as nobody can join twice.
+        // Before joining: nothing may fail between joining and recording it, since joining twice is an error.
         Joined joining{interface.index, interface.hardwareAddress};
         joined.reserve(joined.size() + 1);
         if (auto const error = Change(socket, IP_ADD_MEMBERSHIP, group, interface.index)) {

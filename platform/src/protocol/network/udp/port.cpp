@@ -21,7 +21,7 @@ void SetOption(int socket, int name, int value) {
     throw boost::system::system_error(errno, boost::system::system_category());
 }
 
-/// The interface by which a message came.
+/// The interface that received a message.
 unsigned FindInterface(msghdr& message) {
     for (auto* each = CMSG_FIRSTHDR(&message); each != nullptr; each = CMSG_NXTHDR(&message, each)) {
         if (each->cmsg_level != IPPROTO_IP || each->cmsg_type != IP_PKTINFO) continue;
@@ -40,10 +40,10 @@ void Port::Open(unsigned short number) {
         socket.open(everywhere.protocol());
         socket.non_blocking(true);
         SetOption(socket.native_handle(), IP_PKTINFO, 1);
-        // Otherwise the groups that other programs join would be heard here as well.
+        // Otherwise datagrams for groups that other programs join would arrive here as well.
         SetOption(socket.native_handle(), IP_MULTICAST_ALL, 0);
         // Without SO_REUSEADDR and SO_REUSEPORT: with one of them a second program could take the port as well, and
-        // the kernel would give each datagram to whom it likes.
+        // the kernel would give each datagram to either of them.
         socket.bind(everywhere);
     } catch (boost::system::system_error const& error) {
         Close();

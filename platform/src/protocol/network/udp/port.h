@@ -14,7 +14,7 @@ namespace zarn::protocol::network::udp {
 struct Datagram {
     std::size_t size = 0;   ///< of what is in the buffer, in bytes
     bool truncated = false; ///< there was more
-    unsigned interface = 0; ///< the kernel's index of the interface by which it came
+    unsigned interface = 0; ///< the kernel's index of the interface that received it
     boost::asio::ip::udp::endpoint source;
 };
 

@@ -69,8 +69,8 @@ private:
 
     void AwaitDatagram();
     void OnReadable();
-    void TakeSome();
-    void Take(Datagram const& datagram);
+    void ReadSome();
+    void Handle(Datagram const& datagram);
     bool IsAdmitted(Datagram const& datagram);
     void Deliver(error_code const& error, std::size_t size, udp::endpoint const& source);
 
@@ -191,7 +191,7 @@ void Receiver::State::AwaitDatagram() {
 
 void Receiver::State::OnReadable() {
     try {
-        TakeSome();
+        ReadSome();
     } catch (...) { // for the context's thread to log
         AwaitDatagram();
         throw;
@@ -199,7 +199,7 @@ void Receiver::State::OnReadable() {
     AwaitDatagram();
 }
 
-void Receiver::State::TakeSome() {
+void Receiver::State::ReadSome() {
     for (int i = 0; i < MaximumAtOnce && port.IsOpen() && wanted; ++i) {
         Datagram datagram;
         auto const error = port.Read(buffer, datagram);
@@ -209,11 +209,11 @@ void Receiver::State::TakeSome() {
             Deliver(error, 0, {});
             return;
         }
-        Take(datagram);
+        Handle(datagram);
     }
 }
 
-void Receiver::State::Take(Datagram const& datagram) {
+void Receiver::State::Handle(Datagram const& datagram) {
     if (!IsAdmitted(datagram)) return;
     auto const error = datagram.truncated ? error_code(boost::asio::error::message_size) : error_code();
     Deliver(error, datagram.size, datagram.source);

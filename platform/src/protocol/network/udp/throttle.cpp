@@ -10,7 +10,7 @@ TokenBucket::TokenBucket(Rate rate) noexcept
 
 bool TokenBucket::HasToken(Clock::time_point now) const noexcept { return full - now <= tolerance; }
 
-void TokenBucket::Take(Clock::time_point now) noexcept { full = std::max(full, now) + interval; }
+void TokenBucket::TakeToken(Clock::time_point now) noexcept { full = std::max(full, now) + interval; }
 
 bool TokenBucket::IsFull(Clock::time_point now) const noexcept { return full <= now; }
 
@@ -24,8 +24,8 @@ bool Throttle::Admit(boost::asio::ip::address_v4 const& source, Clock::time_poin
         }
         known = sources.emplace(source, TokenBucket(PerSource)).first;
     }
-    all.Take(now);
-    known->second.Take(now);
+    all.TakeToken(now);
+    known->second.TakeToken(now);
     return true;
 }
 

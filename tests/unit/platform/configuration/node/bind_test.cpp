@@ -1,8 +1,7 @@
 #include "support/asleep.h"
 #include "unit/platform/configuration/tree.h"
 
-#include <zarn/configuration/event/added.h>
-#include <zarn/configuration/event/changed.h>
+#include <zarn/configuration/event.h>
 
 #include <atomic>
 #include <chrono>

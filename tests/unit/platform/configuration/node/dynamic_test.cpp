@@ -1,8 +1,6 @@
 #include "unit/platform/configuration/tree.h"
 
-#include <zarn/configuration/event/added.h>
-#include <zarn/configuration/event/changed.h>
-#include <zarn/configuration/event/removed.h>
+#include <zarn/configuration/event.h>
 
 namespace zarn::configuration {
 namespace {

@@ -1,5 +1,6 @@
 #include <zarn/meta/data/channel.h>
 #include <zarn/meta/data/container.h>
+#include <zarn/meta/data/object.h>
 #include <zarn/meta/data/zone.h>
 
 #include <gmock/gmock.h>
@@ -29,6 +30,22 @@ TEST(MetaContainer, IsIteratedByType) {
     container.Emplace<Channel>(2U);
     EXPECT_THAT(ChannelsOf(container), testing::ElementsAre(7, 2));
     EXPECT_EQ(container.GetCount(), 3U);
+}
+
+/// Something tracked that is no Object.
+class Shadow : public object::Typed<Shadow, ObjectBase> {
+public:
+    static constexpr char const* TypeName = "test.Shadow";
+
+    explicit Shadow(std::uint32_t number) noexcept : Typed(number) {}
+};
+
+TEST(MetaContainer, GivesAnObjectByItsTypeAndItsBasesAlone) {
+    Container container;
+    container.Emplace<Shadow>(3U);
+    auto const& person = container.Emplace<Object>(4U);
+    EXPECT_EQ(container.First<Object>(), &person);
+    EXPECT_EQ(container.First<ObjectBase>()->GetId(), 3U);
 }
 
 TEST(MetaContainer, GivesTheFirstOfAType) {

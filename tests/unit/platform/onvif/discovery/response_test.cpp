@@ -67,48 +67,6 @@ TEST(DiscoveryResponse, IsNotValidWithTextsThatXmlCannotCarry) {
     }
 }
 
-/// While it lives, the XML library gets no memory from the n-th allocation on, counted from 0.
-class FailingXmlMemory {
-public:
-    explicit FailingXmlMemory(int n) {
-        succeeding = n;
-        failed = false;
-        pugi::set_memory_management_functions(Allocate, release);
-    }
-
-    ~FailingXmlMemory() { pugi::set_memory_management_functions(allocate, release); }
-
-    FailingXmlMemory(FailingXmlMemory const&) = delete;
-    FailingXmlMemory& operator=(FailingXmlMemory const&) = delete;
-
-    bool HasFailed() const { return failed; }
-
-private:
-    static void* Allocate(std::size_t size) {
-        failed = succeeding == 0;
-        if (failed) return nullptr;
-        --succeeding;
-        return allocate(size);
-    }
-
-    static inline pugi::allocation_function const allocate = pugi::get_memory_allocation_function();
-    static inline pugi::deallocation_function const release = pugi::get_memory_deallocation_function();
-    static inline int succeeding = 0;
-    static inline bool failed = false;
-};
-
-TEST(DiscoveryResponse, IsNotValidWithoutMemoryForAllOfIt) {
-    std::string const text(100'000, 'x'); // which takes an allocation of its own
-    int n = 0;
-    for (bool failed = true; failed; ++n) {
-        FailingXmlMemory const failing(n);
-        auto const response = MakeResponse(text, text);
-        failed = failing.HasFailed();
-        EXPECT_EQ(response.IsValid(), !failed) << "without allocation " << n;
-    }
-    EXPECT_GE(n, 4);
-}
-
 TEST(DiscoveryResponse, RelatesToTheProbe) {
     Answer const answer(MakeResponse());
     EXPECT_EQ(answer.ReadHeader("wsa:RelatesTo"), test::ProbeId);

@@ -74,6 +74,11 @@ TEST_F(ConvertMeta, PutsThePictureBetweenMinusOneAndOneWithYUpwards) {
     EXPECT_THAT(Rectangle({{0.25, 0.125}, {0.75, 0.5}}), ElementsAre(-0.5, 0.75, 0.5, 0));
 }
 
+TEST_F(ConvertMeta, RoundsPlacesToTheNearestFloat) {
+    EXPECT_THAT(Vector({0.1, 0.1}), Pair(-0.8F, 0.8F));
+    EXPECT_THAT(Rectangle({{0.1, 0.3}, {0.7, 0.9}}), ElementsAre(-0.8F, 0.4F, 0.4F, -0.8F));
+}
+
 TEST_F(ConvertMeta, PutsTheCornersAndTheCentreOfThePictureExactly) {
     EXPECT_THAT(Vector({0, 0}), Pair(-1, 1));
     EXPECT_THAT(Vector({1, 0}), Pair(1, 1));

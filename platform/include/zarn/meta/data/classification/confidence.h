@@ -2,7 +2,9 @@
 
 #include <zarn/object/typed.h>
 
+#include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace zarn::meta::data::classification {
 
@@ -14,7 +16,11 @@ public:
     /// className   such as "person"; empty when the classifier found none
     /// confidence  from 0 to 1
     /// Throws std::invalid_argument when the confidence is not in that range.
-    explicit Confidence(std::string className, double confidence = 1);
+    explicit Confidence(std::string className, double confidence = 1)
+        : className(std::move(className)), value(confidence) {
+        if (confidence >= 0 && confidence <= 1) return; // false for NaN
+        throw std::invalid_argument("Confidence: " + std::to_string(confidence) + " is not from 0 to 1");
+    }
 
     /// The class, such as "person"; may be empty.
     std::string const& GetClass() const noexcept { return className; }

@@ -3,6 +3,7 @@
 #include <zarn/object/typed.h>
 
 #include <string>
+#include <utility>
 
 namespace zarn::meta::data::classification {
 
@@ -12,7 +13,7 @@ class Name : public object::Typed<Name> {
 public:
     static constexpr char const* TypeName = "zarn.meta.data.classification.Name";
 
-    explicit Name(std::string text) noexcept;
+    explicit Name(std::string text) noexcept : value(std::move(text)) {}
 
     /// The name, UTF-8; may be empty.
     std::string const& GetValue() const noexcept { return value; }

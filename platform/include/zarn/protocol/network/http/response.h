@@ -1,11 +1,11 @@
 #pragma once
 
-#include <zarn/protocol/network/http/parse_error.h>
 #include <zarn/protocol/network/http/response/status.h>
 
 #include <cstddef>
 #include <map>
 #include <memory>
+#include <stdexcept>
 #include <string>
 
 namespace zarn::container {
@@ -13,6 +13,12 @@ class Buffer;
 }
 
 namespace zarn::protocol::network::http {
+
+/// A message that is not HTTP/1.x; the text names the part at fault and the rule.
+class ParseError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
 
 /// An HTTP response with its body already decoded.
 class Response {
@@ -25,7 +31,7 @@ public:
 
     Response(response::Status status, std::map<std::string, std::string> fields, std::string body);
 
-    /// Takes the first final response out of a text that may hold several; what follows it is ignored.
+    /// Reads the first final response of a text that may hold several; what follows it is ignored.
     /// Interim responses (1xx) are skipped. The body is what Transfer-Encoding (chunked only) says, else what
     /// Content-Length says, else everything to the end; 204 and 304 have none. Source: RFC 9112.
     /// Throws ParseError when the text is not such a response or ends before the body does.
@@ -33,9 +39,9 @@ public:
 
     response::Status GetStatusCode() const noexcept { return status; }
 
-    /// The fields as they came, those of the framing included; the names in the spelling of the response.
-    /// The values of a repeated field (names compared without case) stand in one entry under the first spelling, in
-    /// their order, joined with ", " (RFC 9110, 5.3). So do those of Set-Cookie, which has to be known by who reads it.
+    /// The fields of the response, those of the framing included; names keep its spelling.
+    /// The values of a repeated field (names compared without case) form one entry under the first spelling, in
+    /// their order, joined with ", " (RFC 9110, 5.3). So do those of Set-Cookie, which readers have to know.
     std::map<std::string, std::string> const& GetFields() const noexcept { return fields; }
 
     std::string const& GetBody() const noexcept { return body; }

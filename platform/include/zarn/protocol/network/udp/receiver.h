@@ -29,8 +29,8 @@ namespace zarn::protocol::network::udp {
 /// a second.
 ///
 /// A datagram reaches the callback only when it keeps to both rules, so that the receiver's user cannot be made to
-/// answer somebody far away, or a lot:
-/// - its source is on a network that is directly connected to the interface by which it came, or is this machine
+/// flood another host:
+/// - its source is on a network that is directly connected to the interface that received it, or is this machine
 ///   itself, unless the receiver's user allows any source (AnySource);
 /// - its source has not sent too many lately, and neither have all sources together (Throttle).
 /// Others are counted and reported in the log, at most once a second.
@@ -40,11 +40,11 @@ namespace zarn::protocol::network::udp {
 /// the context has stopped; no callback begins after that. What the callback refers to must live until then.
 class Receiver {
 public:
-    /// Takes one datagram.
+    /// Handles one datagram.
     /// error   none for a datagram. boost::asio::error::message_size for one that was longer than the buffer, whose
     ///         first part is given. Any other: receiving failed; it goes on after a tenth of a second.
     /// buffer  the datagram, never null; empty when receiving failed
-    /// source  who sent it; unspecified when receiving failed
+    /// source  of the datagram; unspecified when receiving failed
     /// What it throws is left to the context's thread; receiving goes on.
     using Callback =
         std::function<Operation(boost::system::error_code const& error, std::shared_ptr<container::Buffer> buffer,

@@ -25,7 +25,7 @@ public:
     bool HasToken(Clock::time_point now) const noexcept;
 
     /// Takes a token; only when HasToken says that there is one.
-    void Take(Clock::time_point now) noexcept;
+    void TakeToken(Clock::time_point now) noexcept;
 
     /// True when no token is missing: the bucket says no more than a new one.
     bool IsFull(Clock::time_point now) const noexcept;
@@ -48,7 +48,7 @@ public:
     /// the bucket of a source is full again after two seconds.
     static constexpr std::size_t MaximumSources = 1024;
 
-    /// Takes one datagram into account; false when it is one too many. One that is refused counts for nothing, so that
+    /// Counts one datagram; false when it is one too many. One that is refused counts for nothing, so that
     /// a source that sends too much cannot use up what the others may send.
     bool Admit(boost::asio::ip::address_v4 const& source, Clock::time_point now = Clock::now());
 

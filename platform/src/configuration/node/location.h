@@ -1,10 +1,19 @@
 #pragma once
 
+#include <memory>
+#include <mutex>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace zarn::configuration::node {
+
+/// Where a node is: what it shares with its tree, and its name in it.
+struct Location {
+    std::shared_ptr<std::recursive_mutex> treeMutex;
+    std::string key;
+    std::string path;
+};
 
 /// Whether a text can be the key of a node: 1 to 64 letters, digits, '-' and '_'.
 bool IsKey(std::string_view text) noexcept;

@@ -1,4 +1,4 @@
-#include "configuration/node/key.h"
+#include "configuration/node/location.h"
 
 #include "configuration/schema/quote.h"
 
