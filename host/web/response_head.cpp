@@ -1,5 +1,7 @@
 #include "host/web/response_head.h"
 
+#include <zarn/protocol/network/http/token.h>
+
 #include <boost/beast/core/string.hpp>
 
 #include <algorithm>
@@ -18,14 +20,6 @@ constexpr std::array<std::string_view, 6> OwnFields{"Connection", "Content-Lengt
 
 bool IsOwn(std::string_view name) {
     return std::any_of(OwnFields.begin(), OwnFields.end(), [&](auto own) { return boost::beast::iequals(own, name); });
-}
-
-bool IsToken(std::string_view name) {
-    constexpr std::string_view Marks = "!#$%&'*+-.^_`|~";
-    return !name.empty() && std::all_of(name.begin(), name.end(), [&](char c) {
-        return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') ||
-               Marks.find(c) != std::string_view::npos;
-    });
 }
 
 bool IsValue(std::string_view value) {
@@ -78,7 +72,7 @@ std::string MakeResponseHead(Reply const& reply, ResponseForm form) {
         Add(head, "Content-Length", std::to_string(length));
     }
     for (auto const& [name, value] : reply.GetFields()) {
-        if (IsToken(name) && IsValue(value) && !IsOwn(name)) Add(head, name, value);
+        if (protocol::network::http::IsToken(name) && IsValue(value) && !IsOwn(name)) Add(head, name, value);
     }
     head.append("\r\n");
     return head;

@@ -6,7 +6,6 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
-#include <exception>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -49,8 +48,8 @@ public:
             if (!suppressed) return;
             std::array<std::string, sizeof...(Args)> const texts{ToText(args)...};
             Write(level, Format(format, texts), *suppressed);
-        } catch (std::exception const&) {
-            return; // there is no other way to report it
+        } catch (...) { // without memory for the line there is no other way to report it
+            return;
         }
     }
 
