@@ -187,8 +187,8 @@ void Application::ScheduleApply() {
     if (!applyScheduled.exchange(true)) boost::asio::post(control, [this] { Apply(); });
 }
 
-/// Every group of settings that is followed. What the objects are made with, before they are applied at start, lets
-/// nobody in.
+/// Every group of settings that takes effect when it changes. The objects are made with defaults that refuse every
+/// login until these are applied.
 std::vector<Application::Applier> Application::MakeAppliers() {
     auto const& root = *preparation.configuration;
     return {

@@ -38,7 +38,7 @@ public:
     /// Fills the tree at start, from
     /// - the file,
     /// - the copy, when the file is gone or damaged. The log says so. A file that is gone is written again; a damaged
-    ///   one stays, because somebody may be editing it;
+    ///   one stays, because it may be being edited;
     /// - the embedded default when neither exists; the file is then written, with the folders that are missing.
     /// Throws LoadError when the file holds what the tree does not accept, or when the copy is needed and cannot be
     /// used; std::system_error when the default cannot be written.

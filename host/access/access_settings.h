@@ -9,7 +9,7 @@
 
 namespace zarn::host {
 
-/// Who gets in: what the web server and the RTSP server ask alike.
+/// How clients log in, on the web server and the RTSP server alike.
 struct AccessSettings {
     bool authenticate = true;               ///< whether clients have to log in
     std::chrono::seconds nonceLife{300};    ///< how long a nonce of the web server is accepted

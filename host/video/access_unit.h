@@ -29,9 +29,8 @@ using AccessUnitPtr = std::shared_ptr<AccessUnit const>;
 /// Access units in decoding order.
 using AccessUnits = std::vector<AccessUnitPtr>;
 
-/// The newest key frame of a stream and everything after it: what a viewer who comes now, or a snapshot, has to decode.
-/// Bounded: a group that grows past a bound is given up until the next key frame, since a part of it would be of no
-/// use. Thread: one at a time.
+/// The newest key frame of a stream and everything after it: what a new viewer or a snapshot has to decode. A group that
+/// grows past a bound is dropped until the next key frame, since a part of it would be useless. Thread: one at a time.
 class GroupOfPictures {
 public:
     struct Bounds {
@@ -43,10 +42,10 @@ public:
 
     explicit GroupOfPictures(Bounds bounds) : bounds(bounds) {}
 
-    /// Takes the next access unit; those before the first key frame are passed over.
+    /// Adds the next access unit; those before the first key frame are skipped.
     void Add(AccessUnitPtr unit);
 
-    /// Forgets everything.
+    /// Drops everything.
     void Clear();
 
     /// The group so far; empty or beginning with a key frame.

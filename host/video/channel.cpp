@@ -186,7 +186,7 @@ void Channel::WaitUntil(std::stop_token const& stop, Clock::time_point time) {
 /// Thread: the channel's own, the only one that writes the state.
 void Channel::SetState(ChannelState next, Failure const& why) {
     if (state == next && detail == why.summary) return;
-    Report(next, why.GetText()); // first, so that whoever sees the state finds its line in the log
+    Report(next, why.GetText()); // first, so that a visible state has its line in the log
     std::scoped_lock const lock(mutex);
     state = next;
     detail = why.summary;
@@ -197,7 +197,7 @@ void Channel::Report(ChannelState next, std::string why) {
         Log().Log(logging::Level::Info, "channel %0%: running, %1%", settings.id, ToText(stream->Describe()));
         reported.clear();
     } else if (next == ChannelState::Failed && reported != why) {
-        Log().Log(logging::Level::Warning, "channel %0%: source %1% failed, it is tried again: %2%", settings.id,
+        Log().Log(logging::Level::Warning, "channel %0%: source %1% failed and will be reopened: %2%", settings.id,
                   WithoutSecrets(settings.source), why);
         reported = std::move(why);
     }

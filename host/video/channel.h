@@ -17,14 +17,14 @@
 
 namespace zarn::host::video {
 
-/// Keeps one source open and publishes its video in real time: opens it, begins a file again at its end, opens a source
-/// that failed again after a pause. Each channel with a source has a thread of its own, so that none can hold up
+/// Keeps one source open and publishes its video in real time: replays a file at its end, and reopens a source that
+/// failed after a pause. Each channel with a source has a thread of its own, so that none can hold up
 /// another. Thread: any.
 class Channel {
 public:
-    /// A source that is not understood, or no thread for it, makes a channel that has failed.
+    /// The channel fails at once when its source is not valid or no thread can be started.
     /// settings  see ChannelSettings
-    /// onBreak   called on the channel's thread when the video changed so that those who view it cannot go on
+    /// onBreak   called on the channel's thread when the video changed so that viewers cannot go on
     Channel(ChannelSettings settings, std::function<void()> onBreak);
 
     /// Stop(); waits without a deadline.
@@ -40,14 +40,14 @@ public:
     /// on a disk that does not answer. After that nothing is published and onBreak is not called.
     bool WaitForEnd(std::chrono::steady_clock::time_point deadline);
 
-    /// Leaves a channel that does not end to itself: its streams end, and onBreak is not called any more.
+    /// Gives up waiting for a channel that does not end: its streams end, and onBreak is not called any more.
     void Abandon();
 
-    /// True when only the description differs between the settings, so that the channel can go on. One that could not
-    /// begin cannot.
+    /// True when the settings differ only in the description, so that the channel can go on. A channel whose thread could
+    /// not be started cannot.
     bool CanGoOnWith(ChannelSettings const& other) const;
 
-    /// Changes the description that stands until the video is known.
+    /// Changes the description until the video is known.
     void SetDescribed(meta::data::VideoInfo const& value) { stream->SetDescribed(value); }
 
     /// The video; never null.

@@ -23,7 +23,7 @@ struct ChannelSettings {
     /// Password for an `rtsp://` source. Never logged.
     std::string password;
 
-    /// The description that stands until the video itself tells better.
+    /// The description until the video is known.
     meta::data::VideoInfo described;
 
     bool operator==(ChannelSettings const&) const = default;

@@ -15,9 +15,9 @@ namespace zarn::host::video {
 /// What a channel is doing.
 enum class ChannelState {
     Described,  ///< No source: nothing runs.
-    Connecting, ///< The source is being opened; no frame has come yet.
-    Running,    ///< Frames come.
-    Failed      ///< The source failed (ChannelStatus::detail says why); it is tried again after a pause.
+    Connecting, ///< The source is being opened; no frame has arrived.
+    Running,    ///< Frames arrive.
+    Failed      ///< The source failed (ChannelStatus::detail says why); it is reopened after a pause.
 };
 
 /// Lower-case name of a state, for logs and status documents: "described", "connecting", "running", "failed".
@@ -34,14 +34,14 @@ struct ChannelStatus {
     /// What the channel is doing.
     ChannelState state = ChannelState::Described;
 
-    /// Why the channel is in this state, for everybody: names no address, path, user or password, which the log does.
+    /// Why the channel is in this state. Public: names no address, path, user or password; the log does.
     /// Empty when there is nothing to say.
     std::string detail;
 
     /// What Engine::Describe() gives.
     meta::data::VideoInfo info;
 
-    /// Time since the newest frame came; none when no frame has come yet.
+    /// Time since the newest frame; none before the first.
     std::optional<std::chrono::milliseconds> frameAge;
 
     /// How many times the source was opened again after a failure.

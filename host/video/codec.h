@@ -5,10 +5,10 @@
 
 namespace zarn::host::video {
 
-/// The codings that streams are served in.
+/// The codecs that streams are served in.
 enum class Codec { H264, H265 };
 
-/// What belongs to a coding: names in settings, caps and GStreamer elements.
+/// The names of a codec in settings, caps and GStreamer elements.
 struct CodecTraits {
     std::string_view name;       ///< in source texts
     std::string_view mediaType;  ///< in caps and in VideoInfo
@@ -19,13 +19,13 @@ struct CodecTraits {
     char const* encoderSettings; ///< properties of the encoder, as in a launch line: no delay, little work
 };
 
-/// The row of a coding.
+/// The names of a codec.
 CodecTraits const& GetTraits(Codec codec);
 
-/// The coding with a name of source texts.
+/// The codec with this name in the text of a source.
 std::optional<Codec> CodecFromName(std::string_view name);
 
-/// The coding with a media type.
+/// The codec with this media type.
 std::optional<Codec> CodecFromMediaType(std::string_view mediaType);
 
 } // namespace zarn::host::video

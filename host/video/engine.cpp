@@ -69,7 +69,7 @@ public:
         if (isStopped) return;
         auto next = KeepUnchanged(settings);
         End(next);
-        // Replaced in one step, so that nobody who asks meanwhile misses a channel that only changes. Whatever is
+        // Replaced in one step, so that a channel which only changes is found all the time. Whatever is
         // thrown on the way: what has ended is not found any more, the rest serves on, and the same call made again
         // begins what is missing.
         try {

@@ -33,18 +33,18 @@ public:
     Engine& operator=(Engine const&) = delete;
 
     /// Makes the channels those of `channels`, in this order. A channel whose settings are the same goes on
-    /// undisturbed; one whose source changed starts anew; one that is gone ends, and so do its streams. A source that
+    /// undisturbed; one whose source changed restarts; one that is gone ends, and so do its streams. A source that
     /// CheckSource() refuses leaves its channel Failed. So does a channel for which no thread can be
     /// started, until it is set again. Waits until what ends has ended, under half a second: a source that hangs is
     /// left to itself. Throws std::invalid_argument when two channels have the same identifier; nothing has changed
     /// then. Does nothing after Stop().
     void SetChannels(std::vector<ChannelSettings> const& channels);
 
-    /// Switches authentication for connections that come from now on; `ha1` as in RtspSettings. Connections that are
-    /// there keep what they were accepted with.
+    /// Switches authentication for new connections; `ha1` as in RtspSettings. Existing connections keep the
+    /// authentication that they were accepted with.
     void SetAuthentication(bool authenticate, std::string const& ha1);
 
-    /// Bounds for the connections that come from now on.
+    /// Bounds for new connections.
     void SetLimits(ConnectionLimits const& limits);
 
     /// The bound RTSP port.

@@ -7,15 +7,14 @@
 
 namespace zarn::host::video {
 
-/// Turns times of a stream's timeline into those of one viewer, which begin at zero. What was kept from before the
-/// viewer came passes in a fiftieth of its time, so that a picture is there at once and the viewer is up to date right
-/// after. Order is kept, also between presentation times that go back and forth. Pure.
+/// Turns times of a stream's timeline into those of one viewer, which begin at zero. Video from before the viewer
+/// connected passes in a fiftieth of its time, so that the viewer sees a picture at once and is up to date right after. Order is kept, also between presentation times that go back and forth. Pure.
 class ViewerClock {
 public:
     using Time = std::chrono::nanoseconds;
 
     /// first  presentation or decoding time of the first access unit, whichever is less
-    /// present  the timeline when the viewer comes
+    /// present  the time on the timeline when the viewer connects
     ViewerClock(Time first, Time present) : first(first), present(present < first ? first : present) {}
 
     /// The viewer's time; never negative.
@@ -32,8 +31,7 @@ private:
     Time present;
 };
 
-/// Hands access units to one RTSP media. Never waits: a media that does not take them in time misses some and goes on
-/// at a key frame. Thread: one at a time.
+/// Hands access units to one RTSP media. Never waits: a media that is too slow misses some and goes on at a key frame. Thread: one at a time.
 class Feed {
 public:
     /// source  the media's application source

@@ -20,7 +20,7 @@ struct Format {
     std::optional<FrameRate> rate; ///< none when the stream does not tell
     std::shared_ptr<GstCaps> caps; ///< the whole description, for decoders and payloaders
 
-    /// True when a viewer of the one can go on with the other.
+    /// Whether a viewer of one format can go on with the other.
     bool Continues(Format const& other) const {
         return codec == other.codec && width == other.width && height == other.height;
     }
@@ -29,7 +29,7 @@ struct Format {
 /// Reads the caps of a parsed H.264 or H.265 stream; none when they are of something else or carry no size.
 std::optional<Format> ReadFormat(GstCaps* caps);
 
-/// The description for the ONVIF services; `measured` stands in for a rate that the stream does not tell.
+/// The description for the ONVIF services; `measured` replaces a rate that the stream does not tell.
 meta::data::VideoInfo ToVideoInfo(Format const& format, std::optional<FrameRate> measured);
 
 } // namespace zarn::host::video

@@ -21,7 +21,7 @@ std::string GetDetail(std::string_view technical) {
     return std::string(technical.substr(0, Readable)) + (technical.size() > Readable ? "..." : "");
 }
 
-/// What is told everybody of an error of GStreamer, whose own text may hold addresses and paths.
+/// The public text of an error of GStreamer, whose own text may hold addresses and paths.
 struct Summary {
     GQuark (*domain)();
     int code; ///< AnyCode: the rest of the domain

@@ -10,15 +10,15 @@
 
 namespace zarn::host::video {
 
-/// Why a source or a pipeline is of no use.
+/// Why a source or a pipeline failed.
 struct Failure {
-    /// For everybody: names no address, path, user or password.
+    /// Public: names no address, path, user or password.
     std::string summary;
 
     /// For the log: what GStreamer says, which may name addresses and paths. Empty when the summary says it all.
     std::string detail = {};
 
-    /// What the log is told.
+    /// The text for the log.
     std::string const& GetText() const { return detail.empty() ? summary : detail; }
 };
 
@@ -48,7 +48,7 @@ public:
     /// Ends everything; the streaming threads have gone when this returns. The destructor does it too.
     void End();
 
-    /// Puts down why the pipeline is of no use; the first reason stays.
+    /// Sets why the pipeline failed; the first reason stays.
     void Fail(Failure reason);
 
     /// Why the pipeline failed; none when it did not.

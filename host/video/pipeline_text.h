@@ -19,7 +19,7 @@ struct EncoderInput {
     std::uint32_t width = 0;
     std::uint32_t height = 0;
     FrameRate rate;
-    bool isLive = true; ///< pictures that come too fast are dropped instead of waited for
+    bool isLive = true; ///< pictures that are too many are dropped, not waited for
 };
 
 /// Launch line of what comes after a coded stream: whole access units as a byte stream, parameter sets in every key
@@ -29,7 +29,7 @@ std::string MakeParserText(Codec codec);
 /// Launch line of what comes after raw pictures: encoder without delay, a key frame every second, then the parser.
 std::string MakeEncoderText(Codec codec, EncoderInput const& input);
 
-/// Launch line of what comes after test pictures: their size and rate, then the encoder.
+/// Launch line behind test pictures: their size and rate, then the encoder.
 std::string MakeTestText(TestEncoding const& test);
 
 /// Launch line that takes access units and ends with RTP packets, as a media factory wants it.

@@ -29,7 +29,7 @@ public:
         SourceTimes times;            ///< on the clock of this run
     };
 
-    struct Nothing {}; ///< no picture came in time
+    struct Nothing {}; ///< no picture in time
 
     struct Ended {}; ///< the source has no more pictures
 

@@ -11,14 +11,14 @@ namespace zarn::host::video {
 /// Measures the frame rate of a stream that does not tell it. Pure. Thread: one at a time.
 class RateMeter {
 public:
-    /// One more access unit at this decoding time; times that do not grow are passed over.
+    /// One more access unit at this decoding time; times that do not grow are skipped.
     void Add(std::chrono::nanoseconds time);
 
     /// The rate over the newest seconds as one that is usual for video when it is within one percent of such a one,
-    /// else rounded to hundredths. None until enough access units came.
+    /// else rounded to hundredths. None before enough access units.
     std::optional<FrameRate> GetRate() const { return rate; }
 
-    /// Begins anew.
+    /// Starts over.
     void Reset() { *this = RateMeter(); }
 
 private:

@@ -22,8 +22,7 @@ struct RtspSettings {
     /// set. With anything else every login fails.
     std::string ha1 = {};
 
-    /// For connections that come; more than rtsp::Connections::Maximum are never taken. Further ones are closed at
-    /// once.
+    /// For new connections, and never more than rtsp::Connections::Maximum; further ones are closed at once.
     ConnectionLimits limits = {};
 
     /// Slows down guessing passwords; never null.

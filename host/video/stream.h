@@ -27,26 +27,26 @@ public:
         AccessUnits units; ///< begins with a key frame
     };
 
-    /// described  the description that stands until a format is known
+    /// described  the description until a format is known
     explicit Stream(meta::data::VideoInfo described);
 
-    /// Changes the description that stands until a format is known.
+    /// Changes the description until a format is known.
     void SetDescribed(meta::data::VideoInfo value);
 
     /// The time on the stream's timeline.
     std::chrono::nanoseconds GetNow() const { return Clock::now() - begin; }
 
-    /// What is published from now on has this format. Returns false when those who view cannot go on with it: they have
-    /// been given their end.
+    /// Sets the format of what is published next. Returns false when viewers cannot go on with it: their streams have
+    /// then ended.
     bool SetFormat(Format const& value);
 
-    /// Hands the next access unit to all who view.
+    /// Hands the next access unit to all viewers.
     void Publish(AccessUnitPtr unit);
 
-    /// The source failed: those who view wait for it to come back, a new viewer gets nothing before the next key frame.
+    /// The source failed: viewers wait for it to recover; new ones get nothing before the next key frame.
     void Interrupt();
 
-    /// Gives all who view their end; a new viewer gets nothing before the next key frame.
+    /// Ends the streams of all viewers; new ones get nothing before the next key frame.
     void End();
 
     /// The newest group of pictures; none before the first key frame.
@@ -56,13 +56,13 @@ public:
     /// none.
     std::shared_ptr<Feed> Join(ObjectHandle<GstElement> source);
 
-    /// The coding of what a viewer would get now; none when there is nothing to view.
+    /// The codec of what a viewer would get now; none when there is nothing to view.
     std::optional<Codec> GetCodec() const;
 
     /// What the video is.
     meta::data::VideoInfo Describe() const;
 
-    /// When the newest access unit came.
+    /// When the newest access unit arrived.
     std::optional<Clock::time_point> GetNewest() const;
 
 private:

@@ -20,7 +20,7 @@ class Timeline {
 public:
     using Time = std::chrono::nanoseconds;
 
-    /// The source begins anew: its times have nothing to do with those before.
+    /// The source restarts: its times have no relation to those before.
     void BeginRun() { offset.reset(); }
 
     /// Places the next access unit in decoding order.

@@ -89,13 +89,13 @@ public:
     explicit Socket(GstRTSPClient* client)
         : descriptor(
               dup(g_socket_get_fd(gst_rtsp_connection_get_read_socket(gst_rtsp_client_get_connection(client))))) {
-        // A peer that sends without end is to fill little of the system's memory, too.
+        // Bounds the system's memory for a peer that never stops sending.
         setsockopt(descriptor.Get(), SOL_SOCKET, SO_RCVBUF, &ReceiveBuffer, sizeof(ReceiveBuffer));
     }
 
     void ShutDown() const { shutdown(descriptor.Get(), SHUT_RDWR); }
 
-    /// The bytes that have come so far, read or not.
+    /// The bytes received so far, read or not.
     std::uint64_t CountReceived() const {
         tcp_info info{};
         socklen_t size = sizeof(info);

@@ -48,10 +48,10 @@ public:
     /// How many there are from an address, as GetAddress() gives it.
     std::size_t CountFrom(std::string const& address) const;
 
-    /// A connection has come; it is forgotten when it closes.
+    /// Adds a new connection, until it closes.
     void Add(GstRTSPClient* client);
 
-    /// Ends one that has just come and has no session yet.
+    /// Ends a new connection, which has no session yet.
     void ShutDown(GstRTSPClient* client);
 
     /// Ends those that have had no session for `Patience`, and those that have sent too much since the last call.
@@ -75,7 +75,7 @@ private:
         Client client;
         std::unique_ptr<Socket> socket;
         std::string address;
-        Clock::time_point seen; ///< when it came or was last known to have a session
+        Clock::time_point seen; ///< when it was accepted or last seen with a session
         std::uint64_t received; ///< bytes, at the last call of EndMisused()
     };
 

@@ -16,7 +16,7 @@ namespace zarn::host::video::rtsp {
 class Server {
 public:
     /// port          TCP port; 0 binds a free one
-    /// failedLogins  slows down who guesses passwords; never null
+    /// failedLogins  slows down guessing passwords; never null
     /// Throws std::runtime_error when it cannot be bound; the message names the port.
     Server(std::uint16_t port, std::shared_ptr<FailedLogins> failedLogins);
 
@@ -29,10 +29,10 @@ public:
     /// The bound port.
     std::uint16_t GetPort() const;
 
-    /// Asks connections that come from now on for digest authentication with this hash, or lets everybody in.
+    /// Whether new connections must authenticate (digest, with this hash).
     void SetAuthentication(bool authenticate, std::string const& ha1);
 
-    /// Bounds for the connections that come from now on.
+    /// Bounds for new connections.
     void SetLimits(ConnectionLimits const& limits);
 
     /// Serves a stream at `/channels/ID`, in place of what was there.
@@ -41,11 +41,11 @@ public:
     /// Serves nothing there any more; the viewers' connections end as by Disconnect().
     void Unmount(std::string const& id);
 
-    /// Ends the connections of those who view a channel now, after a moment in which they hear of the end of the
+    /// Ends the connections of the viewers of a channel, after a moment in which they hear of the end of the
     /// stream, which the caller has ended. Returns at once. Thread: any.
     void Disconnect(std::string const& id);
 
-    /// Ends all connections and closes the port. Those who view hear of the end when their streams have been ended
+    /// Ends all connections and closes the port. Viewers hear of the end when their streams have been ended
     /// before. Stopping twice is harmless. Nothing else may be called afterwards.
     void Stop();
 
