@@ -11,7 +11,9 @@
 #include <cstddef>
 #include <cstdlib>
 #include <filesystem>
+#include <memory>
 #include <system_error>
+#include <tuple>
 #include <utility>
 
 namespace zarn::host {
@@ -70,22 +72,8 @@ private:
     std::string path;
 };
 
-/// Removes a file unless it is told to keep it.
-class Remover {
-public:
-    explicit Remover(std::string path) : path(std::move(path)) {}
-
-    ~Remover() {
-        if (!path.empty()) unlink(path.c_str());
-    }
-
-    Remover(Remover const&) = delete;
-    Remover& operator=(Remover const&) = delete;
-
-    void Keep() { path.clear(); }
-
-private:
-    std::string path;
+struct Unlink {
+    void operator()(std::string const* path) const { unlink(path->c_str()); }
 };
 
 } // namespace
@@ -101,12 +89,12 @@ void WriteFileAtomically(std::string const& path, std::string_view text) {
 
     std::string beside = target + ".XXXXXX";
     File const file(mkostemp(beside.data(), O_CLOEXEC), beside);
-    Remover remover(beside);
+    std::unique_ptr<std::string const, Unlink> unfinished(&beside);
     file.Write(text);
     file.SetMode(mode);
     file.Sync();
     if (rename(beside.c_str(), target.c_str()) != 0) Fail(path, errno);
-    remover.Keep();
+    std::ignore = unfinished.release();
     // Until the folder is on the disk the new name is not, either.
     auto const parent = std::filesystem::path(target).parent_path();
     std::string const folder = parent.empty() ? std::string(".") : parent.string();

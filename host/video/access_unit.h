@@ -29,8 +29,9 @@ using AccessUnitPtr = std::shared_ptr<AccessUnit const>;
 /// Access units in decoding order.
 using AccessUnits = std::vector<AccessUnitPtr>;
 
-/// The newest key frame of a stream and everything after it: what a new viewer or a snapshot has to decode. A group that
-/// grows past a bound is dropped until the next key frame, since a part of it would be useless. Thread: one at a time.
+/// The newest key frame of a stream and everything after it: what a new viewer or a snapshot has to decode. A group
+/// that grows past a bound is dropped until the next key frame, since a part of it would be useless. Thread: one at a
+/// time.
 class GroupOfPictures {
 public:
     struct Bounds {

@@ -43,8 +43,8 @@ public:
     /// Gives up waiting for a channel that does not end: its streams end, and onBreak is not called any more.
     void Abandon();
 
-    /// True when the settings differ only in the description, so that the channel can go on. A channel whose thread could
-    /// not be started cannot.
+    /// True when the settings differ only in the description, so that the channel can go on. A channel whose thread
+    /// could not be started cannot.
     bool CanGoOnWith(ChannelSettings const& other) const;
 
     /// Changes the description until the video is known.

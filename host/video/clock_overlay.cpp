@@ -21,15 +21,19 @@ struct Box {
     std::size_t left, top, width, height;
 };
 
-/// The segments a to g of a digit in units of the cell, in the order of the bits below.
-constexpr std::array Segments{Box{0, 0, 3, 1}, Box{2, 0, 1, 4}, Box{2, 3, 1, 4}, Box{0, 6, 3, 1},
-                              Box{0, 3, 1, 4}, Box{0, 0, 1, 4}, Box{0, 3, 3, 1}};
+/// The segments a to g of a digit and three dots, in units of the cell, in the order of the bits below.
+constexpr std::array Segments{Box{0, 0, 3, 1}, Box{2, 0, 1, 4}, Box{2, 3, 1, 4}, Box{0, 6, 3, 1}, Box{0, 3, 1, 4},
+                              Box{0, 0, 1, 4}, Box{0, 3, 3, 1}, Box{1, 2, 1, 1}, Box{1, 4, 1, 1}, Box{1, 6, 1, 1}};
 
-constexpr std::array<std::uint8_t, 10> Digits{0x3F, 0x06, 0x5B, 0x4F, 0x66, 0x6D, 0x7D, 0x07, 0x7F, 0x6F};
+constexpr std::array<unsigned, 10> Digits{0x3F, 0x06, 0x5B, 0x4F, 0x66, 0x6D, 0x7D, 0x07, 0x7F, 0x6F};
+constexpr unsigned Colon = 0x180;
+constexpr unsigned Point = 0x200;
 
-constexpr Box UpperDot{1, 2, 1, 1};
-constexpr Box MiddleDot{1, 4, 1, 1};
-constexpr Box LowerDot{1, 6, 1, 1};
+unsigned GetSegments(char character) {
+    if (character >= '0' && character <= '9') return Digits[static_cast<std::size_t>(character - '0')];
+    if (character == ':') return Colon;
+    return character == '.' ? Point : 0;
+}
 
 void Fill(Plane const& plane, Box const& box, std::uint8_t value) {
     auto const right = std::min(box.left + box.width, plane.width);
@@ -39,40 +43,6 @@ void Fill(Plane const& plane, Box const& box, std::uint8_t value) {
             std::ranges::fill(plane.samples.subspan(row * plane.stride + box.left, right - box.left), value);
     }
 }
-
-/// Draws into the cell whose upper left corner is at `left` and `top`, with `unit` pixels per unit.
-class Cell {
-public:
-    Cell(Plane const& plane, std::size_t left, std::size_t top, std::size_t unit)
-        : plane(plane), left(left), top(top), unit(unit) {}
-
-    void Draw(char character) const {
-        if (character >= '0' && character <= '9') {
-            DrawDigit(Digits[static_cast<std::size_t>(character - '0')]);
-        } else if (character == ':') {
-            Draw(UpperDot);
-            Draw(MiddleDot);
-        } else if (character == '.') {
-            Draw(LowerDot);
-        }
-    }
-
-private:
-    void DrawDigit(std::uint8_t segments) const {
-        for (std::size_t index = 0; index < Segments.size(); ++index) {
-            if ((segments >> index & 1) != 0) Draw(Segments[index]);
-        }
-    }
-
-    void Draw(Box const& box) const {
-        Fill(plane, {left + box.left * unit, top + box.top * unit, box.width * unit, box.height * unit}, Bright);
-    }
-
-    Plane const& plane;
-    std::size_t left;
-    std::size_t top;
-    std::size_t unit;
-};
 
 /// To tenths of a second.
 std::string TellTime() {
@@ -115,7 +85,13 @@ void DrawClock(Plane const& brightness, std::string_view text) {
     Fill(brightness, {unit, unit, (text.size() * CellWidth + 1) * unit, (CellHeight + 1) * unit}, Dark);
     auto left = 2 * unit;
     for (char const character : text) {
-        Cell(brightness, left, 2 * unit, unit).Draw(character);
+        auto const segments = GetSegments(character);
+        for (std::size_t index = 0; index < Segments.size(); ++index) {
+            if ((segments >> index & 1) == 0) continue;
+            auto const& box = Segments[index];
+            Fill(brightness, {left + box.left * unit, (2 + box.top) * unit, box.width * unit, box.height * unit},
+                 Bright);
+        }
         left += CellWidth * unit;
     }
 }

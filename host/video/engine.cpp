@@ -53,9 +53,10 @@ void RefuseDoubles(std::vector<ChannelSettings> const& channels) {
 
 class Engine::Impl {
 public:
-    explicit Impl(RtspSettings const& settings) : server(settings.port, settings.failedLogins), port(server.GetPort()) {
-        server.SetLimits(settings.limits);
-        server.SetAuthentication(settings.authenticate, settings.ha1);
+    explicit Impl(RtspSettings const& settings)
+        : server(std::make_unique<rtsp::Server>(settings.port, settings.failedLogins)), port(server->GetPort()) {
+        server->SetLimits(settings.limits);
+        server->SetAuthentication(settings.authenticate, settings.ha1);
     }
 
     ~Impl() { Stop(); }
@@ -83,12 +84,12 @@ public:
 
     void SetAuthentication(bool authenticate, std::string const& ha1) {
         std::scoped_lock const changing(changeMutex);
-        if (!isStopped) server.SetAuthentication(authenticate, ha1);
+        if (!isStopped) server->SetAuthentication(authenticate, ha1);
     }
 
     void SetLimits(ConnectionLimits const& limits) {
         std::scoped_lock const changing(changeMutex);
-        if (!isStopped) server.SetLimits(limits);
+        if (!isStopped) server->SetLimits(limits);
     }
 
     std::uint16_t GetPort() const { return port; }
@@ -119,7 +120,7 @@ public:
         for (auto const& entry : last.order) entry->channel.Stop();
         stills.Stop();
         AwaitEnd(last.order);
-        server.Stop();
+        server.reset();
     }
 
 private:
@@ -144,7 +145,7 @@ private:
         }
         AwaitEnd(gone);
         for (auto const& [id, entry] : entries.byId) {
-            if (!kept.byId.contains(id) && entry->channel.HasSource()) server.Unmount(id);
+            if (!kept.byId.contains(id) && entry->channel.HasSource()) server->Unmount(id);
         }
     }
 
@@ -179,12 +180,12 @@ private:
     }
 
     EntryPtr Begin(ChannelSettings const& settings) {
-        auto entry = std::make_shared<Entry>(settings, [this, id = settings.id] { server.Disconnect(id); });
-        if (entry->channel.HasSource()) server.Mount(settings.id, entry->channel.GetStream());
+        auto entry = std::make_shared<Entry>(settings, [this, id = settings.id] { server->Disconnect(id); });
+        if (entry->channel.HasSource()) server->Mount(settings.id, entry->channel.GetStream());
         return entry;
     }
 
-    rtsp::Server server;
+    std::unique_ptr<rtsp::Server> server; ///< null once stopped
     std::uint16_t const port;
     StillService stills;
     std::mutex changeMutex; ///< held by what changes the channels, over the waiting; guards isStopped

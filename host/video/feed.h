@@ -8,7 +8,8 @@
 namespace zarn::host::video {
 
 /// Turns times of a stream's timeline into those of one viewer, which begin at zero. Video from before the viewer
-/// connected passes in a fiftieth of its time, so that the viewer sees a picture at once and is up to date right after. Order is kept, also between presentation times that go back and forth. Pure.
+/// connected passes in a fiftieth of its time, so that the viewer sees a picture at once and is up to date right after.
+/// Order is kept, also between presentation times that go back and forth. Pure.
 class ViewerClock {
 public:
     using Time = std::chrono::nanoseconds;
@@ -31,7 +32,8 @@ private:
     Time present;
 };
 
-/// Hands access units to one RTSP media. Never waits: a media that is too slow misses some and goes on at a key frame. Thread: one at a time.
+/// Hands access units to one RTSP media. Never waits: a media that is too slow misses some and goes on at a key frame.
+/// Thread: one at a time.
 class Feed {
 public:
     /// source  the media's application source

@@ -23,11 +23,6 @@ struct MiniObjectRelease {
     }
 };
 
-/// Frees what GLib allocated.
-struct GlibRelease {
-    void operator()(void* memory) const noexcept { g_free(memory); }
-};
-
 /// An owned reference to a GObject or GstObject, such as GstElement.
 template <class T>
 using ObjectHandle = std::unique_ptr<T, ObjectRelease>;
@@ -35,8 +30,5 @@ using ObjectHandle = std::unique_ptr<T, ObjectRelease>;
 /// An owned reference to a GstBuffer, GstCaps, GstSample or GstMessage.
 template <class T>
 using MiniHandle = std::unique_ptr<T, MiniObjectRelease>;
-
-/// A text of GLib's.
-using TextHandle = std::unique_ptr<gchar, GlibRelease>;
 
 } // namespace zarn::host::video

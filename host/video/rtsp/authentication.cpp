@@ -1,6 +1,6 @@
 #include "host/video/rtsp/authentication.h"
 
-#include "host/video/rtsp/derived.h"
+#include "host/video/rtsp/gobject.h"
 #include "host/video/rtsp/media_factory.h"
 
 #include <zarn/authentication/realm.h>

@@ -1,5 +1,7 @@
 #include "host/video/rtsp/connections.h"
 
+#include "host/video/rtsp/gobject.h"
+
 #include <zarn/io/unique_descriptor.h>
 
 #include <linux/tcp.h>
@@ -13,67 +15,68 @@
 namespace zarn::host::video::rtsp {
 namespace {
 
-/// What FindViewers() looks for in sessions.
-struct Search {
-    std::string const& path;
-    bool isFound = false;
-};
-
-GstRTSPFilterResult MatchMedia(GstRTSPSession*, GstRTSPSessionMedia* media, gpointer data) {
-    auto& search = *static_cast<Search*>(data);
-    gint matched = 0;
-    if (gst_rtsp_session_media_matches(media, search.path.c_str(), &matched) != FALSE) search.isFound = true;
-    return GST_RTSP_FILTER_KEEP;
+template <class Visit>
+void ForEachSession(GstRTSPClient* client, Visit visit) {
+    gst_rtsp_client_session_filter(
+        client,
+        [](GstRTSPClient*, GstRTSPSession* session, gpointer function) {
+            (*static_cast<Visit*>(function))(session);
+            return GST_RTSP_FILTER_KEEP;
+        },
+        &visit);
 }
 
-GstRTSPFilterResult MatchSession(GstRTSPClient*, GstRTSPSession* session, gpointer search) {
-    gst_rtsp_session_filter(session, MatchMedia, search);
-    return GST_RTSP_FILTER_KEEP;
-}
+/// Whether `matches` is true for a media of a session.
+template <class Matches>
+bool HasMedia(GstRTSPSession* session, Matches matches) {
+    struct Search {
+        Matches& matches;
+        bool isFound = false;
+    } search{matches};
 
-GstRTSPFilterResult CountSession(GstRTSPClient*, GstRTSPSession*, gpointer count) {
-    ++*static_cast<int*>(count);
-    return GST_RTSP_FILTER_KEEP;
-}
-
-GstRTSPFilterResult RemoveSession(GstRTSPClient*, GstRTSPSession* session, gpointer sessions) {
-    gst_rtsp_session_pool_remove(static_cast<GstRTSPSessionPool*>(sessions), session);
-    return GST_RTSP_FILTER_KEEP;
-}
-
-bool Views(GstRTSPClient* client, std::string const& path) {
-    Search search{path};
-    gst_rtsp_client_session_filter(client, MatchSession, &search);
+    gst_rtsp_session_filter(
+        session,
+        [](GstRTSPSession*, GstRTSPSessionMedia* media, gpointer data) {
+            auto& state = *static_cast<Search*>(data);
+            state.isFound = state.isFound || state.matches(media);
+            return GST_RTSP_FILTER_KEEP;
+        },
+        &search);
     return search.isFound;
 }
 
+bool Views(GstRTSPClient* client, std::string const& path) {
+    bool isFound = false;
+    ForEachSession(client, [&](GstRTSPSession* session) {
+        isFound = isFound || HasMedia(session, [&](GstRTSPSessionMedia* media) {
+                      gint matched = 0;
+                      return gst_rtsp_session_media_matches(media, path.c_str(), &matched) != FALSE;
+                  });
+    });
+    return isFound;
+}
+
 bool HasSession(GstRTSPClient* client) {
-    int count = 0;
-    gst_rtsp_client_session_filter(client, CountSession, &count);
-    return count > 0;
+    bool isFound = false;
+    ForEachSession(client, [&](GstRTSPSession*) { isFound = true; });
+    return isFound;
 }
 
-/// GStreamer keeps sessions for a while when their connection goes.
-void EndSessions(GstRTSPClient* client, GstRTSPClientSessionFilterFunc remove) {
+bool PlaysOverUdp(GstRTSPSession* session) {
+    return HasMedia(session, [](GstRTSPSessionMedia* media) {
+        auto* const transport = gst_rtsp_session_media_get_transport(media, 0);
+        return transport != nullptr && gst_rtsp_session_media_get_rtsp_state(media) == GST_RTSP_STATE_PLAYING &&
+               gst_rtsp_stream_transport_get_transport(transport)->lower_transport == GST_RTSP_LOWER_TRANS_UDP;
+    });
+}
+
+/// GStreamer keeps sessions for a while after their connection closes.
+template <class Ends>
+void EndSessions(GstRTSPClient* client, Ends ends) {
     ObjectHandle<GstRTSPSessionPool> const sessions(gst_rtsp_client_get_session_pool(client));
-    gst_rtsp_client_session_filter(client, remove, sessions.get());
-}
-
-GstRTSPFilterResult FindUdp(GstRTSPSession*, GstRTSPSessionMedia* media, gpointer isFound) {
-    auto* const transport = gst_rtsp_session_media_get_transport(media, 0);
-    if (transport == nullptr || gst_rtsp_session_media_get_rtsp_state(media) != GST_RTSP_STATE_PLAYING)
-        return GST_RTSP_FILTER_KEEP;
-    if (gst_rtsp_stream_transport_get_transport(transport)->lower_transport == GST_RTSP_LOWER_TRANS_UDP) {
-        *static_cast<bool*>(isFound) = true;
-    }
-    return GST_RTSP_FILTER_KEEP;
-}
-
-/// A client that gets video over UDP may come back to its session (RFC 2326, 1.1); its time runs out if it does not.
-GstRTSPFilterResult RemoveUnlessUdp(GstRTSPClient* client, GstRTSPSession* session, gpointer sessions) {
-    bool hasUdp = false;
-    gst_rtsp_session_filter(session, FindUdp, &hasUdp);
-    return hasUdp ? GST_RTSP_FILTER_KEEP : RemoveSession(client, session, sessions);
+    ForEachSession(client, [&](GstRTSPSession* session) {
+        if (ends(session)) gst_rtsp_session_pool_remove(sessions.get(), session);
+    });
 }
 
 } // namespace
@@ -137,14 +140,12 @@ void Connections::Add(GstRTSPClient* client) {
         state->entries.emplace(client, Entry{Client(GST_RTSP_CLIENT(g_object_ref(client))), std::move(socket),
                                              std::move(address), Clock::now(), 0});
     }
-    g_signal_connect_data(
-        client, "closed", G_CALLBACK(&Connections::OnClosed), new std::shared_ptr<State>(state),
-        [](gpointer shared, GClosure*) { delete static_cast<std::shared_ptr<State>*>(shared); },
-        static_cast<GConnectFlags>(0));
+    ConnectShared(client, "closed", G_CALLBACK(&Connections::OnClosed), state);
 }
 
 void Connections::OnClosed(GstRTSPClient* client, gpointer shared) {
-    EndSessions(client, RemoveUnlessUdp);
+    // A client that gets video over UDP may return to its session (RFC 2326, 1.1); otherwise the session times out.
+    EndSessions(client, [](GstRTSPSession* session) { return !PlaysOverUdp(session); });
     auto& state = **static_cast<std::shared_ptr<State>*>(shared);
     std::scoped_lock const lock(state.mutex);
     state.entries.erase(client);
@@ -182,7 +183,7 @@ std::vector<Connections::Client> Connections::FindViewers(std::string const& pat
 
 void Connections::End(std::vector<Client> const& clients) {
     for (auto const& client : clients) {
-        EndSessions(client.get(), RemoveSession);
+        EndSessions(client.get(), [](GstRTSPSession*) { return true; });
         ShutDown(client.get());
     }
 }

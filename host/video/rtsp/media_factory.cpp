@@ -1,7 +1,7 @@
 #include "host/video/rtsp/media_factory.h"
 
 #include "host/video/pipeline_text.h"
-#include "host/video/rtsp/derived.h"
+#include "host/video/rtsp/gobject.h"
 
 #include <gst/app/app.h>
 

@@ -1,19 +1,12 @@
 #include "host/video/rtsp/server.h"
 
-#include "host/video/gstreamer.h"
 #include "host/video/log.h"
 #include "host/video/rtsp/authentication.h"
-#include "host/video/rtsp/connections.h"
-#include "host/video/rtsp/derived.h"
-#include "host/video/rtsp/loop.h"
+#include "host/video/rtsp/gobject.h"
 #include "host/video/rtsp/media_factory.h"
 
-#include <zarn/logging/limited_logger.h>
-
 #include <algorithm>
-#include <atomic>
 #include <chrono>
-#include <cstddef>
 #include <functional>
 #include <map>
 #include <mutex>
@@ -21,7 +14,6 @@
 #include <string_view>
 #include <thread>
 #include <utility>
-#include <vector>
 
 namespace zarn::host::video::rtsp {
 namespace {
@@ -31,7 +23,7 @@ constexpr std::string_view Prefix = "/channels/";
 /// How long connections stay after the end of their stream, so that viewers over UDP hear of it.
 constexpr std::chrono::milliseconds Farewell{150};
 
-/// How long Stop() waits for connections to end.
+/// How long the destructor waits for connections to end.
 constexpr std::chrono::milliseconds EndTimeout{600};
 
 constexpr guint CheckSeconds = 2;
@@ -70,8 +62,10 @@ std::string ToMessage(GError* error) {
     return text;
 }
 
+} // namespace
+
 /// The streams that are served, by the identifier of their channel. Thread: any.
-class Streams {
+class Server::Streams {
 public:
     void Set(std::string const& id, std::shared_ptr<Stream> const& stream) {
         std::scoped_lock const lock(mutex);
@@ -95,163 +89,115 @@ private:
     std::map<std::string, std::shared_ptr<Stream>, std::less<>> streams;
 };
 
-} // namespace
-
-/// The loop's thread accepts connections and checks them now and then; every connection has a thread of its own, since
-/// a peer that never stops sending keeps GStreamer reading.
-class Server::Impl {
-public:
-    Impl(std::uint16_t port, std::shared_ptr<FailedLogins> failedLogins)
-        : failedLogins(std::move(failedLogins)),
-          server(BoundedServer::Make(GST_TYPE_RTSP_SERVER, "ZarnRtspServer", [this] { return HasRoom(); })) {
-        ObjectHandle<GstRTSPThreadPool> const threads(gst_rtsp_server_get_thread_pool(server.get()));
-        gst_rtsp_thread_pool_set_max_threads(threads.get(), ThreadPerConnection);
-        sessions.reset(gst_rtsp_server_get_session_pool(server.get()));
-        gst_rtsp_session_pool_set_max_sessions(sessions.get(), MaximumSessions);
-        mounts.reset(gst_rtsp_server_get_mount_points(server.get()));
-        gst_rtsp_server_set_content_length_limit(server.get(), MaximumBody);
-        gst_rtsp_server_set_service(server.get(), std::to_string(port).c_str());
-        g_signal_connect(server.get(), "client-connected", G_CALLBACK(&Impl::OnConnected), this);
-
-        GError* error = nullptr;
-        auto* source = gst_rtsp_server_create_source(server.get(), nullptr, &error);
-        if (source == nullptr) {
-            throw std::runtime_error("RTSP port " + std::to_string(port) + " cannot be bound: " + ToMessage(error));
-        }
-        Attach(source);
-        auto* timer = g_timeout_source_new_seconds(CheckSeconds);
-        g_source_set_callback(timer, &Impl::OnTimer, this, nullptr);
-        Attach(timer);
-    }
-
-    ~Impl() {
-        loop.Run([this] { StopAccepting(); });
-        if (connections.GetCount() > 0) std::this_thread::sleep_for(Farewell);
-        if (!connections.EndAll(EndTimeout)) Log().Log(logging::Level::Warning, "RTSP connections do not end in time");
-        gst_rtsp_session_pool_filter(
-            sessions.get(), [](auto*, auto*, gpointer) { return GST_RTSP_FILTER_REMOVE; }, nullptr);
-    }
-
-    Impl(Impl const&) = delete;
-    Impl& operator=(Impl const&) = delete;
-
-    void SetAuthentication(bool authenticate, std::string const& ha1) {
-        auto const authentication = authenticate ? MakeAuthentication(ha1, failedLogins) : nullptr;
-        gst_rtsp_server_set_auth(server.get(), authentication.get());
-    }
-
-    void SetLimits(ConnectionLimits const& limits) {
-        maximum = std::min(limits.connections, Connections::Maximum);
-        maximumPerAddress = limits.connectionsPerAddress;
-    }
-
-    void Mount(std::string const& id, std::shared_ptr<Stream> const& stream) {
-        gst_rtsp_mount_points_add_factory(mounts.get(), MakePath(id).c_str(), MakeMediaFactory(stream).release());
-        streams->Set(id, stream);
-    }
-
-    void Unmount(std::string const& id) {
-        gst_rtsp_mount_points_remove_factory(mounts.get(), MakePath(id).c_str());
-        streams->Remove(id);
-        Disconnect(id);
-    }
-
-    void Disconnect(std::string const& id) {
-        auto const viewers = std::make_shared<std::vector<Connections::Client>>(connections.FindViewers(MakePath(id)));
-        if (!viewers->empty()) loop.Post([this, viewers] { connections.End(*viewers); }, Farewell);
-    }
-
-    std::uint16_t GetPort() const { return static_cast<std::uint16_t>(gst_rtsp_server_get_bound_port(server.get())); }
-
-private:
-    void Attach(GSource* source) {
-        g_source_attach(source, loop.GetContext());
-        sources.push_back(source);
-    }
-
-    /// Accepts no more connections.
-    void StopAccepting() {
-        for (auto* source : std::exchange(sources, {})) {
-            g_source_destroy(source);
-            g_source_unref(source);
-        }
-    }
-
-    bool HasRoom() {
-        auto const count = connections.GetCount();
-        if (count < maximum) return true;
-        refusals.Log(logging::Level::Warning, "Refused an RTSP connection: %0% are open", count);
-        return false;
-    }
-
-    /// The address of a connection is known only once it is there.
-    void BoundPerAddress(GstRTSPClient* client) {
-        std::string const address = GetAddress(client);
-        if (connections.CountFrom(address) <= maximumPerAddress) return;
-        refusals.Log(logging::Level::Warning, "Refused an RTSP connection from %0%: too many are open", address);
-        connections.ShutDown(client);
-    }
-
-    static void OnConnected(GstRTSPServer*, GstRTSPClient* client, gpointer self) {
-        auto& impl = *static_cast<Impl*>(self);
-        impl.connections.Add(client);
-        impl.BoundPerAddress(client);
-        for (auto const* signal : {"pre-describe-request", "pre-setup-request"}) {
-            g_signal_connect_data(
-                client, signal, G_CALLBACK(&Impl::OnRequest), new std::shared_ptr<Streams>(impl.streams),
-                [](gpointer shared, GClosure*) { delete static_cast<std::shared_ptr<Streams>*>(shared); },
-                static_cast<GConnectFlags>(0));
-        }
-    }
-
-    /// A channel that has no video at the moment is there, but cannot be served: try again.
-    static GstRTSPStatusCode OnRequest(GstRTSPClient*, GstRTSPContext* context, gpointer shared) {
-        auto const stream = (*static_cast<std::shared_ptr<Streams>*>(shared))->Find(FindId(context));
-        return stream && !stream->GetCodec() ? GST_RTSP_STS_SERVICE_UNAVAILABLE : GST_RTSP_STS_OK;
-    }
-
-    static gboolean OnTimer(gpointer self) {
-        auto& impl = *static_cast<Impl*>(self);
-        gst_rtsp_session_pool_cleanup(impl.sessions.get());
-        impl.connections.EndMisused(Connections::Clock::now());
-        return G_SOURCE_CONTINUE;
-    }
-
-    Connections connections;
-    logging::LimitedLogger refusals{Log().GetName()};
-    std::atomic<std::size_t> maximum = Connections::Maximum;
-    std::atomic<std::size_t> maximumPerAddress = Connections::Maximum;
-    std::shared_ptr<FailedLogins> const failedLogins;
-    std::shared_ptr<Streams> const streams = std::make_shared<Streams>();
-    ObjectHandle<GstRTSPServer> server;
-    ObjectHandle<GstRTSPSessionPool> sessions;
-    ObjectHandle<GstRTSPMountPoints> mounts;
-    std::vector<GSource*> sources; ///< touched at the beginning and at the end only
-    Loop loop;                     ///< last, so that it ends before what it uses goes
-};
-
-Server::Server(std::uint16_t port, std::shared_ptr<FailedLogins> failedLogins) {
+Server::Server(std::uint16_t port, std::shared_ptr<FailedLogins> failedLogins)
+    : refusals(Log().GetName()), failedLogins(std::move(failedLogins)), streams(std::make_shared<Streams>()) {
     InitializeGStreamer();
-    impl = std::make_unique<Impl>(port, std::move(failedLogins));
-    this->port = impl->GetPort();
+    server = BoundedServer::Make(GST_TYPE_RTSP_SERVER, "ZarnRtspServer", [this] { return HasRoom(); });
+    ObjectHandle<GstRTSPThreadPool> const threads(gst_rtsp_server_get_thread_pool(server.get()));
+    gst_rtsp_thread_pool_set_max_threads(threads.get(), ThreadPerConnection);
+    sessions.reset(gst_rtsp_server_get_session_pool(server.get()));
+    gst_rtsp_session_pool_set_max_sessions(sessions.get(), MaximumSessions);
+    mounts.reset(gst_rtsp_server_get_mount_points(server.get()));
+    gst_rtsp_server_set_content_length_limit(server.get(), MaximumBody);
+    gst_rtsp_server_set_service(server.get(), std::to_string(port).c_str());
+    g_signal_connect(server.get(), "client-connected", G_CALLBACK(&Server::OnConnected), this);
+
+    GError* error = nullptr;
+    auto* source = gst_rtsp_server_create_source(server.get(), nullptr, &error);
+    if (source == nullptr) {
+        throw std::runtime_error("RTSP port " + std::to_string(port) + " cannot be bound: " + ToMessage(error));
+    }
+    Attach(source);
+    auto* timer = g_timeout_source_new_seconds(CheckSeconds);
+    g_source_set_callback(timer, &Server::OnTimer, this, nullptr);
+    Attach(timer);
 }
 
-Server::~Server() = default;
-
-std::uint16_t Server::GetPort() const { return port; }
+Server::~Server() {
+    loop.Run([this] { StopAccepting(); });
+    if (connections.GetCount() > 0) std::this_thread::sleep_for(Farewell);
+    if (!connections.EndAll(EndTimeout)) Log().Log(logging::Level::Warning, "RTSP connections do not end in time");
+    gst_rtsp_session_pool_filter(
+        sessions.get(), [](auto*, auto*, gpointer) { return GST_RTSP_FILTER_REMOVE; }, nullptr);
+}
 
 void Server::SetAuthentication(bool authenticate, std::string const& ha1) {
-    impl->SetAuthentication(authenticate, ha1);
+    auto const authentication = authenticate ? MakeAuthentication(ha1, failedLogins) : nullptr;
+    gst_rtsp_server_set_auth(server.get(), authentication.get());
 }
 
-void Server::SetLimits(ConnectionLimits const& limits) { impl->SetLimits(limits); }
+void Server::SetLimits(ConnectionLimits const& limits) {
+    maximum = std::min(limits.connections, Connections::Maximum);
+    maximumPerAddress = limits.connectionsPerAddress;
+}
 
-void Server::Mount(std::string const& id, std::shared_ptr<Stream> const& stream) { impl->Mount(id, stream); }
+void Server::Mount(std::string const& id, std::shared_ptr<Stream> const& stream) {
+    gst_rtsp_mount_points_add_factory(mounts.get(), MakePath(id).c_str(), MakeMediaFactory(stream).release());
+    streams->Set(id, stream);
+}
 
-void Server::Unmount(std::string const& id) { impl->Unmount(id); }
+void Server::Unmount(std::string const& id) {
+    gst_rtsp_mount_points_remove_factory(mounts.get(), MakePath(id).c_str());
+    streams->Remove(id);
+    Disconnect(id);
+}
 
-void Server::Disconnect(std::string const& id) { impl->Disconnect(id); }
+void Server::Disconnect(std::string const& id) {
+    auto const viewers = std::make_shared<std::vector<Connections::Client>>(connections.FindViewers(MakePath(id)));
+    if (!viewers->empty()) loop.Post([this, viewers] { connections.End(*viewers); }, Farewell);
+}
 
-void Server::Stop() { impl.reset(); }
+std::uint16_t Server::GetPort() const {
+    return static_cast<std::uint16_t>(gst_rtsp_server_get_bound_port(server.get()));
+}
+
+void Server::Attach(GSource* source) {
+    g_source_attach(source, loop.GetContext());
+    sources.push_back(source);
+}
+
+/// Accepts no more connections.
+void Server::StopAccepting() {
+    for (auto* source : std::exchange(sources, {})) {
+        g_source_destroy(source);
+        g_source_unref(source);
+    }
+}
+
+bool Server::HasRoom() {
+    auto const count = connections.GetCount();
+    if (count < maximum) return true;
+    refusals.Log(logging::Level::Warning, "Refused an RTSP connection: %0% are open", count);
+    return false;
+}
+
+/// The address of a connection is known only once it is there.
+void Server::BoundPerAddress(GstRTSPClient* client) {
+    std::string const address = GetAddress(client);
+    if (connections.CountFrom(address) <= maximumPerAddress) return;
+    refusals.Log(logging::Level::Warning, "Refused an RTSP connection from %0%: too many are open", address);
+    connections.ShutDown(client);
+}
+
+void Server::OnConnected(GstRTSPServer*, GstRTSPClient* client, gpointer self) {
+    auto& server = *static_cast<Server*>(self);
+    server.connections.Add(client);
+    server.BoundPerAddress(client);
+    for (auto const* signal : {"pre-describe-request", "pre-setup-request"})
+        ConnectShared(client, signal, G_CALLBACK(&Server::OnRequest), server.streams);
+}
+
+/// A channel that has no video at the moment is there, but cannot be served: try again.
+GstRTSPStatusCode Server::OnRequest(GstRTSPClient*, GstRTSPContext* context, gpointer shared) {
+    auto const stream = (*static_cast<std::shared_ptr<Streams>*>(shared))->Find(FindId(context));
+    return stream && !stream->GetCodec() ? GST_RTSP_STS_SERVICE_UNAVAILABLE : GST_RTSP_STS_OK;
+}
+
+gboolean Server::OnTimer(gpointer self) {
+    auto& server = *static_cast<Server*>(self);
+    gst_rtsp_session_pool_cleanup(server.sessions.get());
+    server.connections.EndMisused(Connections::Clock::now());
+    return G_SOURCE_CONTINUE;
+}
 
 } // namespace zarn::host::video::rtsp

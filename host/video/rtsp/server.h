@@ -1,18 +1,29 @@
 #pragma once
 
+#include "host/access/access_settings.h"
 #include "host/access/failed_logins.h"
-#include "host/video/rtsp_settings.h"
+#include "host/video/gstreamer.h"
+#include "host/video/rtsp/connections.h"
+#include "host/video/rtsp/loop.h"
 #include "host/video/stream.h"
 
+#include <zarn/logging/limited_logger.h>
+
+#include <gst/rtsp-server/rtsp-server.h>
+
+#include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace zarn::host::video::rtsp {
 
-/// The RTSP server: one port, a thread per connection, a path per channel. RTP goes over the connection or over UDP.
-/// Connections and sessions are bounded; those that do nothing are ended.
-/// Thread: any, one at a time, but for Disconnect(). Source: RFC 2326.
+/// The RTSP server: one port, a path per channel. RTP goes over the connection or over UDP. Connections and sessions
+/// are bounded; idle ones are ended. The loop's thread accepts connections and checks them now and then; every
+/// connection has a thread of its own, since a peer that never stops sending keeps GStreamer reading. Thread: any, one
+/// at a time, but for Disconnect(). Source: RFC 2326.
 class Server {
 public:
     /// port          TCP port; 0 binds a free one
@@ -20,7 +31,7 @@ public:
     /// Throws std::runtime_error when it cannot be bound; the message names the port.
     Server(std::uint16_t port, std::shared_ptr<FailedLogins> failedLogins);
 
-    /// Stop().
+    /// Ends all connections and closes the port. Viewers hear of the end when their streams have been ended before.
     ~Server();
 
     Server(Server const&) = delete;
@@ -45,14 +56,28 @@ public:
     /// stream, which the caller has ended. Returns at once. Thread: any.
     void Disconnect(std::string const& id);
 
-    /// Ends all connections and closes the port. Viewers hear of the end when their streams have been ended
-    /// before. Stopping twice is harmless. Nothing else may be called afterwards.
-    void Stop();
-
 private:
-    class Impl;
-    std::unique_ptr<Impl> impl;
-    std::uint16_t port = 0;
+    class Streams;
+
+    void Attach(GSource* source);
+    void StopAccepting();
+    bool HasRoom();
+    void BoundPerAddress(GstRTSPClient* client);
+    static void OnConnected(GstRTSPServer*, GstRTSPClient* client, gpointer self);
+    static GstRTSPStatusCode OnRequest(GstRTSPClient*, GstRTSPContext* context, gpointer streams);
+    static gboolean OnTimer(gpointer self);
+
+    Connections connections;
+    logging::LimitedLogger refusals;
+    std::atomic<std::size_t> maximum = Connections::Maximum;
+    std::atomic<std::size_t> maximumPerAddress = Connections::Maximum;
+    std::shared_ptr<FailedLogins> const failedLogins;
+    std::shared_ptr<Streams> const streams;
+    ObjectHandle<GstRTSPServer> server;
+    ObjectHandle<GstRTSPSessionPool> sessions;
+    ObjectHandle<GstRTSPMountPoints> mounts;
+    std::vector<GSource*> sources; ///< touched at the beginning and at the end only
+    Loop loop;                     ///< last, so that it ends before what it uses goes
 };
 
 } // namespace zarn::host::video::rtsp

@@ -2,6 +2,7 @@
 
 #include "host/video/gstreamer.h"
 
+#include <memory>
 #include <utility>
 
 namespace zarn::host::video::rtsp {
@@ -45,5 +46,14 @@ private:
 
     static inline gpointer baseClass = nullptr;
 };
+
+/// Connects a signal to a function, whose last argument points to a std::shared_ptr of its own to `data`.
+template <class Data>
+void ConnectShared(gpointer object, char const* signal, GCallback function, std::shared_ptr<Data> data) {
+    g_signal_connect_data(
+        object, signal, function, new std::shared_ptr<Data>(std::move(data)),
+        [](gpointer shared, GClosure*) { delete static_cast<std::shared_ptr<Data>*>(shared); },
+        static_cast<GConnectFlags>(0));
+}
 
 } // namespace zarn::host::video::rtsp
