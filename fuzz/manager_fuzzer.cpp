@@ -18,9 +18,9 @@
 #include <zarn/text/character.h>
 
 #include <boost/json/parse.hpp>
+#include <interface/operations.h>
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <chrono>
 #include <cstdint>
@@ -49,30 +49,14 @@ constexpr auto EventAfter = 10ms;
 constexpr auto EndAfter = 20ms;
 constexpr auto GiveUpAfter = 8s;
 
-/// What is answered to anybody, as the first element of the body.
-constexpr std::array OpenAnswers{"GetSystemDateAndTimeResponse",
-                                 "GetCapabilitiesResponse",
-                                 "GetServicesResponse",
-                                 "GetServiceCapabilitiesResponse",
-                                 "GetScopesResponse",
-                                 "GetHostnameResponse",
-                                 "GetNetworkProtocolsResponse",
-                                 "GetSupportedAnalyticsModulesResponse",
-                                 "GetEventPropertiesResponse",
-                                 "SetSynchronizationPointResponse",
-                                 "GetProfilesResponse",
-                                 "GetProfileResponse",
-                                 "GetVideoSourceConfigurationsResponse",
-                                 "GetVideoSourceConfigurationResponse",
-                                 "GetVideoEncoderConfigurationsResponse",
-                                 "GetVideoEncoderConfigurationResponse",
-                                 "GetVideoSourceConfigurationOptionsResponse",
-                                 "GetVideoEncoderConfigurationOptionsResponse",
-                                 "GetMetadataConfigurationsResponse",
-                                 "GetMetadataConfigurationOptionsResponse",
-                                 "GetAnalyticsConfigurationsResponse",
-                                 "SetMetadataConfigurationResponse",
-                                 "SetVideoEncoderConfigurationResponse"};
+/// Whether an element is the response of an operation that is answered to everybody.
+bool IsOpenAnswer(std::string_view name) {
+    return std::ranges::any_of(bindings::Operations, [&](bindings::Operation const& operation) {
+        bool const isOpen =
+            operation.access == bindings::Access::Open || operation.access == bindings::Access::Accepted;
+        return isOpen && name == std::string(operation.prefix) + ":" + std::string(operation.name) + "Response";
+    });
+}
 
 /// Whether a text has no character that XML cannot carry, neither itself nor as a reference. Source: XML 1.0, 2.2.
 bool IsXmlText(std::string_view text) {
@@ -250,9 +234,7 @@ private:
     /// What anybody may know.
     static void CheckOpen(pugi::xml_document const& document) {
         auto const message = document.document_element().child("SOAP-ENV:Body").first_child();
-        std::string_view name = message.name();
-        name.remove_prefix(std::min(name.find(':') + 1, name.size()));
-        Require(std::ranges::find(OpenAnswers, name) != OpenAnswers.end(), "a protected answer goes to who logged in");
+        Require(IsOpenAnswer(message.name()), "the answer of an operation with a login needs credentials");
     }
 
     /// The subscription that an answer tells of.

@@ -6,8 +6,10 @@
 // - There is no common base xsd__anyType and no soap member: nothing needs the run-time types, and without them the code
 //   is a fraction.
 // - Only what is reached from the operations exists. A type that belongs to something that this device does not have
-//   (PTZ, imaging, audio, ...), and every extension, has no members: gSOAP skips the content that it does not know. So
-//   does the message of an operation that is not served; all these are one type.
+//   (PTZ, imaging, audio, ...), and every extension, has no members: gSOAP skips the content that it does not know. Nor
+//   does content that this device ignores, so that any content is accepted, and the messages of operations that are not
+//   served.
+// - Operations have no SOAP action: the element in the body tells which one is called.
 // - gSOAP writes a required pointer that is null as an empty element. Members that this device leaves out although the
 //   schema requires them are therefore optional; each says so.
 // - The type of the element tt:Message has the name tt__Message besides _tt__Message.
@@ -20,6 +22,7 @@
 #import "media2.h"
 #import "events.h"
 #import "analytics.h"
+#import "onvif_operations.h"
 
 // Namespaces that occur only in values and in DOM content get into the namespace table by a type of their own.
 

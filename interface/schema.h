@@ -15,8 +15,8 @@ typedef std::string tt__FloatList;
 typedef std::string tt__StringList;
 typedef std::string tt__StringAttrList;
 
-/// The request and the response of every operation that is not served.
-class tt__UnservedMessage
+/// Every request that this device does not read and every response that says no more than that the operation succeeded.
+class tt__EmptyMessage
 { public:
 };
 

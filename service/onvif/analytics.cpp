@@ -1,9 +1,5 @@
 #include "analytics.h"
 
-#include "capability_values.h"
-#include "filled.h"
-#include "is_authenticated.h"
-
 #include <zarn/meta/data/sample_meta.h>
 #include <zarn/onvif/meta/convert.h>
 
@@ -15,11 +11,6 @@ namespace {
 constexpr char ModuleName[] = "ZARN";
 
 } // namespace
-
-AnalyticsService::AnalyticsService(struct soap* soap, ZarnAuthenticationEngine const* engine)
-    : RuleEngineBindingService(soap), authenticationEngine(engine) {}
-
-RuleEngineBindingService* AnalyticsService::copy() { return nullptr; }
 
 tan__Capabilities* AnalyticsService::MakeServiceCapabilities(struct soap* soap) {
     return Filled(soap_new_tan__Capabilities(soap), [](tan__Capabilities& capabilities) {
@@ -38,9 +29,8 @@ int AnalyticsService::GetServiceCapabilities(_tan__GetServiceCapabilities*,
     return SOAP_OK;
 }
 
-int AnalyticsService::GetSupportedAnalyticsModules(_tan__GetSupportedAnalyticsModules*,
+int AnalyticsService::GetSupportedAnalyticsModules(Authenticated, _tan__GetSupportedAnalyticsModules*,
                                                    _tan__GetSupportedAnalyticsModulesResponse& response) {
-    if (!IsAuthenticated(soap, authenticationEngine)) return 401;
     response.SupportedAnalyticsModules =
         Filled(soap_new_tt__SupportedAnalyticsModules(soap), [&](tt__SupportedAnalyticsModules& modules) {
             Append(modules.AnalyticsModuleDescription,
@@ -50,8 +40,8 @@ int AnalyticsService::GetSupportedAnalyticsModules(_tan__GetSupportedAnalyticsMo
     return SOAP_OK;
 }
 
-int AnalyticsService::GetAnalyticsModules(_tan__GetAnalyticsModules*, _tan__GetAnalyticsModulesResponse& response) {
-    if (!IsAuthenticated(soap, authenticationEngine)) return 401;
+int AnalyticsService::GetAnalyticsModules(Authenticated, _tan__GetAnalyticsModules*,
+                                          _tan__GetAnalyticsModulesResponse& response) {
     Append(response.AnalyticsModule, Filled(soap_new_tt__Config(soap), [](tt__Config& module) {
                module.Name = ModuleName;
                module.Type = ModuleName;
@@ -59,8 +49,8 @@ int AnalyticsService::GetAnalyticsModules(_tan__GetAnalyticsModules*, _tan__GetA
     return SOAP_OK;
 }
 
-int AnalyticsService::GetSupportedMetadata(_tan__GetSupportedMetadata*, _tan__GetSupportedMetadataResponse& response) {
-    if (!IsAuthenticated(soap, authenticationEngine)) return 401;
+int AnalyticsService::GetSupportedMetadata(Authenticated, _tan__GetSupportedMetadata*,
+                                           _tan__GetSupportedMetadataResponse& response) {
     // Whatever type the request asks for: there is one module.
     auto const sample = meta::data::GetSampleMeta();
     Append(response.AnalyticsModule, Filled(soap_new_tan__MetadataInfo(soap), [&](tan__MetadataInfo& info) {

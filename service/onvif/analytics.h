@@ -1,39 +1,21 @@
 #pragma once
 
-#include "analytics_unserved.h"
+#include "service.h"
 
 #include <soapRuleEngineBindingService.h>
-
-class ZarnAuthenticationEngine;
 
 namespace zarn::service::onvif {
 
 /// The ONVIF Analytics service (ver20/analytics/wsdl): presents the host's whole analytics engine as one module. Rules
-/// can be neither read nor changed through it. Lives for one request, on that request's context and thread.
-class AnalyticsService final : public RuleEngineBindingService {
+/// can be neither read nor changed through it.
+class AnalyticsService final : public Service<RuleEngineBindingService> {
 public:
-    AnalyticsService(struct soap* soap, ZarnAuthenticationEngine const* engine);
+    using Service::Service;
 
-    /// The capabilities of this service, allocated in the context anew; null without memory.
+    /// The capabilities of this service, allocated in the context; null without memory.
     static tan__Capabilities* MakeServiceCapabilities(struct soap* soap);
 
-    /// Always null: services are made afresh for every request, never cloned.
-    RuleEngineBindingService* copy() override;
-
-    // The operations; what they have in common stands at URIBase.
-
-    int GetServiceCapabilities(_tan__GetServiceCapabilities* request,
-                               _tan__GetServiceCapabilitiesResponse& response) override;
-    int GetSupportedAnalyticsModules(_tan__GetSupportedAnalyticsModules* request,
-                                     _tan__GetSupportedAnalyticsModulesResponse& response) override;
-    int GetAnalyticsModules(_tan__GetAnalyticsModules* request, _tan__GetAnalyticsModulesResponse& response) override;
-    int GetSupportedMetadata(_tan__GetSupportedMetadata* request,
-                             _tan__GetSupportedMetadataResponse& response) override;
-
-    ZARN_UNSERVED_ANALYTICS
-
-private:
-    ZarnAuthenticationEngine const* authenticationEngine;
+    ZARN_ANALYTICS_OPERATIONS(ZARN_DECLARE)
 };
 
 } // namespace zarn::service::onvif

@@ -1,13 +1,9 @@
 #include "device.h"
 
 #include "analytics.h"
-#include "capability_values.h"
 #include "events.h"
-#include "filled.h"
-#include "is_authenticated.h"
 #include "media.h"
 #include "media2.h"
-#include "or_empty.h"
 
 #include <zarn/network/local.h>
 #include <zarn/onvif/discovery/scopes.h>
@@ -122,13 +118,7 @@ tds__SecurityCapabilities* MakeSecurityCapabilities(soap* soap) {
 DeviceService::DeviceService(struct soap* soap, URIBase uriBase, ZarnAuthenticationEngine const* engine,
                              utilities::name::Config const& nameConfig,
                              std::shared_ptr<configuration::node::Root> configuration)
-    : DeviceBindingService(soap),
-      URIBase(uriBase),
-      authenticationEngine(engine),
-      nameConfig(nameConfig),
-      configuration(std::move(configuration)) {}
-
-DeviceBindingService* DeviceService::copy() { return nullptr; }
+    : Service(soap, engine), URIBase(uriBase), nameConfig(nameConfig), configuration(std::move(configuration)) {}
 
 tds__DeviceServiceCapabilities* DeviceService::MakeServiceCapabilities(struct soap* soap) {
     // The schema requires Network and System; this device has nothing to say in either and leaves them out.
@@ -177,8 +167,8 @@ int DeviceService::GetScopes(_tds__GetScopes*, _tds__GetScopesResponse& response
     return SOAP_OK;
 }
 
-int DeviceService::GetDeviceInformation(_tds__GetDeviceInformation*, _tds__GetDeviceInformationResponse& response) {
-    if (!IsAuthenticated(soap, authenticationEngine)) return 401;
+int DeviceService::GetDeviceInformation(Authenticated, _tds__GetDeviceInformation*,
+                                        _tds__GetDeviceInformationResponse& response) {
     response.Manufacturer = nameConfig.GetProductManufacturer();
     response.Model = nameConfig.GetProductModel();
     response.FirmwareVersion = nameConfig.GetProductFirmware();

@@ -1,7 +1,5 @@
 #include "configuration_values.h"
 #include "device.h"
-#include "filled.h"
-#include "is_authenticated.h"
 
 #include <zarn/network/local.h>
 
@@ -95,8 +93,8 @@ int DeviceService::GetHostname(_tds__GetHostname*, _tds__GetHostnameResponse& re
     return SOAP_OK;
 }
 
-int DeviceService::GetNetworkInterfaces(_tds__GetNetworkInterfaces*, _tds__GetNetworkInterfacesResponse& response) {
-    if (!IsAuthenticated(soap, authenticationEngine)) return 401;
+int DeviceService::GetNetworkInterfaces(Authenticated, _tds__GetNetworkInterfaces*,
+                                        _tds__GetNetworkInterfacesResponse& response) {
     response.NetworkInterfaces = MakeNetworkInterfaces(soap, network::GetDevices());
     return SOAP_OK;
 }
@@ -109,8 +107,7 @@ int DeviceService::GetNetworkProtocols(_tds__GetNetworkProtocols*, _tds__GetNetw
     return SOAP_OK;
 }
 
-int DeviceService::GetUsers(_tds__GetUsers*, _tds__GetUsersResponse& response) {
-    if (!IsAuthenticated(soap, authenticationEngine)) return 401;
+int DeviceService::GetUsers(Authenticated, _tds__GetUsers*, _tds__GetUsersResponse& response) {
     Append(response.User, Filled(soap_new_tt__User(soap), [](tt__User& user) {
                user.Username = "admin";
                user.UserLevel = tt__UserLevel__Administrator;
@@ -118,8 +115,7 @@ int DeviceService::GetUsers(_tds__GetUsers*, _tds__GetUsersResponse& response) {
     return SOAP_OK;
 }
 
-int DeviceService::SetUser(_tds__SetUser*, _tds__SetUserResponse&) {
-    if (!IsAuthenticated(soap, authenticationEngine)) return 401;
+int DeviceService::SetUser(Authenticated, _tds__SetUser*, _tds__SetUserResponse&) {
     return SoapFault(soap, FaultCode::Sender, "Cannot modify this user", "ter:InvalidArgVal", "ter:FixedUser");
 }
 

@@ -1,12 +1,8 @@
 #include "events.h"
 
-#include "capability_values.h"
 #include "device.h"
 #include "events/create_base_event.h"
 #include "events/types.h"
-#include "filled.h"
-#include "is_authenticated.h"
-#include "or_empty.h"
 #include "soap_context.h"
 
 #include <zarn/chrono/add.h>
@@ -118,7 +114,7 @@ struct EventsService::Ending {
 };
 
 EventsService::EventsService(struct soap* soap, URIBase uriBase, ZarnAuthenticationEngine const* engine)
-    : PullPointSubscriptionBindingService(soap), URIBase(uriBase), authenticationEngine(engine) {
+    : Service(soap, engine), URIBase(uriBase) {
     RegisterForEvents();
 }
 
@@ -203,17 +199,19 @@ void EventsService::WakeWaiting() {
     Cv.notify_all();
 }
 
-PullPointSubscriptionBindingService* EventsService::copy() { return nullptr; }
-
 void EventsService::SetActionHeader(char const* uri) {
     if (!soap->header) soap->header = soap_new_SOAP_ENV__Header(soap);
     if (soap->header) soap->header->wsa5__Action = soap_strdup(soap, uri);
 }
 
-int EventsService::CreatePullPointSubscription(_tev__CreatePullPointSubscription* given,
-                                               _tev__CreatePullPointSubscriptionResponse& response) {
+void EventsService::Prepare(_tev__CreatePullPointSubscriptionResponse const&) {
     SetActionHeader(PullPointSubscriptionResponseActionURI);
-    if (!IsAuthenticated(soap, authenticationEngine)) return 401;
+}
+
+void EventsService::Prepare(_tev__PullMessagesResponse const&) { SetActionHeader(PullMessagesResponseActionURI); }
+
+int EventsService::CreatePullPointSubscription(Authenticated, _tev__CreatePullPointSubscription* given,
+                                               _tev__CreatePullPointSubscriptionResponse& response) {
     auto const& request = OrEmpty(given);
     auto const termination = ReadTermination(request.InitialTerminationTime, system_clock::now());
     auto topics = ReadTopics(request.Filter);
@@ -259,9 +257,7 @@ bool EventsService::Append(std::shared_ptr<meta::data::Event> const& event, Topi
     return isWanted;
 }
 
-int EventsService::PullMessages(_tev__PullMessages* given, _tev__PullMessagesResponse& response) {
-    SetActionHeader(PullMessagesResponseActionURI);
-    if (!IsAuthenticated(soap, authenticationEngine)) return 401;
+int EventsService::PullMessages(Authenticated, _tev__PullMessages* given, _tev__PullMessagesResponse& response) {
     auto const id = ExtractSubscriptionId(soap->path);
     if (id == NoId) return CannotExtractId(soap);
     auto const& request = OrEmpty(given);
@@ -289,8 +285,7 @@ int EventsService::PullMessages(_tev__PullMessages* given, _tev__PullMessagesRes
     return SOAP_OK;
 }
 
-int EventsService::Renew(_wsnt__Renew* given, _wsnt__RenewResponse& response) {
-    if (!IsAuthenticated(soap, authenticationEngine)) return 401;
+int EventsService::Renew(Authenticated, _wsnt__Renew* given, _wsnt__RenewResponse& response) {
     auto const id = ExtractSubscriptionId(soap->path);
     if (id == NoId) return CannotExtractId(soap);
     std::scoped_lock const lock(Mutex);
@@ -306,8 +301,7 @@ int EventsService::Renew(_wsnt__Renew* given, _wsnt__RenewResponse& response) {
     return SOAP_OK;
 }
 
-int EventsService::Unsubscribe(_wsnt__Unsubscribe*, _wsnt__UnsubscribeResponse&) {
-    if (!IsAuthenticated(soap, authenticationEngine)) return 401;
+int EventsService::Unsubscribe(Authenticated, _wsnt__Unsubscribe*, _wsnt__UnsubscribeResponse&) {
     auto const id = ExtractSubscriptionId(soap->path);
     if (id == NoId) return SOAP_OK;
     decltype(Subscriptions)::node_type gone;
@@ -354,13 +348,5 @@ int EventsService::GetServiceCapabilities(_tev__GetServiceCapabilities*,
     response.Capabilities = MakeServiceCapabilities(soap);
     return SOAP_OK;
 }
-
-int EventsService::SetSynchronizationPoint(_tev__SetSynchronizationPoint*, _tev__SetSynchronizationPointResponse&) {
-    return SOAP_OK;
-}
-
-int EventsService::Notify(_wsnt__Notify*) { return NotSupported(soap); }
-
-int EventsService::Notify_(_wsnt__Notify*) { return NotSupported(soap); }
 
 } // namespace zarn::service::onvif

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "events_unserved.h"
+#include "service.h"
 #include "uri_base.h"
 
 #include <zarn/asio/global_context.h>
@@ -22,48 +22,25 @@
 #include <string>
 #include <vector>
 
-class ZarnAuthenticationEngine;
-
 namespace zarn::meta::data {
 class Event;
 }
 
 namespace zarn::service::onvif {
 
-/// The ONVIF Events service (ver10/events/wsdl), pull points only. Lives for one request, on that request's context and
-/// thread; the subscriptions are those of the process.
-class EventsService final : public PullPointSubscriptionBindingService, private URIBase {
+/// The ONVIF Events service (ver10/events/wsdl), pull points only. The subscriptions are those of the process.
+class EventsService final : public Service<PullPointSubscriptionBindingService>, private URIBase {
 public:
     /// The first one registers for the host's events, for as long as the library is there.
     EventsService(struct soap* soap, URIBase uriBase, ZarnAuthenticationEngine const* engine);
 
-    /// The capabilities of this service, allocated in the context anew; null without memory.
+    /// The capabilities of this service, allocated in the context; null without memory.
     static tev__Capabilities* MakeServiceCapabilities(struct soap* soap);
 
     /// Has every waiting PullMessages look again whether its exchange is to end (IsEnding). Thread: any.
     static void WakeWaiting();
 
-    /// Always null: services are made afresh for every request, never cloned.
-    PullPointSubscriptionBindingService* copy() override;
-
-    // The operations; what they have in common stands at URIBase.
-
-    int CreatePullPointSubscription(_tev__CreatePullPointSubscription* request,
-                                    _tev__CreatePullPointSubscriptionResponse& response) override;
-    int PullMessages(_tev__PullMessages* request, _tev__PullMessagesResponse& response) override;
-    int Renew(_wsnt__Renew* request, _wsnt__RenewResponse& response) override;
-    int Unsubscribe(_wsnt__Unsubscribe* request, _wsnt__UnsubscribeResponse& response) override;
-    int GetEventProperties(_tev__GetEventProperties* request, _tev__GetEventPropertiesResponse& response) override;
-    int GetServiceCapabilities(_tev__GetServiceCapabilities* request,
-                               _tev__GetServiceCapabilitiesResponse& response) override;
-    int SetSynchronizationPoint(_tev__SetSynchronizationPoint* request,
-                                _tev__SetSynchronizationPointResponse& response) override;
-
-    ZARN_UNSERVED_EVENTS
-
-    /// One-way messages, which have no response: nobody is notified here.
-    int Notify(_wsnt__Notify* message) override;
-    int Notify_(_wsnt__Notify* message) override;
+    ZARN_EVENTS_OPERATIONS(ZARN_DECLARE)
 
 private:
     using Time = std::chrono::system_clock::time_point;
@@ -95,6 +72,9 @@ private:
     static void StartTimer(std::int32_t id, Subscription& subscription, Time termination);
     static void Expire(std::int32_t id, Time termination);
 
+    using Service::Prepare;
+    void Prepare(_tev__CreatePullPointSubscriptionResponse const&);
+    void Prepare(_tev__PullMessagesResponse const&);
     void SetActionHeader(char const* uri);
     bool WaitForEvents(std::unique_lock<std::mutex>& lock, std::int32_t id,
                        std::chrono::steady_clock::time_point deadline);
@@ -106,7 +86,6 @@ private:
     static std::map<std::int32_t, Subscription> Subscriptions;
     static type::Binding EventHandlerBinding;
 
-    ZarnAuthenticationEngine const* authenticationEngine;
     asio::GlobalContext context;
 };
 

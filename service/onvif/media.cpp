@@ -1,10 +1,5 @@
 #include "media.h"
 
-#include "capability_values.h"
-#include "filled.h"
-#include "is_authenticated.h"
-#include "or_empty.h"
-
 #include <algorithm>
 #include <utility>
 
@@ -56,16 +51,6 @@ trt__StreamingCapabilities* MakeStreamingCapabilities(soap* soap) {
 
 } // namespace
 
-MediaService::MediaService(struct soap* soap, std::shared_ptr<configuration::node::Root> configuration,
-                           ChannelInfo channelInfo, bool ssl, ZarnAuthenticationEngine const* engine)
-    : MediaBindingService(soap),
-      configuration(std::move(configuration)),
-      ssl(ssl),
-      channelInfo(std::move(channelInfo)),
-      authenticationEngine(engine) {}
-
-MediaBindingService* MediaService::copy() { return nullptr; }
-
 trt__Capabilities* MediaService::MakeServiceCapabilities(struct soap* soap) {
     return Filled(soap_new_trt__Capabilities(soap), [&](trt__Capabilities& capabilities) {
         capabilities.ProfileCapabilities =
@@ -82,8 +67,7 @@ int MediaService::GetServiceCapabilities(_trt__GetServiceCapabilities*,
     return SOAP_OK;
 }
 
-int MediaService::GetVideoSources(_trt__GetVideoSources*, _trt__GetVideoSourcesResponse& response) {
-    if (!IsAuthenticated(soap, authenticationEngine)) return 401;
+int MediaService::GetVideoSources(Authenticated, _trt__GetVideoSources*, _trt__GetVideoSourcesResponse& response) {
     // Without the configuration's lock: the entries are a snapshot, and nothing else of them is read.
     auto const channels = GetChannels(*configuration);
     for (auto const& entry : *channels) {
@@ -142,11 +126,6 @@ int MediaService::GetVideoEncoderConfiguration(_trt__GetVideoEncoderConfiguratio
                   &_trt__GetVideoEncoderConfigurationResponse::Configuration, MakeVideoEncoderConfiguration);
 }
 
-int MediaService::GetVideoSourceConfigurationOptions(_trt__GetVideoSourceConfigurationOptions*,
-                                                     _trt__GetVideoSourceConfigurationOptionsResponse&) {
-    return SOAP_OK; // accepted, with no options to offer
-}
-
 int MediaService::GetVideoEncoderConfigurationOptions(_trt__GetVideoEncoderConfigurationOptions* request,
                                                       _trt__GetVideoEncoderConfigurationOptionsResponse& response) {
     response.Options = MakeVideoEncoderOptions(soap);
@@ -157,20 +136,13 @@ int MediaService::GetVideoEncoderConfigurationOptions(_trt__GetVideoEncoderConfi
     return SOAP_OK;
 }
 
-int MediaService::GetStreamUri(_trt__GetStreamUri* request, _trt__GetStreamUriResponse& response) {
-    if (!IsAuthenticated(soap, authenticationEngine)) return 401;
+int MediaService::GetStreamUri(Authenticated, _trt__GetStreamUri* request, _trt__GetStreamUriResponse& response) {
     response.MediaUri = MakeMediaUri(soap, MakeStreamUri(*configuration, OrEmpty(request).ProfileToken));
     return SOAP_OK;
 }
 
-int MediaService::GetSnapshotUri(_trt__GetSnapshotUri* request, _trt__GetSnapshotUriResponse& response) {
-    if (!IsAuthenticated(soap, authenticationEngine)) return 401;
+int MediaService::GetSnapshotUri(Authenticated, _trt__GetSnapshotUri* request, _trt__GetSnapshotUriResponse& response) {
     response.MediaUri = MakeMediaUri(soap, MakeSnapshotUri(*configuration, ssl, OrEmpty(request).ProfileToken));
     return SOAP_OK;
 }
-
-int MediaService::SetSynchronizationPoint(_trt__SetSynchronizationPoint*, _trt__SetSynchronizationPointResponse&) {
-    return SOAP_OK; // accepted; the streams carry key frames often enough
-}
-
 } // namespace zarn::service::onvif

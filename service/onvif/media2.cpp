@@ -1,10 +1,5 @@
 #include "media2.h"
 
-#include "capability_values.h"
-#include "filled.h"
-#include "is_authenticated.h"
-#include "or_empty.h"
-
 #include <algorithm>
 #include <array>
 #include <tuple>
@@ -111,16 +106,6 @@ tr2__StreamingCapabilities* MakeMedia2StreamingCapabilities(soap* soap) {
 }
 
 } // namespace
-
-Media2Service::Media2Service(struct soap* soap, std::shared_ptr<configuration::node::Root> configuration,
-                             ChannelInfo channelInfo, bool ssl, ZarnAuthenticationEngine const* engine)
-    : Media2BindingService(soap),
-      configuration(std::move(configuration)),
-      ssl(ssl),
-      channelInfo(std::move(channelInfo)),
-      authenticationEngine(engine) {}
-
-Media2BindingService* Media2Service::copy() { return nullptr; }
 
 tr2__Capabilities2* Media2Service::MakeServiceCapabilities(struct soap* soap) {
     return Filled(soap_new_tr2__Capabilities2(soap), [&](tr2__Capabilities2& capabilities) {
@@ -235,28 +220,13 @@ int Media2Service::GetMetadataConfigurationOptions(tr2__GetConfiguration*,
     return SOAP_OK;
 }
 
-// Clients set what they have just read, before they stream; these succeed without effect.
-
-int Media2Service::SetMetadataConfiguration(_tr2__SetMetadataConfiguration*, tr2__SetConfigurationResponse&) {
-    return SOAP_OK;
-}
-
-int Media2Service::SetVideoEncoderConfiguration(_tr2__SetVideoEncoderConfiguration*, tr2__SetConfigurationResponse&) {
-    return SOAP_OK;
-}
-
-int Media2Service::SetSynchronizationPoint(_tr2__SetSynchronizationPoint*, _tr2__SetSynchronizationPointResponse&) {
-    return SOAP_OK;
-}
-
-int Media2Service::GetStreamUri(_tr2__GetStreamUri* request, _tr2__GetStreamUriResponse& response) {
-    if (!IsAuthenticated(soap, authenticationEngine)) return 401;
+int Media2Service::GetStreamUri(Authenticated, _tr2__GetStreamUri* request, _tr2__GetStreamUriResponse& response) {
     response.Uri = MakeStreamUri(*configuration, OrEmpty(request).ProfileToken);
     return SOAP_OK;
 }
 
-int Media2Service::GetSnapshotUri(_tr2__GetSnapshotUri* request, _tr2__GetSnapshotUriResponse& response) {
-    if (!IsAuthenticated(soap, authenticationEngine)) return 401;
+int Media2Service::GetSnapshotUri(Authenticated, _tr2__GetSnapshotUri* request,
+                                  _tr2__GetSnapshotUriResponse& response) {
     response.Uri = MakeSnapshotUri(*configuration, ssl, OrEmpty(request).ProfileToken);
     return SOAP_OK;
 }

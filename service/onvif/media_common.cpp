@@ -1,8 +1,5 @@
 #include "media_common.h"
 
-#include "capability_values.h"
-#include "or_empty.h"
-
 #include <zarn/network/local.h>
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "configuration_values.h"
-#include "filled.h"
+#include "service.h"
 
 #include <zarn/configuration/node/dynamic.h>
 #include <zarn/configuration/node/root.h>
@@ -18,6 +18,24 @@ namespace zarn::service::onvif {
 
 /// Yields the present video description of a channel, given the channel's id.
 using ChannelInfo = std::function<meta::data::VideoInfo(std::string const&)>;
+
+/// What both media services are made of.
+template <class Binding>
+class ChannelService : public Service<Binding> {
+public:
+    /// ssl  whether the host's web server speaks TLS
+    ChannelService(struct soap* soap, std::shared_ptr<configuration::node::Root> configuration, ChannelInfo channelInfo,
+                   bool ssl, ZarnAuthenticationEngine const* engine)
+        : Service<Binding>(soap, engine),
+          configuration(std::move(configuration)),
+          ssl(ssl),
+          channelInfo(std::move(channelInfo)) {}
+
+protected:
+    std::shared_ptr<configuration::node::Root> configuration;
+    bool ssl;
+    ChannelInfo channelInfo;
+};
 
 /// The id of the channel that a token names: what follows its last ".", or all of it.
 std::string GetChannelId(std::string const& token);

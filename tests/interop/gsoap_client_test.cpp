@@ -124,20 +124,13 @@ TEST_F(GeneratedClient, ReadsProfilesOfMedia2) {
 TEST_F(GeneratedClient, IsToldTheSameAddressesByBothMediaServices) {
     auto const stream = Advertised("rtsp", host.GetRtspPort()) + "/channels/2";
     auto const snapshot = Advertised("http", host.GetPort()) + "/snapshot/2/latest.jpeg";
-    tt__Transport transport;
-    transport.Protocol = tt__TransportProtocol__RTSP;
-    tt__StreamSetup setup;
-    setup.Stream = tt__StreamType__RTP_Unicast;
-    setup.Transport = &transport;
     _trt__GetStreamUri mediaStream;
-    mediaStream.StreamSetup = &setup;
     mediaStream.ProfileToken = "channels.2";
     EXPECT_EQ(Ask(&MediaBindingProxy::GetStreamUri, mediaStream).MediaUri->Uri, stream);
     _trt__GetSnapshotUri mediaSnapshot;
     mediaSnapshot.ProfileToken = "channels.2";
     EXPECT_EQ(Ask(&MediaBindingProxy::GetSnapshotUri, mediaSnapshot).MediaUri->Uri, snapshot);
     _tr2__GetStreamUri media2Stream;
-    media2Stream.Protocol = "RTSP";
     media2Stream.ProfileToken = "channels.2";
     EXPECT_EQ(Ask(&Media2BindingProxy::GetStreamUri, media2Stream).Uri, stream);
     _tr2__GetSnapshotUri media2Snapshot;

@@ -57,7 +57,6 @@ TEST_F(ViewingClient, PlaysTheStreamOfEveryProfile) {
     ASSERT_EQ(profiles.size(), 2U);
     for (auto const* profile : profiles) {
         _tr2__GetStreamUri request;
-        request.Protocol = "RTSP";
         request.ProfileToken = profile->token;
         auto const bytes = Play(Ask(&Media2BindingProxy::GetStreamUri, request).Uri);
         auto const& resolution = *profile->Configurations->VideoEncoder->Resolution;

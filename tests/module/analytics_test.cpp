@@ -81,7 +81,7 @@ TEST_F(Analytics, ShowsItsMetadataByASampleFrame) {
 
 TEST_F(Analytics, ReadsNoTypeOfMetadata) {
     auto const all = Ask("<tan:GetSupportedMetadata/>").Message();
-    for (std::string const type : {"ZARN", "tt:Other", "unknown"}) {
+    for (std::string const type : {"ZARN", "tt:Other", "unknown", "", "undeclared:Type", ":", "a b"}) {
         auto const asked =
             Ask("<tan:GetSupportedMetadata><tan:Type>" + type + "</tan:Type></tan:GetSupportedMetadata>");
         EXPECT_EQ(asked.status, 200);

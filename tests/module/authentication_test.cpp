@@ -1,10 +1,13 @@
 #include "device_fixture.h"
+#include "support/operation_element.h"
 
 #include <zarn/authentication/realm.h>
 
 #include <gtest/gtest.h>
 
 #include <cctype>
+#include <string>
+#include <vector>
 
 namespace zarn::test {
 namespace {
@@ -170,54 +173,41 @@ TEST_F(Authentication, KnowsTheOlderFormOfTheDigestAndNoOtherQualityThanAuth) {
     EXPECT_EQ(AskForUsersAs(MakeOldAuthorization({})).status, 200);
 }
 
-/// A gated operation of the device and media services answers 401 before it does anything else.
-class GatedOperation : public DeviceFixture, public testing::WithParamInterface<char const*> {};
+class AccessOf : public DeviceFixture, public testing::WithParamInterface<bindings::Operation> {
+protected:
+    std::string const request = MakeElement(GetParam());
+};
 
-TEST_P(GatedOperation, AnswersWithAChallengeUnlessTheRequestHasCredentials) {
-    root = std::make_shared<configuration::node::Root>(); // whatever it would read is not there
-    EXPECT_THAT(AskAnonymously(GetParam()), IsChallenge(Realm));
-    EXPECT_THAT(Ask(GetParam(), {.password = "wrong"}), IsChallenge(Realm));
+std::vector<bindings::Operation> ListServed(bool needsLogin) {
+    std::vector<bindings::Operation> served;
+    for (auto const& operation : bindings::Operations)
+        if (operation.IsServed() && (operation.access == bindings::Access::Login) == needsLogin)
+            served.push_back(operation);
+    return served;
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    All, GatedOperation,
-    testing::Values("<tds:GetDeviceInformation/>", "<tds:GetUsers/>", "<tds:SetUser/>", "<tds:GetNetworkInterfaces/>",
-                    "<trt:GetVideoSources/>",
-                    "<trt:GetStreamUri><trt:ProfileToken>channels.1</trt:ProfileToken></trt:GetStreamUri>",
-                    "<trt:GetSnapshotUri><trt:ProfileToken>channels.1</trt:ProfileToken></trt:GetSnapshotUri>",
-                    "<tr2:GetStreamUri><tr2:ProfileToken>channels.1</tr2:ProfileToken></tr2:GetStreamUri>",
-                    "<tr2:GetSnapshotUri><tr2:ProfileToken>channels.1</tr2:ProfileToken></tr2:GetSnapshotUri>",
-                    "<tan:GetSupportedAnalyticsModules/>", "<tan:GetAnalyticsModules/>",
-                    "<tan:GetSupportedMetadata/>"));
+std::string GetName(testing::TestParamInfo<bindings::Operation> const& info) {
+    return std::string(info.param.prefix) + "_" + std::string(info.param.name);
+}
 
-/// Whatever is not gated is served to everybody, and takes wrong credentials for none.
-class OpenOperation : public DeviceFixture, public testing::WithParamInterface<char const*> {};
+using OperationWithLogin = AccessOf;
+
+TEST_P(OperationWithLogin, AnswersWithAChallengeUnlessTheRequestHasCredentials) {
+    root = std::make_shared<configuration::node::Root>(); // whatever it would read is not there
+    EXPECT_THAT(AskAnonymously(request), IsChallenge(Realm));
+    EXPECT_THAT(Ask(request, {.password = "wrong"}), IsChallenge(Realm));
+}
+
+INSTANTIATE_TEST_SUITE_P(All, OperationWithLogin, testing::ValuesIn(ListServed(true)), GetName);
+
+using OpenOperation = AccessOf;
 
 TEST_P(OpenOperation, IsServedWithoutCredentials) {
-    EXPECT_EQ(AskAnonymously(GetParam()).status, 200);
-    EXPECT_EQ(Ask(GetParam(), {.password = "wrong"}).status, 200);
+    EXPECT_EQ(AskAnonymously(request).status, 200);
+    EXPECT_EQ(Ask(request, {.password = "wrong"}).status, 200);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    All, OpenOperation,
-    testing::Values("<tds:GetServices/>", "<tds:GetServiceCapabilities/>", "<tds:GetCapabilities/>", "<tds:GetScopes/>",
-                    "<tds:GetSystemDateAndTime/>", "<tds:GetHostname/>", "<tds:GetNetworkProtocols/>",
-                    "<trt:GetServiceCapabilities/>", "<trt:GetProfiles/>",
-                    "<trt:GetProfile><trt:ProfileToken>channels.1</trt:ProfileToken></trt:GetProfile>",
-                    "<trt:GetVideoSourceConfigurations/>", "<trt:GetVideoEncoderConfigurations/>",
-                    "<trt:GetVideoSourceConfiguration><trt:ConfigurationToken>channels.1</trt:ConfigurationToken>"
-                    "</trt:GetVideoSourceConfiguration>",
-                    "<trt:GetVideoEncoderConfiguration><trt:ConfigurationToken>channels.1</trt:ConfigurationToken>"
-                    "</trt:GetVideoEncoderConfiguration>",
-                    "<trt:GetVideoSourceConfigurationOptions/>", "<trt:GetVideoEncoderConfigurationOptions/>",
-                    "<trt:SetSynchronizationPoint/>", "<tr2:GetServiceCapabilities/>", "<tr2:GetProfiles/>",
-                    "<tr2:GetVideoSourceConfigurations/>", "<tr2:GetVideoEncoderConfigurations/>",
-                    "<tr2:GetMetadataConfigurations/>", "<tr2:GetAnalyticsConfigurations/>",
-                    "<tr2:GetVideoSourceConfigurationOptions/>", "<tr2:GetVideoEncoderConfigurationOptions/>",
-                    "<tr2:GetMetadataConfigurationOptions/>", "<tr2:SetMetadataConfiguration/>",
-                    "<tr2:SetVideoEncoderConfiguration/>", "<tr2:SetSynchronizationPoint/>",
-                    "<tev:GetServiceCapabilities/>", "<tev:SetSynchronizationPoint/>",
-                    "<tan:GetServiceCapabilities/>"));
+INSTANTIATE_TEST_SUITE_P(All, OpenOperation, testing::ValuesIn(ListServed(false)), GetName);
 
 } // namespace
 } // namespace zarn::test

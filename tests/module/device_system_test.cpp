@@ -141,6 +141,7 @@ TEST_F(Users, CannotBeModified) {
                     "<tt:UserLevel>Administrator</tt:UserLevel></tds:User></tds:SetUser>"),
                 fault);
     EXPECT_THAT(Ask("<tds:SetUser/>"), fault);
+    EXPECT_THAT(Ask("<tds:SetUser><tds:User><tt:UserLevel>King</tt:UserLevel></tds:User></tds:SetUser>"), fault);
 }
 
 } // namespace

@@ -220,14 +220,21 @@ protected:
 
 TEST_F(RequestBound, IsOnTheLevelsOfElements) {
     auto const nested = [](std::size_t levels) {
-        return "<trt:GetStreamUri><trt:StreamSetup><tt:Stream>RTP-Unicast</tt:Stream><tt:Transport>"
-               "<tt:Protocol>RTSP</tt:Protocol>" +
-               Repeated(levels, "<tt:Tunnel><tt:Protocol>RTSP</tt:Protocol>") + Repeated(levels, "</tt:Tunnel>") +
-               "</tt:Transport></trt:StreamSetup><trt:ProfileToken>channels.1</trt:ProfileToken></trt:GetStreamUri>";
+        return "<tev:CreatePullPointSubscription><tev:Filter>" + Repeated(levels, "<tt:a>") +
+               Repeated(levels, "</tt:a>") +
+               "</tev:Filter><tev:InitialTerminationTime>PT0S</tev:InitialTerminationTime>"
+               "</tev:CreatePullPointSubscription>";
     };
     EXPECT_EQ(Ask(nested(50)).status, 200);
     EXPECT_EQ(Ask(nested(70)).status, 400);
     EXPECT_EQ(Ask(nested(10000)).status, 400);
+}
+
+TEST_F(RequestBound, IsNotOnTheLevelsOfElementsThatAreSkipped) {
+    EXPECT_EQ(Ask("<trt:GetStreamUri><trt:StreamSetup>" + Repeated(10000, "<tt:Tunnel>") +
+                  Repeated(10000, "</tt:Tunnel>") + "</trt:StreamSetup></trt:GetStreamUri>")
+                  .status,
+              200);
 }
 
 TEST_F(RequestBound, IsOnTheLengthOfAText) {

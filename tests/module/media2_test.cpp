@@ -250,7 +250,13 @@ TEST_F(Media2, AcceptsAnyMetadataConfigurationAndChangesNothing) {
     EXPECT_THAT(AskAnonymously("<tr2:SetMetadataConfiguration>" + Gate.Metadata("tr2:Configuration") +
                                "</tr2:SetMetadataConfiguration>"),
                 Answers("<tr2:SetMetadataConfigurationResponse/>"));
-    EXPECT_THAT(AskAnonymously("<tr2:SetMetadataConfiguration/>"), Answers("<tr2:SetMetadataConfigurationResponse/>"));
+    for (std::string const content :
+         {"", "<tr2:Configuration/>", "<tr2:Configuration><tt:UseCount>many</tt:UseCount></tr2:Configuration>",
+          "<tr2:Configuration><tt:Multicast><tt:Address><tt:Type>IPv5</tt:Type></tt:Address><tt:Port/></tt:Multicast>"
+          "<tt:Analytics>maybe</tt:Analytics></tr2:Configuration>"})
+        EXPECT_THAT(AskAnonymously("<tr2:SetMetadataConfiguration>" + content + "</tr2:SetMetadataConfiguration>"),
+                    Answers("<tr2:SetMetadataConfigurationResponse/>"))
+            << content;
     EXPECT_EQ(AskAnonymously("<tr2:GetMetadataConfigurations/>").Message(), before);
 }
 
@@ -260,6 +266,14 @@ TEST_F(Media2, AcceptsAnyVideoEncoderConfigurationAndChangesNothing) {
     EXPECT_THAT(AskAnonymously("<tr2:SetVideoEncoderConfiguration>" + other.VideoEncoder("tr2:Configuration") +
                                "</tr2:SetVideoEncoderConfiguration>"),
                 Answers("<tr2:SetVideoEncoderConfigurationResponse/>"));
+    for (std::string const content :
+         {"", "<tr2:Configuration GovLength='few'/>",
+          "<tr2:Configuration><tt:Quality>good</tt:Quality><tt:Resolution><tt:Width/></tt:Resolution>"
+          "</tr2:Configuration>"})
+        EXPECT_THAT(
+            AskAnonymously("<tr2:SetVideoEncoderConfiguration>" + content + "</tr2:SetVideoEncoderConfiguration>"),
+            Answers("<tr2:SetVideoEncoderConfigurationResponse/>"))
+            << content;
     EXPECT_EQ(AskAnonymously("<tr2:GetVideoEncoderConfigurations/>").Message(), before);
 }
 

@@ -189,6 +189,19 @@ TEST_F(UriMessages, OfMediaStreamsAreAlikeForEveryTransport) {
                 << stream << protocol;
 }
 
+TEST_F(UriMessages, OfMediaStreamsAreAlikeWhateverTheSetupSays) {
+    for (std::string const setup :
+         {"", "<tt:Stream/><tt:Transport/>", "<tt:Stream>Telepathy</tt:Stream>",
+          "<tt:Stream>RTP-Unicast</tt:Stream><tt:Transport><tt:Protocol>carrier pigeon</tt:Protocol></tt:Transport>",
+          "<tt:Transport><tt:Protocol/><tt:Tunnel><tt:Protocol/></tt:Tunnel></tt:Transport>", "<tt:Port>0</tt:Port>",
+          "<tt:Port/>", "<tt:Port>70000</tt:Port>", "text"}) {
+        auto const request = "<trt:GetStreamUri><trt:StreamSetup>" + setup +
+                             "</trt:StreamSetup><trt:ProfileToken>channels.2</trt:ProfileToken></trt:GetStreamUri>";
+        EXPECT_THAT(Ask(request), Answers(Stream)) << setup;
+        EXPECT_THAT(AskAnonymously(request), IsChallenge(authentication::Realm)) << setup;
+    }
+}
+
 TEST_F(UriMessages, OfMediaSnapshotsNeverBecomeInvalid) {
     EXPECT_THAT(Ask("<trt:GetSnapshotUri><trt:ProfileToken>channels.2</trt:ProfileToken></trt:GetSnapshotUri>"),
                 Answers(R"(<trt:GetSnapshotUriResponse><trt:MediaUri>

@@ -1,6 +1,6 @@
 #include "create_base_event.h"
 
-#include "../filled.h"
+#include "../service.h"
 
 #include <zarn/meta/data/channel.h>
 #include <zarn/meta/data/classification/confidence.h>

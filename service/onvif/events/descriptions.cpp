@@ -1,7 +1,6 @@
 #include "descriptions.h"
 
-#include "../capability_values.h"
-#include "../filled.h"
+#include "../service.h"
 #include "subtopics.h"
 
 #include <soapH.h>

@@ -10,13 +10,9 @@ namespace {
 
 constexpr auto Name = "Grün über Straße, 大门 \U0001F6A6";
 
-/// Answers the names that it is sent.
-struct EchoingDevice : RecordingDevice {
+/// Answers a name.
+struct NamedDevice : RecordingDevice {
     using RecordingDevice::RecordingDevice;
-
-    int SetUser(_tds__SetUser* request, _tds__SetUserResponse&) override {
-        return Record(request->User.at(0)->Username.c_str());
-    }
 
     int GetHostname(_tds__GetHostname*, _tds__GetHostnameResponse& response) override {
         auto* const information = soap_new_tt__HostnameInformation(soap);
@@ -27,37 +23,48 @@ struct EchoingDevice : RecordingDevice {
     }
 };
 
-struct EchoingMedia2 : RecordingMedia2 {
-    using RecordingMedia2::RecordingMedia2;
+/// Records the token that it is sent.
+struct EchoingMedia : RecordingMedia {
+    using RecordingMedia::RecordingMedia;
 
-    int SetMetadataConfiguration(_tr2__SetMetadataConfiguration* request, tr2__SetConfigurationResponse&) override {
-        return Record(request->Configuration->token.c_str());
+    int GetProfile(_trt__GetProfile* request, _trt__GetProfileResponse&) override {
+        return Record(request->ProfileToken.c_str());
     }
 };
 
-std::string UserNamed(std::string const& name) {
-    return Envelope("<tds:SetUser><tds:User><tt:Username>" + name + "</tt:Username></tds:User></tds:SetUser>");
+/// Records the dialect of the filter that it is sent.
+struct EchoingEvents : RecordingEvents {
+    using RecordingEvents::RecordingEvents;
+
+    int CreatePullPointSubscription(_tev__CreatePullPointSubscription* request,
+                                    _tev__CreatePullPointSubscriptionResponse&) override {
+        return Record(soap_att_get_text(soap_att_find(&request->Filter->__any.at(0), nullptr, "Dialect")));
+    }
+};
+
+std::string ProfileNamed(std::string const& token) {
+    return Envelope("<trt:GetProfile><trt:ProfileToken>" + token + "</trt:ProfileToken></trt:GetProfile>");
 }
 
 TEST(Text, OfAnyLanguageIsReadUnchangedFromElements) {
     auto const context = MakeContext();
-    EchoingDevice service(context.get());
-    Serve(context.get(), service, UserNamed(Name));
+    EchoingMedia service(context.get());
+    Serve(context.get(), service, ProfileNamed(Name));
     EXPECT_EQ(service.called, Name);
 }
 
 TEST(Text, OfAnyLanguageIsReadUnchangedFromAttributes) {
     auto const context = MakeContext();
-    EchoingMedia2 service(context.get());
+    EchoingEvents service(context.get());
     Serve(context.get(), service,
-          Envelope(std::string("<tr2:SetMetadataConfiguration><tr2:Configuration token=\"") + Name +
-                   "\"/></tr2:SetMetadataConfiguration>"));
+          Envelope(std::string("<tev:CreatePullPointSubscription><tev:Filter><wsnt:TopicExpression Dialect=\"") + Name +
+                   "\"/></tev:Filter></tev:CreatePullPointSubscription>"));
     EXPECT_EQ(service.called, Name);
 }
 
 TEST(Text, OfAnyLanguageIsWrittenUnchangedToElements) {
     auto const context = MakeContext();
-    EchoingDevice service(context.get());
+    NamedDevice service(context.get());
     EXPECT_THAT(Serve(context.get(), service, Envelope("<tds:GetHostname/>")).Body(),
                 testing::HasSubstr(std::string("<tt:Name>") + Name + "</tt:Name>"));
 }
@@ -80,9 +87,9 @@ TEST(Text, WouldLeaveGarbledWithoutTheUtf8Mode) {
 
 TEST(Text, KeepsMarkupCharactersInBothDirections) {
     auto const context = MakeContext();
-    EchoingDevice service(context.get());
+    EchoingMedia service(context.get());
     Serve(context.get(), service,
-          UserNamed("&lt;a&gt; &amp; &quot;b&quot; &apos;c&apos; &#x5927;&#38376;<![CDATA[<]]>"));
+          ProfileNamed("&lt;a&gt; &amp; &quot;b&quot; &apos;c&apos; &#x5927;&#38376;<![CDATA[<]]>"));
     EXPECT_EQ(service.called, "<a> & \"b\" 'c' 大门<");
 
     _tt__ItemList_SimpleItem item;
@@ -98,8 +105,8 @@ TEST(Text, GetsNothingFromADocumentTypeDeclaration) {
          {"", "<!DOCTYPE a>", R"(<!DOCTYPE a [<!ENTITY e "declared">]>)", R"(<!DOCTYPE a SYSTEM "file:///etc/passwd">)",
           R"(<!DOCTYPE a [<!ENTITY e SYSTEM "file:///etc/passwd">]>)"}) {
         auto const context = MakeContext();
-        EchoingDevice service(context.get());
-        auto envelope = UserNamed("a&e;b");
+        EchoingMedia service(context.get());
+        auto envelope = ProfileNamed("a&e;b");
         envelope.insert(envelope.find("?>") + 2, declaration);
         EXPECT_EQ(Serve(context.get(), service, envelope).status, SOAP_OK);
         EXPECT_EQ(service.called, "a\x7F"
@@ -129,12 +136,6 @@ TEST(Text, OfMoreLevelsThanTheContextAllowsIsAnErrorWhereItIsKept) {
                                  "</tev:Filter></tev:CreatePullPointSubscription>"))
                       .status,
                   status);
-        RecordingMedia media(context.get());
-        EXPECT_EQ(Serve(context.get(), media,
-                        Envelope("<trt:GetStreamUri><trt:StreamSetup><tt:Transport>" + Nested("tt:Tunnel", levels) +
-                                 "</tt:Transport></trt:StreamSetup></trt:GetStreamUri>"))
-                      .status,
-                  status);
     }
 }
 
@@ -144,6 +145,12 @@ TEST(Text, OfAnyDepthIsSkippedWhereItIsNotKept) {
     RecordingDevice service(context.get());
     auto const deep = Nested("a", 20'000);
     EXPECT_EQ(Serve(context.get(), service, Envelope("<tds:GetDNS>" + deep + "</tds:GetDNS>", deep)).status, SOAP_OK);
+    RecordingMedia media(context.get());
+    EXPECT_EQ(Serve(context.get(), media,
+                    Envelope("<trt:GetStreamUri><trt:StreamSetup><tt:Transport>" + Nested("tt:Tunnel", 20'000) +
+                             "</tt:Transport></trt:StreamSetup></trt:GetStreamUri>"))
+                  .status,
+              SOAP_OK);
 }
 
 } // namespace
