@@ -28,15 +28,11 @@ TEST_F(AnalyticsClient, ReadsTheCapabilities) {
 }
 
 TEST_F(AnalyticsClient, ReadsTheModules) {
-    _tan__GetSupportedAnalyticsModules supported;
-    supported.ConfigurationToken = "channels.1";
-    auto const& descriptions = Ask(&RuleEngineBindingProxy::GetSupportedAnalyticsModules, supported)
+    auto const& descriptions = Ask(&RuleEngineBindingProxy::GetSupportedAnalyticsModules)
                                    .SupportedAnalyticsModules->AnalyticsModuleDescription;
     ASSERT_THAT(descriptions, SizeIs(1));
     EXPECT_EQ(descriptions[0]->Name, Module);
-    _tan__GetAnalyticsModules present;
-    present.ConfigurationToken = "nowhere";
-    auto const modules = Ask(&RuleEngineBindingProxy::GetAnalyticsModules, present).AnalyticsModule;
+    auto const modules = Ask(&RuleEngineBindingProxy::GetAnalyticsModules).AnalyticsModule;
     ASSERT_THAT(modules, SizeIs(1));
     EXPECT_EQ(modules[0]->Name, "ZARN");
     EXPECT_EQ(modules[0]->Type, Module);
