@@ -8,16 +8,11 @@
 #include <zarn/chrono/add.h>
 #include <zarn/chrono/duration/iso8601.h>
 #include <zarn/chrono/iso8601.h>
-#include <zarn/onvif/events/handler.h>
-
-#include <boost/asio/post.hpp>
 
 #include <algorithm>
-#include <atomic>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <future>
 #include <limits>
 #include <string_view>
 #include <utility>
@@ -75,6 +70,24 @@ system_clock::time_point ReadTermination(std::string const* text, system_clock::
     return chrono::FromIso8601(*text);
 }
 
+/// The topics of a filter: those of its last expression, whatever its kind and dialect. Text beside expressions is
+/// none.
+Subscription::Topics ReadTopics(wsnt__FilterType const* filter) {
+    Subscription::Topics topics;
+    if (!filter) return topics;
+    auto const& parts = filter->__any;
+    auto const last = std::find_if(parts.rbegin(), parts.rend(), [](auto const& part) { return part.name != nullptr; });
+    if (last == parts.rend()) return topics;
+    char const* const text = soap_elt_get_text(&*last);
+    std::string_view rest(text ? text : "");
+    for (auto end = rest.find('|'); end != rest.npos; end = rest.find('|')) {
+        topics.emplace(rest.substr(0, end));
+        rest.remove_prefix(end + 1);
+    }
+    topics.emplace(rest);
+    return topics;
+}
+
 int CannotExtractId(soap* soap) {
     return SoapFault(soap, FaultCode::Sender, "Unable to extract subscription ID", "ter:InvalidArgs");
 }
@@ -85,118 +98,9 @@ int NotFound(soap* soap) {
 
 } // namespace
 
-std::mutex EventsService::Mutex;
-std::condition_variable EventsService::Cv;
-std::map<std::int32_t, EventsService::Subscription> EventsService::Subscriptions;
-type::Binding EventsService::EventHandlerBinding;
-
-struct EventsService::Ending {
-    Ending() = default;
-    Ending(Ending const&) = delete;
-    Ending& operator=(Ending const&) = delete;
-
-    ~Ending() {
-        asio::GlobalContext const last;
-        type::Binding binding;
-        std::map<std::int32_t, Subscription> subscriptions;
-        {
-            std::scoped_lock const lock(Mutex);
-            std::swap(binding, EventHandlerBinding);
-            std::swap(subscriptions, Subscriptions);
-        }
-        binding.Reset();
-        subscriptions.clear();
-        // What the timers have handed over runs before this.
-        std::promise<void> done;
-        boost::asio::post(last.Get(), [&done] { done.set_value(); });
-        done.get_future().wait();
-    }
-};
-
 EventsService::EventsService(struct soap* soap, URIBase uriBase, ZarnAuthenticationEngine const* engine)
     : Service(soap, engine), URIBase(uriBase) {
-    RegisterForEvents();
-}
-
-void EventsService::RegisterForEvents() {
-    std::scoped_lock const lock(Mutex);
-    if (EventHandlerBinding) return;
-    EventHandlerBinding = zarn::onvif::events::RegisterHandler(Queue);
-    static Ending const ending; // made after what it uses, so that it goes before
-}
-
-void EventsService::Subscription::Push(std::shared_ptr<meta::data::Event> const& event) {
-    events.push_back(event);
-    gauge.SetQueued(events.size());
-}
-
-std::shared_ptr<meta::data::Event> EventsService::Subscription::Pop() {
-    auto event = std::move(events.front());
-    events.pop_front();
-    gauge.SetQueued(events.size());
-    return event;
-}
-
-/// Thread: the host's.
-void EventsService::Queue(std::shared_ptr<meta::data::Event> const& event) {
-    // Some have got the event also when there is no memory for others.
-    struct Notification {
-        ~Notification() { Cv.notify_all(); }
-    } const afterwards;
-
-    std::scoped_lock const lock(Mutex);
-    for (auto& [id, subscription] : Subscriptions) subscription.Push(event);
-}
-
-std::int32_t EventsService::GetNextSubscriptionId() {
-    static std::atomic<std::int32_t> SubscriptionId = 0;
-    return ++SubscriptionId;
-}
-
-EventsService::Subscription* EventsService::Find(std::int32_t id) {
-    auto const found = Subscriptions.find(id);
-    return found == Subscriptions.end() ? nullptr : &found->second;
-}
-
-/// The last element of the filter wins, whatever its kind and dialect.
-std::shared_ptr<EventsService::Topics const> EventsService::ReadTopics(wsnt__FilterType const* filter) {
-    auto topics = std::make_shared<Topics>();
-    if (!filter || filter->__any.empty()) return topics;
-    char const* const text = soap_elt_get_text(&filter->__any.back());
-    std::string_view rest(text ? text : "");
-    for (auto end = rest.find('|'); end != rest.npos; end = rest.find('|')) {
-        topics->emplace(rest.substr(0, end));
-        rest.remove_prefix(end + 1);
-    }
-    topics->emplace(rest);
-    return topics;
-}
-
-/// Replaces the wait for the end that was there before. When it throws, that one goes on.
-void EventsService::StartTimer(std::int32_t id, Subscription& subscription, Time termination) {
-    boost::asio::system_timer next(subscription.context.Get(), termination);
-    next.async_wait([id, termination](boost::system::error_code error) {
-        if (!error) Expire(id, termination);
-    });
-    subscription.timer = std::move(next); // which cancels the wait before
-}
-
-/// The end of a wait may be told late, when the subscription has been renewed meanwhile.
-void EventsService::Expire(std::int32_t id, Time termination) {
-    decltype(Subscriptions)::node_type gone; // and its events, which may be many, without the mutex
-    {
-        std::scoped_lock const lock(Mutex);
-        auto const* subscription = Find(id);
-        if (!subscription || subscription->timer.expiry() != termination) return;
-        gone = Subscriptions.extract(id);
-    }
-    Cv.notify_all();
-}
-
-void EventsService::WakeWaiting() {
-    // Whoever is between its look and its wait holds the mutex.
-    { std::scoped_lock const lock(Mutex); }
-    Cv.notify_all();
+    Subscription::RegisterForEvents();
 }
 
 void EventsService::SetActionHeader(char const* uri) {
@@ -214,16 +118,7 @@ int EventsService::CreatePullPointSubscription(Authenticated, _tev__CreatePullPo
                                                _tev__CreatePullPointSubscriptionResponse& response) {
     auto const& request = OrEmpty(given);
     auto const termination = ReadTermination(request.InitialTerminationTime, system_clock::now());
-    auto topics = ReadTopics(request.Filter);
-    auto const id = GetNextSubscriptionId();
-    decltype(Subscriptions) made; // without the mutex: making and ending one takes other locks
-    auto& subscription = made.try_emplace(id, id).first->second;
-    subscription.topics = std::move(topics);
-    {
-        std::scoped_lock const lock(Mutex);
-        StartTimer(id, subscription, termination); // whose end waits until the subscription is there
-        Subscriptions.merge(made);
-    }
+    auto const id = Subscription::Create(termination, ReadTopics(request.Filter));
     auto const address = GetBaseUri() + EventsServicePath + '/' + SubscriptionMarker + std::to_string(id);
     response.SubscriptionReference.Address = soap_strdup(soap, address.c_str());
     response.wsnt__CurrentTime = ToSeconds(system_clock::now());
@@ -231,24 +126,12 @@ int EventsService::CreatePullPointSubscription(Authenticated, _tev__CreatePullPo
     return SOAP_OK;
 }
 
-/// Waits until the subscription has events, is gone, or the time is over; returns false when it is gone.
-bool EventsService::WaitForEvents(std::unique_lock<std::mutex>& lock, std::int32_t id,
-                                  steady_clock::time_point deadline) {
-    for (;;) {
-        auto const* subscription = Find(id);
-        if (!subscription) return false;
-        if (!subscription->events.empty() || IsEnding(soap) || steady_clock::now() >= deadline) return true;
-        Cv.wait_until(lock, deadline);
-    }
-}
-
-/// Appends the event's message, if it has one that the client wants; returns whether it counts towards the limit.
-bool EventsService::Append(std::shared_ptr<meta::data::Event> const& event, Topics const& topics,
+bool EventsService::Append(std::shared_ptr<meta::data::Event> const& event, Subscription::Topics const& topics,
                            std::vector<wsnt__NotificationMessageHolderType*>& messages) {
     auto const count = messages.size();
     // A conversion that appends a message without claiming the event leaves it in, whatever the filter.
     bool const isHandled = std::ranges::any_of(
-        events::Types, [&](events::Type const& type) { return type.convert(soap, messages, event); });
+        events::Types, [&](events::Type const& type) { return type.convert(soap, messages, event, type.name); });
     if (!isHandled || messages.size() == count) return false;
     auto const* const topic = messages.back()->Topic;
     char const* const text = topic ? soap_elt_get_text(&topic->__mixed) : nullptr; // null for want of memory
@@ -261,26 +144,19 @@ int EventsService::PullMessages(Authenticated, _tev__PullMessages* given, _tev__
     auto const id = ExtractSubscriptionId(soap->path);
     if (id == NoId) return CannotExtractId(soap);
     auto const& request = OrEmpty(given);
-    std::shared_ptr<Topics const> topics; // goes after the mutex is free: this may be all that holds them
-
-    std::unique_lock lock(Mutex);
-    auto* subscription = Find(id);
+    auto const subscription = Subscription::Find(id);
     if (!subscription) return NotFound(soap);
-    response.TerminationTime = ToSeconds(subscription->timer.expiry());
-    topics = subscription->topics;
-    if (subscription->events.empty()) {
+    response.TerminationTime = ToSeconds(subscription->GetTermination());
+    if (!subscription->HasEvents()) {
         auto const deadline = chrono::Add(steady_clock::now(), chrono::duration::FromIso8601(request.Timeout));
-        if (!WaitForEvents(lock, id, deadline)) return NotFound(soap);
+        if (!subscription->WaitForEvents(deadline, [this] { return IsEnding(soap); })) return NotFound(soap);
     }
-    int count = 0;
-    // The subscription may end whenever the mutex is free.
-    while (count < request.MessageLimit && (subscription = Find(id)) && !subscription->events.empty()) {
+    // The subscription may end at any time; it then has no more events.
+    for (int count = 0; count < request.MessageLimit;) {
         auto const event = subscription->Pop();
-        lock.unlock();
-        if (Append(event, *topics, response.wsnt__NotificationMessage)) ++count;
-        lock.lock();
+        if (!event) break;
+        if (Append(event, subscription->GetTopics(), response.wsnt__NotificationMessage)) ++count;
     }
-    lock.unlock();
     response.CurrentTime = ToSeconds(system_clock::now());
     return SOAP_OK;
 }
@@ -288,13 +164,11 @@ int EventsService::PullMessages(Authenticated, _tev__PullMessages* given, _tev__
 int EventsService::Renew(Authenticated, _wsnt__Renew* given, _wsnt__RenewResponse& response) {
     auto const id = ExtractSubscriptionId(soap->path);
     if (id == NoId) return CannotExtractId(soap);
-    std::scoped_lock const lock(Mutex);
-    auto* const subscription = Find(id);
+    auto const subscription = Subscription::Find(id); // before the time is read: without one it does not matter
     if (!subscription) return NotFound(soap);
     auto const now = system_clock::now();
-    // Under the mutex, since it counts only when the subscription is there; a wrong text is refused where it is wrong.
     auto const termination = ReadTermination(OrEmpty(given).TerminationTime, now);
-    StartTimer(id, *subscription, termination);
+    if (!subscription->Renew(termination)) return NotFound(soap);
     response.TerminationTime = ToSeconds(termination);
     response.CurrentTime = static_cast<time_t*>(soap_malloc(soap, sizeof(time_t)));
     if (response.CurrentTime) *response.CurrentTime = ToSeconds(now);
@@ -303,13 +177,7 @@ int EventsService::Renew(Authenticated, _wsnt__Renew* given, _wsnt__RenewRespons
 
 int EventsService::Unsubscribe(Authenticated, _wsnt__Unsubscribe*, _wsnt__UnsubscribeResponse&) {
     auto const id = ExtractSubscriptionId(soap->path);
-    if (id == NoId) return SOAP_OK;
-    decltype(Subscriptions)::node_type gone;
-    {
-        std::scoped_lock const lock(Mutex);
-        gone = Subscriptions.extract(id);
-    }
-    Cv.notify_all();
+    if (id != NoId) Subscription::End(id);
     return SOAP_OK;
 }
 
@@ -321,7 +189,7 @@ int EventsService::GetEventProperties(_tev__GetEventProperties*, _tev__GetEventP
         topics.__any.assign(2, soap_dom_element(soap));
         auto& ruleEngine = topics.__any[0];
         soap_elt_set(&ruleEngine, nullptr, "tns1:RuleEngine");
-        for (auto const& type : events::Types) type.describe(soap, ruleEngine);
+        for (auto const& type : events::Types) type.describe(soap, ruleEngine, type.name);
         auto& videoSource = topics.__any[1];
         soap_elt_set(&videoSource, nullptr, "tns1:VideoSource");
         soap_att_text(soap_att(soap_elt(&videoSource, nullptr, "MotionAlarm"), nullptr, "wstop:topic"), "true");

@@ -9,6 +9,7 @@
 #include "request_bounds.h"
 #include "soap_context.h"
 #include "soap_fault.h"
+#include "subscription.h"
 #include "xml_text.h"
 
 #include <service/onvif/manager.h>
@@ -92,7 +93,7 @@ public:
         enabledBinding.Reset();
         Stop();
         ending = true;
-        EventsService::WakeWaiting();
+        Subscription::WakeWaiting();
         threadPool.Stop();
     }
 

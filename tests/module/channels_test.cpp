@@ -134,6 +134,15 @@ TEST_P(EveryChannelList, PassesNamesInAnyLanguageAndWithAnySignUnchanged) {
     EXPECT_THAT(Names(AskForList()), ElementsAre("Tür & Tor <b>\"süß\"</b> 'x' ]]>", "大门 🎥", "", "  two  spaces "));
 }
 
+TEST_P(EveryChannelList, KeepsAnEmptyNameThatTheProgramSets) {
+    using Name = configuration::node::Primitive<std::string>;
+    root->Find("channels.1.name")->As<Name>().Set("");
+    auto& channels = root->Find("channels")->As<Dynamic>();
+    channels.Add("3"); // to which nobody gives a name
+    channels.Add("4")->Find("name")->As<Name>().Set("");
+    EXPECT_THAT(Names(AskForList()), ElementsAre("", "Yard", "3", ""));
+}
+
 TEST_P(EveryChannelList, AsksOnceForTheDescriptionOfEachChannelByItsId) {
     AskForList();
     EXPECT_THAT(asked, ElementsAre("1", "2"));

@@ -209,6 +209,24 @@ TEST_F(EnabledSetting, MustBeABooleanInTheFile) {
     EXPECT_THROW(Manager(), configuration::Error);
 }
 
+TEST_F(EnabledSetting, KeepsTheResponderWhenAValueOfAnotherTypeComes) {
+    OnOwnNetwork([&] {
+        Manager();
+        Setting().Set(true);
+        logging::Capture const log;
+        EXPECT_THROW(Read("\"maybe\""), configuration::Error);
+        EXPECT_EQ(Count(log, Stopping), 0);
+        EXPECT_TRUE(ProbeClient().FindsAnybody());
+    });
+}
+
+TEST_F(EnabledSetting, LogsTheStopWhenTheManagerGoesWithoutAResponder) {
+    Manager();
+    logging::Capture const log;
+    EndManager();
+    EXPECT_EQ(Count(log, Stopping), 1);
+}
+
 TEST_F(EnabledSetting, EndsWithTheManager) {
     OnOwnNetwork([&] {
         Read("true");

@@ -284,6 +284,14 @@ TEST_F(RequestBound, IsOnTheAttributesAndNamespaces) {
     }
 }
 
+TEST_F(RequestBound, IsAlsoOnWhatAnOperationThatIsNotServedSkips) {
+    auto const with = [](std::size_t count) {
+        return "<tds:SystemReboot>" + Repeated(count, "=") + "</tds:SystemReboot>";
+    };
+    EXPECT_THAT(AskAnonymously(with(400)), IsFault("Receiver", "Not supported", {"ter:ActionNotSupported"}));
+    EXPECT_EQ(AskAnonymously(with(513)).status, 400);
+}
+
 TEST_F(RequestBound, IsOnWhatIsSentAndNotInflated) {
     auto const reply = Post(Envelope("<tds:GetHostname/>"), {.fields = {{"Content-Encoding", "gzip"}}});
     EXPECT_EQ(reply.status, 415);
@@ -316,6 +324,19 @@ TEST_F(Exchange, BreaksItsPromiseWhenTheOperationThrows) {
     EXPECT_EQ(Ask("<tds:GetHostname/>").status, 200);
 }
 
+TEST_F(Exchange, HasNothingMoreToSayAfterABrokenPromise) {
+    root = std::make_shared<configuration::node::Root>();
+    auto const pending = Manager().Post(MakeRequest(Envelope("<trt:GetProfiles/>")));
+    for (auto const expected : {std::future_errc::broken_promise, std::future_errc::no_state}) {
+        try {
+            WaitFor(*pending);
+            FAIL() << "answered";
+        } catch (std::future_error const& error) {
+            EXPECT_EQ(error.code(), expected);
+        }
+    }
+}
+
 TEST_F(Exchange, HandlesManyRequestsAtOnce) {
     Manager();
     std::vector<std::thread> clients;
@@ -339,6 +360,16 @@ TEST_F(Fault, QuotesTheNamesOfARequestInCharactersOfXml) {
         EXPECT_GE(reply.status, 400) << name;
         EXPECT_THAT(reply.text, testing::AllOf(testing::HasSubstr("?Body'"), testing::Not(testing::HasSubstr(name))));
     }
+}
+
+TEST_F(Fault, OfAnOperationAnswersARequestOfSoap11InItsForm) {
+    auto body = Envelope("<tds:SystemReboot/>");
+    std::string const newer = "http://www.w3.org/2003/05/soap-envelope";
+    body.replace(body.find(newer), newer.size(), "http://schemas.xmlsoap.org/soap/envelope/");
+    auto const reply = Post(body, {.fields = {{"Content-Type", "text/xml; charset=utf-8"}}});
+    EXPECT_EQ(reply.status, 500);
+    EXPECT_EQ(reply.Text("//faultcode"), "SOAP-ENV:Server");
+    EXPECT_EQ(reply.Text("//faultstring"), "Not supported");
 }
 
 class Header : public DeviceFixture {};

@@ -90,6 +90,22 @@ TEST_F(Media2Options, PreferAlsoAnEmptyProfileToken) {
     EXPECT_THAT(AskForSource(both), Answers(AnySource(Available("channels.1") + Available("channels.2"))));
 }
 
+TEST_F(Media2Options, AreThoseOfTheConfigurationTokenWhenTheProfileTokenIsNil) {
+    auto const both = R"(<tr2:ProfileToken xmlns:xsi="http://www.w3.org/2001/XMLSchema-instance" xsi:nil="true"/>)" +
+                      Configuration("channels.2");
+    EXPECT_EQ(AskForEncoder(both).Text("//tt:Encoding"), "H265");
+    EXPECT_EQ(AskForSource(both).Text("//tt:VideoSourceTokensAvailable"), "channels.2");
+}
+
+TEST_F(Media2Options, TakeTheFirstOfTwoTokensOfAKind) {
+    auto const both = Profile("channels.2") + Profile("channels.1");
+    EXPECT_EQ(AskForSource(both).Text("//tt:VideoSourceTokensAvailable"), "channels.2");
+}
+
+TEST_F(Media2Options, KeepTheWhiteSpaceOfAToken) {
+    EXPECT_EQ(AskForSource(Profile(" channels.2 ")).Text("//tt:VideoSourceTokensAvailable"), " channels.2 ");
+}
+
 TEST_F(Media2Options, OfAnUnknownTokenAreThoseOfNoVideo) {
     EXPECT_THAT(AskForEncoder(Profile("channels.99")).Texts("//tr2:Options/*[not(self::tt:BitrateRange)]//text()"),
                 ElementsAre("1", "1", "0", "0"));

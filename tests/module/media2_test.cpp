@@ -201,6 +201,25 @@ TEST_F(Media2Profiles, HaveAnEmptySetWhenNoTypeIsKnown) {
     EXPECT_THAT(AskForTypes({""}), empty);
 }
 
+TEST_F(Media2Profiles, MatchTypesAndTokensWithTheirWhiteSpace) {
+    EXPECT_THAT(Kinds({" All "}), IsEmpty());
+    EXPECT_THAT(Kinds({"Metadata\n"}), IsEmpty());
+    EXPECT_THAT(AskForTypes({}, " channels.1"), Answers("<tr2:GetProfilesResponse/>"));
+}
+
+TEST_F(Media2Profiles, MayBeAskedForByTypesAroundTheToken) {
+    EXPECT_THAT(AskAnonymously("<tr2:GetProfiles><tr2:Type>Metadata</tr2:Type><tr2:Token>channels.2</tr2:Token>"
+                               "<tr2:Type>Analytics</tr2:Type></tr2:GetProfiles>"),
+                Answers(Response(Yard.Profile("<tr2:Configurations>" + Yard.Analytics("tr2:Analytics") +
+                                              Yard.Metadata("tr2:Metadata") + "</tr2:Configurations>"))));
+}
+
+TEST_F(Media2Profiles, AreTheOnesOfTheFirstOfTwoTokens) {
+    EXPECT_THAT(AskAnonymously("<tr2:GetProfiles><tr2:Token>channels.2</tr2:Token><tr2:Token>channels.1</tr2:Token>"
+                               "</tr2:GetProfiles>"),
+                Answers(Response(Yard.Profile(""))));
+}
+
 TEST_F(Media2Profiles, AreTheOneWithTheTokenThatIsAskedFor) {
     EXPECT_THAT(AskForTypes({}, "channels.2"), Answers(Response(Yard.Profile(""))));
     EXPECT_THAT(AskForTypes({"All"}, "channels.1"), Answers(Response(Gate.Profile(AllOfGate))));

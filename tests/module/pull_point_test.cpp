@@ -357,6 +357,62 @@ TEST_F(PullPoint, TakesTheLastElementOfItsFilter) {
     EXPECT_THAT(GetRules(Pull(none)), ElementsAre("field", "line"));
 }
 
+TEST_F(PullPoint, TakesNoTextBesideTheElementsOfItsFilterForAnExpression) {
+    auto const crossing = Topics("tns1:RuleEngine/LineDetector/Crossed");
+    auto const behind = Subscribe(Filter(crossing + " tns1:RuleEngine/FieldDetector/ObjectsInside "));
+    auto const before = Subscribe(Filter("tns1:RuleEngine/FieldDetector/ObjectsInside" + crossing));
+    auto const alone = Subscribe(Filter("tns1:RuleEngine/LineDetector/Crossed"));
+    Publish(MakeFieldEvent("field"));
+    Publish(MakeCrossing("line"));
+    EXPECT_THAT(GetRules(Pull(behind)), ElementsAre("line"));
+    EXPECT_THAT(GetRules(Pull(before)), ElementsAre("line"));
+    EXPECT_THAT(GetRules(Pull(alone)), ElementsAre("field", "line"));
+}
+
+TEST_F(PullPoint, ReadsCommentsSectionsAndReferencesInItsFilterAsXmlDoes) {
+    auto const path = Subscribe(Filter(
+        Topics("a|<!-- none -->tns1:RuleEngine/<![CDATA[LineDetector]]>/&#67;rossed&#x7C;b") + "<!-- the end -->"));
+    Publish(MakeFieldEvent("field"));
+    Publish(MakeCrossing("line"));
+    EXPECT_THAT(GetRules(Pull(path)), ElementsAre("line"));
+}
+
+TEST_F(PullPoint, LetsNothingThroughAFilterElementWithoutText) {
+    for (auto const* element :
+         {"<wsnt:TopicExpression/>",
+          "<wsnt:TopicExpression xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance' xsi:nil='true'/>"}) {
+        auto const path = Subscribe(Filter(element));
+        Publish(MakeCrossing("line"));
+        EXPECT_THAT(GetRules(Pull(path)), IsEmpty()) << element;
+    }
+}
+
+TEST_F(PullPoint, TakesTheFirstOfTwoFilters) {
+    auto const path = Subscribe(Filter(Topics("tns1:RuleEngine/LineDetector/Crossed")) +
+                                Filter(Topics("tns1:RuleEngine/FieldDetector/ObjectsInside")));
+    Publish(MakeFieldEvent("field"));
+    Publish(MakeCrossing("line"));
+    EXPECT_THAT(GetRules(Pull(path)), ElementsAre("line"));
+}
+
+TEST_F(PullPoint, GivesNothingToAClientThatStatesNoMessageLimit) {
+    auto const path = Subscribe();
+    Publish(MakeCrossing("line"));
+    auto const reply = Ask("<tev:PullMessages><tev:Timeout>PT0S</tev:Timeout></tev:PullMessages>", {.path = path});
+    EXPECT_EQ(reply.status, 200);
+    EXPECT_THAT(GetRules(reply), IsEmpty());
+    EXPECT_THAT(GetRules(Pull(path)), ElementsAre("line"));
+}
+
+TEST_F(PullPoint, LeavesLoiteringBehindTheLastCountedMessageForTheNextPull) {
+    auto const path = Subscribe();
+    Publish(MakeCrossing("first"));
+    Publish(MakeEvent("dwell", "dwell"));
+    Publish(MakeCrossing("second"));
+    EXPECT_THAT(GetRules(Pull(path, 1)), ElementsAre("first"));
+    EXPECT_THAT(GetRules(Pull(path, 1)), ElementsAre("dwell", "second"));
+}
+
 TEST_F(PullPoint, LooksAtTheTextOfItsFilterAlone) {
     auto const dialect =
         Subscribe(Filter("<wsnt:TopicExpression Dialect='urn:x'>a||tns1:RuleEngine/LineDetector/Crossed"

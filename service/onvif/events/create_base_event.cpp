@@ -1,12 +1,11 @@
 #include "create_base_event.h"
 
-#include "../service.h"
-
 #include <zarn/meta/data/channel.h>
 #include <zarn/meta/data/classification/confidence.h>
 #include <zarn/meta/data/classification/name.h>
 #include <zarn/meta/data/event.h>
 #include <zarn/meta/data/object.h>
+#include <zarn/onvif/filled.h>
 
 #include <soapH.h>
 
@@ -20,6 +19,7 @@
 namespace zarn::service::onvif::events {
 
 namespace data = meta::data;
+using zarn::onvif::Filled;
 
 namespace {
 

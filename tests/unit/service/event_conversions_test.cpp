@@ -26,7 +26,7 @@ protected:
     std::vector<std::string> GetClaims(std::shared_ptr<data::Event> const& event) {
         std::vector<std::string> claims;
         for (auto const& type : Types) {
-            if (type.convert(context.get(), messages, event)) claims.emplace_back(type.name);
+            if (type.convert(context.get(), messages, event, type.name)) claims.emplace_back(type.name);
         }
         return claims;
     }

@@ -156,7 +156,9 @@ protected:
         _tev__CreatePullPointSubscription subscription;
         wsnt__FilterType filter;
         if (topics) {
-            soap_elt_text(&filter.__any.emplace_back(context.get()), topics);
+            auto& expression = filter.__any.emplace_back(context.get());
+            soap_elt_set(&expression, nullptr, "wsnt:TopicExpression");
+            soap_elt_text(&expression, topics);
             subscription.Filter = &filter;
         }
         _tev__CreatePullPointSubscriptionResponse response;

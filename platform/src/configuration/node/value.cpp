@@ -76,8 +76,7 @@ void Value::Store(std::shared_ptr<object::Object const> value) {
     Commit(*this, [&](Notification& notification) {
         {
             std::scoped_lock const lock(stateMutex);
-            current.underlying = std::move(value);
-            current.overriding = nullptr;
+            current = {std::move(value), nullptr, true};
         }
         Announce(notification);
     });

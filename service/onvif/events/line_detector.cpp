@@ -1,0 +1,30 @@
+#include "topics.h"
+
+#include <zarn/meta/data/zone.h>
+
+namespace zarn::service::onvif::events {
+
+namespace {
+
+/// Events in a zone that is a line.
+constexpr std::array LineDetectorSubtopics{
+    Subtopic{"presence", "Crossed"},
+    Subtopic{"direction", "Crossed"},
+    Subtopic{"directional-crossing", "Crossed"},
+    Subtopic{"tailgating", "Tailgating"},
+    Subtopic{"and", "Logical"},
+    Subtopic{"not", "Logical"},
+    Subtopic{"or", "Logical"},
+};
+
+} // namespace
+
+void descriptions::LineDetector(soap* soap, soap_dom_element& ruleEngine, char const* name) {
+    AddTopics(soap, ruleEngine, name, FieldDetectorSubtopics, {});
+}
+
+bool conversions::LineDetector(soap* soap, Messages& messages, EventPtr const& event, char const* name) {
+    return IsInZone(*event, meta::data::Zone::Line) && CreateEvent(soap, messages, event, name, LineDetectorSubtopics);
+}
+
+} // namespace zarn::service::onvif::events

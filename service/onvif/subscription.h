@@ -1,0 +1,97 @@
+#pragma once
+
+#include <zarn/asio/global_context.h>
+#include <zarn/onvif/events/subscription_gauge.h>
+#include <zarn/type/binding.h>
+
+#include <boost/asio/system_timer.hpp>
+
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <set>
+#include <string>
+
+namespace zarn::meta::data {
+class Event;
+}
+
+namespace zarn::service::onvif {
+
+/// A pull-point subscription: it queues the host's events until its client pulls them, and ends at its termination
+/// time. The process knows the live ones by their ids. Thread: any, for all operations.
+class Subscription {
+public:
+    using Time = std::chrono::system_clock::time_point;
+    using EventPtr = std::shared_ptr<meta::data::Event>;
+
+    /// What a client wants; empty: all.
+    using Topics = std::set<std::string, std::less<>>;
+
+    /// Registers for the host's events, the first time; for as long as the library is loaded.
+    static void RegisterForEvents();
+
+    /// Makes a subscription and returns its id: 1, 2, 3 and so on, none used twice.
+    static std::int32_t Create(Time termination, Topics topics);
+
+    /// The live subscription; null when there is none.
+    static std::shared_ptr<Subscription> Find(std::int32_t id);
+
+    /// Ends the subscription if it lives.
+    static void End(std::int32_t id);
+
+    /// Wakes everyone who waits for events so that they check again whether to stop.
+    static void WakeWaiting();
+
+    /// Made by Create only.
+    Subscription(std::int32_t id, Topics topics);
+
+    Topics const& GetTopics() const { return topics; }
+
+    Time GetTermination() const;
+
+    /// Moves the termination time; in the past it ends the subscription at once. Returns false when it has ended.
+    bool Renew(Time termination);
+
+    bool HasEvents() const;
+
+    /// Waits until there are events, the deadline has passed, or `isStopped` says so, which is called under a lock.
+    /// Returns false when the subscription has ended.
+    bool WaitForEvents(std::chrono::steady_clock::time_point deadline, std::function<bool()> const& isStopped);
+
+    /// Takes the oldest event out of the queue; null when there is none or the subscription has ended.
+    EventPtr Pop();
+
+private:
+    using Live = std::map<std::int32_t, std::shared_ptr<Subscription>>;
+
+    /// Ends the registration and the subscriptions when the library is unloaded, before the state below is destroyed.
+    struct Ending;
+
+    static void Queue(EventPtr const& event);
+    static std::int32_t GetNextSubscriptionId();
+    static void End(std::int32_t id, std::optional<Time> termination);
+
+    void StartTimer(Time termination);
+
+    static std::mutex Mutex; ///< guards Subscriptions, what changes in each, and EventHandlerBinding
+    static Live Subscriptions;
+    static type::Binding EventHandlerBinding;
+
+    std::int32_t const id;
+    Topics const topics;
+    zarn::onvif::events::SubscriptionGauge gauge;
+    asio::GlobalContext context;                    ///< keeps the timer's thread
+    boost::asio::system_timer timer{context.Get()}; ///< its expiry is the termination time
+    std::deque<EventPtr> events;                    ///< in the order of arrival
+    bool hasEnded = false;
+    std::condition_variable changed; ///< an event arrived, the subscription ended, or waiting is to stop
+};
+
+} // namespace zarn::service::onvif

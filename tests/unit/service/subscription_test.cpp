@@ -1,0 +1,96 @@
+#include <service/onvif/subscription.h>
+#include <zarn/meta/data/event.h>
+#include <zarn/onvif/events/handler.h>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <future>
+#include <memory>
+#include <string>
+#include <thread>
+
+namespace zarn::service::onvif {
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+
+constexpr auto Soon = 60s; // longer than anything takes
+
+Subscription::Time Now() { return std::chrono::system_clock::now(); }
+
+bool Never() { return false; }
+
+class SubscriptionTest : public testing::Test {
+protected:
+    SubscriptionTest() { Subscription::RegisterForEvents(); }
+
+    ~SubscriptionTest() override { Subscription::End(id); }
+
+    static void Publish(std::string const& name) {
+        zarn::onvif::events::Publish(std::make_shared<meta::data::Event>("count", name, Now()));
+    }
+
+    std::int32_t const id = Subscription::Create(Now() + 1h, {});
+    std::shared_ptr<Subscription> const subscription = Subscription::Find(id);
+};
+
+TEST_F(SubscriptionTest, GivesTheEventsInTheirOrder) {
+    Publish("first");
+    Publish("second");
+    EXPECT_EQ(subscription->Pop()->GetName(), "first");
+    EXPECT_EQ(subscription->Pop()->GetName(), "second");
+    EXPECT_EQ(subscription->Pop(), nullptr);
+}
+
+TEST_F(SubscriptionTest, GivesNoMoreEventsOnceItHasEndedInTheMiddleOfADelivery) {
+    Publish("first");
+    Publish("second");
+    EXPECT_EQ(subscription->Pop()->GetName(), "first");
+    ASSERT_TRUE(subscription->Renew(Now() - 1h));
+    while (Subscription::Find(id)) std::this_thread::yield();
+    EXPECT_EQ(subscription->Pop(), nullptr);
+    EXPECT_FALSE(subscription->HasEvents());
+    EXPECT_FALSE(subscription->WaitForEvents(Clock::now() + Soon, Never));
+    EXPECT_FALSE(subscription->Renew(Now() + 1h));
+}
+
+TEST_F(SubscriptionTest, ReleasesItsEventsWhenItEnds) {
+    auto event = std::make_shared<meta::data::Event>("count", "rule", Now());
+    std::weak_ptr<meta::data::Event> const kept = event;
+    zarn::onvif::events::Publish(std::move(event));
+    EXPECT_FALSE(kept.expired());
+    Subscription::End(id);
+    EXPECT_TRUE(kept.expired());
+}
+
+TEST_F(SubscriptionTest, WakesOnlyTheClientsThatItsEndConcerns) {
+    std::atomic<int> checks = 0;
+    auto waiting = std::async(std::launch::async, [&] {
+        return subscription->WaitForEvents(Clock::now() + Soon, [&] { return ++checks < 0; });
+    });
+    while (checks == 0) std::this_thread::yield();
+    for (int i = 0; i < 100; ++i) Subscription::End(Subscription::Create(Now() + 1h, {}));
+    Subscription::End(0); // nobody's
+    EXPECT_EQ(checks, 1);
+    Subscription::WakeWaiting();
+    while (checks == 1) std::this_thread::yield();
+    Subscription::End(id);
+    EXPECT_FALSE(waiting.get());
+}
+
+TEST_F(SubscriptionTest, StopsWaitingWhenItIsTold) {
+    EXPECT_TRUE(subscription->WaitForEvents(Clock::now() + Soon, [] { return true; }));
+    EXPECT_TRUE(subscription->WaitForEvents(Clock::now() - 1s, Never));
+}
+
+TEST_F(SubscriptionTest, LivesToTheEndOfTheClock) {
+    ASSERT_TRUE(subscription->Renew(Subscription::Time::max()));
+    EXPECT_EQ(subscription->GetTermination(), Subscription::Time::max());
+    EXPECT_NE(Subscription::Find(id), nullptr);
+}
+
+} // namespace
+} // namespace zarn::service::onvif
