@@ -14,24 +14,19 @@
 
 class tan__Capabilities
 { public:
-    std::vector<xsd__anyType> __any                              0;
-    @ bool*                   RuleSupport                        0;
-    @ bool*                   AnalyticsModuleSupport             0;
-    @ bool*                   CellBasedSceneDescriptionSupported 0;
-    @ bool*                   RuleOptionsSupported               0;
-    @ bool*                   AnalyticsModuleOptionsSupported    0;
-    @ bool*                   SupportedMetadata                  0;
-    @ tt__StringList*         ImageSendingType                   0;
-    @ xsd__anyAttribute       __anyAttribute;
+    @ bool*           RuleSupport                        0;
+    @ bool*           AnalyticsModuleSupport             0;
+    @ bool*           CellBasedSceneDescriptionSupported 0;
+    @ bool*           RuleOptionsSupported               0;
+    @ bool*           AnalyticsModuleOptionsSupported    0;
+    @ bool*           SupportedMetadata                  0;
 };
 
 /// What an analytics module puts into a metadata stream.
 class tan__MetadataInfo
 { public:
-    tt__Frame*                SampleFrame 1;
-    std::vector<xsd__anyType> __any       0;
-    @ xsd__QName              Type        1;
-    @ xsd__anyAttribute       __anyAttribute;
+    tt__Frame*   SampleFrame 1;
+    @ xsd__QName Type        1;
 };
 
 // Messages

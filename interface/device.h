@@ -14,84 +14,27 @@
 
 // Capabilities
 
-class tds__NetworkCapabilities
-{ public:
-    @ bool*             IPFilter            0;
-    @ bool*             ZeroConfiguration   0;
-    @ bool*             IPVersion6          0;
-    @ bool*             DynDNS              0;
-    @ bool*             Dot11Configuration  0;
-    @ int*              Dot1XConfigurations 0;
-    @ bool*             HostnameFromDHCP    0;
-    @ int*              NTP                 0;
-    @ bool*             DHCPv6              0;
-    @ xsd__anyAttribute __anyAttribute;
-};
-
 class tds__SecurityCapabilities
 { public:
-    @ bool*             TLS1_x002e0          0;
-    @ bool*             TLS1_x002e1          0;
-    @ bool*             TLS1_x002e2          0;
-    @ bool*             OnboardKeyGeneration 0;
-    @ bool*             AccessPolicyConfig   0;
-    @ bool*             DefaultAccessPolicy  0;
-    @ bool*             Dot1X                0;
-    @ bool*             RemoteUserHandling   0;
-    @ bool*             X_x002e509Token      0;
-    @ bool*             SAMLToken            0;
-    @ bool*             KerberosToken        0;
-    @ bool*             UsernameToken        0;
-    @ bool*             HttpDigest           0;
-    @ bool*             RELToken             0;
-    @ bool*             JsonWebToken         0;
-    @ tt__IntList*      SupportedEAPMethods  0;
-    @ int*              MaxUsers             0;
-    @ int*              MaxUserNameLength    0;
-    @ int*              MaxPasswordLength    0;
-    @ tt__StringList*   SecurityPolicies     0;
-    @ int*              MaxPasswordHistory   0;
-    @ tt__StringList*   HashingAlgorithms    0;
-    @ xsd__anyAttribute __anyAttribute;
+    @ bool* TLS1_x002e0          0;
+    @ bool* TLS1_x002e1          0;
+    @ bool* TLS1_x002e2          0;
+    @ bool* OnboardKeyGeneration 0;
+    @ bool* AccessPolicyConfig   0;
+    @ bool* DefaultAccessPolicy  0;
+    @ bool* Dot1X                0;
+    @ bool* RemoteUserHandling   0;
+    @ bool* X_x002e509Token      0;
+    @ bool* SAMLToken            0;
+    @ bool* KerberosToken        0;
+    @ bool* UsernameToken        0;
+    @ bool* HttpDigest           0;
 };
 
-class tds__SystemCapabilities
-{ public:
-    @ bool*               DiscoveryResolve          0;
-    @ bool*               DiscoveryBye              0;
-    @ bool*               RemoteDiscovery           0;
-    @ bool*               SystemBackup              0;
-    @ bool*               SystemLogging             0;
-    @ bool*               FirmwareUpgrade           0;
-    @ bool*               HttpFirmwareUpgrade       0;
-    @ bool*               HttpSystemBackup          0;
-    @ bool*               HttpSystemLogging         0;
-    @ bool*               HttpSupportInformation    0;
-    @ bool*               StorageConfiguration      0;
-    @ int*                MaxStorageConfigurations  0;
-    @ int*                GeoLocationEntries        0;
-    @ tt__StringAttrList* AutoGeo                   0;
-    @ tt__StringAttrList* StorageTypesSupported     0;
-    @ bool*               DiscoveryNotSupported     0;
-    @ bool*               NetworkConfigNotSupported 0;
-    @ bool*               UserConfigNotSupported    0;
-    @ tt__StringAttrList* Addons                    0;
-    @ xsd__anyAttribute   __anyAttribute;
-};
-
-class tds__MiscCapabilities
-{ public:
-    @ tt__StringAttrList* AuxiliaryCommands 0;
-    @ xsd__anyAttribute   __anyAttribute;
-};
-
-/// Network, System: required by the schema, left out because this device configures neither.
+/// The schema requires Network and System as well; this device configures neither.
 class tds__DeviceServiceCapabilities
 { public:
-    tds__NetworkCapabilities*  Network  0;
     tds__SecurityCapabilities* Security 1;
-    tds__SystemCapabilities*   System   0;
-    tds__MiscCapabilities*     Misc     0;
 };
 
 /// A service of this device. The capabilities are one element of that service's own namespace.
@@ -104,8 +47,6 @@ class tds__Service
         xsd__anyType          __any        0;
     }*                        Capabilities 0;
     tt__OnvifVersion*         Version      1;
-    std::vector<xsd__anyType> __any        0;
-    @ xsd__anyAttribute       __anyAttribute;
 };
 
 // Messages

@@ -24,20 +24,8 @@
 
 // Topics
 
-class wstop__Documentation
-{ public:
-    std::vector<xsd__anyType> __any   0;
-    xsd__anyType              __mixed 0;
-};
-
-class wstop__ExtensibleDocumented
-{ public:
-    wstop__Documentation* documentation 0;
-    @ xsd__anyAttribute   __anyAttribute;
-};
-
 /// The tree of topics: an element each, marked with wstop:topic.
-class wstop__TopicSetType : public wstop__ExtensibleDocumented
+class wstop__TopicSetType
 { public:
     std::vector<xsd__anyType> __any 0;
 };
@@ -56,17 +44,13 @@ class wsnt__FilterType
 /// The text of the expression is that of __mixed.
 class wsnt__TopicExpressionType
 { public:
-    xsd__anyType        __any   0;
-    @ xsd__anyURI       Dialect 1;
-    @ xsd__anyAttribute __anyAttribute;
-    xsd__anyType        __mixed 0;
+    @ xsd__anyURI Dialect 1;
+    xsd__anyType  __mixed 0;
 };
 
 class wsnt__NotificationMessageHolderType
 { public:
-    wsa5__EndpointReferenceType* SubscriptionReference 0;
     wsnt__TopicExpressionType*   Topic                 0;
-    wsa5__EndpointReferenceType* ProducerReference     0;
     class _wsnt__NotificationMessageHolderType_Message
     { public:
         xsd__anyType             __any                 0;
@@ -77,17 +61,12 @@ class wsnt__NotificationMessageHolderType
 
 class tev__Capabilities
 { public:
-    std::vector<xsd__anyType> __any                                         0;
-    @ bool*                   WSSubscriptionPolicySupport                   0;
-    @ bool*                   WSPullPointSupport                            0;
-    @ bool*                   WSPausableSubscriptionManagerInterfaceSupport 0;
-    @ int*                    MaxNotificationProducers                      0;
-    @ int*                    MaxPullPoints                                 0;
-    @ bool*                   PersistentNotificationStorage                 0;
-    @ std::string*            EventBrokerProtocols                          0;
-    @ int*                    MaxEventBrokers                               0;
-    @ bool*                   MetadataOverMQTT                              0;
-    @ xsd__anyAttribute       __anyAttribute;
+    @ bool* WSSubscriptionPolicySupport                   0;
+    @ bool* WSPullPointSupport                            0;
+    @ bool* WSPausableSubscriptionManagerInterfaceSupport 0;
+    @ int*  MaxNotificationProducers                      0;
+    @ int*  MaxPullPoints                                 0;
+    @ bool* PersistentNotificationStorage                 0;
 };
 
 // Messages
@@ -104,9 +83,7 @@ class _tev__GetEventPropertiesResponse
     wstop__TopicSetType*      wstop__TopicSet                 1;
     std::vector<xsd__anyURI>  wsnt__TopicExpressionDialect    1;
     std::vector<xsd__anyURI>  MessageContentFilterDialect     1;
-    std::vector<xsd__anyURI>  ProducerPropertiesFilterDialect 0;
     std::vector<xsd__anyURI>  MessageContentSchemaLocation    1;
-    std::vector<xsd__anyType> __any                           0;
 };
 
 class _tev__CreatePullPointSubscription
@@ -120,7 +97,6 @@ class _tev__CreatePullPointSubscriptionResponse
     wsa5__EndpointReferenceType SubscriptionReference 1;
     time_t                      wsnt__CurrentTime     1;
     time_t                      wsnt__TerminationTime 1;
-    std::vector<xsd__anyType>   __any                 0;
 };
 
 class _tev__PullMessages
@@ -143,7 +119,6 @@ class _wsnt__Renew
 
 class _wsnt__RenewResponse
 { public:
-    time_t                    TerminationTime 1;
-    time_t*                   CurrentTime     0;
-    std::vector<xsd__anyType> __any           0;
+    time_t  TerminationTime 1;
+    time_t* CurrentTime     0;
 };

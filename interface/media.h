@@ -16,34 +16,23 @@
 
 class trt__ProfileCapabilities
 { public:
-    std::vector<xsd__anyType> __any                   0;
-    @ int*                    MaximumNumberOfProfiles 0;
-    @ xsd__anyAttribute       __anyAttribute;
+    @ int* MaximumNumberOfProfiles 0;
 };
 
 class trt__StreamingCapabilities
 { public:
-    std::vector<xsd__anyType> __any                    0;
-    @ bool*                   RTPMulticast             0;
-    @ bool*                   RTP_USCORETCP            0;
-    @ bool*                   RTP_USCORERTSP_USCORETCP 0;
-    @ bool*                   NonAggregateControl      0;
-    @ bool*                   NoRTSPStreaming          0;
-    @ xsd__anyAttribute       __anyAttribute;
+    @ bool* RTPMulticast             0;
+    @ bool* RTP_USCORETCP            0;
+    @ bool* RTP_USCORERTSP_USCORETCP 0;
+    @ bool* NonAggregateControl      0;
+    @ bool* NoRTSPStreaming          0;
 };
 
 class trt__Capabilities
 { public:
     trt__ProfileCapabilities*   ProfileCapabilities   1;
     trt__StreamingCapabilities* StreamingCapabilities 1;
-    std::vector<xsd__anyType>   __any                 0;
     @ bool*                     SnapshotUri           0;
-    @ bool*                     Rotation              0;
-    @ bool*                     VideoSourceMode       0;
-    @ bool*                     OSD                   0;
-    @ bool*                     TemporaryOSDText      0;
-    @ bool*                     EXICompression        0;
-    @ xsd__anyAttribute         __anyAttribute;
 };
 
 // Messages

@@ -16,58 +16,35 @@
 
 class tr2__ProfileCapabilities
 { public:
-    std::vector<xsd__anyType> __any                   0;
-    @ int*                    MaximumNumberOfProfiles 0;
-    @ tt__StringAttrList*     ConfigurationsSupported 0;
-    @ xsd__anyAttribute       __anyAttribute;
+    @ int*                MaximumNumberOfProfiles 0;
+    @ tt__StringAttrList* ConfigurationsSupported 0;
 };
 
 class tr2__StreamingCapabilities
 { public:
-    std::vector<xsd__anyType> __any                    0;
-    @ bool*                   RTSPStreaming            0;
-    @ bool*                   RTPMulticast             0;
-    @ bool*                   RTP_USCORERTSP_USCORETCP 0;
-    @ bool*                   NonAggregateControl      0;
-    @ xsd__anyURI*            RTSPWebSocketUri         0;
-    @ bool*                   AutoStartMulticast       0;
-    @ bool*                   SecureRTSPStreaming      0;
-    @ xsd__anyAttribute       __anyAttribute;
+    @ bool* RTSPStreaming            0;
+    @ bool* RTPMulticast             0;
+    @ bool* RTP_USCORERTSP_USCORETCP 0;
+    @ bool* NonAggregateControl      0;
+    @ bool* AutoStartMulticast       0;
+    @ bool* SecureRTSPStreaming      0;
 };
 
 class tr2__Capabilities2
 { public:
     tr2__ProfileCapabilities*   ProfileCapabilities   1;
     tr2__StreamingCapabilities* StreamingCapabilities 1;
-    std::vector<xsd__anyType>   __any                 0;
     @ bool*                     SnapshotUri           0;
-    @ bool*                     Rotation              0;
-    @ bool*                     VideoSourceMode       0;
-    @ bool*                     OSD                   0;
-    @ bool*                     TemporaryOSDText      0;
-    @ bool*                     Mask                  0;
-    @ bool*                     SourceMask            0;
-    @ xsd__anyAttribute         __anyAttribute;
 };
 
 // Profiles
 
-typedef tt__Unused tr2__ReceiverConfiguration;
-
 class tr2__ConfigurationSet
 { public:
     tt__VideoSourceConfiguration*    VideoSource  0;
-    tt__AudioSourceConfiguration*    AudioSource  0;
     tt__VideoEncoder2Configuration*  VideoEncoder 0;
-    tt__AudioEncoder2Configuration*  AudioEncoder 0;
     tt__VideoAnalyticsConfiguration* Analytics    0;
-    tt__PTZConfiguration*            PTZ          0;
     tt__MetadataConfiguration*       Metadata     0;
-    tt__AudioOutputConfiguration*    AudioOutput  0;
-    tt__AudioDecoderConfiguration*   AudioDecoder 0;
-    tr2__ReceiverConfiguration*      Receiver     0;
-    std::vector<xsd__anyType>        __any        0;
-    @ xsd__anyAttribute              __anyAttribute;
 };
 
 class tr2__MediaProfile
@@ -76,7 +53,6 @@ class tr2__MediaProfile
     tr2__ConfigurationSet* Configurations 0;
     @ tt__ReferenceToken   token          1;
     @ bool*                fixed          0;
-    @ xsd__anyAttribute    __anyAttribute;
 };
 
 // Messages

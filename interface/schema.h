@@ -10,18 +10,10 @@
 
 typedef std::string tt__ReferenceToken;
 typedef std::string tt__Name;
-typedef std::string tt__IntList;
-typedef std::string tt__FloatList;
-typedef std::string tt__StringList;
 typedef std::string tt__StringAttrList;
 
 /// Every request that this device does not read and every response that says no more than that the operation succeeded.
 class tt__EmptyMessage
-{ public:
-};
-
-/// What this device neither sends nor reads: every extension and everything that belongs to a feature it does not have.
-class tt__Unused
 { public:
 };
 

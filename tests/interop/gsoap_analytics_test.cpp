@@ -7,7 +7,6 @@
 namespace zarn::test {
 namespace {
 
-using testing::IsNull;
 using testing::NotNull;
 using testing::Pointee;
 using testing::SizeIs;
@@ -24,7 +23,6 @@ TEST_F(AnalyticsClient, ReadsTheCapabilities) {
     auto const& capabilities = *Ask(&RuleEngineBindingProxy::GetServiceCapabilities).Capabilities;
     EXPECT_THAT(capabilities.SupportedMetadata, Pointee(true));
     EXPECT_THAT(capabilities.RuleSupport, Pointee(false));
-    EXPECT_THAT(capabilities.ImageSendingType, IsNull());
 }
 
 TEST_F(AnalyticsClient, ReadsTheModules) {

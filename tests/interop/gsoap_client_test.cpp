@@ -69,7 +69,6 @@ TEST_F(GeneratedClient, ReadsTheCapabilities) {
     EXPECT_TRUE(*capabilities.Media->StreamingCapabilities->RTP_USCORERTSP_USCORETCP);
     ASSERT_THAT(capabilities.Device->System->SupportedVersions, SizeIs(1));
     EXPECT_EQ(capabilities.Device->System->SupportedVersions[0]->Major, 23);
-    EXPECT_EQ(capabilities.PTZ, nullptr);
 }
 
 TEST_F(GeneratedClient, ReadsTheScopes) {

@@ -46,7 +46,7 @@ std::vector<std::string> GetItems(wsnt__NotificationMessageHolderType const& hol
 
 /// gSOAP reads the text into one member, although it writes that of the other.
 std::string GetTopic(wsnt__NotificationMessageHolderType const& holder) {
-    auto const* const text = holder.Topic ? soap_elt_get_text(&holder.Topic->__any) : nullptr;
+    auto const* const text = holder.Topic ? soap_elt_get_text(&holder.Topic->__mixed) : nullptr;
     return text ? text : "no topic";
 }
 
