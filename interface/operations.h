@@ -9,8 +9,8 @@
 //
 // Access     one of bindings::Access
 // prefix     of the element's namespace
-// Operation  the element's name. An underscore at its end stands for a further port type that has the operation, too; the
-//            element decides which one is called, so that it is always the first.
+// Operation  the element's name. An underscore at its end marks the operation of a further port type; a request always
+//            calls the first, since the element alone decides.
 //
 // A message that no definition in this folder declares has no members: its content is skipped. A binding asks its
 // operations in the order of the rows, so that those that clients use come first.

@@ -17,7 +17,7 @@ unsigned short ReadPort(configuration::node::Root const& root, boost::string_vie
 std::string ReadName(configuration::node::Map const& entry) {
     auto const node = entry.Find("name");
     bool const isChannel = entry.GetPath() == "channels." + entry.GetKey();
-    // One channel that lacks a name must not take the lists of all of them down.
+    // One channel without a name must not make the lists of all channels fail.
     if (isChannel && !node) return entry.GetKey();
     auto const name = configuration::node::Read<std::string>(entry, "name");
     return isChannel && name.empty() && !node->IsStated() ? entry.GetKey() : name;

@@ -26,7 +26,7 @@ std::optional<bool> ReadEnabled(configuration::Event const& event);
 /// Thread: any; takes no configuration lock.
 unsigned short ReadPort(configuration::node::Root const& root, boost::string_view path);
 
-/// The `name` of a channel entry, or of any other map; for a channel to which nobody gave one its id.
+/// The `name` of a channel entry, or of any other map; the id of a channel whose name was never set.
 /// Throws object::BadCast with "zarn.configuration.node.String" when it is missing elsewhere, or not a string.
 std::string ReadName(configuration::node::Map const& entry);
 

@@ -17,7 +17,7 @@ Discovery::~Discovery() { End(); }
 
 void Discovery::SetPort(std::uint16_t newPort) {
     port = newPort;
-    portKnown = true; // 0 too, which the host has then told
+    portKnown = true; // also for 0, which the host then means
 }
 
 void Discovery::SetSSlEnabled(bool enabled) { sslEnabled = enabled; }

@@ -15,8 +15,8 @@ public:
     /// nameConfig  the product identity that clients are told
     /// port        of the web server; while it is 0 nothing is answered, until SetPort is called
     /// sslEnabled  whether the web server speaks TLS
-    /// Throws std::system_error when there is no thread for it and std::bad_alloc when there is no memory; whatever
-    /// else is wrong is logged and tried again.
+    /// Throws std::system_error when no thread can be started and std::bad_alloc without memory; any other failure is
+    /// logged and retried.
     Discovery(utilities::name::Config const& nameConfig, std::uint16_t port, bool sslEnabled);
 
     ~Discovery() override;

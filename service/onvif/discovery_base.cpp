@@ -37,11 +37,11 @@ logging::Logger const& DiscoveryLog() {
     return logger;
 }
 
-void TellOfFailure(std::exception const& failure) noexcept {
+void LogFailure(std::exception const& failure) noexcept {
     try {
         DiscoveryLog().Log(logging::Level::Error, "Failed to start Onvif discovery service: %0%", failure.what());
     } catch (std::exception const&) {
-        return; // it is tried again either way
+        return; // setup is retried either way
     }
 }
 
@@ -56,7 +56,7 @@ void DiscoveryBase::Begin() {
     try {
         TrySetup();
     } catch (...) {
-        End(); // the destructor of the derived class, which would do so, is not called
+        End(); // the destructor of the derived class does not run
         throw;
     }
 }
@@ -74,8 +74,8 @@ void DiscoveryBase::TrySetup() {
         receiver->Start();
         DiscoveryLog().Log(logging::Level::Info, "Onvif discovery service started successfully");
     } catch (std::exception const& error) {
-        RetryLater(); // first: telling of it may fail as well
-        TellOfFailure(error);
+        RetryLater(); // first: logging may fail as well
+        LogFailure(error);
     }
 }
 
@@ -111,7 +111,7 @@ void DiscoveryBase::Send(std::string xml, udp::endpoint const& destination) {
     DiscoveryLog().Log(Traffic, "Successfully generated discovery response: %0%", xml);
     auto const buffer = std::make_shared<Buffer>(std::move(xml));
     auto const sender = std::make_shared<Sender>(ioContext.Get(), destination);
-    // Both live until it is sent.
+    // Both live until the datagram is sent.
     sender->Send(buffer, [sender, buffer](error_code const& error) {
         if (!error) return;
         DiscoveryLog().Log(Traffic, "Failed to send discovery response: %0% with error %1% ", buffer->ToStringView(),

@@ -34,11 +34,11 @@ extern boost::asio::ip::address const MulticastAddress;
 /// Receives WS-Discovery messages and sends the answers that the derived class gives, each to the source of its
 /// message.
 ///
-/// The derived class calls Begin when it is complete and End when it begins to go: it is called in between only. While
-/// the port cannot be had, that is logged and tried again.
+/// The derived class calls Begin at the end of its construction and End at the start of its destruction; HandleReceive
+/// is called only in between. While the port is taken, the failure is logged and setup is retried.
 class DiscoveryBase {
 public:
-    /// How long a failed attempt to receive is followed by none.
+    /// The time from a failed setup to the next.
     static constexpr std::chrono::milliseconds RetryInterval = std::chrono::seconds(10);
 
     explicit DiscoveryBase(std::chrono::milliseconds retryInterval = RetryInterval);
@@ -55,11 +55,11 @@ public:
     virtual zarn::onvif::discovery::Response HandleReceive(zarn::onvif::discovery::Request const& request) = 0;
 
 protected:
-    /// Makes the first attempt to receive; a failure is logged and tried again. To be called once, as the last act of
-    /// construction. Throws std::bad_alloc when not even the next attempt can be prepared, and has called End then.
+    /// Makes the first attempt to receive; a failure is logged and setup is retried. To be called once, as the last act
+    /// of construction. Throws std::bad_alloc when not even the next attempt can be prepared, and has called End then.
     void Begin();
 
-    /// Ends receiving, trying and sending: when it returns, nothing of this object runs any more. To be called as the
+    /// Ends receiving, retrying and sending; nothing of this object runs once it has returned. To be called as the
     /// first act of destruction, on another thread than the responder's.
     void End();
 

@@ -25,7 +25,7 @@ void Dispatch(soap* soap, Services&... services) {
     status = SOAP_NO_METHOD;
     (void)(((status = services.dispatch()) == SOAP_NO_METHOD) && ...);
     SendFault(soap);
-    // The fault of an operation is written twice, on purpose; who reads the output takes the first response.
+    // The fault of an operation is written twice, on purpose; the reader of the output takes the first response.
     if (status != SOAP_OK && status != SOAP_NO_METHOD) SendFault(soap);
 }
 

@@ -34,7 +34,7 @@ constexpr char ConcreteTopicExpressionURI[] = "http://docs.oasis-open.org/wsn/t-
 constexpr char OnvifItemFilterURI[] = "http://www.onvif.org/ver10/tev/messageContentFilter/ItemFilter";
 constexpr char OnvifSchemaURI[] = "http://www.onvif.org/onvif/ver10/schema/onvif.xsd";
 
-/// Stands before the id in the address of a subscription.
+/// Precedes the id in the address of a subscription.
 constexpr char SubscriptionMarker[] = "Subscription?Idx=";
 
 /// How long a subscription lasts when its client does not say.
@@ -47,7 +47,7 @@ time_t ToSeconds(system_clock::time_point time) {
     return std::chrono::duration_cast<std::chrono::seconds>(time.time_since_epoch()).count();
 }
 
-/// The id in the address that the request came to; NoId when there is none.
+/// The id in the request's address; NoId when there is none.
 std::int32_t ExtractSubscriptionId(char const* path) {
     char const* const marker = std::strstr(path, SubscriptionMarker);
     if (!marker) return NoId;
@@ -60,10 +60,10 @@ std::int32_t ExtractSubscriptionId(char const* path) {
     return isId ? static_cast<std::int32_t>(id) : NoId;
 }
 
-/// The end of a subscription as a client asks for it: a span from now when it begins with "P", else a time. Without a
+/// The termination time that a client asks for: a span from now when the text begins with "P", else a time; without a
 /// text a default. Throws chrono::Error when the text is neither.
 system_clock::time_point ReadTermination(std::string const* text, system_clock::time_point now) {
-    // White space around it means nothing, as in other times and spans.
+    // White space around it is ignored, as in other times and spans.
     auto const begin = text ? text->find_first_not_of(" \t\r\n") : std::string::npos;
     if (begin == std::string::npos) return now + DefaultLifetime;
     if ((*text)[begin] == 'P') return chrono::Add(now, chrono::duration::FromIso8601(*text, now));

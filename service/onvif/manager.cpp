@@ -60,7 +60,7 @@ Pending::Data MakeComplete(http::Response const& response) {
     return {response.GetStatusCode(), response.GetFields(), {web::response::State::Complete, {std::move(body)}}};
 }
 
-/// gSOAP's reasons quote names of the request as they came.
+/// gSOAP's reasons quote names of the request unchanged.
 http::Response MakeReadable(http::Response response) {
     if (response.GetStatusCode() < http::response::Status::BadRequest) return response;
     std::string body(response.GetBody());
@@ -88,7 +88,7 @@ public:
         BindEnabled();
     }
 
-    /// Ends the exchanges and the responder; nothing of this object runs on another thread afterwards.
+    /// Ends the exchanges and the responder; afterwards nothing of this object runs on another thread.
     void End() {
         enabledBinding.Reset();
         Stop();
@@ -153,7 +153,7 @@ private:
                                     configuration::node::binding::Option::DeliverCurrent);
     }
 
-    /// Thread: whoever changes the configuration.
+    /// Thread: the one that changes the configuration.
     void FollowEnabled(configuration::Event const& event) {
         auto const enabled = ReadEnabled(event);
         if (!enabled) return;
@@ -164,14 +164,14 @@ private:
     }
 
     void Start() {
-        std::scoped_lock const lock(mutex);
+        std::scoped_lock const lock(startStopMutex);
         if (discovery) return;
         ManagerLog().Log(logging::Level::Info, "Starting ONVIF discovery service");
         std::uint16_t const port = serverPort;
         bool const ssl = sslEnabled;
         auto made = std::make_unique<Discovery>(nameConfig, port, ssl);
         std::scoped_lock const publishing(discoveryMutex);
-        // What the host has told meanwhile, it told nobody.
+        // Catches up with updates that arrived while there was no responder to pass them to.
         if (serverPort != port) made->SetPort(serverPort);
         if (sslEnabled != ssl) made->SetSSlEnabled(sslEnabled);
         made->AllowAnySource(discoveryAnywhere);
@@ -179,7 +179,7 @@ private:
     }
 
     void Stop() {
-        std::scoped_lock const lock(mutex);
+        std::scoped_lock const lock(startStopMutex);
         ManagerLog().Log(logging::Level::Info, "Stopping ONVIF discovery service");
         std::unique_ptr<Discovery> gone;
         {
@@ -188,9 +188,9 @@ private:
         }
     }
 
-    asio::GlobalContext context; // so that its thread does not come and go with every request
+    asio::GlobalContext context; // keeps its thread between subscriptions
 
-    // Members go in the reverse of this order, after End.
+    // Destroyed in reverse order, after End.
     ZarnAuthenticationEngine const* authenticationEngine;
     job::DynamicThreadPool threadPool;
     // Read by the workers without a lock.
@@ -202,8 +202,8 @@ private:
     std::shared_ptr<configuration::node::Root> configuration;
     type::Binding enabledBinding;
     ChannelInfo channelInfo;
-    std::mutex mutex;          ///< held while the responder starts or stops
-    std::mutex discoveryMutex; ///< guards the pointer and what the responder is told; never held for long
+    std::mutex startStopMutex; ///< held while the responder starts or stops
+    std::mutex discoveryMutex; ///< guards `discovery` and updates of the responder; held briefly
     utilities::name::Config nameConfig;
 };
 

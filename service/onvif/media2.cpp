@@ -67,7 +67,7 @@ constexpr std::array ConfigurationKinds{
 tr2__ConfigurationSet* MakeConfigurationSet(soap* soap, std::vector<std::string> const& types, std::string const& token,
                                             std::string const& name, meta::data::VideoInfo const& info) {
     if (types.empty()) return nullptr;
-    bool const all = types.front() == "All"; // further down the list it counts as a name that nobody knows
+    bool const all = types.front() == "All"; // further down the list it counts as an unknown name
     return Filled(soap_new_tr2__ConfigurationSet(soap), [&](tr2__ConfigurationSet& set) {
         for (auto const& kind : ConfigurationKinds)
             if (all || std::find(types.begin(), types.end(), kind.type) != types.end())

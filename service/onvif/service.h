@@ -33,7 +33,7 @@ Request const& OrEmpty(Request const* request) {
 
 /// What every service shares: it is made for one request, on that request's context and thread. An operation bears the
 /// name of the standard, fills the response, whose parts live in the context, and returns SOAP_OK, Unauthorized, or
-/// what SoapFault gives for a request that cannot be served. What is wrong with the host's configuration is thrown.
+/// what SoapFault gives for a request that cannot be served. A configuration value of the wrong type is thrown.
 ///
 /// BindingService  the binding that gSOAP generates
 template <class BindingService>
@@ -48,7 +48,7 @@ public:
     BindingService* copy() final { return nullptr; }
 
 protected:
-    /// Stands before the arguments of an operation that has checked the credentials.
+    /// First argument of an operation whose wrapper has checked the credentials.
     struct Authenticated {};
 
     /// Called before the credentials are checked; a service overloads it for responses that carry something even then.

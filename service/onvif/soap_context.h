@@ -16,7 +16,7 @@ std::shared_ptr<soap> MakeSoapContext(std::atomic<bool> const* ending = nullptr)
 /// Whether an operation that waits is to answer now, as it would at the end of its time. Thread: any.
 bool IsEnding(soap const* soap);
 
-/// Turns the header that came with the request into the header of the response: it relates to the request's message and
+/// Turns the request's header into that of the response: it relates to the request's message and
 /// carries nothing else of the client's. A request without a message id, or with one that XML cannot carry, is answered
 /// without a header.
 /// Source: WS-Addressing 1.0 Core, 3.4.

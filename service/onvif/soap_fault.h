@@ -6,7 +6,7 @@ struct soap;
 
 namespace zarn::service::onvif {
 
-/// Who is to blame for a fault (SOAP 1.2 Part 1, 5.4.6).
+/// Which side causes a fault (SOAP 1.2 Part 1, 5.4.6).
 enum class FaultCode {
     Sender = 0,   ///< the request: "env:Sender"
     Receiver = 1, ///< the device cannot serve it: "env:Receiver"
@@ -24,7 +24,7 @@ int SoapFault(soap* soap, FaultCode code, char const* reason, Subcodes... subcod
     return SetFault(soap, code, reason, {subcodes...});
 }
 
-/// Writes the fault that the context stands for to its output. Thread: the one that runs the context's exchange.
+/// Writes the context's fault to its output. Thread: the one that runs the context's exchange.
 void SendFault(soap* soap);
 
 /// The answer of every operation that this device does not serve: the receiver fault "Not supported" with

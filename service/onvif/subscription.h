@@ -46,7 +46,7 @@ public:
     /// Ends the subscription if it lives.
     static void End(std::int32_t id);
 
-    /// Wakes everyone who waits for events so that they check again whether to stop.
+    /// Wakes every WaitForEvents so that it checks `isStopped` again.
     static void WakeWaiting();
 
     /// Made by Create only.

@@ -23,7 +23,7 @@ using zarn::onvif::Filled;
 
 namespace {
 
-/// Stands for the channel of an event that names none.
+/// The channel id in the message of an event without a channel.
 constexpr auto NoChannel = std::numeric_limits<std::uint32_t>::max();
 
 /// An id that occurs twice counts once: the first object that bears it.
