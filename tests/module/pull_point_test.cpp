@@ -98,8 +98,12 @@ TEST_F(PullPoint, LastsToTheEndOfTheClockForWhoAsksForMore) {
         auto const reply = Create(Termination(text));
         EXPECT_EQ(reply.Text("//wsnt:TerminationTime"), "2262-04-11T23:47:16Z") << text;
         auto const address = reply.Text("//wsa5:Address");
-        EXPECT_EQ(Pull(address.substr(address.find("/onvif/"))).status, 200) << text;
+        auto const path = address.substr(address.find("/onvif/"));
+        EXPECT_EQ(Pull(path).status, 200) << text;
+        EXPECT_EQ(Renew(path, text).Text("//wsnt:TerminationTime"), "2262-04-11T23:47:16Z") << text;
+        EXPECT_EQ(Pull(path).status, 200) << text;
     }
+    EXPECT_TRUE(EndsSoon(Subscribe(Termination("-P400Y"))));
 }
 
 TEST_F(PullPoint, OfTheWholePathHasIdsThatAscend) {

@@ -111,6 +111,7 @@ TEST_F(PullPointWait, LastsAsLongAsTheClockDoes) {
         Publish(MakeFieldEvent("one"));
         EXPECT_THAT(GetRules(GetReply(reply)), ElementsAre("one")) << timeout;
     }
+    EXPECT_EQ(Pull(Subscribe(), 1, "-P400Y").status, 200);
 }
 
 TEST_F(PullPointWait, EndsWhenTheSubscriptionIsUnsubscribed) {
