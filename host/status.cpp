@@ -1,7 +1,5 @@
 #include "host/status.h"
 
-#include "host/events/subscriptions_status.h"
-
 #include <zarn/configuration/node/primitive.h>
 #include <zarn/onvif/settings.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/events/mqtt_status.h"
+#include "host/events/status.h"
 #include "host/video/engine.h"
 #include "host/web/admission.h"
 

@@ -66,7 +66,7 @@ void MqttClient::Configure(MqttSettings const& settings) {
         if (stopping || settings == *wanted) return;
     }
     // Before the settings count: when it cannot be started, the same ones are to be tried again.
-    if (!thread.joinable() && settings.enabled) thread = std::thread([this] { Work(); });
+    if (!thread.joinable() && settings.enabled) thread = std::thread([this] { Run(); });
     {
         std::lock_guard const lock(mutex);
         wanted.swap(next);
@@ -92,7 +92,7 @@ MqttStatus MqttClient::GetStatus() const {
     return status;
 }
 
-void MqttClient::Work() {
+void MqttClient::Run() {
     LimitResolving();
     std::uniform_real_distribution<double> distribution;
     std::shared_ptr<MqttSettings const> settings;
@@ -133,7 +133,8 @@ Clock::duration MqttClient::TrySession(MqttSettings const& settings, MqttSession
 
 Clock::duration MqttClient::RunSession(MqttSettings const& settings, MqttSession::Family family) {
     SetState(MqttState::Connecting, GetStatus().detail);
-    MqttSession session(settings, family, timeToConnect, [&](MqttMessage const& message) { Take(settings, message); });
+    MqttSession session(settings, family, timeToConnect,
+                        [&](MqttMessage const& message) { HandleMessage(settings, message); });
     while (!session.IsReady() && !session.HasEnded() && IsCurrent(settings)) Serve(session);
     auto const begin = Clock::now();
     bool const connected = session.IsReady();
@@ -167,11 +168,11 @@ void MqttClient::AwaitWake(std::chrono::milliseconds limit) const {
     poll(&descriptor, 1, static_cast<int>(limit.count()));
 }
 
-void MqttClient::Take(MqttSettings const& settings, MqttMessage const& message) {
-    std::uint64_t taken = 0;
+void MqttClient::HandleMessage(MqttSettings const& settings, MqttMessage const& message) {
+    std::uint64_t events = 0;
     bool refused = false;
     try {
-        taken = Deliver(settings, message);
+        events = Deliver(settings, message);
     } catch (std::exception const& error) {
         refused = true;
         refusals.Log(Level::Warning, "Refused a message on topic %0%: %1%", message.topic, error.what());
@@ -179,7 +180,7 @@ void MqttClient::Take(MqttSettings const& settings, MqttMessage const& message) 
     std::lock_guard const lock(mutex);
     ++status.received;
     status.refused += refused ? 1 : 0;
-    status.events += taken;
+    status.events += events;
 }
 
 std::size_t MqttClient::Deliver(MqttSettings const& settings, MqttMessage const& message) {

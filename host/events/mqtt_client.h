@@ -2,8 +2,8 @@
 
 #include "host/events/mqtt_session.h"
 #include "host/events/mqtt_settings.h"
-#include "host/events/mqtt_status.h"
 #include "host/events/read_events.h"
+#include "host/events/status.h"
 
 #include <zarn/chrono/back_off.h>
 #include <zarn/io/unique_descriptor.h>
@@ -20,9 +20,9 @@
 
 namespace zarn::host::events {
 
-/// Fetches events from an MQTT broker for as long as it lives, on one thread of its own, which is there from the first
-/// time that it is wanted. The broker keeps the session while the host is away; a connection that is lost is made anew.
-/// Thread: any, unless a function says otherwise.
+/// Fetches events from an MQTT broker as long as it lives, on a thread of its own, which starts when the intake is
+/// first enabled. The broker keeps the session while the host is away; a lost connection is made again. Thread: any,
+/// unless a function says otherwise.
 class MqttClient {
 public:
     /// Bytes of a message; a longer one is refused.
@@ -41,16 +41,16 @@ public:
     MqttClient(MqttClient const&) = delete;
     MqttClient& operator=(MqttClient const&) = delete;
 
-    /// Follows the settings from now on; does not wait. Settings that are the same disturb nothing.
-    /// Throws std::system_error when the thread cannot be started; nothing has changed then. Thread: one with Stop.
+    /// Follows the settings from now on; does not wait. The same settings again disturb nothing.
+    /// Throws std::system_error when the thread cannot be started; then nothing has changed. Thread: that of Stop.
     void Configure(MqttSettings const& settings);
 
-    /// Lets the thread end without waiting for it: at most the message that it is at goes to the sink yet. Thread: any.
+    /// Makes the thread end, without waiting for it: at most the message at hand still goes to the sink. Thread: any.
     void RequestStop();
 
-    /// Ends the connection and the thread; the sink is not called any more. A broker cannot hold it up; while a name is
-    /// being resolved it takes until the system's resolver gives up, which in this thread asks each server once, for a
-    /// second. Stopping twice is harmless. Thread: one with Configure.
+    /// Ends the connection and the thread; the sink is not called any more. A broker cannot delay it; the resolution of
+    /// a name can, until the system's resolver gives up, which in this thread asks each server once, for a second.
+    /// Stopping twice is harmless. Thread: that of Configure.
     void Stop();
 
     MqttStatus GetStatus() const;
@@ -78,10 +78,9 @@ private:
         Library& operator=(Library const&) = delete;
     };
 
-    void Work();
+    void Run();
 
-    /// What goes wrong in a session, want of memory too, ends that session alone: it is tried again as a connection
-    /// that was lost.
+    /// Like RunSession, but treats an exception, such as a lack of memory, as a lost connection.
     std::chrono::steady_clock::duration TrySession(MqttSettings const& settings, MqttSession::Family family) noexcept;
 
     /// Returns how long the connection was usable.
@@ -90,7 +89,7 @@ private:
     void Serve(MqttSession& session) const;
     void Report(MqttSettings const& settings, std::string const& reason);
     void AwaitWake(std::chrono::milliseconds limit) const;
-    void Take(MqttSettings const& settings, MqttMessage const& message);
+    void HandleMessage(MqttSettings const& settings, MqttMessage const& message);
     std::size_t Deliver(MqttSettings const& settings, MqttMessage const& message);
     bool IsCurrent(MqttSettings const& settings) const;
     bool IsAnotherTopic(MqttSettings const& settings) const;

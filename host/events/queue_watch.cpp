@@ -1,6 +1,6 @@
 #include "host/events/queue_watch.h"
 
-#include "host/events/subscriptions_status.h"
+#include "host/events/status.h"
 
 #include <zarn/configuration/node/primitive.h>
 

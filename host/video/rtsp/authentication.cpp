@@ -6,7 +6,6 @@
 #include <zarn/authentication/realm.h>
 #include <zarn/io/unique_descriptor.h>
 
-#include <boost/asio/ip/address.hpp>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -48,8 +47,7 @@ gboolean Authenticate(GstRTSPAuth* authentication, GstRTSPContext* context) {
     auto const& base = Authentication::GetBase();
     if (!HasCredentials(context)) return base.authenticate(authentication, context);
     auto& failedLogins = *Authentication::GetValue(authentication);
-    boost::system::error_code ignored;
-    auto const peer = boost::asio::ip::make_address(gst_rtsp_connection_get_ip(context->conn), ignored);
+    auto const peer = GetPeer(context->conn);
     if (failedLogins.GetWait(peer)) return FALSE;
     auto const isKnown = base.authenticate(authentication, context);
     if (isKnown == FALSE || context->token == nullptr) failedLogins.Count(peer);
@@ -64,6 +62,12 @@ bool IsHash(std::string const& text) {
 }
 
 } // namespace
+
+boost::asio::ip::address GetPeer(GstRTSPConnection const* connection) {
+    auto const* const text = gst_rtsp_connection_get_ip(connection);
+    boost::system::error_code ignored;
+    return text == nullptr ? boost::asio::ip::address() : boost::asio::ip::make_address(text, ignored);
+}
 
 ObjectHandle<GstRTSPAuth> MakeAuthentication(std::string const& ha1, std::shared_ptr<FailedLogins> failedLogins) {
     auto authentication = Authentication::Make(GST_TYPE_RTSP_AUTH, "ZarnRtspAuthentication", std::move(failedLogins));

@@ -3,12 +3,16 @@
 #include "host/access/failed_logins.h"
 #include "host/video/gstreamer.h"
 
+#include <boost/asio/ip/address.hpp>
 #include <gst/rtsp-server/rtsp-server.h>
 
 #include <memory>
 #include <string>
 
 namespace zarn::host::video::rtsp {
+
+/// The address of a connection's peer; unspecified when GStreamer does not know it.
+boost::asio::ip::address GetPeer(GstRTSPConnection const* connection);
 
 /// Makes the check of RTSP requests: digest only, user `admin`, realm zarn::authentication::Realm.
 /// ha1           32 lower-case hexadecimal digits; with anything else every login fails

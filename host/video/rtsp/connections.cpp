@@ -81,11 +81,6 @@ void EndSessions(GstRTSPClient* client, Ends ends) {
 
 } // namespace
 
-std::string GetAddress(GstRTSPClient* client) {
-    auto const* address = gst_rtsp_connection_get_ip(gst_rtsp_client_get_connection(client));
-    return address == nullptr ? std::string() : address;
-}
-
 /// A second descriptor of a connection's socket: it can be shut down whatever the connection's thread is doing with it.
 class Connections::Socket {
 public:
@@ -120,25 +115,13 @@ std::size_t Connections::GetCount() const {
     return state->entries.size();
 }
 
-std::size_t Connections::CountFrom(std::string const& address) const {
-    std::scoped_lock const lock(state->mutex);
-    return static_cast<std::size_t>(
-        std::ranges::count(state->entries, address, [](auto const& entry) { return entry.second.address; }));
-}
-
-void Connections::ShutDown(GstRTSPClient* client) {
-    std::scoped_lock const lock(state->mutex);
-    auto const found = state->entries.find(client);
-    if (found != state->entries.end()) found->second.socket->ShutDown();
-}
-
-void Connections::Add(GstRTSPClient* client) {
+void Connections::Add(GstRTSPClient* client, ConnectionCount::Slot slot) {
     auto socket = std::make_unique<Socket>(client);
-    auto address = GetAddress(client);
+    if (!slot) socket->ShutDown();
     {
         std::scoped_lock const lock(state->mutex);
         state->entries.emplace(client, Entry{Client(GST_RTSP_CLIENT(g_object_ref(client))), std::move(socket),
-                                             std::move(address), Clock::now(), 0});
+                                             std::move(slot), Clock::now(), 0});
     }
     ConnectShared(client, "closed", G_CALLBACK(&Connections::OnClosed), state);
 }
@@ -179,6 +162,12 @@ std::vector<Connections::Client> Connections::FindViewers(std::string const& pat
     auto clients = GetAll();
     std::erase_if(clients, [&path](Client const& client) { return !Views(client.get(), path); });
     return clients;
+}
+
+void Connections::ShutDown(GstRTSPClient* client) {
+    std::scoped_lock const lock(state->mutex);
+    auto const found = state->entries.find(client);
+    if (found != state->entries.end()) found->second.socket->ShutDown();
 }
 
 void Connections::End(std::vector<Client> const& clients) {

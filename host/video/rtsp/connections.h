@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/access/connection_count.h"
 #include "host/video/gstreamer.h"
 
 #include <gst/rtsp-server/rtsp-server.h>
@@ -16,9 +17,6 @@
 #include <vector>
 
 namespace zarn::host::video::rtsp {
-
-/// The address of a connection's peer, in text.
-std::string GetAddress(GstRTSPClient* client);
 
 /// The connections of an RTSP server: how many there are, which watch a channel, which only sit there. Each is served
 /// by a thread of its own; they are ended by shutting down their socket, upon which that thread takes them apart.
@@ -45,14 +43,9 @@ public:
     /// How many there are.
     std::size_t GetCount() const;
 
-    /// How many there are from an address, as GetAddress() gives it.
-    std::size_t CountFrom(std::string const& address) const;
-
-    /// Adds a new connection, until it closes.
-    void Add(GstRTSPClient* client);
-
-    /// Ends a new connection, which has no session yet.
-    void ShutDown(GstRTSPClient* client);
+    /// Adds a new connection until it closes.
+    /// slot  null: the connection exceeds a limit, and is ended
+    void Add(GstRTSPClient* client, ConnectionCount::Slot slot);
 
     /// Ends those that have had no session for `Patience`, and those that have sent too much since the last call.
     void EndMisused(Clock::time_point now);
@@ -74,9 +67,9 @@ private:
     struct Entry {
         Client client;
         std::unique_ptr<Socket> socket;
-        std::string address;
-        Clock::time_point seen; ///< when it was accepted or last seen with a session
-        std::uint64_t received; ///< bytes, at the last call of EndMisused()
+        ConnectionCount::Slot slot; ///< null: refused, and ending
+        Clock::time_point seen;     ///< when it was accepted or last seen with a session
+        std::uint64_t received;     ///< bytes, at the last call of EndMisused()
     };
 
     /// Shared with the closing of a connection that outlives the server.
@@ -87,6 +80,7 @@ private:
     };
 
     static void OnClosed(GstRTSPClient* client, gpointer state);
+    void ShutDown(GstRTSPClient* client);
     std::vector<Client> GetAll() const;
 
     std::shared_ptr<State> const state;

@@ -172,17 +172,19 @@ bool Server::HasRoom() {
 }
 
 /// The address of a connection is known only once it is there.
-void Server::BoundPerAddress(GstRTSPClient* client) {
-    std::string const address = GetAddress(client);
-    if (connections.CountFrom(address) <= maximumPerAddress) return;
-    refusals.Log(logging::Level::Warning, "Refused an RTSP connection from %0%: too many are open", address);
-    connections.ShutDown(client);
+void Server::Add(GstRTSPClient* client) {
+    auto const peer = GetPeer(gst_rtsp_client_get_connection(client));
+    auto slot = count.Add(peer, {Connections::Maximum, maximumPerAddress});
+    if (!slot) {
+        refusals.Log(logging::Level::Warning, "Refused an RTSP connection from %0%: too many are open",
+                     peer.to_string());
+    }
+    connections.Add(client, std::move(slot));
 }
 
 void Server::OnConnected(GstRTSPServer*, GstRTSPClient* client, gpointer self) {
     auto& server = *static_cast<Server*>(self);
-    server.connections.Add(client);
-    server.BoundPerAddress(client);
+    server.Add(client);
     for (auto const* signal : {"pre-describe-request", "pre-setup-request"})
         ConnectShared(client, signal, G_CALLBACK(&Server::OnRequest), server.streams);
 }

@@ -62,12 +62,13 @@ private:
     void Attach(GSource* source);
     void StopAccepting();
     bool HasRoom();
-    void BoundPerAddress(GstRTSPClient* client);
+    void Add(GstRTSPClient* client);
     static void OnConnected(GstRTSPServer*, GstRTSPClient* client, gpointer self);
     static GstRTSPStatusCode OnRequest(GstRTSPClient*, GstRTSPContext* context, gpointer streams);
     static gboolean OnTimer(gpointer self);
 
     Connections connections;
+    ConnectionCount count; ///< without refused connections
     logging::LimitedLogger refusals;
     std::atomic<std::size_t> maximum = Connections::Maximum;
     std::atomic<std::size_t> maximumPerAddress = Connections::Maximum;

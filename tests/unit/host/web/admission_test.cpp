@@ -1,5 +1,6 @@
 #include "host/web/admission.h"
 
+#include <boost/asio/ip/address.hpp>
 #include <gtest/gtest.h>
 
 #include <optional>
@@ -10,34 +11,15 @@ namespace {
 auto const First = boost::asio::ip::make_address("192.0.2.1");
 auto const Second = boost::asio::ip::make_address("192.0.2.2");
 
-TEST(Admission, TakesConnectionsUpToTheirNumberInAll) {
+TEST(Admission, TakesConnectionsUpToBothOfTheirLimits) {
     Admission admission;
-    Limits const limits{.connections = 2, .connectionsPerAddress = 2};
+    Limits const limits{.connections = 2, .connectionsPerAddress = 1};
     auto const one = admission.Connect(First, limits);
+    EXPECT_FALSE(admission.Connect(First, limits));
     auto const two = admission.Connect(Second, limits);
     EXPECT_TRUE(one && two);
-    EXPECT_FALSE(admission.Connect(First, limits));
+    EXPECT_FALSE(admission.Connect(boost::asio::ip::make_address("192.0.2.3"), limits));
     EXPECT_EQ(admission.GetConnections(), 2U);
-}
-
-TEST(Admission, TakesConnectionsUpToTheirNumberPerAddress) {
-    Admission admission;
-    Limits const limits{.connections = 10, .connectionsPerAddress = 1};
-    auto const one = admission.Connect(First, limits);
-    EXPECT_FALSE(admission.Connect(First, limits));
-    EXPECT_TRUE(admission.Connect(Second, limits));
-}
-
-TEST(Admission, GivesAPlaceBackWhenTheLastCopyOfItsSlotGoes) {
-    Admission admission;
-    Limits const limits{.connections = 1, .connectionsPerAddress = 1};
-    auto slot = admission.Connect(First, limits);
-    auto copy = slot;
-    slot.reset();
-    EXPECT_FALSE(admission.Connect(First, limits));
-    copy.reset();
-    EXPECT_EQ(admission.GetConnections(), 0U);
-    EXPECT_TRUE(admission.Connect(First, limits));
 }
 
 TEST(Admission, TakesExchangesUpToTheirNumber) {
@@ -58,13 +40,6 @@ TEST(Admission, MayGoBeforeItsSlots) {
     admission.reset();
     EXPECT_NO_THROW(connection.reset());
     EXPECT_NO_THROW(exchange.reset());
-}
-
-TEST(Admission, RefusesWhatALowerLimitNoLongerHasRoomFor) {
-    Admission admission;
-    auto const one = admission.Connect(First, {.connections = 10});
-    auto const two = admission.Connect(First, {.connections = 10});
-    EXPECT_FALSE(admission.Connect(Second, {.connections = 1}));
 }
 
 } // namespace

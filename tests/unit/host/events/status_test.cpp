@@ -1,4 +1,4 @@
-#include "host/events/subscriptions_status.h"
+#include "host/events/status.h"
 
 #include <boost/json/parse.hpp>
 #include <gtest/gtest.h>

@@ -1,8 +1,12 @@
 #pragma once
 
+#include <zarn/onvif/events/subscription_gauge.h>
+
 #include <boost/json/value.hpp>
 
+#include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 
 namespace zarn::host::events {
@@ -24,7 +28,11 @@ struct MqttStatus {
     std::uint64_t events = 0;   ///< events in the others
 };
 
-/// The status as a part of `GET /api/health`.
+/// The events that wait in all subscriptions together.
+std::size_t CountQueued(std::span<zarn::onvif::events::SubscriptionStatus const> subscriptions);
+
+/// Parts of `GET /api/health`, see docs/host.md. At most the first thousand subscriptions are listed.
 boost::json::value ToJson(MqttStatus const& status);
+boost::json::value ToJson(std::span<zarn::onvif::events::SubscriptionStatus const> subscriptions);
 
 } // namespace zarn::host::events
