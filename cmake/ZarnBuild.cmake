@@ -1,4 +1,4 @@
-# What every target of the project shares: language level, warnings, sanitizers, compiler cache.
+# Settings for every target: language level, warnings, sanitizers, compiler cache.
 
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
@@ -9,11 +9,11 @@ set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
 
-# Sources are compiled in batches, since most of the time goes into the headers that they share. OFF compiles each on its own.
+# Shared headers take most of the compile time, so sources are compiled in batches. OFF compiles each on its own.
 option(ZARN_UNITY "Compile the sources of a target in batches" ON)
 set(CMAKE_UNITY_BUILD ${ZARN_UNITY})
 set(CMAKE_UNITY_BUILD_BATCH_SIZE 16)
-if(NOT ZARN_UNITY) # so that the compiler finds sources that lack an include
+if(NOT ZARN_UNITY) # so that the compiler finds missing includes
   set(CMAKE_DISABLE_PRECOMPILE_HEADERS ON)
 endif()
 
@@ -24,26 +24,27 @@ find_package(OpenSSL 3 REQUIRED)
 
 find_program(ZARN_CCACHE ccache)
 if(ZARN_CCACHE)
-  # Paths relative to the source folder let the build folders of all presets share one cache. It caches compilations with a
-  # precompiled header only with this sloppiness.
+  # Relative paths let the build folders of all presets share one cache. Without this sloppiness, and with the time in Clang's
+  # precompiled headers, it would not cache compilations that use a precompiled header.
   set(zarn_launcher "${CMAKE_COMMAND}" -E env "CCACHE_BASEDIR=${CMAKE_SOURCE_DIR}" CCACHE_NOHASHDIR=1
     CCACHE_SLOPPINESS=pch_defines,time_macros "${ZARN_CCACHE}")
   set(CMAKE_C_COMPILER_LAUNCHER ${zarn_launcher})
   set(CMAKE_CXX_COMPILER_LAUNCHER ${zarn_launcher})
+  add_compile_options("$<$<COMPILE_LANG_AND_ID:CXX,Clang>:SHELL:-Xclang -fno-pch-timestamp>")
 endif()
 
-# ZARN_SANITIZE: comma-separated list for -fsanitize, applied to every target that does not opt out.
+# ZARN_SANITIZE: comma-separated list for -fsanitize. A target can opt out.
 set(ZARN_SANITIZE "" CACHE STRING "Sanitizers, as for -fsanitize=")
 if(ZARN_SANITIZE)
   add_compile_options(-fsanitize=${ZARN_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   add_link_options(-fsanitize=${ZARN_SANITIZE})
   add_compile_definitions(ZARN_SANITIZED)
-  if(ZARN_SANITIZE MATCHES "address") # the tests, too, need to know, although the compiler does not watch them for it
+  if(ZARN_SANITIZE MATCHES "address") # for the tests, which are not instrumented
     add_compile_definitions(ZARN_SANITIZED_ADDRESSES)
   endif()
 endif()
 
-# ZARN_BUILD_FUZZERS: every target counts what it covers, for libFuzzer; needs Clang.
+# ZARN_BUILD_FUZZERS: instruments every target for libFuzzer's coverage; needs Clang.
 option(ZARN_BUILD_FUZZERS "Build the fuzzers" OFF)
 if(ZARN_BUILD_FUZZERS)
   add_compile_options(-fsanitize=fuzzer-no-link)
@@ -55,18 +56,18 @@ target_compile_options(zarn_warnings INTERFACE -Wall -Wextra -Wpedantic -Wconver
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   target_compile_options(zarn_warnings INTERFACE -Wshadow=local)
 else()
-  # Clang counts this among the conversions, GCC does not in C++.
+  # Part of -Wconversion in Clang, but not in GCC for C++.
   target_compile_options(zarn_warnings INTERFACE -Wno-sign-conversion)
 endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND ZARN_UNITY)
-  # GCC takes the sources of a batch for headers and warns about their types with members of anonymous namespaces.
+  # GCC treats the sources of a batch as headers and warns about types with members from anonymous namespaces.
   target_compile_options(zarn_warnings INTERFACE -Wno-subobject-linkage)
 endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-  # GCC 12 takes the joining of std::strings for overlapping copies when it optimises (GCC bug 105651).
+  # GCC 12 mistakes concatenated std::strings for overlapping copies (GCC bug 105651).
   target_compile_options(zarn_warnings INTERFACE -Wno-restrict)
 endif()
-# Boost's time type and string view headers of this age announce their own successors; that is not ours to fix.
+# Boost's own headers still include deprecated ones.
 target_compile_definitions(zarn_warnings INTERFACE BOOST_ALLOW_DEPRECATED_HEADERS)
 
 # zarn_verify_headers(TARGET DIR HEADER...): every public header compiles alone.

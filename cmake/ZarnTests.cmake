@@ -1,5 +1,5 @@
 # zarn_require_kind(name label...): fails unless the labels of a test include either "unit" or "integration", not both.
-#   unit         only computes: does not wait, starts no other program and no GStreamer pipeline
+#   unit         only computes: does not wait, starts no process and no GStreamer pipeline
 #   integration  every other test
 function(zarn_require_kind name)
   set(kinds 0)
@@ -13,10 +13,10 @@ function(zarn_require_kind name)
   endif()
 endfunction()
 
-# zarn_runs(result label...): whether tests of these labels run in this build. Those that decode video or start other
-# people's clients do not under sanitizers: the libraries below them are not instrumented, so that the thread sanitizer cannot
-# see their locks, and encoding gets too slow to keep up with the clock. Clang's thread sanitizer defines operator new itself,
-# so that a test ("heap") cannot replace it.
+# zarn_runs(result label...): whether tests with these labels run in this build. Sanitizer builds omit tests that decode video
+# or start third-party clients: their libraries are not instrumented, so the thread sanitizer cannot see their locks, and
+# encoding becomes too slow for real time. Clang's thread sanitizer defines operator new itself, so a test ("heap") cannot
+# replace it.
 function(zarn_runs result)
   set(${result} ON PARENT_SCOPE)
   if(ZARN_SANITIZE MATCHES "thread" AND "heap" IN_LIST ARGN)
@@ -27,7 +27,7 @@ function(zarn_runs result)
   endif()
 endfunction()
 
-# zarn_as_in_programs(target): compiles a test library with the flags of a program, so that both can share the precompiled header.
+# zarn_as_in_programs(target): compiles a test library with a program's flags, so that both can share the precompiled header.
 function(zarn_as_in_programs target)
   set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE OFF)
   target_compile_options(${target} PRIVATE -fPIE)
@@ -44,9 +44,9 @@ function(zarn_reuse_precompiled target)
 endfunction()
 
 # zarn_add_tests(NAME name SOURCES a.cpp... [LIBRARIES lib...] LABELS label... [TIMEOUT seconds])
-# One GoogleTest executable. Every suite of unit tests, and every single integration test, is a ctest of its own, run in a
-# process of its own: starting a process takes longer than most unit tests do. Tests labelled "video" keep up with the clock
-# while they decode and encode: they count for two processors.
+# One GoogleTest executable. ctest runs each suite of unit tests as one test, since starting a process takes longer than most
+# unit tests, and each integration test separately. Tests labelled "video" encode or decode in real time: they count as two
+# processors.
 function(zarn_add_tests)
   cmake_parse_arguments(arg "" "NAME;TIMEOUT" "SOURCES;LIBRARIES;LABELS" ${ARGN})
   zarn_require_kind("${arg_NAME}" ${arg_LABELS})
@@ -68,7 +68,7 @@ function(zarn_add_tests)
   if("video" IN_LIST arg_LABELS)
     set(processors 2)
   endif()
-  # What may take longest begins first, so that the end of a run keeps all processors busy.
+  # The tests that may take longest start first, so that all processors stay busy until the end.
   set(properties TIMEOUT ${arg_TIMEOUT} COST ${arg_TIMEOUT} PROCESSORS ${processors})
   # ctest reads this file when it starts.
   set(listing "${CMAKE_CURRENT_BINARY_DIR}/${arg_NAME}_listing.cmake")
@@ -89,7 +89,7 @@ include(\"${PROJECT_SOURCE_DIR}/cmake/ZarnListSuites.cmake\")
 endfunction()
 
 # zarn_add_test(NAME name COMMAND command... LABELS label... [PROPERTIES name value...])
-# A test that is a program of its own.
+# A test that runs a command.
 function(zarn_add_test)
   cmake_parse_arguments(arg "" "NAME" "COMMAND;LABELS;PROPERTIES" ${ARGN})
   zarn_require_kind("${arg_NAME}" ${arg_LABELS})
