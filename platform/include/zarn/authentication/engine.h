@@ -9,7 +9,7 @@ namespace zarn::authentication {
 
 /// What tells digest credentials from others for the same challenge. Source: RFC 7616, 3.4.
 struct DigestCredentials {
-    std::string_view nonce;
+    std::string_view nonce;  ///< of the challenge
     std::string_view nc;     ///< "nc" as the client wrote it; empty: the response covers none
     std::string_view cnonce; ///< "cnonce"; empty: the response covers none
 };
@@ -46,6 +46,7 @@ public:
     /// Whether requests have to authenticate.
     void SetEnabled(bool enabled) noexcept;
 
+    /// Whether requests have to authenticate.
     bool IsEnabled() const noexcept;
 
     /// Sets the HA1 of "admin" (see zarn::authentication::MakeHa1): 32 hexadecimal characters of any case, or empty so

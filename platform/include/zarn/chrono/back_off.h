@@ -11,8 +11,10 @@ public:
     /// After a run of this length the next failure counts as the first one.
     static constexpr std::chrono::seconds GoodRun{10};
 
+    /// No pause is longer.
     static constexpr std::chrono::milliseconds Longest{30000};
 
+    /// first  the pause after the first failure
     explicit BackOff(std::chrono::milliseconds first) : first(first) {}
 
     /// lasted  how long it worked before it failed; 0 when it never did

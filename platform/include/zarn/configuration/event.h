@@ -16,6 +16,7 @@ class Event : public object::Typed<Event> {
 public:
     static constexpr char const* TypeName = "zarn.configuration.Event";
 
+    /// concerned  the node; never null
     explicit Event(std::shared_ptr<Node> concerned) : node(std::move(concerned)) {}
 
     /// The node that the event concerns; never null.

@@ -137,6 +137,7 @@ public:
     boost::json::value GetSchema() const;
 
 protected:
+    /// Made by the map or collection that holds the node.
     explicit Node(node::Location const& location);
 
 private:

@@ -22,7 +22,7 @@ struct Bounds {
 
 /// A list or an object that is open at a position of a text.
 struct Level {
-    bool isList = false;
+    bool isList = false;              ///< a list; otherwise an object
     std::size_t elements = 0;         ///< of a list up to the position, the one that is being read included
     std::optional<std::string> key{}; ///< of an object, the one that was read last
 };
@@ -30,11 +30,14 @@ struct Level {
 /// Why a text is refused, and where.
 class ParseError : public std::runtime_error {
 public:
+    /// The rule that the text breaks.
     enum class Reason { Syntax, DuplicateKey, TooManyFields, TooManyElements, TooManyLevels };
 
+    /// position, path  see GetPosition and GetPath
     ParseError(Reason reason, std::string const& message, std::string position, std::vector<Level> path)
         : runtime_error(message), reason(reason), position(std::move(position)), path(std::move(path)) {}
 
+    /// The rule that the text breaks.
     Reason GetReason() const noexcept { return reason; }
 
     /// Where reading stopped, such as "line 2, column 11"; for a duplicate key, at its end.

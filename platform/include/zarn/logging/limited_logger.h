@@ -17,8 +17,10 @@ namespace zarn::logging {
 /// per interval. Thread: any.
 class RateLimit {
 public:
+    /// The clock that measures the interval.
     using Clock = std::chrono::steady_clock;
 
+    /// interval  the least time between two reports
     explicit RateLimit(Clock::duration interval = std::chrono::seconds(1)) noexcept;
 
     /// Counts one occurrence. Empty when it is not to be reported now; otherwise the number of earlier occurrences

@@ -42,6 +42,8 @@ public:
         Write(level, Format(format, texts));
     }
 
+    /// As above.
+    /// level  the number of a Level
     template <class... Args>
     void Log(int level, std::string_view format, Args const&... args) const {
         Log(static_cast<Level>(level), format, args...);

@@ -10,8 +10,10 @@ public:
     /// Throws std::invalid_argument when one of the two is not a finite number.
     Point(double x, double y);
 
+    /// As a fraction of the width.
     double GetX() const noexcept { return x; }
 
+    /// As a fraction of the height, downwards.
     double GetY() const noexcept { return y; }
 
     bool operator==(Point const&) const = default;
@@ -27,8 +29,10 @@ public:
     /// Throws std::invalid_argument when a corner is not where its name says.
     Box(Point topLeft, Point bottomRight);
 
+    /// The corner with the lowest x and y.
     Point GetTopLeft() const noexcept { return topLeft; }
 
+    /// The corner with the highest x and y.
     Point GetBottomRight() const noexcept { return bottomRight; }
 
     bool operator==(Box const&) const = default;

@@ -15,8 +15,10 @@ public:
     /// Throws std::invalid_argument for a time that is not in the years 1970 to 9999.
     Meta(std::chrono::sys_seconds time, std::vector<TrackedObject> objects);
 
+    /// When the picture was taken.
     std::chrono::sys_seconds GetTime() const noexcept { return time; }
 
+    /// The objects in the picture.
     std::vector<TrackedObject> const& GetObjects() const noexcept { return objects; }
 
 private:

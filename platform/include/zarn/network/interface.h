@@ -15,9 +15,9 @@ struct Interface {
     std::string name;                    ///< for example "eth0"
     std::string hardwareAddress;         ///< lower-case hex pairs joined with ":"; empty when the interface has none
     boost::asio::ip::address_v4 address; ///< its first IPv4 address; 0.0.0.0 when it has none
-    bool up = false;
-    bool loopback = false;
-    bool multicast = false; ///< it can send and receive multicast datagrams
+    bool up = false;                     ///< it is switched on
+    bool loopback = false;               ///< it reaches this machine only
+    bool multicast = false;              ///< it can send and receive multicast datagrams
     /// Every IPv4 address with the length of its network's prefix; on a point-to-point link the peer's as well.
     std::vector<boost::asio::ip::network_v4> networks{};
 

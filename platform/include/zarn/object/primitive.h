@@ -33,6 +33,7 @@ public:
     static constexpr char const* TypeName = PrimitiveTypeName<T>;
     static_assert(TypeName != nullptr, "no primitive object holds this type");
 
+    /// initial  the value
     explicit Primitive(T initial) : value(std::move(initial)) {}
 
     /// The value; the reference holds as long as the object.

@@ -12,10 +12,13 @@ class Typed : public Base {
 public:
     using Base::Base;
 
+    /// The hash of the type's name.
     std::uint32_t GetTypeHash() const noexcept override { return OwnHash(); }
 
+    /// The name of the type.
     char const* GetTypeName() const noexcept override { return Derived::TypeName; }
 
+    /// Whether the type or one of its bases has this hash.
     bool HasType(std::uint32_t typeHash) const noexcept override {
         return typeHash == OwnHash() || Base::HasType(typeHash);
     }

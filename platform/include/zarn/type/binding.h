@@ -16,6 +16,7 @@ public:
     /// release  ends what is bound; must not throw. An empty function makes a binding of nothing.
     explicit Binding(std::function<void()> release) noexcept;
 
+    /// Takes over what the other one holds.
     Binding(Binding&& other) noexcept;
     /// Releases what this one held, then takes over the other's; assigning a binding to itself does nothing.
     Binding& operator=(Binding&& other) noexcept;

@@ -16,6 +16,7 @@ public:
     Request(Request const&) = delete;
     Request& operator=(Request const&) = delete;
 
+    /// The method.
     virtual protocol::network::http::Method GetMethod() const = 0;
 
     /// The request target in origin form: path and, behind "?", query; percent-encoded as the client sent it.

@@ -15,7 +15,9 @@ namespace zarn::web {
 /// returns a pending response. Thread: any number at once.
 class Service {
 public:
+    /// What a service answers.
     using Response = std::shared_ptr<response::Pending>;
+    /// An HTTP method.
     using Method = protocol::network::http::Method;
 
     /// allowed  what the field Allow names, beside OPTIONS; a service of this interface is a SOAP endpoint unless it
@@ -32,13 +34,21 @@ public:
     /// Hands the request to the operation of its method.
     virtual Response Process(std::shared_ptr<Request> request);
 
+    /// Answers GET.
     virtual Response Get(std::shared_ptr<Request> request);
+    /// Answers PUT.
     virtual Response Put(std::shared_ptr<Request> request);
+    /// Answers POST.
     virtual Response Post(std::shared_ptr<Request> request);
+    /// Answers HEAD.
     virtual Response Head(std::shared_ptr<Request> request);
+    /// Answers TRACE.
     virtual Response Trace(std::shared_ptr<Request> request);
+    /// Answers DELETE.
     virtual Response Delete(std::shared_ptr<Request> request);
+    /// Answers OPTIONS.
     virtual Response Options(std::shared_ptr<Request> request);
+    /// Answers CONNECT.
     virtual Response Connect(std::shared_ptr<Request> request);
 
 private:

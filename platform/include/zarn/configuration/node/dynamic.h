@@ -27,7 +27,7 @@ public:
     ~Dynamic() override;
 
     /// Adds an entry with default values behind the others and returns it.
-    /// key  1 to 64 letters, digits, '-' and '_', as far as the collection's rule accepts it
+    /// entryKey  1 to 64 letters, digits, '-' and '_', as far as the collection's rule accepts it
     /// Throws Error when the key is something else or is taken.
     std::shared_ptr<Map> Add(std::string_view entryKey);
 

@@ -39,6 +39,7 @@ class Map : public object::Typed<Map, Node> {
 public:
     static constexpr char const* TypeName = "zarn.configuration.node.Map";
 
+    /// Walks over a snapshot of the children.
     using Iterator = object::container::ConstIterator<std::shared_ptr<Node>>;
 
     /// Made by Schema and Dynamic::Add only.
@@ -77,6 +78,7 @@ public:
     bool IsStated() const override;
 
 protected:
+    /// The children in their order.
     using List = std::vector<std::shared_ptr<Node>>;
 
     /// The node to be made for a key that is read and has none; it is complete, but not in the tree yet.
@@ -103,13 +105,16 @@ protected:
     /// The description of another node, for derived classes.
     static boost::json::value WriteSchemaOf(Node const& node);
 
-    /// Makes this the parent of a node, or ends that. Called with the lock of the tree.
+    /// Makes this the parent of a node. Called with the lock of the tree.
     void Attach(Node& child);
+
+    /// Leaves a node without a parent. Called with the lock of the tree.
     static void Detach(Node& child);
 
     /// Makes a map one that was read, which is written even when it is empty.
     static void MarkRead(Map& map) noexcept;
 
+    /// The children by key and in their order.
     std::unique_ptr<Children> const children;
 
 private:

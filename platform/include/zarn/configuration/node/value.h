@@ -60,10 +60,13 @@ public:
     bool IsStated() const override;
 
 protected:
+    /// Made by Map::Schema only.
     Value(Location const& location, std::shared_ptr<schema::ValueDescription const> valueDescription);
 
-    /// Sets or overrides the value with an object of the node's type. Throws Error when the rule refuses it.
+    /// Sets the value to an object of the node's type. Throws Error when the rule refuses it.
     void Store(std::shared_ptr<object::Object const> value);
+
+    /// Overrides the value with an object of the node's type. Throws Error when the rule refuses it.
     void StoreOverride(std::shared_ptr<object::Object const> value);
 
 private:

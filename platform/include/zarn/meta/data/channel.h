@@ -11,6 +11,7 @@ class Channel : public object::Typed<Channel> {
 public:
     static constexpr char const* TypeName = "zarn.meta.data.Channel";
 
+    /// number  the number of the channel in the configuration
     explicit Channel(std::uint32_t number) noexcept : id(number) {}
 
     /// The number of the channel in the configuration.

@@ -16,6 +16,7 @@ public:
     std::uint32_t GetId() const noexcept { return id; }
 
 protected:
+    /// number  the number by which the tracker knows it
     explicit ObjectBase(std::uint32_t number) noexcept : id(number) {}
 
 private:

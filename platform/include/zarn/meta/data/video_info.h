@@ -19,12 +19,16 @@ public:
               std::int32_t denominator)
         : resolution(resolution), codec(std::move(codec)), numerator(numerator), denominator(denominator) {}
 
+    /// Width and height in pixels.
     std::pair<std::uint32_t, std::uint32_t> GetResolution() const noexcept { return resolution; }
 
+    /// The media type, for example "video/x-h264".
     std::string const& GetCodec() const noexcept { return codec; }
 
+    /// The frame rate in frames per second is this number divided by GetFrameRateDenominator().
     std::int32_t GetFrameRateNumerator() const noexcept { return numerator; }
 
+    /// See GetFrameRateNumerator.
     std::int32_t GetFrameRateDenominator() const noexcept { return denominator; }
 
     /// Equal in every member; frame rates are compared as written, so 30/1 is not 60/2.

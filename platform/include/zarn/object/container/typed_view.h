@@ -13,6 +13,7 @@ namespace zarn::object::container {
 template <class T>
 class TypedView {
 public:
+    /// The list that is viewed.
     using Elements = std::vector<std::shared_ptr<Object const>>;
 
     /// Walks over the objects that are a T.
@@ -61,7 +62,7 @@ public:
         Elements::const_iterator end;
     };
 
-    /// elements  the list; none of its pointers is null
+    /// list  none of its pointers is null
     explicit TypedView(Elements const& list) noexcept : elements(&list) {}
 
     Iterator begin() const noexcept { return {elements->begin(), elements->end()}; }

@@ -11,7 +11,7 @@ namespace zarn::onvif::discovery {
 struct Machine {
     std::string id;              ///< 32 hex digits; empty when the machine has none
     std::string hardwareAddress; ///< for example "aa:bb:cc:dd:ee:ff"; empty when it has none
-    std::string hostname;
+    std::string hostname;        ///< empty when it has none
 };
 
 /// The hardware address that stays with a machine the longest: the lowest of its interfaces that are no loopback, those

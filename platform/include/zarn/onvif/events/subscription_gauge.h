@@ -20,6 +20,7 @@ public:
     /// Takes a few nanoseconds. Thread: one at a time.
     void SetQueued(std::size_t count) noexcept { queued.store(count, std::memory_order_relaxed); }
 
+    /// The number of the subscription.
     std::int32_t GetId() const noexcept { return id; }
 
     /// Thread: any.
@@ -32,7 +33,7 @@ private:
 
 /// A subscription as the host sees it.
 struct SubscriptionStatus {
-    std::int32_t id;
+    std::int32_t id;    ///< as its client knows it
     std::size_t queued; ///< events that its client has not fetched
 
     bool operator==(SubscriptionStatus const&) const = default;

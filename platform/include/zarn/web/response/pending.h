@@ -21,6 +21,7 @@ namespace zarn::web::response {
 /// Thread: one at a time.
 class Pending {
 public:
+    /// An HTTP status.
     using Status = protocol::network::http::response::Status;
 
     /// What one question yields.
@@ -29,15 +30,21 @@ public:
         /// A state with the chunks of the body, which together are the whole body.
         using Body = std::pair<State, std::vector<std::shared_ptr<container::Buffer>>>;
 
+        /// status  the HTTP status
+        /// fields  header fields, name to value
+        /// body    the state, and the body so far
         Data(Status status, std::map<std::string, std::string> fields, Body body);
 
         /// The HTTP status; Status::Provisional while the state is NotReady.
         Status GetStatus() const noexcept { return status; }
 
+        /// The header fields, name to value.
         std::map<std::string, std::string> const& GetFields() const noexcept { return fields; }
 
+        /// Whether the response is complete.
         State GetState() const noexcept { return body.first; }
 
+        /// The chunks of the body.
         std::vector<std::shared_ptr<container::Buffer>> const& GetBody() const noexcept { return body.second; }
 
     private:
@@ -54,11 +61,13 @@ public:
     Pending(Pending const&) = delete;
     Pending& operator=(Pending const&) = delete;
 
+    /// What was known of the status when the response was made.
     Status GetStatus() const noexcept { return status; }
 
     /// Asks. Not to be called again after an answer in the state Complete. Lets through what the data function throws.
     Data GetData() const { return data(); }
 
+    /// How long the web server goes on asking; 0: as long as it takes.
     std::chrono::milliseconds GetTimeout() const noexcept { return timeout; }
 
 private:

@@ -13,6 +13,7 @@ class Name : public object::Typed<Name> {
 public:
     static constexpr char const* TypeName = "zarn.meta.data.classification.Name";
 
+    /// text  UTF-8; may be empty
     explicit Name(std::string text) noexcept : value(std::move(text)) {}
 
     /// The name, UTF-8; may be empty.

@@ -11,6 +11,7 @@ class Value : public object::Typed<Value> {
 public:
     static constexpr char const* TypeName = "zarn.meta.data.count.Value";
 
+    /// counted  may be negative
     explicit Value(std::int32_t counted) noexcept : value(counted) {}
 
     /// The count; may be negative.

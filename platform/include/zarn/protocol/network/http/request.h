@@ -16,12 +16,16 @@ public:
     /// fields  header fields, name to value
     Request(Method method, std::string target, std::string body, std::map<std::string, std::string> fields);
 
+    /// The method.
     Method GetMethod() const noexcept { return method; }
 
+    /// The target in origin form.
     std::string const& GetTarget() const noexcept { return target; }
 
+    /// The decoded body.
     std::string const& GetBody() const noexcept { return body; }
 
+    /// The header fields, name to value.
     std::map<std::string, std::string> const& GetFields() const noexcept { return fields; }
 
 private:

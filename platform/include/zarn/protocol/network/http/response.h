@@ -26,9 +26,12 @@ public:
     /// Bounds of Parse: bytes of a status or field line without its line end, bytes and fields of the header of one
     /// response.
     static constexpr std::size_t MaximumLineLength = 8191;
-    static constexpr std::size_t MaximumHeaderLength = 65536;
-    static constexpr std::size_t MaximumFields = 256;
+    static constexpr std::size_t MaximumHeaderLength = 65536; ///< bytes of the header
+    static constexpr std::size_t MaximumFields = 256;         ///< fields of the header
 
+    /// status  the HTTP status
+    /// fields  header fields, name to value
+    /// body    the decoded body
     Response(response::Status status, std::map<std::string, std::string> fields, std::string body);
 
     /// Reads the first final response of a text that may hold several; what follows it is ignored.
@@ -37,6 +40,7 @@ public:
     /// Throws ParseError when the text is not such a response or ends before the body does.
     static Response Parse(std::shared_ptr<container::Buffer> const& buffer);
 
+    /// The HTTP status.
     response::Status GetStatusCode() const noexcept { return status; }
 
     /// The fields of the response, those of the framing included; names keep its spelling.
@@ -44,6 +48,7 @@ public:
     /// their order, joined with ", " (RFC 9110, 5.3). So do those of Set-Cookie, which readers have to know.
     std::map<std::string, std::string> const& GetFields() const noexcept { return fields; }
 
+    /// The decoded body.
     std::string const& GetBody() const noexcept { return body; }
 
 private:

@@ -11,6 +11,7 @@ namespace zarn::protocol::network::udp {
 /// A bucket of tokens: it starts full, each datagram takes one, and they come back steadily. Not thread-safe.
 class TokenBucket {
 public:
+    /// The clock that measures the rate.
     using Clock = std::chrono::steady_clock;
 
     /// How fast and how many.
@@ -19,6 +20,7 @@ public:
         unsigned burst;     ///< tokens in a full bucket, at least 1
     };
 
+    /// A full bucket.
     explicit TokenBucket(Rate rate) noexcept;
 
     /// True when there is a token to take.
@@ -40,10 +42,11 @@ private:
 /// it remembers is bounded, however many sources there seem to be. Not thread-safe.
 class Throttle {
 public:
+    /// The clock that measures the rates.
     using Clock = TokenBucket::Clock;
 
-    static constexpr TokenBucket::Rate PerSource{.perSecond = 10, .burst = 20};
-    static constexpr TokenBucket::Rate InAll{.perSecond = 200, .burst = 400};
+    static constexpr TokenBucket::Rate PerSource{.perSecond = 10, .burst = 20}; ///< datagrams from one address
+    static constexpr TokenBucket::Rate InAll{.perSecond = 200, .burst = 400}; ///< datagrams from all addresses together
     /// More sources than can have a token missing: InAll lets 400 datagrams pass at once and 200 in each second, and
     /// the bucket of a source is full again after two seconds.
     static constexpr std::size_t MaximumSources = 1024;
