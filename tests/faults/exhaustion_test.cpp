@@ -41,7 +41,7 @@ unsigned Ask(HostProcess const& host) {
     return RawConnection(host.GetPort()).Exchange(MakeSoapRequest("GetSystemDateAndTime")).status;
 }
 
-TEST(Descriptors, ThatRunOutKeepNobodyFromBeingServedLater) {
+TEST(Descriptors, RunOutWithoutAffectingLaterRequests) {
     HostProcess host({.launcher = InShell("ulimit -n 64")});
     auto const countLines = [&] {
         auto const log = host.GetProcess().GetLog();
@@ -64,7 +64,7 @@ TEST(Descriptors, ThatRunOutKeepNobodyFromBeingServedLater) {
     EXPECT_EQ(Ask(host), 200U);
 }
 
-TEST(Memory, ThatIsGoneForASecondIsWaitedFor) {
+TEST(Memory, ShortForASecondOnlyDelaysRequests) {
     auto const folder = std::make_shared<TemporaryFolder>();
     FaultControl control(*folder);
     HostProcess host({.environment = control.GetEnvironment(), .folder = folder});
@@ -83,7 +83,7 @@ TEST(Memory, ThatIsGoneForASecondIsWaitedFor) {
 }
 
 /// No file may grow: the system answers as for a full disk, and sends a signal that ends most programs.
-TEST(Disk, ThatTakesNothingEndsTheFirstStartWithALineAndNoFile) {
+TEST(Disk, AcceptingNoDataFailsTheFirstStartAndLeavesNoFile) {
     TemporaryFolder const folder;
     auto const process = HostProcess::Launch({.configuration = "", .launcher = InShell("ulimit -f 0")}, folder);
     EXPECT_EQ(process->Wait(), 2);
@@ -92,7 +92,7 @@ TEST(Disk, ThatTakesNothingEndsTheFirstStartWithALineAndNoFile) {
     EXPECT_TRUE(ListFiles(folder).empty());
 }
 
-TEST(Disk, ThatGetsFullEndsTheFirstStartWithALine) {
+TEST(Disk, FillingUpFailsTheFirstStartWithAnError) {
     TemporaryFolder const folder;
     auto launcher = InShell("mount -t tmpfs -o size=4k none " + folder.GetPath().string());
     launcher.insert(launcher.begin(), {"unshare", "--map-root-user", "--mount"});
@@ -105,7 +105,7 @@ TEST(Disk, ThatGetsFullEndsTheFirstStartWithALine) {
     EXPECT_THAT(process->GetLog(), EndsWith("No space left on device\n"));
 }
 
-TEST(Disk, ThatIsFullWhileTheHostRunsCostsTheCopyOnly) {
+TEST(Disk, FullAtRunTimeOnlyStopsTheBackupCopy) {
     auto const folder = std::make_shared<TemporaryFolder>();
     FaultControl control(*folder);
     HostProcess host({.environment = control.GetEnvironment(), .folder = folder});
@@ -125,7 +125,7 @@ TEST(Disk, ThatIsFullWhileTheHostRunsCostsTheCopyOnly) {
     })) << testing::PrintToString(ListFiles(*folder));
 }
 
-TEST(Log, ThatCanBeWrittenNowhereEndsNothing) {
+TEST(Log, DoesNotStopTheHostWhenUnwritable) {
     auto const folder = std::make_shared<TemporaryFolder>();
     HostProcess host({.launcher = InShell("exec 2>/dev/full"), .folder = folder});
     folder->Write("config.json", "garbage");

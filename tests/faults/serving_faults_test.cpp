@@ -90,7 +90,7 @@ protected:
     std::vector<std::string> const requests = MakeRequests();
 };
 
-TEST_P(FailureWhileServing, HarmsNobodyElse) {
+TEST_P(FailureWhileServing, AffectsNoOtherRequest) {
     AskEverything(); // what is made once is made
     control.Arm(GetParam().call, Never, GetParam().error);
     AskEverything();

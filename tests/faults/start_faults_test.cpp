@@ -109,7 +109,7 @@ void FailEachInTurn(Fault const& fault, std::string const& configuration) {
 
 class FailureAtStart : public testing::TestWithParam<Fault> {};
 
-TEST_P(FailureAtStart, EndsTheHostWithALineOrIsGotOver) { FailEachInTurn(GetParam(), Configuration); }
+TEST_P(FailureAtStart, StopsTheHostWithAnErrorOrIsSurvived) { FailEachInTurn(GetParam(), Configuration); }
 
 INSTANTIATE_TEST_SUITE_P(Faults, FailureAtStart,
                          testing::Values(Fault{Call::New, ENOMEM}, Fault{Call::Socket, EMFILE},
@@ -126,7 +126,7 @@ INSTANTIATE_TEST_SUITE_P(Faults, FailureAtStart,
 /// The first start writes the configuration too, and opens pipelines.
 class FailureAtFirstStart : public testing::TestWithParam<Fault> {};
 
-TEST_P(FailureAtFirstStart, LeavesNoHalfConfiguration) { FailEachInTurn(GetParam(), ""); }
+TEST_P(FailureAtFirstStart, LeavesNoPartialConfiguration) { FailEachInTurn(GetParam(), ""); }
 
 INSTANTIATE_TEST_SUITE_P(Faults, FailureAtFirstStart,
                          testing::Values(Fault{Call::MakeTemporary, ENOSPC}, Fault{Call::Sync, EIO},

@@ -40,14 +40,14 @@ bool IsOurs(std::string_view name) {
     return name == "main" || name.starts_with("soap_") || name.find("4zarn") != std::string_view::npos;
 }
 
-TEST_P(Hardening, TheLoaderChoosesTheAddress) {
+TEST_P(Hardening, CodeIsPositionIndependent) {
     EXPECT_EQ(file.GetType(), ET_DYN);
     EXPECT_FALSE(file.FindDynamic(DT_TEXTREL)) << "code is written to when it is loaded";
     bool const program = std::string_view(GetParam().path).ends_with("zarn-host");
     EXPECT_EQ((file.FindDynamic(DT_FLAGS_1).value_or(0) & DF_1_PIE) != 0, program);
 }
 
-TEST_P(Hardening, WhatTheLoaderHasResolvedIsReadOnlyBeforeTheProgramRuns) {
+TEST_P(Hardening, RelocationsAreReadOnlyBeforeTheProgramRuns) {
     EXPECT_TRUE(file.FindSegment(PT_GNU_RELRO));
     EXPECT_TRUE(file.FindDynamic(DT_FLAGS_1).value_or(0) & DF_1_NOW);
 }
@@ -62,14 +62,14 @@ TEST_P(Hardening, NothingIsBothWritableAndExecutable) {
 
 TEST_P(Hardening, TheStackIsProtected) { EXPECT_THAT(GetTakenNames(file), Contains("__stack_chk_fail")); }
 
-TEST_P(Hardening, TheCLibraryChecksTheSizesThatTheCompilerKnows) {
+TEST_P(Hardening, LibraryCallsAreFortified) {
     EXPECT_THAT(GetTakenNames(file), Contains(MatchesRegex("__[a-z0-9_]+_chk")));
 }
 
 #if defined(__x86_64__)
 /// The mark of the whole file, which the linker sets when every input carries it, is missing in any case: the start
 /// code of Debian's C library does not. So the functions are looked at.
-TEST_P(Hardening, FunctionsThatOtherFilesMayReachBeginWithTheMarkForIndirectCalls) {
+TEST_P(Hardening, ExportedFunctionsBeginWithEndbr64) {
     constexpr std::string_view Endbr64 = "\xf3\x0f\x1e\xfa";
     std::vector<std::string> unmarked;
     std::size_t marked = 0;

@@ -57,7 +57,7 @@ MATCHER(IsPlainRefusal, "") {
     return arg.status == 401U && testing::Matches(Not(Contains(Key("stale"))))(ReadChallenge(arg));
 }
 
-TEST(Authentication, LetsAClientGoOnWithItsChallenge) {
+TEST(Authentication, AcceptsSeveralRequestsWithOneChallenge) {
     HostProcess const host;
     Client client(host);
     for (auto const* count : {"00000001", "00000002", "00000005", "00000003"}) {
@@ -68,14 +68,14 @@ TEST(Authentication, LetsAClientGoOnWithItsChallenge) {
     EXPECT_EQ(client.AskWithCredentials().status, 200U);
 }
 
-TEST(Authentication, TakesTheOlderFormAgainAndAgain) {
+TEST(Authentication, AcceptsRepeatedDigestsWithoutQop) {
     HostProcess const host;
     Client client(host);
     client.credentials.qop = "";
     for (int request = 0; request < 3; ++request) EXPECT_EQ(client.AskWithCredentials().status, 200U);
 }
 
-TEST(Authentication, TakesOneChallengeForAllPaths) {
+TEST(Authentication, AcceptsOneChallengeOnAllPaths) {
     HostProcess const host;
     Client client(host);
     EXPECT_EQ(client.AskWithCredentials().status, 200U);
@@ -88,7 +88,7 @@ TEST(Authentication, TakesOneChallengeForAllPaths) {
     EXPECT_EQ(client.Send(get + credentials.Write() + "\r\n\r\n").status, 503U); // no picture now
 }
 
-TEST(Authentication, DoesNotDoWhatARepeatedRequestAsksFor) {
+TEST(Authentication, RejectsAReplayedRequest) {
     HostProcess const host;
     Client client(host);
     std::string const operation = R"(e:CreatePullPointSubscription xmlns:e="http://www.onvif.org/ver10/events/wsdl")";
@@ -106,7 +106,7 @@ TEST(Authentication, DoesNotDoWhatARepeatedRequestAsksFor) {
     EXPECT_EQ(countSubscriptions(), 2);
 }
 
-TEST(Authentication, TakesNoEventTwiceFromARepeatedRequest) {
+TEST(Authentication, RejectsAReplayedEvent) {
     HostProcess const host;
     Client client(host);
     std::string const body = R"({"type": "presence"})";
@@ -117,7 +117,7 @@ TEST(Authentication, TakesNoEventTwiceFromARepeatedRequest) {
     EXPECT_THAT(client.Send(captured), SaysStale());
 }
 
-TEST(Authentication, AsksTheModuleTwiceForATargetWithAQueryAndUsesAnAnswerUpOnce) {
+TEST(Authentication, AcceptsADigestForATargetWithAQueryOnlyOnce) {
     HostProcess const host;
     Client client(host);
     auto const ask = [&] {
@@ -133,7 +133,7 @@ TEST(Authentication, AsksTheModuleTwiceForATargetWithAQueryAndUsesAnAnswerUpOnce
     EXPECT_THAT(ask(), SaysStale());
 }
 
-TEST(Authentication, GivesAnAnswerToAnUnknownNonceANewChallenge) {
+TEST(Authentication, AnswersAnUnknownNonceWithANewChallenge) {
     HostProcess const host;
     HostProcess const other;
     Client client(host);
@@ -146,7 +146,7 @@ TEST(Authentication, GivesAnAnswerToAnUnknownNonceANewChallenge) {
     EXPECT_EQ(client.AskWithCredentials().status, 200U);
 }
 
-TEST(Authentication, GivesAnAnswerToAnOldNonceANewChallenge) {
+TEST(Authentication, AnswersAnExpiredNonceWithANewChallenge) {
     HostProcess host({.arguments = {"--set", "settings.authentication.nonce_seconds=1"}});
     Client client(host);
     RawResponse refusal;
@@ -165,7 +165,7 @@ TEST(Authentication, GivesAnAnswerToAnOldNonceANewChallenge) {
     }));
 }
 
-TEST(Authentication, FollowsTheLifeOfNoncesInTheConfiguration) {
+TEST(Authentication, AppliesTheConfiguredNonceLifetime) {
     HostProcess host;
     Client client(host);
     std::string configuration = HostProcess::TwoDescribedChannels;
@@ -198,7 +198,7 @@ protected:
     std::string log;
 };
 
-TEST_F(CurlOverTheLifeOfANonce, GoesOnWithTheNextRequest) {
+TEST_F(CurlOverTheLifeOfANonce, SucceedsWithTheNextRequest) {
     auto const request = Client::Write("");
     auto const url = host.GetUrl() + "/onvif/device_service";
     // One transfer each 1.5 seconds.
@@ -207,7 +207,7 @@ TEST_F(CurlOverTheLifeOfANonce, GoesOnWithTheNextRequest) {
               "status 200\nstatus 200\n");
 }
 
-TEST_F(CurlOverTheLifeOfANonce, GoesOnWithItsOldChallenge) {
+TEST_F(CurlOverTheLifeOfANonce, SucceedsAfterBeginningWithAnExpiredChallenge) {
     // Its second try begins with the challenge of the first. 503: logged in, and there is no picture now.
     EXPECT_THAT(Curl({"--retry", "1", "--retry-delay", "2", host.GetUrl() + "/snapshot/1/latest.jpeg"}),
                 testing::EndsWith("status 503\n"));
@@ -237,7 +237,7 @@ TEST_F(Guessing, IsNotHiddenByTheRealm) {
     EXPECT_EQ(client.AskWithCredentials().status, 429U);
 }
 
-TEST_F(Guessing, IsNotWhatAClientDoesThatRepeatsARightAnswerOrHasAnOldNonce) {
+TEST_F(Guessing, ExcludesReplayedDigestsAndUnknownNonces) {
     for (unsigned request = 0; request < 10; ++request) {
         EXPECT_NE(client.AskWithCredentials().status, 429U);
         auto old = client.credentials;
@@ -246,12 +246,12 @@ TEST_F(Guessing, IsNotWhatAClientDoesThatRepeatsARightAnswerOrHasAnOldNonce) {
     }
 }
 
-TEST_F(Guessing, IsNotWhatAClientDoesThatSendsNoCredentials) {
+TEST_F(Guessing, ExcludesRequestsWithoutCredentials) {
     for (unsigned request = 0; request < 20; ++request) EXPECT_EQ(client.Ask("").status, 401U);
     EXPECT_EQ(client.AskWithCredentials().status, 200U);
 }
 
-TEST_F(Guessing, IsNotWhatAClientDoesWhoseAlgorithmNobodyChecks) {
+TEST_F(Guessing, ExcludesUnsupportedAlgorithms) {
     auto other = client.credentials;
     for (auto const* algorithm : {"SHA-256", "MD5-sess"}) {
         other.algorithm = algorithm;
@@ -260,7 +260,7 @@ TEST_F(Guessing, IsNotWhatAClientDoesWhoseAlgorithmNobodyChecks) {
     EXPECT_EQ(client.AskWithCredentials().status, 200U);
 }
 
-TEST(Authentication, TellsNobodyWhichUsersThereAre) {
+TEST(Authentication, DoesNotRevealWhichUsersExist) {
     HostProcess const host;
     Client client(host);
     auto const guess = [&](std::string const& user) {

@@ -38,7 +38,7 @@ protected:
     std::shared_ptr<TemporaryFolder> folder = std::make_shared<TemporaryFolder>();
 };
 
-TEST_F(DamagedConfiguration, GivesWayToTheOneOfBeforeWhenItWasCutOff) {
+TEST_F(DamagedConfiguration, FallsBackToTheLastGoodCopyWhenTruncated) {
     folder->Write("config.json", R"({"identity": {"mod)");
     auto const host = StartAgain();
     ExpectTheModelOfBefore(host);
@@ -49,7 +49,7 @@ TEST_F(DamagedConfiguration, GivesWayToTheOneOfBeforeWhenItWasCutOff) {
     EXPECT_EQ(folder->Read("config.json"), R"({"identity": {"mod)") << "somebody may be editing it";
 }
 
-TEST_F(DamagedConfiguration, IsWrittenAgainWhenItIsGone) {
+TEST_F(DamagedConfiguration, IsRestoredFromTheCopyWhenMissing) {
     std::filesystem::remove(*folder / "config.json");
     auto const host = StartAgain();
     ExpectTheModelOfBefore(host);
@@ -58,14 +58,14 @@ TEST_F(DamagedConfiguration, IsWrittenAgainWhenItIsGone) {
     EXPECT_EQ(folder->Read("config.json"), Configuration);
 }
 
-TEST_F(DamagedConfiguration, IsWhatACheckJudges) {
+TEST_F(DamagedConfiguration, FailsACheckDespiteTheGoodCopy) {
     folder->Write("config.json", "garbage");
     auto const check = HostProcess::Launch({.configuration = "", .arguments = {"--check"}}, *folder);
     EXPECT_EQ(check->Wait(), 2);
     EXPECT_THAT(check->GetLog(), EndsWith("config.json: line 1, column 1: syntax error\n"));
 }
 
-TEST_F(DamagedConfiguration, ChangesNothingWhenItIsReadAgain) {
+TEST_F(DamagedConfiguration, ChangesNothingOnReload) {
     auto host = StartAgain();
     folder->Write("config.json", "garbage");
     host.GetProcess().Signal(SIGHUP);
@@ -74,7 +74,7 @@ TEST_F(DamagedConfiguration, ChangesNothingWhenItIsReadAgain) {
     EXPECT_EQ(folder->Read("config.json.good"), Configuration);
 }
 
-TEST_F(DamagedConfiguration, IsReplacedByWhatWasReadLastWhileTheHostRan) {
+TEST_F(DamagedConfiguration, FallsBackToTheLastReloadedConfiguration) {
     std::string const later = R"({"identity": {"model": "M-82"}, "settings": {"web_port": 0, "rtsp_port": 0}})";
     {
         auto host = StartAgain();

@@ -156,7 +156,7 @@ protected:
 
 std::unique_ptr<HostProcess> DigestForms::host;
 
-TEST_P(DigestForms, AreTakenOrChallengedByTheModule) {
+TEST_P(DigestForms, AreAcceptedOrChallengedByTheModule) {
     auto const request = MakeSoapRequest("GetDeviceInformation");
     auto const response = Ask("/onvif/device_service", request.substr(request.find("\r\n\r\n") + 4));
     if (GetParam().module) {
@@ -166,7 +166,7 @@ TEST_P(DigestForms, AreTakenOrChallengedByTheModule) {
     }
 }
 
-TEST_P(DigestForms, AreTakenOrChallengedByTheHostItself) {
+TEST_P(DigestForms, AreAcceptedOrChallengedByTheHostItself) {
     auto const response = Ask("/api/events", R"({"type": "presence"})");
     if (GetParam().own) {
         EXPECT_EQ(response.status, 202U);

@@ -126,7 +126,7 @@ protected:
     std::unique_ptr<HostProcess> host;
 };
 
-TEST_F(DiscoveredHost, TellsAnotherMachineWhereItsDeviceServiceIs) {
+TEST_F(DiscoveredHost, ReportsItsXAddrToAnotherMachine) {
     Start(true);
     EXPECT_TRUE(AwaitDiscovery("<d:XAddrs>" + AddressAt(host->GetPort()) + "</d:XAddrs>")) << Discover();
     client.Run([&] {
@@ -151,7 +151,7 @@ TEST_F(DiscoveredHost, AppearsAndDisappearsWithItsSetting) {
     server.Run([&] { EXPECT_FALSE(host->GetHealth().at("module").at("enabled").as_bool()); });
 }
 
-TEST_F(DiscoveredHost, IsThereAgainAfterARestart) {
+TEST_F(DiscoveredHost, IsFoundAgainAfterARestart) {
     Start(false);
     Reload(ConfigureDiscovery(true));
     EXPECT_TRUE(AwaitDiscovery("ProbeMatch"));
@@ -176,14 +176,14 @@ TEST_F(DiscoveredHost, KeepsItsEndpointReferenceOverRestarts) {
     EXPECT_EQ(reference(), first);
 }
 
-TEST_F(DiscoveredHost, TellsTheWebPortThatItHasMovedTo) {
+TEST_F(DiscoveredHost, ReportsTheNewWebPortAfterAMove) {
     Start(true);
     EXPECT_TRUE(AwaitDiscovery(AddressAt(host->GetPort())));
     Reload(ConfigureDiscovery(true, "Hall", 8123));
     EXPECT_TRUE(AwaitDiscovery(AddressAt(8123)));
 }
 
-TEST_F(DiscoveredHost, IsFoundAgainWhenItsNetworkComesBack) {
+TEST_F(DiscoveredHost, IsFoundAgainAfterItsNetworkReturns) {
     Start(true);
     EXPECT_TRUE(AwaitDiscovery("ProbeMatch"));
     Ip(server, "link delete lan");
@@ -233,7 +233,7 @@ TEST_F(DiscoveredHost, IsReadByOnvifUtilWhenNoLoginIsNeeded) {
     });
 }
 
-TEST_F(DiscoveredHost, LeavesOthersOfItsNetworkToAnswerForThemselves) {
+TEST_F(DiscoveredHost, AnswersOnlyForItselfOnASharedNetwork) {
     // Two hosts and a client at one switch, which the client's machine is.
     Machine const second;
     Ip(second, "link set lo up");
@@ -269,7 +269,7 @@ TEST_F(DiscoveredHost, LeavesOthersOfItsNetworkToAnswerForThemselves) {
     EXPECT_NE(found["http://10.9.0.1:"], found["http://10.9.0.3:"]);
 }
 
-TEST_F(DiscoveredHost, AnswersThoseProbesOfAnotherMachineThatAskForIt) {
+TEST_F(DiscoveredHost, AnswersOnlyMatchingProbes) {
     constexpr char Strcmp[] = "MatchBy='http://schemas.xmlsoap.org/ws/2005/04/discovery/strcmp0'";
     std::vector<std::pair<std::string, Probe>> const asking{
         {"either type", ProbeForTypes("dn:NetworkVideoTransmitter tds:Device")},
@@ -318,7 +318,7 @@ TEST_F(DiscoveredHost, AnswersThoseProbesOfAnotherMachineThatAskForIt) {
     EXPECT_EQ(answered, expected);
 }
 
-TEST_F(DiscoveredHost, AnswersNetworksThatItIsNotConnectedToOnlyWhenItIsTold) {
+TEST_F(DiscoveredHost, AnswersRemoteNetworksOnlyWhenConfigured) {
     // The client's address is of no network of the server, which would still find its way back.
     Ip(client, "address add 10.10.0.2/24 dev lan");
     Ip(client, "route add 10.9.0.1/32 dev lan src 10.10.0.2");
@@ -348,7 +348,7 @@ TEST_F(DiscoveredHost, AnswersNetworksThatItIsNotConnectedToOnlyWhenItIsTold) {
     EXPECT_TRUE(Eventually([&] { return !discoverFromAfar(); }));
 }
 
-TEST_F(DiscoveredHost, WaitsForThePortThatAnotherProgramHolds) {
+TEST_F(DiscoveredHost, StartsOnceAnotherProgramFreesThePort) {
     std::optional<PortHolder> holder;
     server.Run([&] { holder.emplace(); });
     Start(true);

@@ -44,7 +44,7 @@ std::string Post(HostProcess const& host, std::string const& body, std::string c
     return curl.GetOutput();
 }
 
-TEST(Events, ComeOverHttpFromWhoLogsIn) {
+TEST(Events, ArriveOverHttpFromAuthenticatedClients) {
     HostProcess const host;
     EXPECT_EQ(Post(host, R"([{"type": "presence"}, {"type": "count"}])", host.GetPassword()), "{\"taken\":2}\n202");
     EXPECT_EQ(Post(host, R"([{"type": "presence"}, {"type": 1}])", host.GetPassword()),
@@ -52,7 +52,7 @@ TEST(Events, ComeOverHttpFromWhoLogsIn) {
     EXPECT_THAT(Post(host, R"({"type": "presence"})", "a wrong password"), testing::EndsWith("401"));
 }
 
-TEST(Events, AreBoundedAsOtherRequestsAre) {
+TEST(Events, ObeyTheBoundsOfOtherRequests) {
     HostProcess const host(
         {.arguments = {"--set", "settings.authentication.enabled=false", "--set", "settings.limits.body_bytes=1024"}});
     auto const post = [&](std::string const& body, std::string const& fields) {
@@ -68,7 +68,7 @@ TEST(Events, AreBoundedAsOtherRequestsAre) {
     EXPECT_EQ(RawConnection(host.GetPort()).Exchange("GET /api/events HTTP/1.1\r\nHost: h\r\n\r\n").status, 405U);
 }
 
-TEST(Events, ComeOverMqtt) {
+TEST(Events, ArriveOverMqtt) {
     Broker const broker;
     HostProcess const host({.configuration = Subscribe(broker, "site/+/events")});
     ASSERT_TRUE(AwaitIntake(host, "state", "connected"));
@@ -80,7 +80,7 @@ TEST(Events, ComeOverMqtt) {
     EXPECT_TRUE(host.GetProcess().WaitForLog("event 1: colour: there is no such field"));
 }
 
-TEST(Events, AreLostNeitherByTheBrokerNorByTheHost) {
+TEST(Events, SurviveRestartsOfBrokerAndHost) {
     Broker broker;
     auto const folder = std::make_shared<TemporaryFolder>();
     HostProcess::Options const options{.configuration = Subscribe(broker, "events"), .folder = folder};
@@ -128,7 +128,7 @@ TEST(Events, ShowNoPassword) {
     EXPECT_THAT(host.GetProcess().GetLog(), Not(HasSubstr("sesame")));
 }
 
-TEST(Events, LetTheHostStopInTime) {
+TEST(Events, DoNotDelayTheStopOfTheHost) {
     Broker const broker;
     for (auto const& url : {broker.GetUrl(), std::string("mqtt://192.0.2.1")}) {
         HostProcess host({.configuration = ConfigureMqtt(R"({"enabled": true, "url": ")" + url + "\"}")});
@@ -137,7 +137,7 @@ TEST(Events, LetTheHostStopInTime) {
     }
 }
 
-TEST(Events, OfASettingThatMakesNoSenseKeepTheHostFromStarting) {
+TEST(Events, WithInvalidSettingsPreventTheStart) {
     for (auto const& [mqtt, message] : std::vector<std::pair<std::string, std::string>>{
              {R"({"enabled": true})", "settings.events.mqtt.url: there is no broker"},
              {R"({"url": "mqtt://me:sesame@b"})", "settings.events.mqtt.url: "},

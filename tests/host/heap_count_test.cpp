@@ -10,7 +10,7 @@
 namespace zarn::test {
 namespace {
 
-TEST(HeapCount, IsWhatAProgramHasAllocatedAndNotFreed) {
+TEST(HeapCount, EqualsAllocatedMinusFreedMemory) {
     constexpr std::int64_t Size = 10'000'000;
     TemporaryFolder const folder;
     HeapCount const heap(folder);

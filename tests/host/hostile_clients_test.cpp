@@ -63,7 +63,7 @@ protected:
     SlowClients() : HostileClients({"settings.limits.header_seconds=1", "settings.limits.idle_seconds=1"}) {}
 };
 
-TEST_F(SlowClients, ThatSendSlowlyHoldNobodyUp) {
+TEST_F(SlowClients, SendingSlowlyDelayNoOtherClient) {
     ExpectEverythingGivenBack([this] {
         auto headers = ConnectMany(Hundreds / 2, "POST /onvif/a HTTP/1.1\r\nA: ");
         auto bodies = ConnectMany(Hundreds / 2, "POST /onvif/a HTTP/1.1\r\nHost: h\r\nContent-Length: 1000\r\n\r\n");
@@ -84,14 +84,14 @@ TEST_F(SlowClients, ThatSendSlowlyHoldNobodyUp) {
     });
 }
 
-TEST_F(SlowClients, ThatDoNotReadHoldNobodyUp) {
+TEST_F(SlowClients, NotReadingDelayNoOtherClient) {
     auto readers = ConnectMany(Hundreds, Repeat(Health, 300), Window::Smallest);
     ExpectServed(60s); // after some ten thousand answers; one client after the other would take minutes
     // They are still there, and have not said that they would read no more.
     ExpectEverythingGivenBack([] {});
 }
 
-TEST_F(HostileClients, ThatReadLateGetEveryAnswerInItsOrder) {
+TEST_F(HostileClients, ReadingLateGetEveryResponseInOrder) {
     auto readers = ConnectMany(3, Repeat(Health + "GET /nothing HTTP/1.1\r\nHost: h\r\n\r\n", 200), Window::Smallest);
     EXPECT_TRUE(Eventually([this] {
         auto const connections = ListServerConnections(host.GetPort());
@@ -106,14 +106,14 @@ TEST_F(HostileClients, ThatReadLateGetEveryAnswerInItsOrder) {
     }
 }
 
-TEST_F(SlowClients, ThatSayNothingAreLeft) {
+TEST_F(SlowClients, SendingNothingAreDisconnected) {
     auto silent = ConnectMany(Hundreds, "");
     ExpectServed();
     ExpectEverythingGivenBack([] {});
     EXPECT_EQ(ReadStatus(silent.front()), NoAnswer);
 }
 
-TEST_F(SlowClients, ThatSendNothingButLineEndsAreLeft) {
+TEST_F(SlowClients, SendingOnlyLineEndsAreDisconnected) {
     ExpectEverythingGivenBack([this] {
         RawConnection drip(host.GetPort());
         for (int i = 0; i < 5; ++i) drip.Send("\n");
@@ -121,7 +121,7 @@ TEST_F(SlowClients, ThatSendNothingButLineEndsAreLeft) {
     });
 }
 
-TEST_F(HostileClients, ThatEndTheirSideStillGetTheirAnswer) {
+TEST_F(HostileClients, ClosingTheirSendingSideStillGetTheResponse) {
     for (auto const& request : {MakeSoapRequest("GetSystemDateAndTime"), MakePull("PT0.2S"), Health}) {
         auto connection = Connect();
         connection.Send(request);
@@ -135,7 +135,7 @@ TEST_F(HostileClients, ThatEndTheirSideStillGetTheirAnswer) {
     EXPECT_EQ(ReadStatus(half), NoAnswer);
 }
 
-TEST_F(HostileClients, ThatVanishInARequestLeaveNothingBehind) {
+TEST_F(HostileClients, VanishingDuringARequestLeakNothing) {
     ExpectNoGrowth([this] {
         for (auto const* begun : {"", "G", "GET /api/health HTTP/1.1\r\nHost: h\r\n",
                                   "POST /onvif/a HTTP/1.1\r\nHost: h\r\nContent-Length: 1000000\r\n\r\nxxx",
@@ -147,7 +147,7 @@ TEST_F(HostileClients, ThatVanishInARequestLeaveNothingBehind) {
     });
 }
 
-TEST_F(HostileClients, ThatVanishInAnAnswerLeaveNothingBehind) {
+TEST_F(HostileClients, VanishingDuringAResponseLeakNothing) {
     ExpectNoGrowth([this] {
         auto readers = ConnectMany(100, Repeat(Health, 300), Window::Smallest);
         ExpectServed();
@@ -158,7 +158,7 @@ TEST_F(HostileClients, ThatVanishInAnAnswerLeaveNothingBehind) {
     });
 }
 
-TEST_F(HostileClients, ThatVanishInAPullLeaveNothingBehind) {
+TEST_F(HostileClients, VanishingDuringAPullLeakNothing) {
     ExpectEverythingGivenBack([this] {
         auto const subscription = client.Subscribe();
         auto const pull = MakePullRequest(subscription, "PT1H");
@@ -173,7 +173,7 @@ TEST_F(HostileClients, ThatVanishInAPullLeaveNothingBehind) {
     });
 }
 
-TEST_F(HostileClients, ThatSendTheNextRequestsInAPullGetTheirAnswersAfterIt) {
+TEST_F(HostileClients, PipeliningBehindAPullGetTheirResponsesAfterIt) {
     auto connection = Connect();
     connection.Send(MakePull("PT0.3S") + Repeat(Health, 100));
     ExpectServed();
@@ -186,7 +186,7 @@ protected:
     FloodingClients() : HostileClients({"settings.limits.connections=50", "settings.limits.exchanges=10"}) {}
 };
 
-TEST_F(FloodingClients, AreTurnedAwayWithAnAnswerAndTheOthersServed) {
+TEST_F(FloodingClients, AreRefusedWith503WhileOthersAreServed) {
     ExpectNoGrowth([this] {
         auto served = Connect();
         EXPECT_EQ(served.Exchange(Health).status, 200U);
@@ -204,7 +204,7 @@ TEST_F(FloodingClients, AreTurnedAwayWithAnAnswerAndTheOthersServed) {
     ExpectServed();
 }
 
-TEST_F(FloodingClients, GetNoMoreThreadsThanThereMayBeExchanges) {
+TEST_F(FloodingClients, StartNoMoreThreadsThanTheLimitOfExchanges) {
     auto const pull = MakePull("PT1H");
     auto pulls = ConnectMany(10, pull);
     ASSERT_TRUE(Eventually([&] {

@@ -48,7 +48,7 @@ protected:
     std::string const size = ToHex(body.size());
 };
 
-TEST_F(HostileFraming, ByFalseLengthsIsAnswered) {
+TEST_F(HostileFraming, WithWrongLengthsIsAnswered) {
     auto const length = std::to_string(body.size());
     auto const field = "Content-Length: " + length + "\r\n";
     ExpectAnswers({
@@ -82,7 +82,7 @@ TEST_F(HostileFraming, ByFalseLengthsIsAnswered) {
     });
 }
 
-TEST_F(HostileFraming, ByOddCodingsIsAnswered) {
+TEST_F(HostileFraming, WithOddTransferCodingsIsAnswered) {
     ExpectAnswers({
         {"identity", WithCoding("identity"), 400},
         {"identity, chunked", WithCoding("identity, chunked"), 400},
@@ -105,7 +105,7 @@ TEST_F(HostileFraming, ByOddCodingsIsAnswered) {
     });
 }
 
-TEST_F(HostileFraming, ByOddChunksIsAnswered) {
+TEST_F(HostileFraming, WithOddChunksIsAnswered) {
     auto const end = "\r\n" + body + "\r\n0\r\n\r\n";
     ExpectAnswers({
         {"as they should be", Chunked(size + end), 200},
@@ -141,7 +141,7 @@ protected:
     UnfinishedFraming() : HostileFraming({"settings.limits.header_seconds=1", "settings.limits.idle_seconds=1"}) {}
 };
 
-TEST_F(UnfinishedFraming, IsAnsweredWhenItsTimeIsOver) {
+TEST_F(UnfinishedFraming, TimesOut) {
     ExpectAnswersSideBySide({
         {"half a request line", "GET /api/he", 408},
         {"half a header", "GET /api/health HTTP/1.1\r\nHost: h\r\n", 408},
@@ -162,7 +162,7 @@ TEST_F(UnfinishedFraming, IsAnsweredWhenItsTimeIsOver) {
     });
 }
 
-TEST_F(HostileFraming, NeverLetsABodyBecomeTheNextRequest) {
+TEST_F(HostileFraming, CannotSmuggleARequestInABody) {
     std::string const smuggled = "GET /smuggled HTTP/1.1\r\nHost: h\r\n\r\n";
     for (auto const& bytes :
          {Framed("Content-Length: 5\r\nTransfer-Encoding: chunked\r\n", "0\r\n\r\n" + smuggled),
@@ -177,7 +177,7 @@ TEST_F(HostileFraming, NeverLetsABodyBecomeTheNextRequest) {
     }
 }
 
-TEST_F(HostileFraming, TakesWhatFollowsABodyForTheNextRequest) {
+TEST_F(HostileFraming, LeavesBytesAfterABodyToTheNextRequest) {
     auto connection = Connect();
     connection.Send(MakePost(GetBody()) + "garbage\r\n\r\n");
     EXPECT_EQ(connection.Read().status, 200U);
@@ -185,7 +185,7 @@ TEST_F(HostileFraming, TakesWhatFollowsABodyForTheNextRequest) {
     EXPECT_EQ(ReadStatus(connection), NoAnswer);
 }
 
-TEST_F(HostileFraming, OfThousandRequestsInARowKeepsTheirOrder) {
+TEST_F(HostileFraming, OfAThousandPipelinedRequestsKeepsTheirOrder) {
     ExpectNoGrowth([this] {
         auto connection = Connect();
         std::string requests;

@@ -27,7 +27,7 @@ std::string WithNul(std::string text) {
 
 class HostileRequests : public HostileTest {};
 
-TEST_F(HostileRequests, OfOddLinesAreAnswered) {
+TEST_F(HostileRequests, WithOddLinesAreAnswered) {
     std::string const rest = "\r\nHost: h\r\n\r\n";
     ExpectAnswers({
         {"bare line feeds", "GET /api/health HTTP/1.1\nHost: h\n\n", 400},
@@ -63,7 +63,7 @@ TEST_F(HostileRequests, OfOddLinesAreAnswered) {
     });
 }
 
-TEST_F(HostileRequests, OfOddFieldsAreAnswered) {
+TEST_F(HostileRequests, WithOddFieldsAreAnswered) {
     std::string const get = "GET /api/health HTTP/1.1\r\n";
     ExpectAnswers({
         {"no host", get + "\r\n", 400},
@@ -104,7 +104,7 @@ TEST_F(HostileRequests, OfOddFieldsAreAnswered) {
     });
 }
 
-TEST_F(HostileRequests, OfOddTargetsAndMethodsAreAnswered) {
+TEST_F(HostileRequests, WithOddTargetsAndMethodsAreAnswered) {
     ExpectAnswers({
         {"a path that leads elsewhere", MakeGet("/onvif/../api/health"), 405},
         {"a file of the system", MakeGet("/snapshot/../../etc/passwd"), 404},
@@ -144,7 +144,7 @@ TEST_F(HostileRequests, OfOddTargetsAndMethodsAreAnswered) {
     });
 }
 
-TEST_F(HostileRequests, OfContentThatIsNotTakenAreAnswered) {
+TEST_F(HostileRequests, WithUnsupportedContentAreAnswered) {
     auto const coded = [](std::string const& codings) { return MakePost("x", codings); };
     auto const type = [](std::string const& name) { return MakePost("x", "Content-Type: " + name + "\r\n"); };
     ExpectAnswers({

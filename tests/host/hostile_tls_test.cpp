@@ -101,7 +101,7 @@ protected:
     ResourceUse idle = ReadResourceUse(host.GetProcess().GetId());
 };
 
-TEST_F(HostileTls, GivesNoAnswerToWhoDoesNotSpeakIt) {
+TEST_F(HostileTls, GetsNoHttpResponseWithoutAHandshake) {
     for (auto const& bytes :
          {Health, Repeat("\r\n", 1000), std::string(100'000, '\0'),
           std::string("\x80\x2e\x01\x00\x02", 5) + Repeat("a", 44),
@@ -114,7 +114,7 @@ TEST_F(HostileTls, GivesNoAnswerToWhoDoesNotSpeakIt) {
     ExpectAllClosed();
 }
 
-TEST_F(HostileTls, LeavesHundredsWhoBeginAHandshakeAndSayNoMore) {
+TEST_F(HostileTls, IsDisconnectedWhenTheHandshakeStalls) {
     rlimit limit{};
     getrlimit(RLIMIT_NOFILE, &limit);
     limit.rlim_cur = limit.rlim_max;
@@ -126,13 +126,13 @@ TEST_F(HostileTls, LeavesHundredsWhoBeginAHandshakeAndSayNoMore) {
     ExpectAllClosed();
 }
 
-TEST_F(HostileTls, AnswersTheLateRequestWith408) {
+TEST_F(HostileTls, Gets408ForALateRequest) {
     TlsClient client(host.GetPort());
     ASSERT_TRUE(client.ShakeHands());
     EXPECT_THAT(client.Ask("GET /api"), StartsWith("HTTP/1.1 408 "));
 }
 
-TEST_F(HostileTls, EndsAConnectionThatBreaksIt) {
+TEST_F(HostileTls, IsDisconnectedForPlaintextAfterTheHandshake) {
     TlsClient client(host.GetPort());
     ASSERT_TRUE(client.ShakeHands());
     client.SendRaw(Health);

@@ -258,7 +258,7 @@ TEST_F(HostileXml, InOtherFormsIsAnswered) {
     });
 }
 
-TEST_F(HostileXml, ThatIsNoMessageIsAnswered) {
+TEST_F(HostileXml, WithoutAValidMessageIsAnswered) {
     auto const good = ToText({MakeOperation()});
     auto const envelope = [](std::string const& content) {
         return MakePost("<s:Envelope xmlns:s=\"" + std::string(Soap12) + "\">" + content + "</s:Envelope>");
@@ -288,7 +288,7 @@ TEST_F(HostileXml, ThatIsNoMessageIsAnswered) {
     });
 }
 
-TEST_F(HostileXml, OfOddValuesIsAnswered) {
+TEST_F(HostileXml, WithOddValuesIsAnswered) {
     auto const instance = " xmlns:i=\"http://www.w3.org/2001/XMLSchema-instance\" ";
     auto const encoding = " xmlns:e=\"http://schemas.xmlsoap.org/soap/encoding/\" ";
     ExpectAnswers({
@@ -323,7 +323,7 @@ TEST_F(HostileXml, OfOddValuesIsAnswered) {
     });
 }
 
-TEST_F(HostileXml, OfOddSubscriptionsIsAnswered) {
+TEST_F(HostileXml, WithOddSubscriptionsIsAnswered) {
     auto const topic = [](std::string const& text) {
         return WithFilter("<b:TopicExpression Dialect=\"http://www.onvif.org/ver10/tev/topicExpression/ConcreteSet\">" +
                           text + "</b:TopicExpression>");
@@ -361,7 +361,7 @@ TEST_F(HostileXml, OfOddSubscriptionsIsAnswered) {
     });
 }
 
-TEST_F(HostileXml, BringsNoFileBack) {
+TEST_F(HostileXml, ReadsNoLocalFile) {
     EXPECT_THAT(Connect().Exchange(Post({MakeToken("root:")})).body, HasSubstr("root:")) << "what would be seen";
     for (auto const& content :
          {"&e;", "<x:Include xmlns:x=\"http://www.w3.org/2004/08/xop/include\" href=\"file:///etc/passwd\"/>",
@@ -380,7 +380,7 @@ protected:
     HugeXml() : HostileXml({"settings.authentication.enabled=false", "settings.limits.body_bytes=134217728"}) {}
 };
 
-TEST_F(HugeXml, IsAnsweredAndItsMemoryGivenBack) {
+TEST_F(HugeXml, IsAnsweredAndItsMemoryReleased) {
     auto const huge = Repeat("a", 20 * Megabyte); // more than a message may have
     ExpectAnswers(
         {

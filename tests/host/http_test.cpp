@@ -52,7 +52,7 @@ TEST_F(Http, ServesEveryPathBelowOnvif) {
     EXPECT_EQ(RawConnection(host.GetPort()).Exchange(request).status, 200U);
 }
 
-TEST_F(Http, AnswersAClientThatExpectsToBeAskedForItsBodyJustOnce) {
+TEST_F(Http, SendsOneFinalResponseAfter100Continue) {
     RawConnection connection(host.GetPort());
     auto const request = MakeSoapRequest("GetSystemDateAndTime", "Expect: 100-continue\r\n");
     auto const end = request.find("\r\n\r\n") + 4;
@@ -62,7 +62,7 @@ TEST_F(Http, AnswersAClientThatExpectsToBeAskedForItsBodyJustOnce) {
     EXPECT_EQ(connection.Exchange(MakeSoapRequest("GetSystemDateAndTime")).status, 200U);
 }
 
-TEST_F(Http, AsksForCredentialsAndTakesThem) {
+TEST_F(Http, ChallengesAndAcceptsCredentials) {
     auto const body = MakeSoapRequest("GetDeviceInformation");
     auto const challenge = RawConnection(host.GetPort()).Exchange(body);
     EXPECT_EQ(challenge.status, 401U);
@@ -79,7 +79,7 @@ TEST_F(Http, AsksForNoCredentialsWhenAuthenticationIsOff) {
     EXPECT_EQ(connection.Exchange("GET /snapshot/1/latest.jpeg HTTP/1.1\r\nHost: h\r\n\r\n").status, 503U);
 }
 
-TEST_F(Http, SlowsDownWhoGuessesPasswords) {
+TEST_F(Http, ThrottlesPasswordGuessing) {
     HostProcess const slow({.arguments = {"--set", "settings.limits.failed_logins_per_minute=3"}});
     RawConnection connection(slow.GetPort());
     std::string const guess = "Authorization: Digest username=\"admin\", realm=\"zarnsuite.example\", nonce=\"a\", "
@@ -95,7 +95,7 @@ TEST_F(Http, SlowsDownWhoGuessesPasswords) {
     EXPECT_TRUE(slow.GetProcess().WaitForLog("too many wrong passwords"));
 }
 
-TEST_F(Http, AnswersWhatIsNotThereAndWhatCannotBeDone) {
+TEST_F(Http, AnswersUnknownPathsWith404AndWrongMethodsWith405) {
     EXPECT_EQ(Ask("GET /").status, 404U);
     EXPECT_EQ(Ask("GET /onvif").status, 404U);
     EXPECT_EQ(Ask("GET /snapshot/1/other.jpeg").status, 404U);
@@ -107,7 +107,7 @@ TEST_F(Http, AnswersWhatIsNotThereAndWhatCannotBeDone) {
     EXPECT_THAT(Ask("DELETE /api/health").fields.at("allow"), HasSubstr("GET, HEAD"));
 }
 
-TEST_F(Http, TellsItsHealthToEverybody) {
+TEST_F(Http, ServesHealthWithoutCredentials) {
     auto const response = Ask("GET /api/health");
     EXPECT_EQ(response.status, 200U);
     EXPECT_EQ(response.fields.at("content-type"), "application/json");
@@ -119,7 +119,7 @@ TEST_F(Http, TellsItsHealthToEverybody) {
     EXPECT_EQ(status.at("channels").at(1).at("codec"), "video/x-h265");
 }
 
-TEST_F(Http, HoldsItsBounds) {
+TEST_F(Http, EnforcesItsBounds) {
     EXPECT_EQ(Ask("POST /onvif/device_service", "Content-Length: 1048577\r\n").status, 413U);
     EXPECT_EQ(Ask("POST /onvif/device_service").status, 411U);
     EXPECT_EQ(Ask("GET /" + std::string(1000, 'x')).status, 414U);
@@ -127,13 +127,13 @@ TEST_F(Http, HoldsItsBounds) {
     EXPECT_EQ(RawConnection(host.GetPort()).Exchange("nonsense\r\n\r\n").status, 400U);
 }
 
-TEST_F(Http, LetsTheModuleAnswerRequestsThatAreAsLongAsTheyMayBe) {
+TEST_F(Http, PassesRequestsOfMaximumLengthToTheModule) {
     auto request = MakeSoapRequest("GetSystemDateAndTime", "A: " + std::string(8187, 'x') + "\r\n");
     request.replace(request.find("/onvif/device_service"), 21, "/onvif/" + std::string(984, 'x'));
     EXPECT_EQ(RawConnection(host.GetPort()).Exchange(request).status, 200U);
 }
 
-TEST_F(Http, TakesItsLimitsFromTheConfiguration) {
+TEST_F(Http, AppliesTheConfiguredLimits) {
     HostProcess const small(
         {.arguments = {"--set", "settings.limits.header_seconds=1", "--set", "settings.limits.body_bytes=1024"}});
     RawConnection slow(small.GetPort());

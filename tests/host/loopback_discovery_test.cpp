@@ -58,7 +58,7 @@ protected:
     std::unique_ptr<HostProcess> host;
 };
 
-TEST_F(LoopbackDiscovery, TellsThisMachineWhereTheDeviceServiceIs) {
+TEST_F(LoopbackDiscovery, FindsTheDeviceOnTheSameMachine) {
     Start(true);
     bool const found = AwaitDiscovered(true);
     if (HasNoMulticast()) GTEST_SKIP() << "no device of this machine can multicast";

@@ -36,13 +36,13 @@ protected:
     PullPointClient client{host};
 };
 
-TEST_F(PullPointOverHttp, HasTheFirstIdInANewProcess) {
+TEST_F(PullPointOverHttp, StartsIdsAtOneInANewProcess) {
     EXPECT_THAT(client.Subscribe(), MatchesRegex("http://[0-9.]+:" + std::to_string(host.GetPort()) +
                                                  "/onvif/events_service/Subscription\\?Idx=1"));
     EXPECT_THAT(client.Subscribe(), HasSubstr("?Idx=2"));
 }
 
-TEST_F(PullPointOverHttp, ShowsInTheStatusWhatNobodyHasFetched) {
+TEST_F(PullPointOverHttp, ReportsQueuedEventsInTheStatus) {
     auto const address = client.Subscribe();
     auto const status = [&] { return host.GetHealth().at("events").at("subscriptions"); };
     EXPECT_EQ(status(), boost::json::parse(R"({"count": 1, "queued": 0, "list": [{"id": 1, "queued": 0}]})"));
@@ -54,12 +54,12 @@ TEST_F(PullPointOverHttp, ShowsInTheStatusWhatNobodyHasFetched) {
     EXPECT_EQ(status(), boost::json::parse(R"({"count": 0, "queued": 0, "list": []})"));
 }
 
-TEST_F(PullPointOverHttp, RefusesAnEndThatIsNoTimeAndLeavesNothingBehind) {
+TEST_F(PullPointOverHttp, RejectsAnInvalidTerminationTimeAndCreatesNothing) {
     EXPECT_EQ(client.TrySubscribe("<tev:InitialTerminationTime>-PT5S</tev:InitialTerminationTime>").status, 500);
     EXPECT_EQ(host.GetHealth().at("events").at("subscriptions").at("count"), 0);
 }
 
-TEST(PullPointOverHttpOfAHost, WarnsOfMoreThanMayWait) {
+TEST(PullPointOverHttpOfAHost, WarnsWhenTooManyEventsAreQueued) {
     HostProcess host({.arguments = {"--set", "settings.events.queued_warning=1"}});
     PullPointClient const client(host);
     client.Subscribe();
@@ -67,7 +67,7 @@ TEST(PullPointOverHttpOfAHost, WarnsOfMoreThanMayWait) {
     EXPECT_TRUE(host.GetProcess().WaitForLog("2 events wait in 1 subscriptions")) << host.GetProcess().GetLog();
 }
 
-TEST_F(PullPointOverHttp, AnswersAWaitingClientWithWhatIsPosted) {
+TEST_F(PullPointOverHttp, AnswersAWaitingClientWithThePostedEvent) {
     auto call = client.PullLater(client.Subscribe(), "PT1H");
     EXPECT_TRUE(AwaitOtherExchange(host));
     EXPECT_EQ(client.Post(MakeEvent("Gate")).status, 202);
@@ -77,7 +77,7 @@ TEST_F(PullPointOverHttp, AnswersAWaitingClientWithWhatIsPosted) {
     EXPECT_EQ(GetText(answer, "wsnt:Topic"), "tns1:RuleEngine/FieldDetector/ObjectsInside");
 }
 
-TEST_F(PullPointOverHttp, GivesAWholeListInItsOrder) {
+TEST_F(PullPointOverHttp, DeliversAWholeListInOrder) {
     auto const first = client.Subscribe();
     auto const second = client.Subscribe();
     auto call = client.PullLater(first, "PT1H");
@@ -91,13 +91,13 @@ TEST_F(PullPointOverHttp, GivesAWholeListInItsOrder) {
     EXPECT_EQ(rules, MakeNames(500));
 }
 
-TEST_F(PullPointOverHttp, GivesNothingOfAListThatIsRefused) {
+TEST_F(PullPointOverHttp, DeliversNoEventOfARefusedList) {
     auto const address = client.Subscribe();
     EXPECT_EQ(client.Post('[' + MakeEvent("one") + R"(, {"type": 1}])").status, 400);
     EXPECT_THAT(GetRules(client.Pull(address)), IsEmpty());
 }
 
-TEST_F(PullPointOverHttp, GivesTheTopicsOfItsFilter) {
+TEST_F(PullPointOverHttp, DeliversOnlyTheTopicsOfItsFilter) {
     auto const address = client.Subscribe(Filter("tns1:RuleEngine/LineDetector/Crossed"
                                                  "|tns1:RuleEngine/CountAggregation/Counter"));
     EXPECT_EQ(client
@@ -125,7 +125,7 @@ TEST_F(PullPointOverHttp, IsRenewedAndUnsubscribedAtItsAddress) {
     EXPECT_EQ(client.Unsubscribe(address).status, 200);
 }
 
-TEST_F(PullPointOverHttp, EndsAtItsTime) {
+TEST_F(PullPointOverHttp, EndsAtItsTerminationTime) {
     auto const address = client.Subscribe("<tev:InitialTerminationTime>PT0.3S</tev:InitialTerminationTime>");
     auto const answer = client.Pull(address, 1, "PT1H");
     EXPECT_EQ(answer.status, 400);
@@ -149,7 +149,7 @@ protected:
     PullPointClient client{host};
 };
 
-TEST_F(PullPointOverMqtt, AnswersAWaitingClientWithWhatIsPublished) {
+TEST_F(PullPointOverMqtt, AnswersAWaitingClientWithThePublishedEvent) {
     ASSERT_TRUE(AwaitState("connected"));
     auto call = client.PullLater(client.Subscribe(), "PT1H");
     EXPECT_TRUE(AwaitOtherExchange(host));
@@ -157,7 +157,7 @@ TEST_F(PullPointOverMqtt, AnswersAWaitingClientWithWhatIsPublished) {
     EXPECT_THAT(GetRules(call.Get()), ElementsAre("Gate"));
 }
 
-TEST_F(PullPointOverMqtt, GivesWhatTheBrokerKeptWhileTheHostCouldNotReachIt) {
+TEST_F(PullPointOverMqtt, DeliversWhatTheBrokerQueuedWhileDisconnected) {
     ASSERT_TRUE(AwaitState("connected"));
     auto const address = client.Subscribe();
     broker.Stop();
@@ -175,7 +175,7 @@ TEST_F(PullPointOverMqtt, GivesWhatTheBrokerKeptWhileTheHostCouldNotReachIt) {
     EXPECT_THAT(client.PullRules(address, 1), ElementsAre("after"));
 }
 
-TEST(PullPointAtTheEndOfTheHost, AnswersAHundredClientsThatWaitAndKeepsTheHostNoLonger) {
+TEST(PullPointAtTheEndOfTheHost, AnswersAHundredWaitingClientsWithoutDelayingTheStop) {
     HostProcess host({.arguments = {"--set", "settings.authentication.enabled=false"}});
     PullPointClient const client(host, PullPointClient::Login::None);
     auto const countExchanges = [&] {
@@ -199,7 +199,7 @@ TEST(PullPointAtTheEndOfTheHost, AnswersAHundredClientsThatWaitAndKeepsTheHostNo
     }
 }
 
-TEST(PullPointAtTheEndOfTheHost, GoesWithItAmidEventsAndEndsOfSubscriptions) {
+TEST(PullPointAtTheEndOfTheHost, StopsInTimeAmidEventsAndExpiringSubscriptions) {
     Broker const broker;
     HostProcess host({.configuration = R"({"settings": {"web_port": 0, "rtsp_port": 0, "events": {"mqtt":
         {"enabled": true, "topic": "events", "url": ")" +

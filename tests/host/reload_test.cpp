@@ -96,7 +96,7 @@ TEST_F(Reload, SwitchesAuthentication) {
     EXPECT_TRUE(Eventually([&] { return status() == 401; }));
 }
 
-TEST_F(Reload, KeepsTheSettingOfDiscoveryOverARestart) {
+TEST_F(Reload, KeepsTheDiscoverySettingAcrossARestart) {
     auto const folder = std::make_shared<TemporaryFolder>();
     auto const isEnabled = [](HostProcess const& each) {
         return each.GetHealth().at("module").at("enabled").as_bool();
@@ -124,7 +124,7 @@ TEST_F(Reload, KeepsTheRunningConfigurationWhenTheFileIsBroken) {
     EXPECT_THAT(GetChannels(), ElementsAre("1", "2"));
 }
 
-TEST_F(Reload, KeepsTheRunningConfigurationWhenTheFileIsGone) {
+TEST_F(Reload, KeepsTheRunningConfigurationWhenTheFileIsMissing) {
     std::filesystem::remove(host.GetFolder() / "config.json");
     host.GetProcess().Signal(SIGHUP);
     EXPECT_TRUE(host.GetProcess().WaitForLog("Keeping the previous configuration"));
@@ -143,7 +143,7 @@ TEST_F(Reload, KeepsPortsAndOverridesOfThisRun) {
                 HasSubstr(":" + std::to_string(host.GetPort()) + "/onvif"));
 }
 
-TEST_F(Reload, SaysWhatChangesAtTheNextStartOnly) {
+TEST_F(Reload, LogsSettingsThatNeedARestart) {
     Write(R"({"identity": {"name": "other"}, "settings": {"web_port": 0, "rtsp_port": 2}})");
     for (auto const* path : {"identity", "settings.rtsp_port"}) {
         EXPECT_TRUE(host.GetProcess().WaitForLog(std::string(path) + " changes at the next start"));
@@ -175,7 +175,7 @@ TEST_F(Reload, MovesTheWebServer) {
                 HasSubstr("\"web\":{\"port\":" + std::to_string(port)));
 }
 
-TEST_F(Reload, KeepsThePortThatTheSystemChoseWhenTheFileNamesIt) {
+TEST_F(Reload, KeepsASystemChosenPortWhenTheFileNamesIt) {
     auto const port = host.GetPort();
     Write(WebPort(port));
     ASSERT_TRUE(host.GetProcess().WaitForLog("again"));
@@ -187,7 +187,7 @@ TEST_F(Reload, KeepsThePortThatTheSystemChoseWhenTheFileNamesIt) {
     EXPECT_EQ(CountLogLines("Keeping the previous web port"), 0U) << host.GetProcess().GetLog();
 }
 
-TEST_F(Reload, StaysWhereItIsUntilTheWantedPortIsFree) {
+TEST_F(Reload, KeepsTheOldPortUntilTheNewOneIsFree) {
     ReservedPort const reserved;
     auto const port = reserved.Get();
     boost::asio::io_context io;
@@ -201,7 +201,7 @@ TEST_F(Reload, StaysWhereItIsUntilTheWantedPortIsFree) {
     EXPECT_TRUE(Eventually([&] { return Ask(port) == 200; }));
 }
 
-TEST_F(Reload, LeavesThePortOfTheCommandLine) {
+TEST_F(Reload, KeepsAWebPortSetOnTheCommandLine) {
     HostProcess fixed{
         {.arguments = {"--set", "settings.web_port=0", "--set", "settings.authentication.enabled=false"}}};
     ReservedPort const next;
@@ -214,7 +214,7 @@ TEST_F(Reload, LeavesThePortOfTheCommandLine) {
     EXPECT_EQ(Ask(port), 0U);
 }
 
-TEST_F(Reload, LeavesTheFileAsItsOwnerWroteIt) {
+TEST_F(Reload, DoesNotRewriteTheFile) {
     auto const text = Configure(R"("9": {"name": "I"})");
     Write(text);
     EXPECT_TRUE(Eventually([&] { return GetChannels() == std::vector<std::string>{"9"}; }));
@@ -222,7 +222,7 @@ TEST_F(Reload, LeavesTheFileAsItsOwnerWroteIt) {
     EXPECT_EQ(host.GetFolder().Read("config.json"), text);
 }
 
-TEST_F(Reload, GoesOnServingMeanwhile) {
+TEST_F(Reload, DoesNotInterruptService) {
     for (int i = 0; i < 20; ++i) {
         Write(Configure(R"("1": {"name": "N)" + std::to_string(i) + "\"}"));
         EXPECT_EQ(RawConnection(host.GetPort()).Exchange(MakeSoapRequest("GetDeviceInformation")).status, 200U);

@@ -36,7 +36,7 @@ TEST(ResourceUse, CountsMemoryThatIsTouched) {
     EXPECT_GE(ReadResourceUse(getpid()).memory, before + Size * 9 / 10);
 }
 
-TEST(ResourceUse, IsWaitedForNoLongerThanAllowed) {
+TEST(ResourceUse, CanBeAwaitedUpToALimit) {
     int looks = 0;
     AwaitResourceUse(
         getpid(), [&looks](auto const&) { return ++looks == 3; }, 10s);
@@ -47,7 +47,7 @@ TEST(ResourceUse, IsWaitedForNoLongerThanAllowed) {
     EXPECT_LT(std::chrono::steady_clock::now() - begun, 30s);
 }
 
-TEST(ResourceUse, IsAnErrorOfNoProcess) { EXPECT_THROW(ReadResourceUse(0), std::runtime_error); }
+TEST(ResourceUse, FailsForAMissingProcess) { EXPECT_THROW(ReadResourceUse(0), std::runtime_error); }
 
 } // namespace
 } // namespace zarn::test

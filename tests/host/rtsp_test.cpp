@@ -102,7 +102,7 @@ TEST_F(RtspHost, ServesNothingWithoutTheRightPassword) {
     }
 }
 
-TEST_F(RtspHost, FollowsTheSwitchOfAuthentication) {
+TEST_F(RtspHost, FollowsTheAuthenticationSetting) {
     Reconfigure(R"(, "authentication": {"enabled": false})");
     EXPECT_TRUE(AwaitAnswer("", true));
     Reconfigure("");
@@ -137,13 +137,13 @@ protected:
     }
 };
 
-TEST_F(RtspGuessing, EndsForWhoGuessedOnTheWebServer) {
+TEST_F(RtspGuessing, IsBlockedAfterGuessingOnTheWebServer) {
     EXPECT_EQ(Watch(Right).status, 0);
     for (int i = 0; i < 4; ++i) EXPECT_EQ(GuessOverHttp(), 401U);
     EXPECT_THAT(Watch(Right).log, HasSubstr("401 Unauthorized"));
 }
 
-TEST_F(RtspGuessing, EndsForTheWebServerToo) {
+TEST_F(RtspGuessing, BlocksTheWebServerToo) {
     for (int i = 0; i < 4; ++i) EXPECT_NE(Watch("admin:wrong@").status, 0);
     EXPECT_EQ(GuessOverHttp(), 429U);
 }

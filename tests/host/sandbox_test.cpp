@@ -87,7 +87,7 @@ TEST_F(Sandboxed, EncodesAndDecodesVideoAndAnswersDiscovery) {
 }
 
 /// Otherwise the tests above would show nothing.
-TEST_F(Sandboxed, RefusesWhatTheUnitRefuses) {
+TEST_F(Sandboxed, EnforcesTheRestrictionsOfTheUnit) {
     auto const run = [&](std::string const& script) {
         Process process({ZARN_SANDBOX_PROGRAM, folder->GetPath().string(), "/usr/bin/perl", "-e", script});
         return process.Wait().value_or(-1);

@@ -147,13 +147,13 @@ protected:
     std::vector<std::string> secrets;
 };
 
-TEST_F(Secrets, AreInNoLogWhenThePasswordIsInTheEnvironment) { ExpectNoneAnywhere({}); }
+TEST_F(Secrets, DoNotLeakWhenThePasswordIsInTheEnvironment) { ExpectNoneAnywhere({}); }
 
-TEST_F(Secrets, AreInNoLogWhenThePasswordIsAnArgument) {
+TEST_F(Secrets, DoNotLeakWhenThePasswordIsAnArgument) {
     ExpectNoneAnywhere({.arguments = {"--password", password}, .password = ""});
 }
 
-TEST_F(Secrets, AreInNoLogWhenThePasswordIsGenerated) { ExpectNoneAnywhere({.password = ""}, true); }
+TEST_F(Secrets, DoNotLeakWhenThePasswordIsGenerated) { ExpectNoneAnywhere({.password = ""}, true); }
 
 } // namespace
 } // namespace zarn::test

@@ -52,7 +52,7 @@ TEST_F(SnapshotHost, ShowsNothingWithoutTheRightPassword) {
     EXPECT_THAT(Fetch(host.GetPassword(), "other"), StartsWith("404"));
 }
 
-TEST_F(SnapshotHost, AnswersHeadWithTheLengthOnly) {
+TEST_F(SnapshotHost, AnswersHeadRequests) {
     FetchPicture();
     // A busy host answers 503 with Retry-After; curl then asks again.
     Process curl({"curl", "-s", "-I", "--retry", "20", "--retry-max-time", "20", "--digest", "-u",

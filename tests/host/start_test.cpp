@@ -45,7 +45,7 @@ TEST(Start, PrintsOneLineWhenEverythingIsUp) {
     EXPECT_EQ(RawConnection(host.GetPort()).Exchange(MakeSoapRequest("GetSystemDateAndTime")).status, 200U);
 }
 
-TEST(Start, LeavesAPortOfZeroInTheFileAndCarriesTheBoundOneInTheTree) {
+TEST(Start, KeepsPortZeroInTheFileAndReportsTheBoundPort) {
     HostProcess const host({.arguments = {"--set", "settings.authentication.enabled=false"}});
     auto const uri = RawConnection(host.GetPort()).Exchange(MakeSoapRequest("GetCapabilities")).body;
     EXPECT_THAT(uri, HasSubstr(":" + std::to_string(host.GetPort()) + "/onvif/device_service"));
@@ -55,7 +55,7 @@ TEST(Start, LeavesAPortOfZeroInTheFileAndCarriesTheBoundOneInTheTree) {
                 HasSubstr("<tt:Port>" + std::to_string(host.GetRtspPort()) + "</tt:Port>"));
 }
 
-TEST(Start, MakesAPasswordOnceAndPrintsItOnce) {
+TEST(Start, GeneratesAndPrintsAPasswordOnce) {
     auto const folder = std::make_shared<TemporaryFolder>();
     HostProcess first({.password = "", .folder = folder});
     EXPECT_THAT(first.GetProcess().GetOutput(),
@@ -67,7 +67,7 @@ TEST(Start, MakesAPasswordOnceAndPrintsItOnce) {
     EXPECT_THAT(second.GetProcess().GetOutput(), Not(HasSubstr("password")));
 }
 
-TEST(Start, KeepsOnlyTheHashOfAPasswordInAFileForItsOwner) {
+TEST(Start, StoresOnlyThePasswordHashInAnOwnerOnlyFile) {
     HostProcess const host({.arguments = {"--password", "open sesame"}});
 
     struct stat status {};
@@ -178,7 +178,7 @@ INSTANTIATE_TEST_SUITE_P(
                  "config.json: settings.tls.certificate: /no/a.pem cannot be used: No such file"}),
     [](auto const& row) { return row.param.name; });
 
-TEST(Start, SaysWhichPortIsTaken) {
+TEST(Start, NamesThePortInUse) {
     HostProcess const first;
     auto const result = RunToEnd({.arguments = {"--set", "settings.web_port=" + std::to_string(first.GetPort())}});
     EXPECT_EQ(result.status, 1);

@@ -19,7 +19,7 @@ TEST(StartWithoutAConfiguration, WritesTheDefaultConfigurationWhenThereIsNone) {
     EXPECT_EQ(file.as_object().begin()->key(), "identity");
 }
 
-TEST(StartWithoutAConfiguration, LooksForTheConfigurationBelowTheHomeFolder) {
+TEST(StartWithoutAConfiguration, UsesTheHomeFolder) {
     TemporaryFolder const home;
     Process process({ZARN_HOST_PROGRAM, "--set", "settings.web_port=0", "--set", "settings.rtsp_port=0"},
                     {{"HOME", home.GetPath().string()}, {"XDG_CONFIG_HOME", ""}});
@@ -27,7 +27,7 @@ TEST(StartWithoutAConfiguration, LooksForTheConfigurationBelowTheHomeFolder) {
     EXPECT_THAT(home.Read(".config/zarn-host/config.json"), HasSubstr("test:ball"));
 }
 
-TEST(StartWithoutAConfiguration, PrefersTheFolderForConfigurationsOverTheHomeFolder) {
+TEST(StartWithoutAConfiguration, PrefersXdgConfigHomeOverTheHomeFolder) {
     TemporaryFolder const home;
     Process process({ZARN_HOST_PROGRAM, "--set", "settings.web_port=0", "--set", "settings.rtsp_port=0"},
                     {{"HOME", "/nonexistent"}, {"XDG_CONFIG_HOME", home.GetPath().string()}});

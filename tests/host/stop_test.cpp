@@ -60,7 +60,7 @@ bool IsWriting(Process const& process) {
     return file >> call && call == SYS_write;
 }
 
-TEST(StopBeforeItRuns, WaitsUntilEverythingIsWrittenAndEndsWithStatusZero) {
+TEST(StopBeforeItRuns, WritesAllFilesAndExitsWithStatusZero) {
     for (int const signal : {SIGTERM, SIGINT}) {
         TemporaryFolder const folder;
         FullPipe const output(folder / "output");
@@ -99,7 +99,7 @@ TEST_F(Stop, EndsWithStatusZeroAtEitherSignal) {
     EXPECT_EQ(interrupted.GetProcess().Wait(), 0);
 }
 
-TEST_F(Stop, IsNotWhatSighupDoesAtAnyTime) {
+TEST_F(Stop, EndsWithStatusZeroDespiteAFloodOfSighup) {
     auto const ended = [&] {
         siginfo_t information{};
         waitid(P_PID, static_cast<id_t>(host.GetProcess().GetId()), &information, WEXITED | WNOHANG | WNOWAIT);
@@ -112,7 +112,7 @@ TEST_F(Stop, IsNotWhatSighupDoesAtAnyTime) {
     EXPECT_EQ(host.GetProcess().Wait(0s), 0);
 }
 
-TEST_F(Stop, DoesNotWaitForClientsThatDoNotSendOrReadOrClose) {
+TEST_F(Stop, DoesNotWaitForIdleClients) {
     std::vector<std::unique_ptr<RawConnection>> clients;
     for (auto const* bytes : {"", "POST /onv", "POST /onvif/a HTTP/1.1\r\nHost: h\r\nContent-Length: 9\r\n\r\n<"}) {
         for (int i = 0; i < 20; ++i) {

@@ -12,7 +12,7 @@
 namespace zarn::test {
 namespace {
 
-TEST(StopWithASourceThatHangs, EndsInTimeAllTheSame) {
+TEST(StopWithASourceThatHangs, StillFinishesInTime) {
     auto const folder = std::make_shared<TemporaryFolder>();
     // Opening it takes until somebody writes into it.
     ASSERT_EQ(mkfifo((*folder / "pipe.ts").c_str(), 0600), 0);

@@ -48,9 +48,7 @@ TEST_F(TlsHost, AnnouncesAndServesHttps) {
     EXPECT_THAT(Curl({host.GetUrl() + "/api/health"}, files.certificate), HasSubstr("\"tls\":true"));
 }
 
-TEST_F(TlsHost, TellsClientsOfTheModuleToUseHttps) {
-    EXPECT_THAT(GetCapabilities(host.GetUrl()), HasSubstr("XAddr>https://"));
-}
+TEST_F(TlsHost, ReportsHttpsXAddrs) { EXPECT_THAT(GetCapabilities(host.GetUrl()), HasSubstr("XAddr>https://")); }
 
 TEST_F(TlsHost, SpeaksNoPlainHttp) {
     auto const plain = "http://127.0.0.1:" + std::to_string(host.GetPort()) + "/api/health";
@@ -62,7 +60,7 @@ TEST_F(TlsHost, SpeaksNoTlsOlderThanOneTwo) {
     EXPECT_NE(Curl({"--tls-max", "1.2", host.GetUrl() + "/api/health"}, files.certificate), "");
 }
 
-TEST_F(TlsHost, TakesARenewedCertificateAtSighup) {
+TEST_F(TlsHost, LoadsARenewedCertificateOnSighup) {
     auto const old = folder->Write("old.pem", folder->Read("server.pem"));
     Certificate const renewed(*folder);
     host.GetProcess().Signal(SIGHUP);
@@ -81,7 +79,7 @@ TEST_F(TlsHost, KeepsItsCertificateWhenTheNewOneCannotBeUsed) {
     EXPECT_THAT(Curl({host.GetUrl() + "/api/health"}, old), HasSubstr("\"tls\":true"));
 }
 
-TEST_F(TlsHost, IsMadeAndUnmadeAtSighup) {
+TEST_F(TlsHost, TurnsTlsOnAndOffOnSighup) {
     HostProcess plain;
     auto const configure = [&](std::string const& tls) {
         plain.GetFolder().Write("config.json", R"({"settings": {"web_port": 0, "rtsp_port": 0, "tls": )" + tls + "}}");
@@ -105,7 +103,7 @@ TEST_F(TlsHost, IsMadeAndUnmadeAtSighup) {
     refersTo("http");
 }
 
-TEST_F(TlsHost, UsesACertificateThatHasExpiredAndSaysSo) {
+TEST_F(TlsHost, UsesAnExpiredCertificateWithAWarning) {
     EXPECT_THAT(host.GetProcess().GetLog(), Not(HasSubstr("has expired")));
     files.Expire();
     host.GetProcess().Signal(SIGHUP);

@@ -36,7 +36,7 @@ TEST_F(AnalyticsClient, ReadsTheModules) {
     EXPECT_EQ(modules[0]->Type, Module);
 }
 
-TEST_F(AnalyticsClient, ReadsTheSampleOfTheMetadata) {
+TEST_F(AnalyticsClient, ReadsTheSampleFrame) {
     auto const metadata = Ask(&RuleEngineBindingProxy::GetSupportedMetadata).AnalyticsModule;
     ASSERT_THAT(metadata, SizeIs(1));
     EXPECT_EQ(metadata[0]->Type, Module);
@@ -55,14 +55,14 @@ TEST_F(AnalyticsClient, ReadsTheSampleOfTheMetadata) {
     EXPECT_EQ(objects[1]->Appearance->Color->ColorCluster.at(0).Color->X, 192);
 }
 
-TEST_F(AnalyticsClient, IsToldThatThereAreNoRules) {
+TEST_F(AnalyticsClient, GetsNotSupportedForRules) {
     _tan__GetRulesResponse response;
     auto const address = AddressOf(static_cast<RuleEngineBindingProxy*>(nullptr));
     EXPECT_EQ(client.Call(address, &RuleEngineBindingProxy::GetRules, {}, response), SOAP_SVR_FAULT);
     EXPECT_STREQ(soap_fault_string(client.GetContext()), "Not supported");
 }
 
-TEST_F(AnalyticsClient, IsRefusedTheMetadataWithAWrongPassword) {
+TEST_F(AnalyticsClient, CannotReadMetadataWithAWrongPassword) {
     GsoapClient stranger("wrong");
     _tan__GetSupportedMetadataResponse response;
     auto const address = AddressOf(static_cast<RuleEngineBindingProxy*>(nullptr));

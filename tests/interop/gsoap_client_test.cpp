@@ -120,7 +120,7 @@ TEST_F(GeneratedClient, ReadsProfilesOfMedia2) {
     EXPECT_EQ(profiles[1]->Configurations->Analytics->Name, "Grüner Hof");
 }
 
-TEST_F(GeneratedClient, IsToldTheSameAddressesByBothMediaServices) {
+TEST_F(GeneratedClient, GetsTheSameUrisFromBothMediaServices) {
     auto const stream = Advertised("rtsp", host.GetRtspPort()) + "/channels/2";
     auto const snapshot = Advertised("http", host.GetPort()) + "/snapshot/2/latest.jpeg";
     _trt__GetStreamUri mediaStream;
@@ -137,7 +137,7 @@ TEST_F(GeneratedClient, IsToldTheSameAddressesByBothMediaServices) {
     EXPECT_EQ(Ask(&Media2BindingProxy::GetSnapshotUri, media2Snapshot).Uri, snapshot);
 }
 
-TEST_F(GeneratedClient, IsRefusedWithAWrongPasswordAndStillServedWhatIsOpen) {
+TEST_F(GeneratedClient, ReachesOnlyOpenOperationsWithAWrongPassword) {
     GsoapClient stranger("wrong");
     _tds__GetUsersResponse users;
     auto const address = AddressOf(static_cast<DeviceBindingProxy*>(nullptr));
@@ -160,7 +160,7 @@ TEST_F(GeneratedClient, KeepsItsConnectionOverManyCalls) {
     EXPECT_EQ(client.CountConnections(), before);
 }
 
-TEST_F(GeneratedClient, UnderstandsTheFaults) {
+TEST_F(GeneratedClient, ReadsFaultReasonAndSubcode) {
     _trt__GetProfile request;
     request.ProfileToken = "channels.3";
     _trt__GetProfileResponse response;

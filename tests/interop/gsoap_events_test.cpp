@@ -103,7 +103,7 @@ TEST_F(GeneratedEventsClient, ReadsTheTopics) {
     EXPECT_THAT(families, ElementsAre("FieldDetector", "LineDetector", "LoiteringDetector", "CountAggregation"));
 }
 
-TEST_F(GeneratedEventsClient, SubscribesAndGetsWhatItsFilterLetsThrough) {
+TEST_F(GeneratedEventsClient, SubscribesAndPullsTheFilteredEvents) {
     auto const begin = std::chrono::steady_clock::now();
     auto const created =
         Subscribe("tns1:RuleEngine/LineDetector/Crossed|tns1:RuleEngine/CountAggregation/Counter", "PT90S");
@@ -130,7 +130,7 @@ TEST_F(GeneratedEventsClient, SubscribesAndGetsWhatItsFilterLetsThrough) {
     EXPECT_THAT(Pull(address, "PT0S").wsnt__NotificationMessage, IsEmpty());
 }
 
-TEST_F(GeneratedEventsClient, WaitsForWhatIsPosted) {
+TEST_F(GeneratedEventsClient, WaitsForAPostedEvent) {
     std::string const address =
         Subscribe("tns1:RuleEngine/FieldDetector/ObjectsInside", "PT1H").SubscriptionReference.Address;
     auto pulled = std::async(std::launch::async, [&] { return Pull(address, "PT1H"); });
@@ -143,7 +143,7 @@ TEST_F(GeneratedEventsClient, WaitsForWhatIsPosted) {
     EXPECT_THAT(GetItems(*messages[0], "tt:Source"), ElementsAre("VideoSource=channels.4294967295", "Rule=Gate"));
 }
 
-TEST_F(GeneratedEventsClient, IsToldWhenItsSubscriptionExpiresWhileItWaits) {
+TEST_F(GeneratedEventsClient, GetsAFaultWhenItsSubscriptionExpiresWhileWaiting) {
     auto const begin = std::chrono::steady_clock::now();
     std::string const address = Subscribe("", "PT1S").SubscriptionReference.Address;
     _tev__PullMessages request;

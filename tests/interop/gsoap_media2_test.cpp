@@ -94,7 +94,7 @@ TEST_F(Media2Client, ReadsTheProfileOfAToken) {
     EXPECT_THAT(Profiles({"All"}, &unknown), IsEmpty());
 }
 
-TEST_F(Media2Client, ReadsEveryConfigurationWhateverTheToken) {
+TEST_F(Media2Client, ReadsEveryConfigurationForAnyToken) {
     auto const all = ElementsAre("channels.1", "channels.2");
     for (auto* token : {static_cast<std::string*>(nullptr), &two}) {
         auto const sources = Ask(&Media2BindingProxy::GetVideoSourceConfigurations, For(token)).Configurations;

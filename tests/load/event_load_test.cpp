@@ -138,7 +138,7 @@ private:
 
 TEST_F(EventLoad, OfTenThousandASecondReachesTenClients) { RunAndExpectMemoryBack(10'000, 10); }
 
-TEST_F(EventLoad, OfAHundredASecondReachesAThousandClientsThatWait) { RunAndExpectMemoryBack(100, 1000); }
+TEST_F(EventLoad, OfAHundredASecondReachesAThousandWaitingClients) { RunAndExpectMemoryBack(100, 1000); }
 
 } // namespace
 } // namespace zarn::test

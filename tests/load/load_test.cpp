@@ -179,7 +179,7 @@ std::string Reduce(Exchange const& exchange, std::string const& body) {
     return std::regex_search(body, match, element) ? match[1].str() : body;
 }
 
-TEST(Load, SixtyFourConnectionsGetRightAnswersToAllOperationsMixed) {
+TEST(Load, SixtyFourConnectionsGetCorrectResponsesToMixedOperations) {
     HostProcess host;
     Client creator(host, "");
     creator.Ask({"<tev:CreatePullPointSubscription><tev:InitialTerminationTime>PT1H</tev:InitialTerminationTime>"

@@ -7,7 +7,7 @@ namespace {
 
 class Analytics : public DeviceFixture {};
 
-TEST_F(Analytics, TellsItsCapabilitiesWithoutCredentials) {
+TEST_F(Analytics, ReportsItsCapabilitiesWithoutCredentials) {
     EXPECT_THAT(AskAnonymously("<tan:GetServiceCapabilities/>"), Answers(R"(
         <tan:GetServiceCapabilitiesResponse>
           <tan:Capabilities RuleSupport="false" AnalyticsModuleSupport="true" CellBasedSceneDescriptionSupported="false"
@@ -32,7 +32,7 @@ TEST_F(Analytics, HasTheHostsEngineAsOneModule) {
         </tan:GetAnalyticsModulesResponse>)"));
 }
 
-TEST_F(Analytics, ReadsNoConfigurationToken) {
+TEST_F(Analytics, IgnoresTheConfigurationToken) {
     for (std::string const token : {"", "channels.1", "channels.none", "nowhere"}) {
         for (std::string const operation : {"GetSupportedAnalyticsModules", "GetAnalyticsModules"}) {
             auto const with = Ask("<tan:" + operation + "><tan:ConfigurationToken>" + token +
@@ -79,7 +79,7 @@ TEST_F(Analytics, ShowsItsMetadataByASampleFrame) {
         </tan:GetSupportedMetadataResponse>)"));
 }
 
-TEST_F(Analytics, ReadsNoTypeOfMetadata) {
+TEST_F(Analytics, IgnoresTheMetadataType) {
     auto const all = Ask("<tan:GetSupportedMetadata/>").Message();
     for (std::string const type : {"ZARN", "tt:Other", "unknown", "", "undeclared:Type", ":", "a b"}) {
         auto const asked =
@@ -89,14 +89,14 @@ TEST_F(Analytics, ReadsNoTypeOfMetadata) {
     }
 }
 
-TEST_F(Analytics, KeepsItsModuleWhateverTheHostsChannels) {
+TEST_F(Analytics, ReportsItsModuleWithoutChannels) {
     Configure(R"({"channels": {}})");
     EXPECT_TRUE(Ask("<tan:GetAnalyticsModules/>").Has("//tan:AnalyticsModule[@Name='ZARN']"));
     EXPECT_TRUE(Ask("<tan:GetSupportedMetadata/>").Has("//tan:AnalyticsModule[@Type='ZARN']/tan:SampleFrame"));
 }
 
 /// The rules and whatever would change the modules: refused to everybody alike.
-TEST_F(Analytics, HasNoRulesForAnybody) {
+TEST_F(Analytics, RejectsRuleAndModuleChangesAsNotSupported) {
     auto const notSupported = IsFault("Receiver", "Not supported", {"ter:ActionNotSupported"});
     for (std::string const element :
          {"tan:GetRules", "tan:GetSupportedRules", "tan:GetRuleOptions", "tan:CreateRules", "tan:ModifyRules",

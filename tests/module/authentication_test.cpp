@@ -24,13 +24,13 @@ protected:
     }
 };
 
-TEST_F(Authentication, ServesEverybodyWhileTheHostRequiresNone) {
+TEST_F(Authentication, ServesEveryRequestWhileTheHostRequiresNone) {
     engine.SetEnabled(false);
     EXPECT_EQ(AskForUsers({.authenticated = false}).status, 200);
     EXPECT_EQ(AskForUsers({.password = "wrong"}).status, 200);
 }
 
-TEST_F(Authentication, ChallengesARequestWithoutCredentialsForTheMakersRealm) {
+TEST_F(Authentication, ChallengesARequestWithoutCredentialsWithTheDefaultRealm) {
     EXPECT_THAT(AskForUsers({.authenticated = false}), IsChallenge(Realm));
 }
 
@@ -41,7 +41,7 @@ TEST_F(Authentication, ChallengesWithANewNonceEveryTime) {
               AskForUsers({.authenticated = false}).fields.at("WWW-Authenticate"));
 }
 
-TEST_F(Authentication, OffersNoQualityThatItCannotCheck) {
+TEST_F(Authentication, OffersOnlyQopAuth) {
     for (auto const& sending : {Sending{.authenticated = false}, Sending{.password = "wrong"}}) {
         auto const challenge = AskForUsers(sending).fields.at("WWW-Authenticate");
         EXPECT_THAT(challenge, testing::HasSubstr("qop=\"auth\""));
@@ -49,7 +49,7 @@ TEST_F(Authentication, OffersNoQualityThatItCannotCheck) {
     }
 }
 
-TEST_F(Authentication, ChallengesOnceAndForMd5) {
+TEST_F(Authentication, SendsASingleMd5Challenge) {
     auto const challenge = AskForUsers({.authenticated = false}).fields.at("WWW-Authenticate");
     EXPECT_THAT(challenge, testing::MatchesRegex("Digest [^,]*algorithm=MD5,.*|Digest .*[ ,]algorithm=MD5(,.*)?"));
     EXPECT_EQ(challenge.find("Digest", 1), std::string::npos) << challenge;
@@ -67,7 +67,7 @@ TEST_F(Authentication, ServesTheRightPassword) { EXPECT_EQ(AskForUsers({}).statu
 
 TEST_F(Authentication, RefusesAWrongPassword) { EXPECT_THAT(AskForUsers({.password = "wrong"}), IsChallenge(Realm)); }
 
-TEST_F(Authentication, VerifiesADigestMadeForAnotherUserAsIfItWereForTheAdministrator) {
+TEST_F(Authentication, VerifiesEveryDigestAgainstTheAdministrator) {
     EXPECT_THAT(AskForUsers({.user = "operator"}), IsChallenge(Realm));
     auto authorization = MakeAuthorization({});
     authorization.replace(authorization.find("\"admin\""), 7, "\"operator\"");
@@ -89,7 +89,7 @@ TEST_F(Authentication, RefusesADigestOverAnotherPath) {
     EXPECT_THAT(AskForUsers({.digestPath = "/onvif/media_service"}), IsChallenge(Realm));
 }
 
-TEST_F(Authentication, TakesTheDigestForAPostWhateverItWasMadeFor) {
+TEST_F(Authentication, AcceptsOnlyADigestMadeForPost) {
     EXPECT_EQ(
         AskForUsers({.fields = {{"Authorization", MakeAuthorization({}, "POST")}}, .authenticated = false}).status,
         200);
@@ -97,12 +97,12 @@ TEST_F(Authentication, TakesTheDigestForAPostWhateverItWasMadeFor) {
                 IsChallenge(Realm));
 }
 
-TEST_F(Authentication, LeavesTheRealmAsTheClientSentItWhenItsCredentialsAreWrong) {
+TEST_F(Authentication, ReturnsTheClientsRealmWhenItsCredentialsAreWrong) {
     auto const wrong = R"(Digest username="admin", realm="elsewhere", nonce="1", uri="/", response="00")";
     EXPECT_THAT(AskForUsers({.fields = {{"Authorization", wrong}}, .authenticated = false}), IsChallenge("elsewhere"));
 }
 
-TEST_F(Authentication, NeverWritesARealmThatWouldBreakTheChallenge) {
+TEST_F(Authentication, ReplacesARealmThatWouldBreakTheChallenge) {
     for (std::string const& realm :
          {std::string("a%22%0d%0aSet-Cookie:%20x=1%0d%0aX:%22"), std::string("a%0aX:1"), std::string("%22"),
           std::string("\"a\\\\b\""), std::string(129, 'a'), std::string(5000, 'a')}) {
@@ -115,7 +115,7 @@ TEST_F(Authentication, NeverWritesARealmThatWouldBreakTheChallenge) {
     }
 }
 
-TEST_F(Authentication, ChallengesCredentialsThatAreNoDigest) {
+TEST_F(Authentication, ChallengesCredentialsWithoutACompleteDigest) {
     EXPECT_THAT(AskForUsers({.fields = {{"Authorization", "Basic YWRtaW46c2VjcmV0"}}, .authenticated = false}),
                 IsChallenge(Realm));
     EXPECT_THAT(AskForUsers({.fields = {{"Authorization", "Digest username=\"admin\""}}, .authenticated = false}),
@@ -123,7 +123,7 @@ TEST_F(Authentication, ChallengesCredentialsThatAreNoDigest) {
     EXPECT_THAT(AskForUsers({.fields = {{"Authorization", "Digest"}}, .authenticated = false}), IsChallenge(Realm));
 }
 
-TEST_F(Authentication, ChallengesADigestThatHasNoAnswerAndGoesOn) {
+TEST_F(Authentication, ChallengesADigestWithoutAValidResponse) {
     auto authorization = MakeAuthorization({});
     authorization.erase(authorization.find(", response="));
     for (auto const* rest : {"", ", response=", ", response", R"(, response="")", R"(, response="0")",
@@ -132,7 +132,7 @@ TEST_F(Authentication, ChallengesADigestThatHasNoAnswerAndGoesOn) {
     EXPECT_EQ(AskForUsers({}).status, 200);
 }
 
-TEST_F(Authentication, ChallengesADigestOfAnotherAlgorithmAndGoesOn) {
+TEST_F(Authentication, ChallengesADigestOfAnotherAlgorithm) {
     // Each is the right digest by MD5, and only says otherwise.
     for (auto const* algorithm : {"SHA-256", "MD5-sess", "md5-sess", "\"MD5-sess\"", "SHA-256-sess", "SHA-512-256",
                                   "MD", "MD55", "*", "\"MD5 \""}) {
@@ -143,7 +143,7 @@ TEST_F(Authentication, ChallengesADigestOfAnotherAlgorithmAndGoesOn) {
     }
 }
 
-TEST_F(Authentication, TakesADigestForMd5UnlessItSaysOtherwise) {
+TEST_F(Authentication, AcceptsMd5InAnyCaseAndByDefault) {
     for (auto const* algorithm :
          {"algorithm=md5, ", "algorithm=\"MD5\", ", "Algorithm=Md5, ", "algorithm=\"\", ", ""}) {
         auto authorization = MakeAuthorization({});
@@ -152,14 +152,14 @@ TEST_F(Authentication, TakesADigestForMd5UnlessItSaysOtherwise) {
     }
 }
 
-TEST_F(Authentication, DoesNotLookAtUsernameTokens) {
+TEST_F(Authentication, IgnoresUsernameTokens) {
     auto const token =
         R"(<wsse:Security s:mustUnderstand="1" xmlns:wsse="http://docs.oasis-open.org/wss/2004/01/oasis-200401-wss-wssecurity-secext-1.0.xsd">)"
         R"(<wsse:UsernameToken><wsse:Username>admin</wsse:Username><wsse:Password>secret</wsse:Password></wsse:UsernameToken></wsse:Security>)";
     EXPECT_THAT(AskForUsers({.header = token, .authenticated = false}), IsChallenge(Realm));
 }
 
-TEST_F(Authentication, KnowsTheOlderFormOfTheDigestAndNoOtherQualityThanAuth) {
+TEST_F(Authentication, AcceptsOnlyQopAuthOrADigestWithoutQop) {
     auto const without = [](std::string text, std::string const& part) {
         return text.erase(text.find(part), part.size());
     };
@@ -192,7 +192,7 @@ std::string GetName(testing::TestParamInfo<bindings::Operation> const& info) {
 
 using OperationWithLogin = AccessOf;
 
-TEST_P(OperationWithLogin, AnswersWithAChallengeUnlessTheRequestHasCredentials) {
+TEST_P(OperationWithLogin, ChallengesARequestWithoutValidCredentials) {
     root = std::make_shared<configuration::node::Root>(); // whatever it would read is not there
     EXPECT_THAT(AskAnonymously(request), IsChallenge(Realm));
     EXPECT_THAT(Ask(request, {.password = "wrong"}), IsChallenge(Realm));

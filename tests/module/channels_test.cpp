@@ -82,7 +82,7 @@ protected:
     }
 };
 
-TEST_P(EveryChannelList, TellsOfTheChannelsInTheOrderOfTheConfiguration) {
+TEST_P(EveryChannelList, ListsTheChannelsInConfigurationOrder) {
     Configure(R"({"channels": {"10": {"name": "a"}, "2": {"name": "c"}, "b-1": {"name": "b"}, "A_0": {"name": "d"}}})");
     auto const reply = AskForList();
     EXPECT_THAT(Tokens(reply), ElementsAre("channels.10", "channels.2", "channels.b-1", "channels.A_0"));
@@ -100,7 +100,7 @@ TEST_P(EveryChannelList, KeepsNothingFromOneRequestToTheNext) {
     EXPECT_THAT(Names(reply), ElementsAre("Roof", "Gate"));
 }
 
-TEST_P(EveryChannelList, ArrivesWholeWhenItIsLong) {
+TEST_P(EveryChannelList, IsCompleteWithThreeHundredChannels) {
     auto const id = [](int i) { return "c" + std::to_string(1000 + i); };
     auto const describe = [](std::string const& channel) {
         return '"' + channel + R"(": {"name": "Name of )" + channel + "\"}";
@@ -128,7 +128,7 @@ TEST_P(EveryChannelList, IsEmptyWithoutChannels) {
     EXPECT_THAT(asked, IsEmpty());
 }
 
-TEST_P(EveryChannelList, PassesNamesInAnyLanguageAndWithAnySignUnchanged) {
+TEST_P(EveryChannelList, PreservesNamesInAnyLanguageAndWithMarkup) {
     Configure(R"({"channels": {"1": {"name": "Tür & Tor <b>\"süß\"</b> 'x' ]]>"}, "2": {"name": "大门 🎥"},
                                "3": {"name": ""}, "4": {"name": "  two  spaces "}}})");
     EXPECT_THAT(Names(AskForList()), ElementsAre("Tür & Tor <b>\"süß\"</b> 'x' ]]>", "大门 🎥", "", "  two  spaces "));
@@ -143,12 +143,12 @@ TEST_P(EveryChannelList, KeepsAnEmptyNameThatTheProgramSets) {
     EXPECT_THAT(Names(AskForList()), ElementsAre("", "Yard", "3", ""));
 }
 
-TEST_P(EveryChannelList, AsksOnceForTheDescriptionOfEachChannelByItsId) {
+TEST_P(EveryChannelList, RequestsTheVideoInfoOfEachChannelOnce) {
     AskForList();
     EXPECT_THAT(asked, ElementsAre("1", "2"));
 }
 
-TEST_P(EveryChannelList, HoldsTheLockOfTheConfigurationWhileItAsks) {
+TEST_P(EveryChannelList, HoldsTheConfigurationLockDuringTheCallback) {
     watchesLock = true;
     AskForList();
     EXPECT_THAT(lockFree, ElementsAre(false, false));
@@ -156,7 +156,7 @@ TEST_P(EveryChannelList, HoldsTheLockOfTheConfigurationWhileItAsks) {
     EXPECT_TRUE(IsLockFree()) << "when it is done";
 }
 
-TEST_P(EveryChannelList, EndsInAnExceptionWhenTheChannelsAreNoCollection) {
+TEST_P(EveryChannelList, ThrowsWhenTheChannelsAreNotACollection) {
     root = std::make_shared<Root>();
     EXPECT_THROW(AskForList(), std::future_error) << "missing";
     root->Schema({Schema("channels.1.name", "Gate", "a map, not a collection")});
@@ -165,13 +165,13 @@ TEST_P(EveryChannelList, EndsInAnExceptionWhenTheChannelsAreNoCollection) {
     EXPECT_TRUE(IsLockFree()) << "afterwards";
 }
 
-TEST_P(EveryChannelList, EndsInAnExceptionWhenTheChannelsAreAValue) {
+TEST_P(EveryChannelList, ThrowsWhenTheChannelsAreAValue) {
     root = std::make_shared<Root>();
     root->Schema({Schema("channels", "1, 2", "a text")});
     EXPECT_THROW(AskForList(), std::future_error);
 }
 
-TEST_P(EveryChannelList, EndsInAnExceptionWhenANameIsNoText) {
+TEST_P(EveryChannelList, ThrowsWhenANameIsNotAString) {
     DescribeEntries({Schema("name", 7, "a number")});
     EXPECT_THROW(AskForList(), std::future_error);
     EXPECT_THAT(asked, IsEmpty());
@@ -187,12 +187,12 @@ TEST_P(EveryChannelList, CallsAChannelWithoutANameByItsId) {
     EXPECT_THAT(Names(AskForList()), ElementsAre("")) << "somebody gave it an empty one";
 }
 
-TEST_P(EveryChannelList, EndsInAnExceptionWhenNobodyDescribesChannels) {
+TEST_P(EveryChannelList, ThrowsWithoutAVideoInfoCallback) {
     channelInfo = nullptr;
     EXPECT_THROW(AskForList(), std::future_error);
 }
 
-TEST_P(EveryChannelList, EndsInAnExceptionWhenTheDescriptionFailsAndServesTheNextRequest) {
+TEST_P(EveryChannelList, ThrowsWhenTheCallbackThrowsAndServesTheNextRequest) {
     bool failed = false;
     channelInfo = [&](std::string const&) {
         if (!std::exchange(failed, true)) throw std::runtime_error("no pipeline");
@@ -202,7 +202,7 @@ TEST_P(EveryChannelList, EndsInAnExceptionWhenTheDescriptionFailsAndServesTheNex
     EXPECT_THAT(Tokens(AskForList()), SizeIs(2));
 }
 
-TEST_P(EveryChannelList, TellsOfAThousandChannels) {
+TEST_P(EveryChannelList, ListsAThousandChannels) {
     DescribeEntries({Schema("name", "Gate", "name")}); // a default that is a name
     for (int i = 2; i <= 1000; ++i) root->Find("channels")->As<Dynamic>().Add(std::to_string(i));
     auto const reply = AskForList();
@@ -260,7 +260,7 @@ TEST_P(SingleLookup, FindsAChannelByItsToken) {
     EXPECT_THAT(asked, ElementsAre("2"));
 }
 
-TEST_P(SingleLookup, SaysThatTheProfileIsNotFoundForATokenOfNoNode) {
+TEST_P(SingleLookup, FaultsWithNoProfileForAnUnknownToken) {
     for (auto const* token : {"channels.3", "1", "", ".", "..", "channels.", ".channels.1", "channels..1",
                               "channels.1.", "channels.1.name.x", "Channels.1", "channels/1", "../channels.1",
                               "channels.%31", "&lt;x&gt;&amp;&quot;", "名"})
@@ -268,17 +268,17 @@ TEST_P(SingleLookup, SaysThatTheProfileIsNotFoundForATokenOfNoNode) {
     EXPECT_THAT(asked, IsEmpty());
 }
 
-TEST_P(SingleLookup, SaysThatTheProfileIsNotFoundForAVeryLongToken) {
+TEST_P(SingleLookup, FaultsWithNoProfileForAVeryLongToken) {
     EXPECT_THAT(LookUp(std::string(100'000, 'x')), IsNotFound());
     EXPECT_THAT(LookUp(std::string(100'000, '.')), IsNotFound());
 }
 
-TEST_P(SingleLookup, SaysThatTheProfileIsNotFoundWithoutAToken) {
+TEST_P(SingleLookup, FaultsWithNoProfileWithoutAToken) {
     auto const operation = std::string(GetParam().operation);
     EXPECT_THAT(AskAnonymously("<trt:" + operation + "/>"), IsNotFound());
 }
 
-TEST_P(SingleLookup, AnswersForAnyMapThatHasAName) {
+TEST_P(SingleLookup, FindsAnyMapWithAName) {
     root = std::make_shared<Root>();
     root->Schema({Schema("site.hall.name", "Hall", "name"), Schema("lobby.name", "Lobby", "name")});
     auto const hall = LookUp("site.hall");
@@ -288,43 +288,43 @@ TEST_P(SingleLookup, AnswersForAnyMapThatHasAName) {
     EXPECT_THAT(asked, ElementsAre("hall", "lobby"));
 }
 
-TEST_P(SingleLookup, EndsInAnExceptionWhenTheNodeIsNoMap) {
+TEST_P(SingleLookup, ThrowsWhenTheNodeIsNotAMap) {
     EXPECT_THROW(LookUp("channels.1.name"), std::future_error);
     EXPECT_THROW(LookUp("settings.web_port"), std::future_error);
     EXPECT_THAT(asked, IsEmpty());
 }
 
-TEST_P(SingleLookup, EndsInAnExceptionWhenTheMapHasNoName) {
+TEST_P(SingleLookup, ThrowsWhenTheMapHasNoName) {
     EXPECT_THROW(LookUp("settings"), std::future_error);
     EXPECT_THROW(LookUp("channels"), std::future_error);
     EXPECT_THAT(asked, IsEmpty());
 }
 
-TEST_P(SingleLookup, TakesTheIdOfAChannelWithoutAName) {
+TEST_P(SingleLookup, CallsAChannelWithoutANameByItsId) {
     DescribeEntries({Schema("title", "Gate", "another name")});
     EXPECT_EQ(Attribute(LookUp("channels.1"), "/tt:Name"), "1");
 }
 
-TEST_P(SingleLookup, EndsInAnExceptionWhenTheNameIsNoText) {
+TEST_P(SingleLookup, ThrowsWhenTheNameIsNotAString) {
     DescribeEntries({Schema("name", true, "a boolean")});
     EXPECT_THROW(LookUp("channels.1"), std::future_error);
     EXPECT_THAT(asked, IsEmpty());
 }
 
-TEST_P(SingleLookup, EndsInAnExceptionWhenNobodyDescribesChannels) {
+TEST_P(SingleLookup, ThrowsWithoutAVideoInfoCallback) {
     channelInfo = nullptr;
     EXPECT_THROW(LookUp("channels.1"), std::future_error);
     EXPECT_THAT(LookUp("channels.3"), IsNotFound());
 }
 
-TEST_P(SingleLookup, TakesNoLockOfTheConfiguration) {
+TEST_P(SingleLookup, DoesNotHoldTheConfigurationLockDuringTheCallback) {
     watchesLock = true;
     lockPatience = std::chrono::seconds(30);
     LookUp("channels.1");
     EXPECT_THAT(lockFree, ElementsAre(true));
 }
 
-TEST_P(SingleLookup, AnswersWhileAnotherThreadHoldsTheLockOfTheConfiguration) {
+TEST_P(SingleLookup, AnswersWhileAnotherThreadHoldsTheConfigurationLock) {
     Manager();
     auto lock = std::make_optional(root->GetLock());
     auto reply = std::async(std::launch::async, [this] { return LookUp("channels.1"); });
@@ -355,13 +355,13 @@ protected:
     }
 };
 
-TEST_P(OptionsOfAToken, AsksForTheIdBehindTheTokensLastDotWhateverNodeThereIs) {
+TEST_P(OptionsOfAToken, UseTheIdAfterTheLastDotEvenWithoutAMatchingNode) {
     for (auto const* token : {"channels.1", "1", "a.b.c", "nothing.", "../../etc", "channels.&lt;1&gt;"})
         EXPECT_EQ(AskFor(token).status, 200) << token;
     EXPECT_THAT(asked, ElementsAre("1", "1", "c", "", "/etc", "<1>"));
 }
 
-TEST_P(OptionsOfAToken, TakesNoLockOfTheConfigurationAndReadsNothingOfIt) {
+TEST_P(OptionsOfAToken, NeedNeitherTheConfigurationNorItsLock) {
     watchesLock = true;
     lockPatience = std::chrono::seconds(30);
     root = std::make_shared<Root>();
@@ -369,7 +369,7 @@ TEST_P(OptionsOfAToken, TakesNoLockOfTheConfigurationAndReadsNothingOfIt) {
     EXPECT_THAT(lockFree, ElementsAre(true));
 }
 
-TEST_P(OptionsOfAToken, EndsInAnExceptionWhenNobodyDescribesChannels) {
+TEST_P(OptionsOfAToken, ThrowWithoutAVideoInfoCallback) {
     channelInfo = nullptr;
     EXPECT_THROW(AskFor("channels.1"), std::future_error);
 }

@@ -57,7 +57,7 @@ protected:
     ~ClockJump() override { jump = 0; }
 };
 
-TEST_P(ClockJump, ChangesNothingOfHowLongAClientWaits) {
+TEST_P(ClockJump, DoesNotChangeTheTimeoutOfAPull) {
     auto const path = Subscribe(Termination("9999-01-01T00:00:00Z"));
     auto const begin = Clock::now();
     auto const reply = PostPull(path, 100, "PT0.5S");
@@ -67,7 +67,7 @@ TEST_P(ClockJump, ChangesNothingOfHowLongAClientWaits) {
     EXPECT_GE(Clock::now() - begin, 500ms);
 }
 
-TEST_P(ClockJump, LetsAWaitingClientGetItsEvent) {
+TEST_P(ClockJump, DoesNotKeepAnEventFromAWaitingClient) {
     auto const reply = PostPull(Subscribe(Termination("9999-01-01T00:00:00Z")), 100, "PT1H");
     EXPECT_TRUE(OthersSleep(1));
     EXPECT_EQ(reply->GetData().GetState(), web::response::State::NotReady);
@@ -76,7 +76,7 @@ TEST_P(ClockJump, LetsAWaitingClientGetItsEvent) {
     EXPECT_THAT(GetRules(ToReply(WaitFor(*reply))), testing::ElementsAre("Gate"));
 }
 
-TEST_P(ClockJump, KeepsNobodyBusy) {
+TEST_P(ClockJump, CausesNoBusyWaiting) {
     auto const path = Subscribe(Termination("9999-01-01T00:00:00Z"));
     auto const reply = PostPull(path, 100, "PT0.5S");
     Subscribe(Termination("PT1H"));
@@ -86,7 +86,7 @@ TEST_P(ClockJump, KeepsNobodyBusy) {
     EXPECT_LT(GetProcessorTime() - before, 250ms);
 }
 
-TEST_P(ClockJump, MovesTheEndsOfSubscriptions) {
+TEST_P(ClockJump, ShiftsTheExpiryOfSubscriptions) {
     auto const path = Subscribe(Termination("PT1H"));
     jump = GetParam();
     // The timers' thread may sleep for minutes; an end in front of all others wakes it.

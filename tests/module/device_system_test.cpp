@@ -19,7 +19,7 @@ using testing::Each;
 
 class GetSystemDateAndTime : public DeviceFixture {};
 
-TEST_F(GetSystemDateAndTime, TellsTheClockInUtcWithoutCredentials) {
+TEST_F(GetSystemDateAndTime, ReportsTheClockInUtcWithoutCredentials) {
     auto const before = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
     auto const reply = AskAnonymously("<tds:GetSystemDateAndTime/>");
     auto const after = std::chrono::system_clock::now();
@@ -47,7 +47,7 @@ TEST_F(GetSystemDateAndTime, NamesNtpAsItsSourceAndNoZoneOrLocalTime) {
 
 class GetHostname : public DeviceFixture {};
 
-TEST_F(GetHostname, TellsTheHostNameWithoutCredentials) {
+TEST_F(GetHostname, ReportsTheHostNameWithoutCredentials) {
     EXPECT_THAT(AskAnonymously("<tds:GetHostname/>"),
                 Answers("<tds:GetHostnameResponse><tds:HostnameInformation><tt:FromDHCP>false</tt:FromDHCP><tt:Name>" +
                         network::GetHostname() + "</tt:Name></tds:HostnameInformation></tds:GetHostnameResponse>"));
@@ -66,7 +66,7 @@ TEST_F(GetHostname, AndTheSerialNumberFollowTheHostNameWhenItChanges) {
 
 class GetNetworkInterfaces : public DeviceFixture {};
 
-TEST_F(GetNetworkInterfaces, ListsTheDevicesThatHaveAnAddressInTheOrderOfThePlatform) {
+TEST_F(GetNetworkInterfaces, ListsDevicesWithAnAddressInPlatformOrder) {
     std::vector<std::string> names;
     std::vector<std::string> addresses;
     std::vector<std::string> hardwareAddresses;
@@ -93,7 +93,7 @@ TEST_F(GetNetworkInterfaces, ReportsEveryInterfaceAsConfiguredByDhcpWithPrefixLe
         EXPECT_FALSE(reply.Has(absent)) << absent;
 }
 
-TEST_F(GetNetworkInterfaces, AreNoneOnAMachineWithOnlyALoopbackDeviceWithoutAddress) {
+TEST_F(GetNetworkInterfaces, IsEmptyWithoutAnyAddress) {
     bool const entered = RunOnPrivateMachine(
         [this] { EXPECT_THAT(Ask("<tds:GetNetworkInterfaces/>"), Answers("<tds:GetNetworkInterfacesResponse/>")); });
     if (!entered) GTEST_SKIP() << WhyNoNamespace();
@@ -107,21 +107,21 @@ constexpr char HttpAndRtsp[] = R"(
       <tds:NetworkProtocols><tt:Name>RTSP</tt:Name><tt:Enabled>true</tt:Enabled><tt:Port>8554</tt:Port></tds:NetworkProtocols>
     </tds:GetNetworkProtocolsResponse>)";
 
-TEST_F(GetNetworkProtocols, TellsHttpOnTheWebPortAndRtspOnItsConfiguredPort) {
+TEST_F(GetNetworkProtocols, ReportsHttpAndRtspWithTheirPorts) {
     EXPECT_THAT(AskAnonymously("<tds:GetNetworkProtocols/>"), Answers(HttpAndRtsp));
 }
 
-TEST_F(GetNetworkProtocols, StillSaysHttpWithTlsOn) {
+TEST_F(GetNetworkProtocols, StillReportsHttpWithTlsOn) {
     Manager().UpdateSSLState(true);
     EXPECT_THAT(AskAnonymously("<tds:GetNetworkProtocols/>"), Answers(HttpAndRtsp));
 }
 
-TEST_F(GetNetworkProtocols, EndsInAnExceptionWhenTheRtspPortIsMissing) {
+TEST_F(GetNetworkProtocols, ThrowsWhenTheRtspPortIsMissing) {
     root = std::make_shared<configuration::node::Root>();
     EXPECT_THROW(AskAnonymously("<tds:GetNetworkProtocols/>"), std::future_error);
 }
 
-TEST_F(GetNetworkProtocols, EndsInAnExceptionWhenTheRtspPortIsNotAnUnsignedSixteenBitNumber) {
+TEST_F(GetNetworkProtocols, ThrowsWhenTheRtspPortIsNotAPortNumber) {
     root = std::make_shared<configuration::node::Root>();
     root->Schema({configuration::Schema("settings.rtsp_port", "8554", "a text")});
     EXPECT_THROW(AskAnonymously("<tds:GetNetworkProtocols/>"), std::future_error);
@@ -129,7 +129,7 @@ TEST_F(GetNetworkProtocols, EndsInAnExceptionWhenTheRtspPortIsNotAnUnsignedSixte
 
 class Users : public DeviceFixture {};
 
-TEST_F(Users, AreTheAdministratorAlone) {
+TEST_F(Users, AreOnlyTheAdministrator) {
     EXPECT_THAT(Ask("<tds:GetUsers/>"),
                 Answers("<tds:GetUsersResponse><tds:User><tt:Username>admin</tt:Username>"
                         "<tt:UserLevel>Administrator</tt:UserLevel></tds:User></tds:GetUsersResponse>"));

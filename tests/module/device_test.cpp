@@ -18,7 +18,7 @@ using testing::SizeIs;
 
 class GetDeviceInformation : public DeviceFixture {};
 
-TEST_F(GetDeviceInformation, TellsTheProductIdentityWithTheHostNameAsSerialNumber) {
+TEST_F(GetDeviceInformation, ReportsTheIdentityWithTheHostNameAsSerialNumber) {
     EXPECT_THAT(Ask("<tds:GetDeviceInformation/>"),
                 Answers("<tds:GetDeviceInformationResponse><tds:Manufacturer>Zarnsuite</tds:Manufacturer>"
                         "<tds:Model>Analytics Server</tds:Model><tds:FirmwareVersion>1.2.3</tds:FirmwareVersion>"
@@ -54,7 +54,7 @@ protected:
     }
 };
 
-TEST_F(GetServices, ListsTheFiveServicesInOrderWithTheirAddresses) {
+TEST_F(GetServices, ListsTheFiveServicesInOrderWithTheirXAddrs) {
     auto const reply = AskFor(false);
     ASSERT_EQ(reply.status, 200);
     EXPECT_THAT(reply.Texts("//tds:Service/tds:Namespace"),
@@ -73,11 +73,11 @@ TEST_F(GetServices, ReportsVersionOnePointTwoForEveryService) {
     EXPECT_THAT(reply.Texts("//tds:Service/tds:Version/tt:Minor"), ElementsAre("2", "2", "2", "2", "2"));
 }
 
-TEST_F(GetServices, LeavesCapabilitiesOutUnlessTheyAreAskedFor) {
+TEST_F(GetServices, OmitsCapabilitiesUnlessRequested) {
     EXPECT_FALSE(AskFor(false).Has("//tds:Service/tds:Capabilities"));
 }
 
-TEST_F(GetServices, GivesEachServiceOneCapabilitiesElementOfItsOwnNameWhenAskedFor) {
+TEST_F(GetServices, IncludesTheCapabilitiesOfEachServiceOnRequest) {
     auto const reply = AskFor(true);
     EXPECT_THAT(reply.Select("//tds:Service/tds:Capabilities/*"), SizeIs(5));
     for (auto const* path :
@@ -98,7 +98,7 @@ std::multiset<std::string> Content(Reply const& reply, std::string const& xpath)
     return content;
 }
 
-TEST_F(GetServices, TellsTheSameCapabilitiesAsTheServicesThemselves) {
+TEST_F(GetServices, ReportsTheSameCapabilitiesAsGetServiceCapabilities) {
     auto const services = AskFor(true);
     for (std::string const prefix : {"tev", "tds", "trt", "tr2", "tan"}) {
         auto const own = AskAnonymously("<" + prefix + ":GetServiceCapabilities/>");
@@ -107,7 +107,7 @@ TEST_F(GetServices, TellsTheSameCapabilitiesAsTheServicesThemselves) {
     }
 }
 
-TEST_F(GetServices, TellsSecureAddressesOfTheNewPortWhileTheServerSpeaksTls) {
+TEST_F(GetServices, ReportsHttpsXAddrsWithTheNewPortWhileTlsIsOn) {
     Manager().UpdateServerPort(8443);
     Manager().UpdateSSLState(true);
     EXPECT_THAT(
@@ -140,11 +140,11 @@ constexpr char AllCapabilities[] = R"(
       </tt:Media>
     </tds:Capabilities></tds:GetCapabilitiesResponse>)";
 
-TEST_F(GetCapabilities, TellsOfDeviceEventsAndMediaWithoutCredentials) {
+TEST_F(GetCapabilities, ReportsDeviceEventsAndMediaWithoutCredentials) {
     EXPECT_THAT(AskAnonymously("<tds:GetCapabilities/>"), Answers(AllCapabilities));
 }
 
-TEST_F(GetCapabilities, AnswersAlikeWhateverTheCategory) {
+TEST_F(GetCapabilities, IgnoresTheCategory) {
     for (std::string const category :
          {"<tds:Category>Media</tds:Category>", "<tds:Category>PTZ</tds:Category><tds:Category>All</tds:Category>",
           "<tds:Category>Doors</tds:Category>", "<tds:Category/>", "<tds:Category> media </tds:Category>",

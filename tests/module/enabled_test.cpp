@@ -71,7 +71,7 @@ TEST_F(EnabledSetting, LeavesTheDeviceSilentInAFreshConfiguration) {
     });
 }
 
-TEST_F(EnabledSetting, IsDescribed) {
+TEST_F(EnabledSetting, HasASchema) {
     Manager();
     EXPECT_EQ(root->Find(Path)->GetSchema(),
               boost::json::parse(R"({"type": "boolean", "default": false, "readOnly": false, "writeOnly": false,
@@ -91,7 +91,7 @@ TEST_F(EnabledSetting, MakesTheDeviceAppearAndDisappear) {
     });
 }
 
-TEST_F(EnabledSetting, IsFollowedFromTheBeginning) {
+TEST_F(EnabledSetting, AppliesFromTheStart) {
     OnOwnNetwork([&] {
         Read("true");
         logging::Capture const log;
@@ -121,7 +121,7 @@ TEST_F(EnabledSetting, LogsEachTimeThatItIsSetToFalse) {
     EXPECT_EQ(Count(log, Stopping), 2);
 }
 
-TEST_F(EnabledSetting, LogsOnceWhenItIsFalseFromTheBeginning) {
+TEST_F(EnabledSetting, LogsOnceWhenInitiallyFalse) {
     Read("false");
     logging::Capture const log;
     Manager();
@@ -171,7 +171,7 @@ private:
     std::vector<std::jthread> threads;
 };
 
-TEST_F(EnabledSetting, TriesAgainWhenItIsSetAgainAfterNoThreadCouldBeStarted) {
+TEST_F(EnabledSetting, RetriesWhenSetAgainAfterAFailedThreadStart) {
     OnOwnNetwork([&] {
         Manager();
         logging::Capture const log;
@@ -188,7 +188,7 @@ TEST_F(EnabledSetting, TriesAgainWhenItIsSetAgainAfterNoThreadCouldBeStarted) {
 }
 #endif
 
-TEST_F(EnabledSetting, LeavesRequestsServed) {
+TEST_F(EnabledSetting, DoesNotAffectRequests) {
     EXPECT_EQ(Ask("<trt:GetProfiles/>").status, 200);
     Setting().Set(true); // whether the port can be had or not
     EXPECT_EQ(Ask("<trt:GetProfiles/>").status, 200);
@@ -242,7 +242,7 @@ TEST_F(EnabledSetting, EndsWithTheManager) {
     });
 }
 
-TEST_F(EnabledSetting, MayChangeWhileTheHostTellsItsPort) {
+TEST_F(EnabledSetting, MayChangeDuringUpdatesOfThePort) {
     OnOwnNetwork([&] {
         auto& device = Manager();
         std::atomic<bool> over = false;
@@ -268,7 +268,7 @@ TEST_F(EnabledSetting, MayChangeWhileTheHostTellsItsPort) {
     });
 }
 
-TEST_F(EnabledSetting, LosesNothingThatTheHostTellsWhileItStarts) {
+TEST_F(EnabledSetting, LosesNoUpdateFromTheHostWhileStarting) {
     OnOwnNetwork([&] {
         auto& device = Manager();
         for (unsigned i = 1; i <= 100; ++i) {
@@ -292,7 +292,7 @@ TEST_F(EnabledSetting, LosesNothingThatTheHostTellsWhileItStarts) {
     });
 }
 
-TEST_F(EnabledSetting, ChangesInAFloodOfProbes) {
+TEST_F(EnabledSetting, MayChangeDuringAFloodOfProbes) {
 #ifdef ZARN_SANITIZED // which make each start many times slower
     constexpr int Changes = 50;
 #else
@@ -319,7 +319,7 @@ TEST_F(EnabledSetting, ChangesInAFloodOfProbes) {
     });
 }
 
-TEST_F(EnabledSetting, MayChangeWhileTheManagerGoes) {
+TEST_F(EnabledSetting, MayChangeDuringDestructionOfTheManager) {
     constexpr int Managers = 50;
     OnOwnNetwork([&] {
         { auto const device = MakeManager(); } // describes the setting
@@ -358,7 +358,7 @@ std::string Decode(std::string const& text) {
     return decoded;
 }
 
-TEST_F(DiscoveredDevice, IsSilentUntilTheHostTellsItsPort) {
+TEST_F(DiscoveredDevice, IsSilentUntilTheHostSetsItsPort) {
     OnOwnNetwork([&] {
         Read("true");
         auto device = MakeManager();
@@ -373,7 +373,7 @@ TEST_F(DiscoveredDevice, IsSilentUntilTheHostTellsItsPort) {
     });
 }
 
-TEST_F(DiscoveredDevice, HasThePortAndTlsStateThatWereToldBeforeItStarted) {
+TEST_F(DiscoveredDevice, ReportsPortAndTlsStateSetBeforeItStarted) {
     OnOwnNetwork([&] {
         Manager().UpdateServerPort(8443);
         Manager().UpdateSSLState(true);
@@ -382,7 +382,7 @@ TEST_F(DiscoveredDevice, HasThePortAndTlsStateThatWereToldBeforeItStarted) {
     });
 }
 
-TEST_F(DiscoveredDevice, HasThePortAndTlsStateThatWereToldLast) {
+TEST_F(DiscoveredDevice, ReportsTheLatestPortAndTlsState) {
     OnOwnNetwork([&] {
         Manager();
         Setting().Set(true);
@@ -393,7 +393,7 @@ TEST_F(DiscoveredDevice, HasThePortAndTlsStateThatWereToldLast) {
     });
 }
 
-TEST_F(DiscoveredDevice, TellsItsIdentity) {
+TEST_F(DiscoveredDevice, ReportsItsIdentity) {
     OnOwnNetwork([&] {
         Manager();
         Setting().Set(true);

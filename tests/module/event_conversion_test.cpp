@@ -80,7 +80,7 @@ constexpr Row ZoneRows[] = {
     {"", "none", "none"},
 };
 
-TEST_F(EventConversion, MakesTheTopicOfTypeAndZone) {
+TEST_F(EventConversion, DerivesTheTopicFromTypeAndZone) {
     for (auto const& row : ZoneRows) {
         EXPECT_EQ(GetTopic(InZone(row.type, Zone::Field)), row.field) << row.type;
         EXPECT_EQ(GetTopic(InZone(row.type, Zone::Line)), row.line) << row.type;
@@ -89,7 +89,7 @@ TEST_F(EventConversion, MakesTheTopicOfTypeAndZone) {
     }
 }
 
-TEST_F(EventConversion, LooksAtTheFirstZone) {
+TEST_F(EventConversion, UsesTheFirstZone) {
     auto const event = InZone("presence", Zone::Line);
     event->Emplace<Zone>(Zone::Field);
     EXPECT_EQ(GetTopic(event), "tns1:RuleEngine/LineDetector/Crossed");
@@ -106,7 +106,7 @@ TEST_F(EventConversion, NeedsNoZoneForLoiteringAndCounts) {
     EXPECT_EQ(GetTopic(MakeEvent("count")), "tns1:RuleEngine/CountAggregation/Counter");
 }
 
-TEST_F(EventConversion, MakesAWholeMessageOfAFieldEvent) {
+TEST_F(EventConversion, ConvertsAFieldEventToACompleteMessage) {
     auto const event = MakeFieldEvent("Gate <rule> \"Tür\"");
     event->Emplace<Channel>(1);
     event->Emplace<Channel>(2);
@@ -124,7 +124,7 @@ TEST_F(EventConversion, MakesAWholeMessageOfAFieldEvent) {
                     R"(</wsnt:NotificationMessage>)"));
 }
 
-TEST_F(EventConversion, MakesAWholeMessageOfEveryOtherFamily) {
+TEST_F(EventConversion, ConvertsEveryOtherFamilyToACompleteMessage) {
     struct Expected {
         char const* type;
         std::uint32_t zone;
@@ -159,7 +159,7 @@ TEST_F(EventConversion, MakesAWholeMessageOfEveryOtherFamily) {
     }
 }
 
-TEST_F(EventConversion, SaysInsideForEveryFieldEvent) {
+TEST_F(EventConversion, SetsIsInsideForEveryFieldEvent) {
     for (auto const* type : {"presence", "direction", "directional-crossing", "enter", "exit", "appear", "disappear",
                              "tailgating", "fall", "and", "not", "or"}) {
         auto const reply = Convert(InZone(type, Zone::Field));
@@ -168,11 +168,11 @@ TEST_F(EventConversion, SaysInsideForEveryFieldEvent) {
     }
 }
 
-TEST_F(EventConversion, AddsNothingToALineEvent) {
+TEST_F(EventConversion, AddsNoExtraDataToALineEvent) {
     EXPECT_THAT(GetDataNames(Convert(InZone("direction", Zone::Line))), ElementsAre("ObjectId"));
 }
 
-TEST_F(EventConversion, NamesAChannelThatIsNoneWhenThereIsNone) {
+TEST_F(EventConversion, UsesAnInvalidChannelIdWithoutAChannel) {
     EXPECT_EQ(GetItem(Convert(MakeFieldEvent()), "VideoSource"), "channels.4294967295");
 }
 
@@ -196,7 +196,7 @@ TEST_F(EventConversion, ListsClassesAsSoonAsOneObjectHasOne) {
     EXPECT_THAT(GetDataNames(reply), ElementsAre("ObjectId", "ClassTypes", "IsInside"));
 }
 
-TEST_F(EventConversion, TakesTheNameOfAnObjectWithoutAConfidence) {
+TEST_F(EventConversion, UsesTheNameOfAnObjectWithoutAConfidence) {
     auto const event = MakeFieldEvent();
     event->Emplace<Object>(1).Emplace<Name>("visitor");
     auto& both = event->Emplace<Object>(2);
@@ -222,7 +222,7 @@ TEST_F(EventConversion, ListsNoClassesWhenAllAreEmpty) {
     EXPECT_THAT(GetDataNames(Convert(event)), ElementsAre("ObjectId", "IsInside"));
 }
 
-TEST_F(EventConversion, SaysSinceWhenAnObjectLoiters) {
+TEST_F(EventConversion, ReportsSinceWhenAnObjectLoiters) {
     for (auto const* type : {"dwell", "stopped", "aggressive-behaviour"}) {
         auto const reply = Convert(MakeEvent(type));
         EXPECT_THAT(GetDataNames(reply), ElementsAre("ObjectId", "Since")) << type;
@@ -230,7 +230,7 @@ TEST_F(EventConversion, SaysSinceWhenAnObjectLoiters) {
     }
 }
 
-TEST_F(EventConversion, SaysTheFirstCount) {
+TEST_F(EventConversion, ReportsTheFirstCount) {
     for (auto const count : {3, 0, -4, std::numeric_limits<std::int32_t>::min()}) {
         auto const event = MakeEvent("count");
         event->Emplace<Value>(count);
@@ -241,11 +241,11 @@ TEST_F(EventConversion, SaysTheFirstCount) {
     }
 }
 
-TEST_F(EventConversion, MakesAMessageOfACountWithoutANumber) {
+TEST_F(EventConversion, ConvertsACountWithoutANumber) {
     EXPECT_THAT(GetDataNames(Convert(MakeEvent("count"))), ElementsAre("ObjectId"));
 }
 
-TEST_F(EventConversion, CutsTheTimeToItsSecond) {
+TEST_F(EventConversion, TruncatesTheTimeToSeconds) {
     using namespace std::chrono_literals;
     auto const at = [](std::chrono::nanoseconds time) {
         auto event = std::make_shared<Event>("count", "rule", std::chrono::system_clock::time_point(time));

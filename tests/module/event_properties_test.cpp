@@ -37,7 +37,7 @@ protected:
     Reply const reply = AskAnonymously("<tev:GetEventProperties/>");
 };
 
-TEST_F(EventProperties, AreForEverybody) {
+TEST_F(EventProperties, NeedNoCredentials) {
     EXPECT_EQ(reply.status, 200);
     EXPECT_FALSE(reply.Has("//wsa5:Action"));
     EXPECT_EQ(Ask("<tev:GetEventProperties/>").Message(), reply.Message());
@@ -58,13 +58,13 @@ TEST_F(EventProperties, NameDialectsAndSchemas) {
     EXPECT_EQ(reply.Text("//tev:MessageContentSchemaLocation"), "http://www.onvif.org/onvif/ver10/schema/onvif.xsd");
 }
 
-TEST_F(EventProperties, ListTheFamiliesInTheirOrder) {
+TEST_F(EventProperties, ListTheFamiliesInOrder) {
     EXPECT_THAT(GetNames("//wstop:TopicSet"), ElementsAre("tns1:RuleEngine", "tns1:VideoSource"));
     EXPECT_THAT(GetNames("//tns1:RuleEngine"),
                 ElementsAre("FieldDetector", "LineDetector", "LoiteringDetector", "CountAggregation"));
 }
 
-TEST_F(EventProperties, ListTheTopicsOfFieldsForAllThreeDetectors) {
+TEST_F(EventProperties, ListTheSameTopicsForAllThreeDetectors) {
     for (std::string const rule : {"FieldDetector", "LineDetector", "LoiteringDetector"}) {
         EXPECT_THAT(GetNames("//" + rule), ElementsAreArray(FieldTopics)) << rule;
         EXPECT_THAT(reply.Texts(("//" + rule + "/*/@wstop:topic").c_str()),
@@ -101,7 +101,7 @@ TEST_F(EventProperties, DescribeTheDataOfEachFamily) {
     EXPECT_THAT(GetItems("CountAggregation/Counter", "Data"), ElementsAre("ObjectId xsd:integer", "Count xsd:integer"));
 }
 
-TEST_F(EventProperties, NameMotionWithoutADescription) {
+TEST_F(EventProperties, ListMotionAlarmWithoutADescription) {
     EXPECT_THAT(GetNames("//tns1:VideoSource"), ElementsAre("MotionAlarm"));
     EXPECT_EQ(reply.Text("//tns1:VideoSource/MotionAlarm/@wstop:topic"), "true");
     EXPECT_THAT(GetNames("//tns1:VideoSource/MotionAlarm"), testing::IsEmpty());

@@ -32,7 +32,7 @@ std::string Compress(std::string text) {
 /// What a field of the request's head says about its body.
 class Body : public DeviceFixture {};
 
-TEST_F(Body, ThatTheClientAsksToSendIsAnsweredLikeAnyOther) {
+TEST_F(Body, AnnouncedByExpectContinueGetsTheUsualResponse) {
     for (auto const* operation : {"<tds:GetHostname/>", "<tds:GetUsers/>", "<tds:GetDNS/>", "<tds:MakeCoffee/>"}) {
         auto const plain = Ask(operation);
         auto const reply = Ask(operation, {.fields = {{"Expect", "100-continue"}}});
@@ -43,13 +43,13 @@ TEST_F(Body, ThatTheClientAsksToSendIsAnsweredLikeAnyOther) {
     }
 }
 
-TEST_F(Body, ThatTheClientAsksToSendIsRefusedWithTheFinalResponse) {
+TEST_F(Body, AnnouncedByExpectContinueIsRefusedWithTheFinalResponse) {
     auto const reply = Ask("<tds:GetUsers/>", {.fields = {{"expect", "100-Continue"}}, .authenticated = false});
     EXPECT_THAT(reply, IsChallenge("zarnsuite.example"));
     EXPECT_THAT(reply.text, StartsWith("<?xml "));
 }
 
-TEST_F(Body, ThatIsCompressedIsRefusedAndTheNextServed) {
+TEST_F(Body, WhenCompressedIsRefusedWithoutAffectingTheNext) {
     auto const body = Envelope("<tds:GetHostname/>");
     EXPECT_EQ(Post(Compress(body), {.fields = {{"Content-Encoding", "gzip"}}}).status, 415);
     EXPECT_EQ(Post(body).status, 200);

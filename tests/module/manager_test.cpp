@@ -46,7 +46,7 @@ protected:
     service::onvif::Manager slow;
 };
 
-TEST_F(SlowDevice, YieldsNothingButNotReadyUntilTheExchangeIsOver) {
+TEST_F(SlowDevice, ReportsNotReadyUntilTheExchangeEnds) {
     auto const pending = slow.Post(RequestFor("trt:GetProfiles"));
     auto const early = pending->GetData();
     EXPECT_EQ(early.GetState(), State::NotReady);
@@ -65,7 +65,7 @@ TEST_F(SlowDevice, YieldsNothingButNotReadyUntilTheExchangeIsOver) {
     EXPECT_THAT(std::string(late.GetBody().front()->ToStringView()), HasSubstr("GetProfilesResponse"));
 }
 
-TEST_F(SlowDevice, ThrowsWhenAskedAgainAfterTheCompleteAnswer) {
+TEST_F(SlowDevice, ThrowsWhenPolledAgainAfterTheCompleteResponse) {
     gate.set_value();
     auto const pending = slow.Post(RequestFor("tds:GetHostname"));
     WaitFor(*pending);
@@ -86,7 +86,7 @@ TEST_F(SlowDevice, ServesOthersWhileOneExchangeTakesLong) {
     EXPECT_EQ(WaitFor(*waiting).GetStatus(), Status::Ok);
 }
 
-TEST_F(SlowDevice, FinishesTheExchangesUnderWayBeforeItGoes) {
+TEST_F(SlowDevice, FinishesPendingExchangesBeforeItIsDestroyed) {
     std::promise<void> entered;
     auto manager = std::make_unique<service::onvif::Manager>(
         &engine, root,
@@ -105,7 +105,7 @@ TEST_F(SlowDevice, FinishesTheExchangesUnderWayBeforeItGoes) {
     EXPECT_EQ(pending->GetData().GetStatus(), Status::Ok);
 }
 
-TEST_F(SlowDevice, AdvertisesPortZeroAndHttpUntilTheHostSaysOtherwise) {
+TEST_F(SlowDevice, AdvertisesHttpOnPortZeroUntilTheHostUpdatesIt) {
     auto const pending = slow.Post(RequestFor("tds:GetCapabilities"));
     auto const answer = WaitFor(*pending);
     EXPECT_THAT(std::string(answer.GetBody().front()->ToStringView()),
@@ -126,7 +126,7 @@ TEST_F(Exchange, AdvertisesThePortAndTlsStateOfTheLastUpdate) {
               "http://" + address + ":80/onvif/device_service");
 }
 
-TEST_F(Exchange, TellsAddressesWithTheLocalAddressOfTheMoment) {
+TEST_F(Exchange, AdvertisesTheCurrentLocalAddress) {
     Configure(R"({"settings": {"web_port": 80, "rtsp_port": 554}, "channels": {"1": {"name": "Gate"}}})");
     auto const device = [this] { return AskAnonymously("<tds:GetCapabilities/>").Text("//tt:Device/tt:XAddr"); };
     auto const uri = [this](std::string const& operation) {
@@ -148,7 +148,7 @@ TEST_F(Exchange, TellsAddressesWithTheLocalAddressOfTheMoment) {
     if (!entered) GTEST_SKIP() << WhyNoNamespace();
 }
 
-TEST_F(Exchange, IsServedByTheServiceThatKnowsTheOperationWhateverThePath) {
+TEST_F(Exchange, DispatchesByOperationRegardlessOfThePath) {
     for (auto const* path :
          {"/onvif/device_service", "/onvif/media_service", "/onvif/", "/onvif/events_service/x?y=1"}) {
         EXPECT_EQ(Ask("<trt:GetProfiles/>", {.path = path}).status, 200) << path;
@@ -156,7 +156,7 @@ TEST_F(Exchange, IsServedByTheServiceThatKnowsTheOperationWhateverThePath) {
     }
 }
 
-TEST_F(Exchange, IsForPostAlone) {
+TEST_F(Exchange, AllowsOnlyPostAndOptions) {
     for (auto const method : {Method::Get, Method::Put, Method::Head, Method::Trace, Method::Delete, Method::Connect})
         EXPECT_EQ(Manager().Process(MakeRequest("", {.method = method}))->GetData().GetStatus(),
                   Status::MethodNotAllowed);
@@ -165,7 +165,7 @@ TEST_F(Exchange, IsForPostAlone) {
     EXPECT_EQ(Manager().GetSchema(), "{}");
 }
 
-TEST_F(Exchange, PassesTheMethodOnAsItIs) {
+TEST_F(Exchange, QuotesTheRejectedMethodInTheFault) {
     for (auto const method : {Method::Get, Method::Put, Method::Delete, Method::Patch}) {
         auto const reply = Ask("<tds:GetHostname/>", {.method = method});
         EXPECT_EQ(reply.status, 405);
@@ -183,14 +183,14 @@ TEST_F(Exchange, LogsNothing) {
     EXPECT_THAT(capture.GetLines(), IsEmpty());
 }
 
-TEST_F(Exchange, AnswersAnOperationThatNobodyKnowsWithGsoapsFault) {
+TEST_F(Exchange, AnswersAnUnknownOperationWithTheGsoapFault) {
     auto const reply = AskAnonymously("<tds:MakeCoffee/>");
     EXPECT_EQ(reply.status, 400);
     EXPECT_EQ(reply.Text("//SOAP-ENV:Code/SOAP-ENV:Value"), "SOAP-ENV:Sender");
     EXPECT_THAT(reply.Text("//SOAP-ENV:Reason/SOAP-ENV:Text"), HasSubstr("MakeCoffee"));
 }
 
-TEST_F(Exchange, DoesNotTakeAKnownNameOfAnotherNamespaceOrOfNoneForAnOperation) {
+TEST_F(Exchange, RejectsOperationsInAWrongOrMissingNamespace) {
     for (auto const* element :
          {"<x:GetHostname xmlns:x='urn:other'/>", "<trt:GetHostname/>", "<GetHostname/>", "<GetProfiles/>"}) {
         auto const reply = AskAnonymously(element);
@@ -199,7 +199,7 @@ TEST_F(Exchange, DoesNotTakeAKnownNameOfAnotherNamespaceOrOfNoneForAnOperation) 
     }
 }
 
-TEST_F(Exchange, AnswersWhatCannotBeParsedWithOneFault) {
+TEST_F(Exchange, AnswersAnUnparsableBodyWithAFault) {
     for (auto const* body : {"", "no xml", "<s:Envelope", "<html/>"}) {
         auto const reply = Post(body);
         EXPECT_GE(reply.status, 400) << body;
@@ -218,7 +218,7 @@ protected:
     }
 };
 
-TEST_F(RequestBound, IsOnTheLevelsOfElements) {
+TEST_F(RequestBound, LimitsElementDepth) {
     auto const nested = [](std::size_t levels) {
         return "<tev:CreatePullPointSubscription><tev:Filter>" + Repeated(levels, "<tt:a>") +
                Repeated(levels, "</tt:a>") +
@@ -237,7 +237,7 @@ TEST_F(RequestBound, IsNotOnTheLevelsOfElementsThatAreSkipped) {
               200);
 }
 
-TEST_F(RequestBound, IsOnTheLengthOfAText) {
+TEST_F(RequestBound, LimitsTextLength) {
     auto const with = [](std::size_t length) {
         return "<tr2:GetProfiles><tr2:Token>" + std::string(length, 'a') + "</tr2:Token></tr2:GetProfiles>";
     };
@@ -245,7 +245,7 @@ TEST_F(RequestBound, IsOnTheLengthOfAText) {
     EXPECT_EQ(Ask(with(1024 * 1024 + 1)).status, 400);
 }
 
-TEST_F(RequestBound, IsOnTheWholeMessage) {
+TEST_F(RequestBound, LimitsMessageSize) {
     auto const with = [](std::size_t bytes) {
         return "<tds:GetHostname>" + Repeated(bytes / 16, "<x>01234567</x> ") + "</tds:GetHostname>";
     };
@@ -253,7 +253,7 @@ TEST_F(RequestBound, IsOnTheWholeMessage) {
     EXPECT_GE(Ask(with(17 * 1024 * 1024)).status, 400);
 }
 
-TEST_F(RequestBound, IsNotOnTheElementsOfAListWhichAreAllRead) {
+TEST_F(RequestBound, DoesNotLimitListElements) {
     constexpr std::size_t Many = 100'000;
     auto const with = [](std::string const& operation, std::string const& elements) {
         return "<q:" + operation + " xmlns:q='http://www.onvif.org/ver20/media/wsdl'>" + elements + "</q:" + operation +
@@ -268,7 +268,7 @@ TEST_F(RequestBound, IsNotOnTheElementsOfAListWhichAreAllRead) {
                 HasSubstr("Not supported"));
 }
 
-TEST_F(RequestBound, IsOnTheAttributesAndNamespaces) {
+TEST_F(RequestBound, LimitsAttributesAndNamespaces) {
     auto const with = [](std::size_t count, std::string const& name, std::string const& value) {
         std::string operation = "<tds:GetHostname";
         for (std::size_t i = 0; i < count; ++i) operation += " " + name + std::to_string(i) + value;
@@ -292,7 +292,7 @@ TEST_F(RequestBound, IsAlsoOnWhatAnOperationThatIsNotServedSkips) {
     EXPECT_EQ(AskAnonymously(with(513)).status, 400);
 }
 
-TEST_F(RequestBound, IsOnWhatIsSentAndNotInflated) {
+TEST_F(RequestBound, RefusesCompressedBodies) {
     auto const reply = Post(Envelope("<tds:GetHostname/>"), {.fields = {{"Content-Encoding", "gzip"}}});
     EXPECT_EQ(reply.status, 415);
     EXPECT_EQ(Post(Envelope("<tds:GetHostname/>"), {.fields = {{"content-encoding", "Identity"}}}).status, 200);
@@ -306,7 +306,7 @@ TEST_F(Exchange, ExpandsNoEntity) {
     EXPECT_THAT(reply.text, Not(HasSubstr("expanded")));
 }
 
-TEST_F(Exchange, GivesTheFirstOfTheTwoFaultsThatARefusedOperationWrites) {
+TEST_F(Exchange, ReturnsOnlyOneFaultForARefusedOperation) {
     auto const reply = AskAnonymously("<tds:GetUsers/>");
     EXPECT_EQ(reply.status, 401);
     EXPECT_THAT(reply.text, Not(HasSubstr("HTTP/1.1")));
@@ -353,7 +353,7 @@ TEST_F(Exchange, HandlesManyRequestsAtOnce) {
 
 class Fault : public DeviceFixture {};
 
-TEST_F(Fault, QuotesTheNamesOfARequestInCharactersOfXml) {
+TEST_F(Fault, ReplacesInvalidXmlCharactersInQuotedNames) {
     for (std::string const name : {"\xE0", "a\xff\xfe", "\xEF\xBF\xBE"}) {
         auto const reply =
             Post("<s:Envelope xmlns:s='http://www.w3.org/2003/05/soap-envelope'><s:" + name + "Body/></s:Envelope>");
@@ -374,7 +374,7 @@ TEST_F(Fault, OfAnOperationAnswersARequestOfSoap11InItsForm) {
 
 class Header : public DeviceFixture {};
 
-TEST_F(Header, RelatesTheAnswerToTheMessageAndCarriesNothingElseOfTheClients) {
+TEST_F(Header, ContainsOnlyRelatesToInTheResponse) {
     auto const reply =
         Ask("<tds:GetHostname/>", {.header = "<a:MessageID>urn:uuid:1</a:MessageID><a:To>urn:device</a:To>"
                                              "<a:Action>urn:action</a:Action>"
@@ -384,12 +384,12 @@ TEST_F(Header, RelatesTheAnswerToTheMessageAndCarriesNothingElseOfTheClients) {
     EXPECT_EQ(reply.Select("//SOAP-ENV:Header/*").size(), 1U);
 }
 
-TEST_F(Header, IsAbsentFromTheAnswerToAMessageWithoutId) {
+TEST_F(Header, IsAbsentFromTheResponseToAMessageWithoutId) {
     EXPECT_FALSE(Ask("<tds:GetHostname/>", {.header = "<a:To>urn:device</a:To>"}).Has("//SOAP-ENV:Header"));
     EXPECT_FALSE(Ask("<tds:GetHostname/>").Has("//SOAP-ENV:Header"));
 }
 
-TEST_F(Header, IsAbsentFromTheAnswerToAMessageWhoseIdXmlCannotCarry) {
+TEST_F(Header, IsAbsentFromTheResponseToAnIdInvalidInXml) {
     for (std::string const id : {"&#1;", "urn:&#x1B;[0m", "urn:&#xFFFE;", "urn:\xEF\xBF\xBF"}) {
         auto const reply = Ask("<tds:GetHostname/>", {.header = "<a:MessageID>" + id + "</a:MessageID>"});
         EXPECT_EQ(reply.status, 200) << id;
@@ -397,7 +397,7 @@ TEST_F(Header, IsAbsentFromTheAnswerToAMessageWhoseIdXmlCannotCarry) {
     }
 }
 
-TEST_F(Header, RelatesTheAnswerToAnIdOfAnyLanguageAndOverLines) {
+TEST_F(Header, RelatesTheResponseToAnIdInAnyLanguage) {
     auto const reply = Ask("<tds:GetHostname/>", {.header = "<a:MessageID>urn:\tGr\u00fcn\n</a:MessageID>"});
     EXPECT_THAT(reply.Text("//wsa5:RelatesTo"), testing::HasSubstr("Gr\u00fcn"));
 }
@@ -410,7 +410,7 @@ TEST_F(Header, RelatesAFaultToo) {
 constexpr char SecurityNamespace[] =
     "http://docs.oasis-open.org/wss/2004/01/oasis-200401-wss-wssecurity-secext-1.0.xsd";
 
-TEST_F(Header, MayHoldSecurityThatMustBeUnderstoodUnderAnyPrefix) {
+TEST_F(Header, MayHoldMandatorySecurityUnderAnyPrefix) {
     for (std::string const prefix : {"wsse", "x"}) {
         auto const reply =
             Ask("<tds:GetHostname/>",
@@ -429,7 +429,7 @@ TEST_F(Header, MayHoldSecurityInTheDefaultNamespace) {
               200);
 }
 
-TEST_F(Header, MustNotHoldAnythingElseThatMustBeUnderstood) {
+TEST_F(Header, MustNotHoldOtherMandatoryElements) {
     for (auto const* header : {"<x:Security s:mustUnderstand='1' xmlns:x='urn:other'/>",
                                "<x:Other s:mustUnderstand='1' xmlns:x='urn:other'/>",
                                "<wsse:Other s:mustUnderstand='1' xmlns:wsse='http://docs.oasis-open.org/wss/2004/01/"
@@ -439,7 +439,7 @@ TEST_F(Header, MustNotHoldAnythingElseThatMustBeUnderstood) {
             << header;
 }
 
-TEST_F(Header, MayHoldUnknownThingsThatNeedNotBeUnderstood) {
+TEST_F(Header, MayHoldUnknownOptionalElements) {
     EXPECT_EQ(Ask("<tds:GetHostname/>", {.header = "<x:Other xmlns:x='urn:other'>text</x:Other>"}).status, 200);
 }
 

@@ -60,7 +60,7 @@ private:
 
 constexpr char NoEncoderOptions[] = "<tr2:GetVideoEncoderConfigurationOptionsResponse/>";
 
-TEST_F(Media2Options, OfAnEncoderAreItsEncodingSizeAndOneBitrateRange) {
+TEST_F(Media2Options, OfAnEncoderAreEncodingResolutionAndBitrateRange) {
     EXPECT_THAT(AskForEncoder(Configuration("channels.2")),
                 Answers(R"(<tr2:GetVideoEncoderConfigurationOptionsResponse><tr2:Options>
                     <tt:Encoding>H265</tt:Encoding>
@@ -71,7 +71,7 @@ TEST_F(Media2Options, OfAnEncoderAreItsEncodingSizeAndOneBitrateRange) {
                 </tr2:Options></tr2:GetVideoEncoderConfigurationOptionsResponse>)"));
 }
 
-TEST_F(Media2Options, OfAnEncoderAreNoneWithoutATokenOrWithAnEmptyOne) {
+TEST_F(Media2Options, OfAnEncoderAreEmptyWithoutAToken) {
     channelInfo = nullptr;
     EXPECT_THAT(AskForEncoder(""), Answers(NoEncoderOptions));
     EXPECT_THAT(AskForEncoder(Profile("")), Answers(NoEncoderOptions));
@@ -84,7 +84,7 @@ TEST_F(Media2Options, PreferTheProfileToken) {
     EXPECT_EQ(AskForSource(both).Text("//tt:VideoSourceTokensAvailable"), "channels.2");
 }
 
-TEST_F(Media2Options, PreferAlsoAnEmptyProfileToken) {
+TEST_F(Media2Options, PreferEvenAnEmptyProfileToken) {
     auto const both = Configuration("channels.1") + Profile("");
     EXPECT_THAT(AskForEncoder(both), Answers(NoEncoderOptions));
     EXPECT_THAT(AskForSource(both), Answers(AnySource(Available("channels.1") + Available("channels.2"))));
@@ -106,18 +106,18 @@ TEST_F(Media2Options, KeepTheWhiteSpaceOfAToken) {
     EXPECT_EQ(AskForSource(Profile(" channels.2 ")).Text("//tt:VideoSourceTokensAvailable"), " channels.2 ");
 }
 
-TEST_F(Media2Options, OfAnUnknownTokenAreThoseOfNoVideo) {
+TEST_F(Media2Options, OfAnUnknownTokenHaveZeroResolution) {
     EXPECT_THAT(AskForEncoder(Profile("channels.99")).Texts("//tr2:Options/*[not(self::tt:BitrateRange)]//text()"),
                 ElementsAre("1", "1", "0", "0"));
     EXPECT_THAT(AskForSource(Profile("nowhere")), Answers(Source("0", "0", Available("nowhere"))));
 }
 
-TEST_F(Media2Options, OfASourceAreTheWholePictureAndTheTokenItself) {
+TEST_F(Media2Options, OfASourceAreTheWholePictureAndItsToken) {
     EXPECT_THAT(AskForSource(Configuration("channels.1")), Answers(Source("1920", "1080", Available("channels.1"))));
     EXPECT_THAT(AskForSource(Profile("channels.2")), Answers(Source("1280", "720", Available("channels.2"))));
 }
 
-TEST_F(Media2Options, OfASourceKeepTheBitsOfAPictureSizeThatTheSchemaCannotTell) {
+TEST_F(Media2Options, OfASourceWrapAPictureSizeAboveInt32) {
     videos["1"] = VideoInfo({4294967295U, 2147483648U}, "", 0, 1);
     EXPECT_THAT(AskForSource(Profile("channels.1")), Answers(Source("-1", "-2147483648", Available("channels.1"))));
 }
@@ -136,12 +136,12 @@ TEST_F(Media2Options, OfASourceAreAnyBoundsAndEveryChannelWithoutAToken) {
     EXPECT_THAT(AskForSource(Configuration("")), any);
 }
 
-TEST_F(Media2Options, OfASourceNameNoChannelWhenThereIsNone) {
+TEST_F(Media2Options, OfASourceListNoTokensWithoutChannels) {
     Configure(R"({"channels": {}})");
     EXPECT_THAT(AskForSource(""), Answers(AnySource("")));
 }
 
-TEST_F(Media2Options, OfASourceAreReadUnderTheLockWithoutAToken) {
+TEST_F(Media2Options, OfASourceWithoutATokenWaitForTheConfigurationLock) {
     auto lock = std::make_optional(root->GetLock());
     auto reply = std::async(std::launch::async, [this] { return AskForSource(""); });
     EXPECT_EQ(reply.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
@@ -149,7 +149,7 @@ TEST_F(Media2Options, OfASourceAreReadUnderTheLockWithoutAToken) {
     EXPECT_EQ(reply.get().status, 200);
 }
 
-TEST_F(Media2Options, OfASourceEndInAnExceptionWhenTheChannelsAreNoCollection) {
+TEST_F(Media2Options, OfASourceThrowWhenTheChannelsAreNotACollection) {
     root = std::make_shared<configuration::node::Root>();
     EXPECT_THROW(AskForSource(""), std::future_error) << "missing";
     root->Schema({Schema("channels.1.name", "Gate", "a map, not a collection")});

@@ -12,7 +12,7 @@ using testing::IsEmpty;
 
 class Media2 : public DeviceFixture {};
 
-TEST_F(Media2, TellsItsCapabilitiesWithoutCredentials) {
+TEST_F(Media2, ReportsItsCapabilitiesWithoutCredentials) {
     EXPECT_THAT(AskAnonymously("<tr2:GetServiceCapabilities/>"), Answers(R"(
         <tr2:GetServiceCapabilitiesResponse><tr2:Capabilities SnapshotUri="true">
           <tr2:ProfileCapabilities MaximumNumberOfProfiles="2147483647"
@@ -90,7 +90,7 @@ TEST_F(Media2, ListsOneAnalyticsConfigurationPerChannelWithoutModulesAndRules) {
                         Yard.Analytics("tr2:Configurations") + "</tr2:GetAnalyticsConfigurationsResponse>"));
 }
 
-TEST_F(Media2, ListsEveryConfigurationWhateverTokensTheRequestCarries) {
+TEST_F(Media2, ListsEveryConfigurationForAnyToken) {
     for (std::string const operation : {"GetVideoSourceConfigurations", "GetVideoEncoderConfigurations",
                                         "GetMetadataConfigurations", "GetAnalyticsConfigurations"})
         for (auto const* tokens : {"<tr2:ConfigurationToken>channels.2</tr2:ConfigurationToken>",
@@ -102,33 +102,33 @@ TEST_F(Media2, ListsEveryConfigurationWhateverTokensTheRequestCarries) {
                 << operation << tokens;
 }
 
-TEST_F(Media2, TellsAnEmptyEncodingForACodecWithoutHyphenAndSlash) {
+TEST_F(Media2, ReportsAnEmptyEncodingForACodecWithoutHyphenOrSlash) {
     videos["1"] = VideoInfo({1, 1}, "h264", 25, 1);
     videos.erase("2");
     EXPECT_THAT(AskAnonymously("<tr2:GetVideoEncoderConfigurations/>").Texts("//tt:Encoding"), ElementsAre("", ""));
 }
 
-TEST_F(Media2, TellsWhateverTheCodecsTextEndsInAsTheEncoding) {
+TEST_F(Media2, ReportsTheSuffixOfTheCodecAsTheEncoding) {
     videos["1"] = VideoInfo({1, 1}, "image/jpeg", 25, 1);
     videos["2"] = VideoInfo({1, 1}, "video/x-<&ü>", 25, 1);
     EXPECT_THAT(AskAnonymously("<tr2:GetVideoEncoderConfigurations/>").Texts("//tt:Encoding"),
                 ElementsAre("JPEG", "<&ü>"));
 }
 
-TEST_F(Media2, LimitsTheFrameRateAlikeWhateverTheChannels) {
+TEST_F(Media2, ReportsTheSameFrameRateLimitForEveryChannel) {
     videos["1"] = VideoInfo({1, 1}, "", 5, 1);
     videos["2"] = VideoInfo({1, 1}, "", -60, 0);
     EXPECT_THAT(AskAnonymously("<tr2:GetVideoEncoderConfigurations/>").Texts("//tt:FrameRateLimit"),
                 ElementsAre("15", "15"));
 }
 
-TEST_F(Media2, CopiesAnEmptyPictureAsItIs) {
+TEST_F(Media2, ReportsAnUnknownPictureSizeAsZero) {
     videos.clear();
     EXPECT_THAT(AskAnonymously("<tr2:GetVideoEncoderConfigurations/>").Texts("//tt:Resolution/*"),
                 ElementsAre("0", "0", "0", "0"));
 }
 
-TEST_F(Media2, KeepsTheBitsOfAPictureSizeThatTheSchemaCannotTell) {
+TEST_F(Media2, WrapsAPictureSizeAboveInt32) {
     videos["1"] = VideoInfo({4294967295U, 2147483648U}, "", 0, 1);
     EXPECT_THAT(
         AskAnonymously("<tr2:GetVideoEncoderConfigurations/>").Texts("//tr2:Configurations[1]//tt:Resolution/*"),
@@ -167,7 +167,7 @@ std::string const AllOfYard = "<tr2:Configurations>" + Yard.VideoSource("tr2:Vid
                               Yard.VideoEncoder("tr2:VideoEncoder") + Yard.Analytics("tr2:Analytics") +
                               Yard.Metadata("tr2:Metadata") + "</tr2:Configurations>";
 
-TEST_F(Media2Profiles, HaveNoConfigurationsWhenNoTypeIsAskedFor) {
+TEST_F(Media2Profiles, HaveNoConfigurationsWithoutARequestedType) {
     EXPECT_THAT(AskForTypes({}), Answers(Response(Gate.Profile("") + Yard.Profile(""))));
 }
 
@@ -177,7 +177,7 @@ TEST_F(Media2Profiles, HaveEveryConfigurationWhenTheFirstTypeIsAll) {
     EXPECT_THAT(AskForTypes({"All", "Metadata", "PTZ"}), all);
 }
 
-TEST_F(Media2Profiles, HaveTheConfigurationsThatAreAskedFor) {
+TEST_F(Media2Profiles, HaveTheRequestedConfigurations) {
     EXPECT_THAT(AskForTypes({"VideoEncoder"}, "channels.2"),
                 Answers(Response(Yard.Profile("<tr2:Configurations>" + Yard.VideoEncoder("tr2:VideoEncoder") +
                                               "</tr2:Configurations>"))));
@@ -189,12 +189,12 @@ TEST_F(Media2Profiles, HaveTheConfigurationsThatAreAskedFor) {
     EXPECT_THAT(Kinds({"Metadata", "Metadata"}), ElementsAre("tr2:Metadata"));
 }
 
-TEST_F(Media2Profiles, TakeAllFurtherDownTheListForANameThatNobodyKnows) {
+TEST_F(Media2Profiles, IgnoreTypeAllUnlessItComesFirst) {
     EXPECT_THAT(Kinds({"Metadata", "All"}), ElementsAre("tr2:Metadata"));
     EXPECT_THAT(Kinds({"PTZ", "All"}), IsEmpty());
 }
 
-TEST_F(Media2Profiles, HaveAnEmptySetWhenNoTypeIsKnown) {
+TEST_F(Media2Profiles, HaveAnEmptySetWhenEveryTypeIsUnknown) {
     auto const empty = Answers(Response(Gate.Profile("<tr2:Configurations/>") + Yard.Profile("<tr2:Configurations/>")));
     EXPECT_THAT(AskForTypes({"AudioSource", "AudioEncoder", "AudioOutput", "AudioDecoder", "PTZ", "Receiver"}), empty);
     EXPECT_THAT(AskForTypes({"all", "ALL", "videosource", "VideoSource2", " Metadata x", "Meta data"}), empty);
@@ -220,12 +220,12 @@ TEST_F(Media2Profiles, AreTheOnesOfTheFirstOfTwoTokens) {
                 Answers(Response(Yard.Profile(""))));
 }
 
-TEST_F(Media2Profiles, AreTheOneWithTheTokenThatIsAskedFor) {
+TEST_F(Media2Profiles, AreOnlyTheOneWithTheRequestedToken) {
     EXPECT_THAT(AskForTypes({}, "channels.2"), Answers(Response(Yard.Profile(""))));
     EXPECT_THAT(AskForTypes({"All"}, "channels.1"), Answers(Response(Gate.Profile(AllOfGate))));
 }
 
-TEST_F(Media2Profiles, AreNoneForATokenThatMatchesNoChannel) {
+TEST_F(Media2Profiles, AreEmptyForAnUnknownToken) {
     for (std::string const token : {"channels.3", "1", "channels", "channels.", "Channels.1", "channels.1.name", "..",
                                     "&lt;channels.1&gt;", "名"})
         EXPECT_THAT(AskForTypes({"All"}, token), Answers("<tr2:GetProfilesResponse/>")) << token;
@@ -237,7 +237,7 @@ TEST_F(Media2Profiles, AreAllForAnEmptyToken) {
                 Answers(Response(Gate.Profile("") + Yard.Profile(""))));
 }
 
-TEST_F(Media2Profiles, AskForTheSelectedChannelsOnlyAlsoWhenNoTypeNeedsThem) {
+TEST_F(Media2Profiles, RequestVideoInfoOfTheSelectedChannelsOnly) {
     std::vector<std::string> asked;
     channelInfo = [&](std::string const& id) {
         asked.push_back(id);
@@ -251,7 +251,7 @@ TEST_F(Media2Profiles, AskForTheSelectedChannelsOnlyAlsoWhenNoTypeNeedsThem) {
 
 // Options
 
-TEST_F(Media2, OffersOneMetadataOptionWhateverTheTokens) {
+TEST_F(Media2, OffersOneMetadataOptionForAnyToken) {
     for (auto const* tokens : {"", "<tr2:ProfileToken>channels.1</tr2:ProfileToken>",
                                "<tr2:ConfigurationToken>none</tr2:ConfigurationToken>"})
         EXPECT_THAT(AskAnonymously(std::string("<tr2:GetMetadataConfigurationOptions>") + tokens +

@@ -23,7 +23,7 @@ constexpr auto Smallest = std::numeric_limits<std::int32_t>::min();
 
 class Media : public DeviceFixture {};
 
-TEST_F(Media, TellsItsCapabilitiesWithoutCredentials) {
+TEST_F(Media, ReportsItsCapabilitiesWithoutCredentials) {
     EXPECT_THAT(AskAnonymously("<trt:GetServiceCapabilities/>"), Answers(R"(
         <trt:GetServiceCapabilitiesResponse><trt:Capabilities SnapshotUri="true">
           <trt:ProfileCapabilities MaximumNumberOfProfiles="2147483647"/>
@@ -72,7 +72,7 @@ TEST_F(Media, ListsOneProfilePerChannelWithItsVideoAndMetadataConfigurations) {
                         Element("trt:Profiles", "channels.2", YardProfile) + "</trt:GetProfilesResponse>"));
 }
 
-TEST_F(Media, TellsOneProfileAsTheListDoes) {
+TEST_F(Media, ReturnsASingleProfileAsListed) {
     EXPECT_THAT(AskAnonymously("<trt:GetProfile><trt:ProfileToken>channels.2</trt:ProfileToken></trt:GetProfile>"),
                 Answers("<trt:GetProfileResponse>" + Element("trt:Profile", "channels.2", YardProfile) +
                         "</trt:GetProfileResponse>"));
@@ -86,7 +86,7 @@ TEST_F(Media, ListsOneVideoSourceConfigurationPerChannel) {
                         "</trt:GetVideoSourceConfigurationsResponse>"));
 }
 
-TEST_F(Media, TellsOneVideoSourceConfigurationAsTheListDoes) {
+TEST_F(Media, ReturnsASingleVideoSourceConfigurationAsListed) {
     EXPECT_THAT(AskAnonymously("<trt:GetVideoSourceConfiguration><trt:ConfigurationToken>channels.1"
                                "</trt:ConfigurationToken></trt:GetVideoSourceConfiguration>"),
                 Answers("<trt:GetVideoSourceConfigurationResponse>" +
@@ -94,7 +94,7 @@ TEST_F(Media, TellsOneVideoSourceConfigurationAsTheListDoes) {
                         "</trt:GetVideoSourceConfigurationResponse>"));
 }
 
-TEST_F(Media, ListsOneVideoEncoderConfigurationPerChannelThatClaimsH264WhateverTheCodec) {
+TEST_F(Media, ListsOneH264EncoderConfigurationPerChannelForAnyCodec) {
     ASSERT_EQ(videos.at("2").GetCodec(), "video/x-h265");
     EXPECT_THAT(AskAnonymously("<trt:GetVideoEncoderConfigurations/>"),
                 Answers("<trt:GetVideoEncoderConfigurationsResponse>" +
@@ -103,7 +103,7 @@ TEST_F(Media, ListsOneVideoEncoderConfigurationPerChannelThatClaimsH264WhateverT
                         "</trt:GetVideoEncoderConfigurationsResponse>"));
 }
 
-TEST_F(Media, TellsOneVideoEncoderConfigurationAsTheListDoes) {
+TEST_F(Media, ReturnsASingleVideoEncoderConfigurationAsListed) {
     EXPECT_THAT(AskAnonymously("<trt:GetVideoEncoderConfiguration><trt:ConfigurationToken>channels.2"
                                "</trt:ConfigurationToken></trt:GetVideoEncoderConfiguration>"),
                 Answers("<trt:GetVideoEncoderConfigurationResponse>" +
@@ -111,14 +111,14 @@ TEST_F(Media, TellsOneVideoEncoderConfigurationAsTheListDoes) {
                         "</trt:GetVideoEncoderConfigurationResponse>"));
 }
 
-TEST_F(Media, CopiesAnEmptyPictureAsItIs) {
+TEST_F(Media, ReportsAnUnknownPictureSizeAsZero) {
     videos.clear();
     auto const reply = AskAnonymously("<trt:GetProfiles/>");
     EXPECT_THAT(reply.Texts("//tt:Bounds/@*"), ElementsAre("0", "0", "0", "0", "0", "0", "0", "0"));
     EXPECT_THAT(reply.Texts("//tt:Resolution/*"), ElementsAre("0", "0", "0", "0"));
 }
 
-TEST_F(Media, KeepsTheBitsOfAPictureSizeThatTheSchemaCannotTell) {
+TEST_F(Media, WrapsAPictureSizeAboveInt32) {
     videos["1"] = VideoInfo({4294967295U, 2147483648U}, "", 0, 1);
     videos["2"] = VideoInfo({2147483647U, 1U}, "", 0, 1);
     auto const reply = AskAnonymously("<trt:GetProfiles/>");
@@ -126,7 +126,7 @@ TEST_F(Media, KeepsTheBitsOfAPictureSizeThatTheSchemaCannotTell) {
     EXPECT_THAT(reply.Texts("//tt:Resolution/*"), ElementsAre("-1", "-2147483648", "2147483647", "1"));
 }
 
-TEST_F(Media, EscapesAPathThatHoldsNothingToEscapeAndTheNameThatDoes) {
+TEST_F(Media, EscapesTheNameAndKeepsThePath) {
     Configure(R"({"channels": {"a-B_1": {"name": "<&>\"'"}}})");
     EXPECT_THAT(AskAnonymously("<trt:GetVideoSourceConfigurations/>"),
                 Answers(R"(<trt:GetVideoSourceConfigurationsResponse><trt:Configurations token="channels.a-B_1">
@@ -138,7 +138,7 @@ TEST_F(Media, EscapesAPathThatHoldsNothingToEscapeAndTheNameThatDoes) {
 
 // Options
 
-TEST_F(Media, OffersTheQualityAndThePictureSizeOfTheChannelAsEncoderOptions) {
+TEST_F(Media, OffersQualityAndPictureSizeAsEncoderOptions) {
     EXPECT_THAT(AskAnonymously("<trt:GetVideoEncoderConfigurationOptions><trt:ConfigurationToken>channels.2"
                                "</trt:ConfigurationToken></trt:GetVideoEncoderConfigurationOptions>"),
                 Answers(R"(<trt:GetVideoEncoderConfigurationOptionsResponse><trt:Options>
@@ -148,7 +148,7 @@ TEST_F(Media, OffersTheQualityAndThePictureSizeOfTheChannelAsEncoderOptions) {
                 </trt:Options></trt:GetVideoEncoderConfigurationOptionsResponse>)"));
 }
 
-TEST_F(Media, OffersAnEmptyPictureForAnUnknownOrEmptyConfigurationToken) {
+TEST_F(Media, OffersZeroResolutionForAnUnknownOrEmptyToken) {
     for (auto const* token : {"channels.99", ""}) {
         auto const reply =
             AskAnonymously(std::string("<trt:GetVideoEncoderConfigurationOptions><trt:ConfigurationToken>") + token +
@@ -162,7 +162,7 @@ constexpr char QualityAlone[] = R"(
       <tt:QualityRange><tt:Min>1</tt:Min><tt:Max>1</tt:Max></tt:QualityRange>
     </trt:Options></trt:GetVideoEncoderConfigurationOptionsResponse>)";
 
-TEST_F(Media, OffersTheQualityAloneWithoutAConfigurationTokenAndAsksForNoChannel) {
+TEST_F(Media, OffersOnlyTheQualityWithoutAConfigurationToken) {
     channelInfo = nullptr;
     EXPECT_THAT(AskAnonymously("<trt:GetVideoEncoderConfigurationOptions/>"), Answers(QualityAlone));
     EXPECT_THAT(AskAnonymously("<trt:GetVideoEncoderConfigurationOptions><trt:ProfileToken>channels.1"
@@ -170,14 +170,14 @@ TEST_F(Media, OffersTheQualityAloneWithoutAConfigurationTokenAndAsksForNoChannel
                 Answers(QualityAlone));
 }
 
-TEST_F(Media, PrefersNoProfileTokenToTheConfigurationTokenForEncoderOptions) {
+TEST_F(Media, UsesTheConfigurationTokenForEncoderOptions) {
     auto const reply = AskAnonymously(
         "<trt:GetVideoEncoderConfigurationOptions><trt:ConfigurationToken>channels.2</trt:ConfigurationToken>"
         "<trt:ProfileToken>channels.1</trt:ProfileToken></trt:GetVideoEncoderConfigurationOptions>");
     EXPECT_THAT(reply.Texts("//tt:ResolutionsAvailable/*"), ElementsAre("1280", "720"));
 }
 
-TEST_F(Media, AcceptsTheQuestionForVideoSourceOptionsAndOffersNone) {
+TEST_F(Media, OffersNoVideoSourceOptions) {
     for (auto const* content : {"", "<trt:ConfigurationToken>channels.1</trt:ConfigurationToken>",
                                 "<trt:ProfileToken>nothing</trt:ProfileToken>"})
         EXPECT_THAT(AskAnonymously(std::string("<trt:GetVideoSourceConfigurationOptions>") + content +
@@ -214,12 +214,12 @@ TEST_F(MediaVideoSources, AreListedOnePerChannelWithTheirRateAndSize) {
         </trt:GetVideoSourcesResponse>)"));
 }
 
-TEST_F(MediaVideoSources, AreNoneWithoutChannels) {
+TEST_F(MediaVideoSources, AreEmptyWithoutChannels) {
     Configure(R"({"channels": {}})");
     EXPECT_THAT(Ask("<trt:GetVideoSources/>"), Answers("<trt:GetVideoSourcesResponse/>"));
 }
 
-TEST_F(MediaVideoSources, RunAtFifteenFramesAtMost) {
+TEST_F(MediaVideoSources, CapTheRateAtFifteenFramesPerSecond) {
     EXPECT_EQ(Rate(30000, 1001), "15");
     EXPECT_EQ(Rate(16, 1), "15");
     EXPECT_EQ(Rate(15, 1), "15");
@@ -227,7 +227,7 @@ TEST_F(MediaVideoSources, RunAtFifteenFramesAtMost) {
     EXPECT_EQ(Rate(Largest, 1), "15");
 }
 
-TEST_F(MediaVideoSources, LoseTheFractionOfTheirRate) {
+TEST_F(MediaVideoSources, TruncateTheRateToAnInteger) {
     EXPECT_EQ(Rate(10, 1), "10");
     EXPECT_EQ(Rate(25, 2), "12");
     EXPECT_EQ(Rate(15000, 1001), "14");
@@ -251,13 +251,13 @@ TEST_F(MediaVideoSources, HaveNoRateWhenTheDenominatorIsZero) {
     EXPECT_EQ(Rate(0, 1), "0");
 }
 
-TEST_F(MediaVideoSources, SurviveTheQuotientThatNoIntHolds) {
+TEST_F(MediaVideoSources, SurviveARateThatOverflows) {
     EXPECT_EQ(Rate(Smallest, -1), "15");
     EXPECT_EQ(Rate(Smallest, Smallest), "1");
     EXPECT_EQ(Rate(Largest, Smallest), "0");
 }
 
-TEST_F(MediaVideoSources, AskForEachChannelInOrderWithoutTheLockOfTheConfiguration) {
+TEST_F(MediaVideoSources, RequestVideoInfoInOrderWithoutTheConfigurationLock) {
     std::vector<std::string> asked;
     channelInfo = [&](std::string const& id) {
         asked.push_back(id);
@@ -276,14 +276,14 @@ TEST_F(MediaVideoSources, NeedNoNames) {
     EXPECT_EQ(Ask("<trt:GetVideoSources/>").Text("//trt:VideoSources/@token"), "channels.1");
 }
 
-TEST_F(MediaVideoSources, EndInAnExceptionWhenTheChannelsAreNoCollection) {
+TEST_F(MediaVideoSources, ThrowWhenTheChannelsAreNotACollection) {
     root = std::make_shared<configuration::node::Root>();
     EXPECT_THROW(Ask("<trt:GetVideoSources/>"), std::future_error) << "missing";
     root->Schema({Schema("channels.1.name", "Gate", "a map, not a collection")});
     EXPECT_THROW(Ask("<trt:GetVideoSources/>"), std::future_error) << "a map";
 }
 
-TEST_F(MediaVideoSources, EndInAnExceptionWhenNobodyDescribesChannels) {
+TEST_F(MediaVideoSources, ThrowWithoutAVideoInfoCallback) {
     channelInfo = nullptr;
     EXPECT_THROW(Ask("<trt:GetVideoSources/>"), std::future_error);
 }
@@ -295,7 +295,7 @@ TEST_F(MediaVideoSources, AreRefusedWithoutCredentialsBeforeAnythingIsRead) {
     EXPECT_THAT(Ask("<trt:GetVideoSources/>", {.password = "wrong"}), IsChallenge(authentication::Realm));
 }
 
-TEST_F(MediaVideoSources, AreToldToEverybodyWhileTheHostRequiresNoCredentials) {
+TEST_F(MediaVideoSources, AreListedWithoutCredentialsWhileTheHostRequiresNone) {
     engine.SetEnabled(false);
     EXPECT_EQ(AskAnonymously("<trt:GetVideoSources/>").status, 200);
 }

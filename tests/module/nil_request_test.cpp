@@ -14,7 +14,7 @@ bool AnswersDiffer(bindings::Operation const& operation) {
 class NilRequest : public DeviceFixture {};
 
 /// gSOAP hands the operation a null pointer for it.
-TEST_F(NilRequest, IsAnsweredAsAnEmptyOneIs) {
+TEST_F(NilRequest, IsAnsweredLikeAnEmptyRequest) {
     for (auto const& operation : bindings::Operations) {
         if (!operation.IsServed() || AnswersDiffer(operation)) continue;
         auto const element = std::string(operation.prefix) + ":" + std::string(operation.name);

@@ -25,7 +25,7 @@ TEST_F(PullPointAnswer, ToTheCreationHoldsTheAddressAndTheTimes) {
         </tev:CreatePullPointSubscriptionResponse>)"));
 }
 
-TEST_F(PullPointAnswer, ToAPullHoldsTheTimesAlsoWhenThereIsNothing) {
+TEST_F(PullPointAnswer, ToAnEmptyPullHoldsTheTimes) {
     EXPECT_THAT(Masked(Pull(Subscribe())), Answers(R"(
         <tev:PullMessagesResponse>
           <tev:CurrentTime>@TIME@</tev:CurrentTime>
@@ -66,7 +66,7 @@ TEST_F(PullPointAnswer, ToARenewalHoldsTheTimes) {
         </wsnt:RenewResponse>)"));
 }
 
-TEST_F(PullPointAnswer, HoldsTenThousandMessagesInTheirOrder) {
+TEST_F(PullPointAnswer, HoldsTenThousandMessagesInOrder) {
     auto const path = Subscribe();
     std::vector<std::string> names;
     for (int i = 0; i < 10'000; ++i) Publish(MakeFieldEvent(names.emplace_back(std::to_string(i))));

@@ -87,7 +87,7 @@ protected:
     }
 };
 
-TEST_F(PullPointRace, OfTheFirstClientsGivesEachAnIdOfItsOwnAndEveryEventOnce) {
+TEST_F(PullPointRace, OfTheFirstClientsYieldsUniqueIdsAndNoDuplicateEvents) {
     Manager(); // which nobody but this thread makes
     std::set<std::string> paths;
     for (auto const& some : RunAtOnce(8, [this] {
@@ -102,7 +102,7 @@ TEST_F(PullPointRace, OfTheFirstClientsGivesEachAnIdOfItsOwnAndEveryEventOnce) {
     for (auto const& path : paths) EXPECT_THAT(GetRules(Pull(path)), ElementsAre("one")) << path;
 }
 
-TEST_F(PullPointRace, OfTheFirstServicesLetsThemRegisterOnce) {
+TEST_F(PullPointRace, OfTheFirstServicesRegistersOnce) {
     // The services themselves, whose first steps are nearer to each other than those of requests.
     using service::onvif::EventsService;
     std::latch ready(8);
@@ -117,7 +117,7 @@ TEST_F(PullPointRace, OfTheFirstServicesLetsThemRegisterOnce) {
     EXPECT_THAT(GetRules(Pull(path)), ElementsAre("one"));
 }
 
-TEST_F(PullPointRace, OfItsEndWithARenewalLetsTheRenewedLive) {
+TEST_F(PullPointRace, OfExpiryWithRenewalKeepsTheSubscription) {
     TimersThread thread;
     auto const renewed = Subscribe(Termination("2001-01-01T00:00:00Z"));
     auto const other = Subscribe(Termination("2001-01-01T00:00:00Z"));
@@ -129,7 +129,7 @@ TEST_F(PullPointRace, OfItsEndWithARenewalLetsTheRenewedLive) {
     EXPECT_THAT(Pull(other), IsNotFound());
 }
 
-TEST_F(PullPointRace, OfItsEndWithItsUnsubscriptionEndsItAlone) {
+TEST_F(PullPointRace, OfExpiryWithUnsubscribeEndsOnlyThatSubscription) {
     TimersThread thread;
     auto const path = Subscribe(Termination("2001-01-01T00:00:00Z"));
     auto const other = Subscribe();
@@ -142,7 +142,7 @@ TEST_F(PullPointRace, OfItsEndWithItsUnsubscriptionEndsItAlone) {
     EXPECT_EQ(Pull(next).status, 200);
 }
 
-TEST_F(PullPointRace, OfAPullWithItsUnsubscriptionGivesWhatItHas) {
+TEST_F(PullPointRace, OfAPullWithUnsubscribeReturnsTheEventsSoFar) {
     constexpr std::size_t Count = 10'000;
     // An unsubscription that gets no processor until all is pulled comes too late: then try again.
     std::size_t pulled = Count;
@@ -162,7 +162,7 @@ TEST_F(PullPointRace, OfAPullWithItsUnsubscriptionGivesWhatItHas) {
     EXPECT_LT(pulled, Count);
 }
 
-TEST_F(PullPointRace, OfSeveralWhoPullGivesEachEventToOneOfThemInOrder) {
+TEST_F(PullPointRace, OfSeveralPullsDeliversEachEventOnceInOrder) {
     constexpr int Count = 400;
     auto const path = Subscribe();
     std::atomic<bool> published = false;
@@ -213,7 +213,7 @@ protected:
     }
 };
 
-TEST_F(PullPointDeathTest, EndsWithItsProcess) {
+TEST_F(PullPointDeathTest, DoesNotCrashOnProcessExit) {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
     for (int i = 0; i < 5; ++i) EXPECT_EXIT(ExitInTheMidst(), testing::ExitedWithCode(0), "");
 }

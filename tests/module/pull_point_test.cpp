@@ -74,7 +74,7 @@ protected:
     }
 };
 
-TEST_F(PullPoint, IsCreatedForFiveMinutesUnlessAskedOtherwise) {
+TEST_F(PullPoint, LastsFiveMinutesByDefault) {
     auto const begin = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
     auto const reply = Create("");
     EXPECT_EQ(reply.status, 200);
@@ -93,7 +93,7 @@ TEST_F(PullPoint, LastsUntilAnAbsoluteTime) {
     EXPECT_EQ(Create(Termination("1969-12-31T23:59:58.5Z")).Text("//wsnt:TerminationTime"), "1969-12-31T23:59:59Z");
 }
 
-TEST_F(PullPoint, LastsToTheEndOfTheClockForWhoAsksForMore) {
+TEST_F(PullPoint, CapsItsLifetimeAtTheEndOfTheClock) {
     for (auto const* text : {"P292Y", "P400Y", "9999-12-31T23:59:59Z"}) {
         auto const reply = Create(Termination(text));
         EXPECT_EQ(reply.Text("//wsnt:TerminationTime"), "2262-04-11T23:47:16Z") << text;
@@ -106,7 +106,7 @@ TEST_F(PullPoint, LastsToTheEndOfTheClockForWhoAsksForMore) {
     EXPECT_TRUE(EndsSoon(Subscribe(Termination("-P400Y"))));
 }
 
-TEST_F(PullPoint, OfTheWholePathHasIdsThatAscend) {
+TEST_F(PullPoint, HasAscendingIds) {
     auto const first = Subscribe();
     EXPECT_THAT(first, MatchesRegex("/onvif/events_service/Subscription\\?Idx=[0-9]+"));
     EXPECT_EQ(GetId(Subscribe()), GetId(first) + 1);
@@ -133,7 +133,7 @@ TEST_F(PullPoint, AnswersWithItsAction) {
     EXPECT_FALSE(Renew(Subscribe(), "PT10S").Has("//wsa5:Action"));
 }
 
-TEST_F(PullPoint, AnswersWithItsActionAlsoToWhoDoesNotLogIn) {
+TEST_F(PullPoint, AnswersWithItsActionEvenWithoutCredentials) {
     Sending const anonymous{.path = Subscribe(), .authenticated = false};
     EXPECT_EQ(Ask("<tev:CreatePullPointSubscription/>", anonymous).Text(Action),
               "http://www.onvif.org/ver10/events/wsdl/EventPortType/CreatePullPointSubscriptionResponse");
@@ -143,7 +143,7 @@ TEST_F(PullPoint, AnswersWithItsActionAlsoToWhoDoesNotLogIn) {
     EXPECT_FALSE(Ask("<wsnt:Unsubscribe/>", anonymous).Has(Action));
 }
 
-TEST_F(PullPoint, AnswersWithItsActionToWhoSentOne) {
+TEST_F(PullPoint, AnswersWithItsActionWhenTheRequestHasOne) {
     Sending const withAction{.path = Subscribe(),
                              .header = "<a:Action>a</a:Action><a:MessageID>urn:uuid:1</a:MessageID>"};
     EXPECT_EQ(Ask("<tev:PullMessages><tev:Timeout>PT0S</tev:Timeout></tev:PullMessages>", withAction).Text(Action),
@@ -158,7 +158,7 @@ TEST_F(PullPoint, AnswersWithItsActionToWhoSentOne) {
     EXPECT_EQ(reply.Text("//SOAP-ENV:Header/wsa5:RelatesTo"), "urn:uuid:1");
 }
 
-TEST_F(PullPoint, IsForThoseWhoLogIn) {
+TEST_F(PullPoint, RequiresCredentials) {
     auto const path = Subscribe();
     Publish(MakeFieldEvent("one"));
     for (std::string const operation :
@@ -176,7 +176,7 @@ TEST_F(PullPoint, IsForThoseWhoLogIn) {
     EXPECT_EQ(GetId(Subscribe()), GetId(path) + 1);
 }
 
-TEST_F(PullPoint, BreaksItsPromiseForTimesThatAreNone) {
+TEST_F(PullPoint, ThrowsForInvalidTerminationTimes) {
     auto const path = Subscribe();
     auto const count = onvif::events::GetSubscriptions().size();
     for (auto const* text : {"P", "-PT5S", "PT5X", "tomorrow", "2026-13-01T00:00:00Z"}) {
@@ -187,12 +187,12 @@ TEST_F(PullPoint, BreaksItsPromiseForTimesThatAreNone) {
     EXPECT_EQ(GetId(Subscribe()), GetId(path) + 1);
 }
 
-TEST_F(PullPoint, TakesAnEmptyEndForNone) {
+TEST_F(PullPoint, UsesTheDefaultForAnEmptyTerminationTime) {
     ExpectLifetime(300s, [&] { return Create(Termination("")); });
     ExpectLifetime(300s, [&] { return Renew(Subscribe(Termination("PT10S")), ""); });
 }
 
-TEST_F(PullPoint, LetsWhiteSpaceStandAroundItsEnd) {
+TEST_F(PullPoint, IgnoresWhiteSpaceAroundTheTerminationTime) {
     for (auto const* text : {" PT60S", "PT60S ", "\n\t  PT60S\r\n"}) {
         ExpectLifetime(
             60s, [&] { return Create(Termination(text)); }, text);
@@ -203,7 +203,7 @@ TEST_F(PullPoint, LetsWhiteSpaceStandAroundItsEnd) {
     ExpectLifetime(300s, [&] { return Create(Termination(" \n ")); });
 }
 
-TEST_F(PullPoint, ShowsTheHostHowManyEventsItKeeps) {
+TEST_F(PullPoint, ReportsHowManyEventsAreQueued) {
     auto const path = Subscribe();
     auto const queued = [&] {
         std::optional<std::size_t> count;
@@ -220,7 +220,7 @@ TEST_F(PullPoint, ShowsTheHostHowManyEventsItKeeps) {
     EXPECT_EQ(queued(), std::nullopt);
 }
 
-TEST_F(PullPoint, ReadsAnEndThatHasPassedAsTheEnd) {
+TEST_F(PullPoint, ExpiresAtOnceWithATerminationTimeInThePast) {
     EXPECT_TRUE(EndsSoon(Subscribe(Termination("2001-01-01T00:00:00Z"))));
 }
 
@@ -247,7 +247,7 @@ TEST_F(PullPoint, FaultsForAnUnknownId) {
     }
 }
 
-TEST_F(PullPoint, TakesTheNumberAtTheBeginningOfWhatFollowsTheMarker) {
+TEST_F(PullPoint, ReadsTheIdFromTheLeadingDigitsAfterIdx) {
     auto const path = Subscribe();
     auto const id = std::to_string(GetId(path));
     for (auto const& text : {id + "abc", "+" + id, "00" + id, id + "&x=y", id + "?Subscription?Idx=7"}) {
@@ -255,7 +255,7 @@ TEST_F(PullPoint, TakesTheNumberAtTheBeginningOfWhatFollowsTheMarker) {
     }
 }
 
-TEST_F(PullPoint, GivesWhatHappenedSinceItsCreation) {
+TEST_F(PullPoint, DeliversOnlyEventsSinceItsCreation) {
     Publish(MakeFieldEvent("before"));
     auto const path = Subscribe();
     EXPECT_THAT(GetRules(Pull(path)), IsEmpty());
@@ -265,7 +265,7 @@ TEST_F(PullPoint, GivesWhatHappenedSinceItsCreation) {
     EXPECT_THAT(GetRules(Pull(path)), IsEmpty());
 }
 
-TEST_F(PullPoint, GivesEveryClientEveryEvent) {
+TEST_F(PullPoint, DeliversEveryEventToEverySubscription) {
     auto const first = Subscribe();
     auto const second = Subscribe();
     Publish(MakeFieldEvent("one"));
@@ -273,7 +273,7 @@ TEST_F(PullPoint, GivesEveryClientEveryEvent) {
     EXPECT_THAT(GetRules(Pull(second)), ElementsAre("one"));
 }
 
-TEST_F(PullPoint, TellsItsEndWithEveryAnswer) {
+TEST_F(PullPoint, ReportsItsTerminationTimeWithEveryPull) {
     auto const path = Subscribe(Termination("2061-07-28T12:30:00Z"));
     auto const reply = Pull(path);
     EXPECT_EQ(reply.Text("//tev:PullMessagesResponse/tev:TerminationTime"), "2061-07-28T12:30:00Z");
@@ -282,7 +282,7 @@ TEST_F(PullPoint, TellsItsEndWithEveryAnswer) {
                 AllOf(Ge(0s), Le(60s)));
 }
 
-TEST_F(PullPoint, GivesNoMoreMessagesThanAskedFor) {
+TEST_F(PullPoint, DeliversAtMostTheMessageLimit) {
     auto const path = Subscribe();
     for (auto const* name : {"one", "two", "three"}) Publish(MakeFieldEvent(name));
     EXPECT_THAT(GetRules(Pull(path, 0)), IsEmpty());
@@ -292,7 +292,7 @@ TEST_F(PullPoint, GivesNoMoreMessagesThanAskedFor) {
     EXPECT_THAT(GetRules(Pull(path)), ElementsAre("three"));
 }
 
-TEST_F(PullPoint, DropsEventsThatHaveNoMessage) {
+TEST_F(PullPoint, DropsEventsWithoutAMessage) {
     auto const path = Subscribe();
     Publish(MakeEvent("presence"));
     Publish(MakeEvent("no such type"));
@@ -301,13 +301,13 @@ TEST_F(PullPoint, DropsEventsThatHaveNoMessage) {
     EXPECT_THAT(GetRules(Pull(path)), IsEmpty());
 }
 
-TEST_F(PullPoint, AnswersAtOnceWhenThereIsSomethingThatHasNoMessage) {
+TEST_F(PullPoint, AnswersAtOnceWhenOnlyAnEventWithoutAMessageIsQueued) {
     auto const path = Subscribe();
     Publish(MakeEvent("no such type"));
     EXPECT_THAT(GetRules(Pull(path, 1, "PT1H")), IsEmpty());
 }
 
-TEST_F(PullPoint, LetsThroughTheTopicsOfItsFilter) {
+TEST_F(PullPoint, DeliversOnlyTheTopicsOfItsFilter) {
     auto const path =
         Subscribe(Filter(Topics("tns1:RuleEngine/LineDetector/Crossed|tns1:RuleEngine/CountAggregation/Counter")));
     Publish(MakeFieldEvent("field"));
@@ -318,7 +318,7 @@ TEST_F(PullPoint, LetsThroughTheTopicsOfItsFilter) {
     EXPECT_THAT(GetTopics(Pull(path)), IsEmpty());
 }
 
-TEST_F(PullPoint, TakesAFilterOfAnyLength) {
+TEST_F(PullPoint, AcceptsAFilterOfAnyLength) {
     std::string many = "tns1:RuleEngine/LineDetector/Crossed" + std::string(400'000, '|');
     for (int i = 0; i < 10'000; ++i) many += "a/topic/" + std::to_string(i) + '|';
     auto const path = Subscribe(Filter(Topics(many + "tns1:RuleEngine/CountAggregation/Counter")));
@@ -329,7 +329,7 @@ TEST_F(PullPoint, TakesAFilterOfAnyLength) {
     for (int i = 0; i < 100; ++i) EXPECT_EQ(Pull(path).status, 200);
 }
 
-TEST_F(PullPoint, DoesNotCountWhatItsFilterHoldsBack) {
+TEST_F(PullPoint, DoesNotCountFilteredEventsTowardsTheLimit) {
     auto const path = Subscribe(Filter(Topics("tns1:RuleEngine/LineDetector/Crossed")));
     Publish(MakeFieldEvent("field"));
     Publish(MakeCrossing("first"));
@@ -348,7 +348,7 @@ TEST_F(PullPoint, ComparesTopicsExactly) {
     }
 }
 
-TEST_F(PullPoint, TakesTheLastElementOfItsFilter) {
+TEST_F(PullPoint, UsesTheLastElementOfItsFilter) {
     auto const both = Subscribe(
         Filter(Topics("tns1:RuleEngine/FieldDetector/ObjectsInside") + Topics("tns1:RuleEngine/LineDetector/Crossed")));
     auto const content = Subscribe(Filter(Topics("tns1:RuleEngine/FieldDetector/ObjectsInside") +
@@ -417,7 +417,7 @@ TEST_F(PullPoint, LeavesLoiteringBehindTheLastCountedMessageForTheNextPull) {
     EXPECT_THAT(GetRules(Pull(path, 1)), ElementsAre("dwell", "second"));
 }
 
-TEST_F(PullPoint, LooksAtTheTextOfItsFilterAlone) {
+TEST_F(PullPoint, IgnoresDialectAndElementNameOfItsFilter) {
     auto const dialect =
         Subscribe(Filter("<wsnt:TopicExpression Dialect='urn:x'>a||tns1:RuleEngine/LineDetector/Crossed"
                          "</wsnt:TopicExpression>"));
@@ -429,7 +429,7 @@ TEST_F(PullPoint, LooksAtTheTextOfItsFilterAlone) {
     EXPECT_THAT(GetRules(Pull(content)), ElementsAre("line"));
 }
 
-TEST_F(PullPoint, GivesLoiteringToEveryoneAndDoesNotCountIt) {
+TEST_F(PullPoint, DeliversLoiteringPastFilterAndLimit) {
     auto const path = Subscribe(Filter(Topics("tns1:RuleEngine/LineDetector/Crossed")));
     for (auto const* name : {"dwell", "stopped", "aggressive-behaviour"}) Publish(MakeEvent(name, name));
     Publish(MakeCrossing("first"));
@@ -438,7 +438,7 @@ TEST_F(PullPoint, GivesLoiteringToEveryoneAndDoesNotCountIt) {
     EXPECT_THAT(GetRules(Pull(path, 1)), ElementsAre("second"));
 }
 
-TEST_F(PullPoint, IsGoneOnceUnsubscribed) {
+TEST_F(PullPoint, EndsOnUnsubscribe) {
     auto const path = Subscribe();
     auto const reply = Unsubscribe(path);
     EXPECT_EQ(reply.status, 200);
@@ -448,16 +448,16 @@ TEST_F(PullPoint, IsGoneOnceUnsubscribed) {
     EXPECT_THAT(Renew(path, "PT10S"), IsNotFound());
 }
 
-TEST_F(PullPoint, EndsAtItsTime) { EXPECT_TRUE(EndsSoon(Subscribe(Termination("PT0.1S")))); }
+TEST_F(PullPoint, EndsAtItsTerminationTime) { EXPECT_TRUE(EndsSoon(Subscribe(Termination("PT0.1S")))); }
 
-TEST_F(PullPoint, DoesNotLastLongerForBeingPulled) {
+TEST_F(PullPoint, KeepsItsTerminationTimeWhenPulled) {
     auto const path = Subscribe(Termination("2061-07-28T12:30:00Z"));
     Publish(MakeFieldEvent());
     Pull(path);
     EXPECT_EQ(Pull(path).Text("//tev:TerminationTime"), "2061-07-28T12:30:00Z");
 }
 
-TEST_F(PullPoint, IsRenewed) {
+TEST_F(PullPoint, MovesItsTerminationTimeOnRenew) {
     auto const path = Subscribe(Termination("PT1M"));
     EXPECT_LT(chrono::FromIso8601(Pull(path).Text("//tev:TerminationTime")),
               std::chrono::system_clock::now() + 1min + 1s);
@@ -471,7 +471,7 @@ TEST_F(PullPoint, IsRenewed) {
     EXPECT_TRUE(EndsSoon(path));
 }
 
-TEST_F(PullPoint, IsRenewedByNil) {
+TEST_F(PullPoint, AcceptsNilRequestsExceptForPullMessages) {
     auto const path = Subscribe();
     constexpr auto nil = "xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance' xsi:nil='true'";
     ExpectLifetime(5min, [&] {
@@ -482,14 +482,14 @@ TEST_F(PullPoint, IsRenewedByNil) {
     EXPECT_THROW(Ask(std::string("<tev:PullMessages ") + nil + "/>", {.path = path}), std::future_error);
 }
 
-TEST_F(PullPoint, OutlivesTheManagerThatMadeIt) {
+TEST_F(PullPoint, OutlivesItsManager) {
     auto const path = Subscribe();
     ReplaceManager();
     Publish(MakeFieldEvent("one"));
     EXPECT_THAT(GetRules(Pull(path)), ElementsAre("one"));
 }
 
-TEST_F(PullPoint, AcceptsSynchronizationAndTellsItsCapabilitiesToEverybody) {
+TEST_F(PullPoint, SynchronizesAndReportsCapabilitiesWithoutCredentials) {
     EXPECT_EQ(AskAnonymously("<tev:SetSynchronizationPoint/>").Message(), "<tev:SetSynchronizationPointResponse/>");
     EXPECT_THAT(AskAnonymously("<tev:GetServiceCapabilities/>"), Answers(R"(
         <tev:GetServiceCapabilitiesResponse>

@@ -45,7 +45,7 @@ protected:
     static Reply GetReply(Exchange const& exchange) { return ToReply(WaitFor(*exchange)); }
 };
 
-TEST_F(PullPointWait, LastsNoLongerThanAsked) {
+TEST_F(PullPointWait, EndsAtTheTimeout) {
     auto const path = Subscribe();
     auto const begin = Clock::now();
     auto const reply = Pull(path, 1, "PT0.3S");
@@ -56,33 +56,33 @@ TEST_F(PullPointWait, LastsNoLongerThanAsked) {
     EXPECT_THAT(GetRules(reply), IsEmpty());
 }
 
-TEST_F(PullPointWait, IsOverWhenTheAnswerTellsTheTime) {
+TEST_F(PullPointWait, EndsBeforeTheCurrentTimeIsTaken) {
     auto const path = Subscribe();
     auto const begin = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
     EXPECT_GE(chrono::FromIso8601(Pull(path, 1, "PT1.1S").Text("//tev:CurrentTime")), begin + 1s);
 }
 
-TEST_F(PullPointWait, IsNoneForASpanThatIsOverOrForNoMessages) {
+TEST_F(PullPointWait, IsSkippedForANegativeTimeoutOrAZeroLimitWithEvents) {
     auto const path = Subscribe();
     EXPECT_EQ(Pull(path, 1, "-PT1H").status, 200);
     Publish(MakeFieldEvent());
     EXPECT_EQ(Pull(path, 0, "PT1H").status, 200);
 }
 
-TEST_F(PullPointWait, IsThereAlsoForWhoWantsNoMessage) {
+TEST_F(PullPointWait, LastsUntilTheTimeoutEvenWithAZeroLimit) {
     auto const begin = Clock::now();
     EXPECT_EQ(Pull(Subscribe(), 0, "PT0.3S").status, 200);
     EXPECT_GE(Clock::now() - begin, 300ms);
 }
 
-TEST_F(PullPointWait, LooksAtTheTimeoutOnlyWhenThereIsNothing) {
+TEST_F(PullPointWait, ReadsTheTimeoutOnlyWithoutQueuedEvents) {
     auto const path = Subscribe();
     Publish(MakeFieldEvent("one"));
     EXPECT_THAT(GetRules(Pull(path, 1, "soon")), ElementsAre("one"));
     EXPECT_THROW(Pull(path, 1, "soon"), std::future_error);
 }
 
-TEST_F(PullPointWait, EndsAlsoWithAnEventThatTheFilterHoldsBack) {
+TEST_F(PullPointWait, EndsEvenWithAFilteredEvent) {
     auto const path = Subscribe(
         "<tev:Filter><wsnt:TopicExpression>tns1:RuleEngine/LineDetector/Crossed</wsnt:TopicExpression></tev:Filter>");
     auto const reply = BeginToWait(path);
@@ -104,7 +104,7 @@ TEST_F(PullPointWait, EndsForEverySubscriptionWithOneEvent) {
     for (auto& client : clients) EXPECT_THAT(GetRules(GetReply(client)), ElementsAre("one"));
 }
 
-TEST_F(PullPointWait, LastsAsLongAsTheClockDoes) {
+TEST_F(PullPointWait, AcceptsATimeoutBeyondTheClock) {
     for (auto const* timeout : {"P292Y", "P400Y"}) {
         auto const path = Subscribe();
         auto const reply = BeginToWait(path, timeout);
@@ -114,19 +114,19 @@ TEST_F(PullPointWait, LastsAsLongAsTheClockDoes) {
     EXPECT_EQ(Pull(Subscribe(), 1, "-P400Y").status, 200);
 }
 
-TEST_F(PullPointWait, EndsWhenTheSubscriptionIsUnsubscribed) {
+TEST_F(PullPointWait, EndsOnUnsubscribe) {
     auto const path = Subscribe();
     auto const reply = BeginToWait(path);
     EXPECT_EQ(Unsubscribe(path).status, 200);
     EXPECT_THAT(GetReply(reply), IsNotFound());
 }
 
-TEST_F(PullPointWait, EndsWhenTheTimeOfTheSubscriptionIsOver) {
+TEST_F(PullPointWait, EndsWhenTheSubscriptionExpires) {
     auto const path = Subscribe(Termination("PT0.2S"));
     EXPECT_THAT(Pull(path, 1, "PT1H"), IsNotFound());
 }
 
-TEST_F(PullPointWait, OfTwoEndsForOneWhenASingleEventComes) {
+TEST_F(PullPointWait, OfTwoClientsEndsForOneOnASingleEvent) {
     auto const path = Subscribe();
     std::vector<Exchange> clients;
     for (int i = 0; i < 2; ++i) clients.push_back(BeginToWait(path));
@@ -143,7 +143,7 @@ TEST_F(PullPointWait, OfTwoEndsForOneWhenASingleEventComes) {
     EXPECT_THAT(GetRules(GetReply(clients[1])), ElementsAre("two"));
 }
 
-TEST_F(PullPointWait, EndsForAllWhenTheSubscriptionEnds) {
+TEST_F(PullPointWait, EndsForEveryClientWhenTheSubscriptionExpires) {
     auto const path = Subscribe();
     std::vector<Exchange> clients;
     for (int i = 0; i < 4; ++i) clients.push_back(BeginToWait(path));
@@ -151,7 +151,7 @@ TEST_F(PullPointWait, EndsForAllWhenTheSubscriptionEnds) {
     for (auto& client : clients) EXPECT_THAT(GetReply(client), IsNotFound());
 }
 
-TEST_F(PullPointWait, GoesOnWhenAnotherSubscriptionEnds) {
+TEST_F(PullPointWait, ContinuesWhenAnotherSubscriptionEnds) {
     auto const path = Subscribe();
     auto const other = Subscribe();
     auto const client = BeginToWait(path);
@@ -161,7 +161,7 @@ TEST_F(PullPointWait, GoesOnWhenAnotherSubscriptionEnds) {
     EXPECT_THAT(GetRules(GetReply(client)), ElementsAre("one"));
 }
 
-TEST_F(PullPointWait, GoesOnOverARenewalAndTellsTheEndThatStoodBefore) {
+TEST_F(PullPointWait, ContinuesAfterRenewAndReportsTheOldTerminationTime) {
     auto const path = Subscribe(Termination("2061-07-28T12:30:00Z"));
     auto const client = BeginToWait(path);
     EXPECT_EQ(Renew(path, "2071-07-28T12:30:00Z").status, 200);
@@ -183,7 +183,7 @@ TEST_F(PullPointWait, OfAHundredClientsEndsWithTheirManager) {
     for (auto& reply : replies) EXPECT_EQ(WaitFor(*reply).GetStatus(), protocol::network::http::response::Status::Ok);
 }
 
-TEST_F(PullPointWait, EndsWithTheManagerAsItDoesAtItsTime) {
+TEST_F(PullPointWait, EndsWithItsManagerAsAtTheTimeout) {
     auto const reply = PostPull(Subscribe(Termination("2061-07-28T12:30:00Z")), 1, "PT1H");
     ASSERT_TRUE(OthersSleep(1));
     EXPECT_EQ(reply->GetData().GetState(), web::response::State::NotReady);
@@ -198,7 +198,7 @@ TEST_F(PullPointWait, EndsWithTheManagerAsItDoesAtItsTime) {
                 AllOf(Ge(begin), Le(std::chrono::system_clock::now())));
 }
 
-TEST_F(PullPointWait, GoesOnInOneManagerWhenAnotherEnds) {
+TEST_F(PullPointWait, ContinuesInOneManagerWhenAnotherEnds) {
     auto const path = Subscribe();
     Manager();
     auto first = std::make_unique<service::onvif::Manager>(&engine, root, channelInfo, identity);

@@ -11,7 +11,7 @@ namespace {
 
 class UnservedOperation : public DeviceFixture {};
 
-TEST_F(UnservedOperation, AnswersNotSupportedWithoutCredentialsAndWithWrongOnes) {
+TEST_F(UnservedOperation, AnswersNotSupportedWithoutValidCredentials) {
     auto const notSupported = IsFault("Receiver", "Not supported", {"ter:ActionNotSupported"});
     for (auto const& operation : bindings::Operations) {
         if (operation.IsServed() || !operation.HasElement()) continue;
@@ -21,7 +21,7 @@ TEST_F(UnservedOperation, AnswersNotSupportedWithoutCredentialsAndWithWrongOnes)
     }
 }
 
-TEST_F(UnservedOperation, ReadsNothingOfItsRequest) {
+TEST_F(UnservedOperation, IgnoresItsRequest) {
     EXPECT_THAT(AskAnonymously("<tds:CreateUsers><tds:User><anything xmlns='urn:x' a='1'>text</anything></tds:User>"
                                "</tds:CreateUsers>"),
                 IsFault("Receiver", "Not supported", {"ter:ActionNotSupported"}));

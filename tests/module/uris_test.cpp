@@ -47,17 +47,17 @@ private:
     }
 };
 
-TEST_P(Uris, OfAStreamAreTheTokensPathOnTheRtspPort) {
+TEST_P(Uris, OfAStreamUseTheTokenAsPathOnTheRtspPort) {
     EXPECT_EQ(Uri(Stream("channels.1")), "rtsp://" + address + ":8554/channels/1");
     EXPECT_EQ(Uri(Stream("a.b.c")), "rtsp://" + address + ":8554/a/b/c");
 }
 
-TEST_P(Uris, OfASnapshotAreTheChannelsOnTheWebPort) {
+TEST_P(Uris, OfASnapshotUseTheChannelIdOnTheWebPort) {
     EXPECT_EQ(Uri(Snapshot("channels.1")), "http://" + address + ":8080/snapshot/1/latest.jpeg");
     EXPECT_EQ(Uri(Snapshot("a.b.c")), "http://" + address + ":8080/snapshot/c/latest.jpeg");
 }
 
-TEST_P(Uris, WriteEveryPortAlsoTheDefaultsAndExtremes) {
+TEST_P(Uris, ContainEveryPortIncludingDefaultsAndExtremes) {
     for (auto const port : std::to_array<std::uint16_t>({0, 80, 443, 554, 65535})) {
         SetPort("settings.rtsp_port", port);
         SetPort("settings.web_port", port);
@@ -67,12 +67,12 @@ TEST_P(Uris, WriteEveryPortAlsoTheDefaultsAndExtremes) {
     }
 }
 
-TEST_P(Uris, TakeThePortsFromTheConfigurationAndNotFromTheRunningServer) {
+TEST_P(Uris, UseTheConfiguredPortNotThatOfTheRunningServer) {
     Manager().UpdateServerPort(9999);
     EXPECT_EQ(Uri(Snapshot("channels.1")), "http://" + address + ":8080/snapshot/1/latest.jpeg");
 }
 
-TEST_P(Uris, OfASnapshotAreSecureWhileTheServerSpeaksTls) {
+TEST_P(Uris, OfASnapshotUseHttpsWhileTlsIsOn) {
     Manager().UpdateSSLState(true);
     EXPECT_EQ(Uri(Snapshot("channels.1")), "https://" + address + ":8080/snapshot/1/latest.jpeg");
     EXPECT_EQ(Uri(Stream("channels.1")), "rtsp://" + address + ":8554/channels/1");
@@ -80,12 +80,12 @@ TEST_P(Uris, OfASnapshotAreSecureWhileTheServerSpeaksTls) {
     EXPECT_EQ(Uri(Snapshot("channels.1")), "http://" + address + ":8080/snapshot/1/latest.jpeg");
 }
 
-TEST_P(Uris, TakeATokenWithoutADotForTheWholePathAndId) {
+TEST_P(Uris, UseATokenWithoutADotAsPathAndId) {
     EXPECT_EQ(Uri(Stream("gate")), "rtsp://" + address + ":8554/gate");
     EXPECT_EQ(Uri(Snapshot("gate")), "http://" + address + ":8080/snapshot/gate/latest.jpeg");
 }
 
-TEST_P(Uris, TakeATokenThatEndsInADotForAnEmptyId) {
+TEST_P(Uris, HaveAnEmptyIdForATokenThatEndsInADot) {
     EXPECT_EQ(Uri(Stream("channels.")), "rtsp://" + address + ":8554/channels/");
     EXPECT_EQ(Uri(Snapshot("channels.")), "http://" + address + ":8080/snapshot//latest.jpeg");
 }
@@ -97,7 +97,7 @@ TEST_P(Uris, AreBuiltForAnEmptyOrMissingToken) {
     EXPECT_EQ(Uri(Ask("<" + prefix + "GetSnapshotUri/>")), "http://" + address + ":8080/snapshot//latest.jpeg");
 }
 
-TEST_P(Uris, AreBuiltForAnyTokenAsItIs) {
+TEST_P(Uris, ContainAnyTokenUnescaped) {
     EXPECT_EQ(Uri(Stream("channels.99")), "rtsp://" + address + ":8554/channels/99");
     EXPECT_EQ(Uri(Stream("..")), "rtsp://" + address + ":8554///");
     EXPECT_EQ(Uri(Snapshot("../x")), "http://" + address + ":8080/snapshot//x/latest.jpeg");
@@ -106,7 +106,7 @@ TEST_P(Uris, AreBuiltForAnyTokenAsItIs) {
     EXPECT_EQ(Uri(Snapshot(token)), "http://" + address + ":8080/snapshot/" + token + "/latest.jpeg");
 }
 
-TEST_P(Uris, NeedNoChannelsAndNoDescriptions) {
+TEST_P(Uris, NeedNeitherChannelsNorVideoInfo) {
     root = std::make_shared<configuration::node::Root>();
     root->Schema({Schema("settings.web_port", std::uint16_t{80}, "port"),
                   Schema("settings.rtsp_port", std::uint16_t{554}, "port")});
@@ -115,7 +115,7 @@ TEST_P(Uris, NeedNoChannelsAndNoDescriptions) {
     EXPECT_EQ(Uri(Snapshot("channels.1")), "http://" + address + ":80/snapshot/1/latest.jpeg");
 }
 
-TEST_P(Uris, TakeNoLockOfTheConfiguration) {
+TEST_P(Uris, DoNotLockTheConfiguration) {
     Manager();
     auto lock = std::make_optional(root->GetLock());
     auto statuses = std::async(
@@ -125,13 +125,13 @@ TEST_P(Uris, TakeNoLockOfTheConfiguration) {
     EXPECT_EQ(statuses.get(), std::pair(200, 200));
 }
 
-TEST_P(Uris, EndInAnExceptionWhenTheirPortIsMissing) {
+TEST_P(Uris, ThrowWhenTheirPortIsMissing) {
     root = std::make_shared<configuration::node::Root>();
     EXPECT_THROW(Stream("channels.1"), std::future_error);
     EXPECT_THROW(Snapshot("channels.1"), std::future_error);
 }
 
-TEST_P(Uris, EndInAnExceptionWhenTheirPortIsNoUnsignedSixteenBitNumber) {
+TEST_P(Uris, ThrowWhenTheirPortIsNotAPortNumber) {
     root = std::make_shared<configuration::node::Root>();
     root->Schema(
         {Schema("settings.web_port", 80, "a signed number"), Schema("settings.rtsp_port.number", "554", "a map")});
@@ -154,7 +154,7 @@ TEST_P(Uris, AreRefusedWithoutCredentialsBeforeAnythingIsRead) {
     }
 }
 
-TEST_P(Uris, AreToldToEverybodyWhileTheHostRequiresNoCredentials) {
+TEST_P(Uris, AreReturnedWithoutCredentialsWhileTheHostRequiresNone) {
     engine.SetEnabled(false);
     EXPECT_EQ(Uri(Stream("channels.1", {.authenticated = false})), "rtsp://" + address + ":8554/channels/1");
     EXPECT_EQ(Snapshot("channels.1", {.authenticated = false}).status, 200);
@@ -178,7 +178,7 @@ TEST_F(UriMessages, OfMediaStreamsNeverBecomeInvalid) {
                 Answers(Stream));
 }
 
-TEST_F(UriMessages, OfMediaStreamsAreAlikeForEveryTransport) {
+TEST_F(UriMessages, OfMediaStreamsAreTheSameForEveryTransport) {
     for (std::string const stream : {"RTP-Unicast", "RTP-Multicast"})
         for (std::string const protocol : {"UDP", "TCP", "RTSP", "HTTP"})
             EXPECT_THAT(Ask("<trt:GetStreamUri><trt:StreamSetup><tt:Stream>" + stream +
@@ -211,7 +211,7 @@ TEST_F(UriMessages, OfMediaSnapshotsNeverBecomeInvalid) {
                 </trt:MediaUri></trt:GetSnapshotUriResponse>)"));
 }
 
-TEST_F(UriMessages, OfMedia2StreamsAreTheAddressAloneForEveryProtocol) {
+TEST_F(UriMessages, OfMedia2StreamsContainOnlyTheUriForEveryProtocol) {
     for (std::string const protocol : {"RtspUnicast", "RtspMulticast", "RTSP", "RtspOverHttp", "", "anything"})
         EXPECT_THAT(Ask("<tr2:GetStreamUri><tr2:Protocol>" + protocol +
                         "</tr2:Protocol><tr2:ProfileToken>channels.1</tr2:ProfileToken></tr2:GetStreamUri>"),
@@ -220,7 +220,7 @@ TEST_F(UriMessages, OfMedia2StreamsAreTheAddressAloneForEveryProtocol) {
             << protocol;
 }
 
-TEST_F(UriMessages, OfMedia2SnapshotsAreTheAddressAlone) {
+TEST_F(UriMessages, OfMedia2SnapshotsContainOnlyTheUri) {
     EXPECT_THAT(Ask("<tr2:GetSnapshotUri><tr2:ProfileToken>channels.1</tr2:ProfileToken></tr2:GetSnapshotUri>"),
                 Answers("<tr2:GetSnapshotUriResponse><tr2:Uri>http://@ADDRESS@:8080/snapshot/1/latest.jpeg</tr2:Uri>"
                         "</tr2:GetSnapshotUriResponse>"));

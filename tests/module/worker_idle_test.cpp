@@ -28,7 +28,7 @@ std::size_t CountWorkers() {
 
 class Workers : public PullPointFixture {};
 
-TEST_F(Workers, GoTenSecondsAfterTheirExchangesHaveEndedAllButOne) {
+TEST_F(Workers, EndTenSecondsAfterTheirExchangesExceptForOne) {
     constexpr std::size_t Count = 16;
     std::vector<std::shared_ptr<web::response::Pending>> replies;
     while (replies.size() < Count) replies.push_back(PostPull(Subscribe(), 1, "PT1H"));

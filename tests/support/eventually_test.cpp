@@ -15,7 +15,7 @@ TEST(Eventually, EndsWithTheFirstCheckThatHolds) {
     EXPECT_EQ(checks, 3);
 }
 
-TEST(Eventually, ChecksOnceWhenThereIsNoTime) {
+TEST(Eventually, ChecksOnceWithATimeoutOfZero) {
     int checks = 0;
     EXPECT_FALSE(Eventually(
         [&] {

@@ -34,7 +34,7 @@ std::string GetError(Function function) {
     }
 }
 
-TEST(AtomicFile, HoldsWhatWasWrittenLast) {
+TEST(AtomicFile, ContainsTheLastWrite) {
     TemporaryFolder const folder;
     WriteFileAtomically(folder / "a", "old and longer");
     WriteFileAtomically(folder / "a", "new");
@@ -42,7 +42,7 @@ TEST(AtomicFile, HoldsWhatWasWrittenLast) {
     EXPECT_EQ(CountFiles(folder), 1U);
 }
 
-TEST(AtomicFile, IsForItsOwnerOnlyWhenItIsNew) {
+TEST(AtomicFile, IsCreatedReadableByItsOwnerOnly) {
     TemporaryFolder const folder;
     WriteFileAtomically(folder / "a", "x");
     EXPECT_EQ(GetMode(folder / "a"), 0600U);
@@ -65,7 +65,7 @@ TEST(AtomicFile, IsFoundThroughASymbolicLink) {
     EXPECT_EQ(folder.Read("real"), "new");
 }
 
-TEST(AtomicFile, StaysAsItWasWhenItCannotBeReplaced) {
+TEST(AtomicFile, StaysUnchangedWhenItCannotBeReplaced) {
     TemporaryFolder const folder;
     std::filesystem::create_directory(folder / "a");
     EXPECT_THAT(GetError([&] { WriteFileAtomically(folder / "a", "x"); }), HasSubstr(folder / "a"));
@@ -84,13 +84,13 @@ TEST(AtomicFile, NamesThePathThatCannotBeRead) {
     EXPECT_THAT(GetError([&] { ReadWholeFile(folder.GetPath()); }), HasSubstr("Is a directory"));
 }
 
-TEST(AtomicFile, IsNotWaitedForWhenItIsAPipe) {
+TEST(AtomicFile, RefusesToReadAPipe) {
     TemporaryFolder const folder;
     ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
     EXPECT_THAT(GetError([&] { ReadWholeFile(folder / "pipe"); }), HasSubstr("is not a regular file"));
 }
 
-TEST(AtomicFile, IsNotReadWhenItIsTooLong) {
+TEST(AtomicFile, RefusesToReadMoreThanSixteenMebibytes) {
     TemporaryFolder const folder;
     folder.Write("long", "");
     ASSERT_EQ(truncate((folder / "long").c_str(), 16 * 1024 * 1024), 0);

@@ -50,7 +50,7 @@ TEST_F(CommandLineTest, MayBeEmpty) {
     EXPECT_FALSE(commandLine.check);
 }
 
-TEST_F(CommandLineTest, TakesEveryOption) {
+TEST_F(CommandLineTest, AcceptsEveryOption) {
     auto const commandLine = Understand({"--config", "a.json", "--set", "a.b=1", "--set=c=d=e", "--password", "p w",
                                          "--log-level", "debug", "--check"});
     EXPECT_THAT(commandLine.configuration, Optional(std::string("a.json")));
@@ -64,7 +64,7 @@ TEST_F(CommandLineTest, MayOverrideWithAnEmptyValue) {
     EXPECT_THAT(Understand({"--set", "a="}).overrides, ElementsAre(Pair("a", "")));
 }
 
-TEST_F(CommandLineTest, TakesThePasswordFromTheEnvironmentToo) {
+TEST_F(CommandLineTest, ReadsThePasswordFromTheEnvironment) {
     SetVariable("ZARN_HOST_PASSWORD", "from outside");
     EXPECT_THAT(Understand({}).password, Optional(std::string("from outside")));
     EXPECT_THAT(Understand({"--password", "here"}).password, Optional(std::string("here")));
@@ -72,7 +72,7 @@ TEST_F(CommandLineTest, TakesThePasswordFromTheEnvironmentToo) {
     EXPECT_FALSE(Understand({}).password);
 }
 
-TEST_F(CommandLineTest, NamesWhatItDoesNotUnderstand) {
+TEST_F(CommandLineTest, NamesInvalidArguments) {
     EXPECT_THAT(GetMisuse({"--bogus"}), HasSubstr("--bogus"));
     EXPECT_THAT(GetMisuse({"stray"}), HasSubstr("arguments that belong to no option"));
     EXPECT_THAT(GetMisuse({"stray", "--bogus=1"}), HasSubstr("--bogus is not an option"));
@@ -106,12 +106,12 @@ TEST_F(CommandLineTest, NeverRepeatsAPasswordInAMessage) {
     }
 }
 
-TEST_F(CommandLineTest, GivesHelpAndVersion) {
+TEST_F(CommandLineTest, PrintsHelpAndVersion) {
     EXPECT_THAT(std::get<Information>(Parse({"--help"})).text, HasSubstr("--config"));
     EXPECT_THAT(std::get<Information>(Parse({"--version"})).text, testing::StartsWith("zarn-host "));
 }
 
-TEST_F(CommandLineTest, LosesItsPasswordWhenItIsHidden) {
+TEST_F(CommandLineTest, MasksPasswordsInItsArguments) {
     std::vector<std::string> texts{"zarn-host",
                                    "--password",
                                    "one",

@@ -48,7 +48,7 @@ protected:
     ConfigurationFile file{folder / "config.json", root};
 };
 
-TEST_F(ConfigurationFileTest, IsMadeOfTheDefault) {
+TEST_F(ConfigurationFileTest, IsCreatedFromTheDefaults) {
     file.Open();
     EXPECT_TRUE(Read<bool>(*root, EnabledPath));
     EXPECT_EQ(root->Find("channels")->As<configuration::node::Map>().GetSize(), 2U);
@@ -57,7 +57,7 @@ TEST_F(ConfigurationFileTest, IsMadeOfTheDefault) {
     EXPECT_EQ(written.at("settings").at("limits").at("connections"), 1024);
 }
 
-TEST_F(ConfigurationFileTest, IsMadeWithTheFoldersThatAreMissing) {
+TEST_F(ConfigurationFileTest, IsCreatedTogetherWithMissingFolders) {
     ConfigurationFile deep(folder / "a/b/config.json", root);
     deep.Open();
     EXPECT_EQ(boost::json::parse(folder.Read("a/b/config.json")), root->ToJson(configuration::Layer::Persisted));
@@ -68,14 +68,14 @@ TEST_F(ConfigurationFileTest, FillsTheTree) {
     EXPECT_EQ(Read<std::uint16_t>(*root, WebPortPath), 81);
 }
 
-TEST_F(ConfigurationFileTest, NamesItselfAndThePlaceOfAMistake) {
+TEST_F(ConfigurationFileTest, NamesFileAndPositionOfAnError) {
     EXPECT_THAT(GetLoadError(R"({"settings": {"web_port": 70000}})"),
                 StartsWith((folder / "config.json") + ": settings.web_port: 70000 is not a port"));
     EXPECT_THAT(GetLoadError("{\n  \"a\" 1}"), AllOf(StartsWith((folder / "config.json") + ": "), HasSubstr("line 2")));
     EXPECT_THAT(GetLoadError(""), StartsWith((folder / "config.json") + ": "));
 }
 
-TEST_F(ConfigurationFileTest, LeavesTheTreeAloneWhenItIsBroken) {
+TEST_F(ConfigurationFileTest, LeavesTheTreeUnchangedWhenInvalid) {
     GetLoadError(R"({"settings": {"web_port": 81}})");
     GetLoadError(R"({"settings": {"web_port": 82, "rtsp_port": 70000}})");
     EXPECT_EQ(Read<std::uint16_t>(*root, WebPortPath), 81);
@@ -88,7 +88,7 @@ TEST_F(ConfigurationFileTest, IsWrittenWhenTheTreeHasChanged) {
     EXPECT_THAT(folder.Read("config.json"), HasSubstr(R"("web_port": 82)"));
 }
 
-TEST_F(ConfigurationFileTest, IsLeftAsItsOwnerWroteItWhenNothingHasChanged) {
+TEST_F(ConfigurationFileTest, IsNotRewrittenWithoutAChange) {
     std::string const text = R"({"settings":{"web_port":81}})";
     GetLoadError(text);
     file.SaveChanges();
@@ -132,20 +132,20 @@ protected:
     void Remove(char const* name) const { std::filesystem::remove(folder / name); }
 };
 
-TEST_F(UsedConfigurationFile, HasACopyThatOnlyItsOwnerReads) {
+TEST_F(UsedConfigurationFile, HasACopyReadableByItsOwnerOnly) {
     EXPECT_EQ(folder.Read("config.json.good"), folder.Read("config.json"));
     EXPECT_EQ(std::filesystem::status(folder / "config.json.good").permissions(),
               std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
 }
 
-TEST_F(UsedConfigurationFile, IsWrittenAgainFromItsCopyWhenItIsGone) {
+TEST_F(UsedConfigurationFile, IsRestoredFromItsCopyWhenMissing) {
     Remove("config.json");
     EXPECT_EQ(GetOpenError(), "");
     EXPECT_EQ(Read<std::uint16_t>(*root, WebPortPath), 81);
     EXPECT_EQ(folder.Read("config.json"), R"({"settings": {"web_port": 81}})");
 }
 
-TEST_F(UsedConfigurationFile, GivesWayToItsCopyWhenItIsDamagedAndStaysForItsEditor) {
+TEST_F(UsedConfigurationFile, FallsBackToItsCopyWhenDamagedAndStaysUnchanged) {
     for (auto const& text : {std::string(), std::string(R"({"settings": {"web_p)"), std::string("\0\0\0\0", 4),
                              std::string("garbage"), std::string(R"({"settings": {"web_port": 82}}})")}) {
         folder.Write("config.json", text);
@@ -156,7 +156,7 @@ TEST_F(UsedConfigurationFile, GivesWayToItsCopyWhenItIsDamagedAndStaysForItsEdit
     }
 }
 
-TEST_F(UsedConfigurationFile, IsRefusedForTheMistakeOfAPersonWhateverTheCopySays) {
+TEST_F(UsedConfigurationFile, IsRefusedForAnInvalidSettingDespiteItsCopy) {
     folder.Write("config.json", R"({"settings": {"web_port": 70000}})");
     EXPECT_THAT(GetOpenError(), StartsWith(folder / "config.json: settings.web_port: 70000 is not a port"));
     folder.Write("config.json", R"({"settings": {}, "settings": {}})");
@@ -166,20 +166,20 @@ TEST_F(UsedConfigurationFile, IsRefusedForTheMistakeOfAPersonWhateverTheCopySays
     EXPECT_THAT(GetOpenError(), HasSubstr("Is a directory"));
 }
 
-TEST_F(UsedConfigurationFile, IsRefusedWhenItIsDamagedAndThereIsNoCopy) {
+TEST_F(UsedConfigurationFile, IsRefusedWhenDamagedWithoutACopy) {
     folder.Write("config.json", "garbage");
     Remove("config.json.good");
     EXPECT_THAT(GetOpenError(), StartsWith(folder / "config.json: line 1"));
 }
 
-TEST_F(UsedConfigurationFile, IsRefusedWhenItsCopyWouldBeNeededAndIsDamagedToo) {
+TEST_F(UsedConfigurationFile, IsRefusedWhenMissingWithADamagedCopy) {
     folder.Write("config.json.good", "garbage");
     Remove("config.json");
     EXPECT_THAT(GetOpenError(), StartsWith(folder / "config.json.good: line 1"));
     EXPECT_EQ(folder.Read("config.json"), "");
 }
 
-TEST_F(UsedConfigurationFile, DoesNotOverwriteWhatWasDamagedWhenItChanges) {
+TEST_F(UsedConfigurationFile, KeepsTheDamagedFileAsideWhenSettingsChange) {
     folder.Write("config.json", "{ half an edi");
     file.Open();
     file.SaveChanges();
@@ -190,7 +190,7 @@ TEST_F(UsedConfigurationFile, DoesNotOverwriteWhatWasDamagedWhenItChanges) {
     EXPECT_THAT(folder.Read("config.json"), HasSubstr(R"("web_port": 83)"));
 }
 
-TEST_F(UsedConfigurationFile, KeepsACopyOfWhatItSaves) {
+TEST_F(UsedConfigurationFile, UpdatesItsCopyOnlyOnKeepCopy) {
     file.Open();
     Set(WebPortPath, 83);
     file.SaveChanges();
@@ -199,14 +199,14 @@ TEST_F(UsedConfigurationFile, KeepsACopyOfWhatItSaves) {
     EXPECT_EQ(folder.Read("config.json.good"), folder.Read("config.json"));
 }
 
-TEST_F(UsedConfigurationFile, GoesOnWhenNoCopyCanBeKept) {
+TEST_F(UsedConfigurationFile, ContinuesWhenTheCopyCannotBeWritten) {
     Remove("config.json.good");
     std::filesystem::create_directory(folder / "config.json.good");
     file.Open();
     EXPECT_NO_THROW(file.KeepCopy());
 }
 
-TEST_F(UsedConfigurationFile, IsNotReplacedByItsCopyWhenItIsLoadedAgain) {
+TEST_F(UsedConfigurationFile, ThrowsOnReloadWhenDamagedDespiteItsCopy) {
     file.Open();
     folder.Write("config.json", "garbage");
     EXPECT_THROW(file.Load(), DamageError);

@@ -29,7 +29,7 @@ protected:
     std::string path = folder / "credentials";
 };
 
-TEST_F(CredentialsTest, AreMadeOnceWhenThereAreNone) {
+TEST_F(CredentialsTest, AreGeneratedOnce) {
     auto const made = Load();
     ASSERT_TRUE(made.generated);
     EXPECT_THAT(*made.generated, MatchesRegex("[a-z2-9]{20}"));
@@ -39,13 +39,13 @@ TEST_F(CredentialsTest, AreMadeOnceWhenThereAreNone) {
     EXPECT_EQ(known.ha1, made.ha1);
 }
 
-TEST_F(CredentialsTest, AreDifferentEachTimeTheyAreMade) {
+TEST_F(CredentialsTest, DifferEachTimeTheyAreGenerated) {
     auto const first = Load().generated;
     std::filesystem::remove(path);
     EXPECT_NE(Load().generated, first);
 }
 
-TEST_F(CredentialsTest, AreThoseOfAGivenPassword) {
+TEST_F(CredentialsTest, AreReplacedByAGivenPassword) {
     Load();
     auto const given = Load("open sesame");
     EXPECT_FALSE(given.generated);
@@ -53,13 +53,13 @@ TEST_F(CredentialsTest, AreThoseOfAGivenPassword) {
     EXPECT_EQ(Load().ha1, given.ha1);
 }
 
-TEST_F(CredentialsTest, AreStoredAsAHashThatOnlyTheOwnerCanRead) {
+TEST_F(CredentialsTest, AreStoredAsAHashReadableByTheOwnerOnly) {
     auto const credentials = Load("open sesame");
     EXPECT_EQ(folder.Read("credentials"), "admin:zarnsuite.example:" + credentials.ha1 + "\n");
     EXPECT_EQ(GetMode(), 0600U);
 }
 
-TEST_F(CredentialsTest, AreHiddenFromOthersWhenTheyWereNot) {
+TEST_F(CredentialsTest, AreMadePrivateWhenReadableByOthers) {
     auto const ha1 = Load("open sesame").ha1;
     chmod(path.c_str(), 0644);
     EXPECT_EQ(Load().ha1, ha1);
@@ -69,7 +69,7 @@ TEST_F(CredentialsTest, AreHiddenFromOthersWhenTheyWereNot) {
     EXPECT_EQ(GetMode(), 0600U);
 }
 
-TEST_F(CredentialsTest, AreNotTakenFromAFileThatHoldsSomethingElse) {
+TEST_F(CredentialsTest, AreRefusedFromAnInvalidFile) {
     std::string const ha1(32, 'a');
     for (auto const& text : {std::string(), std::string("admin"), "admin:zarnsuite.example:" + ha1 + "a",
                              "admin:zarnsuite.example:" + ha1.substr(1), "admin:other:" + ha1,

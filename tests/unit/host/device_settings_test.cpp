@@ -28,7 +28,7 @@ TEST_F(DeviceSettings, HaveDefaults) {
     EXPECT_FALSE(ReadDiscoveryAnywhere(*root));
 }
 
-TEST_F(DeviceSettings, DescribeTheSettingOfTheModuleAsItDoesItself) {
+TEST_F(DeviceSettings, UseTheModulesSchemaForItsSetting) {
     ZarnAuthenticationEngine const engine;
     auto const own = std::make_shared<configuration::node::Root>();
     service::onvif::Manager const manager(&engine, own, {}, {});
@@ -36,7 +36,7 @@ TEST_F(DeviceSettings, DescribeTheSettingOfTheModuleAsItDoesItself) {
     EXPECT_EQ(root->Find(path)->GetSchema(), own->Find(path)->GetSchema());
 }
 
-TEST_F(DeviceSettings, LeaveAnIdentityEmptyThatIsGivenAsEmpty) {
+TEST_F(DeviceSettings, KeepAnEmptyIdentityValue) {
     Read(R"({"identity": {"manufacturer": "", "name": "Grün"}})");
     auto const identity = ReadIdentity(*root);
     EXPECT_EQ(identity.GetProductManufacturer(), "");

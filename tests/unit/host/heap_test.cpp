@@ -46,13 +46,13 @@ void AllocateOnThreads(int number) {
     }
 }
 
-TEST(Heap, HasFewArenasHoweverManyThreadsUseIt) {
+TEST(Heap, HasFewArenasForManyThreads) {
     LimitHeap();
     AllocateOnThreads(16);
     EXPECT_LE(CountArenas(), 4);
 }
 
-TEST(Heap, GivesLargePiecesBackAlsoAfterOneHasBeenFreed) {
+TEST(Heap, KeepsMappingLargeBlocksAfterOneIsFreed) {
     LimitHeap();
     constexpr std::size_t Large = 8 * 1024 * 1024;   // more than may lie free in the heap of other tests
     void* const volatile first = std::malloc(Large); // volatile: or the compiler does without it
@@ -62,7 +62,7 @@ TEST(Heap, GivesLargePiecesBackAlsoAfterOneHasBeenFreed) {
     EXPECT_EQ(mallinfo2().hblks, before + 1) << "it lies in the heap";
 }
 
-TEST(Heap, GivesThePictureOfASmallVideoBack) {
+TEST(Heap, MapsThePictureOfASmallVideo) {
     LimitHeap();
     auto const before = mallinfo2().hblks;
     std::vector<std::unique_ptr<void, decltype(&std::free)>> pictures;
@@ -73,7 +73,7 @@ TEST(Heap, GivesThePictureOfASmallVideoBack) {
     EXPECT_EQ(mallinfo2().hblks, before + 1);
 }
 
-TEST(Heap, KeepsPiecesOfTheSizeOfAnExchange) {
+TEST(Heap, DoesNotMapBlocksOfTheSizeOfAnExchange) {
     LimitHeap();
     auto const before = mallinfo2().hblks;
     std::unique_ptr<void, decltype(&std::free)> const memory(std::malloc(160 * 1024), &std::free);
@@ -82,7 +82,7 @@ TEST(Heap, KeepsPiecesOfTheSizeOfAnExchange) {
 
 #endif
 
-TEST(Heap, WaitsForMemoryOnlySoLong) {
+TEST(Heap, WaitsForMemoryUpToALimit) {
     using namespace std::chrono_literals;
     using Clock = std::chrono::steady_clock;
     RetryAllocations(100ms);

@@ -30,7 +30,7 @@ protected:
     CommandLine commandLine{.configuration = folder / "config.json", .overrides = {}, .password = {}};
 };
 
-TEST_F(PreparationTest, MakesWhatIsMissing) {
+TEST_F(PreparationTest, CreatesMissingFiles) {
     auto const preparation = Prepare(commandLine);
     EXPECT_EQ(video::ReadChannels(*preparation.configuration).size(), 2U);
     EXPECT_TRUE(preparation.credentials.generated);
@@ -39,7 +39,7 @@ TEST_F(PreparationTest, MakesWhatIsMissing) {
     EXPECT_TRUE(std::filesystem::exists(folder / "config.json.credentials"));
 }
 
-TEST_F(PreparationTest, OnlyLooksWhenItIsToCheck) {
+TEST_F(PreparationTest, WritesNothingDuringACheck) {
     folder.Write("config.json", "{}");
     commandLine.check = true;
     auto const preparation = Prepare(commandLine);
@@ -54,7 +54,7 @@ TEST_F(PreparationTest, ChecksOverridesToo) {
     EXPECT_THAT(GetError(), StartsWith("--set: settings.web_port: "));
 }
 
-TEST_F(PreparationTest, RepeatsNoPasswordOfAnOverride) {
+TEST_F(PreparationTest, NeverRepeatsAPasswordOfAnOverride) {
     folder.Write("config.json", R"({"channels": {"1": {}}})");
     for (auto const* path : {"channels.9.password", "channels.1.pasword", "channels.1", "channels.password.password"}) {
         commandLine.overrides = {{path, "sesame"}};

@@ -41,7 +41,7 @@ protected:
     std::shared_ptr<configuration::node::Root> root = std::make_shared<configuration::node::Root>();
 };
 
-TEST_F(SettingsTest, RefuseValuesThatMakeNoSense) {
+TEST_F(SettingsTest, RefuseInvalidValues) {
     for (auto const* json : {
              R"({"settings": {"web_port": -1}})",
              R"({"settings": {"web_port": 65536}})",
@@ -67,7 +67,7 @@ TEST_F(SettingsTest, CanBeOverriddenAsText) {
     EXPECT_EQ(Read<std::string>(*root, "channels.1.video.rate"), "15/1");
 }
 
-TEST_F(SettingsTest, CannotBeOverriddenWithWhatTheyDoNotTake) {
+TEST_F(SettingsTest, RefuseInvalidOverrides) {
     for (auto const& [path, text] :
          std::vector<std::pair<std::string, std::string>>{{"settings.web_port", "70000"},
                                                           {"settings.web_port", ""},

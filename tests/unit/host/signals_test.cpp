@@ -10,7 +10,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-TEST(Signals, WaitWhileTheyAreHeldAndComeWhenTheyAreReleased) {
+TEST(Signals, StayPendingWhileHeldAndArriveOnRelease) {
     static int count = 0;
     std::signal(SIGHUP, [](int) { ++count; });
     BlockSignals({SIGTERM, SIGHUP});
@@ -24,7 +24,7 @@ TEST(Signals, WaitWhileTheyAreHeldAndComeWhenTheyAreReleased) {
     EXPECT_EQ(count, 1);
 }
 
-TEST(SignalsDeathTest, EndAProcessThatDoesNotEndByItself) {
+TEST(SignalsDeathTest, EndAProcessThatExceedsItsDeadline) {
     EXPECT_EXIT(
         {
             EndWithin(50ms);

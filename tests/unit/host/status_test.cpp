@@ -10,7 +10,7 @@
 namespace zarn::host {
 namespace {
 
-TEST(Status, SaysHowChannelsModuleAndListenersAre) {
+TEST(Status, ReportsChannelsModuleAndListeners) {
     auto const root = std::make_shared<configuration::node::Root>();
     DescribeSettings(*root);
     root->FromJson(
@@ -50,7 +50,7 @@ TEST(Status, IsDegradedWhenAChannelHasFailed) {
     EXPECT_THAT(boost::json::serialize(status), testing::Not(testing::HasSubstr("none-such")));
 }
 
-TEST(Status, IsDegradedWhenTheBrokerOfTheEventsIsAway) {
+TEST(Status, IsDegradedWhenTheMqttBrokerIsUnreachable) {
     auto const root = std::make_shared<configuration::node::Root>();
     DescribeSettings(*root);
     video::Engine const engine({.port = 0, .authenticate = false, .ha1 = ""});

@@ -34,7 +34,7 @@ protected:
     bool yes = true;
 };
 
-TEST_F(Content, OfAServiceIsItsCapabilitiesInItsOwnNamespace) {
+TEST_F(Content, OfAServiceContainsItsCapabilitiesInItsOwnNamespace) {
     tev__Capabilities events;
     events.WSPullPointSupport = &yes;
     EXPECT_EQ(ServiceWith("tev:Capabilities", &events, SOAP_TYPE_tev__Capabilities),
@@ -108,19 +108,19 @@ protected:
     wsnt__NotificationMessageHolderType holder;
 };
 
-TEST_F(Notification, IsATopicAndAMessageThatIsNamedByHand) {
+TEST_F(Notification, WritesTopicAndMessageWithAnExplicitName) {
     holder.Message.__any.soap = context.get();
     soap_elt_set(&holder.Message.__any, nullptr, "tt:Message");
     soap_elt_node(&holder.Message.__any, &message, SOAP_TYPE_tt__Message);
     EXPECT_EQ(Written(holder), NotificationText);
 }
 
-TEST_F(Notification, IsATopicAndAMessageThatHasItsNameFromItsType) {
+TEST_F(Notification, WritesTopicAndMessageNamedByItsType) {
     soap_elt_node(&holder.Message.__any, &message, SOAP_TYPE__tt__Message);
     EXPECT_EQ(Written(holder), NotificationText);
 }
 
-TEST_F(Notification, GivesItsTopicBack) {
+TEST_F(Notification, ReturnsItsTopic) {
     EXPECT_STREQ(soap_elt_get_text(&topic.__mixed), "tns1:RuleEngine/LineDetector/Crossed");
 }
 
@@ -165,7 +165,7 @@ TEST_F(Content, OfEventPropertiesKeepsTheOrderOfItsNamespaces) {
         "<tev:MessageContentSchemaLocation>d</tev:MessageContentSchemaLocation></x>");
 }
 
-TEST_F(Content, OfAFrameIsObjectsWithAttributesOfNoNamespace) {
+TEST_F(Content, OfAFrameContainsObjectsWithUnqualifiedAttributes) {
     std::string id = "12";
     float low = -0.5F;
     float likelihood = 0.75F;

@@ -42,7 +42,7 @@ protected:
     HeaderWithCallback() { context->fignore = SkipSecurity; }
 };
 
-TEST_F(Header, OfSecurityThatMustBeUnderstoodIsRefusedByTheEngineItself) {
+TEST_F(Header, OfMandatorySecurityIsRefusedByGsoapItself) {
     EXPECT_EQ(ServeWith(Security).status, SOAP_MUSTUNDERSTAND);
     EXPECT_EQ(service.called, "");
 }
@@ -55,7 +55,7 @@ TEST_F(HeaderWithCallback, OfSecurityIsSkippedAndNotSentBack) {
     EXPECT_THAT(outcome.response, testing::Not(testing::HasSubstr("Security")));
 }
 
-TEST_F(HeaderWithCallback, OfSecurityIsKnownByItsNamespaceWhateverThePrefix) {
+TEST_F(HeaderWithCallback, OfSecurityIsRecognisedByNamespaceUnderAnyPrefix) {
     auto const header = [](std::string const& name, std::string const& declaration) {
         return "<" + name + " " + declaration + "=\"" + SecurityNamespace + "\" c:mustUnderstand=\"1\"/>";
     };
@@ -64,26 +64,26 @@ TEST_F(HeaderWithCallback, OfSecurityIsKnownByItsNamespaceWhateverThePrefix) {
     EXPECT_EQ(ServeWith(header("Security", "xmlns")).status, SOAP_OK);
 }
 
-TEST_F(HeaderWithCallback, ThatMustBeUnderstoodAndIsNotKnownIsRefused) {
+TEST_F(HeaderWithCallback, ThatIsMandatoryAndUnknownIsRefused) {
     EXPECT_EQ(ServeWith(R"(<security:Other c:mustUnderstand="true"/>)").status, SOAP_MUSTUNDERSTAND);
     EXPECT_EQ(ServeWith(R"(<tt:Security c:mustUnderstand="true"/>)").status, SOAP_MUSTUNDERSTAND);
     EXPECT_EQ(ServeWith(R"(<o:Security xmlns:o="urn:o" c:mustUnderstand="true"/>)").status, SOAP_MUSTUNDERSTAND);
     EXPECT_EQ(service.called, "");
 }
 
-TEST_F(HeaderWithCallback, OfTheAddressingOf2004IsNotKnown) {
+TEST_F(HeaderWithCallback, OfAddressing2004IsUnknown) {
     EXPECT_EQ(
         ServeWith(R"(<a:To xmlns:a="http://schemas.xmlsoap.org/ws/2004/08/addressing" c:mustUnderstand="1">x</a:To>)")
             .status,
         SOAP_MUSTUNDERSTAND);
 }
 
-TEST_F(HeaderWithCallback, ThatNeedNotBeUnderstoodIsSkipped) {
+TEST_F(HeaderWithCallback, ThatIsOptionalIsSkipped) {
     EXPECT_EQ(ServeWith("<tt:Anything><tt:Deep>x</tt:Deep></tt:Anything>").status, SOAP_OK);
     EXPECT_EQ(ServeWith(R"(<tt:Anything c:mustUnderstand="false"/>)").status, SOAP_OK);
 }
 
-TEST_F(HeaderWithCallback, ForAnotherRoleNeedNotBeUnderstood) {
+TEST_F(HeaderWithCallback, ForAnotherRoleIsOptional) {
     EXPECT_EQ(ServeWith(R"(<tt:Anything c:mustUnderstand="true" c:role="http://example.com/other"/>)").status, SOAP_OK);
 }
 
@@ -105,13 +105,13 @@ TEST_F(Header, OfAddressingIsRead) {
     EXPECT_EQ(header->wsa5__RelatesTo, nullptr);
 }
 
-TEST_F(Header, IsSentBackByTheEngineUnlessItIsReplaced) {
+TEST_F(Header, IsSentBackByGsoapUnlessReplaced) {
     EXPECT_THAT(ServeWith(Addressing).Body(),
                 testing::HasSubstr("<SOAP-ENV:Header><wsa5:MessageID>urn:uuid:1</wsa5:MessageID>"
                                    R"(<wsa5:ReplyTo SOAP-ENV:mustUnderstand="true">)"));
 }
 
-TEST_F(Header, IsAbsentFromTheResponseWhenItWasAbsentFromTheRequest) {
+TEST_F(Header, IsAbsentFromTheResponseToARequestWithoutOne) {
     EXPECT_THAT(ServeWith("").Body(), testing::StartsWith("<SOAP-ENV:Envelope><SOAP-ENV:Body>"));
 }
 

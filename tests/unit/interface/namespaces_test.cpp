@@ -45,9 +45,9 @@ Table AfterDispatch() {
     return Read(context->namespaces);
 }
 
-TEST(NamespaceTable, OfTheProcessHoldsEveryNamespaceAndNoOther) { EXPECT_EQ(Read(namespaces), Expected); }
+TEST(NamespaceTable, OfTheProcessContainsExactlyTheExpectedNamespaces) { EXPECT_EQ(Read(namespaces), Expected); }
 
-TEST(NamespaceTable, IsInstalledWholeByEveryDispatch) {
+TEST(NamespaceTable, IsInstalledCompletelyByEveryDispatch) {
     EXPECT_EQ(AfterDispatch<RecordingDevice>(), Expected);
     EXPECT_EQ(AfterDispatch<RecordingMedia>(), Expected);
     EXPECT_EQ(AfterDispatch<RecordingMedia2>(), Expected);

@@ -35,24 +35,18 @@ void ExpectEachElementCallsItsOperation(std::string_view prefix, std::size_t cou
     EXPECT_EQ(found, count);
 }
 
-TEST(DeviceBinding, CallsTheOperationThatTheElementNames) {
-    ExpectEachElementCallsItsOperation<RecordingDevice>("tds", 90);
-}
+TEST(DeviceBinding, CallsTheOperationOfTheElement) { ExpectEachElementCallsItsOperation<RecordingDevice>("tds", 90); }
 
-TEST(MediaBinding, CallsTheOperationThatTheElementNames) {
-    ExpectEachElementCallsItsOperation<RecordingMedia>("trt", 79);
-}
+TEST(MediaBinding, CallsTheOperationOfTheElement) { ExpectEachElementCallsItsOperation<RecordingMedia>("trt", 79); }
 
-TEST(Media2Binding, CallsTheOperationThatTheElementNames) {
-    ExpectEachElementCallsItsOperation<RecordingMedia2>("tr2", 46);
-}
+TEST(Media2Binding, CallsTheOperationOfTheElement) { ExpectEachElementCallsItsOperation<RecordingMedia2>("tr2", 46); }
 
-TEST(EventsBinding, CallsTheFirstOperationThatTheElementNames) {
+TEST(EventsBinding, CallsTheFirstOperationOfTheElement) {
     ExpectEachElementCallsItsOperation<RecordingEvents>("tev", 6);
     ExpectEachElementCallsItsOperation<RecordingEvents>("wsnt", 10);
 }
 
-TEST(AnalyticsBinding, CallsTheOperationThatTheElementNames) {
+TEST(AnalyticsBinding, CallsTheOperationOfTheElement) {
     ExpectEachElementCallsItsOperation<RecordingAnalytics>("tan", 14);
 }
 
@@ -74,7 +68,7 @@ TEST(OperationsTable, IsInTheDictionaryOfTheFuzzer) {
     }
 }
 
-TEST(Bindings, KnowNoElementThatIsNotListed) {
+TEST(Bindings, RejectUnlistedElements) {
     EXPECT_EQ(Call<RecordingDevice>("tds:GetPasswordComplexityConfiguration"), NoMethod);
     EXPECT_EQ(Call<RecordingMedia>("trt:GetVideoSourceModesResponse"), NoMethod);
     EXPECT_EQ(Call<RecordingMedia2>("tr2:GetMediaProfiles"), NoMethod);
@@ -82,7 +76,7 @@ TEST(Bindings, KnowNoElementThatIsNotListed) {
     EXPECT_EQ(Call<RecordingAnalytics>("tan:getRules"), NoMethod);
 }
 
-TEST(Bindings, TellServicesApartByNamespace) {
+TEST(Bindings, DistinguishServicesByNamespace) {
     EXPECT_EQ(Call<RecordingMedia>("tr2:GetProfiles"), NoMethod);
     EXPECT_EQ(Call<RecordingMedia2>("trt:GetProfiles"), NoMethod);
     EXPECT_EQ(Call<RecordingEvents>("tev:Renew"), NoMethod);
@@ -125,7 +119,7 @@ TEST(EventsBinding, AnswersTheOneWayNotifyWithoutAnEnvelope) {
     EXPECT_EQ(outcome.Body(), "");
 }
 
-TEST(Bindings, SkipTheContentOfOperationsThatAreNotServed) {
+TEST(Bindings, SkipTheContentOfUnservedOperations) {
     auto const context = MakeContext();
     RecordingDevice service(context.get());
     auto const outcome =

@@ -17,24 +17,24 @@ protected:
     Context const context = MakeContext();
 };
 
-TEST_F(OptionalMembers, ARequiredPointerThatIsNullWouldBeAnEmptyElement) {
+TEST_F(OptionalMembers, ARequiredNullPointerIsWrittenAsAnEmptyElement) {
     tds__DeviceServiceCapabilities const capabilities;
     EXPECT_EQ(Written(capabilities), "<x><tds:Security/></x>");
 }
 
-TEST_F(OptionalMembers, DeviceServiceCapabilitiesHaveNoNetworkAndNoSystem) {
+TEST_F(OptionalMembers, DeviceServiceCapabilitiesMayOmitNetworkAndSystem) {
     tds__SecurityCapabilities security;
     tds__DeviceServiceCapabilities capabilities;
     capabilities.Security = &security;
     EXPECT_EQ(Written(capabilities), "<x><tds:Security></tds:Security></x>");
 }
 
-TEST_F(OptionalMembers, VideoSourceConfigurationOptionsOfTheMediaServiceMayBeMissing) {
+TEST_F(OptionalMembers, MediaVideoSourceConfigurationOptionsMayBeOmitted) {
     _trt__GetVideoSourceConfigurationOptionsResponse const response;
     EXPECT_EQ(Written(response), "<x></x>");
 }
 
-TEST_F(OptionalMembers, H264OptionsHaveNoRanges) {
+TEST_F(OptionalMembers, H264OptionsMayOmitRanges) {
     tt__VideoResolution resolution;
     resolution.Width = 1920;
     resolution.Height = 1080;
@@ -44,7 +44,7 @@ TEST_F(OptionalMembers, H264OptionsHaveNoRanges) {
                                 "</tt:ResolutionsAvailable></x>");
 }
 
-TEST_F(OptionalMembers, VideoAnalyticsConfigurationsHaveNoEngines) {
+TEST_F(OptionalMembers, VideoAnalyticsConfigurationsMayOmitEngines) {
     tt__VideoAnalyticsConfiguration configuration;
     configuration.Name = "Gate";
     configuration.UseCount = 1;
@@ -53,20 +53,20 @@ TEST_F(OptionalMembers, VideoAnalyticsConfigurationsHaveNoEngines) {
               R"(<x token="channels.1"><tt:Name>Gate</tt:Name><tt:UseCount>1</tt:UseCount></x>)");
 }
 
-TEST_F(OptionalMembers, AnalyticsModulesHaveNoParameters) {
+TEST_F(OptionalMembers, AnalyticsModulesMayOmitParameters) {
     tt__Config config;
     config.Name = "ZARN";
     config.Type = "ZARN";
     EXPECT_EQ(Written(config), R"(<x Name="ZARN" Type="ZARN"></x>)");
 }
 
-TEST_F(OptionalMembers, AnalyticsModuleDescriptionsHaveNoParameters) {
+TEST_F(OptionalMembers, AnalyticsModuleDescriptionsMayOmitParameters) {
     tt__ConfigDescription description;
     description.Name = "ZARN";
     EXPECT_EQ(Written(description), R"(<x Name="ZARN"></x>)");
 }
 
-TEST_F(OptionalMembers, AttributesThatAreNullAreAbsent) {
+TEST_F(OptionalMembers, NullAttributesAreAbsent) {
     tev__Capabilities capabilities;
     bool const yes = true;
     capabilities.WSPullPointSupport = const_cast<bool*>(&yes); // NOLINT: the bindings have no const members

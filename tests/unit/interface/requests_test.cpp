@@ -74,7 +74,7 @@ using MediaRequests = Requests<ShowingMedia>;
 using Media2Requests = Requests<ShowingMedia2>;
 using EventsRequests = Requests<ShowingEvents>;
 
-TEST_F(DeviceRequests, GetServicesTellsWhetherCapabilitiesAreWanted) {
+TEST_F(DeviceRequests, GetServicesReadsIncludeCapability) {
     bool wanted = false;
     service.onGetServices = [&](auto& request) { wanted = request.IncludeCapability; };
     Send("tds", "GetServices", "<tds:IncludeCapability>true</tds:IncludeCapability>");
@@ -88,19 +88,19 @@ TEST_F(MediaRequests, GetStreamUriReadsTheToken) {
     Send("trt", "GetStreamUri", "<trt:ProfileToken>channels.1</trt:ProfileToken>");
 }
 
-TEST_F(MediaRequests, GetProfileHasAnEmptyTokenWhenItIsMissing) {
+TEST_F(MediaRequests, GetProfileReadsAMissingTokenAsEmpty) {
     service.onGetProfile = [](auto& request) { EXPECT_EQ(request.ProfileToken, ""); };
     Send("trt", "GetProfile", "");
 }
 
-TEST_F(MediaRequests, GetVideoEncoderConfigurationOptionsTellsTokensApart) {
+TEST_F(MediaRequests, GetVideoEncoderConfigurationOptionsDistinguishesTokens) {
     service.onGetVideoEncoderConfigurationOptions = [](auto& request) {
         EXPECT_EQ(request.ConfigurationToken, nullptr);
     };
     Send("trt", "GetVideoEncoderConfigurationOptions", "<trt:ProfileToken>channels.1</trt:ProfileToken>");
 }
 
-TEST_F(Media2Requests, GetProfilesListsTypes) {
+TEST_F(Media2Requests, GetProfilesReadsTokenAndTypes) {
     service.onGetProfiles = [](auto& request) {
         ASSERT_NE(request.Token, nullptr);
         EXPECT_EQ(*request.Token, "channels.1");
@@ -116,7 +116,7 @@ TEST_F(Media2Requests, GetStreamUriReadsTheToken) {
          "<tr2:Protocol>RtspUnicast</tr2:Protocol><tr2:ProfileToken>channels.1</tr2:ProfileToken>");
 }
 
-TEST_F(Media2Requests, OptionsAreAskedForByEitherToken) {
+TEST_F(Media2Requests, OptionsReadBothTokens) {
     service.onGetVideoSourceConfigurationOptions = [](auto& request) {
         ASSERT_NE(request.ConfigurationToken, nullptr);
         EXPECT_EQ(*request.ConfigurationToken, "a");
@@ -145,7 +145,7 @@ TEST_F(EventsRequests, CreatePullPointSubscriptionKeepsTheTextOfEveryFilter) {
             <tev:SubscriptionPolicy><tev:Any/></tev:SubscriptionPolicy>)");
 }
 
-TEST_F(EventsRequests, CreatePullPointSubscriptionTellsAMissingTimeFromAnEmptyOne) {
+TEST_F(EventsRequests, CreatePullPointSubscriptionDistinguishesMissingFromEmptyTime) {
     service.onCreatePullPointSubscription = [](auto& request) {
         EXPECT_EQ(request.Filter, nullptr);
         EXPECT_EQ(request.InitialTerminationTime, nullptr);
@@ -169,7 +169,7 @@ TEST_F(EventsRequests, PullMessagesReadsTimeoutAndLimit) {
     Send("tev", "PullMessages", "<tev:Timeout>PT5S</tev:Timeout><tev:MessageLimit>-3</tev:MessageLimit>");
 }
 
-TEST_F(EventsRequests, PullMessagesWithALimitThatIsNoIntegerIsAnError) {
+TEST_F(EventsRequests, PullMessagesWithAnOverflowingLimitIsAnError) {
     auto const outcome =
         Serve(context.get(), service,
               Envelope("<tev:PullMessages><tev:MessageLimit>99999999999</tev:MessageLimit></tev:PullMessages>"));

@@ -78,7 +78,7 @@ TEST(Text, OfAnyLanguageIsWrittenUnchangedToAttributes) {
               std::string("<x Name=\"") + Name + "\" Value=\"" + Name + "\"></x>");
 }
 
-TEST(Text, WouldLeaveGarbledWithoutTheUtf8Mode) {
+TEST(Text, IsGarbledWithoutTheUtf8Mode) {
     Context const context(soap_new2(0x480000, 0x480000));
     _tt__ItemList_SimpleItem item;
     item.Name = "ü";
@@ -100,7 +100,7 @@ TEST(Text, KeepsMarkupCharactersInBothDirections) {
 
 // A document type declaration is skipped, not refused: it defines no entity, and what it names is not opened. An entity
 // that nothing defines is read as the character DEL.
-TEST(Text, GetsNothingFromADocumentTypeDeclaration) {
+TEST(Text, IgnoresADocumentTypeDeclaration) {
     for (std::string const declaration :
          {"", "<!DOCTYPE a>", R"(<!DOCTYPE a [<!ENTITY e "declared">]>)", R"(<!DOCTYPE a SYSTEM "file:///etc/passwd">)",
           R"(<!DOCTYPE a [<!ENTITY e SYSTEM "file:///etc/passwd">]>)"}) {
@@ -126,7 +126,7 @@ std::string Nested(std::string const& element, int levels) {
     return begin + end;
 }
 
-TEST(Text, OfMoreLevelsThanTheContextAllowsIsAnErrorWhereItIsKept) {
+TEST(Text, NestedTooDeepIsAnErrorWhereItIsKept) {
     for (auto const& [levels, status] : {std::pair{50, SOAP_OK}, {200, SOAP_LEVEL}, {20'000, SOAP_LEVEL}}) {
         auto const context = MakeContext();
         context->maxlevel = 100;

@@ -47,7 +47,7 @@ TYPED_TEST(ServiceCapabilities, AreNullWithoutMemory) {
     EXPECT_EQ(TypeParam::MakeServiceCapabilities(this->context.get()), nullptr);
 }
 
-TEST(EveryService, HasNoCopy) {
+TEST(EveryService, CannotBeCopied) {
     auto const context = MakeSoapContext();
     auto* soap = context.get();
     EXPECT_EQ(DeviceService(soap, URIBase(1, false), nullptr, {}, nullptr).copy(), nullptr);
@@ -57,7 +57,7 @@ TEST(EveryService, HasNoCopy) {
     EXPECT_EQ(AnalyticsService(soap, nullptr).copy(), nullptr);
 }
 
-TEST(GetServiceCapabilities, SucceedsWithoutMemoryAndLeavesTheMemberOut) {
+TEST(GetServiceCapabilities, OmitsTheCapabilitiesWithoutMemory) {
     auto const context = MakeSoapContext();
     MediaService media(context.get(), nullptr, nullptr, false, nullptr);
     _trt__GetServiceCapabilitiesResponse response;

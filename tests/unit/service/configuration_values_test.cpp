@@ -28,14 +28,14 @@ protected:
     std::shared_ptr<node::Root> root = std::make_shared<node::Root>();
 };
 
-TEST_F(ReadEnabledTest, IsWhatTheSettingIsAfterAChange) {
+TEST_F(ReadEnabledTest, ReturnsTheSettingAfterAChange) {
     event::Changed const change(Find(EnabledPath));
     EXPECT_EQ(ReadEnabled(change), false);
     Find(EnabledPath)->As<node::Primitive<bool>>().Set(true);
     EXPECT_EQ(ReadEnabled(change), true);
 }
 
-TEST_F(ReadEnabledTest, IsNothingForAnEventThatIsNoChange) {
+TEST_F(ReadEnabledTest, ReturnsNothingForOtherEvents) {
     for (auto const* path : {EnabledPath, "settings.name", "channels"}) {
         EXPECT_EQ(ReadEnabled(event::Added(Find(path))), std::nullopt) << path;
         EXPECT_EQ(ReadEnabled(event::Removed(Find(path))), std::nullopt) << path;
@@ -43,7 +43,7 @@ TEST_F(ReadEnabledTest, IsNothingForAnEventThatIsNoChange) {
     }
 }
 
-TEST_F(ReadEnabledTest, ThrowsForAChangeOfWhatIsNoBoolean) {
+TEST_F(ReadEnabledTest, ThrowsForAChangeOfANonBoolean) {
     for (std::string const path : {"settings.name", "settings", "channels"}) {
         try {
             ReadEnabled(event::Changed(Find(path.c_str())));

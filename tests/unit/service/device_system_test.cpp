@@ -31,19 +31,19 @@ std::vector<int> Told(std::chrono::sys_seconds moment) {
             told->Time->Hour, told->Time->Minute, told->Time->Second};
 }
 
-TEST(MakeSystemDateTime, TellsTheLastSecondOfAYearInUtcWhateverTheTimeZoneOfTheHost) {
+TEST(MakeSystemDateTime, UsesUtcInAnyTimeZoneOfTheHost) {
     setenv("TZ", "NZST-12", 1);
     tzset();
     EXPECT_THAT(Told(std::chrono::sys_days(2025y / 12 / 31) + 23h + 59min + 59s),
                 ElementsAre(2025, 12, 31, 23, 59, 59));
 }
 
-TEST(MakeSystemDateTime, KnowsLeapDaysAndTheYear2038) {
+TEST(MakeSystemDateTime, SupportsLeapDaysAndTheYear2038) {
     EXPECT_THAT(Told(std::chrono::sys_days(2028y / 2 / 29)), ElementsAre(2028, 2, 29, 0, 0, 0));
     EXPECT_THAT(Told(std::chrono::sys_days(2038y / 1 / 19) + 3h + 14min + 8s), ElementsAre(2038, 1, 19, 3, 14, 8));
 }
 
-TEST(MakeSystemDateTime, NamesNtpAndUtcAlone) {
+TEST(MakeSystemDateTime, ContainsOnlyNtpAndUtc) {
     auto const context = MakeSoapContext();
     auto const& made = *MakeSystemDateTime(context.get(), std::chrono::sys_days(2025y / 7 / 1));
     EXPECT_EQ(made.DateTimeType, tt__SetDateTimeType__NTP);
@@ -85,16 +85,16 @@ protected:
     std::vector<std::shared_ptr<network::Device>> devices;
 };
 
-TEST_F(NetworkInterfaces, AreNoneWithoutDevices) { EXPECT_THAT(Made(), IsEmpty()); }
+TEST_F(NetworkInterfaces, AreEmptyWithoutDevices) { EXPECT_THAT(Made(), IsEmpty()); }
 
-TEST_F(NetworkInterfaces, AreNoneWhenNoDeviceHasAnAddress) {
+TEST_F(NetworkInterfaces, AreEmptyWhenNoDeviceHasAnAddress) {
     Add("lo", "00:00:00:00:00:00", "0.0.0.0");
     EXPECT_THAT(Made(), IsEmpty());
     Add("eth0", "aa:bb:cc:dd:ee:ff", "0.0.0.0");
     EXPECT_THAT(Made(), IsEmpty());
 }
 
-TEST_F(NetworkInterfaces, AreTheDevicesWithAnAddressInTheirOrder) {
+TEST_F(NetworkInterfaces, ListDevicesWithAnAddressInOrder) {
     Add("wlan0", "", "10.0.0.2");
     Add("tun0", "", "0.0.0.0");
     Add("lo", "", "127.0.0.1");
@@ -102,13 +102,13 @@ TEST_F(NetworkInterfaces, AreTheDevicesWithAnAddressInTheirOrder) {
     EXPECT_THAT(Tokens(), ElementsAre("wlan0", "lo", "eth0"));
 }
 
-TEST_F(NetworkInterfaces, AreTwoForTwoDevicesAlsoOfOneName) {
+TEST_F(NetworkInterfaces, ListDevicesOfTheSameNameSeparately) {
     Add("eth0", "", "10.0.0.2");
     Add("eth0", "", "10.0.0.2");
     EXPECT_THAT(Tokens(), ElementsAre("eth0", "eth0"));
 }
 
-TEST_F(NetworkInterfaces, TellNameHardwareAddressAndAddressAsTheyAreAndEverythingElseAlike) {
+TEST_F(NetworkInterfaces, ReportNameAndAddressesUnchangedAndTheRestAsConstants) {
     Add("eth0.7@é", "aa:bb:cc:dd:ee:ff", "192.168.1.254");
     Add("ppp0", "", "255.255.255.255");
     auto const made = Made();
@@ -128,7 +128,7 @@ TEST_F(NetworkInterfaces, TellNameHardwareAddressAndAddressAsTheyAreAndEverythin
     }
 }
 
-TEST_F(NetworkInterfaces, AreLeftOutOrIncompleteWhereMemoryRunsOut) {
+TEST_F(NetworkInterfaces, AreOmittedOrIncompleteWithoutMemory) {
     Add("eth0", "", "10.0.0.2");
     {
         test::FailingNothrowNew const failing(0);
@@ -138,7 +138,7 @@ TEST_F(NetworkInterfaces, AreLeftOutOrIncompleteWhereMemoryRunsOut) {
     EXPECT_THAT(Made(), ElementsAre(Pointee(testing::Field(&tt__NetworkInterface::Info, nullptr))));
 }
 
-TEST(GetNetworkProtocols, HasToldOfHttpWhenTheRtspPortProvesMissing) {
+TEST(GetNetworkProtocols, AddsHttpBeforeThrowingForAMissingRtspPort) {
     auto const context = MakeSoapContext();
     DeviceService device(context.get(), URIBase(443, true), nullptr, {}, std::make_shared<configuration::node::Root>());
     _tds__GetNetworkProtocolsResponse response;

@@ -86,7 +86,7 @@ bool AwaitLines(logging::Capture const& log, std::size_t count) {
     return test::Eventually([&] { return LinesOf(log).size() >= count; });
 }
 
-TEST(DiscoveryBase, AnswersAProbeOfTheGroupAtItsSource) {
+TEST(DiscoveryBase, AnswersAMulticastProbeAtItsSource) {
     OnOwnNetwork([] {
         Responder const responder;
         auto const answer = ProbeClient().Ask(MakeProbe("urn:uuid:1"));
@@ -105,7 +105,7 @@ TEST(DiscoveryBase, AnswersAProbeSentToItsOwnAddress) {
     });
 }
 
-TEST(DiscoveryBase, AnswersOneProbeAfterTheOther) {
+TEST(DiscoveryBase, AnswersSeveralProbes) {
     OnOwnNetwork([] {
         Responder const responder;
         ProbeClient client;
@@ -145,7 +145,7 @@ TEST(DiscoveryBase, SendsNothingToTheGroup) {
     });
 }
 
-TEST(DiscoveryBase, LogsWhatItReceivesAndSends) {
+TEST(DiscoveryBase, LogsRequestsAndResponses) {
     OnOwnNetwork([] {
         logging::Capture const log;
         auto const probe = MakeProbe("urn:uuid:1");
@@ -158,7 +158,7 @@ TEST(DiscoveryBase, LogsWhatItReceivesAndSends) {
     });
 }
 
-TEST(DiscoveryBase, LogsWhatItCannotParseAndGoesOn) {
+TEST(DiscoveryBase, LogsUnparsableDatagramsAndContinues) {
     OnOwnNetwork([] {
         logging::Capture const log;
         Responder const responder;
@@ -170,7 +170,7 @@ TEST(DiscoveryBase, LogsWhatItCannotParseAndGoesOn) {
     });
 }
 
-TEST(DiscoveryBase, LogsEveryDatagramByItself) {
+TEST(DiscoveryBase, LogsEachDatagramSeparately) {
     OnOwnNetwork([] {
         logging::Capture const log;
         Responder const responder;
@@ -188,7 +188,7 @@ TEST(DiscoveryBase, LogsEveryDatagramByItself) {
     });
 }
 
-TEST(DiscoveryBase, SendsNothingWhenTheAnswerIsNotValid) {
+TEST(DiscoveryBase, SendsNothingWhenTheResponseIsInvalid) {
     OnOwnNetwork([] {
         logging::Capture const log;
         Responder const responder;
@@ -202,7 +202,7 @@ TEST(DiscoveryBase, SendsNothingWhenTheAnswerIsNotValid) {
     });
 }
 
-TEST(DiscoveryBase, MakesNothingOfAReceivingThatFails) {
+TEST(DiscoveryBase, IgnoresAReceiveError) {
     OnOwnNetwork([] {
         logging::Capture const log;
         Responder const responder;
@@ -222,7 +222,7 @@ TEST(DiscoveryBase, MakesNothingOfAReceivingThatFails) {
 }
 
 #ifndef ZARN_SANITIZED_ADDRESSES // the type check of UBSan opens pipes
-TEST(DiscoveryBase, LogsAnAnswerThatCannotBeSent) {
+TEST(DiscoveryBase, LogsAFailedSend) {
     OnOwnNetwork([] {
         logging::Capture const log;
         Responder const responder;
@@ -241,7 +241,7 @@ TEST(DiscoveryBase, LogsAnAnswerThatCannotBeSent) {
 }
 #endif
 
-TEST(DiscoveryBase, ReadsADatagramOfTheLargestSize) {
+TEST(DiscoveryBase, AcceptsADatagramOf65000Bytes) {
     OnOwnNetwork([] {
         Responder const responder;
         auto const probe = MakeProbe("urn:uuid:1");
@@ -252,7 +252,7 @@ TEST(DiscoveryBase, ReadsADatagramOfTheLargestSize) {
     });
 }
 
-TEST(DiscoveryBase, TriesAgainUntilThereIsANetwork) {
+TEST(DiscoveryBase, RetriesUntilThereIsANetwork) {
     bool const entered = test::RunInNetworkNamespace([] {
         logging::Capture const log;
         Responder const responder(20ms);
@@ -266,7 +266,7 @@ TEST(DiscoveryBase, TriesAgainUntilThereIsANetwork) {
     if (!entered) GTEST_SKIP() << test::WhyNoNamespace();
 }
 
-TEST(DiscoveryBase, TriesAgainUntilThePortIsFree) {
+TEST(DiscoveryBase, RetriesUntilThePortIsFree) {
     OnOwnNetwork([] {
         logging::Capture const log;
         auto holder = std::make_unique<PortHolder>();
@@ -295,7 +295,7 @@ TEST(DiscoveryBase, TriesOnceInEachInterval) {
     });
 }
 
-TEST(DiscoveryBase, TriesAgainAfterTenSeconds) {
+TEST(DiscoveryBase, RetriesAfterTenSecondsByDefault) {
     EXPECT_EQ(Responder::RetryInterval, 10s);
     OnOwnNetwork([] {
         logging::Capture const log;
@@ -315,7 +315,7 @@ bool AwaitThreads(std::ptrdiff_t count) {
     return test::Eventually([&] { return CountThreads() <= count; });
 }
 
-TEST(DiscoveryBase, DoesNotTryAgainOnceItIsGone) {
+TEST(DiscoveryBase, DoesNotRetryOnceDestroyed) {
     OnOwnNetwork([] {
         logging::Capture const log;
         PortHolder const holder;
@@ -345,7 +345,7 @@ public:
     Response HandleReceive(Request const&) override { return {}; }
 };
 
-TEST(DiscoveryBase, RunsNothingAnyMoreWhenItCannotBegin) {
+TEST(DiscoveryBase, EndsItsThreadWhenItCannotStart) {
     OnOwnNetwork([] {
         PortHolder const holder;
         auto const before = CountThreads();

@@ -35,14 +35,14 @@ zarn::onvif::discovery::Response Ask(Discovery& discovery) {
 
 std::string Address() { return network::GetLocalIPAddress().to_string(); }
 
-TEST(Discovery, HasNoAnswerWithPortZeroUntilItIsToldThePort) {
+TEST(Discovery, HasNoValidResponseUntilThePortIsSet) {
     Discovery discovery(Identity(), 0, false);
     EXPECT_FALSE(Ask(discovery).IsValid());
     discovery.SetPort(0);
     EXPECT_TRUE(Ask(discovery).IsValid());
 }
 
-TEST(Discovery, AnswersNothingWithPortZeroUntilItIsToldThePort) {
+TEST(Discovery, SendsNoResponseUntilThePortIsSet) {
     OnOwnNetwork([] {
         Discovery discovery(Identity(), 0, false);
         logging::Capture const log;
@@ -63,7 +63,7 @@ TEST(Discovery, TellsPortZeroWhenItIsToldThatAfterAnother) {
     EXPECT_THAT(Ask(discovery).GetXML(), HasSubstr("http://" + Address() + ":0/onvif/device_service"));
 }
 
-TEST(Discovery, AnswersAtOnceWithAPort) {
+TEST(Discovery, AnswersAtOnceWithAnInitialPort) {
     OnOwnNetwork([] {
         Discovery const discovery(Identity(), 8080, false);
         auto const answer = ProbeClient().Ask(MakeProbe("urn:uuid:1"));
@@ -73,7 +73,7 @@ TEST(Discovery, AnswersAtOnceWithAPort) {
     });
 }
 
-TEST(Discovery, TellsPortAndTlsAsTheyWereToldLast) {
+TEST(Discovery, ReportsTheLatestPortAndTlsState) {
     Discovery discovery(Identity(), 8443, true);
     EXPECT_THAT(Ask(discovery).GetXML(), HasSubstr("https://" + Address() + ":8443/onvif/device_service"));
     discovery.SetPort(80);
@@ -81,7 +81,7 @@ TEST(Discovery, TellsPortAndTlsAsTheyWereToldLast) {
     EXPECT_THAT(Ask(discovery).GetXML(), HasSubstr("http://" + Address() + ":80/onvif/device_service"));
 }
 
-TEST(Discovery, AnswersToWhomTheProbeSays) {
+TEST(Discovery, AddressesTheResponseToReplyTo) {
     OnOwnNetwork([] {
         Discovery const discovery(Identity(), 8080, false);
         auto probe = MakeProbe("urn:uuid:1");
@@ -90,7 +90,7 @@ TEST(Discovery, AnswersToWhomTheProbeSays) {
     });
 }
 
-TEST(Discovery, MayBeToldWhileItAnswers) {
+TEST(Discovery, MayBeUpdatedWhileAnswering) {
     OnOwnNetwork([] {
         Discovery discovery(Identity(), 1, false);
         std::atomic<bool> over = false;

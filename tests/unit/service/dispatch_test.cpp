@@ -57,18 +57,18 @@ protected:
     std::string text;
 };
 
-TEST_F(DispatchTest, AsksTheServicesInOrderUntilOneKnowsTheOperation) {
+TEST_F(DispatchTest, TriesTheServicesInOrderUntilOneKnowsTheOperation) {
     Run({SOAP_NO_METHOD, SOAP_NO_METHOD, SOAP_OK, SOAP_OK, SOAP_OK});
     EXPECT_THAT(calls, ElementsAre(0, 1, 2));
 }
 
-TEST_F(DispatchTest, WritesNothingOfItsOwnWhenTheOperationWasServed) {
+TEST_F(DispatchTest, WritesNothingAfterASuccessfulOperation) {
     Run({SOAP_OK, SOAP_OK, SOAP_OK, SOAP_OK, SOAP_OK});
     EXPECT_THAT(calls, ElementsAre(0));
     EXPECT_EQ(CountResponses(), 0U);
 }
 
-TEST_F(DispatchTest, WritesTheFaultOfAnOperationTwiceAndAsksNobodyElse) {
+TEST_F(DispatchTest, WritesAFaultTwiceAndTriesNoOtherService) {
     for (int const result : {SOAP_FAULT, 401}) {
         calls.clear();
         Run({SOAP_NO_METHOD, result, SOAP_OK, SOAP_OK, SOAP_OK});
@@ -77,13 +77,13 @@ TEST_F(DispatchTest, WritesTheFaultOfAnOperationTwiceAndAsksNobodyElse) {
     }
 }
 
-TEST_F(DispatchTest, WritesOneFaultWhenNobodyKnowsTheOperation) {
+TEST_F(DispatchTest, WritesOneFaultForAnUnknownOperation) {
     Run({SOAP_NO_METHOD, SOAP_NO_METHOD, SOAP_NO_METHOD, SOAP_NO_METHOD, SOAP_NO_METHOD});
     EXPECT_THAT(calls, ElementsAre(0, 1, 2, 3, 4));
     EXPECT_EQ(CountResponses(), 1U);
 }
 
-TEST_F(DispatchTest, WritesOneFaultAndAsksNobodyWhenTheRequestCannotBeRead) {
+TEST_F(DispatchTest, WritesOneFaultForAnUnreadableRequest) {
     Run({SOAP_OK, SOAP_OK, SOAP_OK, SOAP_OK, SOAP_OK}, "no envelope");
     EXPECT_THAT(calls, IsEmpty());
     EXPECT_EQ(CountResponses(), 1U);

@@ -45,7 +45,7 @@ TEST_F(EventConversions, AreOfferedInTheOrderOfTheFamilies) {
     EXPECT_THAT(names, ElementsAre("FieldDetector", "LineDetector", "LoiteringDetector", "CountAggregation"));
 }
 
-TEST_F(EventConversions, ClaimWhatTheyMakeAMessageOf) {
+TEST_F(EventConversions, ClaimTheEventsTheyConvert) {
     auto const field = Make("presence");
     field->Emplace<data::Zone>(data::Zone::Field);
     EXPECT_THAT(GetClaims(field), ElementsAre("FieldDetector"));
@@ -56,18 +56,18 @@ TEST_F(EventConversions, ClaimWhatTheyMakeAMessageOf) {
     EXPECT_EQ(messages.size(), 3U);
 }
 
-TEST_F(EventConversions, DoNotClaimLoiteringAlthoughTheyMakeAMessageOfIt) {
+TEST_F(EventConversions, ConvertLoiteringWithoutClaimingIt) {
     EXPECT_THAT(GetClaims(Make("dwell")), ElementsAre());
     EXPECT_EQ(messages.size(), 1U);
 }
 
-TEST_F(EventConversions, LeaveOtherEventsAlone) {
+TEST_F(EventConversions, IgnoreOtherEvents) {
     EXPECT_THAT(GetClaims(Make("presence")), ElementsAre());
     EXPECT_THAT(GetClaims(Make("unknown")), ElementsAre());
     EXPECT_EQ(messages.size(), 0U);
 }
 
-TEST(ObjectCompare, OrdersByIdAlone) {
+TEST(ObjectCompare, OrdersOnlyById) {
     data::Object const first(2);
     data::Object const second(2);
     data::Object const third(3);

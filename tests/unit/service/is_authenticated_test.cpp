@@ -74,30 +74,30 @@ protected:
     ZarnAuthenticationEngine engine;
 };
 
-TEST_F(IsAuthenticatedTest, AsksTheEngineForTheAdministratorWithWhatTheClientSent) {
+TEST_F(IsAuthenticatedTest, ChecksTheClientsDigestForTheAdministrator) {
     EXPECT_TRUE(IsAuthenticatedAt("/onvif/x", {true}));
     EXPECT_THAT(Questions, ElementsAre(Question("/onvif/x")));
 }
 
-TEST_F(IsAuthenticatedTest, GivesTheEngineEmptyTextsForWhatTheClientLeftOut) {
+TEST_F(IsAuthenticatedTest, PassesMissingParametersAsEmptyStrings) {
     EXPECT_TRUE(IsAuthenticatedBy("", "/onvif/x", {true}));
     EXPECT_THAT(Questions,
                 ElementsAre(ElementsAre("zarn.service.onvif", "", "admin", "0123456789abcdef0123456789abcdef", "POST",
                                         "/onvif/x", "", "", "", "")));
 }
 
-TEST_F(IsAuthenticatedTest, AsksOnceWhenThePathHasNoQuery) {
+TEST_F(IsAuthenticatedTest, ChecksOnceForAPathWithoutAQuery) {
     EXPECT_FALSE(IsAuthenticatedAt("/onvif/x", {false, true}));
     EXPECT_THAT(Questions, ElementsAre(Question("/onvif/x")));
     EXPECT_STREQ(context->authrealm, "r");
 }
 
-TEST_F(IsAuthenticatedTest, AsksOnceWhenTheWholePathIsRight) {
+TEST_F(IsAuthenticatedTest, ChecksOnceWhenTheWholePathMatches) {
     EXPECT_TRUE(IsAuthenticatedAt("/onvif/x?y=1", {true, false}));
     EXPECT_THAT(Questions, ElementsAre(Question("/onvif/x?y=1")));
 }
 
-TEST_F(IsAuthenticatedTest, AsksAgainForThePathBeforeTheFirstQuestionMark) {
+TEST_F(IsAuthenticatedTest, ChecksAgainWithoutTheQuery) {
     EXPECT_TRUE(IsAuthenticatedAt("/onvif/x?y=1?z", {false, true}));
     EXPECT_THAT(Questions, ElementsAre(Question("/onvif/x?y=1?z"), Question("/onvif/x")));
 }
@@ -107,30 +107,30 @@ TEST_F(IsAuthenticatedTest, IsFalseWhenBothPathsAreWrong) {
     EXPECT_THAT(Questions, ElementsAre(Question("/onvif/x?"), Question("/onvif/x")));
 }
 
-TEST_F(IsAuthenticatedTest, AsksNothingAboutADigestOfAnotherAlgorithm) {
+TEST_F(IsAuthenticatedTest, SkipsTheCheckForAnotherAlgorithm) {
     EXPECT_FALSE(IsAuthenticatedAt("/onvif/x?y=1", {true, true}, "algorithm=MD5-sess, "));
     EXPECT_THAT(Questions, IsEmpty());
     EXPECT_STREQ(context->authrealm, "r");
 }
 
-TEST_F(IsAuthenticatedTest, AsksAboutADigestOfMd5InAnyCase) {
+TEST_F(IsAuthenticatedTest, ChecksMd5SpeltInAnyCase) {
     EXPECT_TRUE(IsAuthenticatedAt("/onvif/x", {true}, "algorithm=\"mD5\", "));
     EXPECT_THAT(Questions, ElementsAre(Question("/onvif/x")));
 }
 
-TEST_F(IsAuthenticatedTest, AsksNothingWhileTheHostRequiresNone) {
+TEST_F(IsAuthenticatedTest, SkipsTheCheckWhileAuthenticationIsOff) {
     engine.SetEnabled(false);
     EXPECT_TRUE(IsAuthenticatedAt("/onvif/x", {}));
     EXPECT_THAT(Questions, IsEmpty());
 }
 
-TEST_F(IsAuthenticatedTest, IsTrueWithoutALookAtTheRequestWhileTheHostRequiresNone) {
+TEST_F(IsAuthenticatedTest, IsTrueWithoutCredentialsWhileAuthenticationIsOff) {
     engine.SetEnabled(false);
     EXPECT_TRUE(IsAuthenticated(context.get(), &engine));
     EXPECT_EQ(context->authrealm, nullptr);
 }
 
-TEST_F(IsAuthenticatedTest, IsFalseAndSetsTheRealmWhenTheUserOrTheRealmIsMissingOrEmpty) {
+TEST_F(IsAuthenticatedTest, IsFalseAndSetsTheRealmWithoutUserOrRealm) {
     char const* const texts[] = {nullptr, "", "given"};
     for (auto const* user : texts)
         for (auto const* realm : texts) {

@@ -34,22 +34,22 @@ protected:
     std::shared_ptr<struct soap> context = MakeSoapContext();
 };
 
-TEST_F(Media2ServiceTest, ListsNoSourcesOfChannelsThatAreNoCollection) {
+TEST_F(Media2ServiceTest, ThrowsWhenTheChannelsAreNotACollection) {
     ExpectBadCast(std::make_shared<configuration::node::Root>(), "unknown");
 }
 
-TEST_F(Media2ServiceTest, ListsNoSourcesWhenAChannelIsNoMap) {
+TEST_F(Media2ServiceTest, ThrowsWhenAChannelIsNotAMap) {
     ExpectBadCast(std::make_shared<test::OddRoot>(), "zarn.configuration.node.Map");
 }
 
-TEST_F(Media2ServiceTest, ListsNoSourcesWhenTheNameOfAChannelIsNoText) {
+TEST_F(Media2ServiceTest, ThrowsWhenTheNameOfAChannelIsNotAString) {
     auto const root = std::make_shared<configuration::node::Root>();
     root->Schema({Schema::Collection("channels", {Schema("name", 7U, "a number")}, "channels")});
     root->FromJson(boost::json::parse(R"({"channels": {"1": {}}})"));
     ExpectBadCast(root, "zarn.configuration.node.String");
 }
 
-TEST_F(Media2ServiceTest, AsksForNoDescriptionToListTheSources) {
+TEST_F(Media2ServiceTest, ListsTheSourcesWithoutVideoInfo) {
     auto const root = std::make_shared<configuration::node::Root>();
     root->Schema({Schema::Collection("channels", {Schema("name", "", "a text")}, "channels")});
     root->FromJson(boost::json::parse(R"({"channels": {"2": {}, "1": {}}})"));
@@ -60,7 +60,7 @@ TEST_F(Media2ServiceTest, AsksForNoDescriptionToListTheSources) {
     EXPECT_THAT(response.Options->VideoSourceTokensAvailable, ElementsAre("channels.2", "channels.1"));
 }
 
-TEST_F(Media2ServiceTest, NeedsADescriptionOfTheChannelForItsOptionsOnly) {
+TEST_F(Media2ServiceTest, NeedsVideoInfoOnlyForSourceAndEncoderOptions) {
     Media2Service service(context.get(), nullptr, nullptr, false, nullptr);
     std::string token = "channels.1";
     tr2__GetConfiguration request;

@@ -25,55 +25,55 @@ using testing::Throws;
 
 // Ids, codecs and tokens
 
-TEST(GetChannelId, IsWhatFollowsTheLastDot) {
+TEST(GetChannelId, ReturnsTheTextAfterTheLastDot) {
     EXPECT_EQ(GetChannelId("channels.1"), "1");
     EXPECT_EQ(GetChannelId("a.b.c-d_e"), "c-d_e");
     EXPECT_EQ(GetChannelId(".1"), "1");
 }
 
-TEST(GetChannelId, IsTheWholeTokenWhenItHoldsNoDot) {
+TEST(GetChannelId, ReturnsTheWholeTokenWithoutADot) {
     EXPECT_EQ(GetChannelId("1"), "1");
     EXPECT_EQ(GetChannelId(""), "");
 }
 
-TEST(GetChannelId, IsEmptyWhenTheTokenEndsInADot) {
+TEST(GetChannelId, ReturnsNothingForATokenThatEndsInADot) {
     EXPECT_EQ(GetChannelId("channels."), "");
     EXPECT_EQ(GetChannelId(".."), "");
 }
 
-TEST(ConvertCodec, IsWhatFollowsTheLastHyphenInUpperCase) {
+TEST(ConvertCodec, ReturnsTheTextAfterTheLastHyphenInUpperCase) {
     EXPECT_EQ(ConvertCodec("video/x-h264"), "H264");
     EXPECT_EQ(ConvertCodec("video/x-h265"), "H265");
     EXPECT_EQ(ConvertCodec("video/x-vnd-mp4v"), "MP4V");
     EXPECT_EQ(ConvertCodec("-av1"), "AV1");
 }
 
-TEST(ConvertCodec, IsWhatFollowsTheLastSlashWhenThereIsNoHyphen) {
+TEST(ConvertCodec, ReturnsTheTextAfterTheLastSlashWithoutAHyphen) {
     EXPECT_EQ(ConvertCodec("video/h265"), "H265");
     EXPECT_EQ(ConvertCodec("image/jpeg"), "JPEG");
     EXPECT_EQ(ConvertCodec("a/b/c"), "C");
 }
 
-TEST(ConvertCodec, PrefersTheHyphenAlsoToALaterSlash) { EXPECT_EQ(ConvertCodec("video/x-h264/main"), "H264/MAIN"); }
+TEST(ConvertCodec, PrefersTheHyphenEvenToALaterSlash) { EXPECT_EQ(ConvertCodec("video/x-h264/main"), "H264/MAIN"); }
 
-TEST(ConvertCodec, IsEmptyWithoutHyphenAndSlash) {
+TEST(ConvertCodec, ReturnsNothingWithoutHyphenOrSlash) {
     EXPECT_EQ(ConvertCodec("h264"), "");
     EXPECT_EQ(ConvertCodec(""), "");
 }
 
-TEST(ConvertCodec, IsEmptyWhenNothingFollows) {
+TEST(ConvertCodec, ReturnsNothingForATrailingHyphenOrSlash) {
     EXPECT_EQ(ConvertCodec("video/x-"), "");
     EXPECT_EQ(ConvertCodec("video/"), "");
 }
 
-TEST(ConvertCodec, LeavesWhatHasNoUpperCaseInTheLocale) { EXPECT_EQ(ConvertCodec("video/x-ü1_摄"), "ü1_摄"); }
+TEST(ConvertCodec, KeepsCharactersWithoutUpperCaseInTheLocale) { EXPECT_EQ(ConvertCodec("video/x-ü1_摄"), "ü1_摄"); }
 
 /// Makes "4" the upper case of "x".
 class OddUpperCase : public std::ctype<char> {
     char do_toupper(char character) const override { return character == 'x' ? '4' : character; }
 };
 
-TEST(ConvertCodec, AsksTheGlobalLocaleForEveryCharacter) {
+TEST(ConvertCodec, UsesTheGlobalLocaleForEveryCharacter) {
     auto const before = std::locale::global(std::locale(std::locale::classic(), new OddUpperCase));
     auto const encoding = ConvertCodec("video/x-hx6x");
     std::locale::global(before);
@@ -88,7 +88,7 @@ protected:
     tr2__GetConfiguration request;
 };
 
-TEST_F(GetTokenOf, NoRequestIsEmpty) { EXPECT_EQ(GetToken(nullptr), ""); }
+TEST_F(GetTokenOf, ANullRequestIsEmpty) { EXPECT_EQ(GetToken(nullptr), ""); }
 
 TEST_F(GetTokenOf, ARequestWithoutTokensIsEmpty) { EXPECT_EQ(GetToken(&request), ""); }
 
@@ -100,7 +100,7 @@ TEST_F(GetTokenOf, ARequestWithOneTokenIsThatToken) {
     EXPECT_EQ(GetToken(&request), "channels.1");
 }
 
-TEST_F(GetTokenOf, ARequestWithBothTokensIsTheProfileTokenAlsoAnEmptyOne) {
+TEST_F(GetTokenOf, ARequestWithBothTokensIsTheProfileTokenEvenIfEmpty) {
     request.ConfigurationToken = &configuration;
     request.ProfileToken = &profile;
     EXPECT_EQ(GetToken(&request), "channels.1");
@@ -133,7 +133,7 @@ protected:
     VideoInfo const info{{1920, 1080}, "video/x-h265", 25, 1};
 };
 
-TEST_F(Make, VideoSourceConfigurationIsTheWholePictureOfTheChannelItself) {
+TEST_F(Make, VideoSourceConfigurationCoversTheWholePicture) {
     auto const& made = *MakeVideoSourceConfiguration(soap, token, name, info);
     ExpectIdentity(made);
     EXPECT_EQ(made.SourceToken, "channels.1");
@@ -143,7 +143,7 @@ TEST_F(Make, VideoSourceConfigurationIsTheWholePictureOfTheChannelItself) {
     EXPECT_EQ(made.Bounds->height, 1080);
 }
 
-TEST_F(Make, VideoEncoderConfigurationClaimsH264WhateverTheCodec) {
+TEST_F(Make, VideoEncoderConfigurationClaimsH264ForAnyCodec) {
     auto const& made = *MakeVideoEncoderConfiguration(soap, token, name, info);
     ExpectIdentity(made);
     EXPECT_EQ(made.Encoding, tt__VideoEncoding__H264);
@@ -154,7 +154,7 @@ TEST_F(Make, VideoEncoderConfigurationClaimsH264WhateverTheCodec) {
     EXPECT_EQ(made.SessionTimeout, "PT0S");
 }
 
-TEST_F(Make, MetadataConfigurationCarriesAnalyticsAndNothingElse) {
+TEST_F(Make, MetadataConfigurationContainsOnlyAnalytics) {
     auto const& made = *MakeMetadataConfiguration(soap, token, name);
     ExpectIdentity(made);
     EXPECT_THAT(made.Analytics, Pointee(true));
@@ -179,13 +179,13 @@ TEST_F(Make, ResolutionOfNoVideoIsZero) {
     EXPECT_EQ(made.Height, 0);
 }
 
-TEST_F(Make, ResolutionKeepsTheBitsOfASizeThatNoIntHolds) {
+TEST_F(Make, ResolutionWrapsASizeAboveInt32) {
     auto const& made = *MakeResolution(soap, {{std::numeric_limits<std::uint32_t>::max(), 2147483648U}, "", 0, 1});
     EXPECT_EQ(made.Width, -1);
     EXPECT_EQ(made.Height, std::numeric_limits<int>::min());
 }
 
-TEST_F(Make, LeavesOutWhatThereIsNoMemoryForAndTheRestCanBeWritten) {
+TEST_F(Make, OmitsMembersWithoutMemoryAndCanStillBeWritten) {
     for (int n = 1; n < 10; ++n) {
         tt__Profile const* profile = nullptr;
         {
@@ -201,7 +201,7 @@ TEST_F(Make, LeavesOutWhatThereIsNoMemoryForAndTheRestCanBeWritten) {
     }
 }
 
-TEST_F(Make, IsNullWithoutMemory) {
+TEST_F(Make, ReturnsNullWithoutMemory) {
     test::FailingNothrowNew const failing(0);
     EXPECT_EQ(MakeProfile(soap, token, name, info), nullptr);
     EXPECT_EQ(MakeVideoSourceConfiguration(soap, token, name, info), nullptr);
@@ -237,7 +237,7 @@ TEST_F(Uri, OfASnapshotNamesTheChannelIdOnTheWebPort) {
     EXPECT_EQ(MakeSnapshotUri(*root, false, "channels."), "http://" + address + ":80/snapshot//latest.jpeg");
 }
 
-TEST_F(Uri, ThrowsBadCastWithTheTypeOfPortsWhenASettingIsMissingOrNone) {
+TEST_F(Uri, ThrowsBadCastForAMissingOrInvalidPort) {
     auto const odd = std::make_shared<configuration::node::Root>();
     auto const isBadCast = [](char const* path) {
         return Throws<object::BadCast>(AllOf(Property(&object::BadCast::GetTypeName, "zarn.configuration.node.UInt16"),

@@ -187,7 +187,7 @@ protected:
     _tev__PullMessages request;
 };
 
-TEST_F(PullMessagesWithoutMemory, SucceedsWithWhatCouldBeMade) {
+TEST_F(PullMessagesWithoutMemory, SucceedsWithAPartialResponse) {
     for (char const* topics : {static_cast<char const*>(nullptr), "tns1:RuleEngine/CountAggregation/Counter"}) {
         auto const address = Subscribe(topics);
         Expect([&](soap* soap) { return MakeEvents(soap, address); }, &EventsService::PullMessages, request);

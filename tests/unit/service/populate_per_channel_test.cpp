@@ -69,7 +69,7 @@ protected:
     std::vector<std::future<void>> attempts; ///< joins the threads when the test is over
 };
 
-TEST_F(PopulatePerChannelTest, MakesOneObjectOfPathNameAndDescriptionInTheOrderOfTheMap) {
+TEST_F(PopulatePerChannelTest, MakesOneObjectPerChannelInMapOrder) {
     Populate();
     EXPECT_THAT(out,
                 ElementsAre(Pointee(std::string("channels.1 Gate 101")), Pointee(std::string("channels.11 Yard 102")),
@@ -77,7 +77,7 @@ TEST_F(PopulatePerChannelTest, MakesOneObjectOfPathNameAndDescriptionInTheOrderO
     EXPECT_THAT(asked, ElementsAre("1", "11", "a-b"));
 }
 
-TEST_F(PopulatePerChannelTest, AppendsToWhatIsThere) {
+TEST_F(PopulatePerChannelTest, AppendsToExistingElements) {
     std::string present;
     out.push_back(&present);
     Populate();
@@ -85,20 +85,20 @@ TEST_F(PopulatePerChannelTest, AppendsToWhatIsThere) {
     EXPECT_EQ(out.front(), &present);
 }
 
-TEST_F(PopulatePerChannelTest, SelectsTheChannelWhosePathIsTheTokenAndAsksForNoOther) {
+TEST_F(PopulatePerChannelTest, SelectsOnlyTheChannelWithThatToken) {
     Populate("channels.1");
     EXPECT_THAT(out, ElementsAre(Pointee(std::string("channels.1 Gate 101"))));
     EXPECT_THAT(asked, ElementsAre("1"));
 }
 
-TEST_F(PopulatePerChannelTest, SelectsNothingByATokenThatIsNoPath) {
+TEST_F(PopulatePerChannelTest, SelectsNothingForAnUnknownToken) {
     for (auto const* token : {"1", "channels", "channels.", "channels.2", "Channels.1", "channels.1.", " "})
         Populate(token);
     EXPECT_THAT(out, IsEmpty());
     EXPECT_THAT(asked, IsEmpty());
 }
 
-TEST_F(PopulatePerChannelTest, LeavesOutWhatTheMakerCouldNotMake) {
+TEST_F(PopulatePerChannelTest, OmitsObjectsThatCannotBeMade) {
     auto const make = [](struct soap*, auto const&, auto const&, auto const&) -> std::string* { return nullptr; };
     PopulatePerChannel(soap, out, make, channelInfo, root, "");
     EXPECT_THAT(out, IsEmpty());
@@ -110,7 +110,7 @@ TEST_F(PopulatePerChannelTest, MakesNothingWithoutChannels) {
     EXPECT_THAT(out, IsEmpty());
 }
 
-TEST_F(PopulatePerChannelTest, HoldsTheLockWhileItAsksAndNoLonger) {
+TEST_F(PopulatePerChannelTest, HoldsTheLockOnlyDuringTheCallback) {
     channelInfo = [this](std::string const&) {
         EXPECT_FALSE(IsLockFree(std::chrono::milliseconds(20)));
         return VideoInfo();
@@ -120,13 +120,13 @@ TEST_F(PopulatePerChannelTest, HoldsTheLockWhileItAsksAndNoLonger) {
     EXPECT_THAT(attempts, SizeIs(2));
 }
 
-TEST_F(PopulatePerChannelTest, GivesTheLockBackWhenTheDescriptionCannotBeHad) {
+TEST_F(PopulatePerChannelTest, ReleasesTheLockWhenTheCallbackThrows) {
     channelInfo = nullptr;
     EXPECT_THROW(Populate(), std::bad_function_call);
     EXPECT_TRUE(IsLockFree(std::chrono::seconds(30)));
 }
 
-TEST_F(PopulatePerChannelTest, ThrowsBadCastWithUnknownWhenTheChannelsAreNoCollection) {
+TEST_F(PopulatePerChannelTest, ThrowsBadCastWhenTheChannelsAreNotACollection) {
     root = std::make_shared<configuration::node::Root>();
     ExpectBadCast("unknown", "channels");
     root->Schema({Schema("channels.1.name", "Gate", "a map")});
@@ -137,19 +137,19 @@ TEST_F(PopulatePerChannelTest, ThrowsBadCastWithUnknownWhenTheChannelsAreNoColle
     EXPECT_THAT(asked, IsEmpty());
 }
 
-TEST_F(PopulatePerChannelTest, ThrowsBadCastWithTheTypeOfMapsWhenAnEntryIsNone) {
+TEST_F(PopulatePerChannelTest, ThrowsBadCastWhenAnEntryIsNotAMap) {
     root = std::make_shared<test::OddRoot>();
     ExpectBadCast("zarn.configuration.node.Map", "channels.1");
     EXPECT_THAT(asked, IsEmpty());
 }
 
-TEST_F(PopulatePerChannelTest, SkipsAnEntryThatIsNoMapWhenAnotherIsAskedFor) {
+TEST_F(PopulatePerChannelTest, IgnoresAnInvalidEntryWhenAnotherIsRequested) {
     root = std::make_shared<test::OddRoot>();
     EXPECT_NO_THROW(Populate("channels.2"));
     EXPECT_THAT(out, IsEmpty());
 }
 
-TEST_F(PopulatePerChannelTest, ThrowsBadCastWithTheTypeOfTextsWhenANameIsNone) {
+TEST_F(PopulatePerChannelTest, ThrowsBadCastWhenANameIsNotAString) {
     for (auto const& entry : {Schema("name", 7U, "a number"), Schema("name.first", "Gate", "a map")}) {
         root = std::make_shared<configuration::node::Root>();
         root->Schema({Schema::Collection("channels", {entry}, "channels")});
@@ -159,7 +159,7 @@ TEST_F(PopulatePerChannelTest, ThrowsBadCastWithTheTypeOfTextsWhenANameIsNone) {
     EXPECT_THAT(asked, IsEmpty());
 }
 
-TEST_F(PopulatePerChannelTest, TakesTheIdOfAChannelWithoutAName) {
+TEST_F(PopulatePerChannelTest, CallsAChannelWithoutANameByItsId) {
     root = std::make_shared<configuration::node::Root>();
     root->Schema({Schema::Collection("channels", {Schema("title", "Gate", "another name")}, "channels")});
     root->FromJson(boost::json::parse(R"({"channels": {"7": {}, "gate-2": {}}})"));
@@ -168,7 +168,7 @@ TEST_F(PopulatePerChannelTest, TakesTheIdOfAChannelWithoutAName) {
         out, ElementsAre(Pointee(std::string("channels.7 7 101")), Pointee(std::string("channels.gate-2 gate-2 102"))));
 }
 
-TEST_F(PopulatePerChannelTest, ThrowsBadFunctionCallWhenNobodyDescribesChannels) {
+TEST_F(PopulatePerChannelTest, ThrowsBadFunctionCallWithoutAVideoInfoCallback) {
     channelInfo = nullptr;
     EXPECT_THROW(Populate(), std::bad_function_call);
 }

@@ -40,13 +40,13 @@ TEST_F(Fault, OfTheSenderHasCodeReasonAndSubcodesOutermostFirst) {
     EXPECT_EQ(context->fault->SOAP_ENV__Detail, nullptr);
 }
 
-TEST_F(Fault, OfTheReceiverHasItsCode) {
+TEST_F(Fault, OfTheReceiverHasTheReceiverCode) {
     EXPECT_EQ(SoapFault(context.get(), FaultCode::Receiver, "reason", "ter:Action"), SOAP_FAULT);
     EXPECT_THAT(std::string(context->fault->SOAP_ENV__Code->SOAP_ENV__Value), EndsWith(":Receiver"));
     EXPECT_THAT(Subcodes(), ElementsAre("ter:Action"));
 }
 
-TEST_F(Fault, IsTheReceiversForEveryCodeThatIsNotZero) {
+TEST_F(Fault, OfAnUnknownCodeHasTheReceiverCode) {
     SoapFault(context.get(), static_cast<FaultCode>(7), "reason", "ter:Action");
     EXPECT_THAT(std::string(context->fault->SOAP_ENV__Code->SOAP_ENV__Value), EndsWith(":Receiver"));
 }
@@ -58,13 +58,13 @@ TEST_F(Fault, KeepsItsOwnCopyOfTheSubcodes) {
     EXPECT_THAT(Subcodes(), ElementsAre("ter:First"));
 }
 
-TEST_F(Fault, NamesAnUnservedOperationNotSupported) {
+TEST_F(Fault, ReportsAnUnservedOperationAsNotSupported) {
     EXPECT_EQ(NotSupported(context.get()), SOAP_FAULT);
     EXPECT_STREQ(*soap_faultstring(context.get()), "Not supported");
     EXPECT_THAT(Subcodes(), ElementsAre("ter:ActionNotSupported"));
 }
 
-TEST_F(Fault, GoesOutWithWhatWasBuiltWhenMemoryIsShort) {
+TEST_F(Fault, OmitsItsSubcodesWithoutMemory) {
     // The fault and its code exist from here on; only the subcodes have to be allocated.
     SoapFault(context.get(), FaultCode::Sender, "earlier", "ter:Earlier");
     test::FailingNothrowNew const failing(1);
@@ -73,7 +73,7 @@ TEST_F(Fault, GoesOutWithWhatWasBuiltWhenMemoryIsShort) {
     EXPECT_THAT(Subcodes(), IsEmpty());
 }
 
-TEST_F(Fault, LosesTheLevelThatThereIsNoMemoryForWithWhatIsBelowIt) {
+TEST_F(Fault, LosesTheInnerSubcodeWithoutMemory) {
     SoapFault(context.get(), FaultCode::Sender, "earlier", "ter:Earlier");
     test::FailingNothrowNew const failing(0, 1); // the innermost is made first
     EXPECT_EQ(SoapFault(context.get(), FaultCode::Sender, "reason", "ter:Outer", "ter:Inner"), SOAP_FAULT);

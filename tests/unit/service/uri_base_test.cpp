@@ -8,7 +8,7 @@ namespace {
 
 std::string Address() { return network::GetLocalIPAddress().to_string(); }
 
-TEST(URIBase, AlwaysWritesThePortAlsoTheDefaultOfItsScheme) {
+TEST(URIBase, AlwaysWritesThePortEvenTheDefault) {
     EXPECT_EQ(URIBase(80, false).GetBaseUri(), "http://" + Address() + ":80/onvif");
     EXPECT_EQ(URIBase(443, true).GetBaseUri(), "https://" + Address() + ":443/onvif");
 }
@@ -19,7 +19,7 @@ TEST(URIBase, WritesTheLargestPort) {
     EXPECT_EQ(URIBase(65535, true).GetBaseUri(), "https://" + Address() + ":65535/onvif");
 }
 
-TEST(URIBase, GivesThePortAsItIs) { EXPECT_EQ(URIBase(8080, true).GetPort(), 8080); }
+TEST(URIBase, ReturnsThePortUnchanged) { EXPECT_EQ(URIBase(8080, true).GetPort(), 8080); }
 
 } // namespace
 } // namespace zarn::service::onvif

@@ -10,11 +10,11 @@ std::string Mask(std::string text) {
     return text;
 }
 
-TEST(XmlText, StaysAsItIsWhenItIsMasked) {
+TEST(XmlText, StaysUnchangedWhenMasked) {
     for (std::string const text : {"", "<a>\r\n\tGr\xC3\xBCn \xF0\x9F\x98\x80</a>"}) EXPECT_EQ(Mask(text), text);
 }
 
-TEST(XmlText, IsMadeOfAnyTextOfTheSameLength) {
+TEST(XmlText, ReplacesInvalidBytesAndKeepsTheLength) {
     EXPECT_EQ(Mask("a\x01\xE0.\xC3\xBC\xFF."), "a??.???.");
     EXPECT_EQ(Mask("\xEF\xBF\xBE"), "???");
     EXPECT_EQ(Mask("\xC3"), "?");

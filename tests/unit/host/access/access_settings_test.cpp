@@ -38,7 +38,7 @@ TEST_F(AccessSettingsTest, AreRead) {
     EXPECT_EQ(ReadConnectionLimits(*root).connectionsPerAddress, 4U);
 }
 
-TEST_F(AccessSettingsTest, LetNoncesLiveFiveMinutesAtMost) {
+TEST_F(AccessSettingsTest, LimitTheNonceLifetimeToFiveMinutes) {
     for (std::string const text : {"0", "301"}) {
         try {
             Read(R"({"authentication": {"nonce_seconds": )" + text + "}}");

@@ -48,7 +48,7 @@ TEST(ConnectionCount, MayEndBeforeItsSlots) {
     EXPECT_NO_THROW(slot.reset());
 }
 
-TEST(ConnectionCount, RefusesWhatALowerLimitNoLongerHasRoomFor) {
+TEST(ConnectionCount, AppliesALoweredLimitToNewConnections) {
     ConnectionCount count;
     auto const one = count.Add(First, {.connections = 10});
     auto const two = count.Add(First, {.connections = 10});

@@ -15,13 +15,13 @@ void Fail(FailedLogins& logins, int times, FailedLogins::Clock::time_point when)
     for (int i = 0; i < times; ++i) logins.Count(Peer, when);
 }
 
-TEST(FailedLogins, LetAnAddressTryAsOftenAsTheLimitSays) {
+TEST(FailedLogins, DoNotBlockAnAddressUpToTheLimit) {
     FailedLogins logins(3);
     Fail(logins, 3, Start);
     EXPECT_FALSE(logins.GetWait(Peer, Start));
 }
 
-TEST(FailedLogins, MakeAnAddressWaitThatFailedMoreOften) {
+TEST(FailedLogins, BlockOnlyAnAddressAboveTheLimit) {
     FailedLogins logins(3);
     Fail(logins, 4, Start);
     EXPECT_EQ(logins.GetWait(Peer, Start + 10s), 50s);
@@ -35,7 +35,7 @@ TEST(FailedLogins, AreForgottenAfterAMinute) {
     EXPECT_FALSE(logins.GetWait(Peer, Start + 60s));
 }
 
-TEST(FailedLogins, CountWithinAWindowThatSlides) {
+TEST(FailedLogins, CountWithinASlidingWindow) {
     FailedLogins logins(3);
     Fail(logins, 2, Start);
     Fail(logins, 2, Start + 30s);
@@ -45,13 +45,13 @@ TEST(FailedLogins, CountWithinAWindowThatSlides) {
     EXPECT_EQ(logins.GetWait(Peer, Start + 61s), 29s);
 }
 
-TEST(FailedLogins, LetTheLastSecondBeAWholeOne) {
+TEST(FailedLogins, RoundTheWaitUpToAWholeSecond) {
     FailedLogins logins(1);
     Fail(logins, 2, Start);
     EXPECT_EQ(logins.GetWait(Peer, Start + 1min - 1ns), 1s);
 }
 
-TEST(FailedLogins, GoByALimitThatWasLoweredMeanwhile) {
+TEST(FailedLogins, ApplyALoweredLimitAtOnce) {
     FailedLogins logins(10);
     Fail(logins, 5, Start);
     EXPECT_FALSE(logins.GetWait(Peer, Start));
@@ -59,7 +59,7 @@ TEST(FailedLogins, GoByALimitThatWasLoweredMeanwhile) {
     EXPECT_TRUE(logins.GetWait(Peer, Start));
 }
 
-TEST(FailedLogins, ForgetTheAddressThatFailedLongestAgoWhenThereAreTooMany) {
+TEST(FailedLogins, EvictTheOldestAddressWhenFull) {
     FailedLogins logins(1);
     Fail(logins, 2, Start);
     logins.Count(Other, Start + 1s);

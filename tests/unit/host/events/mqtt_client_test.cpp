@@ -91,7 +91,7 @@ MqttSettings For(Broker const& broker) {
     return {.enabled = true, .url = broker.GetUrl(), .topic = "events", .clientId = "a test's host"};
 }
 
-TEST(MqttClient, TakesEventsInTheirOrder) {
+TEST(MqttClient, ReceivesEventsInOrder) {
     Broker const broker;
     Intake intake(For(broker));
     ASSERT_TRUE(intake.AwaitState(MqttState::Connected));
@@ -104,7 +104,7 @@ TEST(MqttClient, TakesEventsInTheirOrder) {
     EXPECT_EQ(status.refused, 0U);
 }
 
-TEST(MqttClient, TakesListsWhole) {
+TEST(MqttClient, AcceptsOrRefusesAListAsAWhole) {
     Broker const broker;
     Intake intake(For(broker));
     ASSERT_TRUE(intake.AwaitState(MqttState::Connected));
@@ -116,7 +116,7 @@ TEST(MqttClient, TakesListsWhole) {
     EXPECT_EQ(intake.client.GetStatus().refused, 1U);
 }
 
-TEST(MqttClient, SaysWhatIsWrongWithAMessageAtMostOnceASecond) {
+TEST(MqttClient, LogsInvalidMessagesAtMostOnceASecond) {
     logging::Capture const log;
     Broker const broker;
     Intake intake(For(broker));
@@ -133,7 +133,7 @@ TEST(MqttClient, SaysWhatIsWrongWithAMessageAtMostOnceASecond) {
     EXPECT_LE(lines, seconds);
 }
 
-TEST(MqttClient, TakesWhatTheBrokerKeptWhileBothWereAway) {
+TEST(MqttClient, ReceivesWhatTheBrokerQueuedAcrossRestarts) {
     Broker broker;
     {
         Intake first(For(broker));
@@ -147,7 +147,7 @@ TEST(MqttClient, TakesWhatTheBrokerKeptWhileBothWereAway) {
     EXPECT_EQ(second.GetTaken(), Numbers(500));
 }
 
-TEST(MqttClient, ComesBackWhenTheBrokerDoes) {
+TEST(MqttClient, ReconnectsWhenTheBrokerReturns) {
     logging::Capture const log;
     Broker broker;
     Intake intake(For(broker));
@@ -203,7 +203,7 @@ TEST(MqttClient, LogsIn) {
     EXPECT_TRUE(intake.AwaitTaken(1));
 }
 
-TEST(MqttClient, SaysThatThePasswordIsWrongWithoutSayingIt) {
+TEST(MqttClient, ReportsAWrongPasswordWithoutRepeatingIt) {
     logging::Capture const log;
     PasswordBroker const broker;
     Intake intake(broker.Login("a wrong one"));
@@ -238,7 +238,7 @@ public:
     Broker broker;
 };
 
-TEST(MqttClientWithTls, BelievesTheAuthorityOfTheSettings) {
+TEST(MqttClientWithTls, TrustsTheConfiguredAuthority) {
     TlsBroker const tls;
     for (auto const* const host : {"127.0.0.1", "localhost"}) {
         Intake intake(tls.For(host, tls.own.certificate));
@@ -248,7 +248,7 @@ TEST(MqttClientWithTls, BelievesTheAuthorityOfTheSettings) {
     }
 }
 
-TEST(MqttClientWithTls, BelievesNoOtherAuthority) {
+TEST(MqttClientWithTls, TrustsNoOtherAuthority) {
     TlsBroker const tls;
     for (auto const& caFile : {tls.other.certificate, std::string()}) {
         logging::Capture const log;
@@ -259,7 +259,7 @@ TEST(MqttClientWithTls, BelievesNoOtherAuthority) {
     }
 }
 
-TEST(MqttClientWithTls, BelievesNoCertificateOfAnotherName) {
+TEST(MqttClientWithTls, RejectsACertificateForAnotherName) {
     logging::Capture const log;
     TlsBroker const tls("127.0.0.2");
     Intake intake(tls.For("127.0.0.2", tls.own.certificate));
@@ -267,7 +267,7 @@ TEST(MqttClientWithTls, BelievesNoCertificateOfAnotherName) {
     EXPECT_TRUE(log.WaitFor("host name verification failed", 60s));
 }
 
-TEST(MqttClientWithTls, SaysThatThereIsNoCaFile) {
+TEST(MqttClientWithTls, DoesNotConnectWithAnUnusableCaFile) {
     TlsBroker const tls;
     for (auto const& file : {tls.folder / "none", tls.folder.Write("empty", "")}) {
         Intake intake(tls.For("127.0.0.1", file));
@@ -276,7 +276,7 @@ TEST(MqttClientWithTls, SaysThatThereIsNoCaFile) {
     }
 }
 
-TEST(MqttClientWithTls, SaysThatNobodyListens) {
+TEST(MqttClientWithTls, ReportsARefusedConnection) {
     TlsBroker tls;
     tls.broker.Stop();
     Intake intake(tls.For("127.0.0.1", tls.own.certificate));
@@ -284,7 +284,7 @@ TEST(MqttClientWithTls, SaysThatNobodyListens) {
     EXPECT_THAT(intake.client.GetStatus().detail, StartsWith("connection: ")) << "not only when its time is over";
 }
 
-TEST(MqttClientWithTls, ComesBackWhenTheBrokerDoes) {
+TEST(MqttClientWithTls, ReconnectsWhenTheBrokerReturns) {
     TlsBroker tls;
     Intake intake(tls.For("127.0.0.1", tls.own.certificate));
     ASSERT_TRUE(intake.AwaitState(MqttState::Connected));
@@ -295,7 +295,7 @@ TEST(MqttClientWithTls, ComesBackWhenTheBrokerDoes) {
     EXPECT_TRUE(intake.AwaitTaken(1));
 }
 
-TEST(MqttClient, IsOffUntilItIsWanted) {
+TEST(MqttClient, IsOffUntilEnabled) {
     Broker const broker;
     auto settings = For(broker);
     settings.enabled = false;
@@ -342,7 +342,7 @@ TEST(MqttClient, FollowsAChangeOfTheBroker) {
     }));
 }
 
-TEST(MqttClient, RefusesWhatAnEarlierSubscriptionOfItsSessionBrings) {
+TEST(MqttClient, RefusesMessagesOfAnEarlierSubscription) {
     logging::Capture const log;
     Broker const broker;
     auto settings = For(broker);
@@ -359,7 +359,7 @@ TEST(MqttClient, RefusesWhatAnEarlierSubscriptionOfItsSessionBrings) {
     EXPECT_TRUE(log.Contains("an earlier subscription of this client_id"));
 }
 
-TEST(MqttClient, TakesNoEventOfThePast) {
+TEST(MqttClient, RefusesRetainedMessages) {
     Broker const broker;
     broker.Publish("events", R"({"type": "a"})", {"--retain"});
     Intake intake(For(broker));
@@ -390,7 +390,7 @@ TEST(MqttClient, TakesPartInASharedSubscription) {
     EXPECT_TRUE(intake.AwaitTaken(1));
 }
 
-TEST(MqttClient, FindsABrokerThatServesOnlyOneOfTheAddressesOfItsName) {
+TEST(MqttClient, TriesEveryAddressOfTheBrokersName) {
     Broker const broker;
     auto settings = For(broker);
     settings.url = "mqtt://localhost:" + std::to_string(broker.GetPort());
@@ -398,7 +398,7 @@ TEST(MqttClient, FindsABrokerThatServesOnlyOneOfTheAddressesOfItsName) {
     EXPECT_TRUE(intake.AwaitState(MqttState::Connected)) << intake.client.GetStatus().detail;
 }
 
-TEST(MqttClient, SaysThatNobodyListens) {
+TEST(MqttClient, ReportsARefusedConnection) {
     Broker broker;
     broker.Stop();
     Intake intake(For(broker));
@@ -416,7 +416,7 @@ private:
     boost::asio::ip::tcp::acceptor acceptor{context, {boost::asio::ip::address_v4::loopback(), 0}};
 };
 
-TEST(MqttClient, StopsAtOnceWhateverTheBrokerDoes) {
+TEST(MqttClient, StopsAtOnceInEveryState) {
 #ifdef ZARN_SANITIZED // reading the system's certificates takes longer, and cannot be broken off
     constexpr auto limit = 10s;
 #else
@@ -435,7 +435,7 @@ TEST(MqttClient, StopsAtOnceWhateverTheBrokerDoes) {
     }
 }
 
-TEST(MqttClient, GivesUpABrokerThatDoesNotAnswer) {
+TEST(MqttClient, GivesUpOnASilentBroker) {
     SilentServer const silent;
     Intake intake({.enabled = true, .url = "mqtt://" + silent.GetAddress(), .topic = "events", .clientId = "a"}, 100ms);
     ASSERT_TRUE(intake.AwaitState(MqttState::Waiting));

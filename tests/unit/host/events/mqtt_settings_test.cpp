@@ -25,13 +25,13 @@ TEST(BrokerUrl, NamesSchemeHostAndPort) {
     EXPECT_EQ(ParseBrokerUrl("mqtts://[2001:db8::1]:8884"), (BrokerAddress{true, "2001:db8::1", 8884}));
 }
 
-TEST(BrokerUrl, HasThePortsOfTheStandardAsDefault) {
+TEST(BrokerUrl, DefaultsToTheStandardPorts) {
     EXPECT_EQ(ParseBrokerUrl("mqtt://broker"), (BrokerAddress{false, "broker", 1883}));
     EXPECT_EQ(ParseBrokerUrl("mqtts://broker"), (BrokerAddress{true, "broker", 8883}));
     EXPECT_EQ(ParseBrokerUrl("mqtt://[::1]"), (BrokerAddress{false, "::1", 1883}));
 }
 
-TEST(BrokerUrl, IsNothingElse) {
+TEST(BrokerUrl, IsRejectedInAnyOtherForm) {
     for (std::string const text : {"",
                                    "broker",
                                    "mqtt:",
@@ -68,7 +68,7 @@ TEST(TopicFilter, MayHaveWildcards) {
     }
 }
 
-TEST(TopicFilter, FollowsTheStandard) {
+TEST(TopicFilter, RejectsInvalidFilters) {
     for (std::string const text : {"", "a#", "a/#/b", "a+", "a/b+", "\xff", "a\nb", "a\x7f"}) {
         EXPECT_FALSE(IsTopicFilter(text)) << text;
     }
@@ -106,7 +106,7 @@ TEST_F(MqttSettingsTest, IsOffByDefault) {
     EXPECT_EQ(Read("{}"), (MqttSettings{.enabled = false, .topic = "zarn/events"}));
 }
 
-TEST_F(MqttSettingsTest, GivesEverySetting) {
+TEST_F(MqttSettingsTest, ReadsEverySetting) {
     EXPECT_EQ(Read(R"({"enabled": true, "url": "mqtts://b", "topic": "t/#", "client_id": "c", "user": "u",
                        "password": "p", "ca_file": "f"})"),
               (MqttSettings{.enabled = true,
@@ -126,7 +126,7 @@ TEST_F(MqttSettingsTest, NeedsAUserForAPassword) {
     EXPECT_EQ(GetError(R"({"password": "sesame"})"), "settings.events.mqtt.user: there is a password but no user");
 }
 
-TEST_F(MqttSettingsTest, RefusesValuesThatMakeNoSense) {
+TEST_F(MqttSettingsTest, RefusesInvalidValues) {
     EXPECT_THAT(GetError(R"({"topic": ""})"), StartsWith("settings.events.mqtt.topic: \"\" is not a topic filter"));
     EXPECT_THAT(GetError(R"({"topic": "a#"})"), StartsWith("settings.events.mqtt.topic: "));
     EXPECT_THAT(GetError(R"({"url": "http://b"})"), StartsWith("settings.events.mqtt.url: "));
@@ -136,7 +136,7 @@ TEST_F(MqttSettingsTest, RefusesValuesThatMakeNoSense) {
     EXPECT_THAT(GetError(R"({"port": 1})"), StartsWith("settings.events.mqtt.port"));
 }
 
-TEST_F(MqttSettingsTest, ShowsNobodyAPassword) {
+TEST_F(MqttSettingsTest, NeverShowsAPassword) {
     EXPECT_THAT(GetError(R"({"url": "mqtt://me:sesame@b"})"),
                 AllOf(StartsWith("settings.events.mqtt.url: "), Not(HasSubstr("sesame"))));
     EXPECT_THAT(GetError(R"({"password": "sesame\n"})"),

@@ -25,7 +25,7 @@ protected:
     QueueWatch watch;
 };
 
-TEST_F(QueueWatchTest, SaysNothingUpToTheLimit) {
+TEST_F(QueueWatchTest, LogsNothingUpToTheLimit) {
     watch.CheckQueues(10);
     EXPECT_THAT(log.GetLines(), IsEmpty());
 }
@@ -37,7 +37,7 @@ TEST_F(QueueWatchTest, WarnsOnceWhenAllQueuesTogetherPassTheLimit) {
     EXPECT_THAT(log.GetLines().front().text, HasSubstr("10 events wait in 2 subscriptions"));
 }
 
-TEST_F(QueueWatchTest, WarnsAgainWhenTheyHaveBeenShorterMeanwhile) {
+TEST_F(QueueWatchTest, WarnsAgainAfterTheQueuesHaveShrunk) {
     watch.CheckQueues(9);
     many.SetQueued(0);
     watch.CheckQueues(9);

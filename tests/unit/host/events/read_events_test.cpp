@@ -64,7 +64,7 @@ auto Collect(meta::data::Container const& container, Get get) {
     return values;
 }
 
-TEST(ReadEvents, TakesEveryFieldOfAnEvent) {
+TEST(ReadEvents, ReadsEveryFieldOfAnEvent) {
     auto const event = ReadOne(R"({"type": "presence", "name": "Gate rule", "start": "2026-01-31T12:00:00.250Z",
         "channel": 1, "zone": {"type": "field"},
         "objects": [{"id": 12, "class": "person", "name": "visitor"}], "count": 3})");
@@ -87,13 +87,13 @@ TEST(ReadEvents, NeedsNothingButTheType) {
     EXPECT_EQ(event->GetCount(), 0U);
 }
 
-TEST(ReadEvents, TakesTheStartToTheNanosecond) {
+TEST(ReadEvents, ReadsTheStartToTheNanosecond) {
     EXPECT_EQ(ReadOne(With(R"("start": "1970-01-01T00:00:01.123456789Z")"))->GetStart().time_since_epoch(),
               1123456789ns);
     EXPECT_EQ(ReadOne(With(R"("start": "1970-01-01T01:00:01+01:00")"))->GetStart().time_since_epoch(), 1s);
 }
 
-TEST(ReadEvents, TakesSeveralChannelsZonesAndCountsInTheirOrder) {
+TEST(ReadEvents, ReadsSeveralChannelsZonesAndCountsInOrder) {
     auto const event = ReadOne(With(R"("channels": [4294967295, 0], "counts": [2147483647, -2147483648],
         "zones": [{"type": "line"}, {"type": 7}, {"type": "field"}, {"type": 4294967295}])"));
     EXPECT_THAT(Collect<Channel>(*event, &Channel::GetId), ElementsAre(4294967295U, 0U));
@@ -101,12 +101,12 @@ TEST(ReadEvents, TakesSeveralChannelsZonesAndCountsInTheirOrder) {
     EXPECT_THAT(Collect<Zone>(*event, &Zone::GetType), ElementsAre(Zone::Line, 7U, Zone::Field, 4294967295U));
 }
 
-TEST(ReadEvents, TakesEmptyListsForNothing) {
+TEST(ReadEvents, AcceptsEmptyLists) {
     EXPECT_EQ(ReadOne(With(R"("channels": [], "counts": [], "zones": [], "objects": [])"))->GetCount(), 0U);
     EXPECT_THAT(ReadEvents("[]", Now), IsEmpty());
 }
 
-TEST(ReadEvents, LetsObjectsLackClassAndName) {
+TEST(ReadEvents, AcceptsObjectsWithoutClassAndName) {
     auto const event = ReadOne(With(R"("objects": [{"id": 1}, {"name": "n", "id": 1}, {"id": 0, "class": ""}])"));
     EXPECT_THAT(Collect<Object>(*event, &Object::GetId), ElementsAre(1U, 1U, 0U));
     std::vector<std::pair<bool, bool>> carried;
@@ -116,17 +116,17 @@ TEST(ReadEvents, LetsObjectsLackClassAndName) {
     EXPECT_THAT(carried, ElementsAre(std::pair(false, false), std::pair(false, true), std::pair(true, false)));
 }
 
-TEST(ReadEvents, TakesAListInItsOrder) {
+TEST(ReadEvents, ReadsAListInOrder) {
     auto const events = ReadEvents(R"( [{"type": "a"}, {"type": "b"}, {"type": "a"}] )", Now);
     ASSERT_THAT(events, SizeIs(3));
     EXPECT_EQ(events[0]->GetType() + events[1]->GetType() + events[2]->GetType(), "aba");
 }
 
-TEST(ReadEvents, TakesTextsOfAnyLanguage) {
+TEST(ReadEvents, AcceptsTextInAnyLanguage) {
     EXPECT_EQ(ReadOne(With(R"("name": "Grün 門 \ud83d\ude00\t\n\r")"))->GetName(), "Grün 門 😀\t\n\r");
 }
 
-TEST(ReadEvents, TakesAsMuchAsTheBoundsSay) {
+TEST(ReadEvents, AcceptsDocumentsUpToTheBounds) {
     auto const text = "\"" + std::string(MaximumTextBytes, 'n') + "\"";
     EXPECT_EQ(ReadOne(R"({"type": )" + text + "}")->GetType().size(), MaximumTextBytes);
     EXPECT_EQ(ReadOne(With("\"objects\": " + Repeat(R"({"id": 1})", MaximumObjects)))->GetCount(), MaximumObjects);
@@ -225,14 +225,14 @@ INSTANTIATE_TEST_SUITE_P(
         Refused{With(R"("objects": [{"id": 1, "name": "\ufffe"}])"),
                 "event 1: objects[0].name: \"\ufffe\" holds a character that XML cannot carry"}));
 
-TEST(RefusedStart, SaysWhatIsWrongWithTheTime) {
+TEST(RefusedStart, ExplainsWhatIsWrongWithTheTime) {
     EXPECT_THAT(GetRefusal(With(R"("start": "yesterday")")),
                 AllOf(StartsWith("event 1: start: "), HasSubstr("ISO 8601"), HasSubstr("\"yesterday\"")));
     EXPECT_EQ(GetRefusal(With(R"("start": 1769860800)")), "event 1: start: 1769860800 is not a text");
     EXPECT_THAT(GetRefusal(With(R"("start": "")")), StartsWith("event 1: start: "));
 }
 
-TEST(RefusedDocument, SaysWhereItIsNotJson) {
+TEST(RefusedDocument, NamesThePositionOfASyntaxError) {
     EXPECT_EQ(GetRefusal(""), "line 1, column 1: this is not JSON: incomplete JSON");
     EXPECT_EQ(GetRefusal("hello"), "line 1, column 1: this is not JSON: syntax error");
     EXPECT_EQ(GetRefusal("{\n  \"type\": 'a'}"), "line 2, column 11: this is not JSON: syntax error");
@@ -294,7 +294,7 @@ TEST(RefusedTexts, AreTooLong) {
               "event 1: objects[0].name: " + complaint);
 }
 
-TEST(RefusedTexts, AreQuotedInWholeCharacters) {
+TEST(RefusedTexts, AreTruncatedAtCharacterBoundaries) {
     std::string text;
     for (std::size_t i = 0; i < MaximumTextBytes; ++i) text += "門";
     EXPECT_THAT(GetRefusal(With("\"name\": \"" + text + '"')), HasSubstr("門\"... is longer"));

@@ -10,7 +10,7 @@ namespace {
 
 using zarn::onvif::events::SubscriptionStatus;
 
-TEST(SubscriptionsStatus, TellsOfEachQueueAndOfAllTogether) {
+TEST(SubscriptionsStatus, ReportsEachQueueAndTheTotal) {
     std::vector<SubscriptionStatus> const subscriptions{{.id = 3, .queued = 2}, {.id = 7, .queued = 40}};
     EXPECT_EQ(
         ToJson(subscriptions),

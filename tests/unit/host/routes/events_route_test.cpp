@@ -57,7 +57,7 @@ protected:
                       [this](auto const& event) { taken.push_back(event->GetType()); }};
 };
 
-TEST_F(EventsRouteTest, TakesAnEvent) {
+TEST_F(EventsRouteTest, AcceptsAnEvent) {
     auto const answer = Send(R"({"type": "presence"})", {{"content-type", "application/json"}});
     EXPECT_EQ(answer.GetStatus(), Status::Accepted);
     EXPECT_EQ(GetBody(answer), "{\"taken\":1}\n");
@@ -65,12 +65,12 @@ TEST_F(EventsRouteTest, TakesAnEvent) {
     EXPECT_THAT(taken, ElementsAre("presence"));
 }
 
-TEST_F(EventsRouteTest, TakesAListInItsOrderBeforeItAnswers) {
+TEST_F(EventsRouteTest, PublishesAListInOrderBeforeAnswering) {
     EXPECT_EQ(GetBody(Send(R"([{"type": "a"}, {"type": "b"}, {"type": "c"}])")), "{\"taken\":3}\n");
     EXPECT_THAT(taken, ElementsAre("a", "b", "c"));
 }
 
-TEST_F(EventsRouteTest, DoesNotWaitUntilTheEventsAreTaken) {
+TEST_F(EventsRouteTest, DoesNotBlockWhileEventsArePublished) {
     std::promise<void> taking;
     EventsRoute slow(web::Digest(engine, challenges), [&](auto const&) { taking.get_future().wait(); });
     auto const response = slow.Process(std::make_shared<test::TestRequest>(
@@ -85,14 +85,14 @@ TEST_F(EventsRouteTest, DoesNotWaitUntilTheEventsAreTaken) {
     EXPECT_EQ(GetBody(answer), "{\"taken\":1}\n");
 }
 
-TEST_F(EventsRouteTest, LetsTheServerKnowWhatWentWrong) {
+TEST_F(EventsRouteTest, PassesAnExceptionToTheServer) {
     EventsRoute failing(web::Digest(engine, challenges), [](auto const&) { throw std::bad_alloc(); });
     auto const response = failing.Process(std::make_shared<test::TestRequest>(
         Method::Post, "/api/events", std::map<std::string, std::string>(), R"({"type": "a"})"));
     EXPECT_THROW(Await(*response), std::bad_alloc);
 }
 
-TEST_F(EventsRouteTest, TakesNothingOfAListWithAWrongEvent) {
+TEST_F(EventsRouteTest, RefusesAWholeListWithAnInvalidEvent) {
     auto const answer = Send(R"([{"type": "a"}, {"type": "b", "count": "many"}])");
     EXPECT_EQ(answer.GetStatus(), Status::BadRequest);
     EXPECT_EQ(GetBody(answer), R"({"error":"event 2: count: \"many\" is not a number from -2147483648 to 2147483647"})"
@@ -106,7 +106,7 @@ TEST_F(EventsRouteTest, RefusesABodyThatIsNotJson) {
     EXPECT_THAT(GetBody(answer), HasSubstr("this is not JSON"));
 }
 
-TEST_F(EventsRouteTest, TakesEveryMediaTypeThatIsJson) {
+TEST_F(EventsRouteTest, AcceptsEveryJsonMediaType) {
     for (auto const* const type : {"application/json", "application/json; charset=utf-8", "Application/JSON ;a=b",
                                    "application/vnd.example+json", ""}) {
         EXPECT_EQ(Send(R"({"type": "a"})", {{"Content-Type", type}}).GetStatus(), Status::Accepted) << type;
@@ -122,7 +122,7 @@ TEST_F(EventsRouteTest, RefusesOtherMediaTypes) {
     EXPECT_THAT(taken, IsEmpty());
 }
 
-TEST_F(EventsRouteTest, TakesNothingFromWhoHasNotLoggedIn) {
+TEST_F(EventsRouteTest, RefusesEventsWithoutCredentials) {
     engine.SetEnabled(true);
     auto const answer = Send(R"({"type": "a"})");
     EXPECT_EQ(answer.GetStatus(), Status::Unauthorized);

@@ -12,7 +12,7 @@ namespace {
 using Method = test::TestRequest::Method;
 using Status = protocol::network::http::response::Status;
 
-TEST(HealthRoute, GivesTheStatusOfTheMomentAsJson) {
+TEST(HealthRoute, ReturnsTheCurrentStatusAsJson) {
     int calls = 0;
     HealthRoute route([&] { return boost::json::value{{"calls", ++calls}}; });
     EXPECT_EQ(calls, 0);

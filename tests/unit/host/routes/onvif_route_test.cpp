@@ -50,12 +50,12 @@ TEST_F(OnvifRouteTest, HandsRequestsToTheModule) {
 
 TEST_F(OnvifRouteTest, RefusesOtherMethods) { EXPECT_EQ(Ask("", {}, Method::Get), Status::MethodNotAllowed); }
 
-TEST_F(OnvifRouteTest, ChallengesAClientThatHoldsItsBodyBack) {
+TEST_F(OnvifRouteTest, ChallengesAnEmptyBodyWithoutCredentials) {
     EXPECT_EQ(Ask(""), Status::Unauthorized);
     EXPECT_EQ(module.requests, 0);
 }
 
-TEST_F(OnvifRouteTest, LeavesAnEmptyBodyToTheModuleWhenNobodyHasToLogIn) {
+TEST_F(OnvifRouteTest, LeavesAnEmptyBodyToTheModuleWhenAuthenticationIsOff) {
     engine.SetEnabled(false);
     EXPECT_EQ(Ask(""), Status::Ok);
 }
@@ -64,7 +64,7 @@ TEST_F(OnvifRouteTest, LeavesAnEmptyBodyWithCredentialsToTheModule) {
     EXPECT_EQ(Ask("", {{"Authorization", "Digest username=\"admin\""}}), Status::Ok);
 }
 
-TEST_F(OnvifRouteTest, GivesTheModulesRefusalAChallengeOfTheHost) {
+TEST_F(OnvifRouteTest, ReplacesTheModulesChallengeWithTheHosts) {
     module.answer = MakeTextResponse(Status::Unauthorized, "no", {{"WWW-Authenticate", "Digest nonce=\"1\""}});
     auto const data = route
                           .Process(std::make_shared<test::TestRequest>(Method::Post, "/onvif/a",
@@ -76,7 +76,7 @@ TEST_F(OnvifRouteTest, GivesTheModulesRefusalAChallengeOfTheHost) {
     EXPECT_TRUE(challenges.Accept({.nonce = challenge->at("nonce"), .nc = "1", .cnonce = "c"}));
 }
 
-TEST_F(OnvifRouteTest, AsksTheModuleUntilItsAnswerIsThere) {
+TEST_F(OnvifRouteTest, PollsTheModuleUntilItsResponseIsComplete) {
     bool ready = false;
     module.answer = std::make_shared<Pending>(
         Status::Provisional,
@@ -94,7 +94,7 @@ TEST_F(OnvifRouteTest, AsksTheModuleUntilItsAnswerIsThere) {
     EXPECT_EQ(pending->GetData().GetStatus(), Status::Ok);
 }
 
-TEST_F(OnvifRouteTest, AnswersForTheModuleOnceItIsStopped) {
+TEST_F(OnvifRouteTest, Answers503OnceStopped) {
     route.Stop();
     EXPECT_EQ(Ask("<x/>"), Status::ServiceUnavailable);
     route.Stop();

@@ -61,11 +61,11 @@ TEST_F(SnapshotRouteTest, IsPendingUntilThePictureComes) {
     EXPECT_EQ(data.GetBody().at(0)->ToStringView(), "jpeg");
 }
 
-TEST_F(SnapshotRouteTest, SaysThatThereIsNoSuchChannel) {
+TEST_F(SnapshotRouteTest, Answers404ForAnUnknownChannel) {
     EXPECT_EQ(Deliver({SnapshotError::NoSuchChannel, "", nullptr}).GetStatus(), Status::NotFound);
 }
 
-TEST_F(SnapshotRouteTest, SaysThatThereIsNoPictureNow) {
+TEST_F(SnapshotRouteTest, Answers503WithoutAPicture) {
     for (auto const error :
          {SnapshotError::NoFrame, SnapshotError::Busy, SnapshotError::Failed, SnapshotError::Stopped}) {
         auto const data = Deliver({error, "the reason", nullptr});
@@ -81,14 +81,14 @@ TEST_F(SnapshotRouteTest, AnswersHeadAndRefusesOtherMethods) {
     EXPECT_EQ(Ask("1", Method::Post)->GetData().GetStatus(), Status::MethodNotAllowed);
 }
 
-TEST_F(SnapshotRouteTest, ShowsNothingToWhoHasNotLoggedIn) {
+TEST_F(SnapshotRouteTest, RequiresCredentials) {
     engine.SetEnabled(true);
     EXPECT_EQ(Ask("1")->GetData().GetStatus(), Status::Unauthorized);
     EXPECT_EQ(Ask("1", Method::Head)->GetData().GetStatus(), Status::Unauthorized);
     EXPECT_TRUE(requests.empty());
 }
 
-TEST_F(SnapshotRouteTest, DoesNotMindAPictureForWhichNobodyWaits) {
+TEST_F(SnapshotRouteTest, IgnoresAPictureForADroppedRequest) {
     Ask("1").reset();
     EXPECT_NO_THROW(requests.front().second({SnapshotError::None, "", std::make_shared<container::Buffer>("jpeg")}));
 }

@@ -26,7 +26,7 @@ TEST(GroupOfPictures, GrowsFromAKeyFrameOn) {
     EXPECT_EQ(group.GetUnits().size(), 3);
 }
 
-TEST(GroupOfPictures, BeginsAnewAtAKeyFrame) {
+TEST(GroupOfPictures, RestartsAtEveryKeyFrame) {
     GroupOfPictures group;
     group.Add(Unit(true));
     group.Add(Unit(false));
@@ -35,7 +35,7 @@ TEST(GroupOfPictures, BeginsAnewAtAKeyFrame) {
     EXPECT_EQ(group.GetUnits(), AccessUnits{key});
 }
 
-TEST(GroupOfPictures, IsGivenUpWhenItHasTooManyPictures) {
+TEST(GroupOfPictures, IsDiscardedWhenItHasTooManyPictures) {
     GroupOfPictures group({3, 1000});
     for (int count = 0; count < 3; ++count) group.Add(Unit(count == 0));
     EXPECT_EQ(group.GetUnits().size(), 3);
@@ -47,7 +47,7 @@ TEST(GroupOfPictures, IsGivenUpWhenItHasTooManyPictures) {
     EXPECT_EQ(group.GetUnits().size(), 1);
 }
 
-TEST(GroupOfPictures, IsGivenUpWhenItHasTooManyBytes) {
+TEST(GroupOfPictures, IsDiscardedWhenItHasTooManyBytes) {
     GroupOfPictures group({100, 25});
     group.Add(Unit(true, 20));
     group.Add(Unit(false, 6));
@@ -58,7 +58,7 @@ TEST(GroupOfPictures, IsGivenUpWhenItHasTooManyBytes) {
     EXPECT_EQ(group.GetUnits().size(), 1);
 }
 
-TEST(GroupOfPictures, ForgetsEverything) {
+TEST(GroupOfPictures, IsEmptyAfterClear) {
     GroupOfPictures group;
     group.Add(Unit(true));
     group.Clear();

@@ -71,7 +71,7 @@ TEST_F(ChannelSettingsTest, KeepAnEmptyNameOfFileAndProgramAlike) {
     EXPECT_EQ(boost::json::serialize(root->Find("channels")->ToJson(Layer::Persisted)), R"({"1":{"name":""},"2":{}})");
 }
 
-TEST_F(ChannelSettingsTest, KeepAPasswordInTheFileAndShowItToNobody) {
+TEST_F(ChannelSettingsTest, PersistAPasswordButNeverShowIt) {
     Read(R"({"1": {"name": "A", "password": "sesame"}})");
     EXPECT_THAT(boost::json::serialize(root->ToJson(Layer::Persisted)), HasSubstr("sesame"));
     EXPECT_THAT(boost::json::serialize(root->ToJson(Layer::Effective)), testing::Not(HasSubstr("sesame")));

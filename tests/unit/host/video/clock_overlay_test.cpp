@@ -66,13 +66,13 @@ TEST(DrawClock, GrowsWithThePicture) {
     EXPECT_EQ(canvas.Show(4).substr(0, 14), "  ......##..  ");
 }
 
-TEST(DrawClock, LeavesOutWhatDoesNotFit) {
+TEST(DrawClock, OmitsCharactersThatDoNotFit) {
     Canvas canvas(6, 4);
     DrawClock(canvas.GetPlane(), "88888");
     for (std::size_t row = 0; row < 4; ++row) EXPECT_EQ(canvas.Show(row).substr(6), "   ");
 }
 
-TEST(DrawClock, LeavesAPictureWithoutRoomAlone) {
+TEST(DrawClock, DrawsNothingOnAPictureTooSmall) {
     Canvas canvas(1, 1);
     DrawClock(canvas.GetPlane(), "12:34");
     EXPECT_EQ(canvas.Show(0), "    ");

@@ -31,7 +31,7 @@ protected:
     }
 };
 
-TEST_F(EngineAuthentication, LetsTheRightPasswordIn) { EXPECT_EQ(TryToView("admin", "right"), ""); }
+TEST_F(EngineAuthentication, AcceptsTheRightPassword) { EXPECT_EQ(TryToView("admin", "right"), ""); }
 
 TEST_F(EngineAuthentication, RefusesAWrongPassword) {
     EXPECT_THAT(TryToView("admin", "wrong"), HasSubstr("Unauthorized"));
@@ -39,9 +39,9 @@ TEST_F(EngineAuthentication, RefusesAWrongPassword) {
 
 TEST_F(EngineAuthentication, RefusesAnotherUser) { EXPECT_THAT(TryToView("root", "right"), HasSubstr("Unauthorized")); }
 
-TEST_F(EngineAuthentication, RefusesWhoTellsNothing) { EXPECT_THAT(TryToView("", ""), HasSubstr("Unauthorized")); }
+TEST_F(EngineAuthentication, RefusesMissingCredentials) { EXPECT_THAT(TryToView("", ""), HasSubstr("Unauthorized")); }
 
-TEST_F(EngineAuthentication, TakesAChangedPassword) {
+TEST_F(EngineAuthentication, AppliesAChangedPassword) {
     engine->SetAuthentication(true, MakeHa1("new"));
     EXPECT_EQ(TryToView("admin", "new"), "");
     EXPECT_THAT(TryToView("admin", "right"), HasSubstr("Unauthorized"));
@@ -52,21 +52,21 @@ TEST_F(EngineAuthentication, CanBeSwitchedOff) {
     EXPECT_EQ(TryToView("", ""), "");
 }
 
-TEST_F(EngineAuthentication, LetsNobodyInWithoutAHash) {
+TEST_F(EngineAuthentication, RefusesEveryoneWithoutAValidHash) {
     for (auto const* hash : {"", "short", "ffffffffffffffffffffffffffffffff\nother"}) {
         engine->SetAuthentication(true, hash);
         EXPECT_THAT(TryToView("admin", "right"), HasSubstr("Unauthorized")) << hash;
     }
 }
 
-TEST_F(EngineAuthentication, LeavesAConnectionThatIsThereAlone) {
+TEST_F(EngineAuthentication, KeepsExistingStreamsWhenThePasswordChanges) {
     Viewer viewer(GetUrl("1"), {.user = "admin", .password = "right"});
     ASSERT_TRUE(viewer.Next());
     engine->SetAuthentication(true, MakeHa1("new"));
     for (int count = 0; count < 15; ++count) ASSERT_TRUE(viewer.Next()) << viewer.GetFailure();
 }
 
-TEST_F(EngineAuthentication, IsThereFromTheStart) {
+TEST_F(EngineAuthentication, AppliesFromTheStart) {
     engine = std::make_unique<Engine>(RtspSettings{0, true, MakeHa1("right")});
     engine->SetChannels({From("1", Small)});
     ASSERT_TRUE(WaitForState("1", ChannelState::Running));

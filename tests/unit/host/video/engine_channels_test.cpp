@@ -48,14 +48,14 @@ TEST_F(EngineChannels, WithoutASourceAreOnlyDescribed) {
     EXPECT_EQ(GetStatus("1").frameAge, std::nullopt);
 }
 
-TEST_F(EngineChannels, TellTheDescriptionUntilTheVideoIsKnown) {
+TEST_F(EngineChannels, ReportTheDescriptionUntilTheVideoIsKnown) {
     auto settings = From("1", folder / "missing.mp4");
     settings.described = VideoInfo({1920, 1080}, "video/x-h264", 30, 1);
     engine->SetChannels({settings});
     EXPECT_EQ(engine->Describe("1"), settings.described);
 }
 
-TEST_F(EngineChannels, TellWhatTheVideoReallyIs) {
+TEST_F(EngineChannels, ReportTheActualFormatOfTheVideo) {
     auto settings = From("1", "test:ball?width=128&height=96&rate=15000/1001");
     settings.described = VideoInfo({1920, 1080}, "video/x-h265", 30, 1);
     engine->SetChannels({settings});
@@ -64,14 +64,14 @@ TEST_F(EngineChannels, TellWhatTheVideoReallyIs) {
     }));
 }
 
-TEST_F(EngineChannels, TellHowOldTheNewestFrameIs) {
+TEST_F(EngineChannels, ReportTheAgeOfTheNewestFrame) {
     engine->SetChannels({From("1", Small)});
     ASSERT_TRUE(WaitForState("1", ChannelState::Running));
     // A frame comes ten times a second: sooner or later one is seen soon after.
     EXPECT_TRUE(test::Eventually([&] { return GetStatus("1").frameAge.value() < 100ms; }));
 }
 
-TEST_F(EngineChannels, TellEverybodyWhyTheirSourceFailsAndTheLogWhichItIs) {
+TEST_F(EngineChannels, ReportWhyASourceFailsAndLogItsPath) {
     logging::Capture const log;
     engine->SetChannels({From("1", folder / "missing.mp4")});
     EXPECT_EQ(AwaitFailure("1"), "the source is not there");
@@ -93,7 +93,7 @@ TEST_F(EngineChannels, MustNotShareAnIdentifier) {
     EXPECT_THAT(GetIds(), testing::ElementsAre("1"));
 }
 
-TEST_F(EngineChannels, GoOnUndisturbedWhenOthersChange) {
+TEST_F(EngineChannels, ContinueWhenOthersChange) {
     engine->SetChannels({From("1", Small), From("2", Small), From("3", Small)});
     ASSERT_TRUE(WaitForState("1", ChannelState::Running));
     Viewer viewer(GetUrl("1"));
@@ -109,7 +109,7 @@ TEST_F(EngineChannels, GoOnUndisturbedWhenOthersChange) {
     EXPECT_TRUE(WaitForState("4", ChannelState::Running));
 }
 
-TEST_F(EngineChannels, EndTheirStreamsWhenTheyGo) {
+TEST_F(EngineChannels, EndTheirStreamsWhenRemoved) {
     engine->SetChannels({From("1", Small), From("2", Small)});
     for (auto const* transport : {"tcp", "udp"}) {
         engine->SetChannels({From("1", Small), From("2", Small)});
@@ -147,7 +147,7 @@ TEST_F(EngineChannels, AreListedWithoutAGapWhileTheyChange) {
     EXPECT_TRUE(isComplete);
 }
 
-TEST_F(EngineChannels, CanBeChangedAndAskedAtTheSameTime) {
+TEST_F(EngineChannels, SupportConcurrentChangesAndQueries) {
     std::jthread const asking([this](std::stop_token const& stop) {
         while (!stop.stop_requested()) {
             engine->GetStatus();
@@ -162,7 +162,7 @@ TEST_F(EngineChannels, CanBeChangedAndAskedAtTheSameTime) {
     EXPECT_TRUE(WaitForState("1", ChannelState::Running));
 }
 
-TEST_F(EngineChannels, FailWithoutAThreadAndLeaveTheOthersAlone) {
+TEST_F(EngineChannels, FailWithoutAThreadAndDoNotAffectOthers) {
     engine->SetChannels({From("1", Small), From("2", Small)});
     ASSERT_TRUE(WaitForState("1", ChannelState::Running));
     {
@@ -180,7 +180,7 @@ TEST_F(EngineChannels, FailWithoutAThreadAndLeaveTheOthersAlone) {
     EXPECT_TRUE(WaitForState("3", ChannelState::Running));
 }
 
-TEST_F(EngineChannels, AreNotTakenAfterStopping) {
+TEST_F(EngineChannels, AreIgnoredAfterStopping) {
     engine->Stop();
     engine->SetChannels({From("1", Small)});
     EXPECT_TRUE(engine->GetStatus().empty());

@@ -99,7 +99,7 @@ protected:
 
 constexpr char Options[] = "OPTIONS * RTSP/1.0\r\nCSeq: 1\r\n\r\n";
 
-TEST_F(EngineLimits, RefuseConnectionsPastTheirNumberUntilOneGoes) {
+TEST_F(EngineLimits, RefuseConnectionsAboveTheMaximumUntilOneCloses) {
     StartChannel();
     std::vector<std::unique_ptr<Peer>> peers;
     for (std::size_t count = 0; count < Connections::Maximum; ++count) {
@@ -117,7 +117,7 @@ TEST_F(EngineLimits, RefuseConnectionsPastTheirNumberUntilOneGoes) {
     EXPECT_TRUE(test::Eventually([&] { return CanBeViewed(); }));
 }
 
-TEST_F(EngineLimits, RefuseConnectionsPastTheNumberThatTheSettingsAllow) {
+TEST_F(EngineLimits, RefuseConnectionsAboveTheConfiguredLimit) {
     engine->SetLimits({.connections = 3});
     std::vector<std::unique_ptr<Peer>> peers;
     for (int count = 0; count < 3; ++count) {
@@ -128,7 +128,7 @@ TEST_F(EngineLimits, RefuseConnectionsPastTheNumberThatTheSettingsAllow) {
     EXPECT_TRUE(Connect()->IsClosed(Deadline));
 }
 
-TEST_F(EngineLimits, RefuseConnectionsOfOneAddressPastTheirNumberUntilOneGoes) {
+TEST_F(EngineLimits, RefuseConnectionsAboveTheLimitPerAddress) {
     engine->SetLimits({.connectionsPerAddress = 1});
     auto first = Connect();
     ASSERT_TRUE(first->Send(Options));
@@ -143,7 +143,7 @@ TEST_F(EngineLimits, RefuseConnectionsOfOneAddressPastTheirNumberUntilOneGoes) {
     }));
 }
 
-TEST_F(EngineLimits, EndConnectionsThatDoNothingButNoViewers) {
+TEST_F(EngineLimits, CloseIdleConnectionsButNoViewers) {
     StartChannel();
     Viewer overTcp(GetUrl("1"), {.decode = false});
     Viewer overUdp(GetUrl("1"), {.transport = "udp", .decode = false});
@@ -157,7 +157,7 @@ TEST_F(EngineLimits, EndConnectionsThatDoNothingButNoViewers) {
     }
 }
 
-TEST_F(EngineLimits, EndConnectionsThatSendMoreThanAnyClientHasToSay) {
+TEST_F(EngineLimits, CloseConnectionsThatSendTooMuch) {
     auto const begin = std::chrono::steady_clock::now();
     auto const peer = Connect();
     ASSERT_TRUE(peer->Send("OPTIONS * RTSP/1.0\r\nCSeq: 1\r\n"));
@@ -172,7 +172,7 @@ TEST_F(EngineLimits, EndConnectionsThatSendMoreThanAnyClientHasToSay) {
     peer->ShutDown();
 }
 
-TEST_F(EngineLimits, KeepAPeerThatSendsWithoutEndFromDisturbingOthers) {
+TEST_F(EngineLimits, ShieldOthersFromAPeerThatFloods) {
     StartChannel();
     auto const peer = Connect();
     std::jthread const sender([&peer] {
@@ -186,7 +186,7 @@ TEST_F(EngineLimits, KeepAPeerThatSendsWithoutEndFromDisturbingOthers) {
     peer->ShutDown();
 }
 
-TEST_F(EngineLimits, SurviveWhatIsNoRtsp) {
+TEST_F(EngineLimits, SurviveInvalidRtsp) {
     StartChannel();
     for (std::string const text :
          {"\r\n\r\n\r\n", "GET / HTTP/1.1\r\n\r\n", "DESCRIBE\r\n\r\n", "DESCRIBE rtsp:// RTSP/1.0\r\nCSeq: 1\r\n\r\n",

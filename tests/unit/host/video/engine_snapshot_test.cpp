@@ -37,7 +37,7 @@ TEST_F(EngineSnapshot, HasTheSizeOfTheChannel) {
     EXPECT_EQ(DecodeJpeg(h265.jpeg->ToStringView())->width, 128);
 }
 
-TEST_F(EngineSnapshot, Moves) {
+TEST_F(EngineSnapshot, ChangesOverTime) {
     engine->SetChannels({From("1", "test:ball?width=128&height=96&rate=10")});
     auto const first = DecodeJpeg(WaitForSnapshot("1").jpeg->ToStringView());
     ASSERT_TRUE(test::Eventually([&] {
@@ -75,16 +75,14 @@ TEST_F(EngineSnapshot, AnswersManyRequestsEachOnce) {
     EXPECT_TRUE(test::Eventually([&] { return answers == 200; }));
 }
 
-TEST_F(EngineSnapshot, TellsThatThereIsNoSuchChannel) {
-    EXPECT_EQ(TakeSnapshot("1").error, SnapshotError::NoSuchChannel);
-}
+TEST_F(EngineSnapshot, ReportsNoSuchChannel) { EXPECT_EQ(TakeSnapshot("1").error, SnapshotError::NoSuchChannel); }
 
-TEST_F(EngineSnapshot, TellsThatADescribedChannelHasNoPicture) {
+TEST_F(EngineSnapshot, ReportsNoFrameForADescribedChannel) {
     engine->SetChannels({From("1", "")});
     EXPECT_EQ(TakeSnapshot("1").error, SnapshotError::NoFrame);
 }
 
-TEST_F(EngineSnapshot, TellsThatAFailedSourceHasNoPicture) {
+TEST_F(EngineSnapshot, ReportsNoFrameForAFailedSource) {
     engine->SetChannels({From("1", folder / "missing.mp4")});
     ASSERT_TRUE(WaitForState("1", ChannelState::Failed));
     EXPECT_EQ(TakeSnapshot("1").error, SnapshotError::NoFrame);

@@ -39,7 +39,7 @@ protected:
     }
 };
 
-TEST_P(EngineFile, IsPlayedOverItsEndInRealTime) {
+TEST_P(EngineFile, LoopsInRealTime) {
     auto const file = MakeFile(GetParam());
     auto const begin = std::chrono::steady_clock::now();
     engine->SetChannels({From("1", file)});
@@ -164,7 +164,7 @@ protected:
     std::unique_ptr<Engine> camera;
 };
 
-TEST_F(EngineCamera, IsPassedOn) {
+TEST_F(EngineCamera, IsRelayed) {
     StartCamera(Small);
     engine->SetChannels({FromCamera()});
     ASSERT_TRUE(WaitForState("1", ChannelState::Running)) << GetStatus("1").detail;
@@ -174,13 +174,13 @@ TEST_F(EngineCamera, IsPassedOn) {
     EXPECT_EQ(WaitForSnapshot("1").error, SnapshotError::None);
 }
 
-TEST_F(EngineCamera, IsPassedOnInH265) {
+TEST_F(EngineCamera, IsRelayedInH265) {
     StartCamera("test:ball?codec=h265&width=128&height=96&rate=10");
     engine->SetChannels({FromCamera()});
     EXPECT_TRUE(test::Eventually([&] { return engine->Describe("1") == VideoInfo({128, 96}, "video/x-h265", 10, 1); }));
 }
 
-TEST_F(EngineCamera, NeedsTheRightPasswordWhichIsNeverLogged) {
+TEST_F(EngineCamera, RequiresTheRightPasswordAndNeverLogsIt) {
     logging::Capture const capture;
     StartCamera(Small);
     engine->SetChannels({FromCamera("a-wrong-one")});
@@ -190,7 +190,7 @@ TEST_F(EngineCamera, NeedsTheRightPasswordWhichIsNeverLogged) {
     EXPECT_FALSE(capture.Contains("a-wrong-one"));
 }
 
-TEST_F(EngineCamera, ComesBackAfterItWasGone) {
+TEST_F(EngineCamera, RecoversWithoutInterruptingViewers) {
     StartCamera(Small);
     auto const settings = FromCamera();
     engine->SetChannels({settings});
@@ -214,7 +214,7 @@ TEST_F(EngineCamera, MayStartLater) {
     EXPECT_TRUE(WaitForState("1", ChannelState::Running));
 }
 
-TEST_F(EngineCamera, EndsTheStreamsOfThoseWhoCannotGoOnWhenItsVideoChanges) {
+TEST_F(EngineCamera, EndsStreamsWhenItsResolutionChanges) {
     StartCamera(Small);
     engine->SetChannels({FromCamera()});
     ASSERT_TRUE(WaitForState("1", ChannelState::Running));

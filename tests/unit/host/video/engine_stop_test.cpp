@@ -50,7 +50,7 @@ TEST_F(EngineStop, EndsTheStreamsInTime) {
         EXPECT_TRUE(test::Eventually([&] { return !viewer->Next(50ms) && viewer->HasEnded(); }));
 }
 
-TEST_F(EngineStop, DoesNotWaitForSourcesThatAreBeingOpened) {
+TEST_F(EngineStop, DoesNotWaitForSourcesBeingOpened) {
     // Nobody answers at 192.0.2.1, an address for documentation.
     engine->SetChannels({From("1", "rtsp://192.0.2.1/stream"), From("2", folder / "missing.mp4"), From("3", Small)});
     EXPECT_LT(MeasureStop(), StopLimit);
@@ -65,7 +65,7 @@ TEST_F(EngineStop, DoesNotWaitForAServerThatNeverAnswers) {
     EXPECT_LT(MeasureStop(), StopLimit);
 }
 
-TEST_F(EngineStop, DoesNotWaitForAPause) {
+TEST_F(EngineStop, DoesNotWaitForTheRetryPause) {
     engine->SetChannels({From("1", folder / "missing.mp4")});
     ASSERT_TRUE(WaitForState("1", ChannelState::Failed));
     EXPECT_LT(MeasureStop(), StopLimit);
@@ -121,7 +121,7 @@ TEST_F(EngineHang, DoesNotKeepChannelsFromBeingChanged) {
     EXPECT_TRUE(Viewer(GetUrl("1")).Next());
 }
 
-TEST_F(EngineStop, SaysThatThereIsNoThreadToStartWith) {
+TEST_F(EngineStop, ReportsAFailedThreadStart) {
     test::ThreadFailure const failure;
     try {
         Engine const next({0, false, ""});
@@ -139,7 +139,7 @@ TEST_F(EngineStop, IsHarmlessTwice) {
     EXPECT_TRUE(engine->GetStatus().empty());
 }
 
-TEST_F(EngineStop, GivesThePortBack) {
+TEST_F(EngineStop, FreesThePort) {
     auto const port = engine->GetPort();
     engine->Stop();
     Engine const next({port, false, ""});

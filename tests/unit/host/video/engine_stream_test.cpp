@@ -55,7 +55,7 @@ TEST_F(EngineStream, ServesOverUdp) {
     EXPECT_TRUE(viewer.Next()) << viewer.GetFailure();
 }
 
-TEST_F(EngineStream, GoesOnInRealTime) {
+TEST_F(EngineStream, ContinuesInRealTime) {
     auto const begin = std::chrono::steady_clock::now();
     engine->SetChannels({From("1", Small)});
     ASSERT_TRUE(WaitForState("1", ChannelState::Running));

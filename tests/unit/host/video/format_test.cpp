@@ -22,7 +22,7 @@ TEST(Format, IsReadFromCaps) {
     EXPECT_NE(format->caps, nullptr);
 }
 
-TEST(Format, NeedsAKnownCodingAndASize) {
+TEST(Format, RequiresAKnownCodecAndASize) {
     for (auto const* text : {"video/x-h264", "video/x-h264,width=640", "video/x-h264,width=0,height=480", "EMPTY",
                              "ANY", "video/x-vp8,width=640,height=480"}) {
         EXPECT_FALSE(Read(text)) << text;
@@ -30,7 +30,7 @@ TEST(Format, NeedsAKnownCodingAndASize) {
     EXPECT_FALSE(ReadFormat(nullptr));
 }
 
-TEST(Format, TakesAMeasuredRateOnlyWhenTheStreamTellsNone) {
+TEST(Format, UsesTheMeasuredRateOnlyWithoutADeclaredOne) {
     auto const silent = Read("video/x-h264,width=640,height=480,framerate=0/1");
     ASSERT_TRUE(silent);
     EXPECT_EQ(ToVideoInfo(*silent, FrameRate{15, 1}), meta::data::VideoInfo({640, 480}, "video/x-h264", 15, 1));
@@ -39,7 +39,7 @@ TEST(Format, TakesAMeasuredRateOnlyWhenTheStreamTellsNone) {
     EXPECT_EQ(ToVideoInfo(*telling, FrameRate{15, 1}), meta::data::VideoInfo({640, 480}, "video/x-h264", 25, 1));
 }
 
-TEST(Format, IsContinuedByOneOfTheSameCodingAndSize) {
+TEST(Format, IsContinuedByTheSameCodecAndSize) {
     auto const format = *Read("video/x-h264,width=640,height=480,framerate=25/1");
     EXPECT_TRUE(format.Continues(*Read("video/x-h264,width=640,height=480,framerate=15/1")));
     EXPECT_FALSE(format.Continues(*Read("video/x-h264,width=640,height=360,framerate=25/1")));

@@ -21,7 +21,7 @@ TEST(Pipeline, FindsItsSinkOnlyOnceItHasStarted) {
     EXPECT_FALSE(gst_app_sink_is_eos(GST_APP_SINK(sink.get())));
 }
 
-TEST(Pipeline, FindsNoSinkThatIsNotThere) {
+TEST(Pipeline, FindsNoSinkInAnEmptyPipeline) {
     Pipeline pipeline;
     EXPECT_FALSE(pipeline.FindSink());
     EXPECT_FALSE(pipeline.FindStartedSink());

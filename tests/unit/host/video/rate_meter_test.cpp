@@ -31,7 +31,7 @@ TEST(RateMeter, FindsAUsualRateInUnevenTimes) {
     EXPECT_EQ(meter.GetRate(), (FrameRate{25, 1}));
 }
 
-TEST(RateMeter, GivesUnusualRatesInHundredths) { EXPECT_EQ(Measure(55ms, 300), (FrameRate{1818, 100})); }
+TEST(RateMeter, ReportsUnusualRatesInHundredths) { EXPECT_EQ(Measure(55ms, 300), (FrameRate{1818, 100})); }
 
 TEST(RateMeter, FollowsAChange) {
     RateMeter meter;
@@ -40,13 +40,13 @@ TEST(RateMeter, FollowsAChange) {
     EXPECT_EQ(meter.GetRate(), (FrameRate{10, 1}));
 }
 
-TEST(RateMeter, PassesOverTimesThatDoNotGrow) {
+TEST(RateMeter, IgnoresTimesThatDoNotIncrease) {
     RateMeter meter;
     for (int unit = 0; unit < 20; ++unit) meter.Add(0s);
     EXPECT_EQ(meter.GetRate(), std::nullopt);
 }
 
-TEST(RateMeter, BeginsAnew) {
+TEST(RateMeter, KnowsNoRateAfterAReset) {
     RateMeter meter;
     for (int unit = 0; unit < 20; ++unit) meter.Add(40ms * unit);
     meter.Reset();

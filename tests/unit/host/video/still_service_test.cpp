@@ -37,7 +37,7 @@ protected:
     StillService::Bounds const nobodyWorks{.workers = 0, .waiting = 3, .patience = 50ms};
 };
 
-TEST_F(StillServiceTest, MakesAPictureOfTheNewestAccessUnit) {
+TEST_F(StillServiceTest, EncodesTheNewestAccessUnit) {
     StillService service(patient);
     Snapshot snapshot;
     WaitUntilInTime([&] {
@@ -52,7 +52,7 @@ TEST_F(StillServiceTest, MakesAPictureOfTheNewestAccessUnit) {
     EXPECT_EQ(picture->height, 96);
 }
 
-TEST_F(StillServiceTest, MakesANewPictureWhenTheOldIsTooOldToBeReused) {
+TEST_F(StillServiceTest, EncodesANewPictureWhenTheLastIsTooOld) {
     StillService service({.patience = 60s, .decodingTime = 60s, .reuse = 0ms});
     Snapshot first;
     Snapshot second;
@@ -66,19 +66,19 @@ TEST_F(StillServiceTest, MakesANewPictureWhenTheOldIsTooOldToBeReused) {
     EXPECT_NE(first.jpeg, second.jpeg);
 }
 
-TEST_F(StillServiceTest, TellsThatThereIsNoVideo) {
+TEST_F(StillServiceTest, ReportsNoFrameWithoutVideo) {
     StillService service;
     EXPECT_EQ(Request(service).get().error, Error::NoFrame);
 }
 
-TEST_F(StillServiceTest, TellsThatTheNewestPictureIsTooOld) {
+TEST_F(StillServiceTest, ReportsNoFrameWhenTheNewestIsTooOld) {
     StillService service;
     SetFormat();
     Publish(true, 10, 2001ms);
     EXPECT_EQ(Request(service).get().error, Error::NoFrame);
 }
 
-TEST_F(StillServiceTest, TellsThatTheVideoCannotBeDecoded) {
+TEST_F(StillServiceTest, ReportsAFailureWhenDecodingFails) {
     StillService service(patient);
     SetFormat();
     Snapshot snapshot;
@@ -100,7 +100,7 @@ TEST_F(StillServiceTest, GivesUpWhenDecodingTakesTooLong) {
     EXPECT_EQ(snapshot.error, Error::Failed);
 }
 
-TEST_F(StillServiceTest, RefusesRequestsPastTheNumberThatMayWait) {
+TEST_F(StillServiceTest, RefusesRequestsWhenTheQueueIsFull) {
     StillService service({.workers = 0, .waiting = 3, .patience = 1h});
     std::vector<std::future<Snapshot>> waiting;
     for (int count = 0; count < 3; ++count) waiting.push_back(Request(service));
@@ -108,7 +108,7 @@ TEST_F(StillServiceTest, RefusesRequestsPastTheNumberThatMayWait) {
     EXPECT_EQ(waiting.front().wait_for(0s), std::future_status::timeout);
 }
 
-TEST_F(StillServiceTest, AnswersInTimeWhenNobodyGetsToIt) {
+TEST_F(StillServiceTest, ReportsBusyInTimeWithoutAFreeWorker) {
     StillService service(nobodyWorks);
     for (int round = 0; round < 3; ++round) {
         EXPECT_EQ(Request(service).get().error, Error::Busy);
@@ -116,7 +116,7 @@ TEST_F(StillServiceTest, AnswersInTimeWhenNobodyGetsToIt) {
     }
 }
 
-TEST_F(StillServiceTest, AnswersAllThatWaitWhenItStops) {
+TEST_F(StillServiceTest, AnswersWaitingRequestsOnStop) {
     StillService service({.workers = 0, .patience = 1h});
     auto waiting = Request(service);
     service.Stop();

@@ -37,7 +37,7 @@ protected:
     Pipeline media;
 };
 
-TEST_F(StreamViewed, HasNothingToViewBeforeFormatAndKeyFrame) {
+TEST_F(StreamViewed, CannotBeJoinedBeforeFormatAndKeyFrame) {
     EXPECT_EQ(stream->Join(GetSource()), nullptr);
     SetFormat();
     Publish(false);
@@ -48,7 +48,7 @@ TEST_F(StreamViewed, HasNothingToViewBeforeFormatAndKeyFrame) {
     EXPECT_EQ(stream->GetCodec(), Codec::H264);
 }
 
-TEST_F(StreamViewed, GivesAViewerEverythingFromTheNewestKeyFrameOn) {
+TEST_F(StreamViewed, StartsAViewerAtTheNewestKeyFrame) {
     SetFormat();
     for (std::size_t size : {11, 12}) Publish(size == 11, size);
     for (std::size_t size : {21, 22}) Publish(size == 21, size);
@@ -60,7 +60,7 @@ TEST_F(StreamViewed, GivesAViewerEverythingFromTheNewestKeyFrameOn) {
     EXPECT_EQ(Take(), 23);
 }
 
-TEST_F(StreamViewed, GivesNothingToAViewerThatHasGone) {
+TEST_F(StreamViewed, SendsNothingToAViewerThatHasLeft) {
     SetFormat();
     Publish(true, 11);
     auto feed = stream->Join(GetSource());
@@ -71,7 +71,7 @@ TEST_F(StreamViewed, GivesNothingToAViewerThatHasGone) {
     EXPECT_EQ(Take(100 * GST_MSECOND), 0);
 }
 
-TEST_F(StreamViewed, LetsASlowViewerGoOnAtAKeyFrame) {
+TEST_F(StreamViewed, ResumesASlowViewerAtAKeyFrame) {
     constexpr std::size_t Large = std::size_t{6} * 1024 * 1024;
     SetFormat();
     Publish(true, Large + 1);
@@ -116,7 +116,7 @@ TEST_F(StreamViewed, WaitsForASourceThatFailed) {
 
 using StreamDescribed = StreamTest;
 
-TEST_F(StreamDescribed, TellsTheDescriptionUntilItKnowsTheFormat) {
+TEST_F(StreamDescribed, ReportsTheDescriptionUntilTheFormatIsKnown) {
     InitializeGStreamer();
     EXPECT_EQ(stream->Describe(), VideoInfo({1, 2}, "described", 3, 4));
     SetFormat("video/x-h264,width=128,height=96,framerate=12/1");
@@ -125,7 +125,7 @@ TEST_F(StreamDescribed, TellsTheDescriptionUntilItKnowsTheFormat) {
     EXPECT_EQ(stream->Describe(), VideoInfo({128, 96}, "video/x-h264", 12, 1));
 }
 
-TEST_F(StreamDescribed, MeasuresARateThatTheFormatDoesNotTell) {
+TEST_F(StreamDescribed, MeasuresTheRateWhenTheFormatHasNone) {
     InitializeGStreamer();
     SetFormat("video/x-h264,width=128,height=96");
     EXPECT_EQ(stream->Describe(), VideoInfo({128, 96}, "video/x-h264", 0, 1));

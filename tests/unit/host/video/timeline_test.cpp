@@ -37,21 +37,21 @@ TEST(Timeline, ContinuesANewRunOneIntervalAfterTheOld) {
     EXPECT_EQ(timeline.Place(Coded(7s, 7s), 1110ms).decoding, 1100ms);
 }
 
-TEST(Timeline, ContinuesAfterOneAccessUnitByTheDurationItTells) {
+TEST(Timeline, ContinuesAfterASingleAccessUnitByItsDuration) {
     Timeline timeline;
     timeline.Place({0ms, 0ms, 100ms}, 1s);
     timeline.BeginRun();
     EXPECT_EQ(timeline.Place({0ms, 0ms, 100ms}, 1100ms).decoding, 1100ms);
 }
 
-TEST(Timeline, LeavesTheTrueGapAfterAPause) {
+TEST(Timeline, KeepsTheRealGapAfterAPause) {
     Timeline timeline;
     timeline.Place(Coded(0ms, 0ms), 1s);
     timeline.BeginRun();
     EXPECT_EQ(timeline.Place(Coded(0ms, 0ms), 20s).decoding, 20s);
 }
 
-TEST(Timeline, TakesAJumpForANewBeginning) {
+TEST(Timeline, TreatsAJumpAsANewRun) {
     for (auto const jump : {Time(-1h), Time(1h)}) {
         Timeline timeline;
         timeline.Place(Coded(2h, 2h), 1s);
@@ -83,7 +83,7 @@ TEST(Timeline, SpreadsASourceWithoutDecodingTimesEvenly) {
     EXPECT_EQ(decoding, (std::vector<Time>{1000ms, 1040ms, 1080ms, 1120ms, 1160ms}));
 }
 
-TEST(Timeline, FollowsASourceWhoseDurationsAreWrong) {
+TEST(Timeline, FollowsASourceWithWrongDurations) {
     Timeline timeline;
     Time newest{0};
     for (auto time = 0ms; time <= 60s; time += 80ms) newest = timeline.Place(Shown(time), 1s).decoding;
@@ -91,7 +91,7 @@ TEST(Timeline, FollowsASourceWhoseDurationsAreWrong) {
     EXPECT_LE(newest, 61s);
 }
 
-TEST(Timeline, CountsOnWithoutAnyTimes) {
+TEST(Timeline, ContinuesWithoutTimes) {
     Timeline timeline;
     timeline.Place({}, 1s);
     EXPECT_EQ(timeline.Place({}, 1s).decoding, 1040ms);

@@ -22,7 +22,7 @@ TEST(Admission, TakesConnectionsUpToBothOfTheirLimits) {
     EXPECT_EQ(admission.GetConnections(), 2U);
 }
 
-TEST(Admission, TakesExchangesUpToTheirNumber) {
+TEST(Admission, LimitsTheNumberOfExchanges) {
     Admission admission;
     Limits const limits{.exchanges = 1};
     auto slot = admission.BeginExchange(limits);
@@ -33,7 +33,7 @@ TEST(Admission, TakesExchangesUpToTheirNumber) {
     EXPECT_TRUE(admission.BeginExchange(limits));
 }
 
-TEST(Admission, MayGoBeforeItsSlots) {
+TEST(Admission, MayBeDestroyedBeforeItsSlots) {
     std::optional<Admission> admission(std::in_place);
     auto connection = admission->Connect(First, {});
     auto exchange = admission->BeginExchange({});

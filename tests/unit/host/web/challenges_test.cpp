@@ -21,12 +21,12 @@ Nonces::Clock::time_point const Start{100h};
 
 TEST(Nonces, AreHexadecimal) { EXPECT_THAT(Nonces().Make(Start), testing::MatchesRegex("[0-9a-f]{64}")); }
 
-TEST(Nonces, DifferAlsoWhenTheyAreMadeAtTheSameTime) {
+TEST(Nonces, DifferEvenWhenCreatedAtTheSameTime) {
     Nonces nonces;
     EXPECT_NE(nonces.Make(Start), nonces.Make(Start));
 }
 
-TEST(Nonces, TellWhenTheyWereMadeToTheMillisecond) {
+TEST(Nonces, EncodeTheirCreationTimeInMilliseconds) {
     Nonces nonces;
     EXPECT_THAT(nonces.GetTime(nonces.Make(Start)), Optional(Start));
     EXPECT_THAT(nonces.GetTime(nonces.Make(Start + 1999us)), Optional(Start + 1ms));
@@ -74,13 +74,13 @@ TEST(UsedResponses, TellResponsesApartByEachPart) {
     }
 }
 
-TEST(UsedResponses, DoNotMixUpTextsThatAreOneWhenJoined) {
+TEST(UsedResponses, DoNotConfusePartsWithEqualConcatenation) {
     UsedResponses used;
     EXPECT_TRUE(used.Add({.nonce = "n", .nc = "1", .cnonce = "23"}, Start, Start));
     EXPECT_TRUE(used.Add({.nonce = "n", .nc = "12", .cnonce = "3"}, Start, Start));
 }
 
-TEST(UsedResponses, TakeTheCountsOfAClientInAnyOrder) {
+TEST(UsedResponses, AcceptNonceCountsInAnyOrder) {
     UsedResponses used;
     for (auto const* count : {"00000003", "00000001", "00000010", "00000002"}) {
         EXPECT_TRUE(used.Add({.nonce = "n", .nc = count, .cnonce = "c"}, Start, Start)) << count;
@@ -88,7 +88,7 @@ TEST(UsedResponses, TakeTheCountsOfAClientInAnyOrder) {
     EXPECT_FALSE(used.Add({.nonce = "n", .nc = "00000010", .cnonce = "c"}, Start, Start));
 }
 
-TEST(UsedResponses, AreRememberedAsLongAsTheirNonceMayCount) {
+TEST(UsedResponses, AreKeptForTheLifetimeOfTheNonce) {
     UsedResponses used;
     EXPECT_TRUE(used.Add(Response, Start, Start));
     EXPECT_FALSE(used.Add(Response, Start, Start + UsedResponses::LongestLife));
@@ -111,14 +111,14 @@ void Fill(UsedResponses& used, int seconds) {
     }
 }
 
-TEST(UsedResponses, AreNeverMoreThanTheirMaximum) {
+TEST(UsedResponses, NeverExceedTheirMaximum) {
     UsedResponses used(100);
     Fill(used, 250);
     EXPECT_LE(used.GetSize(), 100U);
     EXPECT_GE(used.GetSize(), 90U);
 }
 
-TEST(UsedResponses, ThatHadToGoCannotBeUsedAgain) {
+TEST(UsedResponses, StayRejectedAfterEviction) {
     UsedResponses used(100);
     Fill(used, 250);
     for (int second = 0; second < 250; ++second) {
@@ -129,7 +129,7 @@ TEST(UsedResponses, ThatHadToGoCannotBeUsedAgain) {
     }
 }
 
-TEST(UsedResponses, LetANewNonceCountAlsoWhenTheyAreFullOfOneSecond) {
+TEST(UsedResponses, AcceptANewerNonceWhenFull) {
     UsedResponses used(10);
     for (int count = 0; count < 11; ++count) {
         EXPECT_TRUE(used.Add({.nonce = "n", .nc = std::to_string(count), .cnonce = "c"}, Start, Start));
@@ -173,7 +173,7 @@ TEST_F(ChallengesTest, LetAResponseToOneOfThemBeUsedOnce) {
     EXPECT_TRUE(Take(challenges.MakeNonce()));
 }
 
-TEST_F(ChallengesTest, LetACountOrANonceOfTheClientAloneBeUsedOnceAsWell) {
+TEST_F(ChallengesTest, AcceptANonceCountOrClientNonceAloneOnce) {
     auto const nonce = challenges.MakeNonce();
     EXPECT_TRUE(Take(nonce, "00000001", ""));
     EXPECT_FALSE(Take(nonce, "00000001", ""));
@@ -181,7 +181,7 @@ TEST_F(ChallengesTest, LetACountOrANonceOfTheClientAloneBeUsedOnceAsWell) {
     EXPECT_FALSE(Take(nonce, "", "c"));
 }
 
-TEST_F(ChallengesTest, LetANonceBeUsedAgainByAClientThatSendsNeither) {
+TEST_F(ChallengesTest, AcceptRepeatedUseWithoutNonceCountAndClientNonce) {
     auto const nonce = challenges.MakeNonce();
     EXPECT_TRUE(Take(nonce, "", ""));
     EXPECT_TRUE(Take(nonce, "", ""));
@@ -189,7 +189,7 @@ TEST_F(ChallengesTest, LetANonceBeUsedAgainByAClientThatSendsNeither) {
     EXPECT_FALSE(Take(nonce, "", ""));
 }
 
-TEST_F(ChallengesTest, CountForLessThanFiveMinutes) {
+TEST_F(ChallengesTest, ExpireAfterFiveMinutes) {
     auto const nonce = challenges.MakeNonce();
     now += 5min - 1ms;
     EXPECT_TRUE(Take(nonce));
@@ -197,13 +197,13 @@ TEST_F(ChallengesTest, CountForLessThanFiveMinutes) {
     EXPECT_FALSE(Take(nonce, "00000002"));
 }
 
-TEST_F(ChallengesTest, OfOthersDoNotCount) {
+TEST_F(ChallengesTest, OfOthersAreRejected) {
     EXPECT_FALSE(Take(""));
     EXPECT_FALSE(Take("dcd98b7102dd2f0e8b11d0f600bfb0c093"));
     EXPECT_FALSE(Take(Challenges([this] { return now; }).MakeNonce()));
 }
 
-TEST_F(ChallengesTest, MayBeToldToCountForAShorterTime) {
+TEST_F(ChallengesTest, AllowAShorterLifetime) {
     auto const nonce = challenges.MakeNonce();
     challenges.SetLife(2s);
     now += 2s - 1ms;
@@ -212,7 +212,7 @@ TEST_F(ChallengesTest, MayBeToldToCountForAShorterTime) {
     EXPECT_FALSE(Take(nonce, "00000002"));
 }
 
-TEST_F(ChallengesTest, CannotBeToldToCountForLongerThanFiveMinutesOrNotAtAll) {
+TEST_F(ChallengesTest, RefuseALifetimeOfZeroOrOverFiveMinutes) {
     EXPECT_THROW(challenges.SetLife(0s), std::invalid_argument);
     EXPECT_THROW(challenges.SetLife(301s), std::invalid_argument);
     EXPECT_NO_THROW(challenges.SetLife(300s));

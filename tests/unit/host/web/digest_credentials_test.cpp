@@ -19,11 +19,11 @@ TEST(DigestParameters, AreReadWithAndWithoutQuotes) {
                                               Pair("uri", "/a,b=c"))));
 }
 
-TEST(DigestParameters, HaveNamesWithoutCase) {
+TEST(DigestParameters, IgnoreTheCaseOfNames) {
     EXPECT_THAT(ParseDigestParameters("dIGEST Username=a"), Optional(UnorderedElementsAre(Pair("username", "a"))));
 }
 
-TEST(DigestParameters, LoseTheirEscapes) {
+TEST(DigestParameters, AreUnescaped) {
     EXPECT_THAT(ParseDigestParameters(R"(Digest a="x\"y\\z")"), Optional(UnorderedElementsAre(Pair("a", R"(x"y\z)"))));
 }
 
@@ -32,7 +32,7 @@ TEST(DigestParameters, MayBeEmpty) {
                 Optional(UnorderedElementsAre(Pair("a", ""), Pair("b", ""))));
 }
 
-TEST(DigestParameters, MayHaveBlanksAroundTheirSigns) {
+TEST(DigestParameters, MayHaveBlanksAroundSeparators) {
     EXPECT_THAT(ParseDigestParameters("Digest \t a = \"1\" ,\tb = 2 "),
                 Optional(UnorderedElementsAre(Pair("a", "1"), Pair("b", "2"))));
 }
@@ -128,7 +128,7 @@ TEST(DigestCredentials, AreNotFoundInAFieldThatIsNotChecked) {
     EXPECT_TRUE(Find(R"(Digest username="a", realm="r", algorithm="md5")"));
 }
 
-TEST(UnofferedForm, IsThatOfAnotherAlgorithmOrOverTheBody) {
+TEST(UnofferedForm, MeansAnotherAlgorithmOrAuthInt) {
     for (auto const* parameter :
          {"algorithm=SHA-256", "algorithm=\"sha-256-sess\"", "algorithm=MD5-sess", "algorithm=SHA-512-256",
           "algorithm=SHA-512-256-sess", "qop=auth-int", "qop=\"auth-int\""}) {

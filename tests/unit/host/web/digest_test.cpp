@@ -90,13 +90,13 @@ TEST_F(DigestTest, ChallengesARequestWithoutCredentials) {
                 MatchesRegex("Digest realm=\"zarnsuite.example\", qop=\"auth\", nonce=\"[0-9a-f]+\", algorithm=MD5"));
 }
 
-TEST_F(DigestTest, LetsARightAnswerThrough) {
+TEST_F(DigestTest, AcceptsARightAnswer) {
     EXPECT_EQ(Ask(Say(GetNonce(), {})), "");
     EXPECT_EQ(Ask(Say(GetNonce(), {.qop = ""})), "");
     EXPECT_EQ(Ask(Say(GetNonce(), {.further = ", algorithm=md5"})), "");
 }
 
-TEST_F(DigestTest, LetsEverythingThroughWhenAuthenticationIsOff) {
+TEST_F(DigestTest, AcceptsEverythingWhenAuthenticationIsOff) {
     engine.SetEnabled(false);
     EXPECT_EQ(Ask(""), "");
 }
@@ -113,44 +113,44 @@ TEST_F(DigestTest, RefusesAWrongAnswer) {
 
 TEST_F(DigestTest, RefusesAnotherScheme) { EXPECT_THAT(Ask("Basic YWRtaW46c2VjcmV0"), HasSubstr("nonce=")); }
 
-TEST_F(DigestTest, SaysThatANonceIsStaleWhenNothingElseIsWrong) {
+TEST_F(DigestTest, ReportsAnUnknownNonceAsStale) {
     EXPECT_THAT(Ask(Say("dcd98b7102dd2f0e8b11d0f600bfb0c0", {})), HasSubstr("stale=true"));
 }
 
-TEST_F(DigestTest, SaysThatANonceIsStaleWhenTheAnswerHasBeenUsed) {
+TEST_F(DigestTest, ReportsAReplayedAnswerAsStale) {
     auto const answer = Say(GetNonce(), {});
     EXPECT_EQ(Ask(answer), "");
     EXPECT_THAT(Ask(answer), HasSubstr("stale=true"));
     EXPECT_THAT(Ask(answer), HasSubstr("stale=true"));
 }
 
-TEST_F(DigestTest, LetsAClientGoOnWithItsChallenge) {
+TEST_F(DigestTest, AcceptsSeveralAnswersToOneChallenge) {
     auto const nonce = GetNonce();
     for (auto const* count : {"00000001", "00000003", "00000002"}) EXPECT_EQ(Ask(Say(nonce, {.count = count})), "");
     EXPECT_EQ(Ask(Say(nonce, {.cnonce = "d"})), "");
     for (int request = 0; request < 3; ++request) EXPECT_EQ(Ask(Say(nonce, {.qop = ""})), "");
 }
 
-TEST_F(DigestTest, DoesNotUseUpAnAnswerThatWasWrong) {
+TEST_F(DigestTest, DoesNotConsumeTheNonceCountOfAWrongAnswer) {
     auto const nonce = GetNonce();
     EXPECT_NE(Ask(Say(nonce, {.password = "guess"})), "");
     EXPECT_EQ(Ask(Say(nonce, {})), "");
 }
 
-TEST_F(DigestTest, AsksForTheOneAccountWhateverNameTheClientGives) {
+TEST_F(DigestTest, VerifiesTheOneAccountForAnyUserName) {
     auto answer = Say(GetNonce(), {});
     answer.replace(answer.find("\"admin\""), 7, "\"root\"");
     EXPECT_EQ(Ask(answer), "");
 }
 
-TEST_F(DigestTest, PutsItsChallengeInThePlaceOfTheModules) {
+TEST_F(DigestTest, ReplacesTheModulesChallengeWithItsOwn) {
     EXPECT_THAT(Challenge(""), MatchesRegex("Digest realm=\"the client's\", qop=\"auth\", nonce=\"[0-9a-f]{64}\", "
                                             "algorithm=MD5"));
     auto const nonce = ParseDigestParameters(Challenge(""))->at("nonce");
     EXPECT_EQ(Ask(Say(nonce, {})), "");
 }
 
-TEST_F(DigestTest, SaysOfTheModulesRefusalThatANonceIsStaleWhenTheAnswerWasRight) {
+TEST_F(DigestTest, MarksTheModulesChallengeStaleForARightAnswer) {
     auto const answer = Say("1f", {.method = "POST", .uri = "/onvif/a"});
     EXPECT_THAT(Challenge(answer), HasSubstr("stale=true"));
     EXPECT_THAT(Challenge(answer, "/onvif/a?b=1"), HasSubstr("stale=true"));
@@ -161,14 +161,14 @@ TEST_F(DigestTest, SaysOfTheModulesRefusalThatANonceIsStaleWhenTheAnswerWasRight
                 Not(HasSubstr("stale")));
 }
 
-TEST_F(DigestTest, TakesAnAnswerForTheWholeTargetAndForThePathAlone) {
+TEST_F(DigestTest, AcceptsAnAnswerForTheTargetWithOrWithoutItsQuery) {
     auto const target = "/snapshot/1/latest.jpeg?time=1";
     EXPECT_EQ(Ask(Say(GetNonce(), {.uri = target}), target), "");
     EXPECT_EQ(Ask(Say(GetNonce(), {}), target), "");
     EXPECT_EQ(Ask(Say(GetNonce(), {.uri = "http://host/snapshot/1/latest.jpeg"}), target), "");
 }
 
-TEST_F(DigestTest, GoesByTheMethodOfTheRequest) {
+TEST_F(DigestTest, VerifiesTheMethodOfTheRequest) {
     EXPECT_EQ(Ask(Say(GetNonce(), {.method = "HEAD"}), "/snapshot/1/latest.jpeg", Method::Head), "");
     EXPECT_NE(Ask(Say(GetNonce(), {}), "/snapshot/1/latest.jpeg", Method::Head), "");
 }

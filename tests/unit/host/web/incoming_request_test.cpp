@@ -17,7 +17,7 @@ IncomingRequest::Message MakeMessage(std::string_view method = "POST") {
     return message;
 }
 
-TEST(IncomingRequest, GivesMethodTargetAndBody) {
+TEST(IncomingRequest, ReturnsMethodTargetAndBody) {
     auto message = MakeMessage();
     message.body() = "content";
     IncomingRequest const request(std::move(message));
@@ -32,7 +32,7 @@ TEST(IncomingRequest, GivesAnAbsoluteTargetInOriginForm) {
     EXPECT_EQ(IncomingRequest(std::move(message)).GetTarget(), "/a?b");
 }
 
-TEST(IncomingRequest, GivesTheFieldsInTheClientsSpelling) {
+TEST(IncomingRequest, KeepsTheClientsSpellingOfFields) {
     auto message = MakeMessage();
     message.set("host", "h");
     message.set("SOAPAction", "\"x\"");
@@ -68,7 +68,7 @@ TEST(IncomingRequest, FindsAFieldWithoutRegardToCase) {
     EXPECT_EQ(request.FindField("Host"), "");
 }
 
-TEST(IncomingRequest, HasNoBlanksBeforeTheSeparatorsOfItsCredentials) {
+TEST(IncomingRequest, RemovesBlanksBeforeSeparatorsInCredentials) {
     auto message = MakeMessage();
     message.set("authorization", "Digest qop=auth , nc = 1");
     message.set("X-Other", "a , b");
@@ -77,7 +77,7 @@ TEST(IncomingRequest, HasNoBlanksBeforeTheSeparatorsOfItsCredentials) {
                 UnorderedElementsAre(Pair("authorization", "Digest qop=auth, nc= 1"), Pair("X-Other", "a , b")));
 }
 
-TEST(IncomingRequest, LeavesOutWhatConcernsTheConnectionOnly) {
+TEST(IncomingRequest, OmitsHopByHopFields) {
     auto message = MakeMessage();
     for (auto const* name : {"Keep-Alive", "EXPECT", "TE", "Trailer", "transfer-encoding", "Upgrade",
                              "Proxy-Connection", "Proxy-Authorization", "X-Hop"}) {
@@ -88,7 +88,7 @@ TEST(IncomingRequest, LeavesOutWhatConcernsTheConnectionOnly) {
     EXPECT_THAT(request.GetFields(), IsEmpty());
 }
 
-TEST(IncomingRequest, GivesAnUnknownMethodAsOneThatNoServiceServes) {
+TEST(IncomingRequest, MapsAnUnknownMethodToConnect) {
     EXPECT_EQ(IncomingRequest(MakeMessage("BREW")).GetMethod(), Method::Connect);
     EXPECT_EQ(IncomingRequest(MakeMessage("post")).GetMethod(), Method::Connect);
     EXPECT_EQ(IncomingRequest(MakeMessage("PATCH")).GetMethod(), Method::Patch);

@@ -8,12 +8,12 @@
 namespace zarn::host::web {
 namespace {
 
-TEST(Listener, BindsAFreePortWhenAskedForNone) {
+TEST(Listener, BindsAFreePortForPortZero) {
     boost::asio::io_context io;
     EXPECT_NE(Listener(io, 0).GetPort(), 0);
 }
 
-TEST(Listener, LetsConnectionsQueueUpBeforeAnybodyServesThem) {
+TEST(Listener, QueuesConnectionsBeforeTheyAreAccepted) {
     boost::asio::io_context io;
     Listener const listener(io, 0);
     EXPECT_NO_THROW(test::RawConnection(listener.GetPort()));

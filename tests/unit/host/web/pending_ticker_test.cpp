@@ -64,13 +64,13 @@ protected:
     std::optional<PendingTicker> ticker{io.GetContext()};
 };
 
-TEST_F(PendingTickerTest, PassesOnAResponseThatIsCompleteAtOnce) {
+TEST_F(PendingTickerTest, DeliversACompleteResponseAtOnce) {
     auto reply = Watch(zarn::web::response::MakeComplete(Status::Ok, {}, "now"));
     ASSERT_EQ(reply.wait_for(0s), std::future_status::ready);
     EXPECT_EQ(reply.get().GetBody().front()->ToStringView(), "now");
 }
 
-TEST_F(PendingTickerTest, PassesOnAResponseOnceItIsReady) {
+TEST_F(PendingTickerTest, DeliversAResponseOnceItIsReady) {
     auto const work = std::make_shared<Work>();
     auto reply = Watch(MakePending(work));
     work->AwaitQuestions(3);
@@ -83,7 +83,7 @@ TEST_F(PendingTickerTest, PassesOnAResponseOnceItIsReady) {
     EXPECT_EQ(result.GetBody().front()->ToStringView(), "done");
 }
 
-TEST_F(PendingTickerTest, AsksNoMoreAfterTheAnswer) {
+TEST_F(PendingTickerTest, StopsPollingAfterTheResponse) {
     auto const work = std::make_shared<Work>();
     auto reply = Watch(MakePending(work));
     work->ready = true;
@@ -95,7 +95,7 @@ TEST_F(PendingTickerTest, AsksNoMoreAfterTheAnswer) {
     EXPECT_EQ(work->questions, asked);
 }
 
-TEST_F(PendingTickerTest, LetsGoOfAResponseWithItsAnswer) {
+TEST_F(PendingTickerTest, ReleasesAResponseAfterItsDelivery) {
     auto const work = std::make_shared<Work>();
     std::weak_ptr<Work> const weak = work;
     auto pending = MakePending(work);
@@ -106,7 +106,7 @@ TEST_F(PendingTickerTest, LetsGoOfAResponseWithItsAnswer) {
     EXPECT_TRUE(test::Eventually([&] { return watched.expired(); }));
 }
 
-TEST_F(PendingTickerTest, MakesA500OfAResponseThatThrows) {
+TEST_F(PendingTickerTest, Answers500WhenAResponseThrows) {
     logging::Capture const log;
     auto reply = Watch(std::make_shared<Pending>(
         Status::Provisional, []() -> Pending::Data { throw std::future_error(std::future_errc::broken_promise); },
@@ -116,7 +116,7 @@ TEST_F(PendingTickerTest, MakesA500OfAResponseThatThrows) {
     EXPECT_TRUE(log.Contains("Broken promise"));
 }
 
-TEST_F(PendingTickerTest, MakesA500OfAnExceptionThatIsNoneOfTheLibrarys) {
+TEST_F(PendingTickerTest, Answers500ForANonStandardException) {
     auto reply = Watch(std::make_shared<Pending>(
         Status::Provisional, []() -> Pending::Data { throw 1; }, 0ms));
     ASSERT_EQ(reply.wait_for(Patience), std::future_status::ready);
@@ -131,7 +131,7 @@ TEST_F(PendingTickerTest, GivesUpAfterTheResponsesOwnTimeOut) {
     EXPECT_GE(Clock::now() - begun, 50ms);
 }
 
-TEST_F(PendingTickerTest, AsksAYoungResponseOften) {
+TEST_F(PendingTickerTest, PollsANewResponseOften) {
     // Repeats, because a busy machine may not manage it at once.
     EXPECT_TRUE(test::Eventually([this] {
         auto const work = std::make_shared<Work>();
@@ -145,7 +145,7 @@ TEST_F(PendingTickerTest, AsksAYoungResponseOften) {
     }));
 }
 
-TEST_F(PendingTickerTest, AsksAnOldResponseRarely) {
+TEST_F(PendingTickerTest, PollsAnOldResponseRarely) {
     constexpr int Rounds = 25; // 4 ms apart
     auto const work = std::make_shared<Work>();
     auto const begun = Clock::now();
@@ -165,7 +165,7 @@ TEST_F(PendingTickerTest, ServesManyAtOnce) {
     for (auto& reply : replies) ASSERT_EQ(reply.wait_for(Patience), std::future_status::ready);
 }
 
-TEST_F(PendingTickerTest, GoesOnWhenAnAnswerCannotBeDelivered) {
+TEST_F(PendingTickerTest, ContinuesWhenADeliveryFails) {
     logging::Capture const log;
     auto const young = std::make_shared<Work>();
     auto const old = std::make_shared<Work>();
@@ -182,7 +182,7 @@ TEST_F(PendingTickerTest, GoesOnWhenAnAnswerCannotBeDelivered) {
     EXPECT_TRUE(log.WaitFor("no memory", Patience));
 }
 
-TEST_F(PendingTickerTest, DropsWhatIsPendingWhenItGoes) {
+TEST_F(PendingTickerTest, DropsPendingResponsesOnDestruction) {
     auto const work = std::make_shared<Work>();
     auto reply = Watch(MakePending(work));
     io.Stop();

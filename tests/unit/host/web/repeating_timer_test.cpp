@@ -44,13 +44,13 @@ protected:
                          }};
 };
 
-TEST_F(RepeatingTimerTest, CallsAgainWhateverIsThrown) {
+TEST_F(RepeatingTimerTest, ContinuesAfterAnException) {
     Run([this] { timer.Start(); });
     EXPECT_TRUE(AwaitCalls(5));
     EXPECT_TRUE(log.Contains("The work was not done: no memory"));
 }
 
-TEST_F(RepeatingTimerTest, CallsNoMoreOnceItIsStopped) {
+TEST_F(RepeatingTimerTest, MakesNoCallOnceStopped) {
     Run([this] { timer.Start(); });
     ASSERT_TRUE(AwaitCalls(3));
     Run([this] { timer.Stop(); });

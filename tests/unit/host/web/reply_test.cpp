@@ -8,7 +8,7 @@ namespace {
 using testing::Contains;
 using testing::Pair;
 
-TEST(Reply, OfTextIsALineThatSaysItIsText) {
+TEST(Reply, OfTextIsAPlainTextLine) {
     auto const reply = MakeTextReply(Status::NotFound, "Nothing.", {{"Retry-After", "1"}});
     EXPECT_EQ(reply.GetStatus(), Status::NotFound);
     EXPECT_THAT(reply.GetFields(), Contains(Pair("Content-Type", "text/plain; charset=utf-8")));
@@ -17,7 +17,7 @@ TEST(Reply, OfTextIsALineThatSaysItIsText) {
     EXPECT_EQ(reply.GetBody().front()->ToStringView(), "Nothing.\n");
 }
 
-TEST(Reply, OfTextComesAsACompleteResponseToo) {
+TEST(Reply, OfTextIsAlsoACompleteResponse) {
     auto const data = MakeTextResponse(Status::Conflict, "No.")->GetData();
     EXPECT_EQ(data.GetStatus(), Status::Conflict);
     EXPECT_EQ(data.GetState(), zarn::web::response::State::Complete);

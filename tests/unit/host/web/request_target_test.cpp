@@ -13,7 +13,7 @@ struct TargetCase {
 
 class RequestTarget : public testing::TestWithParam<TargetCase> {};
 
-TEST_P(RequestTarget, IsBroughtIntoOriginForm) { EXPECT_EQ(ToOriginForm(GetParam().target), GetParam().origin); }
+TEST_P(RequestTarget, IsConvertedToOriginForm) { EXPECT_EQ(ToOriginForm(GetParam().target), GetParam().origin); }
 
 INSTANTIATE_TEST_SUITE_P(
     Forms, RequestTarget,

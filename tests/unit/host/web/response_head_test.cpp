@@ -19,7 +19,7 @@ TEST(ResponseHead, BeginsWithTheStatusAndEndsWithABlankLine) {
     EXPECT_THAT(MakeResponseHead({static_cast<Status>(299), {}, {}}, {}), StartsWith("HTTP/1.1 299 \r\n"));
 }
 
-TEST(ResponseHead, CarriesTheTimeInTheFormOfHttp) {
+TEST(ResponseHead, ContainsTheDateInHttpFormat) {
     EXPECT_THAT(
         MakeResponseHead(Empty, {}),
         ContainsRegex("Date: (Mon|Tue|Wed|Thu|Fri|Sat|Sun), [0-9]{2} [A-Z][a-z]{2} [0-9]{4} [0-9:]{8} GMT\r\n"));
@@ -34,7 +34,7 @@ TEST(ResponseHead, CountsTheBodyOverAllChunks) {
     EXPECT_THAT(MakeResponseHead(Empty, {}), HasSubstr("Content-Length: 0\r\n"));
 }
 
-TEST(ResponseHead, SaysHowTheConnectionGoesOnInTheTermsOfTheRequestsVersion) {
+TEST(ResponseHead, SetsConnectionAccordingToTheHttpVersion) {
     EXPECT_THAT(MakeResponseHead(Empty, {1, true}), Not(HasSubstr("Connection:")));
     EXPECT_THAT(MakeResponseHead(Empty, {1, false}), HasSubstr("Connection: close\r\n"));
     EXPECT_THAT(MakeResponseHead(Empty, {0, true}), HasSubstr("Connection: keep-alive\r\n"));
@@ -47,7 +47,7 @@ TEST(ResponseHead, KeepsTheFieldsOfTheReply) {
                 AllOf(HasSubstr("\r\nContent-Type: text/xml\r\n"), HasSubstr("\r\nWWW-Authenticate: Digest\r\n")));
 }
 
-TEST(ResponseHead, ReplacesTheFieldsThatAreTheServersOwnBusiness) {
+TEST(ResponseHead, ReplacesFieldsOwnedByTheServer) {
     Reply const reply{Status::Ok,
                       {{"connection", "close"},
                        {"CONTENT-LENGTH", "77"},
@@ -59,7 +59,7 @@ TEST(ResponseHead, ReplacesTheFieldsThatAreTheServersOwnBusiness) {
     EXPECT_EQ(MakeResponseHead(reply, {}), MakeResponseHead(Empty, {}));
 }
 
-TEST(ResponseHead, LeavesOutFieldsThatWouldSplitTheMessage) {
+TEST(ResponseHead, OmitsFieldsThatWouldSplitTheMessage) {
     Reply const reply{
         Status::Ok,
         {{"A", "1\r\nB: 2"}, {"C", "1\n"}, {"D", std::string("1\0", 2)}, {"E F", "1"}, {"", "1"}, {"G:", "1"}},
@@ -67,7 +67,7 @@ TEST(ResponseHead, LeavesOutFieldsThatWouldSplitTheMessage) {
     EXPECT_EQ(MakeResponseHead(reply, {}), MakeResponseHead(Empty, {}));
 }
 
-TEST(ResponseHead, HasNoLengthWhereThereIsNoBody) {
+TEST(ResponseHead, HasNoContentLengthWithoutABody) {
     for (auto const status : {Status::NoContent, Status::NotModified}) {
         EXPECT_FALSE(HasBody(status));
         EXPECT_THAT(MakeResponseHead({status, {}, {}}, {}), Not(HasSubstr("Content-Length")));
@@ -75,7 +75,7 @@ TEST(ResponseHead, HasNoLengthWhereThereIsNoBody) {
     EXPECT_TRUE(HasBody(Status::Ok));
 }
 
-TEST(ResponseHead, TurnsAStatusThatIsNoFinalOneIntoA500) {
+TEST(ResponseHead, ReplacesANonFinalStatusWith500) {
     for (unsigned const code : {0U, 2U, 100U, 199U, 600U, 65535U}) {
         EXPECT_THAT(MakeResponseHead({static_cast<Status>(code), {}, {}}, {}),
                     StartsWith("HTTP/1.1 500 Internal Server Error\r\n"));

@@ -41,7 +41,7 @@ TEST(Router, MatchesPathsWithPatterns) {
     }
 }
 
-TEST(Router, GivesThePathToTheFirstRowThatMatches) {
+TEST(Router, UsesTheFirstMatchingRow) {
     auto const exact = std::make_shared<zarn::web::Service>();
     auto const below = std::make_shared<zarn::web::Service>();
     auto const named = std::make_shared<zarn::web::Service>();

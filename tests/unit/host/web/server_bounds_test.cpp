@@ -51,7 +51,7 @@ protected:
     }
 };
 
-TEST_F(ServerBounds, HoldForTheSizeOfAHeader) {
+TEST_F(ServerBounds, LimitTheSizeOfAHeader) {
     Start();
     std::string fields;
     for (int i = 0; i < 100; ++i) fields += "F" + std::to_string(i) + ": " + std::string(1000, 'x') + "\r\n";
@@ -59,18 +59,18 @@ TEST_F(ServerBounds, HoldForTheSizeOfAHeader) {
     EXPECT_EQ(Refusal("GET /wait HTTP/1.1\r\nHost: h\r\nF: " + std::string(1000000, 'x') + "\r\n\r\n"), 431U);
 }
 
-TEST_F(ServerBounds, HoldForOneHeaderLine) {
+TEST_F(ServerBounds, LimitTheLengthOfAHeaderLine) {
     Start();
     EXPECT_EQ(Refusal("GET /wait HTTP/1.1\r\nHost: h\r\nF: " + std::string(8188, 'x') + "\r\n\r\n"), 431U);
     EXPECT_EQ(Connect().Exchange(Echo("a", "F: " + std::string(8187, 'x') + "\r\n")).status, 200U);
 }
 
-TEST_F(ServerBounds, HoldForTheTarget) {
+TEST_F(ServerBounds, LimitTheLengthOfTheTarget) {
     Start();
     EXPECT_EQ(Refusal("GET /" + std::string(1000, 'x') + " HTTP/1.1\r\nHost: h\r\n\r\n"), 414U);
 }
 
-TEST_F(ServerBounds, HoldForTheBodyHoweverItsLengthIsSaid) {
+TEST_F(ServerBounds, LimitTheSizeOfABodyWithEitherFraming) {
     Start({.bodyBytes = 1000});
     EXPECT_EQ(Connect().Exchange(Echo(std::string(1000, 'x'))).status, 200U);
     EXPECT_EQ(Refusal(Echo(std::string(1001, 'x'))), 413U);
@@ -84,7 +84,7 @@ TEST_F(ServerBounds, AnswerAClientThatIsStillSendingItsMegabytes) {
     EXPECT_EQ(Refusal(Echo(std::string(4 * 1024 * 1024, 'x'))), 413U);
 }
 
-TEST_F(ServerBounds, RefuseWhatIsNoHttp) {
+TEST_F(ServerBounds, RefuseInvalidHttp) {
     Start();
     EXPECT_EQ(Refusal("hello\r\n\r\n"), 400U);
     EXPECT_EQ(Refusal(std::string("\x16\x03\x01\x02\x00\x01", 6) + std::string(200, '\1')), 400U);
@@ -96,7 +96,7 @@ TEST_F(ServerBounds, RefuseWhatIsNoHttp) {
     EXPECT_EQ(Refusal("GET /wait HTTP/1.1\r\nHost: h\r\nA: b\1c\r\n\r\n"), 400U);
 }
 
-TEST_F(ServerBounds, RefuseALengthThatIsSaidTwice) {
+TEST_F(ServerBounds, RefuseAnAmbiguousLength) {
     Start();
     EXPECT_EQ(
         Refusal("POST /echo/a HTTP/1.1\r\nHost: h\r\nContent-Length: 5\r\nTransfer-Encoding: chunked\r\n\r\n0\r\n\r\n"),
@@ -104,7 +104,7 @@ TEST_F(ServerBounds, RefuseALengthThatIsSaidTwice) {
     EXPECT_EQ(Refusal("POST /echo/a HTTP/1.1\r\nHost: h\r\nContent-Length: 5\r\nContent-Length: 6\r\n\r\nhello"), 400U);
 }
 
-TEST_F(ServerBounds, HoldForTheTimeOfAHeader) {
+TEST_F(ServerBounds, LimitTheTimeOfAHeader) {
     Start({.headerTime = 1s});
     auto connection = Connect();
     auto const begun = Clock::now();
@@ -114,7 +114,7 @@ TEST_F(ServerBounds, HoldForTheTimeOfAHeader) {
     EXPECT_TRUE(connection.IsClosedWithin(Patience));
 }
 
-TEST_F(ServerBounds, HoldForTheTimeOfAHeaderThatDripsIn) {
+TEST_F(ServerBounds, LimitTheTimeOfATricklingHeader) {
     Start({.headerTime = 1s});
     auto connection = Connect();
     connection.Send("GET /wait HTTP/1.1\r\nF: ");
@@ -124,12 +124,12 @@ TEST_F(ServerBounds, HoldForTheTimeOfAHeaderThatDripsIn) {
     EXPECT_EQ(connection.Read().status, 408U);
 }
 
-TEST_F(ServerBounds, HoldForTheTimeOfABody) {
+TEST_F(ServerBounds, LimitTheTimeOfABody) {
     Start({.idleTime = 1s});
     EXPECT_EQ(BeginAnswered("POST /echo/a HTTP/1.1\r\nHost: h\r\nContent-Length: 5\r\n\r\nhel").second.status, 408U);
 }
 
-TEST_F(ServerBounds, HoldForTheTimeOfABodyThatNeverLetsTheServerWait) {
+TEST_F(ServerBounds, LimitTheTimeOfAnEndlessBody) {
     Start();
     auto connection = Connect();
     ASSERT_TRUE(AwaitConnections(1));
@@ -143,7 +143,7 @@ TEST_F(ServerBounds, HoldForTheTimeOfABodyThatNeverLetsTheServerWait) {
     EXPECT_TRUE(AwaitConnections(0));
 }
 
-TEST_F(ServerBounds, EndAConnectionOnWhichNothingIsSaid) {
+TEST_F(ServerBounds, CloseAnIdleConnection) {
     Start({.idleTime = 1s});
     auto silent = Connect();
     auto const [served, response] = BeginAnswered(Echo());
@@ -152,7 +152,7 @@ TEST_F(ServerBounds, EndAConnectionOnWhichNothingIsSaid) {
     EXPECT_TRUE(served->IsClosedWithin(Patience));
 }
 
-TEST_F(ServerBounds, HoldForTheEmptyLinesBeforeARequest) {
+TEST_F(ServerBounds, LimitTheNumberOfEmptyLinesBeforeARequest) {
     Start();
     EXPECT_EQ(Connect().Exchange("\r\n\r\n" + Echo()).status, 200U);
     EXPECT_EQ(Refusal("\r\n\r\n\r\n" + Echo()), 400U);
@@ -160,7 +160,7 @@ TEST_F(ServerBounds, HoldForTheEmptyLinesBeforeARequest) {
     for (int i = 0; i < 3; ++i) EXPECT_EQ(connection.Exchange(Echo() + "\r\n").status, 200U);
 }
 
-TEST_F(ServerBounds, DoNotEndAConnectionThatWaitsForItsAnswer) {
+TEST_F(ServerBounds, KeepAConnectionThatWaitsForItsResponse) {
     Start({.headerTime = 1s, .idleTime = 1s});
     auto const connection = Begin(Wait, [&](RawConnection& each) {
         while (admission->GetExchanges() == 0 && !each.IsClosedWithin(1ms)) {
@@ -174,7 +174,7 @@ TEST_F(ServerBounds, DoNotEndAConnectionThatWaitsForItsAnswer) {
     EXPECT_EQ(connection->Read().body, "waited");
 }
 
-TEST_F(ServerBounds, EndAConnectionThatDoesNotReadItsAnswer) {
+TEST_F(ServerBounds, CloseAConnectionThatDoesNotReadItsResponse) {
     Start();
     auto connection = Connect();
     ASSERT_TRUE(AwaitConnections(1));
@@ -196,7 +196,7 @@ TEST_F(ServerBounds, KeepSlowClientsFromHoldingUpOthers) {
     EXPECT_GE(admission->GetConnections(), slow.size()) << "it waited for slow ones to end";
 }
 
-TEST_F(ServerBounds, HoldForTheConnectionsInAll) {
+TEST_F(ServerBounds, LimitTheTotalNumberOfConnections) {
     Start({.connections = 3});
     std::vector<std::unique_ptr<RawConnection>> open;
     for (int i = 0; i < 3; ++i) open.push_back(std::make_unique<RawConnection>(port));
@@ -208,21 +208,21 @@ TEST_F(ServerBounds, HoldForTheConnectionsInAll) {
     EXPECT_EQ(Connect().Exchange(Echo()).status, 200U);
 }
 
-TEST_F(ServerBounds, HoldForTheConnectionsOfOneAddress) {
+TEST_F(ServerBounds, LimitTheConnectionsOfOneAddress) {
     Start({.connectionsPerAddress = 1});
     auto const first = Connect();
     ASSERT_TRUE(AwaitConnections(1));
     EXPECT_EQ(Connect().Read().status, 503U);
 }
 
-TEST_F(ServerBounds, LetSixtyFourConnectionsOfOneAddressBeByDefault) {
+TEST_F(ServerBounds, AllowSixtyFourConnectionsOfOneAddressByDefault) {
     Start();
     std::vector<std::unique_ptr<RawConnection>> open;
     for (int i = 0; i < 64; ++i) open.push_back(std::make_unique<RawConnection>(port));
     for (auto const& connection : open) EXPECT_EQ(connection->Exchange(Echo()).status, 200U);
 }
 
-TEST_F(ServerBounds, HoldForExchangesAlsoWhenTheirClientsHaveGone) {
+TEST_F(ServerBounds, LimitExchangesEvenAfterTheirClientsLeave) {
     Start({.exchanges = 2});
     for (int i = 0; i < 2; ++i) {
         Connect().Send(Wait);

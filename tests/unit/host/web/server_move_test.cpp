@@ -74,7 +74,7 @@ TEST_F(ServerMove, ServesTheNewPortAndNoLongerTheFormerOne) {
     EXPECT_THROW(RawConnection{former}, std::exception);
 }
 
-TEST_F(ServerMove, ServesWhoConnectedBeforeItCame) {
+TEST_F(ServerMove, ServesConnectionsQueuedAtTheNewPort) {
     Start();
     Listener listener(io, 0);
     port = listener.GetPort();
@@ -84,7 +84,7 @@ TEST_F(ServerMove, ServesWhoConnectedBeforeItCame) {
     EXPECT_EQ(early.Read().status, 200U);
 }
 
-TEST_F(ServerMove, FinishesRequestsUnderWayAndEndsTheirConnections) {
+TEST_F(ServerMove, FinishesActiveRequestsAndClosesTheirConnections) {
     Start();
     auto waiting = Connect();
     waiting.Send(Wait);
@@ -96,7 +96,7 @@ TEST_F(ServerMove, FinishesRequestsUnderWayAndEndsTheirConnections) {
     EXPECT_EQ(response.fields.at("connection"), "close");
 }
 
-TEST_F(ServerMove, EndsConnectionsThatWaitForARequest) {
+TEST_F(ServerMove, ClosesIdleConnections) {
     Start();
     auto idle = Connect();
     ASSERT_EQ(idle.Exchange(Echo()).status, 200U);
@@ -142,7 +142,7 @@ TEST_F(ServerMove, LosesNoRequestOnceItHasBegun) {
     for (auto& client : clients) client.join();
 }
 
-TEST_F(ServerMove, AnswersTheFirstRequestOfWhoHadConnectedOnly) {
+TEST_F(ServerMove, AnswersTheFirstRequestOnAnExistingConnection) {
     Start();
     auto early = Connect();
     ASSERT_TRUE(AwaitConnections(1));
@@ -152,7 +152,7 @@ TEST_F(ServerMove, AnswersTheFirstRequestOfWhoHadConnectedOnly) {
     EXPECT_EQ(response.fields.at("connection"), "close");
 }
 
-TEST_F(ServerMove, EndsConnectionsOnWhichNothingEverCame) {
+TEST_F(ServerMove, ClosesConnectionsThatNeverSentAnything) {
     lastRequestTime = 10ms;
     Start();
     auto silent = Connect();
@@ -161,7 +161,7 @@ TEST_F(ServerMove, EndsConnectionsOnWhichNothingEverCame) {
     EXPECT_TRUE(silent.IsClosedWithin(Patience));
 }
 
-TEST_F(ServerMove, AnswersWhatWasSentBeforeItWasAccepted) {
+TEST_F(ServerMove, AnswersRequestsSentBeforeTheyWereAccepted) {
     Start();
     std::list<RawConnection> early;
     for (int i = 0; i < 20; ++i) early.emplace_back(port).Send(Echo());
@@ -170,13 +170,13 @@ TEST_F(ServerMove, AnswersWhatWasSentBeforeItWasAccepted) {
     for (auto& connection : early) EXPECT_EQ(connection.Read().status, 200U);
 }
 
-TEST_F(ServerMove, IsHarmlessWhenItHasStopped) {
+TEST_F(ServerMove, IsHarmlessAfterStop) {
     Start();
     server->Stop();
     EXPECT_NO_THROW(Move());
 }
 
-TEST_F(ServerMove, TakesToTlsAndBack) {
+TEST_F(ServerMove, SwitchesToTlsAndBack) {
     Start();
     TemporaryFolder const folder;
     Certificate const files(folder);
@@ -193,7 +193,7 @@ TEST_F(ServerMove, TakesToTlsAndBack) {
     EXPECT_EQ(Connect().Exchange(Echo()).status, 200U);
 }
 
-TEST_F(ServerMove, FinishesRequestsUnderWayWhenItTakesToTls) {
+TEST_F(ServerMove, FinishesActiveRequestsWhenSwitchingToTls) {
     TemporaryFolder const folder;
     Certificate const files(folder);
     auto const tls = MakeTlsContext(files.certificate, files.key);
@@ -208,7 +208,7 @@ TEST_F(ServerMove, FinishesRequestsUnderWayWhenItTakesToTls) {
     EXPECT_EQ(response.fields.at("connection"), "close");
 }
 
-TEST_F(ServerMove, FinishesRequestsUnderWayWhenItsCertificateIsRenewed) {
+TEST_F(ServerMove, FinishesActiveRequestsWhenTheCertificateIsRenewed) {
     TemporaryFolder const folder;
     Certificate const files(folder);
     Certificate const renewed(folder, "renewed");

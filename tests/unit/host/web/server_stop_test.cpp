@@ -26,7 +26,7 @@ TEST_F(ServerStop, RefusesNewConnectionsAndClosesIdleOnes) {
     EXPECT_THROW(Connect(), std::exception);
 }
 
-TEST_F(ServerStop, DeliversTheAnswersOfRequestsUnderWay) {
+TEST_F(ServerStop, DeliversResponsesToActiveRequests) {
     Start();
     auto waiting = Connect();
     waiting.Send(Wait);
@@ -38,7 +38,7 @@ TEST_F(ServerStop, DeliversTheAnswersOfRequestsUnderWay) {
     EXPECT_EQ(response.fields.at("connection"), "close");
 }
 
-TEST_F(ServerStop, EndsInTimeWhateverItsClientsDo) {
+TEST_F(ServerStop, DoesNotWaitForItsClients) {
     Start();
     std::vector<std::unique_ptr<RawConnection>> clients;
     for (auto const* bytes : {"", "GET /wa", Wait, "GET /big HTTP/1.1\r\nHost: h\r\n\r\n",
@@ -52,7 +52,7 @@ TEST_F(ServerStop, EndsInTimeWhateverItsClientsDo) {
     EXPECT_LT(Clock::now() - begun, Limits().headerTime / 2) << "it waits for its clients";
 }
 
-TEST_F(ServerStop, IsHarmlessWhenItIsDoneTwice) {
+TEST_F(ServerStop, IsHarmlessTwice) {
     Start();
     server->Stop();
     EXPECT_NO_THROW(server->Stop());
@@ -74,7 +74,7 @@ TEST_P(ServerStopWithoutThreads, LeavesNothingBehind) {
 
 INSTANTIATE_TEST_SUITE_P(AfterThreads, ServerStopWithoutThreads, testing::Values(0, 1));
 
-TEST_F(ServerStop, LetsGoOfAConnectionWhoseResponseNeverCame) {
+TEST_F(ServerStop, ReleasesAConnectionWithoutAResponse) {
     Start();
     auto waiting = Connect();
     waiting.Send(Wait);

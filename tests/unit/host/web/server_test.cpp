@@ -23,7 +23,7 @@ TEST_F(ServerTest, AnswersOneRequestAfterTheOtherOnOneConnection) {
     }
 }
 
-TEST_F(ServerTest, DecidesItselfWhetherAConnectionIsKept) {
+TEST_F(ServerTest, IgnoresConnectionAndServerFieldsOfServices) {
     Start();
     auto const response = Connect().Exchange(Echo());
     EXPECT_FALSE(response.fields.contains("connection"));
@@ -53,7 +53,7 @@ TEST_F(ServerTest, KeepsAnHttpOneZeroConnectionOnlyWhenAsked) {
     EXPECT_EQ(connection.Exchange(request).status, 200U);
 }
 
-TEST_F(ServerTest, AsksForABodyThatTheClientHoldsBack) {
+TEST_F(ServerTest, Sends100ContinueOnExpect) {
     Start();
     auto connection = Connect();
     connection.Send("POST /echo/a HTTP/1.1\r\nHost: h\r\nExpect: 100-continue\r\nContent-Length: 5\r\n\r\n");
@@ -61,7 +61,7 @@ TEST_F(ServerTest, AsksForABodyThatTheClientHoldsBack) {
     EXPECT_THAT(connection.Exchange("hello").body, StartsWith("/echo/a\nhello\n"));
 }
 
-TEST_F(ServerTest, DoesNotAskForABodyThatIsThereAlreadyOrOfAnOldClient) {
+TEST_F(ServerTest, Omits100ContinueForAReceivedBodyOrHttpOneZero) {
     Start();
     EXPECT_EQ(Connect().Exchange(Echo("hello", "Expect: 100-continue\r\n")).status, 200U);
     auto old = Connect();
@@ -89,7 +89,7 @@ TEST_F(ServerTest, DecodesABodyInChunks) {
     EXPECT_THAT(response.body, Not(HasSubstr("Transfer-Encoding")));
 }
 
-TEST_F(ServerTest, LetsAPipelinedRequestWaitForTheOneBefore) {
+TEST_F(ServerTest, AnswersPipelinedRequestsInOrder) {
     Start();
     auto connection = Connect();
     connection.Send(Wait + Echo("second"));
@@ -99,7 +99,7 @@ TEST_F(ServerTest, LetsAPipelinedRequestWaitForTheOneBefore) {
     EXPECT_THAT(connection.Read().body, HasSubstr("second"));
 }
 
-TEST_F(ServerTest, GivesServicesTheTargetInOriginForm) {
+TEST_F(ServerTest, PassesTheTargetInOriginForm) {
     Start();
     EXPECT_THAT(Connect().Exchange("POST http://h:1/echo/a?b HTTP/1.1\r\nHost: h\r\nContent-Length: 0\r\n\r\n").body,
                 StartsWith("/echo/a?b\n"));
@@ -127,7 +127,7 @@ TEST_F(ServerTest, AnswersHeadWithoutABody) {
     EXPECT_EQ(connection.Read().status, 200U);
 }
 
-TEST_F(ServerTest, AnswersAnUnknownPathAndAWrongMethodAndGoesOn) {
+TEST_F(ServerTest, Answers404And405AndKeepsTheConnection) {
     Start();
     auto connection = Connect();
     EXPECT_EQ(connection.Exchange("GET /nothing HTTP/1.1\r\nHost: h\r\n\r\n").status, 404U);
@@ -157,7 +157,7 @@ TEST_F(ServerTest, ServesManyConnectionsAtOnce) {
     EXPECT_EQ(answers, 32 * 20);
 }
 
-TEST_F(ServerTest, GoesOnAfterClientsThatLeaveInTheMiddle) {
+TEST_F(ServerTest, SurvivesClientsThatDisconnectEarly) {
     Start();
     std::string const request = Echo();
     for (std::size_t length = 0; length < request.size(); length += 7) Connect().Send(request.substr(0, length));

@@ -37,7 +37,7 @@ std::string GetError(std::string const& certificate, std::string const& key) {
     }
 }
 
-TEST(Tls, TakesACertificateWithItsKey) {
+TEST(Tls, AcceptsACertificateWithItsKey) {
     TemporaryFolder const folder;
     Certificate const files(folder);
     EXPECT_EQ(GetError(files.certificate, files.key), "");
@@ -80,7 +80,7 @@ TEST(Tls, RefusesAKeyOfAnotherCertificate) {
                 AllOf(HasSubstr("settings.tls.private_key: "), HasSubstr("two.key"), HasSubstr("mismatch")));
 }
 
-TEST(Tls, RefusesAKeyOfAnotherKindThanTheCertificates) {
+TEST(Tls, RefusesAKeyOfAnotherType) {
     TemporaryFolder const folder;
     Certificate const files(folder);
     test::Process openssl({"openssl", "genrsa", "-out", folder / "other", "2048"});
@@ -89,7 +89,7 @@ TEST(Tls, RefusesAKeyOfAnotherKindThanTheCertificates) {
                 AllOf(HasSubstr("/other"), HasSubstr("does not belong")));
 }
 
-TEST(Tls, RefusesAKeyThatIsProtectedByAPassword) {
+TEST(Tls, RefusesAnEncryptedKey) {
     TemporaryFolder const folder;
     Certificate const files(folder);
     test::Process openssl(
@@ -132,27 +132,27 @@ TEST_F(TlsServerTest, SpeaksTlsOneTwoAndOneThree) {
 
 TEST_F(TlsServerTest, SpeaksNoOlderVersion) { EXPECT_THROW(Ask(TLS1_1_VERSION), boost::system::system_error); }
 
-TEST_F(TlsServerTest, EndsAConnectionThatIsNoTls) {
+TEST_F(TlsServerTest, ClosesAConnectionWithoutTls) {
     auto connection = Connect();
     connection.Send(Echo());
     connection.ReadAll(); // an alert at most
     EXPECT_TRUE(AwaitConnections(0));
 }
 
-TEST_F(TlsServerTest, EndsAConnectionThatSaysNothing) {
+TEST_F(TlsServerTest, ClosesASilentConnection) {
     server->SetLimits({.headerTime = std::chrono::seconds(1)});
     auto connection = Connect();
     EXPECT_TRUE(connection.IsClosedWithin(Patience));
 }
 
-TEST_F(TlsServerTest, TakesANewCertificateWhileItRuns) {
+TEST_F(TlsServerTest, AppliesANewCertificateAtRunTime) {
     files = Certificate(folder, "renewed");
     EXPECT_THROW(Ask(TLS1_3_VERSION), boost::system::system_error);
     server->SetTls(MakeTlsContext(files.certificate, files.key));
     EXPECT_EQ(Ask(TLS1_3_VERSION), "HTTP/1.1 200 OK");
 }
 
-TEST_F(TlsServerTest, ClosesPolitely) {
+TEST_F(TlsServerTest, SendsCloseNotify) {
     boost::asio::io_context client;
     ssl::context context(ssl::context::tls_client);
     ssl::stream<tcp::socket> stream(client, context);

@@ -21,7 +21,7 @@ protected:
 
 TEST_F(WebSettings, HaveTheDefaultsOfTheServer) { EXPECT_EQ(ReadLimits(*root), Limits()); }
 
-TEST_F(WebSettings, GiveEveryLimit) {
+TEST_F(WebSettings, ReadEveryLimit) {
     root->FromJson(boost::json::parse(R"({"settings": {"limits": {"connections": 1, "connections_per_address": 2,
              "exchanges": 3, "body_bytes": 4096, "header_seconds": 5, "idle_seconds": 6}}})"));
     EXPECT_EQ(ReadLimits(*root), (Limits{.connections = 1,

@@ -119,7 +119,7 @@ TEST(GlobalContext, EndsItsThreadWithTheLastHandle) {
     EXPECT_TRUE(end.HasCome());
 }
 
-TEST(GlobalContext, LetsGoOfItsContextWhenAssignedTo) {
+TEST(GlobalContext, ReleasesItsContextWhenAssignedTo) {
     std::optional<GlobalContext> first(std::in_place);
     GlobalContext second;
     second = *first;
@@ -127,14 +127,14 @@ TEST(GlobalContext, LetsGoOfItsContextWhenAssignedTo) {
     EXPECT_EQ(Ask(second, [] { return 1; }), 1);
 }
 
-TEST(GlobalContext, StartsAnewAfterItsEnd) {
+TEST(GlobalContext, RestartsAfterItEnds) {
     for (int round = 0; round < 3; ++round) {
         GlobalContext const handle;
         EXPECT_EQ(Ask(handle, [] { return 1; }), 1);
     }
 }
 
-TEST(GlobalContext, DestroysWhatWaitsWithoutRunningIt) {
+TEST(GlobalContext, DestroysPendingHandlersWithoutRunningThem) {
     auto const held = std::make_shared<std::atomic<bool>>(false);
     {
         GlobalContext const handle;
@@ -146,7 +146,7 @@ TEST(GlobalContext, DestroysWhatWaitsWithoutRunningIt) {
     EXPECT_FALSE(*held);
 }
 
-TEST(GlobalContext, WaitsForTheHandlerThatRuns) {
+TEST(GlobalContext, WaitsForARunningHandler) {
     std::atomic<bool> running = false;
     std::atomic<bool> ended = false;
     {
@@ -161,7 +161,7 @@ TEST(GlobalContext, WaitsForTheHandlerThatRuns) {
     EXPECT_TRUE(ended);
 }
 
-TEST(GlobalContext, EndsWhenTheLastHandleGoesOnItsThread) {
+TEST(GlobalContext, EndsWhenItsThreadReleasesTheLastHandle) {
     std::optional<ThreadEnd> end;
     auto const held = std::make_shared<std::atomic<bool>>(false);
     LetGoOnItsThread(
@@ -177,7 +177,7 @@ TEST(GlobalContext, EndsWhenTheLastHandleGoesOnItsThread) {
     EXPECT_FALSE(*held);
 }
 
-TEST(GlobalContext, StartsAnewWithinTheHandlerThatEndedIt) {
+TEST(GlobalContext, RestartsWithinTheHandlerThatEndedIt) {
     std::optional<ThreadEnd> end;
     std::promise<GlobalContext> made;
     LetGoOnItsThread([&](GlobalContext const& handle) { end.emplace(handle); },
@@ -191,7 +191,7 @@ TEST(GlobalContext, StartsAnewWithinTheHandlerThatEndedIt) {
     EXPECT_EQ(Ask(anew, [] { return 1; }), 1);
 }
 
-TEST(GlobalContext, LogsWhatAHandlerThrowsAndGoesOn) {
+TEST(GlobalContext, LogsExceptionsOfHandlersAndContinues) {
     logging::Capture const capture;
     GlobalContext const handle;
     boost::asio::post(handle.Get(), [] { throw std::runtime_error("broken"); });
@@ -201,7 +201,7 @@ TEST(GlobalContext, LogsWhatAHandlerThrowsAndGoesOn) {
     EXPECT_TRUE(capture.Contains("A handler threw: an exception of unknown type"));
 }
 
-TEST(GlobalContext, ComesAndGoesInManyThreadsAtOnce) {
+TEST(GlobalContext, StartsAndEndsConcurrentlyInManyThreads) {
     std::atomic<int> ran = 0;
     std::vector<std::thread> threads;
     for (int count = 0; count < 4; ++count) {
@@ -219,7 +219,7 @@ TEST(GlobalContext, ComesAndGoesInManyThreadsAtOnce) {
     EXPECT_EQ(ran, 4 * 500);
 }
 
-TEST(GlobalContext, GoesOnItsThreadWhileOthersCome) {
+TEST(GlobalContext, EndsOnItsThreadDuringConcurrentStarts) {
     std::vector<std::thread> threads;
     std::atomic<int> ran = 0;
     for (int count = 0; count < 4; ++count) {
@@ -249,7 +249,7 @@ TEST_F(GlobalContextAtExit, EndsWithAStaticHandle) {
         testing::ExitedWithCode(3), "");
 }
 
-TEST_F(GlobalContextAtExit, WaitsForAThreadThatLetsGoOfItself) {
+TEST_F(GlobalContextAtExit, WaitsForAThreadThatReleasesItself) {
     EXPECT_EXIT(
         {
             std::atomic<bool> running = false;
@@ -265,7 +265,7 @@ TEST_F(GlobalContextAtExit, WaitsForAThreadThatLetsGoOfItself) {
         testing::ExitedWithCode(3), "handler ended");
 }
 
-TEST_F(GlobalContextAtExit, MayBeEndedByItsHandler) {
+TEST_F(GlobalContextAtExit, EndsWhenAHandlerCallsExit) {
     EXPECT_EXIT(
         {
             static GlobalContext const handle;

@@ -52,7 +52,7 @@ TEST(IoContext, RunsOnAsManyThreadsAsAskedFor) {
 
 TEST(IoContext, RefusesToRunOnNoThread) { EXPECT_THROW(IoContext(0), std::invalid_argument); }
 
-TEST(IoContext, LogsWhatAHandlerThrowsAndGoesOn) {
+TEST(IoContext, LogsExceptionsOfHandlersAndContinues) {
     logging::Capture const capture;
     IoContext context(1);
     auto const thread = RunOn(context);

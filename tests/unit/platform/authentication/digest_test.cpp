@@ -41,7 +41,7 @@ TEST(MakeDigestResponse, DependsOnEachPart) {
     }
 }
 
-TEST(IsDigestResponse, IsTrueForTheRightAnswerAlone) {
+TEST(IsDigestResponse, IsTrueOnlyForTheRightAnswer) {
     std::string const right = "6629fae49393a05397450978507c4ef1";
     EXPECT_TRUE(IsDigestResponse(Example, right));
     for (std::size_t at = 0; at < right.size(); ++at) {

@@ -103,13 +103,13 @@ TEST_F(AuthenticationEngine, RefusesOtherQualitiesOfProtection) {
     }
 }
 
-TEST_F(AuthenticationEngine, TakesNoNoticeOfComponentAndTheUnusedText) {
+TEST_F(AuthenticationEngine, IgnoresComponentAndTheUnusedParameter) {
     check.component = "other";
     check.empty = "not empty";
     EXPECT_TRUE(check(engine));
 }
 
-TEST_F(AuthenticationEngine, TakesNullTextsForEmptyOnes) {
+TEST_F(AuthenticationEngine, TreatsNullStringsAsEmpty) {
     EXPECT_FALSE(ZarnAuthenticationCheckDigest(&engine, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
                                                nullptr, nullptr, nullptr));
     check.uri = "";
@@ -119,7 +119,7 @@ TEST_F(AuthenticationEngine, TakesNullTextsForEmptyOnes) {
                                               nullptr, check.nonce, nullptr, nullptr, nullptr));
 }
 
-TEST_F(AuthenticationEngine, TakesAnHa1OfAnyCase) {
+TEST_F(AuthenticationEngine, AcceptsAnHa1InAnyCase) {
     std::string upper = Ha1;
     for (char& character : upper) {
         if (character >= 'a') character = static_cast<char>(character - 'a' + 'A');
@@ -129,7 +129,7 @@ TEST_F(AuthenticationEngine, TakesAnHa1OfAnyCase) {
     EXPECT_TRUE(check(engine));
 }
 
-TEST_F(AuthenticationEngine, RefusesAnHa1ThatIsNoneWithoutRepeatingIt) {
+TEST_F(AuthenticationEngine, RefusesAnInvalidHa1WithoutRepeatingIt) {
     for (auto const& wrong : {Ha1.substr(1), Ha1 + "0", "g" + Ha1.substr(1), std::string("secret")}) {
         try {
             engine.SetHa1(wrong);
@@ -143,7 +143,7 @@ TEST_F(AuthenticationEngine, RefusesAnHa1ThatIsNoneWithoutRepeatingIt) {
 
 TEST_F(AuthenticationEngine, KnowsNoHa1OfOtherUsers) { EXPECT_EQ(engine.GetHa1("root"), ""); }
 
-TEST_F(AuthenticationEngine, LetsNobodyInWithoutAPassword) {
+TEST_F(AuthenticationEngine, RefusesEveryoneWithoutAPassword) {
     engine.SetHa1("");
     EXPECT_FALSE(check(engine));
     check.Answer("");
@@ -151,7 +151,7 @@ TEST_F(AuthenticationEngine, LetsNobodyInWithoutAPassword) {
     EXPECT_FALSE(check(ZarnAuthenticationEngine()));
 }
 
-TEST_F(AuthenticationEngine, IsEnabledUnlessToldOtherwise) {
+TEST_F(AuthenticationEngine, IsEnabledByDefault) {
     EXPECT_TRUE(ZarnAuthenticationIsEnabled(&engine));
     engine.SetEnabled(false);
     EXPECT_FALSE(ZarnAuthenticationIsEnabled(&engine));
@@ -159,7 +159,7 @@ TEST_F(AuthenticationEngine, IsEnabledUnlessToldOtherwise) {
     EXPECT_TRUE(ZarnAuthenticationIsEnabled(&engine));
 }
 
-TEST_F(AuthenticationEngine, WithoutAnEngineEverybodyIsRefused) {
+TEST_F(AuthenticationEngine, RefusesEveryoneWhenNull) {
     EXPECT_TRUE(ZarnAuthenticationIsEnabled(nullptr));
     EXPECT_FALSE(ZarnAuthenticationCheckDigest(nullptr, "", "", "admin", check.response.c_str(), check.method,
                                                check.uri, check.nonce, check.nc, check.cnonce, check.qop));
@@ -186,17 +186,17 @@ protected:
     ZarnAuthenticationEngine guarded{&replays};
 };
 
-TEST_F(AuthenticationEngineWithReplayCheck, ShowsItARightAnswer) {
+TEST_F(AuthenticationEngineWithReplayCheck, ConsultsItForARightAnswer) {
     EXPECT_TRUE(check(guarded));
     EXPECT_THAT(replays.questions, testing::ElementsAre(testing::ElementsAre(check.nonce, check.nc, check.cnonce)));
 }
 
-TEST_F(AuthenticationEngineWithReplayCheck, RefusesWhatItRefuses) {
+TEST_F(AuthenticationEngineWithReplayCheck, RefusesWhenItRefuses) {
     replays.answers = false;
     EXPECT_FALSE(check(guarded));
 }
 
-TEST_F(AuthenticationEngineWithReplayCheck, DoesNotBotherItWithWrongAnswers) {
+TEST_F(AuthenticationEngineWithReplayCheck, DoesNotConsultItForAWrongAnswer) {
     check.uri = "/onvif/other";
     EXPECT_FALSE(check(guarded));
     check.Answer();
@@ -205,19 +205,19 @@ TEST_F(AuthenticationEngineWithReplayCheck, DoesNotBotherItWithWrongAnswers) {
     EXPECT_THAT(replays.questions, testing::IsEmpty());
 }
 
-TEST_F(AuthenticationEngineWithReplayCheck, ShowsItNoCountThatTheAnswerDoesNotCover) {
+TEST_F(AuthenticationEngineWithReplayCheck, PassesNoNonceCountWithoutQop) {
     check.qop = "";
     check.Answer();
     EXPECT_TRUE(check(guarded));
     EXPECT_THAT(replays.questions, testing::ElementsAre(testing::ElementsAre(check.nonce, "", "")));
 }
 
-TEST_F(AuthenticationEngine, TakesAnAnswerAsOftenAsItComesWithoutAReplayCheck) {
+TEST_F(AuthenticationEngine, AcceptsARepeatedAnswerWithoutAReplayCheck) {
     EXPECT_TRUE(check(engine));
     EXPECT_TRUE(check(engine));
 }
 
-TEST_F(AuthenticationEngine, RefusesWhoAnswersForAUserThatIsNoneWithWhatTheyAreComparedWith) {
+TEST_F(AuthenticationEngine, RefusesAnAnswerMadeFromTheDummyHa1) {
     check.user = "root";
     check.Answer(std::string(32, '0'));
     EXPECT_FALSE(check(engine));
@@ -226,7 +226,7 @@ TEST_F(AuthenticationEngine, RefusesWhoAnswersForAUserThatIsNoneWithWhatTheyAreC
     EXPECT_FALSE(check(engine));
 }
 
-TEST_F(AuthenticationEngine, MayChangeWhileItIsAsked) {
+TEST_F(AuthenticationEngine, MayChangeDuringChecks) {
     std::thread changing([this] {
         for (int count = 0; count < 1000; ++count) {
             engine.SetHa1(Ha1);

@@ -11,7 +11,7 @@ TEST(MakeHa1, IsTheMd5OfUserRealmAndPassword) {
     EXPECT_EQ(MakeHa1("Mufasa", "testrealm@host.com", "Circle Of Life"), "939e7578ed9e3c518a452acee763bce9");
 }
 
-TEST(MakeHa1, TakesEmptyParts) { EXPECT_EQ(MakeHa1("", "", ""), "4501c091b0366d76ea3218b6cfdd8097"); }
+TEST(MakeHa1, AcceptsEmptyParts) { EXPECT_EQ(MakeHa1("", "", ""), "4501c091b0366d76ea3218b6cfdd8097"); }
 
 TEST(Realm, IsADomainOfSeventeenCharacters) { EXPECT_EQ(std::string_view(Realm).size(), 17U); }
 

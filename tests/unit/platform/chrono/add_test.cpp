@@ -9,7 +9,7 @@ using namespace std::chrono_literals;
 using System = std::chrono::system_clock::time_point;
 using Steady = std::chrono::steady_clock::time_point;
 
-TEST(ChronoAdd, IsTheSumWhenItIsOnTheClock) {
+TEST(ChronoAdd, ReturnsTheSumWithinTheRangeOfTheClock) {
     EXPECT_EQ(Add(System(10s), 5ns), System(10s + 5ns));
     EXPECT_EQ(Add(System(10s), -11s), System(-1s));
     EXPECT_EQ(Add(Steady(10s), 0ns), Steady(10s));
@@ -22,13 +22,13 @@ TEST(ChronoAdd, ReachesBothEndsOfTheClockExactly) {
     EXPECT_EQ(Add(System(0ns), std::chrono::nanoseconds::min()), System::min());
 }
 
-TEST(ChronoAdd, StaysAtTheEndOfTheClockInsteadOfWrapping) {
+TEST(ChronoAdd, SaturatesAtTheEndOfTheClock) {
     EXPECT_EQ(Add(System::max() - 1ns, 2ns), System::max());
     EXPECT_EQ(Add(System(1s), std::chrono::nanoseconds::max()), System::max());
     EXPECT_EQ(Add(Steady(1s), std::chrono::nanoseconds::max()), Steady::max());
 }
 
-TEST(ChronoAdd, StaysAtTheBeginningOfTheClockInsteadOfWrapping) {
+TEST(ChronoAdd, SaturatesAtTheBeginningOfTheClock) {
     EXPECT_EQ(Add(System::min() + 1ns, -2ns), System::min());
     EXPECT_EQ(Add(System(-1s), std::chrono::nanoseconds::min()), System::min());
 }

@@ -19,7 +19,7 @@ TEST(BackOff, StartsWithTheFirstPauseItIsGiven) {
     }
 }
 
-TEST(BackOff, IsShortenedByChanceToItsHalfAtMost) {
+TEST(BackOff, IsShortenedRandomlyByUpToHalf) {
     BackOff backOff(500ms);
     EXPECT_EQ(backOff.Fail(0s, 1), 250ms);
     EXPECT_EQ(backOff.Fail(0s, 0.5), 750ms);

@@ -33,7 +33,7 @@ struct ReadCase {
 
 class ReadTime : public testing::TestWithParam<ReadCase> {};
 
-TEST_P(ReadTime, GivesTheTimePoint) { EXPECT_EQ(FromIso8601(GetParam().text), GetParam().expected); }
+TEST_P(ReadTime, ReturnsTheTimePoint) { EXPECT_EQ(FromIso8601(GetParam().text), GetParam().expected); }
 
 INSTANTIATE_TEST_SUITE_P(
     Zone, ReadTime,
@@ -137,7 +137,7 @@ TEST(RefuseTimeText, WithABoundedErrorOnOneLine) {
     EXPECT_THAT(error, AllOf(HasSubstr("\\n"), Not(HasSubstr("\n"))));
 }
 
-TEST(RefuseTimeText, WithANulInside) { EXPECT_NE(ErrorOf({"2026-01-31T12:00:00Z\0", 21}), "no error"); }
+TEST(RefuseTimeText, ContainingNul) { EXPECT_NE(ErrorOf({"2026-01-31T12:00:00Z\0", 21}), "no error"); }
 
 TEST(RefuseTimeText, AsARuntimeError) { EXPECT_THROW(FromIso8601("x"), std::runtime_error); }
 
@@ -149,7 +149,7 @@ struct WriteCase {
 
 class WriteTime : public testing::TestWithParam<WriteCase> {};
 
-TEST_P(WriteTime, GivesTheText) { EXPECT_EQ(ToIso8601(GetParam().time, GetParam().zone), GetParam().expected); }
+TEST_P(WriteTime, ReturnsTheText) { EXPECT_EQ(ToIso8601(GetParam().time, GetParam().zone), GetParam().expected); }
 
 INSTANTIATE_TEST_SUITE_P(Cases, WriteTime,
                          testing::Values(WriteCase{Noon, 0min, "2026-01-31T12:00:00Z"},
@@ -166,7 +166,7 @@ INSTANTIATE_TEST_SUITE_P(Cases, WriteTime,
                                          WriteCase{Time::min(), 0min, "1677-09-21T00:12:43.145224192Z"},
                                          WriteCase{Time::min(), -14h, "1677-09-20T10:12:43.145224192-14:00"}));
 
-TEST(WriteTimeText, RefusesAZoneThatIsNone) {
+TEST(WriteTimeText, RefusesAnInvalidZone) {
     EXPECT_THROW(ToIso8601(Noon, 14h + 1min), Error);
     EXPECT_THROW(ToIso8601(Noon, -14h - 1min), Error);
 }

@@ -112,7 +112,7 @@ TEST_F(Concurrency, CallsNothingAfterABindingIsReleased) {
     EXPECT_EQ(port.Get(), Rounds - 1);
 }
 
-TEST_F(Concurrency, MakesOneEntryPerKeyWhenSeveralThreadsAdd) {
+TEST_F(Concurrency, AddsOneEntryPerKeyFromSeveralThreads) {
     std::atomic<int> added = 0;
     auto const add = [&](int round) {
         try {

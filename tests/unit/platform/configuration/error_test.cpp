@@ -11,7 +11,7 @@ TEST(ConfigurationError, NamesPathAndReason) {
     EXPECT_STREQ(error.what(), "settings.web_port: 70000 is not a port (1 to 65535)");
 }
 
-TEST(ConfigurationError, NamesTheReasonAloneForTheRoot) {
+TEST(ConfigurationError, NamesOnlyTheReasonForTheRoot) {
     Error const error("", "[] is not an object");
     EXPECT_EQ(error.GetPath(), "");
     EXPECT_STREQ(error.what(), "[] is not an object");

@@ -135,7 +135,7 @@ TEST_F(HostFile, IsWrittenBackByteForByte) {
     EXPECT_EQ(text::Format(root->ToJson(Layer::Persisted)), File);
 }
 
-TEST_F(HostFile, TellsWhichChannelsAreDescribed) {
+TEST_F(HostFile, KnowsWhichMembersAreStated) {
     ReadFile(File);
     EXPECT_FALSE(root->Find("channels.1.video")->IsStated());
     EXPECT_TRUE(root->Find("channels.4.video")->IsStated());
@@ -157,14 +157,14 @@ TEST_F(HostFile, NamesWhatIsWrong) {
     EXPECT_EQ(ReadWith("\"door_3\"", "\"1\""), "channels.1: line 41, column 7: the key occurs twice");
 }
 
-TEST_F(HostFile, KeepsAPortOfZeroThoughTheBoundOneIsRead) {
+TEST_F(HostFile, PersistsPortZeroDespiteAnOverride) {
     EXPECT_EQ(ReadWith("8080", "0"), "");
     At<UInt16>("settings.web_port").Override(40123);
     EXPECT_EQ(At<UInt16>("settings.web_port").Get(), 40123);
     EXPECT_EQ(root->ToJson(Layer::Persisted).at_pointer("/settings/web_port"), 0);
 }
 
-TEST_F(HostFile, KeepsPasswordsFromWhatIsShown) {
+TEST_F(HostFile, HidesPasswordsFromTheEffectiveLayer) {
     ReadWith("\"password\": \"\"", "\"password\": \"hunter2\"");
     EXPECT_EQ(Write(*root, Layer::Effective).find("hunter2"), std::string::npos);
     EXPECT_NE(Write(*root).find("hunter2"), std::string::npos);

@@ -44,7 +44,7 @@ TEST(SchemaTest, DescribesACollectionByItsEntry) {
 
 using SchemaOfTree = Tree;
 
-TEST_F(SchemaOfTree, IsThatOfItsNodes) {
+TEST_F(SchemaOfTree, CombinesTheSchemasOfItsNodes) {
     auto const json = root->GetSchema();
     EXPECT_EQ(json.at("type"), "object");
     EXPECT_EQ(json.at_pointer("/properties/settings/properties/port"), root->Find("settings.port")->GetSchema());

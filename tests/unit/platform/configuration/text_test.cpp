@@ -22,14 +22,14 @@ TEST(ConfigurationText, IsIndentedInTheOrderOfTheMembers) {
               "}\n");
 }
 
-TEST(ConfigurationText, IsParsedToWhatWasFormatted) {
+TEST(ConfigurationText, ParsesBackToTheFormattedValue) {
     boost::json::value const json = {{"text", "Grün \"quoted\" / \\ \n \x01"},
                                      {"numbers", {0, -1, 18446744073709551615U, 1.5, 15.0, 1e300, 1e-7, 0.1}},
                                      {"empty", boost::json::array()}};
     EXPECT_EQ(Parse(Format(json)), json);
 }
 
-TEST(ConfigurationText, TakesWhiteSpaceAround) { EXPECT_EQ(Parse(" \r\n\t{}\n\n"), boost::json::object()); }
+TEST(ConfigurationText, IgnoresSurroundingWhiteSpace) { EXPECT_EQ(Parse(" \r\n\t{}\n\n"), boost::json::object()); }
 
 TEST(ConfigurationText, NamesLineAndColumnOfAnError) {
     EXPECT_THAT(ParseError("{\n  \"a\": 1,\n  oops\n}"), testing::StartsWith("line 3, column 3: "));
@@ -47,7 +47,7 @@ TEST(ConfigurationText, RefusesAKeyThatOccursTwice) {
     EXPECT_NO_THROW(Parse(R"({"a": {"b": 1}, "b": {"b": [{"a": 1}, {"a": 1}]}})"));
 }
 
-TEST(ConfigurationText, RefusesWhatIsTooDeepOrTooLong) {
+TEST(ConfigurationText, RefusesTextThatIsTooDeepOrTooLong) {
     EXPECT_NE(ParseError(std::string(100000, '[')), "");
     EXPECT_NE(ParseError(std::string(40, '[') + std::string(40, ']')), "");
     EXPECT_EQ(ParseError(std::string(16 * 1024 * 1024 + 1, ' ')), "the text is longer than 16 MiB");

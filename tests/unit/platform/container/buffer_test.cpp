@@ -13,7 +13,7 @@ TEST(Buffer, KeepsEveryByte) {
     EXPECT_EQ(buffer.GetSize(), 5U);
 }
 
-TEST(Buffer, TakesTheBytesOverWithoutCopying) {
+TEST(Buffer, MovesTheBytesWithoutCopying) {
     std::string bytes(1000, 'x');
     auto const* const where = bytes.data();
     Buffer const buffer(std::move(bytes));

@@ -24,7 +24,7 @@ TEST(DynamicThreadPoolStop, RefusesJobs) {
     EXPECT_EQ(pool.GetThreadCount(), 0U);
 }
 
-TEST(DynamicThreadPoolStop, FinishesTheJobsThatWereTaken) {
+TEST(DynamicThreadPoolStop, FinishesAcceptedJobs) {
     std::atomic<int> ran = 0;
     DynamicThreadPool pool(1, 10s);
     for (int count = 0; count < 100; ++count) pool.Post([&] { ++ran; });
@@ -71,7 +71,7 @@ TEST(DynamicThreadPoolStop, IsHarmlessTwice) {
     pool.Stop();
 }
 
-TEST(DynamicThreadPoolStop, IsHarmlessAtTheSameTime) {
+TEST(DynamicThreadPoolStop, IsHarmlessWhenCalledConcurrently) {
     DynamicThreadPool pool(2, 10s);
     std::atomic<int> ran = 0;
     for (int count = 0; count < 10; ++count) pool.Post([&] { ++ran; });
@@ -87,7 +87,7 @@ TEST(DynamicThreadPoolStop, IsHarmlessAtTheSameTime) {
     for (auto& thread : threads) thread.join();
 }
 
-TEST(DynamicThreadPoolStop, IsRefusedToAJobOfThePool) {
+TEST(DynamicThreadPoolStop, ThrowsInAJobOfThePool) {
     DynamicThreadPool pool(1, 10s);
     std::atomic<bool> refused = false;
     pool.Post([&] {
@@ -118,7 +118,7 @@ TEST(DynamicThreadPoolStop, HappensInTheDestructor) {
     EXPECT_EQ(ran, 50);
 }
 
-TEST(DynamicThreadPoolStop, LosesNoJobThatWasTakenWhileItStopped) {
+TEST(DynamicThreadPoolStop, LosesNoJobAcceptedWhileStopping) {
     for (int round = 0; round < 20; ++round) {
         std::atomic<int> taken = 0;
         std::atomic<int> ran = 0;
@@ -172,7 +172,7 @@ TEST(DynamicThreadPoolStop, LosesNoJobThatWasTakenWhileItStopped) {
     std::exit(refused && idle && ran == taken + 1 ? 0 : 1);
 }
 
-TEST(DynamicThreadPoolDeathTest, RefusesAJobForWhichNoThreadCanBeStartedAndGoesOn) {
+TEST(DynamicThreadPoolDeathTest, RefusesAJobWithoutAThreadAndContinues) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(RunOutOfThreads(), testing::ExitedWithCode(0),
                 "Failed to start a thread: Resource temporarily unavailable");

@@ -51,7 +51,7 @@ TEST(DynamicThreadPool, GivesAJobToAnIdleThread) {
     }
 }
 
-TEST(DynamicThreadPool, StartsAThreadForEachJobThatFindsNoIdleOne) {
+TEST(DynamicThreadPool, StartsAThreadForEachJobWithoutAnIdleThread) {
     DynamicThreadPool pool(1, 10s);
     Gate gate;
     for (int count = 0; count < 20; ++count) pool.Post([&] { gate.Wait(); });
@@ -61,7 +61,7 @@ TEST(DynamicThreadPool, StartsAThreadForEachJobThatFindsNoIdleOne) {
     pool.Stop(); // before the gate is destroyed
 }
 
-TEST(DynamicThreadPool, LetsThreadsAboveTheMinimumGo) {
+TEST(DynamicThreadPool, EndsThreadsAboveTheMinimum) {
     DynamicThreadPool pool(2, 0s);
     Gate gate;
     for (int count = 0; count < 8; ++count) pool.Post([&] { gate.Wait(); });
@@ -78,13 +78,13 @@ TEST(DynamicThreadPool, KeepsAnIdleThreadForTheGivenTime) {
     EXPECT_GE(std::chrono::steady_clock::now() - start, 1s);
 }
 
-TEST(DynamicThreadPool, TakesTheLongestIdleTime) {
+TEST(DynamicThreadPool, AcceptsTheMaximumIdleTime) {
     DynamicThreadPool pool(0, std::chrono::seconds::max());
     pool.Post([] {});
     EXPECT_TRUE(test::Eventually([&] { return pool.GetIdleCount() == 1; }));
 }
 
-TEST(DynamicThreadPool, TakesANegativeIdleTimeForNone) {
+TEST(DynamicThreadPool, TreatsANegativeIdleTimeAsZero) {
     DynamicThreadPool pool(0, -5s);
     pool.Post([] {});
     EXPECT_TRUE(test::Eventually([&] { return pool.GetThreadCount() == 0; }));
@@ -111,7 +111,7 @@ TEST(DynamicThreadPool, PrefersTheThreadThatBecameIdleLast) {
     EXPECT_EQ(ran.get_future().get(), last);
 }
 
-TEST(DynamicThreadPool, DestroysAJobOnItsThreadBeforeThatIsIdle) {
+TEST(DynamicThreadPool, DestroysAJobOnItsThreadBeforeBecomingIdle) {
     DynamicThreadPool pool(1, 10s);
     ASSERT_TRUE(test::Eventually([&] { return pool.GetIdleCount() == 1; }));
     std::thread::id ran;
@@ -129,7 +129,7 @@ TEST(DynamicThreadPool, DestroysAJobOnItsThreadBeforeThatIsIdle) {
     EXPECT_EQ(idle, 0U);
 }
 
-TEST(DynamicThreadPool, LogsWhatAJobThrowsAndGoesOn) {
+TEST(DynamicThreadPool, LogsAnExceptionOfAJobAndContinues) {
     logging::Capture const capture;
     DynamicThreadPool pool(1, 10s);
     pool.Post([] { throw std::runtime_error("no\nway"); });
@@ -139,14 +139,14 @@ TEST(DynamicThreadPool, LogsWhatAJobThrowsAndGoesOn) {
     ran.get_future().get();
 }
 
-TEST(DynamicThreadPool, LogsThatAJobThrewSomethingElse) {
+TEST(DynamicThreadPool, LogsANonStandardExceptionOfAJob) {
     logging::Capture const capture;
     DynamicThreadPool pool(1, 10s);
     pool.Post([] { throw 42; }); // NOLINT: that is what is tested
     EXPECT_TRUE(capture.WaitFor("A job threw: an exception of unknown type", 60s));
 }
 
-TEST(DynamicThreadPool, DoesNotFillTheLogWithWhatJobsThrow) {
+TEST(DynamicThreadPool, LimitsTheRateOfLoggedExceptions) {
     logging::Capture const capture;
     DynamicThreadPool pool(1, 10s);
     for (int count = 0; count < 50; ++count) pool.Post([] { throw std::runtime_error("again"); });
@@ -163,7 +163,7 @@ TEST(DynamicThreadPool, DestroysAJobThatThrew) {
     EXPECT_THROW(future.get(), std::future_error);
 }
 
-TEST(DynamicThreadPool, LetsAJobPostAnother) {
+TEST(DynamicThreadPool, AllowsAJobToPostAnother) {
     DynamicThreadPool pool(1, 10s);
     std::promise<void> ran;
     pool.Post([&] { pool.Post([&] { ran.set_value(); }); });
@@ -193,7 +193,7 @@ TEST(DynamicThreadPool, KeepsAThousandWaitingJobsCheap) {
 #endif
 }
 
-TEST(DynamicThreadPool, WakesNobodyUpWhileThereIsNothingToDo) {
+TEST(DynamicThreadPool, WakesNoThreadWhileIdle) {
     DynamicThreadPool pool(4, 10s);
     ASSERT_TRUE(test::Eventually([&] { return pool.GetIdleCount() == 4; }));
     // Again, since a thread that has just become idle may still be on its way to sleep.

@@ -20,7 +20,7 @@ TEST(Capture, SeesLinesBelowTheLevelOfStandardError) {
     EXPECT_TRUE(capture.Contains("step"));
 }
 
-TEST(Capture, LeavesOutLinesBelowItsOwnLevel) {
+TEST(Capture, OmitsLinesBelowItsOwnLevel) {
     Capture const all;
     Capture const warnings(Level::Warning);
     logger.Log(Level::Info, "info");
@@ -38,14 +38,14 @@ TEST(Capture, KeepsTheOrder) {
     EXPECT_EQ(capture.GetLines()[1].text, "second");
 }
 
-TEST(Capture, DisablesItsLevelAgainWhenItGoes) {
+TEST(Capture, DisablesItsLevelWhenDestroyed) {
     std::optional<Capture> capture(std::in_place);
     EXPECT_TRUE(IsEnabled(Level::Trace));
     capture.reset();
     EXPECT_FALSE(IsEnabled(Level::Trace));
 }
 
-TEST(Capture, FindsAPartOfALineOnly) {
+TEST(Capture, FindsPartOfALine) {
     Capture const capture;
     logger.Log(Level::Debug, "one line");
     EXPECT_TRUE(capture.Contains("e l"));

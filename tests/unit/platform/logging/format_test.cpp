@@ -14,22 +14,22 @@ std::string Put(std::string_view format, std::vector<std::string> const& argumen
     return Format(format, arguments);
 }
 
-TEST(Format, PutsArgumentsInByNumber) { EXPECT_EQ(Put("%0% and %1%", {"a", "b"}), "a and b"); }
+TEST(Format, InsertsArgumentsByNumber) { EXPECT_EQ(Put("%0% and %1%", {"a", "b"}), "a and b"); }
 
-TEST(Format, TakesPlaceholdersInAnyOrderAndRepeatedly) { EXPECT_EQ(Put("%1%%0%%1%", {"a", "b"}), "bab"); }
+TEST(Format, AcceptsPlaceholdersInAnyOrderAndRepeated) { EXPECT_EQ(Put("%1%%0%%1%", {"a", "b"}), "bab"); }
 
-TEST(Format, TakesNumbersOfSeveralDigits) {
+TEST(Format, AcceptsNumbersOfSeveralDigits) {
     std::vector<std::string> const arguments(11, "x");
     EXPECT_EQ(Put("<%10%>", arguments), "<x>");
 }
 
-TEST(Format, LeavesAPlaceholderWithoutArgumentAsItIs) {
+TEST(Format, KeepsAPlaceholderWithoutAnArgument) {
     EXPECT_EQ(Put("%1% %0%", {"a"}), "%1% a");
     EXPECT_EQ(Put("%0%", {}), "%0%");
     EXPECT_EQ(Put("%99999999999999999999999%", {"a"}), "%99999999999999999999999%");
 }
 
-TEST(Format, LeavesOtherPercentSignsAsTheyAre) {
+TEST(Format, KeepsOtherPercentSigns) {
     EXPECT_EQ(Put("100% of %0%", {"a"}), "100% of a");
     EXPECT_EQ(Put("%%0%%", {"a"}), "%a%");
     EXPECT_EQ(Put("%", {"a"}), "%");
@@ -37,9 +37,9 @@ TEST(Format, LeavesOtherPercentSignsAsTheyAre) {
     EXPECT_EQ(Put("%-1% %+0% % 0% %0x0%", {"a"}), "%-1% %+0% % 0% %0x0%");
 }
 
-TEST(Format, DoesNotLookForPlaceholdersInArguments) { EXPECT_EQ(Put("%0%%1%", {"%1%", "b"}), "%1%b"); }
+TEST(Format, DoesNotExpandPlaceholdersInArguments) { EXPECT_EQ(Put("%0%%1%", {"%1%", "b"}), "%1%b"); }
 
-TEST(Format, OfNothingIsNothing) { EXPECT_EQ(Put("", {"a"}), ""); }
+TEST(Format, OfAnEmptyTextIsEmpty) { EXPECT_EQ(Put("", {"a"}), ""); }
 
 TEST(ToText, KeepsStrings) {
     EXPECT_EQ(ToText(std::string("a\0b", 3)), std::string("a\0b", 3));
@@ -49,7 +49,7 @@ TEST(ToText, KeepsStrings) {
     EXPECT_EQ(ToText(pointer), "pointer");
 }
 
-TEST(ToText, NamesANullText) {
+TEST(ToText, WritesNullForANullPointer) {
     EXPECT_EQ(ToText(static_cast<char const*>(nullptr)), "(null)");
     EXPECT_EQ(ToText(static_cast<char*>(nullptr)), "(null)");
 }
@@ -77,7 +77,7 @@ TEST(ToLine, EscapesControlCharacters) {
     EXPECT_EQ(ToLine("\xc2\x9b", 100), "\\xc2\\x9b");
 }
 
-TEST(ToLine, EscapesWhatIsNoUtf8) {
+TEST(ToLine, EscapesInvalidUtf8) {
     EXPECT_EQ(ToLine("\xff", 100), "\\xff");
     EXPECT_EQ(ToLine("\x9b", 100), "\\x9b");
     EXPECT_EQ(ToLine("Gr\xfcn", 100), "Gr\\xfcn");

@@ -17,7 +17,7 @@ TEST(RateLimit, AdmitsTheFirst) {
     EXPECT_EQ(limit.Admit(Start), 0U);
 }
 
-TEST(RateLimit, CountsWhatComesWithinTheInterval) {
+TEST(RateLimit, CountsCallsWithinTheInterval) {
     RateLimit limit(1s);
     limit.Admit(Start);
     EXPECT_EQ(limit.Admit(Start), std::nullopt);

@@ -40,14 +40,14 @@ TEST_F(LoggerTest, WritesNameLevelAndText) {
     EXPECT_EQ(lines[0].text, "2 of three");
 }
 
-TEST_F(LoggerTest, TakesTheNumberOfALevel) {
+TEST_F(LoggerTest, AcceptsTheNumberOfALevel) {
     Capture const capture;
     logger.Log(2, "number");
     ASSERT_EQ(capture.GetLines().size(), 1U);
     EXPECT_EQ(capture.GetLines()[0].level, Level::Debug);
 }
 
-TEST_F(LoggerTest, LetsNothingBreakTheLine) {
+TEST_F(LoggerTest, EscapesLineBreaks) {
     Capture const capture;
     logger.Log(Level::Info, "got %0%", "x\r\n2026-01-01T00:00:00.000Z critical forged: line");
     ASSERT_EQ(capture.GetLines().size(), 1U);
@@ -60,7 +60,7 @@ TEST_F(LoggerTest, BoundsTheLine) {
     EXPECT_EQ(capture.GetLines().at(0).text, std::string(MaximumLineLength, 'x') + "... (10 bytes more)");
 }
 
-TEST_F(LoggerTest, DoesNotLookAtArgumentsOfADisabledLine) {
+TEST_F(LoggerTest, DoesNotFormatArgumentsOfADisabledLine) {
     SetLevel(Level::Warning);
     int written = 0;
     logger.Log(Level::Info, "%0%", Counted{&written});
@@ -69,7 +69,7 @@ TEST_F(LoggerTest, DoesNotLookAtArgumentsOfADisabledLine) {
     EXPECT_EQ(written, 1);
 }
 
-TEST_F(LoggerTest, IsEnabledFromTheLevelOn) {
+TEST_F(LoggerTest, IsEnabledAtAndAboveTheLevel) {
     SetLevel(Level::Error);
     EXPECT_EQ(GetLevel(), Level::Error);
     EXPECT_FALSE(IsEnabled(Level::Warning));
@@ -86,7 +86,7 @@ TEST_F(LoggerTest, WritesOneLinePerCallToStandardError) {
                 testing::MatchesRegex("....-..-..T..:..:..\\....Z warning test.logger: a\\\\nb 1\n"));
 }
 
-TEST_F(LoggerTest, TakesLinesFromManyThreads) {
+TEST_F(LoggerTest, AcceptsLinesFromManyThreads) {
     SetLevel(Level::Critical);
     Capture const capture(Level::Info);
     std::vector<std::thread> threads;

@@ -12,18 +12,18 @@ namespace {
 using testing::HasSubstr;
 using testing::ThrowsMessage;
 
-TEST(Box, TellsItsCorners) {
+TEST(Box, ReturnsItsCorners) {
     Box const box({0.125, 0.25}, {0.5, 0.75});
     EXPECT_EQ(box.GetTopLeft(), Point(0.125, 0.25));
     EXPECT_EQ(box.GetBottomRight(), Point(0.5, 0.75));
 }
 
-TEST(Box, MayBeEmptyAndMayReachBeyondThePicture) {
+TEST(Box, MayBeEmptyOrExceedThePicture) {
     EXPECT_EQ(Box({0.5, 0.5}, {0.5, 0.5}).GetTopLeft(), Point(0.5, 0.5));
     EXPECT_EQ(Box({-1, -1}, {2, 2}).GetBottomRight(), Point(2, 2));
 }
 
-TEST(Box, HasItsCornersWhereTheirNamesSay) {
+TEST(Box, RefusesReversedCorners) {
     EXPECT_THAT(
         [] {
             Box({0.75, 0}, {0.5, 1});
@@ -32,14 +32,14 @@ TEST(Box, HasItsCornersWhereTheirNamesSay) {
     EXPECT_THAT([] { Box({0, 1}, {1, 0.5}); }, ThrowsMessage<std::invalid_argument>(HasSubstr("top and bottom: 1.0")));
 }
 
-TEST(PointOfAPicture, TellsItsPlace) {
+TEST(PointOfAPicture, ReturnsItsCoordinates) {
     EXPECT_EQ(Point(0.25, 0.75).GetX(), 0.25);
     EXPECT_EQ(Point(0.25, 0.75).GetY(), 0.75);
 }
 
 TEST(PointOfAPicture, MayLieBeyondIt) { EXPECT_EQ(Point(-3, 7), Point(-3, 7)); }
 
-TEST(PointOfAPicture, IsFinite) {
+TEST(PointOfAPicture, RefusesNonFiniteCoordinates) {
     EXPECT_THROW(Point(std::numeric_limits<double>::quiet_NaN(), 0), std::invalid_argument);
     EXPECT_THROW(Point(0, std::numeric_limits<double>::infinity()), std::invalid_argument);
 }

@@ -11,7 +11,7 @@ using namespace std::chrono_literals;
 using std::chrono::sys_days;
 using std::chrono::sys_seconds;
 
-TEST(MetadataFrame, TellsItsTimeAndItsObjectsInTheirOrder) {
+TEST(MetadataFrame, ReturnsItsTimeAndItsObjectsInOrder) {
     auto const time = sys_seconds(1'700'000'000s);
     TrackedObject const object{7, {{0, 0}, {1, 1}}, {0.5, 0.5}, {data::classification::Confidence("person")}, {}};
     auto other = object;
@@ -26,7 +26,7 @@ TEST(MetadataFrame, TellsItsTimeAndItsObjectsInTheirOrder) {
 
 TEST(MetadataFrame, MayHaveNoObjects) { EXPECT_TRUE(Meta(sys_seconds(), {}).GetObjects().empty()); }
 
-TEST(MetadataFrame, IsOfTheYears1970To9999) {
+TEST(MetadataFrame, AcceptsOnlyTheYears1970To9999) {
     sys_seconds const end = sys_days(10000y / 1 / 1);
     EXPECT_EQ(Meta(sys_seconds(), {}).GetTime(), sys_seconds());
     EXPECT_EQ(Meta(end - 1s, {}).GetTime(), end - 1s);

@@ -24,7 +24,7 @@ TEST(Authority, LosesTheBracketsOfAnIpv6Address) {
     EXPECT_FALSE(ParseAuthority("[::1]")->port);
 }
 
-TEST(Authority, IsNothingElse) {
+TEST(Authority, IsRejectedInAnyOtherForm) {
     for (auto const* text : {"", ":554", "[]", "[::1", "[::1]x", "[::1]554", "a:", "a:0", "a:65536", "a:-1", "a:1a",
                              "a: 1", "a:1:2", "::1"}) {
         EXPECT_FALSE(ParseAuthority(text)) << text;

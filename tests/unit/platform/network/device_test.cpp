@@ -9,7 +9,7 @@
 namespace zarn::network {
 namespace {
 
-TEST(GetDevices, HasOneForEachInterfaceInItsOrder) {
+TEST(GetDevices, ReturnsOneForEachInterfaceInOrder) {
     auto const interfaces = ReadInterfaces();
     auto const devices = GetDevices();
     ASSERT_EQ(devices.size(), interfaces.size());

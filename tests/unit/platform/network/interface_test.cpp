@@ -22,7 +22,7 @@ Interface const Second{5, "eth3", "02:00:00:00:00:04", Make(10, 0, 0, 4), true, 
 
 std::string Choose(std::vector<Interface> const& interfaces) { return ChooseLocalAddress(interfaces).to_string(); }
 
-TEST(ChooseLocalAddress, TakesTheFirstUsableInterface) {
+TEST(ChooseLocalAddress, UsesTheFirstUsableInterface) {
     EXPECT_EQ(Choose({Loopback, Down, Bare, First, Second}), "10.0.0.3");
 }
 
@@ -71,12 +71,12 @@ TEST(ReadInterfaces, FindsTheAddressBehindALabel) {
     EXPECT_EQ(found->address, Make(10, 1, 2, 3));
 }
 
-TEST(ReadInterfaces, KeepsTheOrderOfTheIndex) {
+TEST(ReadInterfaces, OrdersInterfacesByIndex) {
     auto const interfaces = ReadInterfaces();
     EXPECT_TRUE(std::ranges::is_sorted(interfaces, {}, &Interface::index));
 }
 
-TEST(ReadInterfaces, KnowsInterfacesWithoutAddress) {
+TEST(ReadInterfaces, ReadsInterfacesWithoutAnAddress) {
     std::vector<Interface> interfaces;
     if (!test::RunInNetworkNamespace([&] { interfaces = ReadInterfaces(); })) {
         GTEST_SKIP() << test::WhyNoNamespace();

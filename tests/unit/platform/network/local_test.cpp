@@ -40,17 +40,17 @@ protected:
     }
 };
 
-TEST_F(LocalAddressTest, IsThatOfTheDefaultRoute) {
+TEST_F(LocalAddressTest, UsesTheDefaultRoute) {
     EXPECT_EQ(LocalAddressBeside({"route add default via 10.9.8.1"}), "10.9.8.7");
     EXPECT_EQ(LocalAddressBeside({"route add default via 10.1.2.1"}), "10.1.2.3");
 }
 
-TEST_F(LocalAddressTest, IsThatOfAnInterfaceThatIsUpWithoutADefaultRoute) {
+TEST_F(LocalAddressTest, UsesAnInterfaceThatIsUpWithoutADefaultRoute) {
     EXPECT_EQ(LocalAddressBeside({"link set zarn2 down", "link set zarn1 up"}), "10.1.2.3");
     EXPECT_EQ(LocalAddressBeside({"link set zarn1 down", "link set zarn2 up"}), "10.9.8.7");
 }
 
-TEST_F(LocalAddressTest, IsNotTheLoopbackThatADefaultRouteLeadsTo) {
+TEST_F(LocalAddressTest, IgnoresADefaultRouteToLoopback) {
     EXPECT_EQ(LocalAddressBeside({"link set zarn2 down", "route add default dev lo src 127.0.0.1"}), "10.1.2.3");
 }
 
@@ -89,7 +89,7 @@ TEST(GetLocalIPAddress, IsTheSameOnManyThreads) {
 }
 
 #ifndef ZARN_SANITIZED // which need descriptors of their own to look at objects
-TEST(GetLocalIPAddress, IsLoopbackWithoutASocketToAskWith) {
+TEST(GetLocalIPAddress, IsLoopbackWithoutAFreeDescriptor) {
     rlimit before{};
     ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
     rlimit none = before;

@@ -47,7 +47,7 @@ TEST(ReadInterfaces, ReadsThePeerOfAPointToPointLink) {
     EXPECT_EQ(networks, (Texts{"10.9.0.1/32", "10.9.0.2/32"}));
 }
 
-TEST(ReadInterfaces, TellsWhichInterfacesCanMulticast) {
+TEST(ReadInterfaces, ReadsWhichInterfacesCanMulticast) {
     std::vector<Interface> interfaces;
     if (!test::RunInNetworkNamespace([&] {
             ASSERT_TRUE(test::Ip("link add zarn1 type veth peer name zarn2"));

@@ -37,16 +37,16 @@ TEST(Object, IsOfItsTypeAndItsBases) {
 
 TEST(Object, IsNotOfADerivedType) { EXPECT_FALSE(Vehicle().Is<Car>()); }
 
-TEST(Object, IsToldApartByNameOnly) { EXPECT_TRUE(Car().Is<CarElsewhere>()); }
+TEST(Object, IsDistinguishedByTypeNameOnly) { EXPECT_TRUE(Car().Is<CarElsewhere>()); }
 
-TEST(Object, IsGivenAsItsTypes) {
+TEST(Object, CastsToItsTypes) {
     Car car;
     Object& object = car;
     EXPECT_EQ(&object.As<Car>(), &car);
     EXPECT_EQ(&static_cast<Object const&>(object).As<Vehicle>(), &car);
 }
 
-TEST(Object, ThrowsTheNameOfATypeThatItIsNot) {
+TEST(Object, ThrowsBadCastWithTheRequestedType) {
     Vehicle vehicle;
     try {
         vehicle.As<Car>();

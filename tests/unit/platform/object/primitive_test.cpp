@@ -22,7 +22,7 @@ TEST(ObjectPrimitive, IsNamedByItsType) {
     EXPECT_STREQ(Primitive<double>(1).GetTypeName(), "zarn.object.Double");
 }
 
-TEST(ObjectPrimitive, IsNotOneOfAnotherType) {
+TEST(ObjectPrimitive, CannotBeCastToAnotherPrimitive) {
     std::shared_ptr<Object const> const object = std::make_shared<Primitive<bool>>(true);
     EXPECT_TRUE((object->As<Primitive<bool, Object>>().Get()));
     EXPECT_THROW(object->As<Primitive<std::string>>(), BadCast);

@@ -20,7 +20,7 @@ protected:
 
 TEST_F(BindingTest, HoldsNothingByDefault) { EXPECT_FALSE(Binding()); }
 
-TEST_F(BindingTest, HoldsNothingWhenMadeOfAnEmptyFunction) { EXPECT_FALSE(Binding(nullptr)); }
+TEST_F(BindingTest, HoldsNothingWhenConstructedFromAnEmptyFunction) { EXPECT_FALSE(Binding(nullptr)); }
 
 TEST_F(BindingTest, ReleasesOnceWhenDestroyed) {
     {

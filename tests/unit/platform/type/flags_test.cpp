@@ -14,20 +14,20 @@ TEST(Flags, AreEmptyByDefault) {
     EXPECT_FALSE(Colours().Has(Colour::Red));
 }
 
-TEST(Flags, HaveTheFlagTheyAreMadeOf) {
+TEST(Flags, HaveTheFlagTheyAreConstructedFrom) {
     Colours const colours = Colour::Green;
     EXPECT_TRUE(colours.Has(Colour::Green));
     EXPECT_FALSE(colours.Has(Colour::Red));
 }
 
-TEST(Flags, AreMadeOfARawValue) { EXPECT_EQ(Colours(3), Colours(Colour::Red) | Colour::Green); }
+TEST(Flags, CanBeConstructedFromARawValue) { EXPECT_EQ(Colours(3), Colours(Colour::Red) | Colour::Green); }
 
-TEST(Flags, HaveASetOnlyWhenAllOfItIsIn) {
+TEST(Flags, HaveASetOnlyWhenAllOfItIsSet) {
     EXPECT_TRUE(Colours(67).Has(Colours(65)));
     EXPECT_FALSE(Colours(66).Has(Colours(65)));
 }
 
-TEST(Flags, AreJoinedToTheUnion) { EXPECT_EQ((Colours(Colour::Red) | Colour::Blue).GetValue(), 65); }
+TEST(Flags, CombineToTheUnion) { EXPECT_EQ((Colours(Colour::Red) | Colour::Blue).GetValue(), 65); }
 
 TEST(Flags, RefuseARawValueAboveTheirLargestFlag) {
     EXPECT_NO_THROW(Colours(127));

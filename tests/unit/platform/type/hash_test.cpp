@@ -35,7 +35,7 @@ constexpr std::array Vectors{
     Vector{"The quick brown fox jumps over the lazy dog", 0x9747b28c, 0x2fa826cd},
 };
 
-TEST(Hash, GivesThePublishedHashes) {
+TEST(Hash, ReturnsThePublishedHashes) {
     for (auto const& vector : Vectors) EXPECT_EQ(MurmurHash3(vector.text, vector.seed), vector.hash) << vector.text;
 }
 

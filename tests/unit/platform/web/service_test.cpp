@@ -80,7 +80,7 @@ TEST(Service, RefusesAMethodWithoutOperation) {
     EXPECT_EQ(Process(service, Method::Patch).GetStatus(), Status::MethodNotAllowed);
 }
 
-TEST(Service, TellsItsMethodsWhenAskedForOptions) {
+TEST(Service, ListsItsMethodsOnOptions) {
     Service service;
     auto const data = Process(service, Method::Options);
     EXPECT_EQ(data.GetStatus(), Status::NoContent);

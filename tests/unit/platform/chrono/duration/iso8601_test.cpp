@@ -35,7 +35,7 @@ struct ReadCase {
 
 class ReadDuration : public testing::TestWithParam<ReadCase> {};
 
-TEST_P(ReadDuration, GivesTheSpan) {
+TEST_P(ReadDuration, ReturnsTheSpan) {
     EXPECT_EQ(FromIso8601(GetParam().text), GetParam().expected);
     EXPECT_EQ(FromIso8601(GetParam().text, Time::min()), GetParam().expected);
     EXPECT_EQ(FromIso8601(GetParam().text, Time::max()), GetParam().expected);
@@ -68,7 +68,7 @@ struct CalendarCase {
 
 class ReadMonths : public testing::TestWithParam<CalendarCase> {};
 
-TEST_P(ReadMonths, GoesByTheCalendarFromNow) {
+TEST_P(ReadMonths, FollowsTheCalendarFromNow) {
     auto const& [text, now, expected] = GetParam();
     EXPECT_EQ(At(now) + FromIso8601(text, At(now)), At(expected));
 }
@@ -83,7 +83,7 @@ INSTANTIATE_TEST_SUITE_P(
         CalendarCase{"-P1M", 2026y / 3 / 31, 2026y / 2 / 28}, CalendarCase{"-P1Y1M1D", 2026y / 1 / 1, 2024y / 11 / 30},
         CalendarCase{"P200Y", 2026y / 1 / 31, 2226y / 1 / 31}, CalendarCase{"-P200Y", 2026y / 1 / 31, 1826y / 1 / 31}));
 
-TEST(ReadMonthsAtTheEndOfTheClock, GivesTheSpanWhichItsSumSaturates) {
+TEST(ReadMonthsAtTheEndOfTheClock, ReturnsTheSpanWhoseSumSaturates) {
     auto const span = FromIso8601("P290Y", At(2026y / 1 / 31));
     EXPECT_GT(span, Days(290 * 365));
     EXPECT_EQ(Add(At(2026y / 1 / 31), span), Time::max());
@@ -91,7 +91,7 @@ TEST(ReadMonthsAtTheEndOfTheClock, GivesTheSpanWhichItsSumSaturates) {
     EXPECT_EQ(FromIso8601("-P12M", Time::min()), -Days(365));
 }
 
-TEST(ReadDurationText, GoesFromTheSystemClocksNowByDefault) {
+TEST(ReadDurationText, CountsFromTheCurrentTimeByDefault) {
     auto const span = FromIso8601("P1Y");
     EXPECT_TRUE(span == Days(365) || span == Days(366));
 }

@@ -44,7 +44,7 @@ TEST_F(BindTest, DeliversTheCurrentValueOnceBeforeItReturns) {
     EXPECT_EQ(event->GetNode(), root->Find("settings.enabled"));
 }
 
-TEST_F(BindTest, TakesTheOptionAsARawValue) {
+TEST_F(BindTest, AcceptsTheOptionAsARawValue) {
     auto const binding = Record(enabled, node::binding::Options(1));
     EXPECT_THAT(heard, ElementsAre("settings.enabled"));
 }
@@ -65,7 +65,7 @@ TEST_F(BindTest, DeliversAfterTheChange) {
     EXPECT_THAT(values, ElementsAre(true, false, true));
 }
 
-TEST_F(BindTest, DeliversAValueThatIsSetAgain) {
+TEST_F(BindTest, DeliversAnUnchangedValueThatIsSet) {
     auto const binding = Record(enabled);
     enabled.Set(false);
     enabled.Set(false);
@@ -87,7 +87,7 @@ TEST_F(BindTest, DeliversNothingAfterTheBindingIsReleased) {
     EXPECT_THAT(heard, IsEmpty());
 }
 
-TEST_F(BindTest, DestroysWhatTheCallbackHoldsWhenReleased) {
+TEST_F(BindTest, DestroysItsCallbackWhenReleased) {
     auto held = std::make_shared<int>();
     std::weak_ptr<int> const weak = held;
     auto binding = enabled.Bind([held = std::move(held)](auto const&) {});
@@ -135,7 +135,7 @@ TEST_F(BindTest, MayBeReleasedInItsOwnCallback) {
     EXPECT_EQ(calls, 1);
 }
 
-TEST_F(BindTest, DropsWhatWaitsWhenReleasedInItsOwnCallback) {
+TEST_F(BindTest, DropsPendingEventsWhenReleasedInItsOwnCallback) {
     int calls = 0;
     type::Binding binding;
     binding = root->Bind([&](auto const&) {
@@ -169,7 +169,7 @@ TEST_F(BindTest, DeliversAChangeMadeInACallbackAfterThatCallback) {
     EXPECT_EQ(order, "<><><>");
 }
 
-TEST_F(BindTest, PassesOnWhatACallbackThrowsAfterAllAreCalled) {
+TEST_F(BindTest, RethrowsTheFirstExceptionAfterCallingAllCallbacks) {
     auto const first = enabled.Bind([](auto const&) { throw std::runtime_error("first"); });
     auto const second = enabled.Bind([](auto const&) { throw std::runtime_error("second"); });
     auto const third = Record(enabled);
@@ -180,7 +180,7 @@ TEST_F(BindTest, PassesOnWhatACallbackThrowsAfterAllAreCalled) {
     EXPECT_EQ(heard.size(), 2U);
 }
 
-TEST_F(BindTest, PassesOnWhatTheCallbackThrowsAtTheCurrentValueAndIsNotBound) {
+TEST_F(BindTest, RethrowsAndDoesNotBindWhenTheCurrentValueThrows) {
     int calls = 0;
     auto const callback = [&](auto const& event) {
         ++calls;
@@ -197,7 +197,7 @@ TEST_F(BindTest, MayOutliveItsTree) {
     EXPECT_NO_THROW(binding.Reset());
 }
 
-TEST_F(BindTest, LetsOtherThreadsReadAndChangeTheTreeWhileACallbackRuns) {
+TEST_F(BindTest, AllowsOtherThreadsAccessDuringACallback) {
     auto const binding = enabled.Bind([&](auto const&) {
         auto other = std::async(std::launch::async, [&] {
             auto const lock = root->GetLock();
@@ -211,7 +211,7 @@ TEST_F(BindTest, LetsOtherThreadsReadAndChangeTheTreeWhileACallbackRuns) {
     EXPECT_EQ(port.Get(), 81);
 }
 
-TEST_F(BindTest, WaitsForACallbackThatRunsOnAnotherThreadWhenReleased) {
+TEST_F(BindTest, WaitsForARunningCallbackWhenReleased) {
     std::latch entered(1);
     std::latch releasing(1);
     std::atomic<bool> finished = false;
@@ -229,7 +229,7 @@ TEST_F(BindTest, WaitsForACallbackThatRunsOnAnotherThreadWhenReleased) {
     setter.join();
 }
 
-TEST_F(BindTest, LeavesAnEventToTheThreadThatIsInTheCallback) {
+TEST_F(BindTest, DeliversAnEventOnTheThreadAlreadyInTheCallback) {
     std::latch entered(1);
     std::latch proceed(1);
     std::vector<std::thread::id> threads;

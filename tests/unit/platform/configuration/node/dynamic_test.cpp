@@ -28,7 +28,7 @@ TEST_F(DynamicTest, IsEmptyAtFirst) {
     EXPECT_EQ(Write(*root), R"({"name":"server","settings":{"enabled":false,"port":80,"secret":""},"channels":{}})");
 }
 
-TEST_F(DynamicTest, AddsEntriesOfItsSchemaBehindTheOthers) {
+TEST_F(DynamicTest, AppendsEntriesWithItsSchema) {
     auto const entry = Channels().Add("7");
     Channels().Add("3");
     EXPECT_EQ(entry, root->Find("channels.7"));
@@ -38,7 +38,7 @@ TEST_F(DynamicTest, AddsEntriesOfItsSchemaBehindTheOthers) {
     EXPECT_THAT(heard, ElementsAre("Added channels.7", "Added channels.3"));
 }
 
-TEST_F(DynamicTest, TellsOfAnEntryWhenItIsThere) {
+TEST_F(DynamicTest, ReportsAnEntryOnceItCanBeFound) {
     bool found = false;
     auto const second = Channels().Bind(
         [&](auto const& event) { found = root->Find(event->GetNode()->GetPath()) == event->GetNode(); });
@@ -49,7 +49,7 @@ TEST_F(DynamicTest, TellsOfAnEntryWhenItIsThere) {
     EXPECT_TRUE(found);
 }
 
-TEST_F(DynamicTest, RefusesAKeyThatIsTakenOrNone) {
+TEST_F(DynamicTest, RefusesADuplicateOrInvalidKey) {
     Channels().Add("1");
     EXPECT_EQ(ErrorOf([&] { Channels().Add("1"); }), "channels.1: the key is taken");
     for (std::string const& key : {std::string(), std::string("a.b"), std::string("a b"), std::string("ü"),
@@ -82,7 +82,7 @@ TEST_F(DynamicTest, RemovesEntries) {
     EXPECT_THAT(heard, ElementsAre("Removed channels.2"));
 }
 
-TEST_F(DynamicTest, KeepsARemovedEntryReadableButApart) {
+TEST_F(DynamicTest, KeepsARemovedEntryReadableButDetached) {
     auto const entry = Channels().Add("1");
     Channels().Remove("1");
     heard.clear();
@@ -93,7 +93,7 @@ TEST_F(DynamicTest, KeepsARemovedEntryReadableButApart) {
     EXPECT_EQ(At<String>("channels.1.name").Get(), "");
 }
 
-TEST_F(DynamicTest, TellsWhoIsBoundToAnEntryOfItsRemoval) {
+TEST_F(DynamicTest, ReportsARemovalToBindingsOfTheEntry) {
     auto const entry = Channels().Add("1");
     int removals = 0;
     auto const second = entry->Bind([&](auto const& event) { removals += event->template Is<event::Removed>(); });
@@ -101,7 +101,7 @@ TEST_F(DynamicTest, TellsWhoIsBoundToAnEntryOfItsRemoval) {
     EXPECT_EQ(removals, 1);
 }
 
-TEST_F(DynamicTest, IsPutIntoAnotherOrder) {
+TEST_F(DynamicTest, CanBeReordered) {
     for (auto const* key : {"1", "2", "3"}) Channels().Add(key);
     heard.clear();
     Channels().Reorder({"3", "1", "2"});
@@ -111,7 +111,7 @@ TEST_F(DynamicTest, IsPutIntoAnotherOrder) {
     EXPECT_EQ(heard.size(), 1U);
 }
 
-TEST_F(DynamicTest, RefusesAnOrderThatIsNotOfAllItsKeys) {
+TEST_F(DynamicTest, RefusesAnOrderWithoutExactlyItsKeys) {
     for (auto const* key : {"1", "2"}) Channels().Add(key);
     EXPECT_EQ(ErrorOf([&] { Channels().Reorder({"1"}); }), "channels: an order needs the keys of all entries");
     EXPECT_EQ(ErrorOf([&] { Channels().Reorder({"1", "1"}); }), "channels: 1 is given twice");
@@ -126,7 +126,7 @@ TEST_F(DynamicTest, ReadsEntriesInTheOrderOfTheFile) {
     EXPECT_THAT(heard, ElementsAre("Added channels.10", "Added channels.2", "Added channels.z"));
 }
 
-TEST_F(DynamicTest, KeepsTheEntriesThatAreReadAgain) {
+TEST_F(DynamicTest, KeepsExistingEntriesOnReload) {
     Read(R"({"channels": {"1": {"name": "a"}, "2": {"name": "b"}, "3": {"name": "c"}}})");
     auto const second = root->Find("channels.2");
     heard.clear();
@@ -137,7 +137,7 @@ TEST_F(DynamicTest, KeepsTheEntriesThatAreReadAgain) {
                                                      "Added channels.4", "Changed channels"));
 }
 
-TEST_F(DynamicTest, NamesTheEntryWhoseValueIsWrong) {
+TEST_F(DynamicTest, NamesTheEntryWithAnInvalidValue) {
     EXPECT_EQ(ErrorOf([&] { Read(R"({"channels": {"1": {"video": {"width": -1}}}})"); }),
               "channels.1.video.width: -1 is not a whole number from 0 to 4294967295");
     EXPECT_EQ(ErrorOf([&] { Read(R"({"channels": {"1": {"nmae": ""}}})"); }), "channels.1.nmae: unknown key");

@@ -14,7 +14,7 @@ TEST_F(MapTest, FindsNodesByDottedPath) {
     EXPECT_EQ(root->Find("settings")->As<node::Map>().Find("port"), root->Find("settings.port"));
 }
 
-TEST_F(MapTest, FindsNothingByAPathThatLeadsNowhere) {
+TEST_F(MapTest, FindsNothingForAnUnknownPath) {
     Channels().Add("1");
     for (auto const* path : {"", ".", "nothing", "settings.", ".settings", "settings..port", "settings.nothing",
                              "settings.port.more", "channels.2", "channels.1.name.x", "Settings", "settings port"}) {
@@ -22,7 +22,7 @@ TEST_F(MapTest, FindsNothingByAPathThatLeadsNowhere) {
     }
 }
 
-TEST_F(MapTest, GivesEveryNodeThePathByWhichItIsFound) {
+TEST_F(MapTest, StoresThePathOfEveryNode) {
     Channels().Add("gate-1");
     for (auto const* path :
          {"settings", "settings.port", "channels", "channels.gate-1", "channels.gate-1.video.width"}) {
@@ -39,7 +39,7 @@ TEST_F(MapTest, IteratesInTheOrderOfDescription) {
     EXPECT_EQ(root->GetSize(), 3U);
 }
 
-TEST_F(MapTest, IteratesOverWhatThereWasWhenTheIterationBegan) {
+TEST_F(MapTest, IteratesOverASnapshot) {
     Channels().Add("1");
     Channels().Add("2");
     std::vector<std::string> seen;
@@ -53,7 +53,7 @@ TEST_F(MapTest, IteratesOverWhatThereWasWhenTheIterationBegan) {
     EXPECT_THAT(Keys(Channels()), ElementsAre("31", "32"));
 }
 
-TEST_F(MapTest, IsToldApartByType) {
+TEST_F(MapTest, IsDistinguishedByType) {
     EXPECT_TRUE(root->Is<node::Map>());
     EXPECT_TRUE(root->Is<node::Root>());
     EXPECT_FALSE(root->Is<node::Dynamic>());
@@ -63,7 +63,7 @@ TEST_F(MapTest, IsToldApartByType) {
     EXPECT_FALSE(root->Find("name")->Is<node::Map>());
 }
 
-TEST_F(MapTest, NamesPathAndTypesInACastThatFails) {
+TEST_F(MapTest, NamesPathAndTypesInAFailedCast) {
     try {
         At<Bool>("settings.port");
         FAIL();
@@ -75,7 +75,7 @@ TEST_F(MapTest, NamesPathAndTypesInACastThatFails) {
     EXPECT_EQ(root->Find("settings")->BadCastError("unknown").GetTypeName(), "unknown");
 }
 
-TEST_F(MapTest, DescribesMissingNodesAndTheMapsOnTheWay) {
+TEST_F(MapTest, DescribesMissingNodesAndIntermediateMaps) {
     root->Schema({{"settings.onvif.enabled", true, "A switch"}});
     EXPECT_TRUE(At<Bool>("settings.onvif.enabled").Get());
     EXPECT_EQ(root->Find("settings.onvif.enabled")->GetPath(), "settings.onvif.enabled");
@@ -104,7 +104,7 @@ TEST_F(MapTest, RefusesADescriptionOfAnEntry) {
     EXPECT_EQ(Channels().GetSize(), 0U);
 }
 
-TEST_F(MapTest, RefusesADescriptionWithAPathThatIsNone) {
+TEST_F(MapTest, RefusesADescriptionWithAnInvalidPath) {
     EXPECT_EQ(ErrorOf([&] {
                   root->Schema({{"settings.a b", "", ""}});
               }),
@@ -114,7 +114,7 @@ TEST_F(MapTest, RefusesADescriptionWithAPathThatIsNone) {
     EXPECT_THAT(root->Find("a"), IsNull());
 }
 
-TEST_F(MapTest, KeepsChildrenReadableWhenTheTreeIsGone) {
+TEST_F(MapTest, KeepsChildrenUsableAfterTheTreeIsDestroyed) {
     auto const port = root->Find("settings.port");
     root.reset();
     EXPECT_EQ(port->As<UInt16>().Get(), 80);
@@ -124,7 +124,7 @@ TEST_F(MapTest, KeepsChildrenReadableWhenTheTreeIsGone) {
     EXPECT_EQ(port->As<UInt16>().Get(), 81);
 }
 
-TEST_F(MapTest, MayBeLockedSeveralTimesByOneThread) {
+TEST_F(MapTest, CanBeLockedRecursively) {
     auto const outer = root->GetLock();
     auto const inner = root->Find("settings.port")->GetLock();
     At<UInt16>("settings.port").Set(81);

@@ -23,14 +23,14 @@ TEST_F(OverrideTest, IsReadButNotPersisted) {
     EXPECT_EQ(Write(port, Layer::Default), "80");
 }
 
-TEST_F(OverrideTest, IsTypedByTheNode) {
+TEST_F(OverrideTest, IsCheckedAgainstTheType) {
     port.OverrideFromString("18080");
     EXPECT_EQ(port.Get(), 18080);
     EXPECT_EQ(ErrorOf([&] { port.OverrideFromString("70000"); }), "settings.port: 70000 is not a port (1 to 65535)");
     EXPECT_EQ(port.Get(), 18080);
 }
 
-TEST_F(OverrideTest, StaysWhenTheFileIsReadAgain) {
+TEST_F(OverrideTest, StaysOnReload) {
     port.Override(18080);
     Read(R"({"settings": {"port": 0}})");
     EXPECT_EQ(port.Get(), 18080);
@@ -47,7 +47,7 @@ TEST_F(OverrideTest, EndsWhenTheValueIsSet) {
     EXPECT_EQ(Write(port), "81");
 }
 
-TEST_F(OverrideTest, IsHeardWhenItChangesTheEffectiveValue) {
+TEST_F(OverrideTest, IsDeliveredOnlyWhenTheEffectiveValueChanges) {
     port.Override(18080);
     port.Override(18080);
     Read(R"({"settings": {"port": 90}})");

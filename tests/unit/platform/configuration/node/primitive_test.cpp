@@ -46,7 +46,7 @@ TEST_F(PrimitiveTest, IsReadByItsPath) {
     }
 }
 
-TEST_F(PrimitiveTest, GivesItsValueAsAnObjectThatNeverChanges) {
+TEST_F(PrimitiveTest, ReturnsItsValueAsAnImmutableObject) {
     auto const before = At<node::Value>("settings.port").GetValuePtr();
     At<UInt16>("settings.port").Set(81);
     EXPECT_EQ(before->As<object::Primitive<unsigned short>>().Get(), 80);
@@ -139,7 +139,7 @@ TEST_F(PrimitiveTest, ReadsFiniteNumbers) {
     EXPECT_EQ(Value<double>().Get(), 15.0);
 }
 
-TEST_F(PrimitiveTest, TakesTextInAnyLanguage) {
+TEST_F(PrimitiveTest, AcceptsTextInAnyLanguage) {
     EXPECT_EQ(SetText<std::string>("Grün 門"), "");
     EXPECT_EQ(Value<std::string>().Get(), "Grün 門");
     EXPECT_EQ(SetText<std::string>(""), "");
@@ -153,7 +153,7 @@ TEST_F(PrimitiveTest, RefusesTextThatIsNotUtf8) {
               "settings.enabled: Failed to parse the string into a boolean value: a text that is not UTF-8");
 }
 
-TEST_F(PrimitiveTest, QuotesALongValueCutShort) {
+TEST_F(PrimitiveTest, TruncatesALongValueInErrors) {
     std::string message = ErrorOf([&] { At<UInt16>("settings.port").SetFromString(std::string(100000, 'x')); });
     EXPECT_EQ(message, "settings.port: \"" + std::string(79, 'x') + "... is not a port (1 to 65535)");
     message = ErrorOf([&] { At<UInt16>("settings.port").SetFromString(std::string(79, 'x') + "ü"); });
@@ -162,7 +162,7 @@ TEST_F(PrimitiveTest, QuotesALongValueCutShort) {
     EXPECT_EQ(message, "settings.port: \"" + std::string(78, 'x') + "... is not a port (1 to 65535)");
 }
 
-TEST_F(PrimitiveTest, ChecksItsRuleHoweverItIsSet) {
+TEST_F(PrimitiveTest, ChecksItsRuleForEveryWayOfSetting) {
     root->Schema({{"even", std::int32_t{0}, "", {}, {"even", [](std::int32_t number) { return number % 2 == 0; }}}});
     auto& even = At<node::Primitive<std::int32_t>>("even");
     EXPECT_EQ(ErrorOf([&] { even.Set(3); }), "even: 3 is not even");
@@ -176,7 +176,7 @@ TEST_F(PrimitiveTest, ChecksItsRuleHoweverItIsSet) {
     EXPECT_EQ(even.Get(), 4);
 }
 
-TEST_F(PrimitiveTest, LetsOnlyTheProgramSetAReadOnlyValue) {
+TEST_F(PrimitiveTest, AllowsOnlyTheProgramToSetAReadOnlyValue) {
     auto& state = At<String>("settings.state");
     EXPECT_TRUE(state.IsReadOnly());
     std::string const message = "settings.state: the configuration value is read only";

@@ -16,7 +16,7 @@ protected:
     type::Binding binding;
 };
 
-TEST_F(ReadingTest, TakesTheValues) {
+TEST_F(ReadingTest, SetsTheValues) {
     Read(R"({"name": "Grün", "settings": {"enabled": true, "port": 8080, "secret": "s"}})");
     EXPECT_EQ(At<String>("name").Get(), "Grün");
     EXPECT_TRUE(At<Bool>("settings.enabled").Get());
@@ -24,7 +24,7 @@ TEST_F(ReadingTest, TakesTheValues) {
     EXPECT_EQ(At<String>("settings.secret").Get(), "s");
 }
 
-TEST_F(ReadingTest, PutsWhatIsMissingBackToItsDefault) {
+TEST_F(ReadingTest, ResetsMissingValuesToTheirDefaults) {
     At<UInt16>("settings.port").Set(81);
     At<String>("name").Set("other");
     heard.clear();
@@ -37,12 +37,12 @@ TEST_F(ReadingTest, PutsWhatIsMissingBackToItsDefault) {
     EXPECT_EQ(At<UInt16>("settings.port").Get(), 80);
 }
 
-TEST_F(ReadingTest, TellsOnlyOfValuesThatDiffer) {
+TEST_F(ReadingTest, ReportsOnlyChangedValues) {
     Read(R"({"name": "server", "settings": {"enabled": true, "port": 80}})");
     EXPECT_THAT(heard, ElementsAre("settings.enabled"));
 }
 
-TEST_F(ReadingTest, TellsWhenEverythingIsChanged) {
+TEST_F(ReadingTest, ReportsAfterAllValuesAreSet) {
     std::vector<int> ports;
     auto const second =
         At<Bool>("settings.enabled").Bind([&](auto const&) { ports.push_back(At<UInt16>("settings.port").Get()); });
@@ -76,7 +76,7 @@ TEST_F(ReadingTest, RefusesWhatIsNotAnObject) {
     EXPECT_EQ(ErrorOf([&] { Read(R"({"settings": {"port": {}}})"); }), "settings.port: {} is not a port (1 to 65535)");
 }
 
-TEST_F(ReadingTest, LeavesReadOnlyValuesAlone) {
+TEST_F(ReadingTest, DoesNotChangeReadOnlyValues) {
     At<String>("settings.state").Set("busy");
     Read("{}");
     EXPECT_EQ(At<String>("settings.state").Get(), "busy");
@@ -91,7 +91,7 @@ TEST_F(ReadingTest, ReadsOnePartOfTheTree) {
     EXPECT_EQ(ErrorOf([&] { At<node::Map>("channels.1").FromJson({{"x", 1}}); }), "channels.1.x: unknown key");
 }
 
-TEST_F(ReadingTest, ReadsAgainWhatItHasWritten) {
+TEST_F(ReadingTest, ReadsItsOwnOutput) {
     Read(
         R"({"name": "n", "channels": {"b": {"user": "u"}, "a": {"video": {"width": 3}}}, "settings": {"secret": "s"}})");
     auto const written = root->ToJson(Layer::Persisted);

@@ -25,7 +25,7 @@ TEST_F(UndescribedTest, IsKeptAndWrittenBackInItsPlace) {
     EXPECT_TRUE(root->Find("extra")->IsStated());
 }
 
-TEST_F(UndescribedTest, IsNotShown) {
+TEST_F(UndescribedTest, IsAbsentFromTheEffectiveLayer) {
     ReadAndKeep(R"({"extra": 1})");
     EXPECT_FALSE(root->ToJson(Layer::Effective).as_object().contains("extra"));
 }
@@ -59,7 +59,7 @@ TEST_F(UndescribedTest, IsTypeCheckedWhenItIsDescribed) {
     EXPECT_THAT(root->GetUndescribed(), ElementsAre("settings.later", "extra"));
 }
 
-TEST_F(UndescribedTest, IsReplacedAndDroppedByWhatIsReadNext) {
+TEST_F(UndescribedTest, IsReplacedOrDroppedByTheNextRead) {
     ReadAndKeep(R"({"one": 1, "two": 2})");
     ReadAndKeep(R"({"one": [3]})");
     EXPECT_THAT(root->GetUndescribed(), ElementsAre("one"));

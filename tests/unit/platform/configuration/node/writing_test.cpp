@@ -11,7 +11,7 @@ protected:
     }
 };
 
-TEST_F(WritingTest, CompletesWhatIsNotOptional) {
+TEST_F(WritingTest, AddsMissingRequiredMembers) {
     EXPECT_EQ(ReadAndWrite(R"({"channels": {"1": {}}})"),
               R"({"channels":{"1":{"name":""}},"name":"server","settings":{"enabled":false,"port":80,"secret":""}})");
 }
@@ -29,7 +29,7 @@ TEST_F(WritingTest, KeepsOptionalMembersThatWereReadWithTheirDefault) {
     EXPECT_EQ(Write(Channels()), channels);
 }
 
-TEST_F(WritingTest, LeavesOptionalMembersOutWhileTheyHoldTheirDefault) {
+TEST_F(WritingTest, OmitsOptionalMembersWithTheirDefault) {
     auto const entry = Channels().Add("1");
     auto& user = At<String>("channels.1.user");
     EXPECT_EQ(Write(*entry), R"({"name":""})");
@@ -39,13 +39,13 @@ TEST_F(WritingTest, LeavesOptionalMembersOutWhileTheyHoldTheirDefault) {
     EXPECT_EQ(Write(*entry), R"({"name":""})");
 }
 
-TEST_F(WritingTest, LeavesOutAnOptionalMemberThatTheFileNoLongerHas) {
+TEST_F(WritingTest, OmitsAnOptionalMemberRemovedFromTheFile) {
     Read(R"({"channels": {"1": {"user": ""}}})");
     Read(R"({"channels": {"1": {}}})");
     EXPECT_EQ(Write(Channels()), R"({"1":{"name":""}})");
 }
 
-TEST_F(WritingTest, KnowsWhatSomebodyStated) {
+TEST_F(WritingTest, KnowsWhichMembersAreStated) {
     Read(R"({"channels": {"1": {"video": {}}, "2": {"name": "b"}}, "settings": {"port": 80}})");
     EXPECT_TRUE(root->Find("channels.1.video")->IsStated());
     EXPECT_FALSE(root->Find("channels.1.video.width")->IsStated());
@@ -66,14 +66,14 @@ TEST_F(WritingTest, ShowsReadOnlyValuesAndNoWriteOnlyOnes) {
     EXPECT_EQ(Write(At<node::Map>("settings"), Layer::Effective), R"({"enabled":false,"port":80,"state":"idle"})");
 }
 
-TEST_F(WritingTest, GivesTheDefaultsWhateverIsSet) {
+TEST_F(WritingTest, WritesTheDefaultsRegardlessOfTheValues) {
     Read(R"({"name": "x", "settings": {"enabled": true}, "channels": {"1": {}}})");
     Channels().Remove("1");
     EXPECT_EQ(Write(*root, Layer::Default),
               R"({"name":"server","settings":{"enabled":false,"port":80,"state":"idle"},"channels":{}})");
 }
 
-TEST_F(WritingTest, LeavesOutAnOptionalCollectionWithoutEntries) {
+TEST_F(WritingTest, OmitsAnEmptyOptionalCollection) {
     root->Schema({Schema::Collection("zones", {}, "", schema::Option::Optional)});
     EXPECT_EQ(root->ToJson(Layer::Persisted).as_object().contains("zones"), false);
     At<node::Dynamic>("zones").Add("a");

@@ -5,7 +5,7 @@
 namespace zarn::meta::data {
 namespace {
 
-TEST(MetaChannel, TellsItsIdAndTypeName) {
+TEST(MetaChannel, ReturnsItsIdAndTypeName) {
     Channel const channel(4294967295U);
     EXPECT_EQ(channel.GetId(), 4294967295U);
     EXPECT_STREQ(channel.GetTypeName(), "zarn.meta.data.Channel");

@@ -48,7 +48,7 @@ TEST(MetaContainer, GivesAnObjectByItsTypeAndItsBasesAlone) {
     EXPECT_EQ(container.First<ObjectBase>()->GetId(), 3U);
 }
 
-TEST(MetaContainer, GivesTheFirstOfAType) {
+TEST(MetaContainer, ReturnsTheFirstOfAType) {
     Container container;
     container.Emplace<Zone>(Zone::Field);
     auto const& first = container.Emplace<Channel>(7U);

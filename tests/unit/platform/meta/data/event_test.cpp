@@ -11,7 +11,7 @@ namespace {
 
 using Time = std::chrono::system_clock::time_point;
 
-TEST(MetaEvent, TellsItsRuleAndItsStart) {
+TEST(MetaEvent, ReturnsItsTypeRuleAndStart) {
     Time const start(std::chrono::nanoseconds(1'769'860'800'250'000'001));
     Event const event("presence", "Gate rule", start);
     EXPECT_EQ(event.GetType(), "presence");
@@ -27,7 +27,7 @@ TEST(MetaEvent, IsAContainerWithItsOwnTypeName) {
     EXPECT_FALSE(event.Is<Object>());
 }
 
-TEST(MetaEvent, HoldsWhatItConcerns) {
+TEST(MetaEvent, ContainsItsDetails) {
     Event event("count", "", Time());
     event.Emplace<Channel>(1U);
     event.Emplace<Zone>(Zone::Field);

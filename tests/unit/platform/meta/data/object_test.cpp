@@ -7,7 +7,7 @@
 namespace zarn::meta::data {
 namespace {
 
-TEST(MetaObject, TellsItsId) { EXPECT_EQ(Object(4294967295U).GetId(), 4294967295U); }
+TEST(MetaObject, ReturnsItsId) { EXPECT_EQ(Object(4294967295U).GetId(), 4294967295U); }
 
 TEST(MetaObject, IsAnObjectBaseWithItsOwnTypeName) {
     Object const object(1);
@@ -17,7 +17,7 @@ TEST(MetaObject, IsAnObjectBaseWithItsOwnTypeName) {
     EXPECT_TRUE(object.Is<Container>());
 }
 
-TEST(MetaObject, IsNoPlainObjectOfTheTypeSystem) {
+TEST(MetaObject, HasADifferentTypeFromTheBaseObject) {
     EXPECT_NE(Object(1).GetTypeHash(), type::Hash(object::Object::TypeName));
 }
 

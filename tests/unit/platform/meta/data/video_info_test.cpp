@@ -5,7 +5,7 @@
 namespace zarn::meta::data {
 namespace {
 
-TEST(VideoInfo, KnowsNothingByDefault) {
+TEST(VideoInfo, IsUnknownByDefault) {
     VideoInfo const info;
     EXPECT_EQ(info.GetResolution(), std::pair(0U, 0U));
     EXPECT_EQ(info.GetCodec(), "");
@@ -13,7 +13,7 @@ TEST(VideoInfo, KnowsNothingByDefault) {
     EXPECT_EQ(info.GetFrameRateDenominator(), 1);
 }
 
-TEST(VideoInfo, GivesWhatItIsMadeOf) {
+TEST(VideoInfo, ReturnsItsMembers) {
     VideoInfo const info({1920, 1080}, "video/x-h264", 30000, 1001);
     EXPECT_EQ(info.GetResolution(), std::pair(1920U, 1080U));
     EXPECT_EQ(info.GetCodec(), "video/x-h264");
@@ -21,7 +21,7 @@ TEST(VideoInfo, GivesWhatItIsMadeOf) {
     EXPECT_EQ(info.GetFrameRateDenominator(), 1001);
 }
 
-TEST(VideoInfo, EqualsInEveryMemberOnly) {
+TEST(VideoInfo, IsEqualOnlyInEveryMember) {
     VideoInfo const info({640, 480}, "a", 30, 1);
     EXPECT_EQ(info, VideoInfo({640, 480}, "a", 30, 1));
     EXPECT_NE(info, VideoInfo({641, 480}, "a", 30, 1));

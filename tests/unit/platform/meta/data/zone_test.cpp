@@ -5,7 +5,7 @@
 namespace zarn::meta::data {
 namespace {
 
-TEST(MetaZone, TellsItsTypeAndTypeName) {
+TEST(MetaZone, ReturnsItsTypeAndTypeName) {
     EXPECT_EQ(Zone(Zone::Field).GetType(), 0U);
     EXPECT_EQ(Zone(Zone::Line).GetType(), 1U);
     EXPECT_STREQ(Zone(Zone::Line).GetTypeName(), "zarn.meta.data.Zone");

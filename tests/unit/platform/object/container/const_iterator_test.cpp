@@ -16,7 +16,7 @@ std::shared_ptr<Elements const> Make(Elements elements) {
     return std::make_shared<Elements const>(std::move(elements));
 }
 
-TEST(ConstIterator, GivesTheElementsInTheirOrder) {
+TEST(ConstIterator, ReturnsTheElementsInOrder) {
     Elements seen;
     for (Iterator element(Make({"a", "b", "c"})); element != Iterator(); ++element) seen.push_back(*element);
     EXPECT_THAT(seen, testing::ElementsAre("a", "b", "c"));
@@ -27,7 +27,7 @@ TEST(ConstIterator, IsAtTheEndWhenThereIsNothing) {
     EXPECT_EQ(Iterator(nullptr), Iterator());
 }
 
-TEST(ConstIterator, KeepsWhatItWalksOverAlive) {
+TEST(ConstIterator, KeepsItsContainerAliveUntilTheEnd) {
     auto elements = Make({"a"});
     std::weak_ptr<Elements const> const weak = elements;
     Iterator element(std::move(elements));
@@ -37,7 +37,7 @@ TEST(ConstIterator, KeepsWhatItWalksOverAlive) {
     EXPECT_TRUE(weak.expired());
 }
 
-TEST(ConstIterator, GivesTheElementBeforeWhenIncreasedBehind) {
+TEST(ConstIterator, ReturnsThePreviousElementOnPostIncrement) {
     Iterator element(Make({"a", "b"}));
     EXPECT_EQ(*element++, "a");
     EXPECT_EQ(*element, "b");

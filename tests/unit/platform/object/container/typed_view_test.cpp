@@ -18,7 +18,7 @@ std::vector<int> Values(TypedView<Int> const& view) {
     return values;
 }
 
-TEST(TypedView, GivesTheObjectsOfItsTypeInTheirOrder) {
+TEST(TypedView, ReturnsTheObjectsOfItsTypeInOrder) {
     Elements const elements{std::make_shared<Text>("a"), std::make_shared<Int>(3), std::make_shared<Text>("b"),
                             std::make_shared<Int>(1),    std::make_shared<Int>(3), std::make_shared<Text>("c")};
     EXPECT_THAT(Values(TypedView<Int>(elements)), testing::ElementsAre(3, 1, 3));
@@ -32,7 +32,7 @@ TEST(TypedView, IsEmptyWhenNoObjectIsOfItsType) {
     EXPECT_FALSE(TypedView<Text>(elements).empty());
 }
 
-TEST(TypedView, GivesTheObjectsThemselves) {
+TEST(TypedView, ReturnsReferencesToTheObjects) {
     auto const text = std::make_shared<Text>("a");
     Elements const elements{text};
     EXPECT_EQ(&*TypedView<Text>(elements).begin(), text.get());

@@ -27,7 +27,7 @@ TEST(MakeEndpoint, StaysTheSameForEver) {
     EXPECT_EQ(MakeEndpoint(Known), "urn:uuid:3a3bdbf9-ff97-5d91-aeae-7375ffb9f612");
 }
 
-TEST(MakeEndpoint, GoesByTheFirstIdentityThatIsThere) {
+TEST(MakeEndpoint, UsesTheFirstAvailableIdentity) {
     auto other = Known;
     other.hardwareAddress = "00:00:00:00:00:01";
     other.hostname = "yard";
@@ -49,7 +49,7 @@ TEST(MakeEndpoint, DiffersBetweenMachines) {
     EXPECT_EQ(endpoints.size(), 8U);
 }
 
-TEST(MakeEndpoint, DoesNotShowWhatItIsMadeOf) {
+TEST(MakeEndpoint, DoesNotRevealItsInput) {
     EXPECT_THAT(MakeEndpoint(Known), testing::Not(testing::HasSubstr("01234567")));
     EXPECT_THAT(MakeEndpoint({"", "aa:bb:cc:dd:ee:ff", ""}), testing::Not(testing::HasSubstr("ddeeff")));
 }
@@ -62,21 +62,21 @@ std::string Choose(std::vector<std::string> const& addresses) {
     return ChooseHardwareAddress(interfaces);
 }
 
-TEST(ChooseHardwareAddress, TakesTheLowest) {
+TEST(ChooseHardwareAddress, ChoosesTheLowest) {
     EXPECT_EQ(Choose({"a4:bb:cc:dd:ee:ff", "94:bb:cc:dd:ee:f1", "94:bb:cc:dd:ee:f2"}), "94:bb:cc:dd:ee:f1");
 }
 
-TEST(ChooseHardwareAddress, PrefersWhatAManufacturerGave) {
+TEST(ChooseHardwareAddress, PrefersAManufacturerAssignedAddress) {
     EXPECT_EQ(Choose({"02:42:ac:11:00:02", "a4:bb:cc:dd:ee:ff", "0e:00:00:00:00:01"}), "a4:bb:cc:dd:ee:ff");
     EXPECT_EQ(Choose({"fe:00:00:00:00:01", "02:42:ac:11:00:02"}), "02:42:ac:11:00:02");
 }
 
-TEST(ChooseHardwareAddress, PassesOverWhatIsNone) {
+TEST(ChooseHardwareAddress, IgnoresInvalidAddresses) {
     EXPECT_EQ(Choose({}), "");
     EXPECT_EQ(Choose({"", "00:00:00:00", "00:00:00:00:00:00", "0a:01:00:02"}), "");
 }
 
-TEST(ReadMachine, FindsSomethingThatTellsThisMachineApart) {
+TEST(ReadMachine, FindsAnIdentityOfThisMachine) {
     auto const machine = ReadMachine();
     EXPECT_TRUE(machine.id.empty() || machine.id.size() == 32U);
     EXPECT_FALSE(machine.id.empty() && machine.hardwareAddress.empty() && machine.hostname.empty());

@@ -102,7 +102,7 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"TagInAttribute", With("<x a='<y/>'/>").ToString()}, Case{"SectionEndInText", With("a]]>b").ToString()}),
     [](auto const& each) { return std::string(each.param.name); });
 
-TEST(Request, TakesMessagesOf64KiB) {
+TEST(Request, AcceptsMessagesOf64KiB) {
     EXPECT_EQ(Request::MaximumSize, 65'536U);
     EXPECT_EQ(Request(OfSize(65'536)).GetMessageId(), test::ProbeId);
 }

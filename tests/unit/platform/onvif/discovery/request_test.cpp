@@ -31,7 +31,7 @@ TEST(DiscoveryRequest, ReadsAProbe) {
     EXPECT_EQ(request.GetAddress(), AnonymousRole);
 }
 
-TEST(DiscoveryRequest, TakesAProbeForEitherTypeOrNone) {
+TEST(DiscoveryRequest, AcceptsAProbeForEitherTypeOrNone) {
     for (auto const* types : {"dn:NetworkVideoTransmitter", "tds:Device", "dn:NetworkVideoTransmitter tds:Device",
                               "\n  tds:Device\t", "dn:Recorder tds:Device", "", "  \n "}) {
         EXPECT_TRUE(IsOurs(ProbeForTypes(types))) << types;
@@ -40,7 +40,7 @@ TEST(DiscoveryRequest, TakesAProbeForEitherTypeOrNone) {
     EXPECT_TRUE(IsOurs({.body = "<d:Probe><d:Types/><d:Scopes/></d:Probe>"}));
 }
 
-TEST(DiscoveryRequest, LeavesAProbeForOtherTypes) {
+TEST(DiscoveryRequest, IgnoresAProbeForOtherTypes) {
     for (auto const* types :
          {"dn:NetworkVideoDisplay", "tds:NetworkVideoTransmitter", "dn:Device", "d:Device", "tds:device", "Device",
           ":Device", "unknown:Device", "tds:", "tds:Device:x", "http://www.onvif.org/ver10/device/wsdl:Device"}) {
@@ -48,7 +48,7 @@ TEST(DiscoveryRequest, LeavesAProbeForOtherTypes) {
     }
 }
 
-TEST(DiscoveryRequest, LooksAtABoundedNumberOfTypes) {
+TEST(DiscoveryRequest, ReadsAtMost64Types) {
     auto const asTypeNumber = [](std::size_t number) {
         std::string types;
         for (std::size_t i = 1; i < number; ++i) types += "dn:Recorder ";
@@ -59,7 +59,7 @@ TEST(DiscoveryRequest, LooksAtABoundedNumberOfTypes) {
     EXPECT_EQ(ReadId(asTypeNumber(65)), "");
 }
 
-TEST(DiscoveryRequest, ResolvesTypesWhereTheyStand) {
+TEST(DiscoveryRequest, ResolvesTypePrefixesInScope) {
     auto const probe = [](std::string const& attributes, std::string const& types) {
         return Probe{.body = "<d:Probe><d:Types " + attributes + ">" + types + "</d:Types></d:Probe>"};
     };
@@ -69,7 +69,7 @@ TEST(DiscoveryRequest, ResolvesTypesWhereTheyStand) {
     EXPECT_FALSE(IsOurs(probe("tds='http://www.onvif.org/ver10/device/wsdl'", "Device")));
 }
 
-TEST(DiscoveryRequest, GoesByNamespacesNotByPrefixes) {
+TEST(DiscoveryRequest, ComparesNamespacesInsteadOfPrefixes) {
     Request const request(
         "<Envelope xmlns='http://www.w3.org/2003/05/soap-envelope'><Header>"
         "<MessageID xmlns='http://schemas.xmlsoap.org/ws/2004/08/addressing'>urn:1</MessageID></Header>"
@@ -80,7 +80,7 @@ TEST(DiscoveryRequest, GoesByNamespacesNotByPrefixes) {
     EXPECT_EQ(ReadId({.addressing = "urn:other"}), "");
 }
 
-TEST(DiscoveryRequest, TakesTheNewerAddressingHeaders) {
+TEST(DiscoveryRequest, AcceptsAddressingHeadersOf2005) {
     Request const request(Probe{.addressing = "http://www.w3.org/2005/08/addressing",
                                 .replyTo = "<a:ReplyTo><a:Address>urn:me</a:Address></a:ReplyTo>"}
                               .ToString());
@@ -88,7 +88,7 @@ TEST(DiscoveryRequest, TakesTheNewerAddressingHeaders) {
     EXPECT_EQ(request.GetAddress(), "urn:me");
 }
 
-TEST(DiscoveryRequest, LeavesOtherMessages) {
+TEST(DiscoveryRequest, IgnoresOtherMessages) {
     for (auto const* name : {"Hello", "Bye", "Resolve", "ProbeMatches", "ResolveMatches", "probe"}) {
         auto const element = std::string("<d:") + name + "/>";
         EXPECT_EQ(ReadId({.action = "", .body = element}), "") << name;
@@ -98,9 +98,9 @@ TEST(DiscoveryRequest, LeavesOtherMessages) {
     EXPECT_EQ(ReadId({.body = "<x><d:Probe/></x>"}), "");
 }
 
-TEST(DiscoveryRequest, TakesAProbeWithoutAction) { EXPECT_TRUE(IsOurs({.action = ""})); }
+TEST(DiscoveryRequest, AcceptsAProbeWithoutAction) { EXPECT_TRUE(IsOurs({.action = ""})); }
 
-TEST(DiscoveryRequest, LeavesAProbeWithoutMessageId) {
+TEST(DiscoveryRequest, IgnoresAProbeWithoutMessageId) {
     EXPECT_EQ(ReadId({.id = ""}), "");
     EXPECT_EQ(ReadId({.id = "<a:MessageID> </a:MessageID>"}), "");
 }
@@ -121,13 +121,13 @@ TEST(DiscoveryRequest, ReadsTheAddressOfReplyTo) {
     EXPECT_EQ(read("<a:From><a:Address>urn:from</a:Address></a:From>"), AnonymousRole);
 }
 
-TEST(DiscoveryRequest, ReadsTheAddressOfAMessageThatIsNotForUs) {
+TEST(DiscoveryRequest, ReadsTheAddressOfAnIgnoredMessage) {
     Request const request(
         Probe{.replyTo = "<a:ReplyTo><a:Address>urn:me</a:Address></a:ReplyTo>", .body = ""}.ToString());
     EXPECT_EQ(request.GetAddress(), "urn:me");
 }
 
-TEST(DiscoveryRequest, TakesAProbeForScopesThatThisDeviceMayHave) {
+TEST(DiscoveryRequest, AcceptsOnlyAProbeForScopesTheDeviceMayHave) {
     EXPECT_TRUE(IsOurs(ProbeForScopes("onvif://www.onvif.org/Profile/Streaming\n onvif://www.onvif.org/name/Gate")));
     EXPECT_FALSE(IsOurs(ProbeForScopes("onvif://www.onvif.org/Profile/G")));
     EXPECT_FALSE(IsOurs(ProbeForScopes("onvif://www.onvif.org/type", "MatchBy='urn:other'")));

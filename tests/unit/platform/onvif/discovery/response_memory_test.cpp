@@ -8,7 +8,7 @@
 namespace zarn::onvif::discovery {
 namespace {
 
-TEST(DiscoveryResponse, IsNotValidWithoutMemoryForAllOfIt) {
+TEST(DiscoveryResponse, IsInvalidWhenAnyAllocationFails) {
     utilities::name::Config const identity(
         {"Maker of many things", "Model with a long name", "1.0", "rack", "Cellar below the house", "Door camera"});
     std::string const text(100'000, 'x');

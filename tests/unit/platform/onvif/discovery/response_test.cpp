@@ -49,18 +49,18 @@ public:
     pugi::xml_document document;
 };
 
-TEST(DiscoveryResponse, IsNotValidUnlessMade) {
+TEST(DiscoveryResponse, IsInvalidByDefault) {
     Response const response;
     EXPECT_FALSE(response.IsValid());
     EXPECT_EQ(response.GetXML(), "");
 }
 
-TEST(DiscoveryResponse, IsNotValidWithoutAProbeToAnswer) {
+TEST(DiscoveryResponse, IsInvalidWithoutAProbe) {
     EXPECT_FALSE(MakeResponse("").IsValid());
     EXPECT_TRUE(MakeResponse("x").IsValid());
 }
 
-TEST(DiscoveryResponse, IsNotValidWithTextsThatXmlCannotCarry) {
+TEST(DiscoveryResponse, IsInvalidWithCharactersInvalidInXml) {
     for (auto const* text : {"a\x01", "Gr\xfcn", "a\nb", "\xed\xa0\x80", "\x7f"}) {
         EXPECT_FALSE(MakeResponse(text).IsValid());
         EXPECT_FALSE(MakeResponse("x", text).IsValid());
@@ -74,7 +74,7 @@ TEST(DiscoveryResponse, RelatesToTheProbe) {
     EXPECT_EQ(answer.ReadHeader("wsa:Action"), "http://schemas.xmlsoap.org/ws/2005/04/discovery/ProbeMatches");
 }
 
-TEST(DiscoveryResponse, TellsWhatTheDeviceIs) {
+TEST(DiscoveryResponse, DescribesTheDevice) {
     Answer const answer(MakeResponse());
     EXPECT_EQ(answer.ReadMatch("wsa:EndpointReference/wsa:Address"), GetEndpoint());
     EXPECT_EQ(answer.ReadMatch("d:Types"), "dn:NetworkVideoTransmitter tds:Device");
@@ -82,7 +82,7 @@ TEST(DiscoveryResponse, TellsWhatTheDeviceIs) {
     EXPECT_EQ(answer.ReadMatch("d:MetadataVersion"), "1");
 }
 
-TEST(DiscoveryResponse, HasTheOrderOfTheSchemaAndOneMatch) {
+TEST(DiscoveryResponse, HasOneMatchInSchemaOrder) {
     Answer const answer(MakeResponse());
     std::vector<std::string> names;
     for (auto const each : answer.Find("//d:ProbeMatch").children()) names.emplace_back(each.name());
@@ -101,7 +101,7 @@ TEST(DiscoveryResponse, DeclaresItsPrefixes) {
     EXPECT_STREQ(envelope.attribute("xmlns:tds").value(), "http://www.onvif.org/ver10/device/wsdl");
 }
 
-TEST(DiscoveryResponse, GivesTheOwnAddressWithPortAndScheme) {
+TEST(DiscoveryResponse, ReportsItsOwnAddressWithPortAndScheme) {
     auto const own = network::GetLocalIPAddress().to_string();
     auto const read = [](unsigned short port, bool ssl) {
         return Answer(MakeResponse("x", "http://192.0.2.1:1/elsewhere", port, ssl)).ReadMatch("d:XAddrs");
@@ -111,14 +111,14 @@ TEST(DiscoveryResponse, GivesTheOwnAddressWithPortAndScheme) {
     EXPECT_EQ(read(0, false), "http://" + own + ":0/onvif/device_service");
 }
 
-TEST(DiscoveryResponse, EscapesWhatComesFromOutside) {
+TEST(DiscoveryResponse, EscapesTextOfTheProbe) {
     std::string const hostile = R"(</wsa:RelatesTo><x a='"'>&amp;]]>)";
     Answer const answer(MakeResponse(hostile, hostile + "2"));
     EXPECT_EQ(answer.ReadHeader("wsa:RelatesTo"), hostile);
     EXPECT_EQ(answer.ReadHeader("wsa:To"), hostile + "2");
 }
 
-TEST(DiscoveryResponse, CarriesEveryLanguage) {
+TEST(DiscoveryResponse, SupportsTextInAnyLanguage) {
     EXPECT_EQ(Answer(MakeResponse("Gr\xc3\xbcn")).ReadHeader("wsa:RelatesTo"), "Gr\xc3\xbcn");
 }
 
@@ -141,7 +141,7 @@ TEST(DiscoveryResponse, CountsItsMessages) {
     EXPECT_GT(instance, 1'600'000'000U); // seconds since 1970: more after a restart
 }
 
-TEST(DiscoveryResponse, IsAMessageThatTheRequestUnderstandsButDoesNotAnswer) {
+TEST(DiscoveryResponse, IsParsedButIgnoredAsARequest) {
     Request const request(MakeResponse().GetXML());
     EXPECT_FALSE(request.IsParseError());
     EXPECT_EQ(request.GetMessageId(), "");

@@ -18,7 +18,7 @@ bool MayMatch(std::string_view scope, std::string_view matchBy = "") {
     return MayMatchScopes(std::array{scope}, matchBy);
 }
 
-TEST(MakeScopes, HasTheScopesOfTheDeviceInTheirOrder) {
+TEST(MakeScopes, ReturnsTheScopesOfTheDeviceInOrder) {
     Config const config(
         {.manufacturer = "Zarn", .model = "", .firmware = "", .hardware = "Z1", .location = "Hall", .name = "Gate"});
     EXPECT_EQ(MakeScopes(config), "onvif://www.onvif.org/Profile/Streaming onvif://www.onvif.org/Profile/M "
@@ -27,7 +27,7 @@ TEST(MakeScopes, HasTheScopesOfTheDeviceInTheirOrder) {
                                   "onvif://www.onvif.org/location/Hall onvif://www.onvif.org/name/Gate");
 }
 
-TEST(MakeScopes, EncodesWhatSeparatesScopesOrIsNoUri) {
+TEST(MakeScopes, EncodesSeparatorsAndNonUriCharacters) {
     Config const config({.manufacturer = "A & B\n<c>",
                          .model = "",
                          .firmware = "",
@@ -40,7 +40,7 @@ TEST(MakeScopes, EncodesWhatSeparatesScopesOrIsNoUri) {
         << text;
 }
 
-TEST(ListScopes, HasTheTextsOfTheIdentityAsTheyAre) {
+TEST(ListScopes, KeepsTheIdentityUnencoded) {
     Config const config({.manufacturer = "A & B",
                          .model = "",
                          .firmware = "",
@@ -59,7 +59,7 @@ TEST(MakeScopes, KeepsTheCategoriesOfAnEmptyIdentity) {
     EXPECT_TRUE(MakeScopes(Config()).ends_with("onvif://www.onvif.org/location/ onvif://www.onvif.org/name/"));
 }
 
-TEST(MayMatchScopes, ComparesWholeSegmentsFromTheBeginning) {
+TEST(MayMatchScopes, ComparesLeadingPathSegments) {
     for (auto const* scope : {"onvif://www.onvif.org/type/video_encoder", "onvif://www.onvif.org/type",
                               "onvif://www.onvif.org/type/", "onvif://www.onvif.org/Profile", "onvif://www.onvif.org",
                               "onvif://www.onvif.org/", "ONVIF://WWW.onvif.ORG/Profile/M",
@@ -77,7 +77,7 @@ TEST(MayMatchScopes, ComparesWholeSegmentsFromTheBeginning) {
     }
 }
 
-TEST(MayMatchScopes, LeavesTheIdentityToTheClient) {
+TEST(MayMatchScopes, AcceptsAnyValueOfTheIdentity) {
     for (auto const* category : {"hardware", "manufacturer", "location", "name"}) {
         auto const scope = std::string("onvif://www.onvif.org/") + category;
         EXPECT_TRUE(MayMatch(scope));
@@ -86,7 +86,7 @@ TEST(MayMatchScopes, LeavesTheIdentityToTheClient) {
     }
 }
 
-TEST(MayMatchScopes, KnowsTheRulesByName) {
+TEST(MayMatchScopes, SupportsOnlyTheKnownRules) {
     std::string const rules = "http://schemas.xmlsoap.org/ws/2005/04/discovery/";
     for (auto const* rule : {"rfc3986", "rfc2396"}) EXPECT_TRUE(MayMatch("onvif://www.onvif.org/type", rules + rule));
     for (auto const* rule : {"ldap", "uuid", "none", ""}) {
@@ -106,7 +106,7 @@ TEST(MayMatchScopes, ComparesTheWholeTextByTheExactRule) {
     }
 }
 
-TEST(MayMatchScopes, WantsEveryScope) {
+TEST(MayMatchScopes, RequiresEveryScope) {
     std::string_view const has = "onvif://www.onvif.org/Profile/M";
     std::string_view const lacks = "onvif://www.onvif.org/Profile/G";
     EXPECT_TRUE(MayMatchScopes({}, ""));

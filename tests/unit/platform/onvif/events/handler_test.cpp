@@ -26,7 +26,7 @@ EventPointer MakeEvent(std::string const& type = "presence") {
     return std::make_shared<meta::data::Event>(type, "", std::chrono::system_clock::time_point());
 }
 
-TEST(EventHandler, GetsEveryEventOnTheThreadThatPublishesIt) {
+TEST(EventHandler, GetsEveryEventOnThePublishingThread) {
     std::vector<EventPointer> received;
     auto const binding = RegisterHandler([&, thread = std::this_thread::get_id()](EventPointer event) {
         EXPECT_EQ(std::this_thread::get_id(), thread);
@@ -40,7 +40,7 @@ TEST(EventHandler, GetsEveryEventOnTheThreadThatPublishesIt) {
     EXPECT_THAT(received, ElementsAre(first, second, first));
 }
 
-TEST(EventHandler, IsBoundWhileItsBindingLives) {
+TEST(EventHandler, IsCalledWhileItsBindingExists) {
     int calls = 0;
     auto binding = RegisterHandler([&](EventPointer const&) { ++calls; });
     EXPECT_TRUE(binding);
@@ -93,7 +93,7 @@ TEST(EventHandler, NeverGetsANullEvent) {
     EXPECT_EQ(calls, 0);
 }
 
-TEST(EventHandler, ThatThrowsIsLoggedAndHarmsNoOther) {
+TEST(EventHandler, ThatThrowsIsLoggedAndAffectsNoOther) {
     logging::Capture const capture;
     int calls = 0;
     auto const first = RegisterHandler([](EventPointer const&) { throw std::runtime_error("broken"); });
@@ -106,7 +106,7 @@ TEST(EventHandler, ThatThrowsIsLoggedAndHarmsNoOther) {
     EXPECT_TRUE(capture.Contains("An event handler threw: an exception of unknown type"));
 }
 
-TEST(EventHandler, ThatThrowsAlwaysIsLoggedOnceASecond) {
+TEST(EventHandler, ThatAlwaysThrowsIsLoggedOnceASecond) {
     logging::Capture const capture;
     auto const binding = RegisterHandler([](EventPointer const&) { throw std::runtime_error("broken"); });
     auto const start = std::chrono::steady_clock::now();
@@ -178,7 +178,7 @@ TEST(EventHandler, RegisteredByAnotherGetsTheNextEvent) {
     EXPECT_EQ(calls, 1);
 }
 
-TEST(EventHandler, IsWaitedForByTheReleaseOnAnotherThread) {
+TEST(EventHandler, BlocksItsReleaseOnAnotherThread) {
     std::promise<void> running;
     std::promise<void> gate;
     std::atomic<bool> ended = false;
@@ -236,7 +236,7 @@ TEST(EventHandler, RunsInSeveralThreadsAtOnce) {
     EXPECT_EQ(inside, 3);
 }
 
-TEST(EventHandler, GetsTheEventsOfAThreadInTheirOrder) {
+TEST(EventHandler, GetsTheEventsOfAThreadInOrder) {
     std::vector<std::vector<std::string>> received(4);
     std::vector<std::vector<std::string>> published(4);
     thread_local std::size_t publisher = 0;

@@ -13,7 +13,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using Status = SubscriptionStatus;
 
-TEST(SubscriptionGauge, IsShownWhileItLives) {
+TEST(SubscriptionGauge, IsListedWhileItExists) {
     EXPECT_THAT(GetSubscriptions(), IsEmpty());
     {
         SubscriptionGauge const gauge(7);
@@ -22,14 +22,14 @@ TEST(SubscriptionGauge, IsShownWhileItLives) {
     EXPECT_THAT(GetSubscriptions(), IsEmpty());
 }
 
-TEST(SubscriptionGauge, ShowsTheNumberThatItWasToldLast) {
+TEST(SubscriptionGauge, ReportsTheLatestNumber) {
     SubscriptionGauge gauge(1);
     gauge.SetQueued(3);
     gauge.SetQueued(2);
     EXPECT_THAT(GetSubscriptions(), ElementsAre(Status{1, 2}));
 }
 
-TEST(SubscriptionGauge, IsShownInTheOrderOfItsMaking) {
+TEST(SubscriptionGauge, IsListedInCreationOrder) {
     std::optional<SubscriptionGauge> first(3);
     SubscriptionGauge const second(1);
     SubscriptionGauge const third(2);
@@ -38,7 +38,7 @@ TEST(SubscriptionGauge, IsShownInTheOrderOfItsMaking) {
     EXPECT_THAT(GetSubscriptions(), ElementsAre(Status{1, 0}, Status{2, 0}));
 }
 
-TEST(SubscriptionGauge, IsReadWhileOthersComeAndGo) {
+TEST(SubscriptionGauge, CanBeReadDuringConcurrentChanges) {
     std::atomic<bool> over = false;
     std::thread client([&] {
         for (std::int32_t id = 0; !over; ++id) {

@@ -69,7 +69,7 @@ protected:
     bindings::Context const context = bindings::MakeContext();
 };
 
-TEST_F(ConvertMeta, PutsThePictureBetweenMinusOneAndOneWithYUpwards) {
+TEST_F(ConvertMeta, MapsThePictureToMinusOneToOneWithYUpwards) {
     EXPECT_THAT(Rectangle({{0, 0}, {1, 1}}), ElementsAre(-1, 1, 1, -1));
     EXPECT_THAT(Rectangle({{0.25, 0.125}, {0.75, 0.5}}), ElementsAre(-0.5, 0.75, 0.5, 0));
 }
@@ -79,7 +79,7 @@ TEST_F(ConvertMeta, RoundsPlacesToTheNearestFloat) {
     EXPECT_THAT(Rectangle({{0.1, 0.3}, {0.7, 0.9}}), ElementsAre(-0.8F, 0.4F, 0.4F, -0.8F));
 }
 
-TEST_F(ConvertMeta, PutsTheCornersAndTheCentreOfThePictureExactly) {
+TEST_F(ConvertMeta, MapsCornersAndCentreExactly) {
     EXPECT_THAT(Vector({0, 0}), Pair(-1, 1));
     EXPECT_THAT(Vector({1, 0}), Pair(1, 1));
     EXPECT_THAT(Vector({0, 1}), Pair(-1, -1));
@@ -90,7 +90,7 @@ TEST_F(ConvertMeta, PutsTheCornersAndTheCentreOfThePictureExactly) {
     EXPECT_FALSE(std::signbit(x) || std::signbit(y)); // or it would be written as "-0"
 }
 
-TEST_F(ConvertMeta, MovesWhatLiesBeyondThePictureToItsEdge) {
+TEST_F(ConvertMeta, ClampsCoordinatesOutsideThePicture) {
     EXPECT_THAT(Rectangle({{-0.5, -2}, {0.5, 1.5}}), ElementsAre(-1, 1, 0, -1));
     EXPECT_THAT(Rectangle({{1.5, 2}, {1e308, 1e308}}), ElementsAre(1, -1, 1, -1));
     EXPECT_THAT(Vector({-1e308, 1.0001}), Pair(-1, -1));
@@ -111,7 +111,7 @@ TEST_F(ConvertMeta, KeepsTheObjectsInTheirOrderWithTheirNumbers) {
     EXPECT_THAT(Convert(context.get(), Meta(Epoch, {}))->Object, IsEmpty());
 }
 
-TEST_F(ConvertMeta, NamesTheClassesInTheWordsOfOnvif) {
+TEST_F(ConvertMeta, MapsClassesToOnvifNames) {
     EXPECT_THAT(Classes({Confidence("person", 0.75), Confidence("human", 0), Confidence("face", 1)}),
                 ElementsAre(Pair("Human", 0.75F), Pair("Human", 0), Pair("HumanFace", 1)));
     EXPECT_THAT(Classes({Confidence("animal"), Confidence("bicycle"), Confidence("bike"), Confidence("vehicle"),
@@ -125,13 +125,13 @@ TEST_F(ConvertMeta, KeepsTheNamesOfOtherClasses) {
                 ElementsAre(Pair("Gabelstapler <Süd>", 0.5F), Pair("Person", 1), Pair("", 1)));
 }
 
-TEST_F(ConvertMeta, TellsNeitherClassNorColourWhenNoneIsKnown) {
+TEST_F(ConvertMeta, OmitsUnknownClassAndColour) {
     auto const& appearance = Appearance(Unknown());
     EXPECT_THAT(appearance.Class, IsNull());
     EXPECT_THAT(appearance.Color, IsNull());
 }
 
-TEST_F(ConvertMeta, TellsTheColourAsRgb) {
+TEST_F(ConvertMeta, WritesTheColourAsRgb) {
     auto object = Unknown();
     object.color = zarn::meta::Color{.red = 255, .green = 1, .blue = 0};
     auto const& clusters = Appearance(object).Color->ColorCluster;
@@ -160,7 +160,7 @@ TEST_F(ConvertMeta, WritesTheWholeSample) {
               R"(<tt:Type Likelihood="0.125">Bicycle</tt:Type></tt:Class></tt:Appearance></tt:Object></tt:Frame>)");
 }
 
-TEST_F(ConvertMeta, LeavesOutWhatThereIsNoMemoryFor) {
+TEST_F(ConvertMeta, OmitsMembersWithoutMemory) {
     auto const sample = zarn::meta::data::GetSampleMeta();
     {
         test::FailingNothrowNew const failing(0);
@@ -178,7 +178,7 @@ TEST_F(ConvertMeta, LeavesOutWhatThereIsNoMemoryFor) {
     EXPECT_THAT(Convert(context.get(), sample)->Object, SizeIs(2));
 }
 
-TEST_F(ConvertMeta, TellsNoColourWithoutItsColourSpace) {
+TEST_F(ConvertMeta, OmitsAColourWithoutItsColourSpace) {
     auto object = Unknown();
     object.color = zarn::meta::Color{.red = 1, .green = 2, .blue = 3};
     Meta const frame(Epoch, {object});

@@ -25,7 +25,7 @@ void ExpectTexts(Config const& config) {
     EXPECT_EQ(config.GetProductName(), "Gr\xc3\xbcn");
 }
 
-TEST(Config, GivesEachText) { ExpectTexts(Make()); }
+TEST(Config, ReturnsEachText) { ExpectTexts(Make()); }
 
 TEST(Config, IsEmptyByDefault) {
     Config const config;
@@ -33,7 +33,7 @@ TEST(Config, IsEmptyByDefault) {
     EXPECT_EQ(config.GetProductName(), "");
 }
 
-TEST(Config, OutlivesWhatItWasCopiedFrom) {
+TEST(Config, OutlivesItsOriginal) {
     auto const copy = [] {
         auto const original = Make();
         return Config(original);

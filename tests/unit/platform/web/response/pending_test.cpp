@@ -19,7 +19,7 @@ TEST(Pending, KeepsStatusAndTimeout) {
     EXPECT_EQ(pending.GetTimeout(), std::chrono::milliseconds(70));
 }
 
-TEST(Pending, AsksAnewEachTime) {
+TEST(Pending, EvaluatesOnEveryPoll) {
     int asked = 0;
     Pending const pending(Status::Provisional,
                           [&asked] {
@@ -32,12 +32,12 @@ TEST(Pending, AsksAnewEachTime) {
     EXPECT_EQ(asked, 2);
 }
 
-TEST(Pending, LetsExceptionsThrough) {
+TEST(Pending, PropagatesExceptions) {
     Pending const pending(Status::Provisional, []() -> Pending::Data { throw std::out_of_range("gone"); }, {});
     EXPECT_THROW(pending.GetData(), std::out_of_range);
 }
 
-TEST(Pending, DataKeepsWhatItIsMadeOf) {
+TEST(Pending, DataKeepsItsMembers) {
     auto const chunk = std::make_shared<container::Buffer>("body");
     Pending::Data const data(Status::Ok, {{"A", "b"}}, {State::Complete, {chunk}});
     EXPECT_EQ(data.GetStatus(), Status::Ok);
@@ -52,7 +52,7 @@ TEST(Pending, StateHasTheValuesThatServicesUse) {
     EXPECT_EQ(static_cast<int>(State::NotReady), 1);
 }
 
-TEST(MakeComplete, IsCompleteWhenAskedRepeatedly) {
+TEST(MakeComplete, StaysCompleteWhenPolledRepeatedly) {
     auto const pending = MakeComplete(Status::NotFound, {{"A", "b"}}, "text");
     for (int count = 0; count < 2; ++count) {
         auto const data = pending->GetData();

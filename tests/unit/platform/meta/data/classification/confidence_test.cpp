@@ -8,21 +8,21 @@
 namespace zarn::meta::data::classification {
 namespace {
 
-TEST(MetaClassificationConfidence, TellsItsClassValueAndTypeName) {
+TEST(MetaClassificationConfidence, ReturnsItsClassValueAndTypeName) {
     Confidence const confidence("person", 0.75);
     EXPECT_EQ(confidence.GetClass(), "person");
     EXPECT_EQ(confidence.GetValue(), 0.75);
     EXPECT_STREQ(confidence.GetTypeName(), "zarn.meta.data.classification.Confidence");
 }
 
-TEST(MetaClassificationConfidence, IsSureByDefault) { EXPECT_EQ(Confidence("").GetValue(), 1); }
+TEST(MetaClassificationConfidence, IsFullByDefault) { EXPECT_EQ(Confidence("").GetValue(), 1); }
 
-TEST(MetaClassificationConfidence, GoesFromNoneToFull) {
+TEST(MetaClassificationConfidence, AcceptsValuesFromZeroToOne) {
     EXPECT_EQ(Confidence("", 0).GetValue(), 0);
     EXPECT_EQ(Confidence("", 1).GetValue(), 1);
 }
 
-TEST(MetaClassificationConfidence, RefusesWhatIsNoConfidence) {
+TEST(MetaClassificationConfidence, RefusesValuesOutsideZeroToOne) {
     EXPECT_THROW(Confidence("", -0.1), std::invalid_argument);
     EXPECT_THROW(Confidence("", 1.1), std::invalid_argument);
     EXPECT_THROW(Confidence("", std::numeric_limits<double>::quiet_NaN()), std::invalid_argument);

@@ -5,7 +5,7 @@
 namespace zarn::meta::data::classification {
 namespace {
 
-TEST(MetaClassificationName, TellsItsValueAndTypeName) {
+TEST(MetaClassificationName, ReturnsItsValueAndTypeName) {
     EXPECT_EQ(Name("Grün").GetValue(), "Grün");
     EXPECT_EQ(Name("").GetValue(), "");
     EXPECT_STREQ(Name("").GetTypeName(), "zarn.meta.data.classification.Name");

@@ -5,7 +5,7 @@
 namespace zarn::meta::data::count {
 namespace {
 
-TEST(MetaCountValue, TellsItsValueAndTypeName) {
+TEST(MetaCountValue, ReturnsItsValueAndTypeName) {
     EXPECT_EQ(Value(INT32_MIN).GetValue(), INT32_MIN);
     EXPECT_STREQ(Value(3).GetTypeName(), "zarn.meta.data.count.Value");
 }

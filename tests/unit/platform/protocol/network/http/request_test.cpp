@@ -16,7 +16,7 @@ std::string Write(std::string target, std::string body = {}, Fields fields = {},
     return std::move(stream).str();
 }
 
-TEST(HttpRequest, KeepsWhatItIsMadeOf) {
+TEST(HttpRequest, KeepsItsMembers) {
     Request const request(Method::Put, "/a", "body", {{"Host", "b"}});
     EXPECT_EQ(request.GetMethod(), Method::Put);
     EXPECT_EQ(request.GetTarget(), "/a");
@@ -34,7 +34,7 @@ TEST(HttpRequest, IsWrittenAsOneMessage) {
               "<x/>");
 }
 
-TEST(HttpRequest, CarriesAContentLengthWithoutABodyToo) {
+TEST(HttpRequest, HasAContentLengthEvenWithoutABody) {
     EXPECT_EQ(Write("/", {}, {}, Method::Get), "GET / HTTP/1.1\r\nContent-Length: 0\r\n\r\n");
 }
 
@@ -48,12 +48,12 @@ TEST(HttpRequest, KeepsBinaryBodies) {
     EXPECT_EQ(Write("/", body), "POST / HTTP/1.1\r\nContent-Length: 4\r\n\r\n" + body);
 }
 
-TEST(HttpRequest, LetsATargetNotEndItsLine) {
+TEST(HttpRequest, EncodesLineBreaksInATarget) {
     EXPECT_EQ(Write("/a HTTP/1.1\r\nX: y\r\n\r\n"),
               "POST /a%20HTTP/1.1%0D%0AX:%20y%0D%0A%0D%0A HTTP/1.1\r\nContent-Length: 0\r\n\r\n");
 }
 
-TEST(HttpRequest, EncodesOtherBytesOfATargetThatNoUriHas) {
+TEST(HttpRequest, EncodesOtherInvalidBytesInATarget) {
     EXPECT_EQ(Write(std::string("/\0\t\x7f\xc3\xbc", 6)),
               "POST /%00%09%7F%C3%BC HTTP/1.1\r\nContent-Length: 0\r\n\r\n");
 }
@@ -66,12 +66,12 @@ TEST(HttpRequest, WritesAnEmptyTargetAsTheRoot) {
     EXPECT_EQ(Write(""), "POST / HTTP/1.1\r\nContent-Length: 0\r\n\r\n");
 }
 
-TEST(HttpRequest, LetsAValueNotEndItsLine) {
+TEST(HttpRequest, ReplacesLineBreaksInAValue) {
     EXPECT_EQ(Write("/", {}, {{"A", std::string("1\r\nB: 2\0", 8)}}),
               "POST / HTTP/1.1\r\nA: 1  B: 2 \r\nContent-Length: 0\r\n\r\n");
 }
 
-TEST(HttpRequest, LeavesOutFieldsWhoseNameIsNoToken) {
+TEST(HttpRequest, OmitsFieldsWithAnInvalidName) {
     for (auto const* const name : {"", "A B", "A:", "A\r\nB", "A\tB", "A(", "\xc3\xbc", "A\x7f"}) {
         EXPECT_EQ(Write("/", {}, {{name, "1"}}), "POST / HTTP/1.1\r\nContent-Length: 0\r\n\r\n") << name;
     }

@@ -30,18 +30,18 @@ TEST(HttpResponse, YieldsStatusFieldsAndBody) {
     EXPECT_EQ(response.GetBody(), "<x/>");
 }
 
-TEST(HttpResponse, TakesTheFirstOfTwoByItsContentLength) {
+TEST(HttpResponse, ReadsTheFirstOfTwoByContentLength) {
     auto const response = Parse("HTTP/1.1 401 Unauthorized\r\nContent-Length: 5\r\n\r\nfirst"
                                 "HTTP/1.1 500 Internal Server Error\r\nContent-Length: 6\r\n\r\nsecond");
     EXPECT_EQ(response.GetStatusCode(), Status::Unauthorized);
     EXPECT_EQ(response.GetBody(), "first");
 }
 
-TEST(HttpResponse, TakesTheFirstOfTwoWithAnEmptyBody) {
+TEST(HttpResponse, ReadsTheFirstOfTwoWithAnEmptyBody) {
     EXPECT_EQ(Parse("HTTP/1.1 202 Accepted\r\nContent-Length: 0\r\n\r\nHTTP/1.1 200 OK\r\n\r\nsecond").GetBody(), "");
 }
 
-TEST(HttpResponse, TakesEverythingWithoutAContentLength) {
+TEST(HttpResponse, ReadsToTheEndWithoutAContentLength) {
     EXPECT_EQ(Parse("HTTP/1.1 200 OK\r\nConnection: close\r\n\r\nall\r\n\r\nof it").GetBody(), "all\r\n\r\nof it");
 }
 
@@ -65,7 +65,7 @@ TEST(HttpResponse, DecodesChunks) {
     EXPECT_EQ(response.GetFields(), (Fields{{"Transfer-Encoding", "chunked"}}));
 }
 
-TEST(HttpResponse, TakesTheFirstOfTwoInChunks) {
+TEST(HttpResponse, ReadsTheFirstOfTwoInChunks) {
     EXPECT_EQ(Parse("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n1\r\nx\r\n0\r\n\r\nHTTP/1.1 500 No\r\n\r\n")
                   .GetBody(),
               "x");
@@ -90,12 +90,12 @@ TEST(HttpResponse, MayLackTheReasonPhrase) {
 
 TEST(HttpResponse, KeepsCodesWithoutAName) { EXPECT_EQ(Parse("HTTP/1.1 599 x\r\n\r\n").GetStatusCode(), Status{599}); }
 
-TEST(HttpResponse, FindsTheFramingWhateverItsCase) {
+TEST(HttpResponse, FindsTheFramingInAnyCase) {
     EXPECT_EQ(Parse("HTTP/1.1 200 OK\r\ncOnTeNt-LeNgTh: 1\r\n\r\nxy").GetBody(), "x");
     EXPECT_EQ(Parse("HTTP/1.1 200 OK\r\ntransfer-encoding: CHUNKED\r\n\r\n1\r\nx\r\n0\r\n\r\n").GetBody(), "x");
 }
 
-TEST(HttpResponse, KeepsNamesAsTheyAre) {
+TEST(HttpResponse, KeepsTheSpellingOfNames) {
     EXPECT_EQ(Parse("HTTP/1.1 200 OK\r\nx-LOUD: A b\r\n\r\n").GetFields(), (Fields{{"x-LOUD", "A b"}}));
 }
 
@@ -111,11 +111,11 @@ TEST(HttpResponse, JoinsRepeatedFieldsUnderTheFirstSpelling) {
               (Fields{{"WWW-Authenticate", "Digest a, Basic"}, {"Set-Cookie", "b=1, c=2"}}));
 }
 
-TEST(HttpResponse, TakesTheSameContentLengthTwice) {
+TEST(HttpResponse, AcceptsARepeatedEqualContentLength) {
     EXPECT_EQ(Parse("HTTP/1.1 200 OK\r\nContent-Length: 1\r\nContent-Length: 1\r\n\r\nxy").GetBody(), "x");
 }
 
-TEST(HttpResponse, RefusesNothing) {
+TEST(HttpResponse, RefusesAnEmptyText) {
     EXPECT_EQ(ErrorOf(""), "the response is empty");
     EXPECT_THROW(Response::Parse(nullptr), ParseError);
 }
@@ -128,7 +128,7 @@ TEST(HttpResponse, RefusesAnotherProtocol) {
     }
 }
 
-TEST(HttpResponse, RefusesAStatusThatIsNone) {
+TEST(HttpResponse, RefusesAnInvalidStatus) {
     for (auto const* const status : {"", "20", "2000", "099", "600", "999", "20x", "-20", "+20", "200OK", " 200"}) {
         EXPECT_EQ(ErrorOf("HTTP/1.1 " + std::string(status) + "\r\n\r\n"),
                   "line 1: the status is not a number from 100 to 599")
@@ -136,13 +136,13 @@ TEST(HttpResponse, RefusesAStatusThatIsNone) {
     }
 }
 
-TEST(HttpResponse, RefusesTextThatEndsInItsHeader) {
+TEST(HttpResponse, RefusesATruncatedHeader) {
     EXPECT_EQ(ErrorOf("HTTP/1.1 200 OK"), "line 1: the text ends within the line");
     EXPECT_EQ(ErrorOf("HTTP/1.1 200 OK\n\n"), "line 1: the text ends within the line");
     EXPECT_EQ(ErrorOf("HTTP/1.1 200 OK\r\nA: b\r\n"), "line 3: the text ends within the line");
 }
 
-TEST(HttpResponse, RefusesFieldsThatAreNone) {
+TEST(HttpResponse, RefusesInvalidFields) {
     std::string const start = "HTTP/1.1 200 OK\r\nA: b\r\n";
     EXPECT_EQ(ErrorOf(start + "nonsense\r\n\r\n"), "line 3: the header field has no \":\"");
     EXPECT_EQ(ErrorOf(start + ": x\r\n\r\n"), "line 3: the name of the header field is not a token");
@@ -184,19 +184,19 @@ TEST(HttpResponse, BoundsTheHeaderNotTheBody) {
     EXPECT_EQ(Parse("HTTP/1.1 200 OK\r\n\r\n" + body).GetBody(), body);
 }
 
-TEST(HttpResponse, RefusesAContentLengthThatIsNone) {
+TEST(HttpResponse, RefusesAnInvalidContentLength) {
     for (auto const* const length : {"", "x", "-1", "+1", "1 ,", "1, 1", "0x1", "1.0", "99999999999999999999"}) {
         EXPECT_EQ(ErrorOf("HTTP/1.1 200 OK\r\nContent-Length: " + std::string(length) + "\r\n\r\nbody"),
                   "Content-Length: \"" + std::string(length) + "\" is not a number of bytes");
     }
 }
 
-TEST(HttpResponse, RefusesTwoContentLengths) {
+TEST(HttpResponse, RefusesDifferentContentLengths) {
     EXPECT_EQ(ErrorOf("HTTP/1.1 200 OK\r\nContent-Length: 1\r\ncontent-length: 2\r\n\r\nxy"),
               "Content-Length: given twice with different numbers");
 }
 
-TEST(HttpResponse, RefusesABodyThatIsCutShort) {
+TEST(HttpResponse, RefusesATruncatedBody) {
     EXPECT_EQ(ErrorOf("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nfour"),
               "the text ends after 4 of 5 bytes of the body");
     EXPECT_EQ(ErrorOf("HTTP/1.1 200 OK\r\nContent-Length: 18446744073709551615\r\n\r\n"),

@@ -33,7 +33,7 @@ std::vector<Interface> const Interfaces{
     MakeInterface(Bare, {}),
 };
 
-TEST(IsNearby, TakesEveryNetworkOfTheInterface) {
+TEST(IsNearby, AcceptsEveryNetworkOfTheInterface) {
     EXPECT_TRUE(IsNearby(Interfaces, Eth, Make(192, 168, 7, 1)));
     EXPECT_TRUE(IsNearby(Interfaces, Eth, Make(10, 1, 200, 1)));
     EXPECT_FALSE(IsNearby(Interfaces, Eth, Make(192, 168, 8, 1)));
@@ -47,18 +47,18 @@ TEST(IsNearby, RefusesASourceOfAnotherInterface) {
     EXPECT_FALSE(IsNearby(Interfaces, Tun, Make(192, 168, 7, 1)));
 }
 
-TEST(IsNearby, TakesThePeerOfAPointToPointLink) {
+TEST(IsNearby, AcceptsThePeerOfAPointToPointLink) {
     EXPECT_TRUE(IsNearby(Interfaces, Tun, Make(10, 9, 0, 2)));
     EXPECT_FALSE(IsNearby(Interfaces, Tun, Make(10, 9, 0, 3)));
 }
 
-TEST(IsNearby, TakesEveryAddressOfThisMachineOnLoopback) {
+TEST(IsNearby, AcceptsEveryAddressOfThisMachineOnLoopback) {
     EXPECT_TRUE(IsNearby(Interfaces, Lo, Make(127, 3, 2, 1)));
     EXPECT_TRUE(IsNearby(Interfaces, Lo, Make(192, 168, 7, 2)));
     EXPECT_FALSE(IsNearby(Interfaces, Lo, Make(192, 168, 7, 1)));
 }
 
-TEST(IsNearby, RefusesWhatCameByAnUnknownInterfaceOrOneWithoutAddress) {
+TEST(IsNearby, RefusesAnUnknownInterfaceOrOneWithoutAddress) {
     EXPECT_FALSE(IsNearby(Interfaces, 99, Make(192, 168, 7, 1)));
     EXPECT_FALSE(IsNearby(Interfaces, 0, Make(192, 168, 7, 1)));
     EXPECT_FALSE(IsNearby(Interfaces, Bare, Make(192, 168, 7, 1)));

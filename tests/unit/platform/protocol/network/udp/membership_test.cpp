@@ -26,7 +26,7 @@ bool FollowsWithoutMemory(Membership& membership, int socket, std::span<zarn::ne
     }
 }
 
-TEST(Membership, JoinsWhereMemoryRanOutBefore) {
+TEST(Membership, JoinsAfterAnAllocationFailure) {
     bool const entered = test::RunInNetworkNamespace([] {
         ASSERT_TRUE(test::Ip("link set lo up multicast on"));
         auto const interfaces = zarn::network::ReadInterfaces();

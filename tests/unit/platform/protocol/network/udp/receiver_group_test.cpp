@@ -15,7 +15,7 @@ namespace {
 using namespace std::chrono_literals;
 using test::Peer;
 
-TEST_F(GroupTest, HearsTheGroupAndUnicastOnEveryInterface) {
+TEST_F(GroupTest, ReceivesMulticastAndUnicastOnEveryInterface) {
     Connect();
     Connect("eth1", "10.2.0.1/24", "10.2.0.2/24");
     Start();
@@ -25,7 +25,7 @@ TEST_F(GroupTest, HearsTheGroupAndUnicastOnEveryInterface) {
     EXPECT_EQ(inbox.GetItems().front().source.address().to_string(), "10.1.0.2");
 }
 
-TEST_F(GroupTest, HearsProgramsOnTheSameMachine) {
+TEST_F(GroupTest, ReceivesFromTheSameMachine) {
     Connect();
     Start();
     EXPECT_TRUE(IsHeard(host, "10.1.0.1", "looped back"));
@@ -33,13 +33,13 @@ TEST_F(GroupTest, HearsProgramsOnTheSameMachine) {
     EXPECT_TRUE(IsHeard(host, "127.0.0.1", "by loopback", "127.0.0.1"));
 }
 
-TEST_F(GroupTest, HearsTheGroupOnLoopbackThatCanMulticast) {
+TEST_F(GroupTest, ReceivesMulticastOnLoopbackThatCanMulticast) {
     ASSERT_TRUE(host.Ip("link set lo multicast on"));
     Start();
     EXPECT_TRUE(IsHeard(host, "127.0.0.1", "hello"));
 }
 
-TEST_F(GroupTest, DoesNotHearGroupsThatOthersJoin) {
+TEST_F(GroupTest, DoesNotReceiveGroupsThatOthersJoin) {
     Connect();
     Start();
     host.Run([&] {
@@ -92,7 +92,7 @@ TEST_F(GroupTest, StartsWhenSomeInterfacesCannotBeJoined) {
     EXPECT_TRUE(IsHeard(neighbour, "10.2.0.2", "in its place"));
 }
 
-TEST_F(GroupTest, TriesAgainToJoinWithoutAnyChange) {
+TEST_F(GroupTest, RetriesToJoinWithoutANetworkChange) {
     ConnectTwiceAndSettle();
     if (!SetLimitOfMemberships(1)) GTEST_SKIP() << "/proc/sys cannot be written here";
     logging::Capture const capture;
@@ -102,7 +102,7 @@ TEST_F(GroupTest, TriesAgainToJoinWithoutAnyChange) {
     EXPECT_TRUE(IsHeard(neighbour, "10.2.0.2", "hello"));
 }
 
-TEST_F(GroupTest, HearsAnInterfaceThatAppearsLater) {
+TEST_F(GroupTest, ReceivesOnAnInterfaceThatAppearsLater) {
     Connect();
     Start();
     Connect("eth1", "10.2.0.1/24", "10.2.0.2/24");
@@ -110,7 +110,7 @@ TEST_F(GroupTest, HearsAnInterfaceThatAppearsLater) {
     EXPECT_TRUE(IsHeard(neighbour, "10.1.0.2", "still there"));
 }
 
-TEST_F(GroupTest, HearsAnInterfaceThatGoesDownAndComesBack) {
+TEST_F(GroupTest, ReceivesOnAnInterfaceThatGoesDownAndUp) {
     Connect();
     Start();
     ASSERT_TRUE(IsHeard(neighbour, "10.1.0.2", "before"));
@@ -120,7 +120,7 @@ TEST_F(GroupTest, HearsAnInterfaceThatGoesDownAndComesBack) {
     EXPECT_TRUE(IsHeard(neighbour, "10.1.0.2", "after"));
 }
 
-TEST_F(GroupTest, HearsANewInterfaceInThePlaceOfAnOlder) {
+TEST_F(GroupTest, ReceivesOnAReplacedInterface) {
     Connect();
     Start();
     ASSERT_TRUE(IsHeard(neighbour, "10.1.0.2", "before"));
@@ -140,7 +140,7 @@ TEST_F(GroupTest, FollowsAChangeOfAddress) {
     EXPECT_TRUE(FallsSilent(neighbour, "10.1.0.2")); // it is a stranger now
 }
 
-TEST_F(GroupTest, RefusesSourcesFromElsewhereUnlessAllowed) {
+TEST_F(GroupTest, RefusesRemoteSourcesUnlessAllowed) {
     Connect();
     ASSERT_TRUE(neighbour.Ip("address add 192.0.2.1/24 dev eth0"));
     ASSERT_TRUE(host.Ip("route add 192.0.2.0/24 via 10.1.0.2")); // so that the kernel lets it pass

@@ -83,7 +83,7 @@ protected:
     void TearDown() override { context.Stop(); }
 };
 
-TEST_F(ReceiverTest, HandsOnADatagramWithItsSource) {
+TEST_F(ReceiverTest, DeliversADatagramWithItsSource) {
     Start();
     SendTo("hello");
     ASSERT_TRUE(inbox.WaitFor("hello"));
@@ -92,7 +92,7 @@ TEST_F(ReceiverTest, HandsOnADatagramWithItsSource) {
     EXPECT_EQ(item.source, boost::asio::ip::udp::endpoint(make_address("127.0.0.1"), peer.GetPort()));
 }
 
-TEST_F(ReceiverTest, HandsOnDatagramsInTheirOrder) {
+TEST_F(ReceiverTest, DeliversDatagramsInOrder) {
     Start();
     for (auto const* text : {"1", "", "3"}) SendTo(text);
     ASSERT_TRUE(inbox.WaitFor("3"));
@@ -108,7 +108,7 @@ TEST_F(ReceiverTest, BindsNothingBeforeItsStart) {
     context.Stop();
 }
 
-TEST_F(ReceiverTest, HandsOnTheFirstPartOfALongDatagramAsAnError) {
+TEST_F(ReceiverTest, DeliversATruncatedDatagramAsAnError) {
     Start(4);
     SendTo("12345");
     SendTo("1234");
@@ -120,7 +120,7 @@ TEST_F(ReceiverTest, HandsOnTheFirstPartOfALongDatagramAsAnError) {
     EXPECT_EQ(items[1].text, "1234");
 }
 
-TEST_F(ReceiverTest, GoesOnWhenTheCallbackThrows) {
+TEST_F(ReceiverTest, ContinuesWhenTheCallbackThrows) {
     logging::Capture const capture;
     receiver = Make(inbox.MakeCallback([calls = 0]() mutable -> Operation {
         if (++calls == 1) throw std::runtime_error("too hard");
@@ -133,7 +133,7 @@ TEST_F(ReceiverTest, GoesOnWhenTheCallbackThrows) {
     EXPECT_TRUE(capture.Contains("too hard"));
 }
 
-TEST_F(ReceiverTest, ReceivesNoMoreWhenTheCallbackSaysSo) {
+TEST_F(ReceiverTest, StopsReceivingWhenTheCallbackReturnsStop) {
     receiver = Make(inbox.MakeCallback([] { return Operation::Stop; }));
     receiver->Start();
     SendTo("first");
@@ -211,7 +211,7 @@ TEST_F(ReceiverTest, DestroysItsCallbackWithTheContextAtTheLatest) {
     EXPECT_EQ(held.use_count(), 1);
 }
 
-TEST_F(ReceiverTest, GoesOnWhenReceivingFails) {
+TEST_F(ReceiverTest, ContinuesWhenReceivingFails) {
     Start();
     SendTo("first");
     ASSERT_TRUE(inbox.WaitFor("first"));
@@ -223,7 +223,7 @@ TEST_F(ReceiverTest, GoesOnWhenReceivingFails) {
     EXPECT_TRUE(inbox.WaitFor("second"));
 }
 
-TEST_F(ReceiverTest, TakesABoundedNumberOfDatagramsFromOneSource) {
+TEST_F(ReceiverTest, LimitsTheRateOfDatagramsFromOneSource) {
     Start();
     logging::Capture const capture;
     auto const begin = std::chrono::steady_clock::now();
@@ -273,7 +273,7 @@ TEST_F(ReceiverTest, CannotStartTwice) {
 
 std::ptrdiff_t CountDescriptors() { return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}); }
 
-TEST_F(ReceiverTest, LeavesNothingOpenWhenItCannotBeTold) {
+TEST_F(ReceiverTest, LeaksNoDescriptorWhenEpollFails) {
     receiver = Make(inbox.MakeCallback());
     auto const before = CountDescriptors();
     for (int i = 0; i < 10; ++i) {
@@ -294,7 +294,7 @@ TEST_F(ReceiverTest, RefusesABufferOfAnImpossibleSize) {
     EXPECT_TRUE(Peer("0.0.0.0", port).IsBound());
 }
 
-TEST_F(ReceiverTest, RefusesWhatIsNoGroup) {
+TEST_F(ReceiverTest, RefusesAnInvalidGroup) {
     for (auto const* group : {"10.0.0.1", "255.255.255.255", "ff02::c"}) {
         Receiver other(context.Get(), port, make_address(group), Size, inbox.MakeCallback());
         EXPECT_EQ(ReasonWhyNotStarted(other), "Failed to receive at UDP port " + std::to_string(port) + " for group " +

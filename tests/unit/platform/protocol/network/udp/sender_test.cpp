@@ -62,13 +62,13 @@ TEST(Sender, CompletesOnTheContextsThread) {
     context.Stop();
 }
 
-TEST(Sender, TellsOfADatagramThatIsTooLong) {
+TEST(Sender, ReportsAnOversizedDatagram) {
     asio::IoContext context(1);
     EXPECT_EQ(Send(context, "127.0.0.1", test::FindFreePort(), std::string(65'508, 'x')),
               boost::asio::error::message_size);
 }
 
-TEST(Sender, TellsThatThereIsNoRoute) {
+TEST(Sender, ReportsAMissingRoute) {
     test::Machine const host;
     if (!host.Exists()) GTEST_SKIP() << host.WhyNot();
     host.Run([] {
@@ -78,7 +78,7 @@ TEST(Sender, TellsThatThereIsNoRoute) {
 }
 
 #ifndef ZARN_SANITIZED_ADDRESSES // the type check of UBSan opens pipes
-TEST(Sender, TellsThatThereIsNoSocketToBeHad) {
+TEST(Sender, ReportsALackOfDescriptors) {
     asio::IoContext context(1);
     Sender const first(context.Get(), {make_address("127.0.0.1"), 9}); // the context opens what it needs itself
     NoDescriptors const none;
@@ -86,7 +86,7 @@ TEST(Sender, TellsThatThereIsNoSocketToBeHad) {
 }
 #endif
 
-TEST(Sender, IsLetGoWithTheContextWhenItNeverCompleted) {
+TEST(Sender, IsReleasedWithTheContextWhenItNeverCompletes) {
     std::weak_ptr<Sender> observed;
     {
         asio::IoContext context(1);

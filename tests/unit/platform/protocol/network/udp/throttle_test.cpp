@@ -29,12 +29,12 @@ unsigned Flood(Throttle& throttle, address_v4 const& source, unsigned count, Thr
 /// The n-th of many addresses.
 address_v4 Address(unsigned n) { return address_v4(0x0a000000U + n); }
 
-TEST(Throttle, LetsABurstPassAndNoMore) {
+TEST(Throttle, AdmitsABurstOfTwenty) {
     Throttle throttle;
     EXPECT_EQ(Flood(throttle, Somebody, 1000, Start), 20U);
 }
 
-TEST(Throttle, LetsTenPassInEachSecondThereafter) {
+TEST(Throttle, AdmitsTenPerSecondAfterABurst) {
     Throttle throttle;
     Flood(throttle, Somebody, 1000, Start);
     EXPECT_EQ(Flood(throttle, Somebody, 1000, Start + 99ms), 0U);
@@ -42,7 +42,7 @@ TEST(Throttle, LetsTenPassInEachSecondThereafter) {
     EXPECT_EQ(Flood(throttle, Somebody, 1000, Start + 1100ms), 10U);
 }
 
-TEST(Throttle, LetsAWholeBurstPassAgainAfterTwoSeconds) {
+TEST(Throttle, AdmitsAWholeBurstAgainAfterTwoSeconds) {
     Throttle throttle;
     Flood(throttle, Somebody, 1000, Start);
     EXPECT_EQ(Flood(throttle, Somebody, 1000, Start + 2s), 20U);

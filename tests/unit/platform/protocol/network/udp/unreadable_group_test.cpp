@@ -14,7 +14,7 @@ using namespace std::chrono_literals;
 
 class UnreadableGroupTest : public GroupTest, public testing::WithParamInterface<test::Lack> {};
 
-TEST_P(UnreadableGroupTest, ReadsTheInterfacesAgainWithoutAnyChange) {
+TEST_P(UnreadableGroupTest, RereadsTheInterfacesWithoutANetworkChange) {
     ConnectTwiceAndSettle();
     ASSERT_TRUE(host.Ip("address delete 10.2.0.1/24 dev eth1"));
     Start();
