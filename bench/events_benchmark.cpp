@@ -1,5 +1,5 @@
-// What the host's thread pays for an event, per subscription that lives: the handler alone, against the number of
-// subscriptions. Their queues are emptied outside the measured time.
+// The cost of an event to the host's thread per live subscription: the handler alone, against the number of
+// subscriptions. Queues are emptied outside the measured time.
 
 #include "post.h"
 
@@ -25,7 +25,7 @@ constexpr char Create[] = R"(<CreatePullPointSubscription xmlns="http://www.onvi
                           "<InitialTerminationTime>PT1H</InitialTerminationTime></CreatePullPointSubscription>";
 constexpr char End[] = R"(<Unsubscribe xmlns="http://docs.oasis-open.org/wsn/b-2"/>)";
 
-/// Events that are queued before the queues are emptied.
+/// Number of events queued before the queues are emptied.
 constexpr int Batch = 1000;
 
 class Subscriptions {
@@ -62,7 +62,7 @@ private:
     service::onvif::Manager manager{&engine, std::make_shared<configuration::node::Root>(), nullptr, {}};
 };
 
-/// What of the heap is in use, in bytes.
+/// Heap in use, in bytes.
 double GetMemory() {
     auto const heap = mallinfo2();
     return static_cast<double>(heap.uordblks + heap.hblkhd);

@@ -1,5 +1,5 @@
-// One SOAP exchange (GetSystemDateAndTime) through Manager::Post, against what gSOAP alone needs for it: the same
-// context, the digest plugin, the streams and one service. Run on one thread that waits for each answer.
+// One SOAP exchange (GetSystemDateAndTime) through Manager::Post, compared with gSOAP alone: the same context, digest
+// plugin, streams and one service. A single thread waits for each answer.
 
 #include "post.h"
 

@@ -1,5 +1,5 @@
-// The least that an HTTP server on Beast does: reads a request and answers a fixed body, keep-alive, on one thread per
-// core. fixed_answer_server BODY_BYTES prints its port.
+// A minimal HTTP server on Beast: reads a request and returns a fixed body, with keep-alive and one thread per core.
+// `fixed_answer_server BODY_BYTES` prints its port.
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>

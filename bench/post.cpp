@@ -10,7 +10,7 @@ namespace zarn::bench {
 
 namespace {
 
-/// Between the lines of results nobody wants those of the log.
+/// Keep log lines out of the benchmark results.
 [[maybe_unused]] bool const quiet = (logging::SetLevel(logging::Level::Warning), true);
 
 } // namespace

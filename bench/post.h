@@ -10,10 +10,10 @@
 
 namespace zarn::bench {
 
-/// A request as the web server hands it over.
+/// A request as the web server passes it on.
 class Request : public web::Request {
 public:
-    /// operation  the element of the SOAP body
+    /// operation  element of the SOAP body
     /// target     path and query
     explicit Request(std::string_view operation, std::string target = "/onvif/device_service");
 
@@ -32,7 +32,7 @@ private:
     std::string body;
 };
 
-/// Hands the manager a request, waits for the answer and returns its status.
+/// Passes a request to the manager, waits for the answer and returns its status.
 int Post(service::onvif::Manager& manager, std::shared_ptr<Request> const& request);
 
 } // namespace zarn::bench

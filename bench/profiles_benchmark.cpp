@@ -1,5 +1,5 @@
-// GetProfiles of both media services through Manager::Post, with every configuration that a profile has, against the
-// number of channels: the time is to grow in proportion to it. Run on one thread that waits for each answer.
+// GetProfiles of both media services through Manager::Post, with all configurations of a profile, against the number of
+// channels. The time must grow linearly. A single thread waits for each answer.
 
 #include "post.h"
 

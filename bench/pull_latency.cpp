@@ -1,7 +1,7 @@
-// pull_latency PORT PULLERS ROUNDS: so many clients wait for events of a zarn-host that requires no login, each with a
-// connection and a subscription of its own. In each round one event is posted, and the time from before that until each
-// client has its answer is taken. Prints p50, p99 and maximum in milliseconds, then waits for a line on standard input
-// with all pulls waiting, so that an idle host can be looked at.
+// pull_latency PORT PULLERS ROUNDS: measures event delivery to clients of a zarn-host without authentication. Each
+// client has its own connection and subscription. Each round posts one event and measures the time until every client
+// has its answer. Prints p50, p99 and maximum in milliseconds. Then waits for a line on standard input while all pulls
+// wait, so that the idle host can be inspected.
 
 #include <boost/asio/connect.hpp>
 #include <boost/asio/io_context.hpp>
@@ -75,7 +75,7 @@ private:
     boost::beast::flat_buffer buffer;
 };
 
-/// A client that pulls and notes how long its answers took.
+/// A client that pulls and records the latency of its answers.
 class Puller {
 public:
     Puller(asio::io_context& io, unsigned short port) : connection(io, port) {
@@ -122,7 +122,7 @@ void Measure(unsigned short port, int pullers, int rounds) {
     Clock::time_point sent;
     asio::steady_timer pause(io);
     for (int i = 0; i < rounds; ++i) {
-        pause.expires_after(std::chrono::milliseconds(300)); // until they all wait, and the host is quiet
+        pause.expires_after(std::chrono::milliseconds(300)); // until all pulls wait and the host is idle
         pause.wait();
         for (auto const& puller : all) puller->Await(sent, taken);
         sent = Clock::now();

@@ -1,7 +1,7 @@
-// waiting_memory bare|module COUNT: the resident memory that each of so many waiting exchanges takes, in KiB. Bare is a
-// gSOAP exchange that has read its request and waits, on a thread of its own: context, digest plugin, streams and one
-// service. The module's are PullMessages through Manager::Post; before them comes the resident memory of the whole
-// process, which is the module and the host's libraries alone.
+// waiting_memory bare|module COUNT: resident memory per waiting exchange, in KiB. "bare" is a gSOAP exchange that has
+// read its request and waits on its own thread: context, digest plugin, streams and one service. "module" is
+// PullMessages through Manager::Post; before its result comes the resident memory of the whole process, that is, the
+// module and the host's libraries alone.
 
 #include "post.h"
 
@@ -87,7 +87,7 @@ double MeasureModule(int count) {
     std::cout << "process " << before << '\n';
     std::vector<std::shared_ptr<web::response::Pending>> pending;
     for (int i = 0; i < count; ++i) pending.push_back(manager.Post(std::make_shared<bench::Request>(Pull, path)));
-    // All of them wait when nothing has changed for a while.
+    // All exchanges are waiting once the memory has been stable for a while.
     long after = 0;
     for (int quiet = 0; quiet < 20; std::this_thread::sleep_for(std::chrono::milliseconds(50))) {
         auto const now = ReadResidentKilobytes();

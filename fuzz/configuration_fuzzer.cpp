@@ -1,4 +1,4 @@
-// The configuration file, which people write, and the overrides of the command line.
+// The configuration file, which people edit, and command-line overrides.
 #include "host/access/access_settings.h"
 #include "host/device_settings.h"
 #include "host/events/mqtt_settings.h"
@@ -29,10 +29,10 @@ using configuration::node::Root;
 constexpr std::size_t MaximumLength = std::size_t{64} * 1024;
 constexpr std::size_t MaximumOverrides = 16;
 
-/// Behind this line stand overrides, one a line as in `--set`.
+/// Separates the file from the overrides, which are written one per line as for `--set`.
 constexpr std::string_view Separator = "\n--set\n";
 
-/// Whether it worked; errors are lines.
+/// True if the work succeeded; error messages must be single lines.
 template <class Work>
 bool Try(Work const& work) {
     try {
@@ -51,7 +51,7 @@ std::shared_ptr<Root> MakeTree() {
     return root;
 }
 
-/// Everything that the host reads of the tree can be read.
+/// Everything that the host reads from the tree must be readable.
 void ReadAll(Root const& root) {
     host::ReadIdentity(root);
     host::ReadDiscoveryAnywhere(root);
@@ -95,8 +95,9 @@ void CheckOverrides(Root& root, std::string_view lines) {
 } // namespace
 } // namespace zarn::fuzz
 
-/// A file is refused with one line and changes nothing, or it is taken and reads the same once saved; overrides are
-/// taken or refused likewise and never saved; and whatever the tree holds then can be used.
+/// A file is either refused with a one-line error and without effect, or accepted and unchanged after saving and
+/// reloading. Overrides are accepted or refused in the same way and never saved. The resulting tree must always be
+/// usable.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     using namespace zarn::fuzz;
     return CheckInput(data, size, MaximumLength, [](std::string_view text) {

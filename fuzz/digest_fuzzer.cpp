@@ -1,4 +1,4 @@
-// Authorization fields, of clients with and without the password.
+// Authorization fields from clients with and without the password.
 #include "host/web/challenges.h"
 #include "host/web/digest.h"
 #include "host/web/digest_credentials.h"
@@ -31,7 +31,7 @@ constexpr std::size_t MaximumLength = 8192;
 constexpr std::string_view Target = "/snapshot/1/latest.jpeg?width=640";
 constexpr std::string_view Path = "/snapshot/1/latest.jpeg";
 
-/// How the host answers an Authorization field.
+/// The host's answer to an Authorization field.
 struct Verdict {
     bool served = false;
     bool stale = false;
@@ -76,7 +76,7 @@ std::string Write(Parameters const& parameters) {
     return text;
 }
 
-/// Makes the response right for the other parameters.
+/// Recomputes the response for the current parameters.
 void Sign(Parameters& credentials, std::string const& ha1) {
     credentials["response"] = authentication::MakeDigestResponse({.ha1 = ha1,
                                                                   .method = "GET",
@@ -87,7 +87,7 @@ void Sign(Parameters& credentials, std::string const& ha1) {
                                                                   .qop = credentials["qop"]});
 }
 
-/// Whether a right response in credentials of this form is accepted.
+/// True if the host accepts a correct response in this form.
 bool IsOffered(Parameters& credentials) {
     auto const& algorithm = credentials["algorithm"];
     auto const& qop = credentials["qop"];
@@ -95,7 +95,7 @@ bool IsOffered(Parameters& credentials) {
            (algorithm.empty() || boost::iequals(algorithm, "MD5"));
 }
 
-/// Whether a response can be told from the next one to the same challenge.
+/// True if nc or cnonce distinguishes the response from the next one to the same challenge.
 bool IsCounted(Parameters& credentials) {
     return !credentials["qop"].empty() && !(credentials["nc"].empty() && credentials["cnonce"].empty());
 }
@@ -124,13 +124,13 @@ void Check(ProtectedPath& path, Parameters credentials) {
 } // namespace
 } // namespace zarn::fuzz
 
-/// No field is accepted without the password, and a right response to the challenge is, whatever its form; the
-/// parameters are the same once they are written out again.
+/// Without the password, no field is accepted; with it, a correct response to the challenge is accepted in every
+/// supported form. Writing and parsing the parameters again does not change them.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     using namespace zarn::fuzz;
     return CheckInput(data, size, MaximumLength, [](std::string_view text) {
         std::string const field(text);
-        // The web server lets no such fields through.
+        // The web server rejects such fields earlier.
         if (field.find_first_of(std::string("\0\r\n", 3)) != std::string::npos) return;
         ProtectedPath path;
         auto const verdict = path.Ask(field);

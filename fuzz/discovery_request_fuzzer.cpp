@@ -1,4 +1,4 @@
-// Datagrams that come to the discovery port from anybody in the network, and the answers to them.
+// Datagrams that arbitrary senders can deliver to the discovery port, and their answers.
 #include "require.h"
 
 #include <zarn/onvif/discovery/request.h>
@@ -14,7 +14,7 @@ namespace {
 using onvif::discovery::Request;
 using onvif::discovery::Response;
 
-/// What a datagram can hold at most.
+/// Maximum payload of a datagram.
 constexpr std::size_t MaximumLength = 65507;
 
 utilities::name::Config const& GetIdentity() {
@@ -45,8 +45,8 @@ void CheckAnswer(Request const& request) {
 } // namespace
 } // namespace zarn::fuzz
 
-/// Whatever the datagram, what is kept of it is short and printable; what is refused leaves nothing; and every message
-/// that asks for the device has a well-formed answer that does not ask back.
+/// Everything kept from a datagram is short and printable, refused datagrams leave nothing behind, and every message
+/// that matches the device gets a well-formed answer that is not itself a request.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     using namespace zarn::fuzz;
     if (size > MaximumLength) return 0;

@@ -7,7 +7,7 @@ namespace {
 
 constexpr std::string_view Separator = "\n%%%\n";
 
-/// Takes what stands before `end`, which goes as well.
+/// Removes and returns the text before `end`; removes `end` as well.
 std::string_view TakeUntil(std::string_view& text, std::string_view end) {
     auto const found = text.find(end);
     auto const taken = text.substr(0, found);

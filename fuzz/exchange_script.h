@@ -7,20 +7,20 @@
 
 namespace zarn::fuzz {
 
-/// One request of an input.
+/// One request from a fuzzer input.
 struct ScriptedRequest {
-    bool isOpen = false;   ///< the device asks nobody for credentials
-    bool isSigned = false; ///< with the right digest in place of any Authorization field
-    bool hasEvent = false; ///< the host publishes an event before
+    bool isOpen = false;   ///< authentication is disabled
+    bool isSigned = false; ///< a valid digest replaces any Authorization field
+    bool hasEvent = false; ///< the host publishes an event first
     std::string target;
     std::map<std::string, std::string> fields;
     std::string body;
 };
 
-/// The requests that an input stands for, in order, `most` at most, separated by lines "%%%". A request begins with one
-/// letter whose lowest bits say what the members above say (A: open, B: signed, D: with an event; @: none of it),
-/// behind which stands the target; then come lines with fields, an empty line and the body. "Idx=@" in a target stands
-/// for the subscription that was created last.
+/// Parses an input into requests, in order and at most `most`, separated by lines "%%%". A request starts with a letter
+/// whose lowest bits set the members above (A: open, B: signed, D: with an event; @: none), followed by the target.
+/// Then come lines with fields, an empty line and the body. "Idx=@" in a target refers to the most recently created
+/// subscription.
 std::vector<ScriptedRequest> ReadScript(std::string_view text, std::size_t most);
 
 } // namespace zarn::fuzz

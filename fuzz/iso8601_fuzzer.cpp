@@ -1,4 +1,4 @@
-// Times and spans as clients write them into requests and programs into events.
+// Times and durations in requests from clients and in events from other programs.
 #include "require.h"
 
 #include <zarn/chrono/add.h>
@@ -23,7 +23,7 @@ constexpr std::size_t LongestError = 512;
 
 constexpr std::array Zones{0min, 330min, -210min, 840min, -840min};
 
-/// Where spans begin: the ends of the clock, and days that months of the calendar make something of.
+/// Start times for durations: the limits of the clock, and days for which calendar months matter.
 constexpr std::array Starts{Clock::time_point::min(), Clock::time_point::max(),
                             Clock::time_point(std::chrono::sys_days{2028y / 1 / 31})};
 
@@ -60,7 +60,7 @@ void CheckSpanFrom(Clock::time_point start, std::chrono::nanoseconds span) {
     Require(span > 0ns || end <= start, "a span that is not positive leads nowhere behind its start");
 }
 
-/// What a span is without years and months, whose lengths depend on the calendar.
+/// Checks a duration without years and months, whose lengths depend on the calendar.
 void CheckExactSpan(std::string_view text, std::optional<std::chrono::nanoseconds> span) {
     for (auto const start : Starts) {
         Require(TryTo([&] { return chrono::duration::FromIso8601(text, start); }) == span,
@@ -84,8 +84,8 @@ void CheckSpan(std::string_view text) {
 } // namespace
 } // namespace zarn::fuzz
 
-/// A text is refused with one line, or it is a time that survives writing and reading in every zone; and likewise a
-/// span that reaches no further than the clock.
+/// A text is either refused with a one-line error or is a time that survives writing and reading in every zone. The
+/// same holds for durations, which stay within the clock's range.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     using namespace zarn::fuzz;
     return CheckInput(data, size, MaximumLength, [](std::string_view text) {

@@ -1,4 +1,4 @@
-// Whole requests into the module, on the host's real libraries.
+// Complete requests to the module with the host's real libraries.
 #include "exchange_script.h"
 #include "require.h"
 
@@ -44,12 +44,12 @@ constexpr std::size_t LongestTarget = 1000;
 constexpr std::size_t LongestAnswer = std::size_t{4} * 1024 * 1024;
 constexpr char Password[] = "vermilion-Zarn-4711";
 
-/// When a client that waits for events gets one, when its subscription ends, and when it has waited too long.
+/// Delays until a waiting client receives an event, its subscription ends, and its wait times out.
 constexpr auto EventAfter = 10ms;
 constexpr auto EndAfter = 20ms;
 constexpr auto GiveUpAfter = 8s;
 
-/// Whether an element is the response of an operation that is answered to everybody.
+/// Whether an element is the response of an operation that needs no login.
 bool IsOpenAnswer(std::string_view name) {
     return std::ranges::any_of(bindings::Operations, [&](bindings::Operation const& operation) {
         bool const isOpen =
@@ -58,7 +58,7 @@ bool IsOpenAnswer(std::string_view name) {
     });
 }
 
-/// Whether a text has no character that XML cannot carry, neither itself nor as a reference. Source: XML 1.0, 2.2.
+/// True if the text holds only characters allowed in XML, including references. Source: XML 1.0, 2.2.
 bool IsXmlText(std::string_view text) {
     if (!text::IsXml(text)) return false;
     constexpr std::string_view Start = "&#x";
@@ -109,7 +109,7 @@ std::shared_ptr<meta::data::Event> MakeEvent() {
     return event;
 }
 
-/// A device of two channels, for all inputs.
+/// A device with two channels, shared by all inputs.
 class Device {
 public:
     Device() : ha1(authentication::MakeHa1("admin", authentication::Realm, Password)) {
@@ -118,7 +118,7 @@ public:
         manager.UpdateServerPort(8080);
     }
 
-    /// Sends the requests one after the other; no subscription is left behind.
+    /// Sends the requests in order and removes all subscriptions.
     void Run(std::vector<ScriptedRequest> requests) {
         for (auto& request : requests) Run(std::move(request));
         EndSubscriptions();
@@ -134,7 +134,7 @@ private:
         if (request.hasEvent) onvif::events::Publish(MakeEvent());
         engine.SetEnabled(!request.isOpen);
         bool const isKnown = request.isOpen || request.isSigned;
-        bool const tells = HasCredentials(request); // libFuzzer learns them where they are compared
+        bool const tells = HasCredentials(request); // libFuzzer learns credentials from comparisons
         auto const data = Ask(std::move(request));
         if (!data) return CheckFailures();
         auto const body = Check(*data, isKnown);
@@ -155,7 +155,7 @@ private:
                                           "\"";
     }
 
-    /// The answer; none when the operation ended in an exception.
+    /// The answer; nullopt when the operation throws.
     std::optional<Pending::Data> Ask(ScriptedRequest request) try {
         auto const pending = manager.Post(std::make_shared<Request>(std::move(request)));
         auto const start = std::chrono::steady_clock::now();
@@ -176,8 +176,8 @@ private:
         return std::nullopt;
     }
 
-    /// A text that is no time, and a token that points at something else than a channel, end an operation. (The log has
-    /// one such end a second.)
+    /// Operations with an invalid time, or a token that does not name a channel, end in an exception, which is logged
+    /// at most once per second.
     void CheckFailures() const {
         for (auto const& line : failures.GetLines()) {
             bool const isKnown = line.text.find("ISO 8601 ") != std::string::npos ||
@@ -231,13 +231,13 @@ private:
         return body;
     }
 
-    /// What anybody may know.
+    /// Answers that need no login.
     static void CheckOpen(pugi::xml_document const& document) {
         auto const message = document.document_element().child("SOAP-ENV:Body").first_child();
         Require(IsOpenAnswer(message.name()), "the answer of an operation with a login needs credentials");
     }
 
-    /// The subscription that an answer tells of.
+    /// Remembers the subscription in an answer.
     void Remember(std::string_view body) {
         constexpr std::string_view Marker = "Subscription?Idx=";
         auto const found = body.find(Marker);
@@ -263,8 +263,8 @@ private:
 } // namespace
 } // namespace zarn::fuzz
 
-/// Every request is answered in time with bounded, well-formed XML (or nothing) and sound fields; credentials are never
-/// in it; and what is protected goes to nobody who has not logged in.
+/// Every request gets a timely, bounded answer with well-formed XML (or no body) and valid header fields. Answers never
+/// contain credentials, and protected content requires a login.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     using namespace zarn::fuzz;
     if (size > MaximumLength) return 0;

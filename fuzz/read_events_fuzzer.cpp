@@ -1,4 +1,4 @@
-// Analytics events as other programs send them, over HTTP or through a broker.
+// Analytics events from other programs, over HTTP or MQTT.
 #include "host/events/read_events.h"
 #include "require.h"
 
@@ -26,8 +26,8 @@ void Check(meta::data::Event const& event) {
 } // namespace
 } // namespace zarn::fuzz
 
-/// A text is refused with one line, or it holds a bounded number of events with bounded texts; and reading it again
-/// gives as many.
+/// A text is either refused with a one-line error or yields a bounded number of events with bounded texts; reading it
+/// again yields the same number.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     using namespace zarn::fuzz;
     using zarn::host::events::ReadEvents;

@@ -1,4 +1,4 @@
-// Bytes on a connection to the web server, in front of everything else that reads requests.
+// Bytes on a connection to the web server, before any other code parses requests.
 #include "host/web/server.h"
 #include "require.h"
 
@@ -35,7 +35,7 @@ constexpr std::size_t MaximumLength = std::size_t{256} * 1024;
 constexpr std::size_t BodyBytes = 4096;
 constexpr std::chrono::seconds Deadline(8);
 
-/// After so many inputs a well-behaved client is served.
+/// Number of inputs after which a well-behaved client must be served.
 constexpr unsigned GoodClientEvery = 64;
 
 constexpr std::array Statuses{"200", "204", "400", "404", "405", "411", "413", "414", "415", "417", "431", "505"};
@@ -44,7 +44,7 @@ bool IsFree(std::string_view text, std::string_view characters) {
     return text.find_first_of(characters) == std::string_view::npos;
 }
 
-/// Answers with the body of the request, and checks the request.
+/// Checks the request and returns its body.
 class Echo final : public web::Service {
 public:
     Response Process(std::shared_ptr<web::Request> request) override {
@@ -68,7 +68,7 @@ private:
     }
 };
 
-/// A connection on which every step ends with the deadline. A signal of libFuzzer may interrupt its system calls.
+/// A connection whose every step ends at the deadline. libFuzzer's signals may interrupt its system calls.
 class Client {
 public:
     explicit Client(std::uint16_t port) : descriptor(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
@@ -89,7 +89,7 @@ public:
     Client(Client const&) = delete;
     Client& operator=(Client const&) = delete;
 
-    /// Sends bytes; a server that has closed does not take them.
+    /// Sends bytes; ignores a server that has closed the connection.
     void Send(std::string_view bytes) const {
         while (!bytes.empty()) {
             auto const count = send(descriptor, bytes.data(), bytes.size(), MSG_NOSIGNAL);
@@ -102,7 +102,7 @@ public:
         }
     }
 
-    /// Ends sending, and reads up to the end.
+    /// Shuts down sending and reads to the end.
     std::string Finish() const {
         shutdown(descriptor, SHUT_WR);
         std::string answer;
@@ -117,12 +117,12 @@ public:
     }
 
 private:
-    /// Waits for a free port when those of the address are all in use: thousands of connections a second leave theirs
-    /// to the system for a while.
+    /// Waits when all ports of the address are in use: at thousands of connections per second, the kernel holds closed
+    /// ports for a while.
     bool Connect(sockaddr_in const& server) const {
         auto const deadline = std::chrono::steady_clock::now() + Deadline;
         while (connect(descriptor, reinterpret_cast<sockaddr const*>(&server), sizeof server) != 0) {
-            if (errno == EINTR) continue; // connect() then waits for the same attempt
+            if (errno == EINTR) continue; // repeating connect() continues the same attempt
             if (errno != EADDRNOTAVAIL || std::chrono::steady_clock::now() > deadline) {
                 std::perror("connect");
                 return false;
@@ -140,7 +140,8 @@ private:
         return made;
     }
 
-    /// The ports of one address would be used up in a minute: the system keeps them for a while.
+    /// Varies the address, because the ports of a single one would run out within a minute: the kernel holds them for a
+    /// while.
     static std::uint32_t ChooseAddress() {
         constexpr std::uint32_t Addresses = 200;
         static std::uint32_t next = 0;
@@ -150,7 +151,7 @@ private:
     int descriptor;
 };
 
-/// A web server on loopback for all inputs.
+/// A web server on loopback, shared by all inputs.
 class Site {
 public:
     Site() {
@@ -165,17 +166,17 @@ public:
                                                      host::web::Router({{"/", std::make_shared<Echo>()}}), options);
     }
 
-    /// Sends the bytes, then that there are no more, and returns everything that is answered until the connection ends.
+    /// Sends the bytes, shuts down sending, and returns everything received until the connection ends.
     std::string Exchange(std::string_view bytes) const {
         Client const client(port);
-        // Some inputs come in two pieces.
+        // Split some inputs into two segments.
         auto const first = bytes.size() % 3 == 0 ? bytes.size() / 2 : bytes.size();
         client.Send(bytes.substr(0, first));
         client.Send(bytes.substr(first));
         return client.Finish();
     }
 
-    /// Whether the server lets go of every connection in time.
+    /// True if the server closes every connection in time.
     bool AwaitQuiet() const {
         auto const end = std::chrono::steady_clock::now() + Deadline;
         while (admission->GetConnections() > 0 || admission->GetExchanges() > 0) {
@@ -211,8 +212,8 @@ void ServeGoodClient(Site& site) {
 } // namespace
 } // namespace zarn::fuzz
 
-/// Whatever is sent, the connection ends, every answer is HTTP with a promised status, no request that exceeds a bound
-/// or has line ends in its fields reaches a service, and the next client is served.
+/// For any input, the connection ends, every answer is HTTP with a documented status, no service receives a request
+/// that exceeds a bound or has line ends in its fields, and the next client is served.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     using namespace zarn::fuzz;
     return CheckInput(data, size, MaximumLength, [](std::string_view bytes) {

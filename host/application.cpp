@@ -86,21 +86,26 @@ Application::Application(Preparation prepared)
     BindPort(WebPortPath, webPort);
     engine = std::make_unique<video::Engine>(
         video::RtspSettings{.port = ReadPort(root, RtspPortPath), .authenticate = true, .failedLogins = failedLogins});
-    BindPort(RtspPortPath, engine->GetPort());
+    BindPort(RtspPortPath, engine->GetPort()); // its clients wait until the channels are set
     manager = std::make_unique<service::onvif::Manager>(
         &authentication, preparation.configuration, [this](std::string const& id) { return engine->Describe(id); },
         ReadIdentity(root));
     manager->UpdateSSLState(speaksTls);
+    for (auto const& applier : appliers) {
+        if (applier.atStart == AtStart::BeforeClients) applier.apply();
+    }
     manager->UpdateServerPort(webPort); // last: from now on addresses are told
     mqtt = std::make_unique<events::MqttClient>(zarn::onvif::events::Publish);
     onvif = std::make_shared<routes::OnvifRoute>(*manager, web::Digest(authentication, challenges));
     server = std::make_unique<web::Server>(webContext, std::move(listener), web::Router(MakeRoutes()),
-                                           web::Server::Options{.limits = {},
+                                           web::Server::Options{.limits = web::ReadLimits(root),
                                                                 .tls = preparation.tls,
                                                                 .threads = CountWebThreads(),
                                                                 .admission = admission,
                                                                 .failedLogins = failedLogins});
-    for (auto const& applier : appliers) applier.apply();
+    for (auto const& applier : appliers) {
+        if (applier.atStart == AtStart::AfterServers) ApplyOrLog(applier);
+    }
     changes = root.Bind([this](auto const&) { ScheduleApply(); });
     queueTimer.Start();
     AwaitSignals(endSignals, [this](int signal) { End(signal); });
@@ -187,12 +192,13 @@ void Application::ScheduleApply() {
     if (!applyScheduled.exchange(true)) boost::asio::post(control, [this] { Apply(); });
 }
 
-/// Every group of settings that takes effect when it changes. The objects are made with defaults that refuse every
-/// login until these are applied.
+/// The web server is constructed with its limits and certificate, because it accepts clients at once; everything else
+/// takes effect through these rows only.
 std::vector<Application::Applier> Application::MakeAppliers() {
+    using enum AtStart;
     auto const& root = *preparation.configuration;
     return {
-        {"login settings",
+        {"login settings", BeforeClients,
          [this, &root] {
              auto const access = ReadAccessSettings(root);
              engine->SetAuthentication(access.authenticate, preparation.credentials.ha1);
@@ -200,28 +206,30 @@ std::vector<Application::Applier> Application::MakeAppliers() {
              challenges.SetLife(access.nonceLife);
              failedLogins->SetLimit(access.failedLoginsPerMinute);
          }},
-        {"limits",
-         [this, &root] {
-             server->SetLimits(web::ReadLimits(root));
-             engine->SetLimits(ReadConnectionLimits(root));
-         }},
-        {"discovery settings", [this, &root] { manager->UpdateDiscoveryAnywhere(ReadDiscoveryAnywhere(root)); }},
-        {"channels", [this, &root] { engine->SetChannels(video::ReadChannels(root)); }},
-        {"certificate", [this] { ApplyTls(); }}, // before the port, so that a new one never speaks the former protocol
-        {"web port", [this] { ApplyWebPort(); }},
-        {"MQTT settings", [this, &root] { mqtt->Configure(events::ReadMqttSettings(root)); }},
+        {"limits of the RTSP server", BeforeClients, [this, &root] { engine->SetLimits(ReadConnectionLimits(root)); }},
+        {"discovery settings", BeforeClients,
+         [this, &root] { manager->UpdateDiscoveryAnywhere(ReadDiscoveryAnywhere(root)); }},
+        // After what the RTSP server needs: at start it accepts clients from here on.
+        {"channels", BeforeClients, [this, &root] { engine->SetChannels(video::ReadChannels(root)); }},
+        {"limits of the web server", AfterServers, [this, &root] { server->SetLimits(web::ReadLimits(root)); }},
+        // Before the port, so that a new one never speaks the former protocol.
+        {"certificate", AfterServers, [this] { ApplyTls(); }},
+        {"web port", AfterServers, [this] { ApplyWebPort(); }},
+        {"MQTT settings", AfterServers, [this, &root] { mqtt->Configure(events::ReadMqttSettings(root)); }},
     };
+}
+
+void Application::ApplyOrLog(Applier const& applier) const {
+    try {
+        applier.apply();
+    } catch (std::exception const& error) {
+        logger.Log(Level::Error, "Keeping the previous %0%: %1%", applier.what, error.what());
+    }
 }
 
 void Application::Apply() {
     applyScheduled = false;
-    for (auto const& applier : appliers) {
-        try {
-            applier.apply();
-        } catch (std::exception const& error) {
-            logger.Log(Level::Error, "Keeping the previous %0%: %1%", applier.what, error.what());
-        }
-    }
+    for (auto const& applier : appliers) ApplyOrLog(applier);
     try {
         ReportLater();
         preparation.file->SaveChanges();
@@ -232,7 +240,7 @@ void Application::Apply() {
 }
 
 void Application::ApplyTls() {
-    // At start the one that was checked; later the files may be others under the same names.
+    // At start, uses the context made during preparation; later, reads the files again, since they may have changed.
     auto tls = preparation.tls ? std::exchange(preparation.tls, nullptr) : web::ReadTls(*preparation.configuration);
     speaksTls = tls != nullptr;
     server->SetTls(std::move(tls));

@@ -58,9 +58,16 @@ public:
 private:
     using SignalDescriptor = boost::asio::posix::stream_descriptor;
 
-    /// A group of settings that takes effect when it changes.
+    /// When a group of settings is applied at start.
+    enum class AtStart {
+        BeforeClients, ///< before a server accepts connections; a failure ends the start
+        AfterServers,  ///< once all servers run; a failure is logged, as it is later
+    };
+
+    /// A group of settings that takes effect at start and when it changes.
     struct Applier {
         char const* what; ///< for the log
+        AtStart atStart;
         std::function<void()> apply;
     };
 
@@ -71,6 +78,7 @@ private:
     void Reload();
     void ScheduleApply();
     std::vector<Applier> MakeAppliers();
+    void ApplyOrLog(Applier const& applier) const;
     void Apply();
     void ApplyTls();
     void ApplyWebPort();

@@ -16,8 +16,8 @@ constexpr std::chrono::milliseconds Pause{1};
 std::atomic<unsigned long> retriedAllocations = 0;
 std::atomic<std::chrono::milliseconds> longestWait;
 
-/// `new` calls it as long as an allocation fails, right after it returned, and does not say for which allocation: a
-/// later call belongs to another one.
+/// `operator new` calls this after each failed attempt; a call that comes later than one pause belongs to another
+/// allocation.
 void WaitForMemory() {
     thread_local Clock::time_point begin;
     thread_local Clock::time_point returned;

@@ -28,7 +28,7 @@ std::vector<configuration::Schema> MakeAccessSchemas() {
         {AuthenticatePath, access.authenticate, "Whether clients have to log in"},
         {NonceSecondsPath,
          number(access.nonceLife.count()),
-         "Seconds for which the challenge of a login counts",
+         "Seconds for which a login challenge is valid",
          {},
          Between(1, number(LongestNonceLife.count()))},
         {ConnectionsPath, number(limits.connections), "Connections in all", {}, Between(1, MostConnections)},

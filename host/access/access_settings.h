@@ -9,7 +9,7 @@
 
 namespace zarn::host {
 
-/// How clients log in, on the web server and the RTSP server alike.
+/// The login settings that the web server and the RTSP server share.
 struct AccessSettings {
     bool authenticate = true;               ///< whether clients have to log in
     std::chrono::seconds nonceLife{300};    ///< how long a nonce of the web server is accepted

@@ -66,10 +66,8 @@ bool IsHost(network::Authority const& authority) {
         boost::asio::ip::make_address_v6(authority.host, error);
         return !error && authority.host.find('%') == authority.host.npos;
     }
-    return std::ranges::all_of(authority.host, [](char c) {
-        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '.' || c == '-' ||
-               c == '_';
-    });
+    return std::ranges::all_of(authority.host,
+                               [](char c) { return text::IsAlphanumeric(c) || c == '.' || c == '-' || c == '_'; });
 }
 
 } // namespace

@@ -16,7 +16,7 @@ namespace {
 /// In the order of MqttState.
 constexpr std::array StateNames{"off", "connecting", "connected", "waiting"};
 
-/// Any client may ask for the status.
+/// The status is public, so the list is bounded.
 constexpr std::size_t LongestList = 1000;
 
 } // namespace

@@ -5,12 +5,14 @@
 #include <zarn/json/parse.h>
 #include <zarn/text/character.h>
 
+#include <boost/algorithm/hex.hpp>
 #include <boost/json/array.hpp>
 #include <boost/json/object.hpp>
 #include <boost/json/serialize.hpp>
 #include <boost/json/string.hpp>
 
 #include <algorithm>
+#include <iterator>
 #include <span>
 
 namespace zarn::host::events {
@@ -21,23 +23,16 @@ constexpr std::size_t MostBytes = 80;
 
 /// Escapes DEL and C1, which control terminals and which the serializer leaves as they are.
 std::string EscapeOthers(std::string_view text) {
-    constexpr std::string_view Digits = "0123456789abcdef";
     std::string escaped;
-    auto const append = [&](unsigned char code) {
-        escaped += "\\u00";
-        escaped += Digits[code >> 4U];
-        escaped += Digits[code & 0xfU];
-    };
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        auto const byte = static_cast<unsigned char>(text[i]);
-        bool const c1 = byte == 0xc2 && i + 1 < text.size() && static_cast<unsigned char>(text[i + 1]) < 0xa0;
-        if (byte == 0x7f) {
-            append(byte);
-        } else if (c1) {
-            append(static_cast<unsigned char>(text[++i]));
+    while (!text.empty()) {
+        auto const [length, valid, printable] = text::ReadCharacter(text);
+        if (printable) {
+            escaped += text.substr(0, length);
         } else {
-            escaped += text[i];
+            escaped += "\\u00"; // the last byte is the code
+            boost::algorithm::hex_lower(text.substr(length - 1, 1), std::back_inserter(escaped));
         }
+        text.remove_prefix(length);
     }
     return escaped;
 }
@@ -52,7 +47,7 @@ std::string QuoteText(std::string_view text) {
 /// A key as messages name it: as it is when it is a word, else quoted.
 std::string QuoteKey(std::string_view key) {
     bool const isWord = !key.empty() && key.size() <= MostBytes && std::ranges::all_of(key, [](char c) {
-        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' || c == '-';
+        return text::IsAlphanumeric(c) || c == '_' || c == '-';
     });
     return isWord ? std::string(key) : QuoteText(key);
 }

@@ -80,6 +80,7 @@ public:
             throw;
         }
         Replace(std::move(next));
+        server->Start();
     }
 
     void SetAuthentication(bool authenticate, std::string const& ha1) {

@@ -22,8 +22,9 @@ namespace zarn::host::video {
 /// snapshot's callback.
 class Engine {
 public:
-    /// Starts the RTSP server, with no channels yet.
-    /// Throws std::runtime_error when the port cannot be bound, which names the port, or a thread cannot be started.
+    /// Binds the RTSP port. Connections wait until SetChannels() is called for the first time, so that no client meets
+    /// a server whose settings are incomplete. Throws std::runtime_error when the port cannot be bound, which names the
+    /// port, or a thread cannot be started.
     explicit Engine(RtspSettings const& settings);
 
     /// Stop().
@@ -36,12 +37,12 @@ public:
     /// undisturbed; one whose source changed restarts; one that is gone ends, and so do its streams. A source that
     /// CheckSource() refuses leaves its channel Failed. So does a channel for which no thread can be
     /// started, until it is set again. Waits until what ends has ended, under half a second: a source that hangs is
-    /// left to itself. Throws std::invalid_argument when two channels have the same identifier; nothing has changed
-    /// then. Does nothing after Stop().
+    /// left to itself. Then the RTSP server accepts connections, if it did not before. Throws std::invalid_argument
+    /// when two channels have the same identifier; nothing has changed then. Does nothing after Stop().
     void SetChannels(std::vector<ChannelSettings> const& channels);
 
     /// Switches authentication for new connections; `ha1` as in RtspSettings. Existing connections keep the
-    /// authentication that they were accepted with.
+    /// authentication that they were accepted with. The same again changes nothing.
     void SetAuthentication(bool authenticate, std::string const& ha1);
 
     /// Bounds for new connections.

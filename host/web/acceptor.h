@@ -36,7 +36,7 @@ public:
 
 private:
     void AwaitConnections();
-    boost::system::error_code AcceptWaiting() noexcept;
+    boost::system::error_code AcceptWaiting(int most) noexcept;
 
     boost::asio::io_context& io;
     boost::asio::ip::tcp::acceptor acceptor; ///< used on its own strand only

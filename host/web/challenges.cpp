@@ -30,7 +30,7 @@ void Append(std::string& text, std::uint64_t number) {
     text.append(NumberLength - length, '0').append(digits.data(), length);
 }
 
-std::uint64_t Hash(authentication::DigestCredentials const& response) {
+std::uint64_t Hash(authentication::DigestUse const& response) {
     std::string text;
     text.reserve(response.nonce.size() + response.nc.size() + response.cnonce.size() + 2);
     // A header field holds no line end.
@@ -73,8 +73,7 @@ std::string Nonces::Sign(std::string_view text) const {
     return hex;
 }
 
-bool UsedResponses::Add(authentication::DigestCredentials const& response, Clock::time_point made,
-                        Clock::time_point now) {
+bool UsedResponses::Add(authentication::DigestUse const& response, Clock::time_point made, Clock::time_point now) {
     auto const hash = Hash(response);
     std::vector<Slices::node_type> dropped; // destroyed when the lock is free again
     std::lock_guard const lock(mutex);
@@ -114,7 +113,7 @@ void Challenges::SetLife(std::chrono::seconds value) {
 
 std::string Challenges::MakeNonce() { return nonces.Make(clock()); }
 
-bool Challenges::Accept(authentication::DigestCredentials const& response) {
+bool Challenges::Accept(authentication::DigestUse const& response) {
     auto const now = clock();
     auto const made = nonces.GetTime(response.nonce);
     if (!made || now - *made >= life.load()) return false;

@@ -57,7 +57,7 @@ public:
 
     /// Remembers a response whose nonce was made at `made`, in whole milliseconds. False when it was used before, or
     /// may be among those that were dropped.
-    bool Add(authentication::DigestCredentials const& response, Clock::time_point made, Clock::time_point now);
+    bool Add(authentication::DigestUse const& response, Clock::time_point made, Clock::time_point now);
 
     std::size_t GetSize() const;
 
@@ -104,7 +104,7 @@ public:
 
     /// A response with neither nc nor cnonce cannot be told from another one of the same client, so that
     /// it may be used as long as its nonce is valid.
-    bool Accept(authentication::DigestCredentials const& response) override;
+    bool Accept(authentication::DigestUse const& response) override;
 
 private:
     std::function<Clock::time_point()> clock;

@@ -43,15 +43,14 @@ void Dispatcher::Handle(boost::asio::ip::address const& peer, std::shared_ptr<In
                         Limits const& limits, Done done) {
     if (!request->FindField("Authorization").empty()) {
         if (auto const wait = failedLogins.GetWait(peer)) {
-            throttled.Log(Level::Warning, "%0% sent too many wrong passwords, refused for %1% s", peer.to_string(),
-                          wait->count());
+            throttled.Log(Level::Warning, "%0% sent too many wrong passwords, refused for %1% s", peer, wait->count());
             return done(MakeTextReply(Status::TooManyRequests, "Too many wrong logins; try again later.",
                                       {{"Retry-After", std::to_string(wait->count())}}));
         }
     }
     auto slot = admission.BeginExchange(limits);
     if (!slot) {
-        overloaded.Log(Level::Warning, "Refused a request from %0%: %1% exchanges are under way", peer.to_string(),
+        overloaded.Log(Level::Warning, "Refused a request from %0%: %1% exchanges are under way", peer,
                        limits.exchanges);
         return done(MakeTextReply(Status::ServiceUnavailable, "Too many requests are under way; try again later.",
                                   {{"Retry-After", "1"}}));

@@ -8,7 +8,7 @@
 namespace zarn::host::web {
 
 /// The bounds of the web server that the configuration sets (`settings.limits`). They may change while it runs; each
-/// request goes by the bounds that stand when it begins.
+/// request keeps the bounds in force when it starts.
 struct Limits {
     /// Connections in all; further ones are answered 503 and closed.
     std::size_t connections = ConnectionLimits().connections;
@@ -26,7 +26,8 @@ struct Limits {
     /// handshake.
     std::chrono::seconds headerTime{10};
 
-    /// How long a connection may be silent between requests, and how long a body may take to come and a response to go.
+    /// How long a connection may be silent between requests, and how long receiving a body or sending a response
+    /// may take.
     std::chrono::seconds idleTime{60};
 
     bool operator==(Limits const&) const = default;

@@ -149,14 +149,15 @@ void PendingTicker::ArmLocked(Clock::time_point when) {
     if (armed && *armed <= when) return;
     armed = when;
     timer.expires_at(when);
-    timer.async_wait(boost::asio::bind_executor(strand, [this](boost::system::error_code error) {
-        if (error) return; // cancelled because an earlier time was set
-        {
-            std::lock_guard const lock(mutex);
-            armed.reset();
-        }
-        Tick();
-    }));
+    timer.async_wait(
+        boost::asio::bind_executor(strand, [this, life = std::weak_ptr(alive)](boost::system::error_code error) {
+            if (error || life.expired()) return; // an earlier time was set, or the ticker was destroyed
+            {
+                std::lock_guard const lock(mutex);
+                armed.reset();
+            }
+            Tick();
+        }));
 }
 
 } // namespace zarn::host::web

@@ -25,7 +25,7 @@ public:
     /// Called once with the reply, on a thread of the I/O context or within Watch.
     using Done = std::function<void(Reply)>;
 
-    /// io  runs the timer; must outlive the ticker, and must not run while the ticker is destroyed or afterwards.
+    /// io  runs the timer; must outlive the ticker, and must not run while the ticker is destroyed.
     /// What is still pending then is dropped without a call.
     explicit PendingTicker(boost::asio::io_context& io);
 
@@ -57,6 +57,8 @@ private:
     logging::LimitedLogger throwing{"zarn.host.web"};
     logging::LimitedLogger failing{"zarn.host.web"};
     boost::asio::strand<boost::asio::io_context::executor_type> strand;
+
+    std::shared_ptr<bool const> const alive = std::make_shared<bool>(true); ///< observed by the handler of the timer
 
     std::mutex mutex; ///< guards the members up to the next blank line
     boost::asio::steady_timer timer;

@@ -87,7 +87,7 @@ bool NamesVersion(std::string_view received) {
 
 std::optional<Reply> CheckLength(RequestParser const& parser) {
     auto const& header = parser.get();
-    // A proxy in front of this server might see another end of a body with another coding.
+    // A proxy in front of this server might see another end of a body with another transfer coding.
     if (header.count(http::field::transfer_encoding) > 0 &&
         (header.version() < 11 || !boost::beast::iequals(header[http::field::transfer_encoding], "chunked"))) {
         return MakeTextReply(Status::BadRequest, "The only supported transfer coding is chunked, in HTTP/1.1.");

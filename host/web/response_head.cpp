@@ -31,7 +31,7 @@ bool IsValue(std::string_view value) {
 /// locale, whatever the process uses. Source: RFC 9110, 5.6.7.
 std::string_view GetDate() {
     static locale_t const c = newlocale(LC_ALL_MASK, "C", nullptr);
-    thread_local std::time_t made = 0;
+    thread_local std::time_t made = -1; // never
     thread_local std::array<char, 40> text{};
     std::time_t const now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
     if (now != made) {

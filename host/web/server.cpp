@@ -165,7 +165,7 @@ void Server::Impl::OnAccepted(Socket socket) {
         secure = tls;
     }
     if (!slot) {
-        refusals.Log(Level::Warning, "Refused a connection from %0%: too many are open", peer.to_string());
+        refusals.Log(Level::Warning, "Refused a connection from %0%: too many are open", peer);
         if (!secure) RefuseConnection(std::move(socket));
         return;
     }

@@ -21,7 +21,7 @@ std::shared_ptr<boost::asio::ssl::context> ReadTls(configuration::node::Root con
 /// A TLS server context with a certificate chain and its key, both PEM files: TLS 1.2 or newer.
 /// Throws std::runtime_error that names the setting, the file and the reason when a file cannot be read or the key does
 /// not belong to the certificate. A certificate that has expired or is not valid yet is used, with a warning in the
-/// log. A key that is protected by a password is refused, since nobody can type it.
+/// log. A key that is protected by a password is refused, because there is no one to enter it.
 std::shared_ptr<boost::asio::ssl::context> MakeTlsContext(std::string const& certificate,
                                                           std::string const& privateKey);
 

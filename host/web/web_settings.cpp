@@ -33,7 +33,7 @@ std::vector<configuration::Schema> MakeWebSchemas() {
         {BodyBytesPath, number(limits.bodyBytes), "Bytes of a request's body", {}, Between(1024, 1024 * 1024 * 1024)},
         {HeaderSecondsPath,
          number(limits.headerTime.count()),
-         "Seconds that the header of a request may take to come",
+         "Seconds that the header of a request may take to arrive",
          {},
          Between(1, 3600)},
         {IdleSecondsPath,

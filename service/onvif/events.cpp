@@ -3,6 +3,7 @@
 #include "device.h"
 #include "events/create_base_event.h"
 #include "events/types.h"
+#include "filter.h"
 #include "soap_context.h"
 
 #include <zarn/chrono/add.h>
@@ -70,24 +71,6 @@ system_clock::time_point ReadTermination(std::string const* text, system_clock::
     return chrono::FromIso8601(*text);
 }
 
-/// The topics of a filter: those of its last expression, whatever its kind and dialect. Text beside expressions is
-/// none.
-Subscription::Topics ReadTopics(wsnt__FilterType const* filter) {
-    Subscription::Topics topics;
-    if (!filter) return topics;
-    auto const& parts = filter->__any;
-    auto const last = std::find_if(parts.rbegin(), parts.rend(), [](auto const& part) { return part.name != nullptr; });
-    if (last == parts.rend()) return topics;
-    char const* const text = soap_elt_get_text(&*last);
-    std::string_view rest(text ? text : "");
-    for (auto end = rest.find('|'); end != rest.npos; end = rest.find('|')) {
-        topics.emplace(rest.substr(0, end));
-        rest.remove_prefix(end + 1);
-    }
-    topics.emplace(rest);
-    return topics;
-}
-
 int CannotExtractId(soap* soap) {
     return SoapFault(soap, FaultCode::Sender, "Unable to extract subscription ID", "ter:InvalidArgs");
 }
@@ -98,8 +81,9 @@ int NotFound(soap* soap) {
 
 } // namespace
 
-EventsService::EventsService(struct soap* soap, URIBase uriBase, ZarnAuthenticationEngine const* engine)
-    : Service(soap, engine), URIBase(uriBase) {
+EventsService::EventsService(struct soap* soap, URIBase uriBase, ZarnAuthenticationEngine const* engine,
+                             std::string_view message)
+    : Service(soap, engine), URIBase(uriBase), message(message) {
     Subscription::RegisterForEvents();
 }
 
@@ -118,7 +102,7 @@ int EventsService::CreatePullPointSubscription(Authenticated, _tev__CreatePullPo
                                                _tev__CreatePullPointSubscriptionResponse& response) {
     auto const& request = OrEmpty(given);
     auto const termination = ReadTermination(request.InitialTerminationTime, system_clock::now());
-    auto const id = Subscription::Create(termination, ReadTopics(request.Filter));
+    auto const id = Subscription::Create(termination, ReadTopics(message));
     auto const address = GetBaseUri() + EventsServicePath + '/' + SubscriptionMarker + std::to_string(id);
     response.SubscriptionReference.Address = soap_strdup(soap, address.c_str());
     response.wsnt__CurrentTime = ToSeconds(system_clock::now());

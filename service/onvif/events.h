@@ -7,6 +7,7 @@
 #include <soapPullPointSubscriptionBindingService.h>
 
 #include <memory>
+#include <string_view>
 #include <vector>
 
 namespace zarn::service::onvif {
@@ -15,7 +16,8 @@ namespace zarn::service::onvif {
 class EventsService final : public Service<PullPointSubscriptionBindingService>, private URIBase {
 public:
     /// The first one registers for the host's events, for as long as the library is loaded.
-    EventsService(struct soap* soap, URIBase uriBase, ZarnAuthenticationEngine const* engine);
+    /// message  the SOAP message of the request; must outlive the service
+    EventsService(struct soap* soap, URIBase uriBase, ZarnAuthenticationEngine const* engine, std::string_view message);
 
     /// The capabilities of this service, allocated in the context; null without memory.
     static tev__Capabilities* MakeServiceCapabilities(struct soap* soap);
@@ -30,6 +32,8 @@ private:
     /// Appends the event's message, if it has one that the client wants; returns whether it counts towards the limit.
     bool Append(std::shared_ptr<meta::data::Event> const& event, Subscription::Topics const& topics,
                 std::vector<wsnt__NotificationMessageHolderType*>& messages);
+
+    std::string_view message;
 };
 
 } // namespace zarn::service::onvif

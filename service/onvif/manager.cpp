@@ -124,7 +124,7 @@ public:
         bool const ssl = sslEnabled;
         URIBase const uriBase(serverPort, ssl);
         DeviceService device(soap, uriBase, authenticationEngine, nameConfig, configuration);
-        EventsService events(soap, uriBase, authenticationEngine);
+        EventsService events(soap, uriBase, authenticationEngine, request.GetBody());
         MediaService media(soap, configuration, channelInfo, ssl, authenticationEngine);
         Media2Service media2(soap, configuration, channelInfo, ssl, authenticationEngine);
         AnalyticsService analytics(soap, authenticationEngine);

@@ -25,7 +25,7 @@ using testing::EndsWith;
 using testing::HasSubstr;
 using testing::UnorderedElementsAre;
 
-/// Every call from the first on.
+/// Every call, starting with the first.
 constexpr int Always = 1 << 30;
 
 std::vector<std::string> InShell(std::string const& script) { return {"sh", "-ec", script + R"(; exec "$@")", "sh"}; }
@@ -56,11 +56,11 @@ TEST(Descriptors, RunOutWithoutAffectingLaterRequests) {
         connections.reserve(64);
         for (int i = 0; i < 64; ++i) connections.push_back(std::make_unique<RawConnection>(host.GetPort()));
         ASSERT_TRUE(host.GetProcess().WaitForLog("Cannot accept a connection: Too many open files"));
-        EXPECT_TRUE(Eventually([&] { return countLines() >= 2; })) << "it does not try again";
+        EXPECT_TRUE(Eventually([&] { return countLines() >= 2; })) << "accept was not retried";
     }
     int const lines = countLines();
     auto const took = std::chrono::steady_clock::now() - begun;
-    EXPECT_LE(lines, took / 1s + 1) << "one a second is enough";
+    EXPECT_LE(lines, took / 1s + 1) << "logged more than once per second";
     EXPECT_EQ(Ask(host), 200U);
 }
 
@@ -82,7 +82,7 @@ TEST(Memory, ShortForASecondOnlyDelaysRequests) {
     EXPECT_TRUE(host.GetProcess().WaitForLog("Low memory: "));
 }
 
-/// No file may grow: the system answers as for a full disk, and sends a signal that ends most programs.
+/// File size limit of zero: writes fail as on a full disk, and raise a signal that terminates most programs.
 TEST(Disk, AcceptingNoDataFailsTheFirstStartAndLeavesNoFile) {
     TemporaryFolder const folder;
     auto const process = HostProcess::Launch({.configuration = "", .launcher = InShell("ulimit -f 0")}, folder);
@@ -118,7 +118,7 @@ TEST(Disk, FullAtRunTimeOnlyStopsTheBackupCopy) {
     EXPECT_EQ(folder->Read("config.json.good"), before);
     control.Disarm();
     EXPECT_EQ(Ask(host), 200U);
-    // It may be writing the next copy.
+    // The host may still be writing the next copy.
     EXPECT_TRUE(Eventually([&] {
         return testing::Matches(UnorderedElementsAre("config.json", "config.json.good", "config.json.credentials",
                                                      "failing_calls"))(ListFiles(*folder));

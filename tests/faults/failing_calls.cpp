@@ -1,7 +1,7 @@
-// Loaded before a process (LD_PRELOAD), makes its n-th call of one kind fail. Memory: operator new whoever calls it;
-// malloc and its kin for callers in this project's files and in gSOAP only, since GLib ends the process by design when
-// it gets none.
-// Else the C library's headers define some of these functions themselves, as checking ones.
+// Preloaded into a process (LD_PRELOAD), makes its n-th call of one kind fail. Memory: operator new fails for every
+// caller; malloc and related functions only for callers in this project's files and in gSOAP, because GLib aborts by
+// design when an allocation fails.
+// Otherwise the C library's headers define checking versions of some of these functions.
 #undef _FORTIFY_SOURCE
 
 #include "faults/failing_calls.h"
@@ -40,7 +40,7 @@ namespace {
 using zarn::test::Call;
 using zarn::test::Control;
 
-/// Maps the test's file. With system calls only: this runs before anything else in the process.
+/// Maps the test's file. Uses only system calls because it runs before anything else in the process.
 Control* MapControl() {
     char const* const path = std::getenv(zarn::test::ControlVariable);
     if (path == nullptr) return nullptr;
@@ -59,7 +59,7 @@ struct Range {
     std::uintptr_t end;
 };
 
-/// Where the code lies whose calls may fail.
+/// Address ranges of the code whose calls may fail.
 struct Ranges {
     std::array<Range, 8> entries{};
     std::size_t count = 0;
@@ -93,7 +93,7 @@ bool IsOurs(void const* caller) {
     return false;
 }
 
-/// Counts a call; whether it is to fail, with errno set then.
+/// Counts a call. If it must fail, sets errno and returns true.
 bool Fails(Call call, void const* caller) {
     if (control == nullptr || control->call.load(std::memory_order_acquire) != static_cast<int>(call)) return false;
     if (!IsOurs(caller)) return false;
@@ -110,7 +110,7 @@ using Main = int (*)(int, char**, char**);
 
 Main wrappedMain = nullptr;
 
-/// What happens before main has no caller who could do anything about a failure.
+/// Starts counting at main; nothing could handle a failure before it.
 int RunMain(int count, char** arguments, char** environment) {
     control = MapControl();
     return wrappedMain(count, arguments, environment);
@@ -120,7 +120,7 @@ int RunMain(int count, char** arguments, char** environment) {
 
 // NOLINTBEGIN(readability-identifier-naming)
 
-/// As the standard has it: whoever set a handler is asked to find memory, again and again until that gives up.
+/// As the standard requires, calls the new-handler repeatedly until it finds memory or throws.
 void* operator new(std::size_t size) {
     void const* const caller = __builtin_return_address(0);
     for (;;) {
@@ -146,7 +146,7 @@ void* realloc(void* memory, std::size_t size) {
     return Fails(Call::Malloc, __builtin_return_address(0)) ? nullptr : __libc_realloc(memory, size);
 }
 
-/// A function that stands before the system's of the same name, and fails with -1.
+/// Defines a function that overrides the system's and fails with -1.
 #define ZARN_FAILING(call, result, name, parameters, arguments)                                                        \
     result name parameters {                                                                                           \
         using Function = result(*) parameters;                                                                         \
@@ -191,7 +191,7 @@ ZARN_FAILING(ChangeMode, int, fchmod, (int fd, mode_t mode), (fd, mode))
 ZARN_FAILING(ChangeMode, int, chmod, (char const* path, mode_t mode), (path, mode))
 ZARN_FAILING(Close, int, close, (int fd), (fd))
 
-/// The mode is there only when a file may be made.
+/// The mode argument is present only when the file may be created.
 int open(char const* path, int flags, ...) {
     using Function = int (*)(char const*, int, ...);
     static auto const System = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "open"));
@@ -203,7 +203,7 @@ int open(char const* path, int flags, ...) {
     return System(path, flags, mode);
 }
 
-/// Fails with its result, not with errno (pthread_create(3)).
+/// Reports errors by return value, not by errno (pthread_create(3)).
 int pthread_create(pthread_t* thread, pthread_attr_t const* attributes, void* (*function)(void*), void* argument) {
     using Function = decltype(&pthread_create);
     static auto const System = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "pthread_create"));

@@ -6,7 +6,7 @@
 
 namespace zarn::test {
 
-/// The calls that can be made to fail. The order is that of CallNames.
+/// The calls that can be made to fail, in the order of CallNames.
 enum class Call : int {
     None,
     New,
@@ -62,13 +62,13 @@ constexpr std::array<char const*, static_cast<std::size_t>(Call::Count)> CallNam
                                                                                    "Close",
                                                                                    "CreateThread"};
 
-/// What a test and the process under it share, in a file that both have mapped: the test can say which call is to fail
-/// while the process runs. `left` is set last and counts down: the call that takes it from 1 to 0 fails, and with it
-/// `width` - 1 further ones.
+/// Shared by a test and the process under test, in a file that both map, so that the test can select the failing call
+/// at run time. `left` is set last and counts down: the call that takes it from 1 to 0 fails, as do the next `width` -
+/// 1 calls.
 struct Control {
-    std::atomic<int> call;  ///< a Call; None: nothing fails and nothing is counted
-    std::atomic<int> left;  ///< calls up to the one that fails
-    std::atomic<int> width; ///< how many fail in a row; 0 counts as 1
+    std::atomic<int> call;  ///< a Call; None: no failures, no counting
+    std::atomic<int> left;  ///< calls up to and including the first failing one
+    std::atomic<int> width; ///< number of consecutive failures; 0 means 1
     std::atomic<int> error; ///< errno of the failure
     std::atomic<int> made;  ///< calls counted so far
     std::atomic<int> failed;

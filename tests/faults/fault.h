@@ -7,7 +7,7 @@
 
 namespace zarn::test {
 
-/// What goes wrong, and as what.
+/// The call that fails, and its errno.
 struct Fault {
     Call call;
     int error;

@@ -8,30 +8,30 @@
 
 namespace zarn::test {
 
-/// So that the count of all calls is known, none of which is to fail.
+/// For counting all calls of a kind without making any fail.
 inline constexpr int Never = 1 << 30;
 
-/// The test's hand on the calls of one process: see failing_calls.cpp.
+/// Controls the failing calls of one process; see failing_calls.cpp.
 class FaultControl {
 public:
-    /// folder  takes the file that test and process share
-    /// Throws std::system_error when it cannot be made.
+    /// folder  holds the file that test and process share
+    /// Throws std::system_error when the file cannot be created.
     explicit FaultControl(TemporaryFolder const& folder);
     ~FaultControl();
 
     FaultControl(FaultControl const&) = delete;
     FaultControl& operator=(FaultControl const&) = delete;
 
-    /// What the process has to find in its environment.
+    /// Environment variables to pass to the process.
     std::map<std::string, std::string> const& GetEnvironment() const { return environment; }
 
-    /// From now on the n-th call of a kind fails with an errno, and with it width - 1 further ones.
+    /// Makes the n-th call of a kind from now on, and the next `width` - 1 calls, fail with `error`.
     void Arm(Call call, int n, int error, int width = 1);
 
-    /// From now on none fails.
+    /// Stops all failures.
     void Disarm();
 
-    /// What has happened since Arm.
+    /// Results since Arm.
     bool HasFailed() const { return control->failed > 0; }
 
     int CountCalls() const { return control->made; }

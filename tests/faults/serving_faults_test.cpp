@@ -20,7 +20,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// More rounds than this would take a test longer than half a minute: then every so many calls only.
+/// Limits the test to half a minute: with more calls than this, only some of them fail, at even intervals.
 constexpr int MostRounds = 400;
 
 constexpr char const* ServingConfiguration = R"({
@@ -40,7 +40,7 @@ std::string MakeSoap(std::string const& path, std::string const& operation) {
                         "</s:Body></s:Envelope>");
 }
 
-/// One of each kind of work that clients give.
+/// One request of each kind.
 std::vector<std::string> MakeRequests() {
     return {
         MakeSoapRequest("GetSystemDateAndTime"),
@@ -57,13 +57,13 @@ std::vector<std::string> MakeRequests() {
     };
 }
 
-/// A host whose calls fail while it serves.
+/// A host in which calls fail while it serves requests.
 class FailureWhileServing : public testing::TestWithParam<Fault> {
 protected:
     FailureWhileServing()
         : host({.configuration = ServingConfiguration, .environment = control.GetEnvironment(), .folder = folder}) {}
 
-    /// Every client gets an answer or the end of its connection.
+    /// Expects an answer or a closed connection for every request.
     void AskEverything() const {
         for (auto const& request : requests) {
             try {
@@ -75,7 +75,7 @@ protected:
         }
     }
 
-    /// What was to fail has failed, and now everything is well again.
+    /// Expects that the failure has occurred and that the host serves normally again.
     void ExpectThatItServes() const {
         for (auto const& request : requests) {
             auto const status = RawConnection(host.GetPort()).Exchange(request).status;
@@ -91,12 +91,12 @@ protected:
 };
 
 TEST_P(FailureWhileServing, AffectsNoOtherRequest) {
-    AskEverything(); // what is made once is made
+    AskEverything(); // finish one-time initialisation
     control.Arm(GetParam().call, Never, GetParam().error);
     AskEverything();
     int const calls = control.CountCalls();
     control.Disarm();
-    ASSERT_GT(calls, 0) << "no such call is made";
+    ASSERT_GT(calls, 0) << "the host never makes this call";
     int const stride = std::max(1, calls / MostRounds);
     for (int n = 1; n <= calls && !HasFailure(); n += stride) {
         SCOPED_TRACE("call " + std::to_string(n) + " of " + std::to_string(calls));

@@ -21,13 +21,13 @@ using testing::AnyOf;
 using testing::HasSubstr;
 using testing::MatchesRegex;
 
-/// More starts than this would take a test longer than half a minute: then every so many calls only.
+/// Limits the test to half a minute: with more calls than this, only some of them fail, at even intervals.
 constexpr int MostStarts = 60;
 
 constexpr char const* Configuration =
     R"({"identity": {"model": "M-81"}, "settings": {"web_port": 0, "rtsp_port": 0}, "channels": {"1": {}}})";
 
-/// One start of a host in a folder of its own, in which a call fails.
+/// One start of a host in its own folder, during which a call fails.
 class FailingStart {
 public:
     FailingStart(Fault const& fault, int n, std::string const& configuration) : control(*folder) {
@@ -38,7 +38,7 @@ public:
                                       *folder);
     }
 
-    /// Whether the call was made at all, when the host serves or has ended.
+    /// Waits until the host serves or has ended. Returns true if the failing call was made.
     bool Expect() {
         bool const ready = process->WaitForOutput("/onvif/device_service\n");
         bool const failed = control.HasFailed();
@@ -69,14 +69,14 @@ private:
 
     void ExpectThatItHasEndedWell() const {
         auto const status = process->Wait();
-        ASSERT_TRUE(status) << "it neither serves nor ends";
+        ASSERT_TRUE(status) << "the host neither serves nor exits";
         EXPECT_THAT(*status, AnyOf(1, 2));
         auto const log = process->GetLog();
         auto const line = log.substr(log.rfind('\n', log.size() - 2) + 1);
-        EXPECT_THAT(line, MatchesRegex("zarn-host: .+\n")) << "no line says why";
+        EXPECT_THAT(line, MatchesRegex("zarn-host: .+\n")) << "the error line is missing";
     }
 
-    /// What is there is whole: a file of the configuration holds JSON, one of the credentials its line.
+    /// Expects complete files: the configuration is valid JSON, the credentials a complete line.
     void ExpectWholeFiles() const {
         for (auto const* name : {"config.json", "config.json.good"}) {
             if (!std::filesystem::exists(*folder / name)) continue;
@@ -92,17 +92,17 @@ private:
     std::unique_ptr<Process> process;
 };
 
-/// Every call of a kind fails in turn; of more than MostStarts, that many of them, from the first to the last.
+/// Makes each call of a kind fail in turn, or an evenly spaced subset when there are more than MostStarts.
 void FailEachInTurn(Fault const& fault, std::string const& configuration) {
     FailingStart whole(fault, Never, configuration);
     EXPECT_FALSE(whole.Expect());
     int const calls = whole.CountCalls();
-    ASSERT_GT(calls, 0) << "no such call is made";
+    ASSERT_GT(calls, 0) << "the host never makes this call";
     int const stride = std::max(1, calls / MostStarts);
     int failures = 0;
     for (int n = 1; n <= calls && !testing::Test::HasFailure(); n += stride)
         failures += FailingStart(fault, n, configuration).Expect() ? 1 : 0;
-    // Threads come to their calls in no order, so that the last may be missing.
+    // Threads make their calls in varying order, so the last one may not occur.
     EXPECT_GE(failures, calls / stride * 3 / 4);
     testing::Test::RecordProperty("calls", calls);
 }
@@ -123,7 +123,7 @@ INSTANTIATE_TEST_SUITE_P(Faults, FailureAtStart,
                                          Fault{Call::Close, EIO}, Fault{Call::CreateThread, EAGAIN}),
                          [](auto const& row) { return NameOf(row.param); });
 
-/// The first start writes the configuration too, and opens pipelines.
+/// A first start also writes the configuration, and opens pipelines.
 class FailureAtFirstStart : public testing::TestWithParam<Fault> {};
 
 TEST_P(FailureAtFirstStart, LeavesNoPartialConfiguration) { FailEachInTurn(GetParam(), ""); }

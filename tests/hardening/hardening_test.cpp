@@ -22,7 +22,7 @@ struct Built {
 
 void PrintTo(Built const& built, std::ostream* stream) { *stream << built.path; }
 
-/// What cmake/ZarnHardening.cmake asks for, as it can be seen in the files that are shipped.
+/// Verifies the options from cmake/ZarnHardening.cmake in the shipped files.
 class Hardening : public testing::TestWithParam<Built> {
 protected:
     ElfFile file{GetParam().path};
@@ -35,14 +35,14 @@ std::vector<std::string> GetTakenNames(ElfFile const& file) {
     return names;
 }
 
-/// Not the C library's start code, nor what the compiler's own library has added.
+/// False for the C library's start code and functions added by the compiler's runtime library.
 bool IsOurs(std::string_view name) {
     return name == "main" || name.starts_with("soap_") || name.find("4zarn") != std::string_view::npos;
 }
 
 TEST_P(Hardening, CodeIsPositionIndependent) {
     EXPECT_EQ(file.GetType(), ET_DYN);
-    EXPECT_FALSE(file.FindDynamic(DT_TEXTREL)) << "code is written to when it is loaded";
+    EXPECT_FALSE(file.FindDynamic(DT_TEXTREL)) << "text relocations modify code at load time";
     bool const program = std::string_view(GetParam().path).ends_with("zarn-host");
     EXPECT_EQ((file.FindDynamic(DT_FLAGS_1).value_or(0) & DF_1_PIE) != 0, program);
 }
@@ -67,8 +67,8 @@ TEST_P(Hardening, LibraryCallsAreFortified) {
 }
 
 #if defined(__x86_64__)
-/// The mark of the whole file, which the linker sets when every input carries it, is missing in any case: the start
-/// code of Debian's C library does not. So the functions are looked at.
+/// Checks each function, because the linker's mark for the whole file is always missing: it requires the mark in every
+/// input, and Debian's C library start code lacks it.
 TEST_P(Hardening, ExportedFunctionsBeginWithEndbr64) {
     constexpr std::string_view Endbr64 = "\xf3\x0f\x1e\xfa";
     std::vector<std::string> unmarked;

@@ -20,7 +20,7 @@ using testing::Key;
 using testing::Not;
 using testing::Pair;
 
-/// A client that logs in to a host and keeps its challenge, as far as its test lets it.
+/// A client that logs in and keeps its challenge. Tests may change its credentials.
 class Client {
 public:
     explicit Client(HostProcess const& host) : connection(host.GetPort()) {
@@ -28,15 +28,15 @@ public:
         credentials.nonce = ReadChallenge(Ask("")).at("nonce");
     }
 
-    /// The answer to an operation with this Authorization field; empty: with none.
+    /// The answer to an operation with this Authorization value; empty: no such field.
     RawResponse Ask(std::string const& authorization, std::string const& operation = "GetDeviceInformation") {
         return Send(Write(authorization, operation));
     }
 
-    /// The answer to an operation with the present credentials.
+    /// The answer to an operation with the current credentials.
     RawResponse AskWithCredentials() { return Ask(credentials.Write()); }
 
-    /// Sends a request as it is.
+    /// Sends a request unchanged.
     RawResponse Send(std::string const& request) { return connection.Exchange(request); }
 
     static std::string Write(std::string const& authorization, std::string const& operation = "GetDeviceInformation") {
@@ -83,9 +83,9 @@ TEST(Authentication, AcceptsOneChallengeOnAllPaths) {
     credentials.method = "GET";
     credentials.uri = "/snapshot/1/latest.jpeg";
     auto const get = "GET " + credentials.uri + " HTTP/1.1\r\nHost: h\r\nAuthorization: ";
-    EXPECT_THAT(client.Send(get + credentials.Write() + "\r\n\r\n"), SaysStale()); // the count has been used
+    EXPECT_THAT(client.Send(get + credentials.Write() + "\r\n\r\n"), SaysStale()); // the nonce count was already used
     credentials.count = "00000002";
-    EXPECT_EQ(client.Send(get + credentials.Write() + "\r\n\r\n").status, 503U); // no picture now
+    EXPECT_EQ(client.Send(get + credentials.Write() + "\r\n\r\n").status, 503U); // no picture available
 }
 
 TEST(Authentication, RejectsAReplayedRequest) {
@@ -158,7 +158,7 @@ TEST(Authentication, AnswersAnExpiredNonceWithANewChallenge) {
     };
     ASSERT_TRUE(Eventually(isRefused));
     EXPECT_THAT(refusal, SaysStale());
-    // On a busy machine the new nonce may expire, too: then take the next one.
+    // On a busy machine the new nonce may expire as well; then retry with the next one.
     EXPECT_TRUE(Eventually([&] {
         client.credentials.nonce = ReadChallenge(refusal).at("nonce");
         return !isRefused();
@@ -184,7 +184,7 @@ TEST(Authentication, AppliesTheConfiguredNonceLifetime) {
 
 class CurlOverTheLifeOfANonce : public testing::Test {
 protected:
-    /// Runs curl, which logs in, and returns what it has written about the answers.
+    /// Runs curl with a digest login and returns its output about the answers.
     std::string Curl(std::vector<std::string> arguments) {
         arguments.insert(arguments.begin(), {"curl", "-sS", "-v", "--digest", "-u", "admin:" + host.GetPassword(), "-w",
                                              "status %{http_code}\n"});
@@ -201,14 +201,14 @@ protected:
 TEST_F(CurlOverTheLifeOfANonce, SucceedsWithTheNextRequest) {
     auto const request = Client::Write("");
     auto const url = host.GetUrl() + "/onvif/device_service";
-    // One transfer each 1.5 seconds.
+    // One transfer every 1.5 seconds.
     EXPECT_EQ(Curl({"-o", "/dev/null", "--rate", "40/m", "-H", "Content-Type: application/soap+xml", "--data-binary",
                     request.substr(request.find("\r\n\r\n") + 4), url, "-o", "/dev/null", url}),
               "status 200\nstatus 200\n");
 }
 
 TEST_F(CurlOverTheLifeOfANonce, SucceedsAfterBeginningWithAnExpiredChallenge) {
-    // Its second try begins with the challenge of the first. 503: logged in, and there is no picture now.
+    // The retry reuses the challenge of the first attempt. 503: login succeeded, but no picture is available.
     EXPECT_THAT(Curl({"--retry", "1", "--retry-delay", "2", host.GetUrl() + "/snapshot/1/latest.jpeg"}),
                 testing::EndsWith("status 503\n"));
     EXPECT_THAT(log, testing::ContainsRegex("stale=true(.*\n)*.*503 Service Unavailable"));
@@ -269,7 +269,7 @@ TEST(Authentication, DoesNotRevealWhichUsersExist) {
         credentials.password = "guess";
         auto response = client.Ask(credentials.Write());
         EXPECT_THAT(response, IsPlainRefusal());
-        // What is different each time.
+        // Fields that differ in every response.
         response.fields.erase("date");
         auto& challenge = response.fields.at("www-authenticate");
         challenge.erase(challenge.find("nonce=\"") + 7, 64);

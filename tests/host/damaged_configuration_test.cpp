@@ -14,7 +14,7 @@ namespace {
 using testing::EndsWith;
 using testing::HasSubstr;
 
-/// A host that has run once with a model of its own, so that its configuration can be told from the default.
+/// A host that has run once with a custom model, so that its configuration differs from the default.
 class DamagedConfiguration : public testing::Test {
 protected:
     DamagedConfiguration() {
@@ -46,7 +46,7 @@ TEST_F(DamagedConfiguration, FallsBackToTheLastGoodCopyWhenTruncated) {
         "config.json: line 1, column 19: incomplete JSON: using the last good configuration, " +
         *folder / "config.json.good"))
         << host.GetProcess().GetLog();
-    EXPECT_EQ(folder->Read("config.json"), R"({"identity": {"mod)") << "somebody may be editing it";
+    EXPECT_EQ(folder->Read("config.json"), R"({"identity": {"mod)") << "overwrote a file that may still be edited";
 }
 
 TEST_F(DamagedConfiguration, IsRestoredFromTheCopyWhenMissing) {

@@ -21,19 +21,19 @@ using testing::Key;
 using testing::Not;
 using testing::Pair;
 
-/// One way to answer a challenge, and whether it is taken by the ONVIF module and by a path of the host itself.
+/// A form of digest answer, and whether the ONVIF module and the host's own paths accept it.
 struct Form {
     std::string name;
     std::function<std::string(DigestCredentials)> write;
     bool module;
     bool own;
-    std::string query = {};  ///< behind the path of the request line
-    std::string prefix = {}; ///< before it
+    std::string query = {};  ///< appended to the path of the request line
+    std::string prefix = {}; ///< prepended to the path
 };
 
 void PrintTo(Form const& form, std::ostream* stream) { *stream << form.name; }
 
-/// The usual way to write credentials that are changed first.
+/// Applies a change, then writes the credentials in the usual form.
 auto Change(std::function<void(DigestCredentials&)> change) {
     return [change = std::move(change)](DigestCredentials credentials) {
         change(credentials);
@@ -41,7 +41,7 @@ auto Change(std::function<void(DigestCredentials&)> change) {
     };
 }
 
-/// Right credentials whose text is changed afterwards.
+/// Writes valid credentials, then replaces part of the text.
 auto Replace(std::string from, std::string to) {
     return [from = std::move(from), to = std::move(to)](DigestCredentials const& credentials) {
         return boost::replace_all_copy(credentials.Write(), from, to);
@@ -100,7 +100,7 @@ Form const Forms[] = {
     {"QueryLeftOut", Change([](auto&) {}), true, true, "?a=b"},
     {"OtherQuery", Change([](auto& c) { c.uri += "?a=c"; }), false, false, "?a=b"},
     {"AbsoluteRequestTarget", Change([](auto&) {}), true, true, "", "http://localhost"},
-    // The module compares with the path that it is handed, whatever the answer says that it is for.
+    // The module compares with the path that it receives and ignores the uri parameter of the answer.
     {"AbsoluteUri", Change([](auto& c) { c.uri = "http://localhost" + c.uri; }), false, true, "", "http://localhost"},
     {"UriOfAnotherPathInAnAnswerForThisOne", Replace("uri=\"/", "uri=\"/other/"), true, false},
     {"Md5Sess", Change([](auto& c) { c.algorithm = "MD5-sess"; }), false, false},
@@ -128,7 +128,8 @@ protected:
 
     static void TearDownTestSuite() { host.reset(); }
 
-    /// Sends one request without and one with credentials on a connection, and a further one to see that it goes on.
+    /// On one connection, sends a request without credentials, one with them, and a final one to check that the
+    /// connection is still usable.
     static RawResponse Ask(std::string const& path, std::string const& body) {
         RawConnection connection(host->GetPort());
         auto const send = [&](std::string const& target, std::string const& fields) {

@@ -32,26 +32,26 @@ std::string ConfigureDiscovery(bool enabled, std::string const& location = "Hall
            std::to_string(webPort) + R"(, "onvif": {"enabled": )" + (enabled ? "true" : "false") + "}}}";
 }
 
-/// Configures the network of a machine.
+/// Runs `ip` on a machine.
 void Ip(Machine const& machine, std::string const& arguments) {
     ASSERT_TRUE(machine.Ip(arguments)) << "ip " << arguments;
 }
 
-/// Lays a cable from a new device of one machine to a new device of the other.
+/// Connects two machines by a virtual cable with a new device at either end.
 void Connect(Machine const& left, std::string const& leftDevice, Machine const& right, std::string const& rightDevice) {
     Ip(left, "link add " + leftDevice + " type veth peer name " + rightDevice + " netns " + right.GetPath());
     Ip(left, "link set " + leftDevice + " up");
     Ip(right, "link set " + rightDevice + " up");
 }
 
-/// Lets the programs that this thread starts see another content of a file.
+/// Replaces a file's content as seen by programs that this thread starts.
 void ReplaceFile(std::string const& file, std::string const& content) {
     if (unshare(CLONE_NEWNS) != 0 || mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
         mount(content.c_str(), file.c_str(), nullptr, MS_BIND, nullptr) != 0)
         throw std::system_error(errno, std::generic_category(), file);
 }
 
-/// What stands between two texts in an answer.
+/// The part of an answer between two texts.
 std::string Between(std::string const& answer, std::string const& left, std::string const& right) {
     auto const found = answer.find(left);
     if (found == std::string::npos) return "";
@@ -63,7 +63,7 @@ std::string GetEndpointReference(std::string const& answer) {
     return "urn:uuid:" + Between(answer.substr(answer.find("EndpointReference")), "urn:uuid:", "<");
 }
 
-/// A network of two machines: 10.9.0.1, where the host runs, and 10.9.0.2, where its clients are.
+/// A network of two machines: the host's (10.9.0.1) and its clients' (10.9.0.2).
 class DiscoveredHost : public testing::Test {
 protected:
     void SetUp() override {
@@ -87,7 +87,7 @@ protected:
         host->GetProcess().Signal(SIGHUP);
     }
 
-    /// The answer to a probe from the other machine; empty when there is none.
+    /// The answer to a probe from the clients' machine; empty on timeout.
     std::string Discover(std::chrono::milliseconds limit = 200ms) {
         std::string answer;
         client.Run([&] {
@@ -102,7 +102,7 @@ protected:
         return Eventually([&] { return Discover().find(part) != std::string::npos; }, 40s);
     }
 
-    /// Whether nobody listens for probes on the host's machine.
+    /// True if the discovery port is free on the host's machine.
     bool IsPortFree() const {
         bool free = false;
         server.Run([&] {
@@ -110,7 +110,7 @@ protected:
                 PortHolder const holder;
                 free = true;
             } catch (boost::system::system_error const&) {
-                // The responder has it.
+                // in use by the responder
             }
         });
         return free;
@@ -199,7 +199,7 @@ TEST_F(DiscoveredHost, IsListedByOnvifUtil) {
     Ip(client, "route add default dev lan");
     client.Run([&] {
         std::string output;
-        // onvif-util sends one probe and waits half a second, too short on a busy machine.
+        // onvif-util sends one probe and waits half a second, which is too short on a busy machine.
         EXPECT_TRUE(Eventually([&] {
             Process util({"onvif-util", "-a"});
             EXPECT_EQ(util.Wait(), 0);
@@ -210,7 +210,7 @@ TEST_F(DiscoveredHost, IsListedByOnvifUtil) {
     });
 }
 
-// It logs in by WS-Security only, which is no login here.
+// onvif-util can only log in with WS-Security, which the host does not accept.
 TEST_F(DiscoveredHost, IsReadByOnvifUtilWhenNoLoginIsNeeded) {
     server.Run([&] {
         host = std::make_unique<HostProcess>(HostProcess::Options{
@@ -234,7 +234,7 @@ TEST_F(DiscoveredHost, IsReadByOnvifUtilWhenNoLoginIsNeeded) {
 }
 
 TEST_F(DiscoveredHost, AnswersOnlyForItselfOnASharedNetwork) {
-    // Two hosts and a client at one switch, which the client's machine is.
+    // Two hosts and a client on one switch; the client's machine acts as the switch.
     Machine const second;
     Ip(second, "link set lo up");
     Ip(client, "address delete 10.9.0.2/24 dev lan");
@@ -249,12 +249,12 @@ TEST_F(DiscoveredHost, AnswersOnlyForItselfOnASharedNetwork) {
     std::unique_ptr<HostProcess> other;
     second.Run([&] {
         TemporaryFolder const identity;
-        constexpr char MachineId[] = "/etc/machine-id"; // without one the hardware addresses tell machines apart
+        constexpr char MachineId[] = "/etc/machine-id"; // without it, hardware addresses identify a machine
         if (std::filesystem::exists(MachineId))
             ReplaceFile(MachineId, identity.Write("machine-id", "0123456789abcdef0123456789abcdef\n"));
         other = std::make_unique<HostProcess>(HostProcess::Options{.configuration = ConfigureDiscovery(true, "Yard")});
     });
-    std::map<std::string, std::string> found; // endpoint references by addresses
+    std::map<std::string, std::string> found; // endpoint reference by address
     client.Run([&] {
         ProbeClient probe("10.9.0.2");
         EXPECT_TRUE(Eventually([&] {
@@ -319,14 +319,14 @@ TEST_F(DiscoveredHost, AnswersOnlyMatchingProbes) {
 }
 
 TEST_F(DiscoveredHost, AnswersRemoteNetworksOnlyWhenConfigured) {
-    // The client's address is of no network of the server, which would still find its way back.
+    // The client's address is in none of the server's networks, although answers could reach it by the default route.
     Ip(client, "address add 10.10.0.2/24 dev lan");
     Ip(client, "route add 10.9.0.1/32 dev lan src 10.10.0.2");
     Ip(server, "route add default via 10.9.0.2 dev lan");
     Start(true);
     EXPECT_TRUE(AwaitDiscovery("ProbeMatch"));
-    // The responder answers in turn: once it has answered a client that is near, it has answered the one before as
-    // well, or never will. Of too many probes in a second it answers neither.
+    // The responder answers in order: after it has answered the near client, it has answered or ignored the far one.
+    // When throttled, it answers neither.
     auto const discoverFromAfar = [&] {
         bool found = false;
         client.Run([&] {

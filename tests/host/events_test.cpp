@@ -20,7 +20,7 @@ namespace {
 using testing::HasSubstr;
 using testing::Not;
 
-/// A configuration with an intake over MQTT.
+/// A configuration with MQTT settings.
 std::string ConfigureMqtt(std::string const& mqtt) {
     return R"({"settings": {"web_port": 0, "rtsp_port": 0, "events": {"mqtt": )" + mqtt + "}}}";
 }
@@ -36,7 +36,7 @@ bool AwaitIntake(HostProcess const& host, char const* field, boost::json::value 
     return Eventually([&] { return GetIntake(host).at(field) == value; });
 }
 
-/// Posts events with curl and a digest login; the answer and its status.
+/// Posts events with curl and digest login; returns the answer and its status.
 std::string Post(HostProcess const& host, std::string const& body, std::string const& password) {
     Process curl({"curl", "-s", "-w", "%{http_code}", "--digest", "-u", "admin:" + password, "-H",
                   "Content-Type: application/json", "-d", body, host.GetUrl() + "/api/events"});
@@ -133,7 +133,7 @@ TEST(Events, DoNotDelayTheStopOfTheHost) {
     for (auto const& url : {broker.GetUrl(), std::string("mqtt://192.0.2.1")}) {
         HostProcess host({.configuration = ConfigureMqtt(R"({"enabled": true, "url": ")" + url + "\"}")});
         ASSERT_TRUE(Eventually([&] { return GetIntake(host).at("state") != "off"; }));
-        host.ExpectStop(std::chrono::seconds(5)); // half of the time that a broker has to answer
+        host.ExpectStop(std::chrono::seconds(5)); // half of the broker timeout
     }
 }
 

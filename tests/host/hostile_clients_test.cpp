@@ -1,4 +1,4 @@
-// Clients that are slow, many, silent, or gone, while one that means well is served.
+// Slow, silent, vanishing and very numerous clients must not affect a well-behaved one.
 #include "host/hostile_fixture.h"
 #include "support/eventually.h"
 #include "support/pull_point_client.h"
@@ -23,9 +23,9 @@ constexpr int Hundreds = 300;
 
 class HostileClients : public HostileTest {
 protected:
-    /// settings  further ones
+    /// settings  additional settings
     explicit HostileClients(std::vector<std::string> const& settings = {}) : HostileTest(Join(settings)) {
-        // Each connection takes several descriptors on this side.
+        // Each connection takes several descriptors in this process.
         rlimit limit{};
         getrlimit(RLIMIT_NOFILE, &limit);
         limit.rlim_cur = limit.rlim_max;
@@ -33,7 +33,7 @@ protected:
         StartEvents();
     }
 
-    /// Connects so many clients, which all begin with the same.
+    /// Opens `count` connections and sends the same bytes on each.
     Connections ConnectMany(int count, std::string const& bytes, Window window = Window::Usual) const {
         Connections connections;
         for (int i = 0; i < count; ++i) connections.emplace_back(host.GetPort(), Process::Generous, window).Send(bytes);
@@ -44,7 +44,7 @@ protected:
         for (auto& connection : connections) connection.Reset();
     }
 
-    /// A new subscription's request for events, which waits that long.
+    /// A PullMessages request with this timeout on a new subscription.
     std::string MakePull(std::string const& timeout) const { return MakePullRequest(client.Subscribe(), timeout); }
 
     PullPointClient const client{host, PullPointClient::Login::None};
@@ -57,7 +57,7 @@ private:
     }
 };
 
-/// Against a host that waits for a client for a second at most.
+/// A host with client time limits of one second.
 class SlowClients : public HostileClients {
 protected:
     SlowClients() : HostileClients({"settings.limits.header_seconds=1", "settings.limits.idle_seconds=1"}) {}
@@ -67,7 +67,7 @@ TEST_F(SlowClients, SendingSlowlyDelayNoOtherClient) {
     ExpectEverythingGivenBack([this] {
         auto headers = ConnectMany(Hundreds / 2, "POST /onvif/a HTTP/1.1\r\nA: ");
         auto bodies = ConnectMany(Hundreds / 2, "POST /onvif/a HTTP/1.1\r\nHost: h\r\nContent-Length: 1000\r\n\r\n");
-        // What they send does not extend their time.
+        // Sending a byte does not extend the client's time.
         EXPECT_TRUE(Eventually([&] {
             for (auto* connections : {&headers, &bodies}) {
                 for (auto& connection : *connections) {
@@ -86,8 +86,8 @@ TEST_F(SlowClients, SendingSlowlyDelayNoOtherClient) {
 
 TEST_F(SlowClients, NotReadingDelayNoOtherClient) {
     auto readers = ConnectMany(Hundreds, Repeat(Health, 300), Window::Smallest);
-    ExpectServed(60s); // after some ten thousand answers; one client after the other would take minutes
-    // They are still there, and have not said that they would read no more.
+    ExpectServed(60s); // about ten thousand answers come first; serving clients one by one would take minutes
+    // The clients are still connected and have not shut down their side.
     ExpectEverythingGivenBack([] {});
 }
 
@@ -96,7 +96,7 @@ TEST_F(HostileClients, ReadingLateGetEveryResponseInOrder) {
     EXPECT_TRUE(Eventually([this] {
         auto const connections = ListServerConnections(host.GetPort());
         return std::ranges::count_if(connections, [](auto const& each) { return each.unsent > 0; }) == 3;
-    })) << "no answer waits for its reader";
+    })) << "no answers are held up by slow readers";
     ExpectServed();
     for (auto& reader : readers) {
         for (int i = 0; i < 200; ++i) {
@@ -180,7 +180,7 @@ TEST_F(HostileClients, PipeliningBehindAPullGetTheirResponsesAfterIt) {
     for (int i = 0; i < 101; ++i) EXPECT_EQ(connection.Read().status, 200U);
 }
 
-/// With room for few.
+/// A host with low connection limits.
 class FloodingClients : public HostileClients {
 protected:
     FloodingClients() : HostileClients({"settings.limits.connections=50", "settings.limits.exchanges=10"}) {}
@@ -199,7 +199,7 @@ TEST_F(FloodingClients, AreRefusedWith503WhileOthersAreServed) {
             EXPECT_TRUE(refusal.fields.contains("retry-after"));
         }
         EXPECT_LE(GetUse().descriptors, idle.descriptors + 51);
-        EXPECT_EQ(served.Exchange(Health).status, 200U) << "who is in stays in";
+        EXPECT_EQ(served.Exchange(Health).status, 200U) << "an existing connection was closed";
     });
     ExpectServed();
 }
@@ -208,7 +208,7 @@ TEST_F(FloodingClients, StartNoMoreThreadsThanTheLimitOfExchanges) {
     auto const pull = MakePull("PT1H");
     auto pulls = ConnectMany(10, pull);
     ASSERT_TRUE(Eventually([&] {
-        // The health request takes an exchange itself and may have displaced a pull: send that pull again.
+        // The health request itself counts as an exchange and may have displaced a pull; send that pull again.
         for (auto& each : pulls) {
             if (!each.HasUnread()) continue;
             EXPECT_EQ(each.Read().status, 503U);

@@ -12,20 +12,19 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// For how long the module keeps threads that have nothing to do, and time to end them.
+/// How long the module keeps idle threads, plus time to end them.
 constexpr auto IdleThreadTime = 10s + Process::Generous;
 
-/// Attacks that are made one after the other leave no more threads than this, which wait for the next request.
+/// Maximum number of idle threads left by attacks that run one after another.
 constexpr std::size_t WaitingThreads = 2;
 
-/// How much more the heap may hold after a round of attacks than after the best round before: what belongs to the
-/// WaitingThreads, which may or may not be alive, measured as at most ten blocks and two kilobytes. One block kept for
-/// each connection of a round would be more.
+/// Permitted heap growth over the best previous round. It covers the WaitingThreads, which may or may not be alive: at
+/// most ten blocks and two kilobytes as measured. One block leaked per connection exceeds it.
 constexpr std::int64_t MoreBytes = 8 * 1024;
 constexpr std::int64_t MoreBlocks = 20;
 
-/// Each thread of the web server keeps some small blocks for reuse, and chance decides which thread serves a
-/// connection. After this many connections the threads have all the blocks that they will ever keep.
+/// Each web server thread caches a few small blocks, and chance decides which thread serves a connection. After this
+/// many connections all caches are full.
 constexpr int FillingConnections = 1000;
 
 HostProcess::Options MakeOptions(std::vector<std::string> const& settings, HeapCount const& heap,
@@ -83,8 +82,8 @@ void HostileTest::ExpectServed(std::chrono::seconds limit) const {
         EXPECT_EQ(RawConnection(host.GetPort(), limit).Exchange(MakeSoapRequest("GetSystemDateAndTime")).status, 200U);
         return host.GetProcess().GetProcessorTime() - before;
     };
-    // The host may be at work for others who have sent hundreds of requests. What holds it up holds up the next client,
-    // too.
+    // The host may still be processing hundreds of requests of other clients. If they delay this client, they delay the
+    // next one as well.
     auto time = serve();
     for (int attempt = 1; time >= 1s && attempt < 3; ++attempt) time = serve();
     EXPECT_LT(time, 1s);

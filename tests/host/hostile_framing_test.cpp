@@ -1,4 +1,4 @@
-// Bodies whose length is not what is said, or is said in a way that two readers could take for different ones.
+// Bodies with a wrong or ambiguous length.
 #include "host/hostile_fixture.h"
 
 #include <gmock/gmock.h>
@@ -14,7 +14,7 @@ using testing::HasSubstr;
 
 std::string const Head = "POST /onvif/device_service HTTP/1.1\r\nHost: h\r\nContent-Type: application/soap+xml\r\n";
 
-/// A body that the device service answers 200.
+/// A body that the device service answers with 200.
 std::string GetBody() {
     auto const request = MakeSoapRequest("GetSystemDateAndTime");
     return request.substr(request.find("\r\n\r\n") + 4);
@@ -26,7 +26,7 @@ std::string ToHex(std::size_t number) {
     return digits;
 }
 
-/// With these fields and the bytes that follow them.
+/// A request with these framing fields, followed by these bytes.
 std::string Framed(std::string_view fields, std::string_view bytes) {
     return std::string(Head).append(fields).append("\r\n").append(bytes);
 }
@@ -37,7 +37,7 @@ std::string WithCoding(std::string const& value) {
     return Framed("Transfer-Encoding: " + value + "\r\n", "5\r\nhello\r\n0\r\n\r\n");
 }
 
-/// A chunked request; `bytes` are all that follows its header.
+/// A chunked request; `bytes` is everything after its header.
 std::string Chunked(std::string_view bytes) { return Framed("Transfer-Encoding: chunked\r\n", bytes); }
 
 class HostileFraming : public HostileTest {
@@ -135,7 +135,7 @@ TEST_F(HostileFraming, WithOddChunksIsAnswered) {
     });
 }
 
-/// Against a host that waits for the rest for a second at most.
+/// A host that waits at most one second for the rest of a request.
 class UnfinishedFraming : public HostileFraming {
 protected:
     UnfinishedFraming() : HostileFraming({"settings.limits.header_seconds=1", "settings.limits.idle_seconds=1"}) {}

@@ -1,4 +1,4 @@
-// Requests that are not what they should be, up to the end of their header, at the real process.
+// Malformed request lines and headers, sent to the real process.
 #include "host/hostile_fixture.h"
 
 #include <string>
@@ -8,16 +8,16 @@
 namespace zarn::test {
 namespace {
 
-/// A request without content, as it is written.
+/// A request without a body.
 std::string MakeGet(std::string_view target, std::string_view fields = {}, std::string_view method = "GET") {
     std::string request(method);
     return request.append(" ").append(target).append(" HTTP/1.1\r\nHost: h\r\n").append(fields).append("\r\n");
 }
 
-/// The status page, with further fields.
+/// A request for the status page with additional fields.
 std::string WithFields(std::string_view fields) { return MakeGet("/api/health", fields); }
 
-/// A text with a NUL in the place of every "0".
+/// Replaces every "0" in a text by a NUL.
 std::string WithNul(std::string text) {
     for (char& each : text) {
         if (each == '0') each = '\0';

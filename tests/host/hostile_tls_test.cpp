@@ -1,4 +1,4 @@
-// What is said to a host that speaks TLS, by those who do not, or not as they should.
+// Malformed TLS, and plain text, sent to a host that uses TLS.
 #include "host/hostile_fixture.h"
 #include "support/certificate.h"
 
@@ -23,10 +23,10 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
-/// A client whose every operation ends after `Limit`.
+/// A client whose operations each time out after `Limit`.
 class TlsClient {
 public:
-    /// A server that other clients hold up waits for the limits of one after the other, which takes far longer.
+    /// A server that clients can block waits for several of their time limits in turn, which takes far longer.
     static constexpr auto Limit = 10s;
 
     explicit TlsClient(std::uint16_t port) : stream(io, context) {
@@ -38,7 +38,7 @@ public:
         return Complete([this](auto done) { stream.async_handshake(asio::ssl::stream_base::client, done); });
     }
 
-    /// Sends a request and returns the beginning of the answer; empty when there is none.
+    /// Sends a request and returns the beginning of the answer; empty without an answer.
     std::string Ask(std::string const& bytes) {
         std::string answer;
         if (Complete([&](auto done) { asio::async_write(stream, asio::buffer(bytes), done); }))
@@ -46,14 +46,14 @@ public:
         return answer;
     }
 
-    /// Bytes below TLS.
+    /// Sends bytes on the TCP connection, below TLS.
     void SendRaw(std::string const& bytes) {
         boost::system::error_code ignored;
         asio::write(stream.next_layer(), asio::buffer(bytes), ignored);
     }
 
 private:
-    /// Whether what is begun ends well, and in time.
+    /// True if the operation completes successfully within the time limit.
     template <class Begin>
     bool Complete(Begin begin) {
         boost::system::error_code result = asio::error::timed_out;
@@ -84,7 +84,7 @@ protected:
         EXPECT_LT(host.GetProcess().GetProcessorTime() - before, 1s);
     }
 
-    /// Expects that the host has as many connections as at the beginning.
+    /// Expects that the number of connections is back to its initial value.
     void ExpectAllClosed() const {
         auto const use = AwaitResourceUse(
             host.GetProcess().GetId(), [this](auto const& now) { return now.descriptors <= idle.descriptors; },

@@ -22,7 +22,7 @@ protected:
             .Exchange(requestLine + " HTTP/1.1\r\nHost: localhost\r\n" + fields + "\r\n");
     }
 
-    /// What curl writes and says about a request with the password.
+    /// curl's output for a request with the password.
     std::string Curl(std::vector<std::string> arguments) const {
         arguments.insert(arguments.begin(),
                          {"curl", "-s", "-S", "-w", "\n%{http_code}", "--digest", "-u", "admin:" + host.GetPassword()});

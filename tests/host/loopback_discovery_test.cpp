@@ -1,4 +1,4 @@
-// What can be seen of discovery on one machine, in its own network: for those who may make no network of their own.
+// Discovery on a single machine, for environments that cannot create network namespaces.
 #include "support/eventually.h"
 #include "support/host_process.h"
 #include "support/probe_client.h"
@@ -33,7 +33,7 @@ protected:
         host->GetProcess().Signal(SIGHUP);
     }
 
-    /// Whether this host answers a probe sent to this machine; another responder's answers do not count.
+    /// True if this host answers a probe sent to this machine; answers of other responders do not count.
     bool IsDiscovered() {
         ProbeClient probe;
         probe.Send(MakeProbe("urn:uuid:1"), "127.0.0.1");
@@ -41,17 +41,17 @@ protected:
         return answer && answer->find(':' + std::to_string(host->GetPort()) + "/onvif/device_service") != answer->npos;
     }
 
-    /// Waits until that is as expected. The port may be another program's for a while: the responder tries it again.
+    /// Waits for the expected state. The port may be in use by another program for a while; the responder retries.
     bool AwaitDiscovered(bool expected) {
         return Eventually([&] { return IsDiscovered() == expected; }, 60s);
     }
 
-    /// Waits until the status document tells this state of the setting.
+    /// Waits until the status document reports this state of the setting.
     bool AwaitEnabled(bool expected) {
         return Eventually([&] { return host->GetHealth().at("module").at("enabled") == expected; });
     }
 
-    /// Without a device that can multicast no responder starts.
+    /// Without a multicast-capable device, the responder does not start.
     bool HasNoMulticast() { return host->GetProcess().WaitForLog("can multicast", 0s); }
 
     std::shared_ptr<TemporaryFolder> folder = std::make_shared<TemporaryFolder>();

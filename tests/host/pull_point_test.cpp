@@ -20,7 +20,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::MatchesRegex;
 
-/// Waits until a host works on nothing but a client's request, and on the one that asks it.
+/// Waits until the host has two exchanges: the client's request and the query that counts them.
 bool AwaitOtherExchange(HostProcess const& host) {
     return Eventually([&] { return host.GetHealth().at("listeners").at("web").at("exchanges") == 2; });
 }
@@ -83,7 +83,7 @@ TEST_F(PullPointOverHttp, DeliversAWholeListInOrder) {
     auto call = client.PullLater(first, "PT1H");
     EXPECT_TRUE(AwaitOtherExchange(host));
     EXPECT_EQ(client.Post(MakeEvents(500)).status, 202);
-    // They are all there once they are accepted; who waits gets the first of them early.
+    // All events are queued once the request is accepted; a waiting pull receives the first ones earlier.
     EXPECT_EQ(GetRules(client.Pull(second, 1000)), MakeNames(500));
     auto rules = GetRules(call.Get());
     auto const more = client.PullRules(first, 500 - rules.size());
@@ -162,7 +162,7 @@ TEST_F(PullPointOverMqtt, DeliversWhatTheBrokerQueuedWhileDisconnected) {
     auto const address = client.Subscribe();
     broker.Stop();
     ASSERT_TRUE(AwaitState("waiting"));
-    // Held up, so that the broker has nobody to give it to.
+    // Suspended, so that the broker cannot deliver.
     host.GetProcess().Signal(SIGSTOP);
     broker.Start();
     for (auto const& name : MakeNames(3)) broker.Publish("events", MakeEvent(name));

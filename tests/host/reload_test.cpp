@@ -154,7 +154,7 @@ std::string WebPort(std::uint16_t port) {
     return R"({"settings": {"rtsp_port": 0, "web_port": )" + std::to_string(port) + "}}";
 }
 
-/// The status of a request to a port; 0 when nobody listens there.
+/// The status of a request to a port; 0 when the connection is refused.
 unsigned Ask(std::uint16_t port) {
     try {
         return RawConnection(port).Exchange(MakeSoapRequest("GetDeviceInformation")).status;

@@ -25,7 +25,7 @@ TEST(ResourceUse, CountsThreadsAndDescriptors) {
     close(descriptor);
     EXPECT_EQ(during.descriptors, descriptorsBefore + 1);
     EXPECT_EQ(ReadResourceUse(getpid()).descriptors, descriptorsBefore);
-    // The system counts a thread for some time after it has been joined.
+    // The kernel still counts a joined thread for a short time.
     EXPECT_TRUE(Eventually([&] { return ReadResourceUse(getpid()).threads == during.threads - 1; }));
 }
 

@@ -1,20 +1,28 @@
 #include "support/eventually.h"
 #include "support/host_process.h"
 #include "support/raw_connection.h"
+#include "support/reserved_port.h"
 
+#include <boost/system/system_error.hpp>
 #include <gmock/gmock.h>
 
+#include <chrono>
 #include <csignal>
+#include <cstdint>
+#include <future>
 #include <memory>
 #include <set>
+#include <stdexcept>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <utility>
 #include <vector>
 
 namespace zarn::test {
 namespace {
 
+using testing::AnyOf;
 using testing::HasSubstr;
 
 constexpr std::size_t Width = 160;
@@ -26,10 +34,10 @@ std::string Configure(std::string const& settings = {}) {
         "gate-1": {"name": "Gate", "source": "test:ball?width=160&height=120&rate=10"}}})";
 }
 
-/// What ffmpeg made of a stream.
+/// ffmpeg's result for a stream.
 struct View {
     int status;
-    std::vector<std::string> pictures; ///< one byte of brightness per pixel
+    std::vector<std::string> pictures; ///< one luma byte per pixel
     std::string log;
 };
 
@@ -46,8 +54,8 @@ protected:
         return "rtsp://" + credentials + "127.0.0.1:" + std::to_string(host.GetRtspPort()) + "/channels/gate-1";
     }
 
-    /// Lets ffmpeg, a client that is none of ours, decode the stream.
-    /// credentials  "user:password@", percent-encoded, or nothing
+    /// Decodes the stream with ffmpeg, an independent client.
+    /// credentials  "user:password@", percent-encoded, or empty
     View Watch(std::string const& credentials, std::string const& transport = "tcp") const {
         host.GetFolder().Write("pictures", "");
         Process ffmpeg({"ffmpeg", "-y", "-nostdin", "-loglevel", "error", "-rtsp_transport", transport, "-i",
@@ -68,7 +76,7 @@ protected:
         EXPECT_GT(std::set<std::string>(view.pictures.begin(), view.pictures.end()).size(), Frames / 2);
     }
 
-    /// Whether ffmpeg comes to be served, or to be refused, before long.
+    /// Waits until ffmpeg is served or, when `served` is false, refused.
     bool AwaitAnswer(std::string const& credentials, bool served) const {
         return Eventually([&] { return (Watch(credentials).status == 0) == served; });
     }
@@ -87,6 +95,35 @@ protected:
 
     static constexpr char const* Right = "admin:p%3Aw%40%20%2F%25@";
 };
+
+/// The status that a client gets which connects as soon as the port is bound.
+unsigned AskOnceBound(std::uint16_t port, std::string const& request) {
+    auto const deadline = std::chrono::steady_clock::now() + Process::Generous;
+    while (std::chrono::steady_clock::now() < deadline) {
+        try {
+            return RawConnection(port).Exchange(request).status;
+        } catch (boost::system::system_error const&) { // not bound yet
+            std::this_thread::yield();
+        }
+    }
+    throw std::runtime_error("port " + std::to_string(port) + " is not bound in time");
+}
+
+TEST(RtspStart, AppliesTheSettingsBeforeAnyClientIsServed) {
+    ReservedPort const rtsp;
+    ReservedPort const web;
+    auto const rtspPort = std::to_string(rtsp.Get());
+    auto describe =
+        std::async(std::launch::async, AskOnceBound, rtsp.Get(),
+                   "DESCRIBE rtsp://127.0.0.1:" + rtspPort + "/channels/gate-1 RTSP/1.0\r\nCSeq: 1\r\n\r\n");
+    auto snapshot = std::async(std::launch::async, AskOnceBound, web.Get(),
+                               "GET /snapshot/gate-1/latest.jpeg HTTP/1.1\r\nHost: h\r\n\r\n");
+    HostProcess const host({.configuration = Configure(),
+                            .arguments = {"--set", "settings.rtsp_port=" + rtspPort, "--set",
+                                          "settings.web_port=" + std::to_string(web.Get()), "--set",
+                                          "settings.authentication.enabled=false"}});
+    for (auto* answer : {&describe, &snapshot}) EXPECT_THAT(answer->get(), AnyOf(200U, 503U)) << "neither 401 nor 404";
+}
 
 TEST_F(RtspHost, ServesMovingPicturesOverEitherTransport) {
     ExpectMovingPictures(Watch(Right, "tcp"));
@@ -117,7 +154,7 @@ TEST_F(RtspHost, StopsInTimeWhileItIsWatched) {
             std::vector<std::string>{"ffmpeg", "-nostdin", "-loglevel", "error", "-rtsp_transport", transport, "-i",
                                      GetAddress(Right), "-f", "framecrc", "-flush_packets", "1", "-"}));
     }
-    // The third line of packets: the stream runs.
+    // The third packet line shows that the stream is running.
     for (auto const& viewer : viewers) ASSERT_TRUE(viewer->WaitForOutput("\n0,          2,")) << viewer->GetLog();
     host.ExpectStop();
     for (auto const& viewer : viewers) EXPECT_TRUE(viewer->Wait());

@@ -1,8 +1,8 @@
 // sandbox FOLDER PROGRAM [ARGUMENT]...
-// Runs a program as packaging/zarn-host.service has systemd run it, as far as a test can do that without systemd: no
-// capability and none to be had, no code that was written while it ran, four families of sockets; and, for a test that
-// is root, as an account without rights that finds the whole machine read-only but FOLDER. Status 77 where that is
-// refused.
+// Runs a program under the restrictions of packaging/zarn-host.service, as far as that is possible without systemd: no
+// capabilities and no way to gain any, no code generated at run time, four address families. When run as root, the
+// program also runs as an unprivileged account to which everything except FOLDER is read-only. Exits with status 77
+// when the kernel refuses the sandbox.
 #include <fcntl.h>
 #include <grp.h>
 #include <linux/filter.h>
@@ -79,10 +79,10 @@ constexpr sock_filter Keep(std::uint32_t bits) { return {BPF_ALU | BPF_AND | BPF
 
 constexpr sock_filter Return(std::uint32_t value) { return {BPF_RET | BPF_K, 0, 0, value}; }
 
-/// As systemd's MemoryDenyWriteExecute= and RestrictAddressFamilies= of the unit.
+/// Equivalent to MemoryDenyWriteExecute= and RestrictAddressFamilies= in the unit.
 void RestrictCalls() {
     constexpr std::uint32_t Allow = SECCOMP_RET_ALLOW;
-    // The numbers say how many lines to skip when it is so, and when not.
+    // The numbers are jump offsets for a match and for no match.
     std::array program{
         Load(offsetof(seccomp_data, nr)),
         IfEqual(SYS_mmap, 3, 0),

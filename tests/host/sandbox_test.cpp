@@ -19,7 +19,7 @@ namespace {
 using namespace std::chrono_literals;
 using testing::HasSubstr;
 
-/// A host that may do as little as its systemd unit lets it; see sandbox.cpp.
+/// A host under the restrictions of its systemd unit; see sandbox.cpp.
 class Sandboxed : public testing::Test {
 protected:
     void SetUp() override {
@@ -36,7 +36,7 @@ protected:
                                  .folder = folder});
     }
 
-    /// A line of what the kernel says of a process (proc(5)).
+    /// A line of a process's status file (proc(5)).
     static std::string ReadStatus(HostProcess const& host, std::string const& name) {
         std::ostringstream text;
         text << std::ifstream("/proc/" + std::to_string(host.GetProcess().GetId()) + "/status").rdbuf();
@@ -81,12 +81,12 @@ TEST_F(Sandboxed, EncodesAndDecodesVideoAndAnswersDiscovery) {
          "-frames:v", "3", "-f", "framemd5", "-"});
     EXPECT_EQ(player.Wait(), 0) << player.GetLog();
     EXPECT_THAT(player.GetOutput(), HasSubstr("\n0,"));
-    // Another test may hold the port for a while.
+    // Another test may occupy the port for a while.
     EXPECT_TRUE(host->GetProcess().WaitForLog("Onvif discovery service started successfully", std::chrono::seconds(60)))
         << host->GetProcess().GetLog();
 }
 
-/// Otherwise the tests above would show nothing.
+/// Proves that the sandbox works; without it the tests above would prove nothing.
 TEST_F(Sandboxed, EnforcesTheRestrictionsOfTheUnit) {
     auto const run = [&](std::string const& script) {
         Process process({ZARN_SANDBOX_PROGRAM, folder->GetPath().string(), "/usr/bin/perl", "-e", script});
@@ -94,7 +94,7 @@ TEST_F(Sandboxed, EnforcesTheRestrictionsOfTheUnit) {
     };
     EXPECT_EQ(run("use Socket; socket(my $s, AF_INET, SOCK_STREAM, 0) or exit 1"), 0);
     EXPECT_EQ(run("use Socket; socket(my $s, 17, SOCK_RAW, 0) or exit($!{EAFNOSUPPORT} ? 42 : 1)"), 42) << "AF_PACKET";
-    // mmap: 4,096 bytes, private and anonymous, to be written and executed or to be written only
+    // mmap: 4,096 bytes, private and anonymous; writable and executable, or writable only
     EXPECT_EQ(run("exit(syscall(9, 0, 4096, 3, 0x22, -1, 0) == -1 ? 42 : 0)"), 0);
     EXPECT_EQ(run("exit(syscall(9, 0, 4096, 7, 0x22, -1, 0) == -1 ? 42 : 0)"), 42);
     if (geteuid() != 0) return;

@@ -22,13 +22,13 @@ namespace {
 using testing::HasSubstr;
 using testing::Not;
 
-/// Logs in to a host in every way, rightly and wrongly, and searches what it has written for what must not be there.
+/// Logs in to a host in every way, with valid and invalid credentials, and searches the host's output for secrets.
 class Secrets : public testing::Test {
 protected:
     static constexpr char BrokersPassword[] = "the broker's secret";
     static constexpr char CamerasPassword[] = "the camera's secret";
 
-    /// A host whose sources and brokers want passwords too, which are wrong.
+    /// A configuration whose sources and brokers have passwords, which are wrong.
     static std::string Configure(Broker const& broker) {
         return R"({"settings": {"web_port": 0, "rtsp_port": 0, "onvif": {"enabled": false}, "events": {"mqtt": {
                    "enabled": true, "url": ")" +
@@ -49,7 +49,7 @@ protected:
             return send("Authorization: " + credentials.Write() + "\r\n").status;
         };
         EXPECT_LT(answer(), 300U);
-        EXPECT_EQ(answer(), 401U); // repeated
+        EXPECT_EQ(answer(), 401U); // replayed
         credentials.nonce = "0123";
         EXPECT_EQ(answer(), 401U);
         credentials.password = wrongPassword;
@@ -77,7 +77,7 @@ protected:
             challenge = send("");
             return challenge.find("nonce=") != std::string::npos;
         };
-        ASSERT_TRUE(Eventually(isChallenged)); // once there is video
+        ASSERT_TRUE(Eventually(isChallenged)); // the stream needs video first
         auto const begin = challenge.find("nonce=\"") + 7;
         DigestCredentials credentials{.password = password,
                                       .nonce = challenge.substr(begin, challenge.find('"', begin) - begin),
@@ -94,7 +94,7 @@ protected:
         EXPECT_THAT(answer(), HasSubstr(" 401 "));
     }
 
-    /// Everything that the host has written, but for what is the place of a secret.
+    /// Everything that the host has written, except the files that store secrets.
     static std::vector<std::string> GetTexts(HostProcess const& host) {
         std::vector<std::string> texts{host.GetProcess().GetLog()};
         for (auto const& entry : std::filesystem::recursive_directory_iterator(host.GetFolder().GetPath())) {
@@ -105,7 +105,7 @@ protected:
         return texts;
     }
 
-    /// Lives through everything that has to do with a password, and expects that it shows none.
+    /// Exercises every use of a password and expects that none appears in the log or in other files.
     void ExpectNoneAnywhere(HostProcess::Options options, bool generated = false) {
         Broker const broker("allow_anonymous false\n");
         options.configuration = Configure(broker);

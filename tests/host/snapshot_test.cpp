@@ -18,7 +18,7 @@ constexpr char const* OneMovingChannel = R"({
 
 class SnapshotHost : public testing::Test {
 protected:
-    /// Fetches a picture with curl into `latest.jpeg`; the status.
+    /// Downloads a picture to `latest.jpeg` with curl; returns the status.
     std::string Fetch(std::string const& password, std::string const& id = "gate-1") const {
         Process curl({"curl", "-s", "-o", host.GetFolder() / "latest.jpeg", "-w", "%{http_code} %{content_type}\n",
                       "--digest", "-u", "admin:" + password, host.GetUrl() + "/snapshot/" + id + "/latest.jpeg"});
@@ -26,7 +26,7 @@ protected:
         return curl.GetOutput();
     }
 
-    /// Fetches until there is a picture, which takes the video a moment.
+    /// Retries until a picture is available, because the video takes a moment to start.
     std::string FetchPicture() const {
         std::string answer;
         Eventually([&] {

@@ -22,7 +22,7 @@ using testing::IsEmpty;
 using testing::MatchesRegex;
 using testing::Not;
 
-/// A host that is expected to end by itself.
+/// Result of a host that is expected to exit by itself.
 struct Ended {
     int status;
     std::string output;
@@ -114,7 +114,7 @@ struct Misstart {
     char const* name;
     char const* configuration;
     std::vector<std::string> arguments;
-    char const* message; ///< a part of it
+    char const* message; ///< expected part of the message
 };
 
 class Refuses : public testing::TestWithParam<Misstart> {};

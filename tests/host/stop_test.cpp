@@ -27,7 +27,7 @@ namespace {
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
-/// What a pipe holds until somebody reads it, so that who writes next has to wait.
+/// A pipe filled to capacity, so that the next writer blocks until something is read.
 class FullPipe {
 public:
     explicit FullPipe(std::string const& path) {
@@ -53,7 +53,7 @@ private:
     int descriptor = -1;
 };
 
-/// Whether a program waits until what it writes is taken. Source: proc(5), /proc/pid/syscall.
+/// True if the program is blocked in a write. Source: proc(5), /proc/pid/syscall.
 bool IsWriting(Process const& process) {
     std::ifstream file("/proc/" + std::to_string(process.GetId()) + "/syscall");
     long call = -1;
@@ -64,7 +64,7 @@ TEST(StopBeforeItRuns, WritesAllFilesAndExitsWithStatusZero) {
     for (int const signal : {SIGTERM, SIGINT}) {
         TemporaryFolder const folder;
         FullPipe const output(folder / "output");
-        // The password, which is printed when all files are written, does not fit into the pipe any more.
+        // The password is printed after all files are written, and the full pipe blocks it.
         Process host({"sh", "-c", "exec \"$0\" --config \"$1\" > \"$2\"", ZARN_HOST_PROGRAM, folder / "config.json",
                       folder / "output"});
         auto const credentials = folder.GetPath() / "config.json.credentials";
@@ -86,7 +86,7 @@ TEST(StopBeforeItRuns, WritesAllFilesAndExitsWithStatusZero) {
 
 class Stop : public testing::Test {
 protected:
-    /// Its clients may take longer than a test waits for its end.
+    /// Client time limits exceed the time that the test allows for the stop.
     HostProcess host{
         {.arguments = {"--set", "settings.authentication.enabled=false", "--set", "settings.limits.header_seconds=3600",
                        "--set", "settings.limits.idle_seconds=3600"}}};
@@ -135,7 +135,7 @@ TEST_F(Stop, EndsInTimeUnderLoad) {
                     RawConnection connection(host.GetPort());
                     while (connection.Exchange(MakeSoapRequest("GetSystemDateAndTime")).status == 200) ++served;
                 } catch (std::exception const&) {
-                    std::this_thread::yield(); // the host has gone
+                    std::this_thread::yield(); // the host has exited
                 }
             }
         });

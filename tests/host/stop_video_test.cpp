@@ -14,7 +14,7 @@ namespace {
 
 TEST(StopWithASourceThatHangs, StillFinishesInTime) {
     auto const folder = std::make_shared<TemporaryFolder>();
-    // Opening it takes until somebody writes into it.
+    // Opening the pipe blocks until it has a writer.
     ASSERT_EQ(mkfifo((*folder / "pipe.ts").c_str(), 0600), 0);
     auto const configure = [&](std::string const& source) {
         return R"({"settings": {"web_port": 0, "rtsp_port": 0}, "channels": {"1": {"source": ")" + source + R"("}}})";

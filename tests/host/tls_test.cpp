@@ -19,7 +19,7 @@ using testing::Not;
 
 class TlsHost : public testing::Test {
 protected:
-    /// What curl writes for a request that trusts `certificate` only; empty when there is no connection.
+    /// curl's output for a request that trusts only `certificate`; empty when the connection fails.
     std::string Curl(std::vector<std::string> const& arguments, std::string const& certificate) const {
         std::vector<std::string> all{"curl", "-s", "--cacert", certificate};
         all.insert(all.end(), arguments.begin(), arguments.end());
@@ -28,7 +28,7 @@ protected:
         return curl.GetOutput();
     }
 
-    /// What the device service at this address says of itself and the other services.
+    /// The capabilities that the device service reports at this address.
     std::string GetCapabilities(std::string const& url) const {
         auto const body = R"(<s:Envelope xmlns:s="http://www.w3.org/2003/05/soap-envelope"><s:Body>)"
                           R"(<GetCapabilities xmlns="http://www.onvif.org/ver10/device/wsdl"/></s:Body></s:Envelope>)";
@@ -115,7 +115,7 @@ TEST_F(TlsHost, UsesAnExpiredCertificateWithAWarning) {
     Process careless({"curl", "-s", "-k", second.GetUrl() + "/api/health"});
     EXPECT_EQ(careless.Wait(), 0);
     EXPECT_THAT(careless.GetOutput(), HasSubstr("\"tls\":true"));
-    EXPECT_EQ(Curl({second.GetUrl() + "/api/health"}, files.certificate), "") << "a client that checks";
+    EXPECT_EQ(Curl({second.GetUrl() + "/api/health"}, files.certificate), "") << "accepted an expired certificate";
 }
 
 TEST_F(TlsHost, StopsWhileClientsAreConnected) {
@@ -125,7 +125,7 @@ TEST_F(TlsHost, StopsWhileClientsAreConnected) {
                        "settings.limits.idle_seconds=3600"}});
     RawConnection const silent(patient.GetPort());
     RawConnection greeting(patient.GetPort());
-    greeting.Send({"\x16\x03\x01\x01\x00\x01\x00", 7}); // a handshake begins
+    greeting.Send({"\x16\x03\x01\x01\x00\x01\x00", 7}); // start of a handshake
     EXPECT_TRUE(Eventually([&] { return ListServerConnections(patient.GetPort()).size() == 2; }));
     patient.ExpectStop();
 }

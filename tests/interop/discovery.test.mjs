@@ -1,5 +1,5 @@
-// Other people's searches for devices find a zarn-host. To be run on a network of its own (on_own_network.sh), where no other
-// device answers and the port of WS-Discovery is free.
+// Third-party discovery clients find a zarn-host. Run it in a separate network (on_own_network.sh), where no other
+// device answers and the WS-Discovery port is free.
 import assert from 'node:assert/strict';
 import {after, before, test} from 'node:test';
 import {promisify} from 'node:util';
@@ -11,12 +11,12 @@ import {password, startHost} from './host.mjs';
 
 const probe = options => promisify(onvif.Discovery.probe)({timeout: 1000, ...options});
 
-// Searches until something is found: the responder may start later than the host, and answer after a search has ended.
+// Searches repeatedly: the responder may start after the host, or answer after a search has ended.
 async function find(search) {
     for (const deadline = Date.now() + 60000;;) {
         const found = await search();
         if (found.length > 0) return found;
-        assert.ok(Date.now() < deadline, 'nothing is found');
+        assert.ok(Date.now() < deadline, 'no device was found');
     }
 }
 

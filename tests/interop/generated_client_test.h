@@ -15,12 +15,12 @@
 
 namespace zarn::test {
 
-/// A client that was generated from the service definitions, and a host that it has logged in to or will.
+/// A client generated from the service definitions, and the host that it logs in to.
 class GeneratedClientTest : public testing::Test {
 protected:
     explicit GeneratedClientTest(std::string configuration) : host({.configuration = std::move(configuration)}) {}
 
-    /// Calls an operation at the address of its service; throws when it does not succeed.
+    /// Calls an operation at its service's address; throws when it fails.
     template <class Response, class Proxy, class Request>
     Response Ask(int (Proxy::*operation)(Request*, Response&), Request request = {}) {
         Response response;
@@ -38,7 +38,7 @@ protected:
 
     std::string AddressOf(RuleEngineBindingProxy const*) const { return host.GetUrl() + "/onvif/analytics_service"; }
 
-    /// The beginning of the addresses that the host tells for a port.
+    /// The base URL that the host advertises for a port.
     std::string Advertised(std::string const& scheme, unsigned port) {
         auto const address = Ask(&DeviceBindingProxy::GetCapabilities).Capabilities->Device->XAddr;
         auto const begin = address.find("://") + 3;

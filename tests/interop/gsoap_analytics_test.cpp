@@ -11,7 +11,7 @@ using testing::NotNull;
 using testing::Pointee;
 using testing::SizeIs;
 
-/// How gSOAP reads a qualified name that is in no namespace.
+/// gSOAP's representation of a qualified name without a namespace.
 constexpr char Module[] = R"("":ZARN)";
 
 class AnalyticsClient : public GeneratedClientTest {
@@ -48,7 +48,7 @@ TEST_F(AnalyticsClient, ReadsTheSampleFrame) {
         auto const& centre = *object->Appearance->Shape->CenterOfGravity;
         EXPECT_LT(*box.left, *centre.x);
         EXPECT_LT(*centre.x, *box.right);
-        EXPECT_LT(*box.bottom, *centre.y); // y goes upwards
+        EXPECT_LT(*box.bottom, *centre.y); // the y axis points upwards
         EXPECT_LT(*centre.y, *box.top);
     }
     EXPECT_EQ(objects[0]->Appearance->Class->Type.at(0)->__item, "Human");

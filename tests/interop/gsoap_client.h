@@ -9,8 +9,8 @@
 
 namespace zarn::test {
 
-/// What a C++ program has that was generated from the service definitions: a context for proxies, with one kept
-/// connection, which logs in by HTTP digest when it is asked to.
+/// A C++ client generated from the service definitions: a context for proxies with one persistent connection and HTTP
+/// digest login on demand.
 class GsoapClient {
 public:
     explicit GsoapClient(std::string password);
@@ -18,7 +18,7 @@ public:
     GsoapClient(GsoapClient const&) = delete;
     GsoapClient& operator=(GsoapClient const&) = delete;
 
-    /// Calls an operation of a service and returns gSOAP's status: SOAP_OK, 401 when the password is wrong, or another.
+    /// Calls an operation and returns gSOAP's status: SOAP_OK, 401 when the password is wrong, or another error.
     /// endpoint  the service's address
     template <class Proxy, class Request, class Response>
     int Call(std::string const& endpoint, int (Proxy::*operation)(Request*, Response&), Request request,
@@ -30,10 +30,10 @@ public:
         return status == 401 && LogIn() ? call() : status;
     }
 
-    /// How many connections it has opened so far.
+    /// Number of connections opened so far.
     int CountConnections() const { return connections; }
 
-    /// The realm that it is logged in to; empty before.
+    /// The realm of the login; empty before the first login.
     std::string const& GetRealm() const { return realm; }
 
     struct soap* GetContext() const {
@@ -49,7 +49,7 @@ private:
 
     void PrepareCall();
 
-    /// Answers the challenge that has come; false when it has been answered before.
+    /// Answers the current challenge; false when it has already been answered.
     bool LogIn();
 
     std::string password;

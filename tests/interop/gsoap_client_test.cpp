@@ -150,7 +150,7 @@ TEST_F(GeneratedClient, ReachesOnlyOpenOperationsWithAWrongPassword) {
 }
 
 TEST_F(GeneratedClient, KeepsItsConnectionOverManyCalls) {
-    Ask(&DeviceBindingProxy::GetUsers); // logs in; gSOAP's client drops the connection on which it was refused
+    Ask(&DeviceBindingProxy::GetUsers); // logs in; gSOAP closes the connection that received the 401
     auto const before = client.CountConnections();
     for (int i = 0; i < 10; ++i) {
         EXPECT_THAT(Ask(&DeviceBindingProxy::GetUsers).User, SizeIs(1));

@@ -24,7 +24,7 @@ using testing::IsEmpty;
 using testing::Le;
 using Proxy = PullPointSubscriptionBindingProxy;
 
-/// The text of an element's attribute; a note when there is none.
+/// The value of an element's attribute, or a note that it is missing.
 std::string GetAttribute(soap_dom_element const& element, char const* name) {
     for (auto const* attribute = element.atts; attribute; attribute = attribute->next) {
         if (attribute->name && attribute->name == std::string(name)) return attribute->text ? attribute->text : "";
@@ -32,7 +32,7 @@ std::string GetAttribute(soap_dom_element const& element, char const* name) {
     return std::string("no ") + name;
 }
 
-/// "Name=Value" of the items of a list in a message: "tt:Source" or "tt:Data".
+/// The items of "tt:Source" or "tt:Data" in a message, as "Name=Value".
 std::vector<std::string> GetItems(wsnt__NotificationMessageHolderType const& holder, char const* list) {
     std::vector<std::string> items;
     for (auto const* part = holder.Message.__any.elts; part; part = part->next) {
@@ -44,13 +44,13 @@ std::vector<std::string> GetItems(wsnt__NotificationMessageHolderType const& hol
     return items;
 }
 
-/// gSOAP reads the text into one member, although it writes that of the other.
+/// gSOAP reads the topic into a different member than the one it writes.
 std::string GetTopic(wsnt__NotificationMessageHolderType const& holder) {
     auto const* const text = holder.Topic ? soap_elt_get_text(&holder.Topic->__mixed) : nullptr;
     return text ? text : "no topic";
 }
 
-/// A client that was generated from the service definitions, for events, and a host that is posted some.
+/// A generated events client and a host to which the test posts events.
 class GeneratedEventsClient : public testing::Test {
 protected:
     template <class Response, class Request>
@@ -61,8 +61,8 @@ protected:
         return response;
     }
 
-    /// topics       of its filter
-    /// termination  a time or a span
+    /// topics       topics of the filter
+    /// termination  a time or a duration
     _tev__CreatePullPointSubscriptionResponse Subscribe(std::string const& topics, std::string termination) {
         _tev__CreatePullPointSubscription request;
         wsnt__FilterType filter;
@@ -134,7 +134,7 @@ TEST_F(GeneratedEventsClient, WaitsForAPostedEvent) {
     std::string const address =
         Subscribe("tns1:RuleEngine/FieldDetector/ObjectsInside", "PT1H").SubscriptionReference.Address;
     auto pulled = std::async(std::launch::async, [&] { return Pull(address, "PT1H"); });
-    // The pull, and the request that asks for it.
+    // Two exchanges: the pull and the health request.
     EXPECT_TRUE(Eventually([&] { return host.GetHealth().at("listeners").at("web").at("exchanges") == 2; }));
     EXPECT_EQ(pulled.wait_for(0s), std::future_status::timeout);
     program.Post(MakeEvent("Gate"));

@@ -20,7 +20,7 @@ constexpr char MovingBall[] = R"({
 
 constexpr std::size_t Frames = 10;
 
-/// A client that shows the video of each profile: it plays and fetches what the Media2 service tells it.
+/// A client that plays every profile's stream and fetches its snapshot from the URIs of the Media2 service.
 class ViewingClient : public GeneratedClientTest {
 protected:
     ViewingClient() : GeneratedClientTest(MovingBall) { AwaitVideo(); }
@@ -32,21 +32,21 @@ protected:
         }
     }
 
-    /// The profiles with their sizes, which the encoders tell once there is video.
+    /// The profiles with their resolutions, which the encoders report once there is video.
     std::vector<tr2__MediaProfile*> Profiles() {
         _tr2__GetProfiles request;
         request.Type = {"VideoEncoder"};
         return Ask(&Media2BindingProxy::GetProfiles, request).Profiles;
     }
 
-    /// What GStreamer's RTSP client decodes of a stream: its pictures, one byte of brightness per pixel.
+    /// Plays a stream with GStreamer's RTSP client; returns the pictures, one luma byte per pixel.
     std::string Play(std::string const& uri) const {
         auto const pictures = host.GetFolder() / "pictures";
         Process player({"gst-launch-1.0", "-q", "rtspsrc", "location=" + uri, "protocols=tcp", "user-id=admin",
                         "user-pw=" + host.GetPassword(), "!", "decodebin", "!", "videoconvert", "!",
                         "video/x-raw,format=GRAY8", "!", "identity", "eos-after=" + std::to_string(Frames + 1), "!",
                         "filesink", "location=" + pictures});
-        // With which status it ends does not matter: it tends to interrupt its own PAUSE on the way.
+        // Ignore the exit status: the player often interrupts its own PAUSE.
         EXPECT_TRUE(player.Wait()) << player.GetLog();
         return host.GetFolder().Read("pictures");
     }
@@ -64,7 +64,7 @@ TEST_F(ViewingClient, PlaysTheStreamOfEveryProfile) {
         ASSERT_EQ(bytes.size(), size * Frames) << profile->token;
         std::set<std::string> pictures;
         for (std::size_t at = 0; at < bytes.size(); at += size) pictures.insert(bytes.substr(at, size));
-        EXPECT_GT(pictures.size(), Frames / 2) << "the video does not move";
+        EXPECT_GT(pictures.size(), Frames / 2) << "the picture does not change";
     }
 }
 

@@ -1,4 +1,4 @@
-// Runs a real zarn-host for the tests of this folder: own folder, free ports, a known password.
+// Runs a real zarn-host for the tests in this folder, with its own home, free ports and a known password.
 import {execFile, spawn} from 'node:child_process';
 import {mkdtempSync, rmSync, writeFileSync} from 'node:fs';
 import {tmpdir} from 'node:os';
@@ -21,7 +21,7 @@ const defaults = {
     },
 };
 
-// Starts a host and waits until it is ready. log: where its standard error goes, as for child_process.
+// Starts a host and waits until it is ready. log: destination of its standard error, as for child_process.
 // Returns {url, hostname, port, pid, stop()}.
 export async function startHost(configuration = {}, {log = 'inherit'} = {}) {
     const folder = mkdtempSync(join(tmpdir(), 'zarn-interop-'));
@@ -54,7 +54,7 @@ export async function startHost(configuration = {}, {log = 'inherit'} = {}) {
     }
 }
 
-// Waits until every channel of the host shows video, as its health page says.
+// Waits until the health page reports video on every channel.
 export async function waitForVideo(host, deadline = Date.now() + 60000) {
     for (;;) {
         const health = await (await fetch(`http://${host.hostname}:${host.port}/api/health`)).json();
@@ -72,7 +72,7 @@ export function run(program, args, options = {}) {
     });
 }
 
-// An address with the account in it, as players take it.
+// Adds the account to an address, in the form that players accept.
 export function withAccount(uri) {
     const url = new URL(uri);
     url.username = 'admin';

@@ -1,4 +1,4 @@
-// The npm package "onvif" as a client: what a video management system does first.
+// The npm package "onvif" as a client: the first steps of a video management system.
 import assert from 'node:assert/strict';
 import {mkdtemp, rm} from 'node:fs/promises';
 import os from 'node:os';
@@ -140,7 +140,7 @@ for (const useWSSecurity of [true, false]) {
     });
 }
 
-// The login method does not change the addresses.
+// The addresses do not depend on the login method.
 describe('the video that npm onvif is told', () => {
     let cam;
     before(async () => { cam = await connect(host); });
@@ -159,7 +159,7 @@ describe('the video that npm onvif is told', () => {
             assert.equal(decode.code, 0, decode.stderr);
             const frames = decode.stdout.split('\n').filter(line => /^0,/.test(line)).map(line => line.split(',').at(-1));
             assert.equal(frames.length, 20);
-            assert.ok(new Set(frames).size > 1, 'the video does not move');
+            assert.ok(new Set(frames).size > 1, 'the picture does not change');
         }
     });
 

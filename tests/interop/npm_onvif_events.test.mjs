@@ -20,7 +20,7 @@ function connect(options) {
 
 async function until(condition, what) {
     for (const deadline = Date.now() + 20000; !await condition();) {
-        assert.ok(Date.now() < deadline, `waited in vain: ${what}`);
+        assert.ok(Date.now() < deadline, `timed out: ${what}`);
         await new Promise(resolve => setTimeout(resolve, 10));
     }
 }
@@ -31,7 +31,7 @@ const ruleOf = message => Object.fromEntries(itemsOf(message.message.message.sou
 const secondsLeft = answer => (answer.terminationTime - answer.currentTime) / 1000;
 const pathOf = cam => cam.events.subscription.subscriptionReference.address.path;
 
-// Whether a subscription is there, by a client of our own.
+// True if a subscription exists, checked by an independent client.
 async function isAlive(path) {
     const {status, text} = await ask(host,
         '<tev:PullMessages><tev:Timeout>PT0S</tev:Timeout><tev:MessageLimit>0</tev:MessageLimit></tev:PullMessages>', {path});
@@ -39,7 +39,7 @@ async function isAlive(path) {
     return status === 200;
 }
 
-// Requests that the host works on, that for the count included.
+// Number of exchanges on the host, including the one that asks.
 async function countExchanges() {
     const health = await (await fetch(`http://${host.hostname}:${host.port}/api/health`)).json();
     return health.listeners.web.exchanges;
@@ -75,7 +75,7 @@ for (const useWSSecurity of [true, false]) {
 
         test('is given what is posted while it waits', async () => {
             const left = secondsLeft(await call(cam, 'createPullPointSubscription'));
-            assert.ok([119, 120].includes(left), `${left} seconds`); // each time is cut to its second
+            assert.ok([119, 120].includes(left), `${left} seconds`); // both times are truncated to seconds
             let waits = true;
             const pull = call(cam, 'pullMessages', {messageLimit: 2}).finally(() => { waits = false; });
             await until(async () => await countExchanges() > 1, 'for the pull to reach the host');
@@ -120,7 +120,7 @@ for (const useWSSecurity of [true, false]) {
             await until(() => rules.length >= 5, 'for two more');
             assert.deepEqual(rules, ['one', 'two', 'three', 'four', 'five']);
             assert.deepEqual(failures, []);
-            // It ends its subscription when it finds no listener after the next pull.
+            // The package unsubscribes when it has no listener after the next pull.
             cam.removeAllListeners('event');
             await until(async () => {
                 await postEvents(host, inField('unheard'));
@@ -144,7 +144,7 @@ for (const useWSSecurity of [true, false]) {
         assert.notEqual(pathOf(first.cam), pathOf(second.cam));
         await postEvents(host, ['one', 'two', 'three'].map(inField));
         await until(() => clients.every(({rules}) => rules.length >= 3), 'for three events each');
-        // The end of one is none of the other's business.
+        // Ending one subscription does not affect the other.
         const path = pathOf(first.cam);
         first.cam.removeAllListeners('event');
         await until(async () => {

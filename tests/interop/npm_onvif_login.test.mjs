@@ -1,4 +1,4 @@
-// The npm package "onvif" as a client that logs in for a long time, and often.
+// The npm package "onvif" as a client with long sessions and many logins.
 import assert from 'node:assert/strict';
 import {describe, test} from 'node:test';
 import {setTimeout as wait} from 'node:timers/promises';
@@ -8,7 +8,7 @@ import onvif from 'onvif';
 
 import {password, startHost} from './host.mjs';
 
-// Starts a host and passes `run` a function that logs in and asks for the model.
+// Starts a host and calls `run` with a function that logs in and reads the model.
 async function logIn(authentication, useWSSecurity, run) {
     const host = await startHost({
         settings: {web_port: 0, rtsp_port: 0, onvif: {enabled: false}, authentication: {enabled: true, ...authentication}},
@@ -29,7 +29,7 @@ async function logIn(authentication, useWSSecurity, run) {
 
 for (const useWSSecurity of [true, false]) {
     describe(`npm onvif ${useWSSecurity ? 'with' : 'without'} its WS-Security header`, () => {
-        // The client takes a refused answer for a wrong password: the answer has to arrive within the life of its nonce.
+        // The client treats a refused answer as a wrong password, so each answer must arrive before its nonce expires.
         test('goes on over the expiry of its nonces', () => logIn({nonce_seconds: 5}, useWSSecurity, async getModel => {
             await getModel();
             for (const end = Date.now() + 5500; Date.now() < end; await wait(100)) await getModel();

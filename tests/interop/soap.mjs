@@ -22,7 +22,7 @@ function answer(challenge, uri, secret) {
         `nc=${nc}, cnonce="${cnonce}", response="${response}"`;
 }
 
-// Posts a body, with HTTP digest when the host asks for it, and returns {status, text}. The path may have a query.
+// Posts a body, with HTTP digest on demand, and returns {status, text}. The path may include a query.
 export async function post(host, path, type, body, secret = password) {
     const send = headers => fetch(new URL(path, host.url), {
         method: 'POST', body, headers: {'Content-Type': type, ...headers},
@@ -42,7 +42,7 @@ export function ask(host, operation, {header = '', path = '/onvif/device_service
     return post(host, path, 'application/soap+xml; charset=utf-8', body, secret);
 }
 
-// Hands events to the host as an analytics program does; they are in the queues of the subscriptions then.
+// Posts events as an analytics program does. On return they are in the subscriptions' queues.
 export async function postEvents(host, events) {
     const {status, text} = await post(host, '/api/events', 'application/json', JSON.stringify(events));
     if (status !== 202) throw new Error(`${status}: ${text}`);

@@ -24,20 +24,20 @@ namespace {
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
-/// How long events come; ZARN_EVENT_LOAD_SECONDS.
+/// How long to publish events; set by ZARN_EVENT_LOAD_SECONDS.
 std::chrono::seconds GetDuration() {
     char const* const text = std::getenv("ZARN_EVENT_LOAD_SECONDS");
     return std::chrono::seconds(text ? std::stoi(text) : 1);
 }
 
-/// What of the heap is in use, in MiB.
+/// Heap in use, in MiB.
 double GetMemory() {
     auto const heap = mallinfo2();
     return static_cast<double>(heap.uordblks + heap.hblkhd) / (1 << 20);
 }
 
-/// Publishes events of the names "0", "1", ... at a rate per second; a slow machine makes it slower.
-/// Returns how many.
+/// Publishes events named "0", "1", ... at a rate per second, or more slowly on a slow machine.
+/// Returns the number of events.
 int PublishAtRate(int rate, std::chrono::milliseconds duration) {
     constexpr auto Tick = 10ms;
     auto const begin = Clock::now();
@@ -49,12 +49,12 @@ int PublishAtRate(int rate, std::chrono::milliseconds duration) {
     return count;
 }
 
-/// A client that pulls without end and expects the names "0", "1", ... in this order, each once.
+/// A client that pulls continuously and expects the names "0", "1", ... in order, each once.
 class Puller {
 public:
     explicit Puller(std::string path) : path(std::move(path)) {}
 
-    /// Counts what has come. Returns whether everything was right.
+    /// Counts the received events. Returns true if they are correct.
     bool Take(web::response::Pending::Data const& data) {
         if (data.GetStatus() != protocol::network::http::response::Status::Ok) return false;
         std::string text;
@@ -71,16 +71,15 @@ public:
     }
 
     std::string const path;
-    std::shared_ptr<web::response::Pending> pending; ///< the pull under way
-    int count = 0;                                   ///< of the events that came
+    std::shared_ptr<web::response::Pending> pending; ///< current pull
+    int count = 0;                                   ///< events received
 };
 
 class EventLoad : public PullPointFixture {
 protected:
     EventLoad() { engine.SetEnabled(false); }
 
-    /// Sends so many events per second to so many clients, which all wait at the beginning, and expects that each gets
-    /// all of them.
+    /// Publishes `rate` events per second to `clients` waiting clients and expects that each receives all of them.
     void Run(int rate, std::size_t clients, std::chrono::milliseconds duration) {
         std::vector<Puller> pullers;
         for (std::size_t i = 0; i < clients; ++i) {
@@ -112,8 +111,8 @@ protected:
         for (auto& puller : pullers) WaitFor(*puller.pending);
     }
 
-    /// The same, and that what it took of memory is given back. Measured without a manager: each of the thousand
-    /// threads on which clients wait keeps some freed memory for itself while it lives.
+    /// Does the same and expects that all memory is returned. Measured without a manager, because each of the thousand
+    /// threads on which clients wait caches some freed memory while it lives.
     void RunAndExpectMemoryBack(int rate, std::size_t clients) {
         Run(rate, clients, 200ms);
         EndManager();
@@ -122,7 +121,7 @@ protected:
         EndManager();
         auto const after = GetMemory();
         std::cout << "memory before " << before << " MiB, after " << after << " MiB\n";
-#ifndef ZARN_SANITIZED // which keep what was set free
+#ifndef ZARN_SANITIZED // sanitizers keep freed memory
         EXPECT_LT(after, before + 1);
 #endif
         EXPECT_TRUE(onvif::events::GetSubscriptions().empty());

@@ -32,26 +32,26 @@ namespace http = boost::beast::http;
 constexpr unsigned Connections = 64;
 constexpr std::chrono::seconds Duration(ZARN_LOAD_SECONDS);
 
-/// Requests of each connection, however slow the machine is.
+/// Minimum number of requests per connection, even on a slow machine.
 constexpr unsigned LeastRounds = 10;
 
-/// How much of an answer is the same for everybody.
+/// Which part of an answer is the same for every client.
 enum class Same {
-    Content, ///< all of it, but for the clock
-    Element, ///< the element in its body; the rest is another each time
+    Content, ///< everything except the clock
+    Element, ///< only the body's element; the rest differs
 };
 
-/// Where a request goes to.
+/// Target of a request.
 enum class To {
     Service,
-    Shared, ///< the subscription that is there for all connections
-    Own,    ///< the one that this connection has created last
+    Shared, ///< the subscription shared by all connections
+    Own,    ///< the subscription last created on this connection
 };
 
 /// A request that all connections make.
 struct Exchange {
     std::string element;   ///< of the body
-    unsigned status = 200; ///< of the right answer
+    unsigned status = 200; ///< of the expected answer
     Same same = Same::Content;
     To to = To::Service;
 };
@@ -61,7 +61,7 @@ std::vector<Exchange> const Exceptions{
     {"<tds:GetServices><tds:IncludeCapability>true</tds:IncludeCapability></tds:GetServices>"},
     {"<tds:SetUser/>", 400},
     {"<tr2:GetProfiles><tr2:Type>All</tr2:Type></tr2:GetProfiles>"},
-    // Those that nobody ends are gone a second later.
+    // Subscriptions that are not ended explicitly expire after a second.
     {"<tev:CreatePullPointSubscription><tev:InitialTerminationTime>PT1S</tev:InitialTerminationTime>"
      "</tev:CreatePullPointSubscription>",
      200, Same::Element},
@@ -98,21 +98,21 @@ std::string MakeBody(std::string const& element) {
            element + "</s:Body></s:Envelope>";
 }
 
-/// The path and query of the subscription that an answer gives; empty when it gives none.
+/// The path and query of the subscription in an answer; empty when there is none.
 std::string FindSubscription(std::string const& body) {
     static std::regex const address("Address>http://[^/<]+(/onvif/events_service/[^<]+)<");
     std::smatch match;
     return std::regex_search(body, match, address) ? match[1].str() : "";
 }
 
-/// A client with one connection that it keeps, and right credentials.
+/// A client with one persistent connection and valid credentials.
 class Client {
 public:
-    /// shared  the subscription for all
+    /// shared  the subscription shared by all connections
     Client(HostProcess const& host, std::string const& shared)
         : targets{{To::Service, "/onvif/device_service"},
                   {To::Shared, shared},
-                  {To::Own, "/onvif/events_service/Subscription?Idx=2147483647"}}, // nobody's so far
+                  {To::Own, "/onvif/events_service/Subscription?Idx=2147483647"}}, // not assigned yet
           ha1(authentication::MakeHa1("admin", authentication::Realm, host.GetPassword())) {
         stream.expires_after(Duration + std::chrono::seconds(60));
         stream.connect({asio::ip::make_address("127.0.0.1"), host.GetPort()});
@@ -170,7 +170,7 @@ private:
     boost::beast::flat_buffer buffer;
 };
 
-/// What of an answer has to be the same for everybody.
+/// Reduces an answer to the part that must be the same for every client.
 std::string Reduce(Exchange const& exchange, std::string const& body) {
     static std::regex const element("Body>\\s*<([^ />]+)");
     static std::regex const clock("<tt:UTCDateTime>.*</tt:UTCDateTime>");
@@ -227,8 +227,7 @@ TEST(Load, SixtyFourConnectionsGetCorrectResponsesToMixedOperations) {
     }
     EXPECT_TRUE(wrong.empty()) << wrong.size() << " wrong, the first: " << wrong.front();
     EXPECT_GT(answers, Connections * LeastRounds);
-    EXPECT_EQ(host.Stop(), 0) << "a sanitizer's report ends the process with another status:\n"
-                              << host.GetProcess().GetLog();
+    EXPECT_EQ(host.Stop(), 0) << "a sanitizer report changes the exit status:\n" << host.GetProcess().GetLog();
 }
 
 } // namespace

@@ -95,7 +95,7 @@ TEST_F(Analytics, ReportsItsModuleWithoutChannels) {
     EXPECT_TRUE(Ask("<tan:GetSupportedMetadata/>").Has("//tan:AnalyticsModule[@Type='ZARN']/tan:SampleFrame"));
 }
 
-/// The rules and whatever would change the modules: refused to everybody alike.
+/// Rule operations and those that would change modules fail the same way with or without credentials.
 TEST_F(Analytics, RejectsRuleAndModuleChangesAsNotSupported) {
     auto const notSupported = IsFault("Receiver", "Not supported", {"ter:ActionNotSupported"});
     for (std::string const element :

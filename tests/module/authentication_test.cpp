@@ -18,7 +18,7 @@ class Authentication : public DeviceFixture {
 protected:
     Reply AskForUsers(Sending const& sending) { return Ask("<tds:GetUsers/>", sending); }
 
-    /// Asks with this value of the Authorization field.
+    /// Sends GetUsers with this Authorization value.
     Reply AskForUsersAs(std::string const& authorization) {
         return AskForUsers({.fields = {{"Authorization", authorization}}, .authenticated = false});
     }
@@ -133,7 +133,7 @@ TEST_F(Authentication, ChallengesADigestWithoutAValidResponse) {
 }
 
 TEST_F(Authentication, ChallengesADigestOfAnotherAlgorithm) {
-    // Each is the right digest by MD5, and only says otherwise.
+    // Each contains the correct MD5 digest but names another algorithm.
     for (auto const* algorithm : {"SHA-256", "MD5-sess", "md5-sess", "\"MD5-sess\"", "SHA-256-sess", "SHA-512-256",
                                   "MD", "MD55", "*", "\"MD5 \""}) {
         auto authorization = MakeAuthorization({});
@@ -169,7 +169,7 @@ TEST_F(Authentication, AcceptsOnlyQopAuthOrADigestWithoutQop) {
     EXPECT_THAT(AskForUsersAs(integrity), IsChallenge(Realm));
     EXPECT_THAT(AskForUsersAs(without(right, "cnonce=\"fedcba98\", ")), IsChallenge(Realm));
     EXPECT_THAT(AskForUsersAs(without(right, "nonce=\"0123456789abcdef\", ")), IsChallenge(Realm));
-    EXPECT_THAT(AskForUsersAs(without(right, "qop=auth, ")), IsChallenge(Realm)); // its answer was made with one
+    EXPECT_THAT(AskForUsersAs(without(right, "qop=auth, ")), IsChallenge(Realm)); // the response was computed with qop
     EXPECT_EQ(AskForUsersAs(MakeOldAuthorization({})).status, 200);
 }
 
@@ -193,7 +193,7 @@ std::string GetName(testing::TestParamInfo<bindings::Operation> const& info) {
 using OperationWithLogin = AccessOf;
 
 TEST_P(OperationWithLogin, ChallengesARequestWithoutValidCredentials) {
-    root = std::make_shared<configuration::node::Root>(); // whatever it would read is not there
+    root = std::make_shared<configuration::node::Root>(); // the operation would fail if it read the configuration
     EXPECT_THAT(AskAnonymously(request), IsChallenge(Realm));
     EXPECT_THAT(Ask(request, {.password = "wrong"}), IsChallenge(Realm));
 }

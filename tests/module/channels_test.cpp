@@ -27,7 +27,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-/// A device that notes which channels it asks for, and under which lock.
+/// A device that records which channels it asks for and whether the configuration is locked meanwhile.
 class Channels : public DeviceFixture {
 protected:
     Channels() {
@@ -38,13 +38,13 @@ protected:
         };
     }
 
-    /// Whether another thread than the one that calls can take the configuration's lock.
+    /// True if another thread can take the configuration's lock.
     bool IsLockFree() {
         attempts.push_back(std::async(std::launch::async, [this] { return (void)root->GetLock(); }));
         return attempts.back().wait_for(lockPatience) == std::future_status::ready;
     }
 
-    /// Makes the channels entries of this schema: one, "1", of default values.
+    /// Gives the channels this entry schema and adds one entry, "1", with default values.
     void DescribeEntries(std::vector<Schema> const& entry) {
         root = std::make_shared<Root>();
         root->Schema({Schema::Collection("channels", entry, "channels")});
@@ -57,16 +57,16 @@ protected:
     std::chrono::milliseconds lockPatience{30};
 
 private:
-    std::vector<std::future<void>> attempts; ///< joins the threads when the test is over
+    std::vector<std::future<void>> attempts; ///< joins the threads on destruction
 };
 
-// Operations that tell of every channel
+// Operations that list every channel
 
 struct ListOperation {
     char const* name;
     char const* request;
-    char const* empty;   ///< the whole answer when there are no channels
-    char const* objects; ///< where the objects of the channels are
+    char const* empty;   ///< expected answer without channels
+    char const* objects; ///< XPath of the channel objects
 };
 
 class EveryChannelList : public Channels, public testing::WithParamInterface<ListOperation> {
@@ -153,7 +153,7 @@ TEST_P(EveryChannelList, HoldsTheConfigurationLockDuringTheCallback) {
     AskForList();
     EXPECT_THAT(lockFree, ElementsAre(false, false));
     lockPatience = std::chrono::seconds(30);
-    EXPECT_TRUE(IsLockFree()) << "when it is done";
+    EXPECT_TRUE(IsLockFree()) << "still locked after the answer";
 }
 
 TEST_P(EveryChannelList, ThrowsWhenTheChannelsAreNotACollection) {
@@ -162,7 +162,7 @@ TEST_P(EveryChannelList, ThrowsWhenTheChannelsAreNotACollection) {
     root->Schema({Schema("channels.1.name", "Gate", "a map, not a collection")});
     EXPECT_THROW(AskForList(), std::future_error) << "a map";
     lockPatience = std::chrono::seconds(30);
-    EXPECT_TRUE(IsLockFree()) << "afterwards";
+    EXPECT_TRUE(IsLockFree()) << "still locked after the exception";
 }
 
 TEST_P(EveryChannelList, ThrowsWhenTheChannelsAreAValue) {
@@ -179,12 +179,12 @@ TEST_P(EveryChannelList, ThrowsWhenANameIsNotAString) {
 
 TEST_P(EveryChannelList, CallsAChannelWithoutANameByItsId) {
     DescribeEntries({Schema("title", "Gate", "not a name")});
-    EXPECT_THAT(Names(AskForList()), ElementsAre("1")) << "the host describes none";
+    EXPECT_THAT(Names(AskForList()), ElementsAre("1")) << "the schema has no name";
     DescribeEntries({Schema("name", "", "name")});
     ReplaceManager();
-    EXPECT_THAT(Names(AskForList()), ElementsAre("1")) << "nobody gave it one";
+    EXPECT_THAT(Names(AskForList()), ElementsAre("1")) << "the name has its default value";
     root->FromJson(boost::json::parse(R"({"channels": {"1": {"name": ""}}})"));
-    EXPECT_THAT(Names(AskForList()), ElementsAre("")) << "somebody gave it an empty one";
+    EXPECT_THAT(Names(AskForList()), ElementsAre("")) << "the name is set to an empty text";
 }
 
 TEST_P(EveryChannelList, ThrowsWithoutAVideoInfoCallback) {
@@ -203,7 +203,7 @@ TEST_P(EveryChannelList, ThrowsWhenTheCallbackThrowsAndServesTheNextRequest) {
 }
 
 TEST_P(EveryChannelList, ListsAThousandChannels) {
-    DescribeEntries({Schema("name", "Gate", "name")}); // a default that is a name
+    DescribeEntries({Schema("name", "Gate", "name")}); // the default is a non-empty name
     for (int i = 2; i <= 1000; ++i) root->Find("channels")->As<Dynamic>().Add(std::to_string(i));
     auto const reply = AskForList();
     EXPECT_THAT(Names(reply), AllOf(SizeIs(1000), Each("Gate")));
@@ -229,12 +229,12 @@ INSTANTIATE_TEST_SUITE_P(
                       "<tr2:GetAnalyticsConfigurationsResponse/>", "//tr2:Configurations"}),
     [](auto const& instance) { return instance.param.name; });
 
-// Operations that look one node up by its path
+// Operations that look up one configuration node by its path
 
 struct Lookup {
     char const* operation;
     char const* tokenElement;
-    char const* object; ///< where the answer's object is
+    char const* object; ///< XPath of the answer's object
 };
 
 class SingleLookup : public Channels, public testing::WithParamInterface<Lookup> {
@@ -340,11 +340,11 @@ INSTANTIATE_TEST_SUITE_P(
                     Lookup{"GetVideoEncoderConfiguration", "ConfigurationToken", "//trt:Configuration"}),
     [](auto const& instance) { return instance.param.operation; });
 
-// Operations that only ask for a channel's description
+// Operations that only need a channel's description
 
 struct OptionsOperation {
     char const* name;
-    char const* request; ///< with TOKEN for the token
+    char const* request; ///< TOKEN is replaced by the token
 };
 
 class OptionsOfAToken : public Channels, public testing::WithParamInterface<OptionsOperation> {

@@ -13,12 +13,12 @@
 
 namespace {
 
-/// How far the system clock has jumped, in seconds.
+/// Offset of the simulated system clock, in seconds.
 std::atomic<std::time_t> jump = 0;
 
 } // namespace
 
-/// Takes the place of the C library's: the system clock of this process jumps, all others go on.
+/// Overrides the C library's function: the system clock of this process jumps, all other clocks are unaffected.
 extern "C" int clock_gettime(clockid_t clock, timespec* time) noexcept {
     auto const status = static_cast<int>(syscall(SYS_clock_gettime, clock, time));
     if (status == 0 && clock == CLOCK_REALTIME) time->tv_sec += jump;
@@ -33,7 +33,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::time_t Year = 365 * 86400;
 
-/// What the process has used of processors.
+/// Processor time used by this process.
 std::chrono::microseconds GetProcessorTime() {
     rusage usage{};
     getrusage(RUSAGE_SELF, &usage);
@@ -43,7 +43,7 @@ std::chrono::microseconds GetProcessorTime() {
     return span(usage.ru_utime) + span(usage.ru_stime);
 }
 
-/// By how much it jumps.
+/// The parameter is the size of the jump.
 class ClockJump : public PullPointFixture, public testing::WithParamInterface<std::time_t> {
 protected:
     void SetUp() override {
@@ -51,7 +51,7 @@ protected:
         jump = 3600;
         auto const after = std::chrono::system_clock::now();
         jump = 0;
-        ASSERT_GT(after - before, 30min) << "the clock of this process cannot be moved";
+        ASSERT_GT(after - before, 30min) << "the clock override has no effect";
     }
 
     ~ClockJump() override { jump = 0; }
@@ -89,7 +89,7 @@ TEST_P(ClockJump, CausesNoBusyWaiting) {
 TEST_P(ClockJump, ShiftsTheExpiryOfSubscriptions) {
     auto const path = Subscribe(Termination("PT1H"));
     jump = GetParam();
-    // The timers' thread may sleep for minutes; an end in front of all others wakes it.
+    // The timer thread may sleep for minutes; adding an earlier end time wakes it.
     auto const hasEnded = [this](std::string const& ending) {
         if (Pull(ending).status != 200) return true;
         Subscribe(Termination("2001-01-01T00:00:00Z"));

@@ -22,7 +22,7 @@ using web::response::Pending;
 
 namespace {
 
-/// MD5 as lower-case hex, by OpenSSL alone: what the tests expect does not come from the code that they test.
+/// MD5 as lower-case hex, computed by OpenSSL directly so that expected values do not come from the code under test.
 std::string Md5(std::string const& text) {
     std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
     unsigned length = 0;

@@ -76,7 +76,7 @@ TEST_F(GetNetworkInterfaces, ListsDevicesWithAnAddressInPlatformOrder) {
         addresses.push_back(device->GetIPv4Address().to_string());
         hardwareAddresses.push_back(device->GetHardwareAddress());
     }
-    ASSERT_FALSE(names.empty()) << "this machine has no address at all";
+    ASSERT_FALSE(names.empty()) << "this machine has no network address";
     auto const reply = Ask("<tds:GetNetworkInterfaces/>");
     EXPECT_EQ(reply.Texts("//tds:NetworkInterfaces/@token"), names);
     EXPECT_EQ(reply.Texts("//tt:FromDHCP/tt:Address"), addresses);

@@ -87,7 +87,7 @@ TEST_F(GetServices, IncludesTheCapabilitiesOfEachServiceOnRequest) {
         EXPECT_TRUE(reply.Has(path)) << path;
 }
 
-/// The elements below what the XPath finds, and their attributes, whose order has no meaning.
+/// The child elements of the XPath's matches and their attributes; their order is irrelevant.
 std::multiset<std::string> Content(Reply const& reply, std::string const& xpath) {
     std::multiset<std::string> content;
     for (auto const& element : reply.Select((xpath + "/descendant-or-self::*").c_str())) {

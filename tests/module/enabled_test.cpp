@@ -38,7 +38,7 @@ constexpr char Path[] = "settings.onvif.enabled";
 constexpr char Starting[] = "Starting ONVIF discovery service";
 constexpr char Stopping[] = "Stopping ONVIF discovery service";
 
-/// The manager's lines with this text, each of which is at the level for starts and stops.
+/// Counts the manager's log lines with this text, at the level used for starts and stops.
 long Count(logging::Capture const& log, std::string const& text) {
     auto const lines = log.GetLines();
     return std::ranges::count_if(lines, [&](logging::Line const& line) {
@@ -50,7 +50,7 @@ class EnabledSetting : public DeviceFixture {
 protected:
     Primitive<bool>& Setting() { return root->Find(Path)->As<Primitive<bool>>(); }
 
-    /// What the file of the host says, read before anybody has described the setting.
+    /// Loads the host's configuration file before the setting is described.
     void Read(std::string const& enabled) {
         root->FromJson(boost::json::parse(R"({"settings": {"onvif": {"enabled": )" + enabled + "}}}"),
                        configuration::Unknown::Keep);
@@ -67,7 +67,7 @@ TEST_F(EnabledSetting, IsFalseInAFreshConfiguration) {
 TEST_F(EnabledSetting, LeavesTheDeviceSilentInAFreshConfiguration) {
     OnOwnNetwork([&] {
         Manager();
-        EXPECT_NO_THROW(PortHolder()) << "somebody listens for probes";
+        EXPECT_NO_THROW(PortHolder()) << "the discovery port is in use";
     });
 }
 
@@ -114,7 +114,7 @@ TEST_F(EnabledSetting, StartsOneResponderWhenItIsSetTwice) {
 
 TEST_F(EnabledSetting, LogsEachTimeThatItIsSetToFalse) {
     Manager();
-    Setting().Set(true); // whether the port can be had or not
+    Setting().Set(true); // succeeds even when the port is in use
     logging::Capture const log;
     Setting().Set(false);
     Setting().Set(false);
@@ -130,14 +130,14 @@ TEST_F(EnabledSetting, LogsOnceWhenInitiallyFalse) {
 }
 
 #ifndef ZARN_SANITIZED // which need the address space that is taken away here
-/// While it lives, no thread can be started: there is no room for its stack, and none of a thread that has gone is
-/// free.
+/// During its lifetime, no thread can start: there is no address space for another stack, and the stacks of finished
+/// threads are not available for reuse.
 class NoThreads {
 public:
     NoThreads() {
         getrlimit(RLIMIT_AS, &before);
         threads.reserve(MaximumThreads);
-        constexpr std::size_t Rest = 256 * 1024; // for small things, and too little for a stack
+        constexpr std::size_t Rest = 256 * 1024; // enough for small allocations but not for a stack
         rlimit const full{GetAddressSpace() + Rest, before.rlim_max};
         setrlimit(RLIMIT_AS, &full);
         try {
@@ -145,7 +145,7 @@ public:
         } catch (std::system_error const&) {
             return;
         }
-        ADD_FAILURE() << "there is no end of threads";
+        ADD_FAILURE() << "threads can still be started";
     }
 
     ~NoThreads() {
@@ -180,7 +180,7 @@ TEST_F(EnabledSetting, RetriesWhenSetAgainAfterAFailedThreadStart) {
             EXPECT_THROW(Setting().Set(true), std::system_error);
         }
         EXPECT_TRUE(Setting().Get());
-        EXPECT_NO_THROW(PortHolder()) << "nobody answers";
+        EXPECT_NO_THROW(PortHolder()) << "the discovery port is in use";
         Setting().Set(true);
         EXPECT_TRUE(ProbeClient().FindsAnybody());
         EXPECT_EQ(Count(log, Starting), 2);
@@ -190,7 +190,7 @@ TEST_F(EnabledSetting, RetriesWhenSetAgainAfterAFailedThreadStart) {
 
 TEST_F(EnabledSetting, DoesNotAffectRequests) {
     EXPECT_EQ(Ask("<trt:GetProfiles/>").status, 200);
-    Setting().Set(true); // whether the port can be had or not
+    Setting().Set(true); // succeeds even when the port is in use
     EXPECT_EQ(Ask("<trt:GetProfiles/>").status, 200);
 }
 
@@ -198,7 +198,7 @@ TEST_F(EnabledSetting, MustBeABoolean) {
     root->Schema({configuration::Schema(Path, "yes", "a text")});
     try {
         Manager();
-        FAIL() << "a text was taken";
+        FAIL() << "a text was accepted";
     } catch (object::BadCast const& error) {
         EXPECT_EQ(error.GetTypeName(), "zarn.configuration.node.Bool");
     }
@@ -238,7 +238,7 @@ TEST_F(EnabledSetting, EndsWithTheManager) {
         EXPECT_EQ(Count(log, Stopping), 1);
         EXPECT_NO_THROW(PortHolder());
         Setting().Set(true);
-        EXPECT_EQ(Count(log, Starting), 1) << "nobody follows the setting any more";
+        EXPECT_EQ(Count(log, Starting), 1) << "the setting still has a subscriber";
     });
 }
 
@@ -275,14 +275,14 @@ TEST_F(EnabledSetting, LosesNoUpdateFromTheHostWhileStarting) {
             auto const port = static_cast<std::uint16_t>(i);
             std::thread starter([&] { Setting().Set(true); });
             std::thread host([&] {
-                // Anywhere between the beginning of the start and its end.
+                // The delay varies over the whole duration of a start.
                 std::this_thread::sleep_for(std::chrono::microseconds(i * 5));
                 device.UpdateServerPort(port);
                 device.UpdateSSLState(port % 2 == 0);
             });
             starter.join();
             host.join();
-            // Each asks from an address of its own, since one that asks too often gets no answer.
+            // A separate address per client, because the responder throttles each address.
             ProbeClient client("127.0.0." + std::to_string(i));
             client.Send(MakeProbe("urn:uuid:1"), "127.0.0.1");
             EXPECT_THAT(client.Receive().value_or(""),
@@ -293,7 +293,7 @@ TEST_F(EnabledSetting, LosesNoUpdateFromTheHostWhileStarting) {
 }
 
 TEST_F(EnabledSetting, MayChangeDuringAFloodOfProbes) {
-#ifdef ZARN_SANITIZED // which make each start many times slower
+#ifdef ZARN_SANITIZED // each start is many times slower
     constexpr int Changes = 50;
 #else
     constexpr int Changes = 200;
@@ -311,7 +311,7 @@ TEST_F(EnabledSetting, MayChangeDuringAFloodOfProbes) {
             Setting().Set(false);
         }
         EXPECT_GE(changed, Changes);
-        EXPECT_GT(flood.CountAnswers(), 0) << "the flood was not answered";
+        EXPECT_GT(flood.CountAnswers(), 0) << "no probe of the flood was answered";
         EXPECT_EQ(Count(log, Starting), changed);
         EXPECT_EQ(Count(log, Stopping), changed);
         EXPECT_FALSE(log.Contains("Failed to start"));
@@ -322,7 +322,7 @@ TEST_F(EnabledSetting, MayChangeDuringAFloodOfProbes) {
 TEST_F(EnabledSetting, MayChangeDuringDestructionOfTheManager) {
     constexpr int Managers = 50;
     OnOwnNetwork([&] {
-        { auto const device = MakeManager(); } // describes the setting
+        { auto const device = MakeManager(); } // registers the setting's schema
         std::atomic<unsigned> changes = 0;
         std::jthread const other([&](std::stop_token const& over) {
             for (; !over.stop_requested(); ++changes) Setting().Set(changes % 2 == 0);
@@ -336,18 +336,18 @@ TEST_F(EnabledSetting, MayChangeDuringDestructionOfTheManager) {
             awaitChanges();
             device.reset();
             awaitChanges();
-            EXPECT_NO_THROW(PortHolder()) << "somebody still listens for probes";
+            EXPECT_NO_THROW(PortHolder()) << "the discovery port is still in use";
         }
     });
 }
 
-/// What the probes of clients are told of the host.
+/// What discovery answers say about the host.
 class DiscoveredDevice : public EnabledSetting {
 protected:
     static std::string Discover() { return ProbeClient().Ask(MakeProbe("urn:uuid:1")).value_or(""); }
 };
 
-/// A text in which "%20" and the like stand for what cannot be written plainly.
+/// Decodes percent-encoding.
 std::string Decode(std::string const& text) {
     std::string decoded;
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -365,10 +365,10 @@ TEST_F(DiscoveredDevice, IsSilentUntilTheHostSetsItsPort) {
         logging::Capture const log;
         ProbeClient client;
         client.Send(MakeProbe("urn:uuid:1"));
-        EXPECT_TRUE(log.WaitFor("Failed to generate discovery response for request: ", 60s)); // instead of an answer
+        EXPECT_TRUE(log.WaitFor("Failed to generate discovery response for request: ", 60s)); // and no answer is sent
         device.UpdateServerPort(8081);
         auto const answer = client.Ask(MakeProbe("urn:uuid:2")).value_or("");
-        EXPECT_THAT(answer, HasSubstr("urn:uuid:2")) << "the first answer is to the second probe";
+        EXPECT_THAT(answer, HasSubstr("urn:uuid:2")) << "the first probe was answered";
         EXPECT_THAT(answer, HasSubstr("http://127.0.0.1:8081/onvif/device_service"));
     });
 }

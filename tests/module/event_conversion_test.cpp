@@ -29,7 +29,7 @@ using testing::IsEmpty;
 
 class EventConversion : public PullPointFixture {
 protected:
-    /// What a client gets for one event.
+    /// The answer to a client that pulls this event.
     Reply Convert(std::shared_ptr<Event> event) {
         auto const path = Subscribe();
         Publish(std::move(event));
@@ -58,8 +58,8 @@ std::shared_ptr<Event> InZone(std::string const& type, std::uint32_t zone) {
 
 struct Row {
     char const* type;
-    char const* field; ///< topic in a field
-    char const* line;  ///< topic at a line
+    char const* field; ///< topic of an event in a field
+    char const* line;  ///< topic of an event at a line
 };
 
 constexpr Row ZoneRows[] = {
@@ -129,7 +129,7 @@ TEST_F(EventConversion, ConvertsEveryOtherFamilyToACompleteMessage) {
         char const* type;
         std::uint32_t zone;
         char const* topic;
-        char const* items; ///< behind those that every message has
+        char const* items; ///< items after the ones that every message has
     };
 
     for (auto const& [type, zone, topic, items] : {

@@ -16,7 +16,7 @@ constexpr auto FieldTopics = {"ObjectsInside", "Crossed",    "Enter", "Exit",   
 
 class EventProperties : public DeviceFixture {
 protected:
-    /// The names of the elements below one.
+    /// The names of an element's children.
     std::vector<std::string> GetNames(std::string const& xpath) const {
         std::vector<std::string> names;
         for (auto const& node : reply.Select((xpath + "/*").c_str())) names.emplace_back(node.node().name());

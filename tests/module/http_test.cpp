@@ -11,9 +11,9 @@ namespace {
 
 using testing::StartsWith;
 
-/// The text in the format of gzip (RFC 1952).
+/// The text compressed with gzip (RFC 1952).
 std::string Compress(std::string text) {
-    constexpr int Gzip = 16; // beside the size of the window, for which this stands
+    constexpr int Gzip = 16; // zlib: added to the window size to select gzip
     z_stream stream{};
     if (deflateInit2(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, MAX_WBITS + Gzip, MAX_MEM_LEVEL, Z_DEFAULT_STRATEGY))
         throw std::runtime_error("zlib cannot compress");
@@ -29,7 +29,7 @@ std::string Compress(std::string text) {
     return compressed;
 }
 
-/// What a field of the request's head says about its body.
+/// Header fields that describe the request's body.
 class Body : public DeviceFixture {};
 
 TEST_F(Body, AnnouncedByExpectContinueGetsTheUsualResponse) {
@@ -38,7 +38,7 @@ TEST_F(Body, AnnouncedByExpectContinueGetsTheUsualResponse) {
         auto const reply = Ask(operation, {.fields = {{"Expect", "100-continue"}}});
         EXPECT_EQ(reply.status, plain.status) << operation;
         EXPECT_EQ(reply.fields, plain.fields) << operation;
-        EXPECT_EQ(reply.text, plain.text) << "without an interim response before it";
+        EXPECT_EQ(reply.text, plain.text) << "an interim response precedes the answer";
         EXPECT_THAT(reply.text, StartsWith("<?xml ")) << operation;
     }
 }
@@ -53,7 +53,7 @@ TEST_F(Body, WhenCompressedIsRefusedWithoutAffectingTheNext) {
     auto const body = Envelope("<tds:GetHostname/>");
     EXPECT_EQ(Post(Compress(body), {.fields = {{"Content-Encoding", "gzip"}}}).status, 415);
     EXPECT_EQ(Post(body).status, 200);
-    EXPECT_EQ(Post(Compress(body)).status, 400) << "it is no XML, whatever it would be inflated";
+    EXPECT_EQ(Post(Compress(body)).status, 400) << "an undeclared gzip body must not be inflated";
     EXPECT_EQ(Post(body).status, 200);
 }
 

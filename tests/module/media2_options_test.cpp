@@ -15,7 +15,7 @@ using configuration::Schema;
 using meta::data::VideoInfo;
 using testing::ElementsAre;
 
-/// Options of a configuration or profile, by its token.
+/// Options of a configuration or profile, selected by its token.
 class Media2Options : public DeviceFixture {
 protected:
     Reply AskForEncoder(std::string const& tokens) {
@@ -154,7 +154,7 @@ TEST_F(Media2Options, OfASourceThrowWhenTheChannelsAreNotACollection) {
     EXPECT_THROW(AskForSource(""), std::future_error) << "missing";
     root->Schema({Schema("channels.1.name", "Gate", "a map, not a collection")});
     EXPECT_THROW(AskForSource(""), std::future_error) << "a map";
-    EXPECT_EQ(AskForSource(Profile("channels.1")).status, 200) << "not read with a token";
+    EXPECT_EQ(AskForSource(Profile("channels.1")).status, 200) << "a request with a token must not read the channels";
 }
 
 } // namespace

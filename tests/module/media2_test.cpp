@@ -25,7 +25,7 @@ TEST_F(Media2, ReportsItsCapabilitiesWithoutCredentials) {
 
 // Configurations
 
-/// A channel as its configurations tell of it.
+/// The expected configurations of a channel.
 struct Described {
     std::string token;
     std::string name;
@@ -56,7 +56,7 @@ struct Described {
         return Begin(element) + "<tt:Analytics>true</tt:Analytics>" + NoMulticast + "</" + element + ">";
     }
 
-    /// A profile with these configurations, a whole element or nothing.
+    /// A profile with this configurations element; empty: none.
     std::string Profile(std::string const& configurations) const {
         return "<tr2:Profiles token=\"" + token + "\" fixed=\"true\"><tr2:Name>" + name + "</tr2:Name>" +
                configurations + "</tr2:Profiles>";

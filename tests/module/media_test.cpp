@@ -55,7 +55,7 @@ std::string Element(std::string const& name, std::string const& token, std::stri
     return "<" + name + " token=\"" + token + "\">" + content + "</" + name + ">";
 }
 
-/// The content of a profile, whose configurations all bear its token.
+/// The content of a profile; all its configurations have the profile's token.
 std::string ProfileContent(std::string const& token, std::string const& name, std::string const& source, int width,
                            int height) {
     return "<tt:Name>" + name + "</tt:Name>" + Element("tt:VideoSourceConfiguration", token, source) +
@@ -197,7 +197,7 @@ TEST_F(Media, AcceptsSynchronizationPointsOfAnyProfile) {
 
 class MediaVideoSources : public DeviceFixture {
 protected:
-    /// The frame rate that is told for a source of this one.
+    /// The frame rate reported for a source with this rate.
     std::string Rate(std::int32_t numerator, std::int32_t denominator) {
         videos["1"] = VideoInfo({1, 1}, "", numerator, denominator);
         return Ask("<trt:GetVideoSources/>").Text("//trt:VideoSources[@token='channels.1']/tt:Framerate");

@@ -13,7 +13,7 @@ bool AnswersDiffer(bindings::Operation const& operation) {
 
 class NilRequest : public DeviceFixture {};
 
-/// gSOAP hands the operation a null pointer for it.
+/// gSOAP passes a null pointer to the operation for such a request.
 TEST_F(NilRequest, IsAnsweredLikeAnEmptyRequest) {
     for (auto const& operation : bindings::Operations) {
         if (!operation.IsServed() || AnswersDiffer(operation)) continue;

@@ -2,7 +2,7 @@
 
 namespace zarn::test {
 
-/// What the encoder and metadata configurations of both media services say of multicast and of their end.
+/// The multicast and session timeout elements in the encoder and metadata configurations of both media services.
 inline constexpr char NoMulticast[] = R"(
     <tt:Multicast>
       <tt:Address><tt:Type>IPv4</tt:Type></tt:Address><tt:Port>0</tt:Port><tt:TTL>0</tt:TTL>

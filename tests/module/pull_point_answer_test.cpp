@@ -11,7 +11,7 @@ namespace {
 
 using testing::IsEmpty;
 
-/// The answers to those who have subscriptions, each as a whole.
+/// Complete answers of the subscription operations.
 class PullPointAnswer : public PullPointFixture {};
 
 TEST_F(PullPointAnswer, ToTheCreationHoldsTheAddressAndTheTimes) {
@@ -70,13 +70,13 @@ TEST_F(PullPointAnswer, HoldsTenThousandMessagesInOrder) {
     auto const path = Subscribe();
     std::vector<std::string> names;
     for (int i = 0; i < 10'000; ++i) Publish(MakeFieldEvent(names.emplace_back(std::to_string(i))));
-    auto const begin = std::clock(); // the processor's time, which other processes do not make longer
+    auto const begin = std::clock(); // processor time: unaffected by other processes
     auto const data = WaitFor(*PostPull(path, 10'000, "PT0S"));
     auto const lasted = std::clock() - begin;
     RecordProperty("milliseconds", std::to_string(lasted * 1000 / CLOCKS_PER_SEC));
     EXPECT_EQ(GetRules(ToReply(data)), names);
     EXPECT_THAT(GetRules(Pull(path)), IsEmpty());
-#if defined(NDEBUG) && !defined(ZARN_SANITIZED) // code that is not optimised, or is watched, is slower
+#if defined(NDEBUG) && !defined(ZARN_SANITIZED) // debug and sanitizer builds are slower
     EXPECT_LT(lasted, CLOCKS_PER_SEC);
 #endif
 }

@@ -28,7 +28,7 @@ using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::SizeIs;
 
-/// Holds up the thread of the timers while it lives.
+/// Blocks the timer thread during its lifetime.
 class TimersThread {
 public:
     TimersThread() {
@@ -37,7 +37,7 @@ public:
             noticing.get_future().wait();
         });
         held.get_future().wait();
-        // Due before any other, so that it is acted upon first.
+        // Due before any other timer, so that its handler runs first.
         first.expires_at({});
         first.async_wait([this](boost::system::error_code) {
             noticed.set_value();
@@ -45,13 +45,13 @@ public:
         });
     }
 
-    /// Lets the thread take notice of all timers that are due by now, and holds it up before it acts upon them.
+    /// Lets the thread collect all timers that are due, then blocks it before it runs their handlers.
     void TakeNotice() {
         noticing.set_value();
         noticed.get_future().wait();
     }
 
-    /// Lets it go on, and waits until it has acted upon what it took notice of.
+    /// Unblocks the thread and waits until it has run the handlers.
     void GoOn() {
         goingOn.set_value();
         std::promise<void> done;
@@ -70,7 +70,7 @@ private:
 
 class PullPointRace : public PullPointFixture {
 protected:
-    /// Runs something on several threads at once. Returns what they return.
+    /// Runs a function on several threads at once and returns their results.
     template <class Function>
     static auto RunAtOnce(int threads, Function function) {
         std::latch begin(threads);
@@ -88,7 +88,7 @@ protected:
 };
 
 TEST_F(PullPointRace, OfTheFirstClientsYieldsUniqueIdsAndNoDuplicateEvents) {
-    Manager(); // which nobody but this thread makes
+    Manager(); // create the manager before the threads start
     std::set<std::string> paths;
     for (auto const& some : RunAtOnce(8, [this] {
              std::vector<std::string> made;
@@ -103,7 +103,7 @@ TEST_F(PullPointRace, OfTheFirstClientsYieldsUniqueIdsAndNoDuplicateEvents) {
 }
 
 TEST_F(PullPointRace, OfTheFirstServicesRegistersOnce) {
-    // The services themselves, whose first steps are nearer to each other than those of requests.
+    // Calls the services directly, because their first steps are closer together than those of whole requests.
     using service::onvif::EventsService;
     std::latch ready(8);
     RunAtOnce(8, [&] {
@@ -144,13 +144,13 @@ TEST_F(PullPointRace, OfExpiryWithUnsubscribeEndsOnlyThatSubscription) {
 
 TEST_F(PullPointRace, OfAPullWithUnsubscribeReturnsTheEventsSoFar) {
     constexpr std::size_t Count = 10'000;
-    // An unsubscription that gets no processor until all is pulled comes too late: then try again.
+    // If the unsubscription runs only after everything is pulled, retry.
     std::size_t pulled = Count;
     for (int attempt = 0; pulled == Count && attempt < 20; ++attempt) {
         auto const path = Subscribe();
         for (std::size_t i = 0; i < Count; ++i) Publish(MakeFieldEvent(std::to_string(i)));
         auto const pending = PostPull(path, Count, "PT0S");
-        // From the first conversion on, there is one event less in the queue.
+        // The first conversion removes one event from the queue.
         while (onvif::events::GetSubscriptions().back().queued == Count) std::this_thread::yield();
         EXPECT_EQ(Unsubscribe(path).status, 200);
         auto const rules = GetRules(ToReply(WaitFor(*pending)));
@@ -191,11 +191,11 @@ TEST_F(PullPointRace, OfSeveralPullsDeliversEachEventOnceInOrder) {
 
 class PullPointDeathTest : public PullPointFixture {
 protected:
-    /// Ends the process while events come and subscriptions end, one every millisecond.
+    /// Exits the process while events arrive and subscriptions expire, one per millisecond.
     [[noreturn]] void ExitInTheMidst() {
         static std::atomic<bool> ended = false;
         static std::thread publisher;
-        // What is told first to be done at the end is done last: after the subscriptions have gone.
+        // atexit handlers run in reverse order, so this one runs after the subscriptions are destroyed.
         std::atexit([] {
             ended = true;
             publisher.join();

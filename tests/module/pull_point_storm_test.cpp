@@ -27,16 +27,16 @@ namespace {
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
-/// The n-th event of a publisher bears the number publisher * PerPublisher + n as its name, n from 1.
+/// The name of a publisher's n-th event (n from 1) is the number publisher * PerPublisher + n.
 constexpr std::int64_t PerPublisher = 1'000'000'000;
 
-/// A number from the environment; the default without one.
+/// A number from the environment, or the default when the variable is not set.
 unsigned Read(char const* variable, unsigned otherwise) {
     char const* const text = std::getenv(variable);
     return text ? static_cast<unsigned>(std::stoul(text)) : otherwise;
 }
 
-/// A subscription, and the numbers of all events that came out of it.
+/// A subscription and the numbers of all events pulled from it.
 struct Target {
     explicit Target(std::string path) : path(std::move(path)) {}
 
@@ -45,13 +45,13 @@ struct Target {
     std::set<std::int64_t> seen;
 };
 
-/// Clients that do anything to any subscription at any time, for ZARN_STORM_SECONDS. What they do follows from
-/// ZARN_STORM_SEED; which of them does it first does not.
+/// Clients that perform random operations on random subscriptions for ZARN_STORM_SECONDS. ZARN_STORM_SEED determines
+/// each client's operations but not how the clients interleave.
 class PullPointStorm : public PullPointFixture {
 protected:
     using Random = std::mt19937;
 
-    /// Creates, renews, pulls and ends by chance.
+    /// Creates, renews, pulls and unsubscribes at random.
     void RunClient(Random::result_type seed) {
         Random random(seed);
         Seen seen;
@@ -87,12 +87,12 @@ protected:
         auto target = std::make_shared<Target>(Subscribe(Termination(Ends.at(random() % Ends.size()))));
         std::scoped_lock const lock(mutex);
         all.push_back(target);
-        // Clients meet, also at subscriptions that have ended.
+        // Clients share subscriptions, including ended ones.
         if (current.size() < 12) return current.push_back(std::move(target));
         current[random() % current.size()] = std::move(target);
     }
 
-    /// Nothing is lost between the first and the last event that came out of a subscription.
+    /// Expects no gap between the first and the last event pulled from a subscription.
     static void ExpectNoGap(Target const& target) {
         for (auto at = target.seen.begin(); at != target.seen.end(); ++at) {
             auto const next = std::next(at);
@@ -101,7 +101,7 @@ protected:
         }
     }
 
-    /// A slow machine takes longer until the first event comes out.
+    /// Allow extra time for the first event on a slow machine.
     bool GoesOn() const {
         auto const now = Clock::now();
         return now < end || (events == 0 && now < end + 30s);
@@ -109,10 +109,10 @@ protected:
 
     Clock::time_point const end = Clock::now() + std::chrono::seconds(Read("ZARN_STORM_SECONDS", 1));
     std::vector<std::shared_ptr<Target>> all;
-    std::atomic<std::size_t> events = 0; ///< that came out of the subscriptions
+    std::atomic<std::size_t> events = 0; ///< pulled from the subscriptions
 
 private:
-    /// The last event of a publisher that one client got out of a subscription.
+    /// The last event of each publisher that one client pulled from a subscription.
     using Seen = std::map<std::pair<std::shared_ptr<Target>, std::int64_t>, std::int64_t>;
 
     std::shared_ptr<Target> Choose(Random& random) {
@@ -144,7 +144,7 @@ private:
             auto const number = std::stoll(rule);
             EXPECT_LT(std::exchange(seen[{target, number / PerPublisher}], number), number) << "out of order";
             std::scoped_lock const lock(target->mutex);
-            EXPECT_TRUE(target->seen.insert(number).second) << number << " came twice";
+            EXPECT_TRUE(target->seen.insert(number).second) << number << " was delivered twice";
             ++events;
         }
     }
@@ -169,7 +169,7 @@ TEST_F(PullPointStorm, LosesNothingRepeatsNothingAndLeavesNothing) {
         ids.insert(std::stoi(target->path.substr(target->path.rfind('=') + 1)));
         ExpectNoGap(*target);
     }
-    EXPECT_EQ(ids.size(), all.size()) << "each has an id of its own";
+    EXPECT_EQ(ids.size(), all.size()) << "two subscriptions have the same id";
     EXPECT_GT(events, 0U);
     RecordProperty("subscriptions", std::to_string(all.size()));
     RecordProperty("events", std::to_string(events));

@@ -53,11 +53,9 @@ protected:
         return Ask("<tev:CreatePullPointSubscription>" + content + "</tev:CreatePullPointSubscription>");
     }
 
-    /// The id in an address.
     static int GetId(std::string const& path) { return std::stoi(path.substr(path.rfind('=') + 1)); }
 
-    /// Asks, and expects that the answer tells the present time and an end of the subscription so much later. Both are
-    /// cut to their second.
+    /// Expects that the answer holds the current time and a termination time `span` later, both truncated to seconds.
     template <class Asking>
     static void ExpectLifetime(std::chrono::seconds span, Asking const& ask, std::string const& what = {}) {
         auto const begin = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
@@ -68,7 +66,7 @@ protected:
         EXPECT_THAT(read("//*[local-name()='TerminationTime']"), AllOf(Ge(begin + span), Le(end + span))) << what;
     }
 
-    /// Pulls until the subscription is gone; false when it does not go.
+    /// Pulls until the subscription has ended; false when it does not end.
     bool EndsSoon(std::string const& path) {
         return Eventually([&] { return Pull(path).status != 200; });
     }
@@ -103,7 +101,6 @@ TEST_F(PullPoint, CapsItsLifetimeAtTheEndOfTheClock) {
         EXPECT_EQ(Renew(path, text).Text("//wsnt:TerminationTime"), "2262-04-11T23:47:16Z") << text;
         EXPECT_EQ(Pull(path).status, 200) << text;
     }
-    EXPECT_TRUE(EndsSoon(Subscribe(Termination("-P400Y"))));
 }
 
 TEST_F(PullPoint, HasAscendingIds) {
@@ -183,7 +180,7 @@ TEST_F(PullPoint, ThrowsForInvalidTerminationTimes) {
         EXPECT_THROW(Create(Termination(text)), std::future_error) << text;
         EXPECT_THROW(Renew(path, text), std::future_error) << text;
     }
-    EXPECT_EQ(onvif::events::GetSubscriptions().size(), count) << "none of them has left a subscription behind";
+    EXPECT_EQ(onvif::events::GetSubscriptions().size(), count) << "a refused request left a subscription behind";
     EXPECT_EQ(GetId(Subscribe()), GetId(path) + 1);
 }
 
@@ -340,8 +337,10 @@ TEST_F(PullPoint, DoesNotCountFilteredEventsTowardsTheLimit) {
 
 TEST_F(PullPoint, ComparesTopicsExactly) {
     for (auto const* text :
-         {"tns1:RuleEngine/FieldDetector/ObjectsInside ", "tns1:RuleEngine/FieldDetector/objectsinside",
-          "tns1:RuleEngine//.", "", "|", "tns1:RuleEngine/FieldDetector/Grün"}) {
+         {"tns1:RuleEngine/FieldDetector/ObjectsInside ", " tns1:RuleEngine/FieldDetector/ObjectsInside",
+          "\n\ttns1:RuleEngine/FieldDetector/ObjectsInside", "<![CDATA[ ]]>tns1:RuleEngine/FieldDetector/ObjectsInside",
+          "tns1:RuleEngine/FieldDetector/objectsinside", "tns1:RuleEngine//.", "", "|",
+          "tns1:RuleEngine/FieldDetector/Grün"}) {
         auto const path = Subscribe(Filter(Topics(text)));
         Publish(MakeFieldEvent("field"));
         EXPECT_THAT(GetRules(Pull(path)), IsEmpty()) << text;

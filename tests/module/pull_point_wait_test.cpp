@@ -23,19 +23,19 @@ using testing::IsEmpty;
 using testing::Le;
 using Clock = std::chrono::steady_clock;
 
-/// How long PullMessages waits.
+/// Waiting times of PullMessages.
 class PullPointWait : public PullPointFixture {
 protected:
     using Exchange = std::shared_ptr<web::response::Pending>;
 
-    /// Begins to pull, and returns when the exchange waits.
+    /// Starts a pull and returns once the exchange is waiting.
     Exchange BeginToWait(std::string const& path, std::string const& timeout = "PT1H") {
         auto exchange = PostPull(path, 100, timeout);
         EXPECT_TRUE(Waits(*exchange));
         return exchange;
     }
 
-    /// Whether an exchange still waits once all that is under way has been done.
+    /// True if the exchange still waits after all pending work has finished.
     static bool Waits(web::response::Pending& exchange) { return OthersSleep(1) && IsPending(exchange); }
 
     static bool IsPending(web::response::Pending& exchange) {
@@ -179,7 +179,7 @@ TEST_F(PullPointWait, OfAHundredClientsEndsWithTheirManager) {
     ASSERT_TRUE(OthersSleep(replies.size()));
     auto const begin = Clock::now();
     ReplaceManager();
-    EXPECT_LT(Clock::now() - begin, 60s) << "they are waited for";
+    EXPECT_LT(Clock::now() - begin, 60s) << "the manager waited for the pulls";
     for (auto& reply : replies) EXPECT_EQ(WaitFor(*reply).GetStatus(), protocol::network::http::response::Status::Ok);
 }
 
@@ -207,7 +207,7 @@ TEST_F(PullPointWait, ContinuesInOneManagerWhenAnotherEnds) {
     ASSERT_TRUE(OthersSleep(2));
     first.reset();
     EXPECT_EQ(ended->GetData().GetState(), web::response::State::Complete);
-    ASSERT_TRUE(OthersSleep(1)) << "whoever has been woken has looked";
+    ASSERT_TRUE(OthersSleep(1)) << "the remaining exchange did not go back to sleep";
     EXPECT_EQ(reply->GetData().GetState(), web::response::State::NotReady);
     Publish(MakeFieldEvent("one"));
     EXPECT_THAT(GetRules(ToReply(WaitFor(*reply))), ElementsAre("one"));

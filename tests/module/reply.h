@@ -21,7 +21,7 @@ struct Reply {
     /// The nodes that the XPath finds, prefixes as in the response.
     pugi::xpath_node_set Select(char const* xpath) const;
 
-    /// The text of the first node that the XPath finds; a note that there is none otherwise.
+    /// The text of the first node that the XPath finds, or a note that there is none.
     std::string Text(char const* xpath) const;
 
     /// The texts of all nodes that the XPath finds, in document order.
@@ -41,14 +41,14 @@ void PrintTo(Reply const& reply, std::ostream* stream);
 /// XML with the white space between elements removed and "@ADDRESS@" replaced by this machine's local address.
 std::string Normalised(std::string_view xml);
 
-/// The reply is a success whose body's one element is this XML.
+/// Matches a successful reply whose body contains only this XML element.
 testing::Matcher<Reply const&> Answers(std::string_view xml);
 
-/// The reply is a SOAP 1.2 fault: code "Sender" or "Receiver", the reason, and the chain of subcodes, outermost first.
+/// Matches a SOAP 1.2 fault: code "Sender" or "Receiver", the reason, and the chain of subcodes, outermost first.
 testing::Matcher<Reply const&> IsFault(std::string const& code, std::string const& reason,
                                        std::vector<std::string> const& subcodes);
 
-/// The reply is an HTTP 401 with a digest challenge for the realm.
+/// Matches an HTTP 401 with a digest challenge for the realm.
 testing::Matcher<Reply const&> IsChallenge(std::string const& realm);
 
 } // namespace zarn::test

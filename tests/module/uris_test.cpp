@@ -18,7 +18,7 @@ namespace {
 
 using configuration::Schema;
 
-/// Asks one of the two media services for addresses.
+/// Requests URIs from one of the two media services.
 class Uris : public DeviceFixture, public testing::WithParamInterface<char const*> {
 protected:
     Reply Stream(std::string const& token, Sending const& sending = {}) {
@@ -29,7 +29,6 @@ protected:
         return AskFor("GetSnapshotUri", token, sending);
     }
 
-    /// The address in a reply.
     static std::string Uri(Reply const& reply) { return reply.Text("//tt:Uri | //tr2:Uri"); }
 
     void SetPort(char const* path, std::uint16_t port) {
@@ -164,7 +163,7 @@ INSTANTIATE_TEST_SUITE_P(Of, Uris, testing::Values("trt:", "tr2:"), [](auto cons
     return instance.param == std::string("trt:") ? "Media" : "Media2";
 });
 
-// What is around the address, and what is not looked at
+// Elements around the URI, and request content that is ignored
 
 class UriMessages : public DeviceFixture {};
 

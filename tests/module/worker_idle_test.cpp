@@ -15,7 +15,7 @@ namespace {
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
-/// The threads of this process that are workers of a pool.
+/// Number of pool worker threads in this process.
 std::size_t CountWorkers() {
     std::size_t count = 0;
     for (auto const& task : std::filesystem::directory_iterator("/proc/self/task")) {
@@ -39,7 +39,7 @@ TEST_F(Workers, EndTenSecondsAfterTheirExchangesExceptForOne) {
     EXPECT_TRUE(Eventually([] { return CountWorkers() == 1; }, 60s));
     EXPECT_GE(Clock::now() - begin, 10s);
     EXPECT_EQ(AskAnonymously("<tds:GetHostname/>").status, 200);
-    EXPECT_EQ(CountWorkers(), 1U) << "the one that stayed has served it";
+    EXPECT_EQ(CountWorkers(), 1U) << "the remaining worker did not serve the request";
 }
 
 } // namespace

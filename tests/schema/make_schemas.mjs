@@ -1,9 +1,9 @@
-// Makes one set of schemas that xmllint can validate whole SOAP messages with, out of a folder of the published ONVIF
-// WSDLs. What stands in the way, and is changed in the copies:
-// - a WSDL holds its schema inside; it gets a file of its own, with the prefixes of the WSDL around it;
-// - libxml2 reads one document per namespace, and the ONVIF schema is two: a document of its own includes both;
-// - libxml2 refuses as ambiguous a wildcard of the schema's own namespace behind a repeated element: it is left out;
-// - a topic set may hold any element: that of message descriptions gets a declaration, so that they are looked at.
+// Creates a set of schemas with which xmllint can validate complete SOAP messages, from a folder of the published ONVIF
+// WSDLs. The copies differ from the originals as follows:
+// - The schema inside a WSDL gets its own file, with the prefixes of the WSDL.
+// - libxml2 reads one document per namespace but the ONVIF schema has two, so a new document includes both.
+// - libxml2 rejects a wildcard for the schema's own namespace after a repeated element as ambiguous; it is removed.
+// - A topic set may hold any element; message descriptions get a declaration so that they are validated.
 import {mkdirSync, readFileSync, writeFileSync} from 'node:fs';
 import {join, resolve} from 'node:path';
 import {pathToFileURL} from 'node:url';
@@ -35,7 +35,7 @@ function extractSchema(wsdl) {
     };
 }
 
-// folder: the published WSDLs. Writes into out; returns the file to validate with and the environment that xmllint needs.
+// folder: the published WSDLs. Writes into out; returns the file to validate with and the environment for xmllint.
 export function makeSchemas(folder, out) {
     const from = resolve(folder);
     mkdirSync(out, {recursive: true});

@@ -1,5 +1,5 @@
-// Every response of the device against the published schemas. Where the device departs from them on purpose, the exact
-// complaint is listed with its operation: one that is missing fails the test as one too many does.
+// Validates every response of the device against the published schemas. Intentional deviations are listed with their
+// operation and exact complaint; both missing and additional complaints fail the test.
 // The schemas are not part of the project: ONVIF_WSDL_DIR names their folder.
 import assert from 'node:assert/strict';
 import {existsSync, mkdtempSync, readFileSync, rmSync, writeFileSync} from 'node:fs';
@@ -17,13 +17,13 @@ const wsdl = process.env.ONVIF_WSDL_DIR ?? (existsSync(beside) ? beside : undefi
 
 const token = (prefix, name = 'ProfileToken') => `<${prefix}:${name}>channels.1</${prefix}:${name}>`;
 
-// The device has nothing to say in these parts of its capabilities.
+// The device omits these parts of its capabilities.
 const noNetwork = "Element 'tds:Security': This element is not expected. Expected is ( tds:Network ).";
-// The options are left out whole; those of the encoder when no channel is named.
+// Options are omitted entirely; encoder options only when no channel is given.
 const noOptions = operation => `Element '${operation}Response': Missing child element(s). Expected is (`;
-// The ranges of what cannot be set.
+// Ranges of values that cannot be set.
 const noRanges = "Element 'tt:H264': Missing child element(s). Expected is one of ( tt:ResolutionsAvailable, tt:GovLengthRange ).";
-// Engine and rules are the analytics service's, which has one module without parameters.
+// Engine and rules belong to the analytics service, which has one module without parameters.
 const noEngine = element => `Element '${element}': Missing child element(s). Expected is ( tt:AnalyticsEngineConfiguration ).`;
 const noParameters = element => `Element '${element}': Missing child element(s). Expected is ( tt:Parameters ).`;
 
@@ -66,14 +66,14 @@ const responses = [
     ...special,
 ];
 
-// [what, operation, status, fault, password]: what is refused is described by the schema of SOAP.
+// [what, operation, status, fault, password]: refusals are validated against the SOAP schema.
 const refused = [
     ['an operation of media2 that is not served', '<tr2:GetOSDs/>', 500, 'Not supported'],
     ['an operation of analytics that is not served', '<tan:GetRules/>', 500, 'Not supported'],
     ['a wrong password', '<tds:GetUsers/>', 401, 'Error 401: HTTP 401 Unauthorized', 'wrong'],
 ];
 
-// What the host is told: every kind of event that has a message.
+// Input events: every kind that produces a message.
 const rows = [
     ...['presence', 'direction', 'directional-crossing', 'enter', 'exit', 'appear', 'disappear', 'tailgating', 'fall', 'and', 'not', 'or']
         .map(type => ({type, zone: {type: 'field'}})),
@@ -86,7 +86,7 @@ const renew = '<wsnt:Renew><wsnt:TerminationTime>PT1M</wsnt:TerminationTime></ws
 const noSuch = '/onvif/events_service/Subscription?Idx=999';
 const noId = '/onvif/events_service';
 
-// [what, operation, status, path]: the address of the subscription that is there when no path is given.
+// [what, operation, status, path]: without a path, the address of the existing subscription is used.
 const ofSubscriptions = [
     ['a subscription with filter and time', '<tev:CreatePullPointSubscription><tev:Filter><wsnt:TopicExpression Dialect="urn:x">a|b' +
         '</wsnt:TopicExpression></tev:Filter><tev:InitialTerminationTime>PT1M</tev:InitialTerminationTime></tev:CreatePullPointSubscription>', 200, noId],

@@ -12,27 +12,27 @@
 
 namespace zarn::test {
 
-/// Whether the kernel has put a thread to sleep, as it does with one that waits: for a lock, an event, the end of
-/// another thread. A thread that is ready to run but gets no processor is not asleep.
+/// True if the kernel has put the thread to sleep, for example on a lock, an event or a join. A runnable thread without
+/// a processor is not asleep.
 inline bool IsAsleep(std::filesystem::path const& task) {
     std::string stat;
     std::getline(std::ifstream(task / "stat"), stat);
-    // The state follows the name, which is in parentheses.
+    // The state follows the parenthesised name.
     return stat.find(") S ") != stat.npos;
 }
 
-/// The same of a thread of this process, by its gettid().
+/// The same for a thread of this process, by its gettid().
 inline bool IsAsleep(pid_t thread) {
     return IsAsleep(std::filesystem::path("/proc/self/task") / std::to_string(thread));
 }
 
-/// Waits until a thread of this process sleeps.
+/// Waits until a thread of this process is asleep.
 inline bool FallsAsleep(pid_t thread) {
     return Eventually([&] { return IsAsleep(thread); });
 }
 
-/// Waits until at least as many other threads of the process are there and all of them sleep, so that nothing more
-/// happens without an event from outside or a timer. Checks twice, because it reads the threads one after the other.
+/// Waits until at least `count` other threads of this process exist and all of them sleep, so that only an external
+/// event or a timer can cause further work. Checks twice because the threads are read one after another.
 inline bool OthersSleep(std::size_t count) {
     auto const self = std::to_string(gettid());
     auto const look = [&] {

@@ -30,7 +30,7 @@ bool IsListening(std::string const& address, std::uint16_t port) {
     return !error;
 }
 
-/// Debian's is where only administrators look.
+/// Debian installs mosquitto in a directory that only administrators have on their PATH.
 std::string FindProgram() {
     std::string const path = "/usr/sbin/mosquitto";
     return std::filesystem::exists(path) ? path : "mosquitto";
@@ -44,7 +44,7 @@ Broker::Broker(std::string lines, std::string listened)
 }
 
 void Broker::Stop() {
-    // Repeats the signal: a broker that has only just begun to listen ignores the first.
+    // Repeat the signal: a broker that has only just started listening ignores the first one.
     bool const ended = Eventually([this] {
         process->Signal(SIGTERM);
         return process->Wait(100ms).has_value();
@@ -53,7 +53,7 @@ void Broker::Stop() {
 }
 
 void Broker::Start() {
-    // As root it would otherwise take on an account that may not write into the folder.
+    // Without this, a broker started as root switches to an account that cannot write to the folder.
     auto const file =
         folder->Write("mosquitto.conf", "listener " + std::to_string(GetPort()) + " " + address + "\nuser root\n" +
                                             "persistence true\npersistence_location " + folder->GetPath().string() +

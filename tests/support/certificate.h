@@ -6,13 +6,12 @@
 
 namespace zarn::test {
 
-/// A self-signed certificate for "localhost" and its key, made by the openssl program, as `NAME.pem` and `NAME.key` in
-/// a folder.
+/// A self-signed certificate for "localhost" and its key, created with openssl as `NAME.pem` and `NAME.key`.
 struct Certificate {
-    /// Throws std::runtime_error when openssl does not make it.
+    /// Throws std::runtime_error when openssl fails.
     explicit Certificate(TemporaryFolder const& folder, std::string const& name = "server");
 
-    /// Makes it one whose time was over yesterday. Throws std::runtime_error when openssl does not do that.
+    /// Replaces the certificate with one that expired yesterday. Throws std::runtime_error when openssl fails.
     void Expire() const;
 
     std::string certificate; ///< path

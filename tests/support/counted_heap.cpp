@@ -1,6 +1,6 @@
-// Preloaded into a process (LD_PRELOAD), counts what it has allocated and not freed. That includes every library, since
-// operator new and GLib call these functions, too. Unlike resident memory, the count does not depend on the pages that
-// the C library keeps or on what else runs on the machine.
+// Preloaded into a process (LD_PRELOAD), counts live heap allocations, including those of libraries: operator new and
+// GLib end up in these functions too. Unlike resident memory, the count is independent of the C library's page caching
+// and of machine load.
 #include "support/heap_page.h"
 
 #include <fcntl.h>
@@ -26,10 +26,10 @@ namespace {
 
 using zarn::test::HeapPage;
 
-HeapPage early{}; ///< of what comes before the test's file is mapped
+HeapPage early{}; ///< counts until the test's file is mapped
 HeapPage* page = &early;
 
-/// Maps the test's file. Programs that this one starts are not counted.
+/// Maps the test's file. Child processes of the program are not counted.
 __attribute__((constructor)) void MapPage() {
     char const* const path = std::getenv(zarn::test::HeapPageVariable);
     if (path == nullptr) return;

@@ -8,12 +8,13 @@
 
 namespace zarn::test {
 
-/// A hash as lower-case hexadecimal digits, by OpenSSL alone: what the tests expect does not come from what they test.
+/// A hash as lower-case hexadecimal digits, computed by OpenSSL directly so that expected values do not come from the
+/// code under test.
 /// name  "MD5", "SHA256"
 std::string Hash(char const* name, std::string const& text);
 
-/// What a client answers to a digest challenge. Everything may be changed before it is written down; the response is
-/// made of what is here. Source: RFC 7616, 3.4.
+/// A client's answer to a digest challenge. Tests may change every member before writing it; the response is computed
+/// from the current values. Source: RFC 7616, 3.4.
 struct DigestCredentials {
     std::string password;
     std::string nonce;
@@ -30,12 +31,11 @@ struct DigestCredentials {
     /// The response that proves knowledge of the password.
     std::string MakeResponse() const;
 
-    /// The value of the Authorization field as most clients write it: all texts in quotes but algorithm, qop and nc.
+    /// The Authorization value in the usual form: every value quoted except algorithm, qop and nc.
     std::string Write() const;
 };
 
-/// The parameters of the digest challenge of a response, without their quotes. Throws std::runtime_error when it has
-/// none.
+/// The parameters of the response's digest challenge, unquoted. Throws std::runtime_error when there is no challenge.
 std::map<std::string, std::string> ReadChallenge(RawResponse const& response);
 
 } // namespace zarn::test

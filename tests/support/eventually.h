@@ -5,8 +5,8 @@
 
 namespace zarn::test {
 
-/// Checks a condition again and again until it holds; false when it still does not hold after `limit`.
-/// The default limit is generous: only a test that fails waits for it.
+/// Polls a condition until it holds; false when it still does not hold after `limit`.
+/// The default limit is generous because only a failing test waits that long.
 bool Eventually(std::function<bool()> const& condition, std::chrono::milliseconds limit = std::chrono::seconds(60));
 
 } // namespace zarn::test

@@ -5,8 +5,8 @@
 
 namespace {
 
-thread_local int Succeeding = 0; ///< allocations before those that fail
-thread_local int Failing = 0;    ///< allocations that fail then
+thread_local int Succeeding = 0; ///< allocations that still succeed
+thread_local int Failing = 0;    ///< allocations that fail after those
 thread_local bool Failed = false;
 
 void* Allocate(std::size_t size) noexcept {

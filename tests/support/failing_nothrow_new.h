@@ -4,8 +4,8 @@
 
 namespace zarn::test {
 
-/// While it lives, allocations of this thread by `new (std::nothrow)`, which is how gSOAP makes objects, fail: those
-/// from the n-th on, counted from 0, and `count` of them.
+/// During its lifetime, `count` allocations of this thread by `new (std::nothrow)` fail, starting with the n-th
+/// (counted from 0). gSOAP creates its objects with this operator.
 class FailingNothrowNew {
 public:
     explicit FailingNothrowNew(int n, int count = std::numeric_limits<int>::max());

@@ -11,11 +11,11 @@
 
 namespace zarn::test {
 
-/// Lets the next receiving by the socket that this process has at a UDP port fail once, with "connection refused".
+/// Makes the next receive on this process's socket at a UDP port fail once with "connection refused".
 ///
-/// The kernel tells a socket of a port that nobody listens at only when it is connected. That of a receiver is not; it
-/// is connected while this object lives, behind the receiver's back and behind that of the thread sanitizer, which
-/// takes it for the making of another socket.
+/// The kernel reports an unreachable port only to a connected socket, and a receiver's socket is not connected. So this
+/// object connects it for its lifetime. It uses a raw system call because the thread sanitizer would take the call for
+/// the creation of another socket.
 class FailingSocket {
 public:
     explicit FailingSocket(unsigned short port) : descriptor(Find(port)) {
@@ -32,7 +32,7 @@ public:
     FailingSocket(FailingSocket const&) = delete;
     FailingSocket& operator=(FailingSocket const&) = delete;
 
-    /// Whether the failure has not been received yet.
+    /// True until the failure has been received.
     bool IsPending() const {
         pollfd entry{descriptor, 0, 0};
         poll(&entry, 1, 0);

@@ -9,8 +9,8 @@
 
 namespace zarn::test {
 
-/// Exactly what a process has allocated and not freed: see counted_heap.cpp. Under a sanitizer, which replaces the same
-/// functions, nothing is counted.
+/// Exact count of a process's live heap allocations; see counted_heap.cpp. Unavailable under sanitizers, which replace
+/// the same functions.
 class HeapCount {
 public:
     struct Use {
@@ -18,18 +18,18 @@ public:
         std::int64_t blocks = 0;
     };
 
-    /// folder  takes the file that test and process share
-    /// Throws std::system_error when it cannot be made.
+    /// folder  holds the file that test and process share
+    /// Throws std::system_error when the file cannot be created.
     explicit HeapCount(TemporaryFolder const& folder);
     ~HeapCount();
 
     HeapCount(HeapCount const&) = delete;
     HeapCount& operator=(HeapCount const&) = delete;
 
-    /// What the environment of the process needs.
+    /// Environment variables to pass to the process.
     std::map<std::string, std::string> const& GetEnvironment() const { return environment; }
 
-    /// Whether this build counts.
+    /// True if this build supports counting.
     bool IsCounting() const { return !environment.empty(); }
 
     Use Get() const { return {page->bytes, page->blocks}; }

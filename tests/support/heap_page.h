@@ -5,10 +5,10 @@
 
 namespace zarn::test {
 
-/// What a process and the test that watches it share, in a file that both have mapped: see counted_heap.cpp.
+/// Counters shared by a process and the test that watches it, in a file that both map; see counted_heap.cpp.
 struct HeapPage {
     std::atomic<std::int64_t> bytes;  ///< allocated and not freed yet
-    std::atomic<std::int64_t> blocks; ///< the same, as allocations
+    std::atomic<std::int64_t> blocks; ///< number of those allocations
 };
 
 /// Names the file with the HeapPage.

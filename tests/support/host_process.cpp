@@ -29,7 +29,7 @@ std::unique_ptr<Process> HostProcess::Launch(Options const& options, TemporaryFo
     auto environment = options.environment;
     environment.emplace("HOME", folder.GetPath().string());
     environment.emplace("XDG_CONFIG_HOME", "");
-    // GStreamer looks through all its plugins in a home where it has not run yet; that need not be done for every test.
+    // Share the plugin registry between tests: in a fresh home, GStreamer would scan all its plugins.
     environment.emplace("GST_REGISTRY", (std::filesystem::temp_directory_path() /
                                          ("zarn-test-gstreamer-" + std::to_string(getuid()) + ".bin"))
                                             .string());

@@ -14,43 +14,43 @@
 
 namespace zarn::test {
 
-/// A `zarn-host` of a test: its own folder as home, free ports, ready when constructed.
+/// A running `zarn-host` with its own home folder and free ports, ready once constructed.
 class HostProcess {
 public:
     struct Options {
-        /// The content of the configuration file; empty: there is none.
+        /// Content of the configuration file; empty: no file.
         std::string configuration = TwoDescribedChannels;
 
-        /// Further arguments, behind `--config FILE`.
+        /// Additional arguments after `--config FILE`.
         std::vector<std::string> arguments = {};
 
-        /// Password of `admin`; empty: none is given.
+        /// Password of `admin`; empty: not set.
         std::string password = "a test's password";
 
-        /// What starts the program instead: a program with arguments, behind which the host and its own come.
+        /// Program and arguments that launch the host; the host's own command line is appended.
         std::vector<std::string> launcher = {};
 
-        /// Further environment variables.
+        /// Additional environment variables.
         std::map<std::string, std::string> environment = {};
 
-        /// Where the configuration is, as `config.json`; null: a new folder.
+        /// Folder that holds `config.json`; null: a new folder.
         std::shared_ptr<TemporaryFolder> folder = {};
 
-        /// Whether the host may end itself when it does not stop in time. If not, the test sees a stop that hangs, and
-        /// a slow machine does not look like one.
+        /// Lets the host exit on its own when shutdown times out. Off by default, so that a test notices a hanging stop
+        /// and a slow machine does not look like one.
         bool endsItself = false;
     };
 
     /// Free ports, no discovery, and two channels without video.
     static char const* const TwoDescribedChannels;
 
-    /// Starts the host and waits until it is ready. Throws std::runtime_error with its log when it ends instead, or is
-    /// not ready within Process::Generous.
+    /// Starts the host and waits until it is ready. Throws std::runtime_error with the host's log when the host exits
+    /// instead or is not ready within Process::Generous.
     explicit HostProcess(Options options);
 
     HostProcess() : HostProcess(Options{}) {}
 
-    /// Has the host end, unless it has already, and expects that it does so well.
+    /// Stops the host if it still runs and expects a clean exit.
     ~HostProcess();
 
     HostProcess(HostProcess const&) = delete;
@@ -61,30 +61,29 @@ public:
 
     std::uint16_t GetPort() const { return port; }
 
-    /// The RTSP port, as the status document gives it. For a host without TLS.
+    /// The RTSP port from the status document. Only for a host without TLS.
     std::uint16_t GetRtspPort() const;
 
-    /// The status document. For a host without TLS.
+    /// The status document. Only for a host without TLS.
     boost::json::value GetHealth() const;
 
     std::string const& GetPassword() const { return password; }
 
     TemporaryFolder const& GetFolder() const { return *folder; }
 
-    /// Sends SIGTERM and waits for the end; the exit status, -1 when it does not come within `limit`.
+    /// Sends SIGTERM and waits. Returns the exit status, or -1 when the host still runs after `limit`.
     int Stop(std::chrono::milliseconds limit = Process::Generous);
 
-    /// Expects that the host stops within `limit`, with less than a second of processor time.
-    /// limit  must be shorter than what the host may not wait for, such as the times of its clients
+    /// Expects that the host stops within `limit` using less than a second of processor time.
+    /// limit  must be shorter than any timeout that a stopping host must not wait for, such as those of its clients
     void ExpectStop(std::chrono::milliseconds limit = Process::Generous);
 
-    /// The program itself: signals, output, log.
+    /// The underlying process: signals, output, log.
     Process& GetProcess() { return *process; }
 
     Process const& GetProcess() const { return *process; }
 
-    /// Arguments and environment of a host that would start as these options say, for tests of one that does not become
-    /// ready.
+    /// Starts a host with these options without waiting until it is ready, for tests in which it never becomes ready.
     static std::unique_ptr<Process> Launch(Options const& options, TemporaryFolder const& folder);
 
 private:

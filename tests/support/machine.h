@@ -16,7 +16,7 @@
 
 namespace zarn::test {
 
-/// A machine of its own as far as the network goes, with a loopback interface that is down.
+/// A simulated machine: a network namespace with a loopback interface that is down.
 class Machine {
 public:
     Machine() {
@@ -34,32 +34,33 @@ public:
     Machine(Machine const&) = delete;
     Machine& operator=(Machine const&) = delete;
 
-    /// False when the kernel does not allow it.
+    /// False when the kernel does not allow the namespace.
     bool Exists() const { return descriptor >= 0; }
 
-    /// Why it does not exist.
+    /// Reason why the namespace could not be created.
     std::string const& WhyNot() const { return reason; }
 
-    /// Runs `work` on a thread there, as well as the threads that it starts, and waits for it.
+    /// Runs `work` on a new thread inside this namespace and waits for it. Threads started by `work` inherit the
+    /// namespace.
     void Run(std::function<void()> const& work) const {
         std::thread([&] {
             try {
                 if (setns(descriptor, CLONE_NEWNET) != 0) throw std::system_error(errno, std::generic_category());
                 work();
             } catch (std::exception const& error) {
-                ADD_FAILURE() << "on the other machine: " << error.what();
+                ADD_FAILURE() << "on the simulated machine: " << error.what();
             }
         }).join();
     }
 
-    /// Runs `ip` there; false when it fails.
+    /// Runs `ip` inside this namespace; false when it fails.
     bool Ip(std::string const& arguments) const {
         bool succeeded = false;
         Run([&] { succeeded = test::Ip(arguments); });
         return succeeded;
     }
 
-    /// Where others find its network.
+    /// Path by which other programs open the namespace.
     std::string GetPath() const { return "/proc/" + std::to_string(getpid()) + "/fd/" + std::to_string(descriptor); }
 
 private:

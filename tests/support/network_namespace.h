@@ -13,14 +13,14 @@
 
 namespace zarn::test {
 
-/// Runs `work` on a thread that is alone in fresh namespaces, as are the threads that it starts.
-/// kinds  those of unshare(2), such as CLONE_NEWNET
-/// False, with nothing run and the reason in errno, when this process may not make them.
+/// Runs `work` on a thread in new namespaces, which threads that it starts inherit.
+/// kinds  flags of unshare(2), such as CLONE_NEWNET
+/// Returns false without running `work`, and sets errno, when this process may not create them.
 inline bool RunInNamespaces(int kinds, std::function<void()> const& work) {
     bool entered = false;
     int reason = 0;
     std::thread([&] {
-        // Namespaces belong to the thread, so that the process around it keeps its own.
+        // Namespaces are per thread; the rest of the process keeps its own.
         entered = unshare(kinds) == 0;
         if (!entered) reason = errno;
         if (!entered) return;
@@ -34,17 +34,16 @@ inline bool RunInNamespaces(int kinds, std::function<void()> const& work) {
     return entered;
 }
 
-/// The text of a skip, from the errno that RunInNamespaces left.
+/// Reason for skipping a test, from the errno left by RunInNamespaces.
 inline std::string WhyNoNamespace() {
     return std::string("cannot create a namespace: ") + std::strerror(errno) +
            "; run the test as root or under `unshare --map-root-user`";
 }
 
-/// Runs `work` where only a loopback interface exists that is down. Otherwise as RunInNamespaces.
+/// Runs `work` in a new network namespace with only a loopback interface, which is down. See RunInNamespaces.
 inline bool RunInNetworkNamespace(std::function<void()> const& work) { return RunInNamespaces(CLONE_NEWNET, work); }
 
-/// Runs `work` on a machine of its own, as far as host name and network go: as RunInNetworkNamespace, and the name of
-/// the host may be set.
+/// Like RunInNetworkNamespace, but `work` may also set the host name.
 inline bool RunOnPrivateMachine(std::function<void()> const& work) {
     return RunInNamespaces(CLONE_NEWUTS | CLONE_NEWNET, work);
 }

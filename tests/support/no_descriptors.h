@@ -4,7 +4,7 @@
 
 namespace zarn::test {
 
-/// Lets this process open no files while it lives.
+/// Prevents this process from opening files during its lifetime.
 class NoDescriptors {
 public:
     NoDescriptors() {

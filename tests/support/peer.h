@@ -22,7 +22,7 @@ inline sockaddr_in MakeEndpoint(std::string const& address, unsigned short port)
     return endpoint;
 }
 
-/// Somebody who sends datagrams and gets answers: a plain socket, apart from what is tested.
+/// A UDP peer on a plain socket, independent of the code under test.
 class Peer {
 public:
     /// address  to send from
@@ -52,7 +52,7 @@ public:
         return ntohs(endpoint.sin_port);
     }
 
-    /// Joins a group on the interface of this address, so that others on the machine might hear it.
+    /// Joins a group on the interface with this address, so that other sockets on the machine could receive it.
     bool Join(std::string const& group, std::string const& address) const {
         ip_mreq const request{MakeEndpoint(group, 0).sin_addr, MakeEndpoint(address, 0).sin_addr};
         return setsockopt(descriptor, IPPROTO_IP, IP_ADD_MEMBERSHIP, &request, sizeof(request)) == 0;
@@ -64,7 +64,7 @@ public:
                       sizeof(endpoint)) == static_cast<ssize_t>(text.size());
     }
 
-    /// The next datagram; nothing when none comes in time.
+    /// The next datagram; nullopt on timeout.
     std::optional<std::string> Receive(std::chrono::milliseconds timeout = std::chrono::seconds(60)) const {
         pollfd entry{descriptor, POLLIN, 0};
         if (poll(&entry, 1, static_cast<int>(timeout.count())) != 1) return std::nullopt;
@@ -80,8 +80,8 @@ private:
     bool bound = false;
 };
 
-/// A UDP port that nobody uses just now. It lies below the ports that the system gives out, which another program could
-/// get in between, and below those of ReservedPort; processes that search at the same time begin at different ports.
+/// An unused UDP port below the ephemeral ports, which another program could be given in between, and below those of
+/// ReservedPort. Concurrent processes start searching at different ports.
 inline unsigned short FindFreePort() {
     constexpr int First = 10'000;
     constexpr int Count = 10'000;

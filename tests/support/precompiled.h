@@ -1,7 +1,7 @@
 #pragma once
 
-/// What most tests include: precompiled, since reading it takes longer than compiling most tests. A test still includes
-/// what it uses.
+/// Headers that most tests include, precompiled because parsing them takes longer than compiling most tests. Each test
+/// still includes what it uses.
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>

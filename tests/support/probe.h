@@ -8,7 +8,7 @@ inline constexpr char ProbeId[] = "urn:uuid:0a6dc791-2be6-4991-9af1-454778a1917a
 inline constexpr char AnonymousRole[] = "http://schemas.xmlsoap.org/ws/2004/08/addressing/role/anonymous";
 inline constexpr char ProbeAction[] = "http://schemas.xmlsoap.org/ws/2005/04/discovery/Probe";
 
-/// A discovery message of which single parts can be replaced. Its prefixes are s, a, d, dn and tds.
+/// A discovery message with replaceable parts. Its prefixes are s, a, d, dn and tds.
 struct Probe {
     std::string declaration = R"(<?xml version="1.0" encoding="UTF-8"?>)";
     std::string soap = "http://www.w3.org/2003/05/soap-envelope";
@@ -29,12 +29,12 @@ struct Probe {
     }
 };
 
-/// A probe for these types, as the element Types has them.
+/// A probe for these types, given as the content of the Types element.
 inline Probe ProbeForTypes(std::string const& types) {
     return {.body = "<d:Probe><d:Types>" + types + "</d:Types></d:Probe>"};
 }
 
-/// A probe for these scopes, with further attributes of the element Scopes.
+/// A probe for these scopes, with additional attributes on the Scopes element.
 inline Probe ProbeForScopes(std::string const& scopes, std::string const& attributes = "") {
     return {.body = "<d:Probe><d:Types/><d:Scopes " + attributes + ">" + scopes + "</d:Scopes></d:Probe>"};
 }

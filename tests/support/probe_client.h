@@ -20,8 +20,8 @@
 
 namespace zarn::test {
 
-/// Runs `work` where the port of WS-Discovery is nobody else's: on a network of its own, which is the loopback device
-/// with multicast. Skips the test where the kernel does not allow that.
+/// Runs `work` in its own network, a loopback device with multicast, so that no other program uses the WS-Discovery
+/// port. Skips the test when the kernel does not allow namespaces.
 inline void OnOwnNetwork(std::function<void()> const& work) {
     bool const entered = RunInNetworkNamespace([&] {
         ASSERT_TRUE(Ip("link set lo up multicast on"));
@@ -44,7 +44,7 @@ inline std::string MakeProbe(std::string const& messageId) {
            R"(<e:Body><d:Probe><d:Types>dn:NetworkVideoTransmitter</d:Types></d:Probe></e:Body></e:Envelope>)";
 }
 
-/// A client of WS-Discovery on the device with an address, by default the loopback device.
+/// A WS-Discovery client on the device with this address; by default, the loopback device.
 class ProbeClient {
 public:
     explicit ProbeClient(std::string const& address = "127.0.0.1")
@@ -53,12 +53,12 @@ public:
         socket.set_option(boost::asio::ip::multicast::enable_loopback(true));
     }
 
-    /// Sends a datagram to the group, or to another address.
+    /// Sends a datagram to the group or to another address.
     void Send(std::string const& text, std::string const& address = "239.255.255.250") {
         socket.send_to(boost::asio::buffer(text), {boost::asio::ip::make_address(address), 3702});
     }
 
-    /// The next datagram, if one comes within the time.
+    /// The next datagram; nullopt on timeout.
     std::optional<std::string> Receive(std::chrono::milliseconds limit = std::chrono::seconds(60)) {
         std::optional<std::string> answer;
         socket.async_receive_from(boost::asio::buffer(datagram), source,
@@ -74,16 +74,16 @@ public:
         return answer;
     }
 
-    /// Where the last datagram came from.
+    /// Sender of the last received datagram.
     boost::asio::ip::udp::endpoint GetSource() const { return source; }
 
-    /// The answer to a datagram sent to the group.
+    /// Sends a datagram to the group and returns the answer.
     std::optional<std::string> Ask(std::string const& text) {
         Send(text);
         return Receive();
     }
 
-    /// Whether a responder answers within the time, however often it has to be asked.
+    /// Probes repeatedly until a responder answers; false after `limit`.
     bool FindsAnybody(std::chrono::milliseconds limit = std::chrono::seconds(60)) {
         return Eventually(
             [this] {
@@ -100,14 +100,14 @@ private:
     std::array<char, 65536> datagram{};
 };
 
-/// How often a responder is started and stopped in a flood. Each start takes several times as long with a sanitizer.
+/// How often a responder starts and stops during a flood. Each start takes several times as long under a sanitizer.
 #ifdef ZARN_SANITIZED
 inline constexpr int StartsAndStops = 500;
 #else
 inline constexpr int StartsAndStops = 2000;
 #endif
 
-/// Sends probes to the loopback address, one upon the other, while it lives.
+/// Sends probes to the loopback address as fast as possible during its lifetime.
 class Flood {
 public:
     Flood() {
@@ -117,7 +117,7 @@ public:
         });
     }
 
-    /// How many answers have come so far.
+    /// Number of answers received so far.
     int CountAnswers() const { return answers; }
 
 private:
@@ -132,14 +132,14 @@ private:
     boost::asio::ip::udp::socket socket{context, {boost::asio::ip::address_v4::loopback(), 0}};
     std::array<char, 65536> datagram{};
     std::atomic<int> answers = 0;
-    std::jthread sender; ///< last, so that it ends first
+    std::jthread sender; ///< declared last so that it stops first
 };
 
-/// Holds the port of WS-Discovery as another program would.
+/// Occupies the WS-Discovery port as another program would.
 class PortHolder {
 public:
     PortHolder() : socket(context, {boost::asio::ip::udp::v4(), 3702}) {
-        fcntl(socket.native_handle(), F_SETFD, FD_CLOEXEC); // programs that are started meanwhile hold it not
+        fcntl(socket.native_handle(), F_SETFD, FD_CLOEXEC); // child processes must not inherit the port
     }
 
 private:

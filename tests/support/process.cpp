@@ -96,7 +96,7 @@ Process::~Process() {
 }
 
 void Process::Signal(int number) const {
-    if (!status) kill(id, number); // the system may have given the number to another process since
+    if (!status) kill(id, number); // after exit, the id may belong to another process
 }
 
 std::optional<int> Process::Wait(std::chrono::milliseconds limit) {
@@ -157,7 +157,7 @@ void Process::Collect(Stream& stream) {
 }
 
 void Process::AwaitEndOfStreams() const {
-    // A child of the program may hold its ends of the pipes for longer; nobody wants to wait for that.
+    // A child of the program may keep the pipes open longer; do not wait for it.
     auto const ended = [this] {
         std::lock_guard const lock(mutex);
         return output.ended && log.ended;

@@ -13,21 +13,19 @@
 
 namespace zarn::test {
 
-/// A program that a test has started, with what it writes. Killed when the object goes.
+/// A child process whose output is captured. The destructor kills it.
 class Process {
 public:
-    /// For what has to happen at all, on a machine that may be busy elsewhere for seconds. Only a test that fails waits
-    /// this long.
+    /// Timeout for events that must happen, even on a busy machine. Only a failing test waits this long.
     static constexpr std::chrono::seconds Generous{30};
 
     /// arguments    program (found by PATH when it has no "/") and arguments
-    /// environment  variables that are set, or with an empty value unset, beside those of the test
-    /// heldSignals  blocked in the program, in addition to those that are blocked in the test
-    /// Throws std::runtime_error when it cannot be started.
+    /// environment  variables to set in addition to the test's own; an empty value unsets one
+    /// heldSignals  signals to block in the program in addition to those blocked in the test
+    /// Throws std::runtime_error when the program cannot be started.
     explicit Process(std::vector<std::string> arguments, std::map<std::string, std::string> const& environment = {},
                      std::vector<int> const& heldSignals = {});
 
-    /// Kills the program if it still runs.
     ~Process();
 
     Process(Process const&) = delete;
@@ -35,21 +33,20 @@ public:
 
     void Signal(int number) const;
 
-    /// Waits until the program ends, or `limit` is over. Its exit status, 128 + signal for one that was killed; none
-    /// when it still runs. Once it has ended, output and log are complete.
+    /// Waits until the program ends, for at most `limit`. Returns its exit status, 128 + signal when it was killed, or
+    /// nullopt when it still runs. After the end, output and log are complete.
     std::optional<int> Wait(std::chrono::milliseconds limit = Generous);
 
-    /// What the program has written so far to standard output and standard error.
+    /// Standard output and standard error so far.
     std::string GetOutput() const;
     std::string GetLog() const;
 
-    /// Waits until the standard output or the log contains `text`; false when `limit` is over or the program has ended
-    /// without it.
+    /// Waits until the output or the log contains `text`; false when `limit` expires or the program ends without it.
     bool WaitForOutput(std::string_view text, std::chrono::milliseconds limit = Generous) const;
     bool WaitForLog(std::string_view text, std::chrono::milliseconds limit = Generous) const;
 
-    /// The processor time of all its threads so far, including those that have ended; the total once `Wait` has seen
-    /// its end. Other programs hardly change it.
+    /// Processor time of all its threads so far, including finished ones; the total once `Wait` has seen the end.
+    /// Largely independent of machine load.
     std::chrono::nanoseconds GetProcessorTime() const;
 
     pid_t GetId() const { return id; }
@@ -68,7 +65,7 @@ private:
 
     pid_t id = -1;
     std::optional<int> status;
-    std::chrono::nanoseconds processorTime{}; ///< when it has ended
+    std::chrono::nanoseconds processorTime{}; ///< total, set at the end
     mutable std::mutex mutex;
     Stream output;
     Stream log;

@@ -10,12 +10,12 @@
 
 namespace zarn::test {
 
-/// A client of the events service of a host: curl, which logs in by HTTP digest over the whole path with its query.
+/// An events client that uses curl. Its digest login covers the whole path including the query.
 class PullPointClient {
 public:
     enum class Login {
         Digest,
-        None, ///< for a host that requires none: curl's first request would be without its content
+        None, ///< for a host without authentication: curl's first digest request has no body
     };
 
     struct Answer {
@@ -23,12 +23,12 @@ public:
         std::string body;
     };
 
-    /// A request under way.
+    /// A pending request.
     class Call {
     public:
         explicit Call(std::vector<std::string> command) : curl(std::make_unique<Process>(std::move(command))) {}
 
-        /// Waits for the answer. Throws std::runtime_error when none comes within Process::Generous.
+        /// Waits for the answer. Throws std::runtime_error when none arrives within Process::Generous.
         Answer Get();
 
     private:
@@ -37,19 +37,19 @@ public:
 
     explicit PullPointClient(HostProcess const& host, Login login = Login::Digest) : host(host), login(login) {}
 
-    /// Asks for a subscription with this content of the request.
+    /// Requests a subscription; `content` is the content of the request element.
     Answer TrySubscribe(std::string const& content = {}) const;
 
-    /// The same, and returns its address. Throws std::runtime_error when there is none.
+    /// Subscribes and returns the subscription's address. Throws std::runtime_error when the request fails.
     std::string Subscribe(std::string const& content = {}) const;
 
     Answer Pull(std::string const& address, int limit = 100, std::string const& timeout = "PT0S") const;
     Call PullLater(std::string const& address, std::string const& timeout) const;
 
-    /// Pulls until as many messages have come, or for 20 seconds, and returns their rules.
+    /// Pulls until `count` messages have arrived, for at most 20 seconds, and returns their rules.
     std::vector<std::string> PullRules(std::string const& address, std::size_t count) const;
 
-    /// Extends a subscription; the text goes into TerminationTime.
+    /// Renews a subscription; `termination` is the text of TerminationTime.
     Answer Renew(std::string const& address, std::string const& termination) const;
 
     Answer Unsubscribe(std::string const& address) const;
@@ -65,23 +65,23 @@ private:
     Login login;
 };
 
-/// A request by which PullMessages is sent over a connection of its own, without login.
+/// A raw PullMessages request for a connection of its own, without credentials.
 std::string MakePullRequest(std::string const& address, std::string const& timeout);
 
-/// The values of the source item "Rule" of all messages of an answer.
+/// The source items "Rule" of all messages in an answer.
 std::vector<std::string> GetRules(PullPointClient::Answer const& answer);
 
-/// The text of the first element with this name and prefix; empty when there is none.
+/// The text of the first element with this prefixed name; empty when there is none.
 std::string GetText(PullPointClient::Answer const& answer, std::string const& name);
 
-/// What a host gets as JSON: an event in a field.
+/// An event in a field, as JSON for the host.
 /// name  of the rule
 std::string MakeEvent(std::string const& name);
 
-/// The same events as a list: "0" to "count - 1".
+/// A list of such events named "0" to "count - 1".
 std::string MakeEvents(int count);
 
-/// The names of such events.
+/// The names of those events.
 std::vector<std::string> MakeNames(int count);
 
 } // namespace zarn::test

@@ -23,7 +23,7 @@ RawConnection::RawConnection(std::uint16_t port, std::chrono::milliseconds limit
     : socket(io), limit(limit) {
     socket.open(tcp::v4());
     if (window == Window::Smallest) {
-        // The sender's buffer goes by the size of the segments, which on the loopback is 64 KiB.
+        // The send buffer scales with the segment size, which is 64 KiB on loopback.
         constexpr int SmallestSegment = 536;
         constexpr int SmallBuffer = 4096;
         setsockopt(socket.native_handle(), IPPROTO_TCP, TCP_MAXSEG, &SmallestSegment, sizeof(SmallestSegment));
@@ -70,7 +70,7 @@ std::optional<RawResponse> RawConnection::ReadIfAny() {
     return Read();
 }
 
-/// end  where the header ends, without its line ends
+/// end  end of the header, excluding the blank line
 RawResponse RawConnection::TakeResponse(std::size_t end, bool hasBody) {
     std::istringstream head(received.substr(0, end + 2));
     received.erase(0, end + 4);

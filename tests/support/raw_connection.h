@@ -12,59 +12,58 @@
 
 namespace zarn::test {
 
-/// A response as a test looks at it.
+/// A parsed HTTP response.
 struct RawResponse {
     unsigned status = 0;
     std::map<std::string, std::string> fields; ///< names in lower case
     std::string body;
 };
 
-/// A TCP connection to 127.0.0.1 on which a test says exactly what it wants to. Every wait ends after `limit` with a
+/// A TCP connection to 127.0.0.1 that sends exactly the bytes given by the test. Every wait that exceeds `limit` throws
 /// std::runtime_error.
 class RawConnection {
 public:
-    /// How much may be on its way to this client before it has read.
+    /// How much the server can send before this client reads.
     enum class Window {
         Usual,
-        Smallest, ///< some kilobytes, so that whoever answers more waits for it
+        Smallest, ///< a few kilobytes; a server with a larger answer has to wait
     };
 
     explicit RawConnection(std::uint16_t port, std::chrono::milliseconds limit = std::chrono::seconds(30),
                            Window window = Window::Usual);
 
-    /// Sends bytes. What a peer that has closed does not take is dropped.
+    /// Sends bytes; drops them when the peer has closed the connection.
     void Send(std::string_view bytes);
 
-    /// Waits until the server's system has all that was sent, whether or not the server has read it.
+    /// Waits until all sent bytes have reached the server's kernel, whether or not the server has read them.
     void AwaitArrival();
 
-    /// Reads one response. `hasBody` false: that of a HEAD request.
-    /// Throws std::runtime_error when the connection ends before.
+    /// Reads one response. `hasBody` is false for the response to a HEAD request.
+    /// Throws std::runtime_error when the connection ends first.
     RawResponse Read(bool hasBody = true);
 
-    /// The same, and none when the connection ends before.
+    /// Like Read, but returns nullopt when the connection ends first.
     std::optional<RawResponse> ReadIfAny();
 
     /// Send, then Read.
     RawResponse Exchange(std::string_view bytes);
 
-    /// Reads exactly as many bytes as `text` has, or up to the end of the connection.
+    /// Reads `count` bytes, or fewer when the connection ends first.
     std::string ReadBytes(std::size_t count);
 
     /// Reads everything up to the end of the connection.
     std::string ReadAll();
 
-    /// Whether something has come that is not read yet, or the end of the connection.
+    /// True if unread bytes or the end of the connection have arrived.
     bool HasUnread();
 
-    /// Whether the server ends the connection within `limit`, with nothing more to read.
+    /// True if the server closes the connection within `limit` without sending anything more.
     bool IsClosedWithin(std::chrono::milliseconds limit);
 
-    /// No more is sent.
+    /// Shuts down the sending direction.
     void EndSending();
 
-    /// Vanishes: what was sent and is not read yet is lost, and so is what the server still sends. Nothing else may be
-    /// called any more.
+    /// Resets the connection: unread bytes in both directions are lost. No other call may follow.
     void Reset();
 
 private:
@@ -74,10 +73,10 @@ private:
     boost::asio::io_context io;
     boost::asio::ip::tcp::socket socket;
     std::chrono::milliseconds limit;
-    std::string received; ///< not looked at yet
+    std::string received; ///< received but not yet consumed
 };
 
-/// A SOAP request of an operation without members of the device service.
+/// A SOAP request to the device service for an operation without parameters.
 std::string MakeSoapRequest(std::string_view operation, std::string_view fields = {});
 
 } // namespace zarn::test

@@ -14,11 +14,11 @@
 namespace zarn::test {
 namespace {
 
-/// Below the ports that the system chooses (ip_local_port_range), above those of services.
+/// Above the ports of services, below the system's ephemeral ports (ip_local_port_range).
 constexpr std::uint16_t FirstPort = 20000;
 constexpr std::uint16_t LastPort = 29999;
 
-/// Locks the byte of a port in a file that all tests of this user share. Closing the descriptor releases the lock.
+/// Locks a port's byte in a file shared by all tests of this user. Closing the descriptor releases the lock.
 bool LockByte(int descriptor, std::uint16_t port) {
     struct flock lock {};
 
@@ -47,7 +47,7 @@ ReservedPort::ReservedPort() {
         std::filesystem::temp_directory_path() / ("zarn-test-ports-" + std::to_string(getuid()) + ".lock");
     descriptor = open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     if (descriptor < 0) throw std::runtime_error(file.string() + " cannot be opened");
-    // Starts at a random port, so that a port with lingering connections is seldom taken again.
+    // Start at a random port, so that a port with lingering connections is rarely reused.
     constexpr int Count = LastPort - FirstPort + 1;
     std::random_device random;
     int const begin = std::uniform_int_distribution(0, Count - 1)(random);

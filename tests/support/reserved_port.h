@@ -4,10 +4,10 @@
 
 namespace zarn::test {
 
-/// A free TCP port, reserved for its owner: no other test gets it, and the system gives it to no program.
+/// A free TCP port, reserved against other tests and outside the range that the system assigns.
 class ReservedPort {
 public:
-    /// Throws std::runtime_error when none is left.
+    /// Throws std::runtime_error when no port is free.
     ReservedPort();
     ~ReservedPort();
 

@@ -13,7 +13,7 @@ namespace {
 
 namespace filesystem = std::filesystem;
 
-/// The number behind a name in a status file.
+/// The number that follows a name in a status file.
 std::size_t ReadNumber(filesystem::path const& file, std::string const& name) {
     std::ifstream stream(file);
     for (std::string line; std::getline(stream, line);) {

@@ -8,17 +8,18 @@
 
 namespace zarn::test {
 
-/// What a process holds.
+/// Resources held by a process.
 struct ResourceUse {
     std::size_t memory = 0; ///< resident, in bytes
     std::size_t threads = 0;
     std::size_t descriptors = 0;
 };
 
-/// Of a process of the same user, as the system counts it. Throws std::runtime_error when there is no such process.
+/// Resources of a process of the same user, as the kernel reports them. Throws std::runtime_error when it does not
+/// exist.
 ResourceUse ReadResourceUse(pid_t process);
 
-/// Looks until what a process holds is as wanted, or `limit` is over, and returns what was seen last.
+/// Polls until the use satisfies `isWanted` or `limit` expires. Returns the last reading.
 ResourceUse AwaitResourceUse(pid_t process, std::function<bool(ResourceUse const&)> const& isWanted,
                              std::chrono::milliseconds limit);
 

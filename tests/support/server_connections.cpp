@@ -19,7 +19,7 @@ std::vector<ServerConnection> ListServerConnections(std::uint16_t port) {
     for (auto const* file : {"/proc/net/tcp", "/proc/net/tcp6"}) {
         std::ifstream stream(file);
         std::string line;
-        std::getline(stream, line); // the names of the columns
+        std::getline(stream, line); // column headings
         while (std::getline(stream, line)) {
             std::istringstream columns(line);
             std::string number;

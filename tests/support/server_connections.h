@@ -8,11 +8,11 @@ namespace zarn::test {
 
 /// The server's side of a connection.
 struct ServerConnection {
-    std::size_t unsent = 0; ///< bytes that the client has not taken yet
+    std::size_t unsent = 0; ///< bytes not yet acknowledged by the client
 };
 
-/// The connections to a port of this machine that the server has not closed, including those that it has not accepted
-/// yet. Source: proc_net_tcp in the documentation of the Linux kernel.
+/// Connections to a local port that the server has not closed, including those not yet accepted. Source: proc_net_tcp
+/// in the Linux kernel documentation.
 std::vector<ServerConnection> ListServerConnections(std::uint16_t port);
 
 } // namespace zarn::test

@@ -9,7 +9,7 @@
 
 namespace zarn::test {
 
-/// The text of a file of this repository, by its path in it. For tests of what must say the same as the code.
+/// The text of a file of this repository, by its relative path. For tests that compare documents with the code.
 inline std::string ReadSourceFile(std::string const& path) {
     std::ifstream file(ZARN_SOURCE_FOLDER "/" + path);
     if (!file) throw std::runtime_error("cannot read " + path);

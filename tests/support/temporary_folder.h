@@ -6,7 +6,7 @@
 
 namespace zarn::test {
 
-/// A folder of its own for one test, removed with all that is in it.
+/// A temporary folder, removed with its contents by the destructor.
 class TemporaryFolder {
 public:
     TemporaryFolder();
@@ -23,7 +23,7 @@ public:
     /// Writes a file in the folder and returns its path.
     std::string Write(std::string_view name, std::string_view text) const;
 
-    /// The content of a file in the folder; empty when there is none.
+    /// The content of a file in the folder; empty when the file does not exist.
     std::string Read(std::string_view name) const;
 
 private:

@@ -9,7 +9,7 @@
 
 namespace zarn::test {
 
-/// A request as the web server would hand it over.
+/// A request as the web server passes it on.
 class TestRequest final : public web::Request {
 public:
     using Method = protocol::network::http::Method;

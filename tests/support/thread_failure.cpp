@@ -20,11 +20,11 @@ ThreadFailure::~ThreadFailure() { successesLeft = Unlimited; }
 
 } // namespace zarn::test
 
-/// A sanitizer's version, if there is one: it has to know the threads.
+/// The sanitizer's version, if present; call it so that the sanitizer knows the thread.
 extern "C" int __interceptor_pthread_create(pthread_t* thread, pthread_attr_t const* attributes,
                                             void* (*function)(void*), void* argument) __attribute__((weak));
 
-/// Stands before the system's function of this name, which it calls.
+/// Overrides the system function of the same name and forwards to it.
 extern "C" int pthread_create(pthread_t* thread, pthread_attr_t const* attributes, void* (*function)(void*),
                               void* argument) {
     using Function = decltype(&__interceptor_pthread_create);

@@ -2,11 +2,11 @@
 
 namespace zarn::test {
 
-/// While it lives, this thread cannot start another one, after a number of times that go well: the system answers as it
-/// does when there are too many threads.
+/// During its lifetime, this thread cannot start further threads after `successes` successful ones: the call fails as
+/// it does when the system's thread limit is reached.
 class ThreadFailure {
 public:
-    /// successes  how many threads can still be started
+    /// successes  number of threads that can still be started
     explicit ThreadFailure(int successes = 0);
     ~ThreadFailure();
 

@@ -107,10 +107,10 @@ Server::Server(std::uint16_t port, std::shared_ptr<FailedLogins> failedLogins)
     if (source == nullptr) {
         throw std::runtime_error("RTSP port " + std::to_string(port) + " cannot be bound: " + ToMessage(error));
     }
-    Attach(source);
+    sources.push_back(source);
     auto* timer = g_timeout_source_new_seconds(CheckSeconds);
     g_source_set_callback(timer, &Server::OnTimer, this, nullptr);
-    Attach(timer);
+    sources.push_back(timer);
 }
 
 Server::~Server() {
@@ -121,9 +121,17 @@ Server::~Server() {
         sessions.get(), [](auto*, auto*, gpointer) { return GST_RTSP_FILTER_REMOVE; }, nullptr);
 }
 
+void Server::Start() {
+    if (std::exchange(isStarted, true)) return;
+    for (auto* source : sources) g_source_attach(source, loop.GetContext());
+}
+
 void Server::SetAuthentication(bool authenticate, std::string const& ha1) {
+    auto wanted = authenticate ? std::optional(ha1) : std::nullopt;
+    if (wanted == requiredHa1) return; // the challenges that have been sent belong to the present object
     auto const authentication = authenticate ? MakeAuthentication(ha1, failedLogins) : nullptr;
     gst_rtsp_server_set_auth(server.get(), authentication.get());
+    requiredHa1.swap(wanted);
 }
 
 void Server::SetLimits(ConnectionLimits const& limits) {
@@ -149,11 +157,6 @@ void Server::Disconnect(std::string const& id) {
 
 std::uint16_t Server::GetPort() const {
     return static_cast<std::uint16_t>(gst_rtsp_server_get_bound_port(server.get()));
-}
-
-void Server::Attach(GSource* source) {
-    g_source_attach(source, loop.GetContext());
-    sources.push_back(source);
 }
 
 /// Accepts no more connections.

@@ -15,6 +15,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -26,6 +27,7 @@ namespace zarn::host::video::rtsp {
 /// at a time, but for Disconnect(). Source: RFC 2326.
 class Server {
 public:
+    /// Binds the port. Connections queue up until Start() accepts them.
     /// port          TCP port; 0 binds a free one
     /// failedLogins  slows down guessing passwords; never null
     /// Throws std::runtime_error when it cannot be bound; the message names the port.
@@ -40,7 +42,11 @@ public:
     /// The bound port.
     std::uint16_t GetPort() const;
 
-    /// Whether new connections must authenticate (digest, with this hash).
+    /// Accepts connections. Calling it again does nothing.
+    void Start();
+
+    /// Whether new connections must authenticate (digest, with this hash). The same again changes nothing: clients may
+    /// go on to answer challenges that they got before.
     void SetAuthentication(bool authenticate, std::string const& ha1);
 
     /// Bounds for new connections.
@@ -59,7 +65,6 @@ public:
 private:
     class Streams;
 
-    void Attach(GSource* source);
     void StopAccepting();
     bool HasRoom();
     void Add(GstRTSPClient* client);
@@ -73,12 +78,14 @@ private:
     std::atomic<std::size_t> maximum = Connections::Maximum;
     std::atomic<std::size_t> maximumPerAddress = Connections::Maximum;
     std::shared_ptr<FailedLogins> const failedLogins;
+    std::optional<std::string> requiredHa1; ///< of clients that connect; none: no authentication
     std::shared_ptr<Streams> const streams;
     ObjectHandle<GstRTSPServer> server;
     ObjectHandle<GstRTSPSessionPool> sessions;
     ObjectHandle<GstRTSPMountPoints> mounts;
     std::vector<GSource*> sources; ///< touched at the beginning and at the end only
-    Loop loop;                     ///< last, so that it ends before what it uses goes
+    bool isStarted = false;
+    Loop loop; ///< last, so that it ends before what it uses goes
 };
 
 } // namespace zarn::host::video::rtsp

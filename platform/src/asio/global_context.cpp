@@ -3,20 +3,22 @@
 
 #include <boost/asio/io_context.hpp>
 
-#include <algorithm>
-#include <iterator>
+#include <functional>
 #include <mutex>
-#include <vector>
+#include <utility>
 
 namespace zarn::asio {
 
 namespace {
 
-using Contexts = std::vector<std::unique_ptr<IoContext>>;
+/// A context, and its place in a list: putting it there takes no memory.
+struct Context : IoContext {
+    using IoContext::IoContext;
 
-bool RunsOnThisThread(std::unique_ptr<IoContext> const& context) {
-    return context->Get().get_executor().running_in_this_thread();
-}
+    std::unique_ptr<Context> next;
+};
+
+bool RunsOnThisThread(IoContext const& context) { return context.Get().get_executor().running_in_this_thread(); }
 
 /// The context of the process, and former ones whose last handle went on their own thread, which cannot join itself.
 class Registry {
@@ -24,51 +26,55 @@ public:
     constexpr Registry() = default;
 
     ~Registry() {
-        while (DestroyRetired()) continue; // the thread of one may have retired another
-        // A handler has ended the process: its context is in use for ever.
-        for (auto& own : retired) static_cast<void>(own.release());
+        while (TakeRetired(std::not_fn(RunsOnThisThread))) continue; // the thread of one may have retired another
+        static_cast<void>(retired.release()); // a handler ends the process: its context stays in use, so it is leaked
     }
 
     Registry(Registry const&) = delete;
     Registry& operator=(Registry const&) = delete;
 
     std::shared_ptr<IoContext> Share() {
-        std::unique_lock lock(mutex);
-        if (auto shared = current.lock()) return shared;
-        lock.unlock();
-        DestroyRetired();
-        lock.lock();
+        auto const ended = TakeRetired([](IoContext const& each) { return each.HasEnded(); });
+        std::scoped_lock const lock(mutex); // `ended` outlives it, since handlers that it destroys may make handles
         auto shared = current.lock();
         if (!shared) {
-            shared = std::shared_ptr<IoContext>(new IoContext(1), [this](IoContext* last) { End(last); });
+            shared = std::shared_ptr<IoContext>(new Context(1), [this](Context* last) { End(last); });
             current = shared;
         }
         return shared;
     }
 
 private:
-    /// The last handle has gone.
-    void End(IoContext* last) noexcept {
-        std::unique_ptr<IoContext> context(last);
-        if (!RunsOnThisThread(context)) return;
+    /// Called when the last handle is released.
+    void End(Context* last) noexcept {
+        std::unique_ptr<Context> context(last);
+        if (!RunsOnThisThread(*context)) return;
         context->Stop();
         std::scoped_lock const lock(mutex);
-        retired.push_back(std::move(context));
+        context->next = std::move(retired);
+        retired = std::move(context);
     }
 
-    /// Waits for the threads of retired contexts other than this thread. Returns whether there were any.
-    bool DestroyRetired() {
-        Contexts others; // destroyed without the lock, since a handler may be making a handle
+    /// Removes the retired contexts for which `isWanted` is true. To be destroyed without the lock.
+    template <class IsWanted>
+    std::unique_ptr<Context> TakeRetired(IsWanted isWanted) {
+        std::unique_ptr<Context> taken;
         std::scoped_lock const lock(mutex);
-        auto const first = std::ranges::partition(retired, RunsOnThisThread).begin();
-        others.assign(std::move_iterator(first), std::move_iterator(retired.end()));
-        retired.erase(first, retired.end());
-        return !others.empty();
+        for (auto* place = &retired; *place;) {
+            if (!isWanted(**place)) {
+                place = &(*place)->next;
+                continue;
+            }
+            auto found = std::exchange(*place, std::move((*place)->next));
+            found->next = std::exchange(taken, nullptr);
+            taken = std::move(found);
+        }
+        return taken;
     }
 
     std::mutex mutex; ///< guards the members below
     std::weak_ptr<IoContext> current;
-    Contexts retired;
+    std::unique_ptr<Context> retired;
 };
 
 /// Initialised before any code runs, and destroyed after the static objects of all libraries that use this one, so

@@ -4,6 +4,7 @@
 #include <boost/asio/executor_work_guard.hpp>
 #include <boost/asio/io_context.hpp>
 
+#include <atomic>
 #include <exception>
 #include <mutex>
 #include <stdexcept>
@@ -17,6 +18,7 @@ struct IoContext::Impl {
 
     void Start(unsigned count) {
         threads.reserve(count);
+        running = count;
         for (unsigned i = 0; i < count; ++i) threads.emplace_back([this] { Run(); });
     }
 
@@ -30,12 +32,13 @@ struct IoContext::Impl {
                 Report("an exception of unknown type");
             }
         }
+        --running;
     }
 
     static void Report(char const* what) noexcept {
         try {
             logging::Logger("zarn.asio.IoContext").Log(logging::Level::Error, "A handler threw: %0%", what);
-        } catch (std::exception const&) {
+        } catch (...) {
             return; // no memory for the line: the thread matters more
         }
     }
@@ -53,7 +56,8 @@ struct IoContext::Impl {
     boost::asio::io_context ioContext;
     boost::asio::executor_work_guard<boost::asio::io_context::executor_type> work =
         boost::asio::make_work_guard(ioContext);
-    std::mutex mutex; ///< guards the threads once they run
+    std::atomic<unsigned> running = 0; ///< threads that have not ended
+    std::mutex mutex;                  ///< guards the threads once they run
     std::vector<std::thread> threads;
 };
 
@@ -65,6 +69,8 @@ IoContext::IoContext(unsigned threads) : impl(std::make_unique<Impl>()) {
 IoContext::~IoContext() = default;
 
 boost::asio::io_context& IoContext::Get() const noexcept { return impl->ioContext; }
+
+bool IoContext::HasEnded() const noexcept { return impl->running == 0; }
 
 void IoContext::Stop() noexcept { impl->Stop(); }
 

@@ -21,7 +21,7 @@ bool IsLowerHex(char character) {
 }
 
 /// Compared with when there is no account, so that the time taken does not reveal that.
-constexpr std::string_view NobodysHa1 = "00000000000000000000000000000000";
+constexpr std::string_view DummyHa1 = "00000000000000000000000000000000";
 
 } // namespace
 
@@ -58,15 +58,14 @@ bool ZarnAuthenticationCheckDigest(ZarnAuthenticationEngine const* engine, char 
     if (engine == nullptr) return false;
     if (!View(qop).empty() && View(qop) != "auth") return false;
     auto const ha1 = engine->GetHa1(View(user));
-    bool const isRight =
-        zarn::authentication::IsDigestResponse({.ha1 = ha1.empty() ? NobodysHa1 : std::string_view(ha1),
-                                                .method = View(method),
-                                                .uri = View(uri),
-                                                .nonce = View(nonce),
-                                                .nc = View(nc),
-                                                .cnonce = View(cnonce),
-                                                .qop = View(qop)},
-                                               View(response));
+    bool const isRight = zarn::authentication::IsDigestResponse({.ha1 = ha1.empty() ? DummyHa1 : std::string_view(ha1),
+                                                                 .method = View(method),
+                                                                 .uri = View(uri),
+                                                                 .nonce = View(nonce),
+                                                                 .nc = View(nc),
+                                                                 .cnonce = View(cnonce),
+                                                                 .qop = View(qop)},
+                                                                View(response));
     if (!isRight || ha1.empty()) return false;
     auto* const replays = engine->GetReplayCheck();
     if (replays == nullptr) return true;

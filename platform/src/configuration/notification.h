@@ -15,8 +15,8 @@ public:
     /// detached.
     void Add(std::shared_ptr<Event const> event);
 
-    /// Queues the events for everybody bound to their nodes or to one above. Called with the lock of the tree, so that
-    /// every binding sees the changes in their order.
+    /// Queues the events for all subscriptions of their nodes or to one above. Called with the lock of the tree, so
+    /// that every binding sees the changes in their order.
     void Publish();
 
     /// Calls back. Throws what a callback threw first, after all were called.

@@ -28,7 +28,7 @@ std::optional<Placeholder> ReadPlaceholder(std::string_view text) {
     return Placeholder{index, end + 1};
 }
 
-/// One character as it may stand in a line.
+/// Escapes one character that a log line must not contain.
 std::string Escape(std::string_view character) {
     if (character == "\n") return "\\n";
     if (character == "\r") return "\\r";

@@ -20,10 +20,8 @@ LimitedLogger::LimitedLogger(std::string name, RateLimit::Clock::duration interv
     : logger(std::move(name)), limit(interval) {}
 
 void LimitedLogger::Write(Level level, std::string const& text, std::uint64_t suppressed) const {
-    if (suppressed == 0)
-        logger.Log(level, "%0%", text);
-    else
-        logger.Log(level, "%0% (%1% more since the last report)", text, suppressed);
+    auto const others = " (" + std::to_string(suppressed) + " more since the last report)";
+    logger.Write(level, suppressed == 0 ? text : text + others);
 }
 
 } // namespace zarn::logging

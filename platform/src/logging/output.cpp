@@ -22,7 +22,7 @@ namespace {
 constinit std::atomic<Level> Least{Level::Info};     ///< of standard error
 constinit std::atomic<Level> Threshold{Level::Info}; ///< of standard error and all listeners
 
-constexpr int LevelCount = spdlog::level::off; // which is no level
+constexpr int LevelCount = spdlog::level::off; // one past the last level
 
 /// The levels are powers of two, spdlog's are counted.
 spdlog::level::level_enum ToSpdlog(Level level) noexcept {

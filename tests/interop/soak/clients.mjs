@@ -1,4 +1,4 @@
-// What clients of a device do in rounds. Each throws when the device does not do its part.
+// Periodic client actions. Each throws when the device does not respond as expected.
 import assert from 'node:assert/strict';
 import {promisify} from 'node:util';
 
@@ -41,7 +41,7 @@ async function downloadSnapshot(host, turn) {
     const url = `http://${host.hostname}:${host.port}/snapshot/${turn % 2 + 1}/latest.jpeg`;
     const {code, stdout, stderr} = await run('curl', ['-sS', '--fail', '--digest', '-u', `admin:${password}`, url], {encoding: 'buffer'});
     assert.equal(code, 0, String(stderr));
-    assert.equal(stdout.subarray(0, 2).toString('hex'), 'ffd8', 'a snapshot is no JPEG');
+    assert.equal(stdout.subarray(0, 2).toString('hex'), 'ffd8', 'a snapshot is not a JPEG');
 }
 
 async function playStream(host, turn) {
@@ -63,7 +63,7 @@ async function findDevice(host) {
     assert.deepEqual(found.map(cam => Number(cam.port)), [host.port]);
 }
 
-// Periods divide a minute, so that every minute asks the same of the host.
+// Periods divide a minute, so that the load is the same every minute.
 export const clients = [
     {name: 'login', period: 5, offset: 0, action: logIn},
     {name: 'video settings', period: 10, offset: 2, action: readVideo},

@@ -1,4 +1,5 @@
-// What one subscription is given of numbered events ("http 1", "http 2", …; "mqtt 1", …): each once, in order, none left out.
+// Checks the numbered events ("http 1", "http 2", …; "mqtt 1", …) of one subscription: each once, in order, without
+// gaps.
 export class Delivery {
     #name;
     #last = new Map();
@@ -23,7 +24,7 @@ export class Delivery {
         ++this.#count;
     }
 
-    // At the end: everything from the number `from` to `to` had to come. What came before or after may have.
+    // Final check: all events from number `from` to `to` are required; earlier and later ones are optional.
     finish(series, from, to) {
         if (to < from) return;
         const {first, number} = this.#last.get(series) ?? {first: Infinity, number: -Infinity};

@@ -1,4 +1,4 @@
-// Programs that send numbered events, over HTTP and over MQTT.
+// Sources of numbered events over HTTP and MQTT.
 import {spawn} from 'node:child_process';
 import {once} from 'node:events';
 import {existsSync, mkdtempSync, rmSync, writeFileSync} from 'node:fs';
@@ -12,7 +12,7 @@ const eventOf = (series, number) => ({
     type: 'presence', name: `${series} ${number}`, channel: number % 2 + 1, zone: {type: 'field'}, objects: [{id: number % 1000, class: 'person'}],
 });
 
-// begun: the last number that was sent; acknowledged: the last one that every subscription has.
+// begun: number of the last event sent; acknowledged: number of the last event known to be in every queue.
 export class HttpSource {
     series = 'http';
     begun = 0;
@@ -27,7 +27,7 @@ export class HttpSource {
     stop() {}
 }
 
-// One program that publishes with QoS 1 for the whole run; when its events are in the queues nobody tells it.
+// Publishes with QoS 1 for the whole run. MQTT does not report when events reach the subscriptions' queues.
 export class MqttSource {
     series = 'mqtt';
     begun = 0;
@@ -57,13 +57,13 @@ function isListening(port) {
     });
 }
 
-// A broker on a port of loopback. Returns {stop()}.
+// Starts a broker on a loopback port. Returns {stop()}.
 export async function startBroker(port) {
     const folder = mkdtempSync(join(tmpdir(), 'zarn-soak-broker-'));
     const file = join(folder, 'mosquitto.conf');
-    // As root it would otherwise take on an account that may not read the folder.
+    // Without this, a broker started as root switches to an account that cannot read the folder.
     writeFileSync(file, `listener ${port} 127.0.0.1\nuser root\nallow_anonymous true\npersistence false\nlog_type error\n`);
-    // Debian's is where only administrators look.
+    // Debian installs mosquitto in a directory that only administrators have on their PATH.
     const path = '/usr/sbin/mosquitto';
     const program = spawn(existsSync(path) ? path : 'mosquitto', ['-c', file], {stdio: ['ignore', 'ignore', 'inherit']});
     const ended = once(program, 'exit');

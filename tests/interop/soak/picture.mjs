@@ -1,4 +1,4 @@
-// Draws measurements as an SVG: one panel per column below each other, on one axis of time, and the verdict above.
+// Draws measurements as an SVG: the verdict, then one panel per column on a common time axis.
 
 const width = 1000;
 const left = 70;
@@ -12,14 +12,14 @@ const round = value => Number(value.toFixed(1));
 
 function text(x, y, content, attributes = '') { return `<text x="${round(x)}" y="${round(y)}"${attributes}>${escape(content)}</text>`; }
 
-// The step of an axis: 1, 2 or 5 times a power of ten, so that about `count` steps cover the span.
+// Chooses an axis step of 1, 2 or 5 times a power of ten, so that about `count` steps cover the span.
 export function chooseStep(span, count) {
     const rough = Math.max(span, 1e-9) / count;
     const power = 10 ** Math.floor(Math.log10(rough));
     return power * [1, 2, 5, 10].find(factor => factor * power >= rough * 0.999);
 }
 
-// Where an axis begins and ends: whole steps around the values, at least one step apart.
+// Chooses the limits of an axis: multiples of the step around the values, at least one step apart.
 export function chooseRange(values, count = 4) {
     const [low, high] = [Math.min(...values), Math.max(...values)];
     const step = chooseStep(Math.max(high - low, Math.abs(high) * 0.02, 0.1), count);
@@ -49,8 +49,8 @@ function drawPanel({column, title}, samples, seconds, warmUp, top) {
 }
 
 // panels   [{column, title}]
-// verdict  as of judge()
-// Returns the text of the SVG.
+// verdict  result of judge()
+// Returns the SVG text.
 export function draw(title, panels, samples, seconds, verdict) {
     if (samples.length === 0) throw new Error('there is nothing to draw');
     const head = 40 + (verdict.lines.length + 1) * lineHeight;

@@ -29,7 +29,7 @@ test('every panel is a line with a point per sample, within the panel', () => {
     assert.deepEqual(lines.map(line => line.length), [4, 4]);
     assert.deepEqual(lines[0].map(([x]) => x), [70, 297.5, 525, 980]);
     const heights = lines[0].map(([, y]) => y);
-    assert.deepEqual(heights, [...heights].sort((a, b) => b - a)); // more is higher up
+    assert.deepEqual(heights, [...heights].sort((a, b) => b - a)); // larger values are higher up
     assert.ok(heights[0] > heights[3]);
     assert.ok(Math.min(...lines[1].map(([, y]) => y)) > Math.max(...heights), 'panels overlap');
 });
@@ -47,7 +47,7 @@ test('it is well-formed XML', context => {
     context.after(() => rmSync(folder, {recursive: true}));
     const file = join(folder, 'picture.svg');
     writeFileSync(file, drawn());
-    execFileSync('xmllint', ['--noout', file]); // throws when it is not
+    execFileSync('xmllint', ['--noout', file]); // throws when it is not well-formed
 });
 
 test('without samples there is nothing to draw', () => assert.throws(() => draw('x', panels, [], 10, verdict), /nothing to draw/));

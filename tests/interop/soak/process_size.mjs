@@ -1,4 +1,4 @@
-// What a process takes of the machine, as Linux tells (proc(5)).
+// Resources used by a process, from proc(5).
 import {readFileSync, readdirSync} from 'node:fs';
 
 // Returns {residentKib, threads, descriptors}; throws when there is no such process.

@@ -1,6 +1,6 @@
-// Does things again and again, in step with the clock, until it is told to stop.
+// Repeats actions in step with the clock until stopped.
 
-// Ends early when `stop` comes.
+// Returns early when `stop` is signalled.
 const sleep = (milliseconds, stop) => new Promise(resolve => {
     const wake = () => {
         clearTimeout(timer);
@@ -11,16 +11,16 @@ const sleep = (milliseconds, stop) => new Promise(resolve => {
     stop.addEventListener('abort', wake);
 });
 
-// A promise that is refused when the other one takes too long.
+// A promise that is rejected when the given one takes too long.
 function within(seconds, promise) {
     let timer;
     const late = new Promise((_, reject) => { timer = setTimeout(() => reject(new Error(`no end within ${seconds} s`)), seconds * 1000); });
     return Promise.race([promise, late]).finally(() => clearTimeout(timer));
 }
 
-// Calls action(round) every `period` seconds from `offset` on, never before the last call has ended; a call may take `limit`
-// seconds. What it throws goes to report(error), and the rounds go on. Returns the number of rounds when `stop` (an
-// AbortSignal) has come and the last call has ended.
+// Calls action(round) every `period` seconds, starting at `offset`. Calls never overlap, and each may take `limit`
+// seconds. Errors go to report(error) without ending the rounds. Returns the number of rounds once `stop` (an
+// AbortSignal) is signalled and the last call has ended.
 export async function repeat({period, offset = 0, limit = 30}, action, report, stop) {
     const begin = Date.now() + offset * 1000;
     let rounds = 0;

@@ -1,6 +1,7 @@
 // A long run: a zarn-host with many kinds of clients, measured every second. Run by scripts/soak.
 //   node soak.mjs MINUTES FOLDER [PICTURE]
-// Writes FOLDER/soak.csv, FOLDER/host.log and the picture (default FOLDER/soak.svg); status 1 when the host has not passed.
+// Writes FOLDER/soak.csv, FOLDER/host.log and the picture (default FOLDER/soak.svg). Exits with status 1 when the host
+// fails.
 import {setMaxListeners} from 'node:events';
 import {closeSync, createWriteStream, mkdirSync, openSync, readFileSync, writeFileSync} from 'node:fs';
 import {join} from 'node:path';
@@ -15,8 +16,8 @@ import {repeat} from './schedule.mjs';
 import {listen, stay, visitors} from './subscriptions.mjs';
 import {judge} from './verdict.mjs';
 
-const eventsPerSecond = 5; // of each source
-const busySeconds = 45; // of each minute; in the rest only those who stay are there, so that what is lost shows
+const eventsPerSecond = 5; // per source
+const busySeconds = 45; // of each minute; then only permanent clients remain, so that leaks show
 const brokerPort = 1883;
 const columns = ['second', 'residentKib', 'threads', 'descriptors', 'latencyMs', 'eventsSent', 'eventsReceived'];
 const panels = [
@@ -26,7 +27,7 @@ const panels = [
     {column: 'latencyMs', title: 'Latency of GetSystemDateAndTime (ms)'},
 ];
 
-// Small pictures at a small rate: the clients are to keep the host busy, not the encoder.
+// Small pictures at a low rate: the clients, not the encoder, should load the host.
 const configuration = {
     settings: {
         web_port: 0, rtsp_port: 0, onvif: {enabled: true},
@@ -51,7 +52,7 @@ async function until(condition, what) {
     }
 }
 
-// What goes on between a host and its clients, and what is known of it so far.
+// The clients of a host and their results so far.
 class Run {
     samples = [];
     errors = [];
@@ -100,10 +101,10 @@ class Run {
         this.disorder.push(...delivery.problems);
     }
 
-    // Everybody at once, until the time is over.
+    // Runs all clients concurrently until the time is over.
     async work(seconds, csv) {
         const stop = new AbortController();
-        setMaxListeners(0, stop.signal); // each loop is one
+        setMaxListeners(0, stop.signal); // one listener per loop
         const loop = async (name, schedule, action) => {
             const rounds = await repeat(schedule, action, error => this.report(name, error), stop.signal);
             if (rounds === 0) this.idle.push(name);
@@ -118,7 +119,7 @@ class Run {
         await Promise.all(loops);
     }
 
-    // Everything that was sent has to come; then the subscriptions end.
+    // Waits until everything that was sent has been delivered, then ends the subscriptions.
     async finish() {
         await Promise.all(this.sources.map(source => source.stop()));
         const to = this.sources.map(({series, begun}) => ({series, number: begun}));

@@ -1,4 +1,4 @@
-// Clients of events: those that stay for the whole run, and those that come and go.
+// Events clients: permanent ones for the whole run, and short-lived ones.
 import assert from 'node:assert/strict';
 
 import {ask} from '../soap.mjs';
@@ -13,7 +13,7 @@ async function send(host, operation, path) {
 
 const rules = text => [...text.matchAll(/Name="Rule" Value="([^"]*)"/g)].map(([, rule]) => rule);
 
-// A subscription of a client of our own.
+// A subscription of an independent client.
 export class Subscription {
     #host;
     #path;
@@ -29,7 +29,7 @@ export class Subscription {
         this.#host = host;
         this.#path = path;
         this.delivery = new Delivery(name);
-        // Whatever is sent from here on has to come.
+        // Every event sent from now on must be delivered.
         this.from = sources.map(({series, begun}) => ({series, number: begun + 1}));
     }
 
@@ -51,7 +51,7 @@ export class Subscription {
     }
 }
 
-// What the sources have handed to every subscription by now; of others than HTTP that is not known.
+// Events known to be in every subscription's queue; only HTTP sources report this.
 const taken = sources => sources.filter(({acknowledged}) => acknowledged !== undefined)
     .map(({series, acknowledged}) => ({series, number: acknowledged}));
 
@@ -61,7 +61,7 @@ function finish({delivery, from}, to) {
 
 const pause = seconds => new Promise(resolve => setTimeout(resolve, seconds * 1000));
 
-// Subscribes, pulls for some seconds, renews and unsubscribes.
+// Subscribes, pulls for a few seconds, renews and unsubscribes.
 async function visit(host, turn, sources) {
     const subscription = await Subscription.create(host, `visitor ${turn}`, 'PT20S', sources);
     await subscription.pull('PT5S');
@@ -75,7 +75,7 @@ async function visit(host, turn, sources) {
     return subscription.delivery;
 }
 
-// Subscribes, pulls once and is never heard of again.
+// Subscribes, pulls once and disappears without unsubscribing.
 async function vanish(host, turn, sources) {
     const subscription = await Subscription.create(host, `vanishing ${turn}`, 'PT3S', sources);
     await subscription.pull('PT2S');
@@ -106,7 +106,7 @@ export async function stay(host, name, sources, report) {
     return {name, delivery: subscription.delivery, end};
 }
 
-// The npm package "onvif" as its users have it: it pulls and renews for as long as somebody listens.
+// The npm package "onvif" in normal use: it pulls and renews while it has a listener.
 export async function listen(host, name, sources, report) {
     const cam = await connect(host);
     const delivery = new Delivery(name);
@@ -118,7 +118,7 @@ export async function listen(host, name, sources, report) {
     }
     const from = sources.map(({series, begun}) => ({series, number: begun + 1}));
     const end = async to => {
-        // The pull under way ends with a fault when the subscription does.
+        // The pending pull ends with a fault when the subscription ends.
         cam.removeAllListeners('eventsError');
         cam.removeAllListeners('event');
         await call(cam, 'unsubscribe');

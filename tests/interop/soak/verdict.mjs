@@ -1,18 +1,19 @@
-// Whether a host has kept its size over a long run.
+// Judges whether a host's resource use stayed constant over a long run.
 
 const sorted = values => [...values].sort((a, b) => a - b);
 export const median = values => sorted(values)[Math.floor(values.length / 2)];
 export const least = values => Math.min(...values);
 
-// What may grow by how much between the first and the last window. Memory in use goes up and down with the clients of the
-// moment, so its middle counts. What is lost for good (a thread, a descriptor) is there also when least goes on.
+// Permitted growth between the first and the last window. Memory varies with client activity, so the median counts. A
+// leaked thread or descriptor also raises the minimum.
 export const growthRules = [
     {name: 'resident memory', column: 'residentKib', of: median, word: 'median', unit: 'KiB', below: 1024},
     {name: 'threads', column: 'threads', of: least, word: 'least', unit: '', below: 1},
     {name: 'descriptors', column: 'descriptors', of: least, word: 'least', unit: '', below: 1},
 ];
 
-// The seconds that do not count (five minutes, or a sixth of a shorter run), and how many are compared at either end.
+// The warm-up, which is ignored (five minutes, or a sixth of a shorter run), and the length of the two windows
+// compared.
 export function divide(seconds) {
     const warmUp = Math.min(300, Math.floor(seconds / 6));
     return {warmUp, window: Math.min(60, Math.floor((seconds - warmUp) / 2))};
@@ -32,14 +33,14 @@ function judgeNone(what, list) {
 }
 
 // samples   one per second, {second, residentKib, threads, descriptors, ...}
-// problems  lists of texts by what they are: {"error of a client": [...], ...}; each has to be empty
+// problems  lists of texts by kind: {"error of a client": [...], ...}; each must be empty
 // Returns {passed, warmUp, window, lines: [{passed, text}]}.
 export function judge(samples, seconds, problems) {
     const {warmUp, window} = divide(seconds);
     const first = samples.filter(({second}) => second >= warmUp && second < warmUp + window);
     const last = samples.filter(({second}) => second >= seconds - window && second < seconds);
     const lines = [];
-    // A window with holes proves nothing.
+    // A window with missing samples proves nothing.
     for (const [name, part] of [['first', first], ['last', last]]) {
         if (part.length >= window * 0.9 && part.length > 0) continue;
         lines.push({passed: false, text: `the ${name} window has ${part.length} of ${window} samples`});

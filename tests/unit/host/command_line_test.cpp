@@ -14,7 +14,7 @@ using testing::HasSubstr;
 using testing::Optional;
 using testing::Pair;
 
-/// Sets or unsets an environment variable for one test; each test runs in a process of its own.
+/// Sets or unsets an environment variable. Not restored, because each test runs in its own process.
 void SetVariable(char const* name, char const* value) {
     if (value == nullptr) {
         unsetenv(name);

@@ -104,7 +104,7 @@ TEST_F(ConfigurationFileTest, HoldsNoOverrides) {
                 AllOf(HasSubstr(R"("web_port": 0)"), HasSubstr("555"), Not(HasSubstr("18080"))));
 }
 
-/// A file that was used before, as its first run has left it.
+/// A configuration file after its first run.
 class UsedConfigurationFile : public ConfigurationFileTest {
 protected:
     UsedConfigurationFile() {
@@ -194,7 +194,7 @@ TEST_F(UsedConfigurationFile, UpdatesItsCopyOnlyOnKeepCopy) {
     file.Open();
     Set(WebPortPath, 83);
     file.SaveChanges();
-    EXPECT_THAT(folder.Read("config.json.good"), Not(HasSubstr("83"))) << "it has not proved itself yet";
+    EXPECT_THAT(folder.Read("config.json.good"), Not(HasSubstr("83"))) << "an unverified file was kept as good";
     file.KeepCopy();
     EXPECT_EQ(folder.Read("config.json.good"), folder.Read("config.json"));
 }

@@ -17,9 +17,9 @@
 namespace zarn::host {
 namespace {
 
-#ifndef ZARN_SANITIZED // whose heap is another one
+#ifndef ZARN_SANITIZED // sanitizers replace the heap
 
-/// How many arenas the heap of this process has.
+/// Number of heap arenas in this process.
 std::ptrdiff_t CountArenas() {
     char* text = nullptr;
     std::size_t size = 0;
@@ -33,7 +33,7 @@ std::ptrdiff_t CountArenas() {
     return count;
 }
 
-/// Threads that use the heap all at the same time, as each of them would get an arena of its own.
+/// Uses the heap from several threads at once, so that by default each thread would get its own arena.
 void AllocateOnThreads(int number) {
     std::latch all(number);
     std::vector<std::jthread> threads;
@@ -54,19 +54,19 @@ TEST(Heap, HasFewArenasForManyThreads) {
 
 TEST(Heap, KeepsMappingLargeBlocksAfterOneIsFreed) {
     LimitHeap();
-    constexpr std::size_t Large = 8 * 1024 * 1024;   // more than may lie free in the heap of other tests
-    void* const volatile first = std::malloc(Large); // volatile: or the compiler does without it
-    std::free(first);                                // would move the threshold
+    constexpr std::size_t Large = 8 * 1024 * 1024;   // more than other tests leave free
+    void* const volatile first = std::malloc(Large); // volatile prevents elision
+    std::free(first);                                // would raise the default threshold
     auto const before = mallinfo2().hblks;
     std::unique_ptr<void, decltype(&std::free)> const memory(std::malloc(Large), &std::free);
-    EXPECT_EQ(mallinfo2().hblks, before + 1) << "it lies in the heap";
+    EXPECT_EQ(mallinfo2().hblks, before + 1) << "not allocated by mmap";
 }
 
 TEST(Heap, MapsThePictureOfASmallVideo) {
     LimitHeap();
     auto const before = mallinfo2().hblks;
     std::vector<std::unique_ptr<void, decltype(&std::free)>> pictures;
-    // Other tests may have left room for some in the heap.
+    // Other tests may have left enough free heap for some pictures.
     while (mallinfo2().hblks == before && pictures.size() < 100) {
         pictures.emplace_back(std::malloc(640 * 480 * 3 / 2), &std::free);
     }
@@ -77,7 +77,7 @@ TEST(Heap, DoesNotMapBlocksOfTheSizeOfAnExchange) {
     LimitHeap();
     auto const before = mallinfo2().hblks;
     std::unique_ptr<void, decltype(&std::free)> const memory(std::malloc(160 * 1024), &std::free);
-    EXPECT_EQ(mallinfo2().hblks, before) << "every exchange would ask the system for memory and give it back";
+    EXPECT_EQ(mallinfo2().hblks, before) << "each exchange would map and unmap memory";
 }
 
 #endif
@@ -90,7 +90,7 @@ TEST(Heap, WaitsForMemoryUpToALimit) {
     ASSERT_NE(handler, nullptr);
     auto const before = CountRetriedAllocations();
     auto const begin = Clock::now();
-    // As operator new does while there is none.
+    // Simulates operator new without any memory.
     auto const need = [&] {
         for (int i = 0; i < 100'000; ++i) handler();
     };
@@ -99,8 +99,8 @@ TEST(Heap, WaitsForMemoryUpToALimit) {
     EXPECT_GE(waited, 100ms);
     EXPECT_LT(waited, 60s);
     EXPECT_GT(CountRetriedAllocations(), before);
-    std::this_thread::sleep_for(5ms); // by which a further call is for another allocation
-    EXPECT_NO_THROW(handler()) << "the next one may wait again";
+    std::this_thread::sleep_for(5ms); // after this gap, a call counts as a new allocation
+    EXPECT_NO_THROW(handler()) << "a new allocation must be retried";
 }
 
 } // namespace

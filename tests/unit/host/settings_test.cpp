@@ -102,7 +102,7 @@ TEST_F(SettingsTest, NameAnUnknownPathInOneShortLine) {
     }
 }
 
-/// The settings with their defaults as the documentation writes them, ID for a channel's.
+/// The settings with the defaults in the documentation; ID stands for a channel's id.
 using Defaults = std::map<std::string, std::string>;
 
 std::string WriteDefault(boost::json::value const& value) {
@@ -123,12 +123,12 @@ void Collect(boost::json::value const& schema, std::string const& path, Defaults
     }
 }
 
-/// What does not depend on the setting's owner is the same in the documents.
+/// Checks the parts of the documentation that apply to the settings of every component.
 class SettingsInDocuments : public SettingsTest {
 protected:
     SettingsInDocuments() { Collect(root->GetSchema(), "", settings); }
 
-    /// The rows of the table of settings: path, bounds, default.
+    /// Rows of the settings table: path, bounds, default.
     static std::map<std::string, std::pair<std::string, std::string>> ReadTable() {
         std::map<std::string, std::pair<std::string, std::string>> rows;
         std::istringstream lines(test::ReadSourceFile("docs/configuration.md"));

@@ -17,7 +17,7 @@ namespace {
 
 using Fields = std::set<std::string>;
 
-/// Adds the paths of the values that are neither objects nor lists, such as "channels[].id".
+/// Adds the paths of all leaf values, such as "channels[].id".
 void AddFields(boost::json::value const& value, std::string const& path, Fields& fields) {
     if (auto const* const object = value.if_object()) {
         for (auto const& member : *object)
@@ -30,7 +30,7 @@ void AddFields(boost::json::value const& value, std::string const& path, Fields&
     }
 }
 
-/// The fields that the table in docs/host.md lists in its first column.
+/// Field names from the first column of the table in docs/host.md.
 Fields ReadDocument() {
     std::ifstream document(ZARN_STATUS_DOCUMENT);
     Fields fields;

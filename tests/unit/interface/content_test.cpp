@@ -8,7 +8,7 @@
 namespace zarn::bindings {
 namespace {
 
-// What the bindings write where the schema allows any element: DOM nodes, some of which hold a generated object.
+// Output for schema wildcards: DOM nodes, some of which hold a generated object.
 class Content : public testing::Test {
 protected:
     template <class Object>
@@ -16,7 +16,7 @@ protected:
         return WithoutNamespaces(Write(context.get(), object, "x"));
     }
 
-    /// What a service entry looks like whose capabilities are that object.
+    /// Serialises a service entry whose capabilities are this object.
     template <class Capabilities>
     std::string ServiceWith(char const* name, Capabilities* capabilities, int type) {
         tds__Service service;

@@ -12,12 +12,12 @@
 
 namespace {
 
-/// What the plugin takes for the time; 0 is the real one.
+/// The time seen by the plugin; 0: the real time.
 std::atomic<std::time_t> fakeTime{0};
 
 } // namespace
 
-/// Stands before the C library's function for the plugin too.
+/// Overrides the C library's function, for the plugin as well.
 extern "C" std::time_t time(std::time_t* result) noexcept {
     std::time_t now = fakeTime;
     if (now == 0) {
@@ -37,7 +37,7 @@ namespace {
 constexpr auto Realm = "device";
 constexpr auto Password = "secret";
 
-/// Lets in whom the plugin's own check lets in, which asks its list of challenges.
+/// Accepts a client if the plugin's own check, which uses its list of challenges, accepts it.
 struct GuardedDevice : RecordingDevice {
     using RecordingDevice::RecordingDevice;
 
@@ -50,7 +50,6 @@ struct GuardedDevice : RecordingDevice {
     }
 };
 
-/// The digest of the text in hexadecimal.
 std::string Md5(std::string const& text) {
     std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
     unsigned int size = 0;
@@ -72,7 +71,7 @@ class DigestPlugin : public testing::Test {
 protected:
     ~DigestPlugin() override { fakeTime = 0; }
 
-    /// Sends a request at that second and returns the response.
+    /// Sends a request at this time and returns the response.
     static std::string Post(std::time_t second, std::string const& authorization = "") {
         fakeTime = second;
         auto const context = MakeContext();
@@ -124,7 +123,7 @@ TEST_P(DigestPluginAt, ForgetsAChallengeWhenItMakesAnother) {
     EXPECT_THAT(Post(GetParam(), Answer(challenge)), testing::StartsWith("HTTP/1.1 401 "));
 }
 
-// The plugin would clean its list up in seconds that are multiples of ten alone.
+// Left to itself, the plugin cleans up its list only in seconds that are multiples of ten.
 INSTANTIATE_TEST_SUITE_P(EverySecond, DigestPluginAt, testing::Range<std::time_t>(1'800'000'000, 1'800'000'010));
 
 } // namespace

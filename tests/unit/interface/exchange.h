@@ -14,26 +14,26 @@ struct ContextDeleter {
 
 using Context = std::unique_ptr<soap, ContextDeleter>;
 
-/// A context with the modes that requests are served in: no xsi:type, DOM text as it is, strings in UTF-8.
+/// A context with the modes used for serving requests: no xsi:type, DOM text unchanged, strings in UTF-8.
 Context MakeContext();
 
-/// A SOAP 1.2 envelope. Its own element and the body use the prefixes of the namespace table; "c" is bound to the
-/// namespace of the envelope as well, and "security" to that of WS-Security.
+/// A SOAP 1.2 envelope. Its own elements and the body use the prefixes of the namespace table. The prefix "c" is also
+/// bound to the envelope's namespace, and "security" to the WS-Security namespace.
 std::string Envelope(std::string const& body, std::string const& header = "");
 
-/// What serving one request gave.
+/// Result of serving one request.
 struct Outcome {
-    int status;           ///< of soap_begin_serve, else of dispatch
+    int status;           ///< from soap_begin_serve, otherwise from dispatch
     std::string response; ///< HTTP response; empty when nothing was sent
 
-    /// The part from the envelope on, without the namespace declarations.
+    /// The envelope without its namespace declarations.
     std::string Body() const;
 };
 
-/// The text of a response or written object without its namespace declarations.
+/// Removes the namespace declarations from a response or written object.
 std::string WithoutNamespaces(std::string text);
 
-/// Feeds the envelope as the body of an HTTP request into the context and lets the service serve it.
+/// Passes the envelope to the context as an HTTP request and lets the service handle it.
 template <class Service>
 Outcome Serve(soap* context, Service& service, std::string const& envelope) {
     std::istringstream in("POST /onvif/service HTTP/1.1\r\nHost: localhost\r\n"
@@ -51,7 +51,7 @@ Outcome Serve(soap* context, Service& service, std::string const& envelope) {
     return {status, out.str()};
 }
 
-/// The XML of a generated object as the element `tag`.
+/// A generated object as XML in the element `tag`.
 template <class Object>
 std::string Write(soap* context, Object const& object, char const* tag) {
     std::ostringstream out;

@@ -1,8 +1,8 @@
-# What the definitions rely on in soapcpp2, tried on small ones of their own.
+# Verifies assumptions about soapcpp2 on small definitions.
 #   SOAPCPP2 program, WORK folder to work in
 cmake_minimum_required(VERSION 3.25)
 
-# Runs soapcpp2 on a definition and leaves the namespace table and the sources in `table` and `sources`.
+# Runs soapcpp2 on a definition; stores the namespace table and the sources in `table` and `sources`.
 function(generate name definition)
   set(folder "${WORK}/${name}")
   file(REMOVE_RECURSE "${folder}")
@@ -39,14 +39,14 @@ class _a__Do { public: int member 1; @ int attribute 1; };
 int __a__Do(_a__Do* a__Do, void);
 ")
 
-# A namespace directive alone puts no prefix into the table, a declared type does.
+# A namespace directive alone adds no prefix to the table; a declared type does.
 generate(directive "${service}//gsoap b schema namespace: urn:b\n")
 expect(directive "${table}" "\"a\", \"urn:a\"")
 expect_not(directive "${table}" "\"b\", \"urn:b\"")
 generate(type "${service}//gsoap b schema namespace: urn:b\ntypedef char* b__Type;\n")
 expect(type "${table}" "\"b\", \"urn:b\"")
 
-# elementForm qualifies elements only, form qualifies attributes as well.
+# elementForm qualifies only elements; form qualifies attributes as well.
 generate(elementForm "${service}//gsoap a schema elementForm: qualified\n")
 expect(elementForm "${sources}" "\"a:member\"")
 expect(elementForm "${sources}" "\"attribute\"")

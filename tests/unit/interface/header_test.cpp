@@ -15,7 +15,7 @@ std::string const Security =
     R"(<security:Security c:mustUnderstand="true"><security:UsernameToken>)"
     "<security:Username>admin</security:Username></security:UsernameToken></security:Security>";
 
-/// Skips the security header, by namespace, and refuses every other that must be understood.
+/// Skips the security header, matched by namespace, and rejects any other header that must be understood.
 int SkipSecurity(soap* context, char const* tag) {
     char const* const uri = soap_current_namespace_tag(context, tag);
     char const* const colon = std::strchr(tag, ':');
@@ -115,7 +115,7 @@ TEST_F(Header, IsAbsentFromTheResponseToARequestWithoutOne) {
     EXPECT_THAT(ServeWith("").Body(), testing::StartsWith("<SOAP-ENV:Envelope><SOAP-ENV:Body>"));
 }
 
-/// Answers as WS-Addressing 1.0 asks for.
+/// Answers as required by WS-Addressing 1.0.
 struct AddressingDevice : RecordingDevice {
     using RecordingDevice::RecordingDevice;
 

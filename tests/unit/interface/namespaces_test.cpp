@@ -34,7 +34,7 @@ Table Read(Namespace const* row) {
     return table;
 }
 
-/// The table that a context has after a service was offered a request.
+/// The namespace table of a context after a service has been offered a request.
 template <class Service>
 Table AfterDispatch() {
     auto const context = MakeContext();

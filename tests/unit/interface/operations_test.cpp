@@ -12,7 +12,7 @@
 namespace zarn::bindings {
 namespace {
 
-/// Sends an empty element of that name and returns the operation that was called, or the status when there was none.
+/// Sends an empty element with this name. Returns the operation that was called, or the status if none was.
 template <class Service>
 std::string Call(std::string const& element) {
     auto const context = MakeContext();

@@ -6,7 +6,7 @@
 namespace zarn::bindings {
 namespace {
 
-// Members that the schema requires and this device leaves out; each must not be on the wire at all.
+// Members that the schema requires but this device omits; none may appear on the wire.
 class OptionalMembers : public testing::Test {
 protected:
     template <class Object>

@@ -11,7 +11,7 @@
 
 namespace zarn::bindings {
 
-/// Remembers which operation was called last. Every operation succeeds with an empty response.
+/// Records the last operation called. Every operation succeeds with an empty response.
 struct Recorder {
     std::string called;
 

@@ -12,7 +12,7 @@ namespace {
 using testing::ElementsAre;
 using testing::SizeIs;
 
-// Each service below shows the request of an operation to the test.
+// Each service below passes an operation's request to the test.
 #define ZARN_SHOW(operation, Request, Response)                                                                        \
     std::function<void(Request&)> on##operation;                                                                       \
     int operation(Request* request, Response&) override {                                                              \
@@ -57,7 +57,7 @@ struct ShowingEvents : RecordingEvents {
 template <class Service>
 class Requests : public testing::Test {
 protected:
-    /// Serves the element with that content and expects that it gets to its operation.
+    /// Serves the element with this content and expects that it reaches its operation.
     void Send(std::string const& prefix, std::string const& operation, std::string const& content) {
         auto const name = prefix + ":" + operation;
         auto const outcome = Serve(context.get(), service, Envelope("<" + name + ">" + content + "</" + name + ">"));

@@ -98,8 +98,8 @@ TEST(Text, KeepsMarkupCharactersInBothDirections) {
               R"(<x Name="" Value="&lt;a> &amp; &quot;b&quot;&#xA;"></x>)");
 }
 
-// A document type declaration is skipped, not refused: it defines no entity, and what it names is not opened. An entity
-// that nothing defines is read as the character DEL.
+// A document type declaration is skipped, not rejected: it defines no entities, and external files are not opened. An
+// undefined entity is read as the character DEL.
 TEST(Text, IgnoresADocumentTypeDeclaration) {
     for (std::string const declaration :
          {"", "<!DOCTYPE a>", R"(<!DOCTYPE a [<!ENTITY e "declared">]>)", R"(<!DOCTYPE a SYSTEM "file:///etc/passwd">)",
@@ -115,7 +115,7 @@ TEST(Text, IgnoresADocumentTypeDeclaration) {
     }
 }
 
-/// An element in itself in itself, that many times.
+/// An element nested `levels` deep.
 std::string Nested(std::string const& element, int levels) {
     std::string begin;
     std::string end;

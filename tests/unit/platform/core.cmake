@@ -25,7 +25,7 @@ set(sources
 list(TRANSFORM sources PREPEND "${CMAKE_CURRENT_LIST_DIR}/")
 zarn_add_tests(NAME platform_core_tests SOURCES ${sources} LIBRARIES zarn::platform zarn::test_support LABELS unit)
 
-# Threads that wait, and networks that `ip` makes.
+# Threads that block, and networks created with `ip`.
 set(sources
   job/dynamic_thread_pool_stop_test.cpp
   job/dynamic_thread_pool_test.cpp

@@ -1,4 +1,4 @@
-# What the discovery responder stands on: zarn::asio (I/O context), network (networks), onvif::discovery, protocol (UDP)
+# Foundations of the discovery responder: zarn::asio (I/O context), network (networks), onvif::discovery, protocol (UDP)
 set(sources
   onvif/discovery/endpoint_test.cpp
   onvif/discovery/request_hostile_test.cpp
@@ -15,7 +15,7 @@ zarn_add_tests(
   LIBRARIES zarn::platform zarn::test_support pugixml::pugixml
   LABELS unit)
 
-# Real sockets, in networks that `ip` makes.
+# Real sockets in networks created with `ip`.
 set(sources
   asio/io_context_test.cpp
   network/networks_test.cpp
@@ -31,7 +31,7 @@ set(heap_sources
   protocol/network/udp/unreadable_interfaces.cpp)
 list(TRANSFORM sources PREPEND "${CMAKE_CURRENT_LIST_DIR}/")
 list(TRANSFORM heap_sources PREPEND "${CMAKE_CURRENT_LIST_DIR}/")
-# What replaces functions of the system is compiled apart from what calls them.
+# Replacements of system functions are compiled separately from the code that calls them.
 foreach(source failing_new unreadable_interfaces unwatchable)
   set_source_files_properties("${CMAKE_CURRENT_LIST_DIR}/protocol/network/udp/${source}.cpp"
     PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
@@ -46,7 +46,7 @@ zarn_add_tests(
   SOURCES ${heap_sources}
   LIBRARIES zarn::platform zarn::test_support
   LABELS integration heap)
-# What is not public is tested by itself where nothing public shows it.
+# Tests internals directly where no public interface exposes them.
 foreach(target platform_discovery_tests platform_discovery_integration_tests platform_discovery_heap_tests)
   target_include_directories(${target} PRIVATE "${CMAKE_SOURCE_DIR}/platform/src")
 endforeach()

@@ -21,14 +21,14 @@ set(sources
 list(TRANSFORM sources PREPEND "${CMAKE_CURRENT_LIST_DIR}/")
 zarn_add_tests(NAME platform_events_tests SOURCES ${sources} LIBRARIES zarn::platform zarn::test_support LABELS unit)
 
-# Threads that wait for their end.
+# Tests that wait for threads to end.
 zarn_add_tests(
   NAME platform_events_integration_tests
   SOURCES "${CMAKE_CURRENT_LIST_DIR}/asio/global_context_test.cpp"
   LIBRARIES zarn::platform zarn::test_support
   LABELS integration)
 
-# The part that speaks the types of the service definitions.
+# The part that uses the types of the service definitions.
 zarn_add_tests(
   NAME platform_onvif_meta_tests
   SOURCES

@@ -51,7 +51,7 @@ TEST(EveryService, CannotBeCopied) {
     auto const context = MakeSoapContext();
     auto* soap = context.get();
     EXPECT_EQ(DeviceService(soap, URIBase(1, false), nullptr, {}, nullptr).copy(), nullptr);
-    EXPECT_EQ(EventsService(soap, URIBase(1, false), nullptr).copy(), nullptr);
+    EXPECT_EQ(EventsService(soap, URIBase(1, false), nullptr, {}).copy(), nullptr);
     EXPECT_EQ(MediaService(soap, nullptr, nullptr, false, nullptr).copy(), nullptr);
     EXPECT_EQ(Media2Service(soap, nullptr, nullptr, false, nullptr).copy(), nullptr);
     EXPECT_EQ(AnalyticsService(soap, nullptr).copy(), nullptr);

@@ -15,7 +15,7 @@ namespace {
 
 using namespace configuration;
 
-/// A tree that holds the setting, and beside it a text and a collection.
+/// A tree with the setting, a text and a collection.
 class ReadEnabledTest : public testing::Test {
 protected:
     ReadEnabledTest() {
@@ -47,7 +47,7 @@ TEST_F(ReadEnabledTest, ThrowsForAChangeOfANonBoolean) {
     for (std::string const path : {"settings.name", "settings", "channels"}) {
         try {
             ReadEnabled(event::Changed(Find(path.c_str())));
-            ADD_FAILURE() << path << " was taken";
+            ADD_FAILURE() << path << " was accepted";
         } catch (object::BadCast const& error) {
             EXPECT_EQ(error.GetTypeName(), "zarn.configuration.node.Bool");
             EXPECT_NE(std::string(error.what()).find(path), std::string::npos) << error.what();

@@ -23,7 +23,7 @@ using testing::IsEmpty;
 using testing::Pointee;
 using testing::SizeIs;
 
-/// The date and time that are told for a moment, as year, month, day, hour, minute, second.
+/// The reported date and time for a point in time: year, month, day, hour, minute, second.
 std::vector<int> Told(std::chrono::sys_seconds moment) {
     auto const context = MakeSoapContext();
     auto const* told = MakeSystemDateTime(context.get(), moment)->UTCDateTime;

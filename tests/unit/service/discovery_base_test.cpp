@@ -42,7 +42,7 @@ using testing::StartsWith;
 using zarn::onvif::discovery::Request;
 using zarn::onvif::discovery::Response;
 
-/// Answers every message that parses, and keeps count.
+/// Answers and counts every message that parses.
 class Responder : public DiscoveryBase {
 public:
     explicit Responder(std::chrono::milliseconds retryInterval = RetryInterval, std::string location = "Vienna")
@@ -71,7 +71,7 @@ constexpr char Failed[] = "16 Failed to start Onvif discovery service: Failed to
                           "239.255.255.250: ";
 std::string const FailedAsThePortIsHeld = Failed + std::string("Address already in use");
 
-/// "level text" of the lines of the responder.
+/// The responder's log lines as "level text".
 std::vector<std::string> LinesOf(logging::Capture const& log) {
     std::vector<std::string> lines;
     for (auto const& line : log.GetLines()) {
@@ -81,7 +81,7 @@ std::vector<std::string> LinesOf(logging::Capture const& log) {
     return lines;
 }
 
-/// Waits until the responder has written as many lines.
+/// Waits until the responder has written `count` lines.
 bool AwaitLines(logging::Capture const& log, std::size_t count) {
     return test::Eventually([&] { return LinesOf(log).size() >= count; });
 }
@@ -129,7 +129,7 @@ TEST(DiscoveryBase, AnswersFromAPortOfItsOwn) {
 
 TEST(DiscoveryBase, SendsNothingToTheGroup) {
     OnOwnNetwork([] {
-        // What an unbound socket sends to the group would not get anywhere without.
+        // Without this route, a datagram that an unbound socket sends to the group would not arrive.
         ASSERT_TRUE(test::Ip("route add 239.255.255.250/32 dev lo src 127.0.0.1"));
         Responder const responder;
         Peer const client("127.0.0.1");
@@ -197,7 +197,7 @@ TEST(DiscoveryBase, SendsNothingWhenTheResponseIsInvalid) {
         client.Send(pointless);
         auto const answer = client.Ask(MakeProbe("urn:uuid:1"));
         ASSERT_TRUE(answer);
-        EXPECT_THAT(*answer, HasSubstr("urn:uuid:1")) << "the first answer is to the second message";
+        EXPECT_THAT(*answer, HasSubstr("urn:uuid:1")) << "the first message was answered";
         EXPECT_EQ(LinesOf(log).at(2), "2 Failed to generate discovery response for request: " + pointless);
     });
 }
@@ -217,17 +217,17 @@ TEST(DiscoveryBase, IgnoresAReceiveError) {
         EXPECT_THAT(LinesOf(log), ElementsAre("4 Onvif discovery service started successfully",
                                               "2 Successfully parsed discovery request: " + probe,
                                               "2 Successfully generated discovery response: " + *answer));
-        EXPECT_THAT(client.Ask(MakeProbe("urn:uuid:2")).value_or(""), HasSubstr("urn:uuid:2")) << "a second answer";
+        EXPECT_THAT(client.Ask(MakeProbe("urn:uuid:2")).value_or(""), HasSubstr("urn:uuid:2")) << "answered twice";
     });
 }
 
-#ifndef ZARN_SANITIZED_ADDRESSES // the type check of UBSan opens pipes
+#ifndef ZARN_SANITIZED_ADDRESSES // UBSan's type check opens pipes
 TEST(DiscoveryBase, LogsAFailedSend) {
     OnOwnNetwork([] {
         logging::Capture const log;
         Responder const responder;
         ProbeClient client;
-        ASSERT_TRUE(client.Ask(MakeProbe("urn:uuid:1"))) << "it opens what it needs itself";
+        ASSERT_TRUE(client.Ask(MakeProbe("urn:uuid:1"))) << "no answer before descriptors run out";
         NoDescriptors const none;
         client.Send(MakeProbe("urn:uuid:2"));
         ASSERT_TRUE(log.WaitFor("Failed to send discovery response: ", 60s));
@@ -286,12 +286,12 @@ TEST(DiscoveryBase, TriesOnceInEachInterval) {
         PortHolder const holder;
         auto const begin = std::chrono::steady_clock::now();
         Responder const responder(Interval);
-        ASSERT_TRUE(AwaitLines(log, 2)) << "tried no second time";
+        ASSERT_TRUE(AwaitLines(log, 2)) << "did not retry";
         auto const lines = LinesOf(log);
         auto const elapsed = std::chrono::steady_clock::now() - begin;
         EXPECT_THAT(lines, Each(FailedAsThePortIsHeld));
-        EXPECT_LE(lines.size() - 1, static_cast<std::size_t>(elapsed / Interval)) << "tried too early";
-        EXPECT_LT(elapsed, Responder::RetryInterval) << "tried too late";
+        EXPECT_LE(lines.size() - 1, static_cast<std::size_t>(elapsed / Interval)) << "retried too early";
+        EXPECT_LT(elapsed, Responder::RetryInterval) << "retried too late";
     });
 }
 
@@ -310,7 +310,7 @@ TEST(DiscoveryBase, RetriesAfterTenSecondsByDefault) {
 
 std::ptrdiff_t CountThreads() { return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {}); }
 
-/// Waits until only so many threads run. One that has been joined may be seen for a moment still.
+/// Waits until at most `count` threads exist. A joined thread may remain visible for a moment.
 bool AwaitThreads(std::ptrdiff_t count) {
     return test::Eventually([&] { return CountThreads() <= count; });
 }
@@ -324,12 +324,12 @@ TEST(DiscoveryBase, DoesNotRetryOnceDestroyed) {
         EXPECT_EQ(LinesOf(log).size(), 1U);
         { Responder const responder(1ms); }
         auto const lines = LinesOf(log).size();
-        EXPECT_TRUE(AwaitThreads(before)) << "there is still a thread that could try";
+        EXPECT_TRUE(AwaitThreads(before)) << "a thread that could retry still runs";
         EXPECT_EQ(LinesOf(log).size(), lines);
     });
 }
 
-/// Cannot begin, since there is no memory for another attempt.
+/// Fails to begin because there is no memory to schedule a retry.
 class HopelessResponder : public DiscoveryBase {
 public:
     HopelessResponder() {
@@ -373,7 +373,7 @@ TEST(DiscoveryBase, BeginsAndEndsInAFloodOfProbes) {
             asked += responder.asked;
         }
         EXPECT_GE(begun, test::StartsAndStops);
-        EXPECT_GT(asked, 0) << "the flood did not reach the responder";
+        EXPECT_GT(asked, 0) << "the responder received no probes";
     });
 }
 

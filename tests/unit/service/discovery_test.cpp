@@ -28,7 +28,7 @@ utilities::name::Config Identity() {
     return utilities::name::Config({"Maker", "Model", "1.0", "rack", "Cellar", "Door camera"});
 }
 
-/// The answer that the responder would send, without a network.
+/// The answer that the responder would send, produced without a network.
 zarn::onvif::discovery::Response Ask(Discovery& discovery) {
     return discovery.HandleReceive(Request(MakeProbe("urn:uuid:1")));
 }
@@ -48,11 +48,11 @@ TEST(Discovery, SendsNoResponseUntilThePortIsSet) {
         logging::Capture const log;
         ProbeClient client;
         client.Send(MakeProbe("urn:uuid:1"));
-        EXPECT_TRUE(log.WaitFor("Failed to generate discovery response for request: ", 60s)); // instead of an answer
+        EXPECT_TRUE(log.WaitFor("Failed to generate discovery response for request: ", 60s)); // and no answer is sent
         discovery.SetPort(0);
         auto const answer = client.Ask(MakeProbe("urn:uuid:2"));
         ASSERT_TRUE(answer);
-        EXPECT_THAT(*answer, HasSubstr("urn:uuid:2")) << "the first answer is to the second probe";
+        EXPECT_THAT(*answer, HasSubstr("urn:uuid:2")) << "the first probe was answered";
         EXPECT_THAT(*answer, HasSubstr("http://" + Address() + ":0/onvif/device_service"));
     });
 }
@@ -120,7 +120,7 @@ TEST(Discovery, BeginsAndEndsInAFloodOfProbes) {
             discovery.SetPort(8081);
         }
         EXPECT_GE(begun, test::StartsAndStops);
-        EXPECT_GT(flood.CountAnswers(), 0) << "the flood was not answered";
+        EXPECT_GT(flood.CountAnswers(), 0) << "no probe of the flood was answered";
     });
 }
 

@@ -14,7 +14,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// Five services of which each answers as it is told, and what they leave in the output.
+/// Five services with scripted answers, and the output that they leave.
 class DispatchTest : public testing::Test {
 protected:
     struct Service {

@@ -22,7 +22,7 @@ using testing::ElementsAre;
 
 class EventConversions : public testing::Test {
 protected:
-    /// The families that claim the event, out of those that it is offered to.
+    /// The families that accept the event, out of those that it is offered to.
     std::vector<std::string> GetClaims(std::shared_ptr<data::Event> const& event) {
         std::vector<std::string> claims;
         for (auto const& type : Types) {

@@ -1,4 +1,4 @@
-# Whether a library offers the members of zarn::service::onvif::Manager and its type, and nothing else.
+# Checks that a library exports the members and type information of zarn::service::onvif::Manager and nothing else.
 #   NM program, LIBRARY file
 cmake_minimum_required(VERSION 3.25)
 
@@ -6,7 +6,7 @@ set(manager "zarn::service::onvif::Manager")
 execute_process(
   COMMAND "${NM}" --dynamic --demangle --defined-only --format=posix "${LIBRARY}"
   OUTPUT_VARIABLE table COMMAND_ERROR_IS_FATAL ANY)
-# A list would take the brackets and semicolons of C++ names for its own.
+# CMake lists would split C++ names at brackets and semicolons.
 while(table MATCHES "^([^\n]*)\n(.*)$")
   set(symbol "${CMAKE_MATCH_1}")
   set(table "${CMAKE_MATCH_2}")

@@ -10,7 +10,7 @@ thread_local bool Failing = false;
 
 } // namespace
 
-/// In the place of the C library's.
+/// Replaces the C library's function.
 extern "C" void* aligned_alloc(std::size_t alignment, std::size_t size) noexcept {
     void* memory = nullptr;
     if (Failing || posix_memalign(&memory, std::max(alignment, sizeof(void*)), size) != 0) return nullptr;

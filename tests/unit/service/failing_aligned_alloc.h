@@ -2,8 +2,7 @@
 
 namespace zarn::test {
 
-/// While it lives, allocations of this thread by `aligned_alloc` fail, which is how Boost.Asio gets the memory for what
-/// waits.
+/// During its lifetime, `aligned_alloc` fails in this thread. Boost.Asio uses it to allocate pending operations.
 class FailingAlignedAlloc {
 public:
     FailingAlignedAlloc();

@@ -15,13 +15,13 @@
 
 namespace {
 
-/// What the engine's check has been asked, and what it answers: the first answer to the first question, and so on.
+/// Questions that the engine's check has received, and its answers in order.
 thread_local std::vector<std::vector<std::string>> Questions;
 thread_local std::deque<bool> Answers;
 
 } // namespace
 
-/// In the place of the host's own: the tests are about what it is asked.
+/// Replaces the host's implementation, because the tests are about the questions.
 bool ZarnAuthenticationCheckDigest(ZarnAuthenticationEngine const* /*engine*/, char const* component, char const* empty,
                                    char const* user, char const* response, char const* method, char const* uri,
                                    char const* nonce, char const* nc, char const* cnonce, char const* qop) {
@@ -42,14 +42,14 @@ protected:
     static constexpr char Body[] =
         R"(<s:Envelope xmlns:s="http://www.w3.org/2003/05/soap-envelope"><s:Body><x/></s:Body></s:Envelope>)";
 
-    /// Asks for a request with digest credentials to this path; the engine gives these answers.
-    /// further  what its credentials say besides, with a comma behind it
+    /// Authenticates a request to this path with digest credentials; the engine gives these answers.
+    /// further  additional parameters, followed by a comma
     bool IsAuthenticatedAt(std::string const& path, std::deque<bool> answers, std::string const& further = "") {
         return IsAuthenticatedBy(further + R"(nonce="n", qop=auth, nc=0000000a, cnonce="c", )", path,
                                  std::move(answers));
     }
 
-    /// The same with what its credentials say beside user, realm, URI and response.
+    /// The same, where `credentials` are all parameters other than user, realm, URI and response.
     bool IsAuthenticatedBy(std::string const& credentials, std::string const& path, std::deque<bool> answers) {
         std::stringstream input;
         input << "POST " << path << " HTTP/1.1\r\nHost: device\r\nAuthorization: Digest " << credentials
@@ -64,7 +64,7 @@ protected:
         return IsAuthenticated(context.get(), &engine);
     }
 
-    /// What the engine is asked about such a request, with this path.
+    /// Matches the question about such a request with this path.
     static auto Question(char const* path) {
         return ElementsAre("zarn.service.onvif", "", "admin", "0123456789abcdef0123456789abcdef", "POST", path, "n",
                            "0000000a", "c", "auth");

@@ -22,7 +22,7 @@ using testing::Throws;
 
 class Media2ServiceTest : public testing::Test {
 protected:
-    /// Expects that the source options without a token throw a BadCast with this type name.
+    /// Expects that GetVideoSourceConfigurationOptions without a token throws a BadCast with this type name.
     void ExpectBadCast(std::shared_ptr<configuration::node::Root> root, char const* typeName) {
         Media2Service service(context.get(), std::move(root), nullptr, false, nullptr);
         tr2__GetConfiguration request;

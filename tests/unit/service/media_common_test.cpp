@@ -68,7 +68,7 @@ TEST(ConvertCodec, ReturnsNothingForATrailingHyphenOrSlash) {
 
 TEST(ConvertCodec, KeepsCharactersWithoutUpperCaseInTheLocale) { EXPECT_EQ(ConvertCodec("video/x-ü1_摄"), "ü1_摄"); }
 
-/// Makes "4" the upper case of "x".
+/// Sets the locale's upper case of "x" to "4".
 class OddUpperCase : public std::ctype<char> {
     char do_toupper(char character) const override { return character == 'x' ? '4' : character; }
 };

@@ -27,7 +27,7 @@ namespace {
 
 using configuration::Schema;
 
-/// Every operation that allocates what it answers, on a host of two channels that requires no credentials.
+/// Every operation that allocates its answer, on a host with two channels and no authentication.
 class OperationWithoutMemory : public testing::Test {
 protected:
     OperationWithoutMemory() {
@@ -46,8 +46,8 @@ protected:
         return written && stream.str().ends_with("Response>");
     }
 
-    /// Lets the memory run out at the first allocation, at the second and so on until it lasts. Every time the
-    /// operation succeeds, and its response can be written.
+    /// Makes allocations fail from the first one on, then from the second one on, and so on until none fails. Each
+    /// time, the operation must succeed and its response must be writable.
     template <class Service, class Request, class Response>
     void Expect(auto const& makeService, int (Service::*operation)(Request*, Response&), Request request = {}) {
         bool failed = true;
@@ -60,7 +60,7 @@ protected:
                 EXPECT_EQ((service.*operation)(&request, response), SOAP_OK) << n;
                 failed = failing.HasFailed();
             }
-            EXPECT_TRUE(failed || n > 0) << "nothing is allocated";
+            EXPECT_TRUE(failed || n > 0) << "the operation allocates nothing";
             EXPECT_TRUE(CanBeWritten(context.get(), response)) << n;
         }
     }
@@ -141,28 +141,27 @@ TEST_F(OperationWithoutMemory, OfTheAnalyticsServiceSucceeds) {
 }
 
 TEST_F(OperationWithoutMemory, OfTheEventsServiceSucceeds) {
-    auto const make = [this](soap* soap) { return EventsService(soap, URIBase(80, false), &engine); };
+    auto const make = [this](soap* soap) { return EventsService(soap, URIBase(80, false), &engine, {}); };
     Expect(make, &EventsService::GetServiceCapabilities);
     Expect(make, &EventsService::GetEventProperties);
     Expect(make, &EventsService::CreatePullPointSubscription);
 }
 
-/// A client with a subscription, and an event of every family in its queue.
+/// A client with a subscription that has an event of every family in its queue.
 class PullMessagesWithoutMemory : public OperationWithoutMemory {
 protected:
-    /// topics  of its filter; null: none
+    /// topics  topics of its filter; null: no filter
     std::string Subscribe(char const* topics) {
         auto const context = MakeSoapContext();
         _tev__CreatePullPointSubscription subscription;
-        wsnt__FilterType filter;
-        if (topics) {
-            auto& expression = filter.__any.emplace_back(context.get());
-            soap_elt_set(&expression, nullptr, "wsnt:TopicExpression");
-            soap_elt_text(&expression, topics);
-            subscription.Filter = &filter;
-        }
+        std::string const message =
+            topics ? "<Envelope xmlns:e='http://www.onvif.org/ver10/events/wsdl'><Body><e:CreatePullPointSubscription>"
+                     "<e:Filter><TopicExpression>" +
+                         std::string(topics) +
+                         "</TopicExpression></e:Filter></e:CreatePullPointSubscription></Body></Envelope>"
+                   : "";
         _tev__CreatePullPointSubscriptionResponse response;
-        EXPECT_EQ(EventsService(context.get(), URIBase(80, false), &engine)
+        EXPECT_EQ(EventsService(context.get(), URIBase(80, false), &engine, message)
                       .CreatePullPointSubscription(&subscription, response),
                   SOAP_OK);
         return response.SubscriptionReference.Address;
@@ -176,7 +175,7 @@ protected:
             zarn::onvif::events::Publish(std::move(event));
         }
         std::snprintf(soap->path, sizeof(soap->path), "%s", address.substr(address.find("/onvif")).c_str());
-        return EventsService(soap, URIBase(80, false), &engine);
+        return EventsService(soap, URIBase(80, false), &engine, {});
     }
 
     PullMessagesWithoutMemory() {

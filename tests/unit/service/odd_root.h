@@ -13,7 +13,7 @@
 
 namespace zarn::test {
 
-/// A collection that holds something that is no map, which no schema brings about.
+/// A collection with an entry that is not a map, which no schema can produce.
 class OddCollection : public configuration::node::Dynamic {
 public:
     explicit OddCollection(configuration::node::Location const& place) : Dynamic(place, nullptr) {
@@ -21,7 +21,7 @@ public:
     }
 };
 
-/// A configuration whose `channels` are one.
+/// A configuration whose `channels` is such a collection.
 class OddRoot : public configuration::node::Root {
 public:
     OddRoot() { children->Put(std::make_shared<OddCollection>(MakeLocation("channels"))); }

@@ -33,7 +33,7 @@ protected:
             R"({"channels": {"1": {"name": "Gate"}, "11": {"name": "Yard"}, "a-b": {"name": "Roof"}}})"));
     }
 
-    /// Populates with "token name width" of each channel.
+    /// Populates a text with "token name width" for each channel.
     void Populate(std::string const& selected = "") {
         auto const make = [](struct soap* owner, auto const& token, auto const& name, VideoInfo const& info) {
             auto* const text = soap_new_std__string(owner);
@@ -43,7 +43,7 @@ protected:
         PopulatePerChannel(soap, out, make, channelInfo, root, selected);
     }
 
-    /// Expects that populating throws a BadCast with this type name, whose message names the node at fault.
+    /// Expects that populating throws a BadCast with this type name and a message that names the invalid node.
     void ExpectBadCast(char const* typeName, char const* path) {
         EXPECT_THAT(
             [this] { Populate(); },
@@ -51,7 +51,7 @@ protected:
                                           Property(&object::BadCast::what, StartsWith(std::string(path) + " is ")))));
     }
 
-    /// Whether another thread gets the configuration's lock, waiting for this long.
+    /// True if another thread can take the configuration's lock within this time.
     bool IsLockFree(std::chrono::milliseconds patience) {
         attempts.push_back(std::async(std::launch::async, [this] { return (void)root->GetLock(); }));
         return attempts.back().wait_for(patience) == std::future_status::ready;
@@ -66,7 +66,7 @@ protected:
     };
     std::vector<std::string*> out;
     std::vector<std::string> asked;
-    std::vector<std::future<void>> attempts; ///< joins the threads when the test is over
+    std::vector<std::future<void>> attempts; ///< joins the threads on destruction
 };
 
 TEST_F(PopulatePerChannelTest, MakesOneObjectPerChannelInMapOrder) {

@@ -19,7 +19,7 @@ using testing::IsEmpty;
 
 class Fault : public testing::Test {
 protected:
-    Fault() { context->version = 2; } // SOAP 1.2, as reading the envelope of a request sets it
+    Fault() { context->version = 2; } // SOAP 1.2, as set when an envelope is read
 
     std::vector<std::string> Subcodes() const {
         std::vector<std::string> subcodes;
@@ -65,7 +65,7 @@ TEST_F(Fault, ReportsAnUnservedOperationAsNotSupported) {
 }
 
 TEST_F(Fault, OmitsItsSubcodesWithoutMemory) {
-    // The fault and its code exist from here on; only the subcodes have to be allocated.
+    // The fault and its code already exist; only the subcodes remain to be allocated.
     SoapFault(context.get(), FaultCode::Sender, "earlier", "ter:Earlier");
     test::FailingNothrowNew const failing(1);
     EXPECT_EQ(SoapFault(context.get(), FaultCode::Sender, "reason", "ter:Outer", "ter:Inner"), SOAP_FAULT);
@@ -75,7 +75,7 @@ TEST_F(Fault, OmitsItsSubcodesWithoutMemory) {
 
 TEST_F(Fault, LosesTheInnerSubcodeWithoutMemory) {
     SoapFault(context.get(), FaultCode::Sender, "earlier", "ter:Earlier");
-    test::FailingNothrowNew const failing(0, 1); // the innermost is made first
+    test::FailingNothrowNew const failing(0, 1); // the innermost subcode is allocated first
     EXPECT_EQ(SoapFault(context.get(), FaultCode::Sender, "reason", "ter:Outer", "ter:Inner"), SOAP_FAULT);
     EXPECT_THAT(Subcodes(), ElementsAre("ter:Outer"));
 }

@@ -17,13 +17,13 @@ class IoContext;
 /// A thread that calls something of the context, such as posting a handler or starting a timer, holds a handle until
 /// the call has returned. Whatever is bound to the context, such as a timer, must be destroyed before the last handle:
 /// keep a handle beside it, declared before it. A handler that has not begun when the last handle goes is destroyed
-/// without having run, on the thread that lets the handle go. A handler must not own a handle that is waiting in the
+/// without having run, on the thread that releases the handle. A handler must not own a handle that is waiting in the
 /// context itself, since the two would keep each other alive.
 ///
 /// The last handle may also go on the context's own thread, within a handler. It does not wait then: the thread ends
-/// after that handler, which must not wait for other threads any more. The thread that makes the next handle waits for
-/// it and destroys the context, or the end of the process does. To be sure that nothing runs any more, the owner of
-/// static state keeps a handle and lets it go elsewhere.
+/// after that handler. A handle made after its end destroys the context; otherwise the end of the process waits for the
+/// thread and destroys it. To be sure that nothing runs any more, the owner of static state keeps a handle and releases
+/// it on another thread.
 ///
 /// What a handler throws is logged and goes no further; the others run on.
 /// Thread: any; one handle is used by one thread at a time, as usual. A handle must not go while its thread holds a

@@ -33,6 +33,9 @@ public:
     /// no lock that a handler takes.
     void Stop() noexcept;
 
+    /// True once the last handler has returned after Stop: destroying the context takes no time. Thread: any.
+    bool HasEnded() const noexcept;
+
 private:
     struct Impl;
     std::unique_ptr<Impl> impl;

@@ -8,7 +8,7 @@
 namespace zarn::authentication {
 
 /// What tells digest credentials from others for the same challenge. Source: RFC 7616, 3.4.
-struct DigestCredentials {
+struct DigestUse {
     std::string_view nonce;  ///< of the challenge
     std::string_view nc;     ///< "nc" as the client wrote it; empty: the response covers none
     std::string_view cnonce; ///< "cnonce"; empty: the response covers none
@@ -26,7 +26,7 @@ public:
     /// Called with right credentials only, before the request is served. True: it may be served, and the credentials
     /// are used up, if they can be. False: the nonce is not the host's or is stale, or the credentials have been used.
     /// Thread: any, several at once.
-    virtual bool Accept(DigestCredentials const& credentials) = 0;
+    virtual bool Accept(DigestUse const& credentials) = 0;
 };
 
 } // namespace zarn::authentication

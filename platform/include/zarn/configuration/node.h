@@ -148,7 +148,7 @@ private:
     /// Called with the lock of the tree, like the others below.
     virtual void Prepare(boost::json::value const& json, Change& change) = 0;
 
-    /// Plans the change for a node that is not in what is read. Returns false when it shall go.
+    /// Plans the change for a node that is not in what is read. Returns false when the node is to be removed.
     virtual bool PrepareAbsent(Change& change) = 0;
 
     /// Whether this node is part of what its map gives for a layer.

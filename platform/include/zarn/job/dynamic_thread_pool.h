@@ -10,6 +10,7 @@ namespace zarn::job {
 /// Runs jobs on threads of its own, one job per thread, starting as many threads as there are jobs under way: a job may
 /// wait as long as it likes without holding up another. The caller bounds the number of jobs.
 ///
+/// Every thread has a stack of 2 MiB (16 MiB in sanitizer builds), whatever stack limit the process has.
 /// An idle thread waits without waking up; the one that became idle last gets the next job, so that the others can go.
 /// Thread: any, except that Stop and the destructor must not be called by a job of the same pool.
 class DynamicThreadPool {

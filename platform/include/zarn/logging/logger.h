@@ -49,12 +49,13 @@ public:
         Log(static_cast<Level>(level), format, args...);
     }
 
+    /// Writes a text as a line, whether or not its level is enabled.
+    void Write(Level level, std::string const& text) const;
+
     /// The name given at construction.
     std::string const& GetName() const noexcept { return name; }
 
 private:
-    void Write(Level level, std::string const& text) const;
-
     std::string name;
 };
 

@@ -3,8 +3,8 @@
 namespace zarn::meta {
 
 /// A place in a picture: fractions of its width and height from its top left corner, y downwards, so that it holds for
-/// every size at which the picture is looked at. (0, 0) is the top left corner, (1, 1) the bottom right one; a place
-/// beyond the edges is one too, for trackers follow objects that leave the picture.
+/// every size at which the picture is looked at. (0, 0) is the top left corner, (1, 1) the bottom right one. It
+/// may lie outside the picture, because trackers follow objects that leave it.
 class Point {
 public:
     /// Throws std::invalid_argument when one of the two is not a finite number.

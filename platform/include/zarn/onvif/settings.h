@@ -6,10 +6,10 @@ namespace zarn::onvif {
 
 /// The settings by which the host and the ONVIF module meet, as paths in the host's configuration.
 
-/// Whether the device can be discovered. Requests are served whatever it says.
+/// Whether the device can be discovered. Requests are served either way.
 inline constexpr char EnabledPath[] = "settings.onvif.enabled";
 
-/// The ports that clients are told.
+/// The ports that addresses sent to clients contain.
 inline constexpr char WebPortPath[] = "settings.web_port";
 inline constexpr char RtspPortPath[] = "settings.rtsp_port";
 

@@ -9,11 +9,16 @@ namespace zarn::text {
 
 inline constexpr std::string_view WhiteSpace = " \t\r\n"; ///< of XML. Source: XML 1.0, 2.3
 
+/// Whether a byte is an ASCII letter or digit, whatever the locale.
+constexpr bool IsAlphanumeric(char byte) noexcept {
+    return (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z');
+}
+
 /// The first character of a text.
 struct Character {
     std::size_t length; ///< in bytes, at least 1
     bool valid;         ///< false for a byte that is not part of UTF-8
-    bool printable;     ///< false for control characters (C0, DEL, C1) and for what is not valid
+    bool printable;     ///< false for control characters (C0, DEL, C1) and for invalid bytes
 };
 
 /// Reads the first character of `text`, which must not be empty. Source: RFC 3629, 4.

@@ -3,6 +3,7 @@
 #include "configuration/schema/quote.h"
 
 #include <zarn/configuration/error.h>
+#include <zarn/text/character.h>
 
 #include <algorithm>
 
@@ -13,8 +14,7 @@ namespace {
 constexpr std::size_t MaximumKeyLength = 64;
 
 constexpr bool IsKeyCharacter(char character) noexcept {
-    return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z') ||
-           (character >= '0' && character <= '9') || character == '-' || character == '_';
+    return text::IsAlphanumeric(character) || character == '-' || character == '_';
 }
 
 } // namespace

@@ -38,8 +38,7 @@ constexpr std::array Scopes{
 std::string Encode(std::string_view text) {
     return text::PercentEncode(text, [](char each) {
         constexpr std::string_view Others = "-._~/";
-        return (each >= '0' && each <= '9') || (each >= 'A' && each <= 'Z') || (each >= 'a' && each <= 'z') ||
-               Others.find(each) != Others.npos;
+        return text::IsAlphanumeric(each) || Others.find(each) != Others.npos;
     });
 }
 

@@ -1,9 +1,15 @@
 #include "onvif/discovery/xml.h"
 
+#include <zarn/text/character.h>
+
 #include <boost/algorithm/string/predicate.hpp>
 #include <expat.h>
 
+#include <algorithm>
+#include <array>
+#include <charconv>
 #include <memory>
+#include <system_error>
 
 namespace zarn::onvif::discovery {
 
@@ -42,6 +48,56 @@ std::string_view FindNamespace(pugi::xml_node element, std::string_view prefix) 
     return {};
 }
 
+/// The number of a character reference, of which "&#" and ";" are left out; 0 when it cannot be read.
+unsigned ReadNumber(std::string_view digits) {
+    int const base = digits.starts_with('x') ? 16 : 10;
+    if (base == 16) digits.remove_prefix(1);
+    unsigned number = 0;
+    auto const* const end = digits.data() + digits.size();
+    auto const [stop, error] = std::from_chars(digits.data(), end, number, base);
+    return error == std::errc() && stop == end ? number : 0;
+}
+
+/// The document with the parts that clients get wrong without harm replaced by correct ones, so that expat accepts
+/// them: a declaration that is incomplete or not at the beginning, "--" in a comment, a reference to a character that
+/// XML cannot carry. It is well formed when the document is, apart from these.
+std::string MakeStrict(std::string_view text) {
+    struct Part {
+        std::string_view begin;
+        std::string_view end;
+        std::string_view replacement;
+    };
+
+    constexpr std::array Parts{Part{"<!--", "-->", "<!---->"}, Part{"<?", "?>", "<!---->"},
+                               Part{"<![CDATA[", "]]>", "<![CDATA[]]>"}, Part{"&#", ";", "&#32;"}};
+    std::string strict;
+    while (!text.empty()) {
+        auto const* const part =
+            std::ranges::find_if(Parts, [&](Part const& each) { return text.starts_with(each.begin); });
+        auto length = std::min(text.find_first_of("<&", 1), text.size());
+        auto replacement = text.substr(0, length);
+        if (part != Parts.end()) {
+            auto const end = text.find(part->end, part->begin.size());
+            if (end == std::string_view::npos) return strict.append(text); // an error that expat finds
+            auto const content = text.substr(part->begin.size(), end - part->begin.size());
+            length = end + part->end.size();
+            replacement = text.front() == '<' || ReadNumber(content) != 0 ? part->replacement : text.substr(0, length);
+        }
+        strict.append(replacement);
+        text.remove_prefix(length);
+    }
+    return strict;
+}
+
+/// True when a declaration of the document names another encoding than UTF-8.
+bool NamesOtherEncoding(pugi::xml_document const& document) {
+    auto const children = document.children();
+    return std::any_of(children.begin(), children.end(), [](pugi::xml_node const& each) {
+        auto const encoding = each.attribute("encoding");
+        return each.type() == pugi::node_declaration && encoding && !boost::iequals(encoding.value(), "UTF-8");
+    });
+}
+
 /// Reads a document with expat, which checks all rules of XML 1.0, and counts what the tree may hold. The parser that
 /// makes the tree passes over many errors. Names are read without their namespaces, because expat would refuse a
 /// message for a prefix that is not declared, and clients send such prefixes where they mean nothing.
@@ -56,7 +112,6 @@ public:
         parser = owner.get();
         XML_SetUserData(parser, this);
         XML_SetElementHandler(parser, &OnStart, &OnEnd);
-        XML_SetXmlDeclHandler(parser, &OnDeclaration);
         XML_SetStartDoctypeDeclHandler(parser, &OnDocumentType);
         return XML_Parse(parser, text.data(), static_cast<int>(text.size()), XML_TRUE) == XML_STATUS_OK;
     }
@@ -70,10 +125,6 @@ private:
     }
 
     static void OnEnd(void* self, XML_Char const*) { --static_cast<Checker*>(self)->depth; }
-
-    static void OnDeclaration(void* self, XML_Char const*, XML_Char const* encoding, int) {
-        if (encoding != nullptr && !boost::iequals(encoding, "UTF-8")) static_cast<Checker*>(self)->Refuse();
-    }
 
     static void OnDocumentType(void* self, XML_Char const*, XML_Char const*, XML_Char const*, int) {
         static_cast<Checker*>(self)->Refuse();
@@ -89,10 +140,12 @@ private:
 } // namespace
 
 bool Load(pugi::xml_document& document, std::string_view text, int maximumDepth) {
+    constexpr auto Options = pugi::parse_default | pugi::parse_declaration;
     constexpr std::string_view ByteOrderMark = "\xef\xbb\xbf";
-    if (!Checker(maximumDepth).Accepts(text)) return false;
     if (text.starts_with(ByteOrderMark)) text.remove_prefix(ByteOrderMark.size());
-    return bool(document.load_buffer(text.data(), text.size(), pugi::parse_default, pugi::encoding_utf8));
+    return text::IsXml(text) && Checker(maximumDepth).Accepts(MakeStrict(text)) &&
+           document.load_buffer(text.data(), text.size(), Options, pugi::encoding_utf8) &&
+           !NamesOtherEncoding(document);
 }
 
 bool Is(pugi::xml_node element, Name name) {

@@ -22,7 +22,10 @@ struct Name {
 };
 
 /// Reads a document with one root element; false when it is not well formed, is not in UTF-8, has a document type
-/// declaration, elements nested deeper than `maximumDepth`, or an element with more attributes than anybody needs.
+/// declaration, elements nested deeper than `maximumDepth`, or an element with more than 64 attributes. Some errors
+/// that clients make are accepted: white space or comments before the XML declaration, a declaration without version,
+/// "--" in a comment, a reference to a character that XML cannot carry (other than 0). text  at most a few times
+/// Request::MaximumSize
 bool Load(pugi::xml_document& document, std::string_view text, int maximumDepth);
 
 /// True when the element has the name.

@@ -29,7 +29,7 @@ using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
 
-/// A client with a note of the types of the events that it took.
+/// A client that records the types of the events it receives.
 class Intake {
 public:
     explicit Intake(MqttSettings const& settings, std::chrono::milliseconds timeToConnect = MqttClient::TimeToConnect)
@@ -49,7 +49,8 @@ public:
 
     bool AwaitState(MqttState state) const { return GetStatusIn(state).has_value(); }
 
-    /// The status once the client is in a state, which it may have left by then.
+    /// Waits until the client has reached a state and returns the status then; the client may already have left the
+    /// state.
     std::optional<MqttStatus> GetStatusIn(MqttState state) const {
         std::optional<MqttStatus> status;
         bool const came = test::Eventually([&] { return (status = client.GetStatus())->state == state; });
@@ -60,10 +61,10 @@ public:
         return test::Eventually([&] { return GetTaken().size() >= count; });
     }
 
-    /// Waits until the newest event is of this type and its message is counted. Returns the number of messages so far.
+    /// Waits until the newest event has this type and its message is counted. Returns the number of messages so far.
     std::uint64_t CountUpTo(std::string const& type) const {
         EXPECT_TRUE(test::Eventually([&] { return !GetTaken().empty() && GetTaken().back() == type; })) << type;
-        // Each message holds one event and is counted after the event is taken.
+        // Each message holds one event and is counted after the event is handled.
         auto const count = GetTaken().size();
         EXPECT_TRUE(AwaitReceived(count));
         return count;
@@ -169,7 +170,7 @@ TEST(MqttClient, ReconnectsWhenTheBrokerReturns) {
     EXPECT_TRUE(log.Contains("No connection to " + broker.GetUrl()));
 }
 
-/// A broker that knows the user "host" with the password "the right one".
+/// A broker with the user "host" and the password "the right one".
 class PasswordBroker {
 public:
     PasswordBroker() : broker(Protect()) {}
@@ -217,7 +218,7 @@ TEST(MqttClient, ReportsAWrongPasswordWithoutRepeatingIt) {
     EXPECT_TRUE(intake.AwaitState(MqttState::Connected));
 }
 
-/// A broker that speaks TLS, with a certificate of its own for localhost and 127.0.0.1.
+/// A TLS broker with its own certificate for localhost and 127.0.0.1.
 class TlsBroker {
 public:
     explicit TlsBroker(std::string address = "127.0.0.1")
@@ -281,7 +282,7 @@ TEST(MqttClientWithTls, ReportsARefusedConnection) {
     tls.broker.Stop();
     Intake intake(tls.For("127.0.0.1", tls.own.certificate));
     ASSERT_TRUE(intake.AwaitState(MqttState::Waiting));
-    EXPECT_THAT(intake.client.GetStatus().detail, StartsWith("connection: ")) << "not only when its time is over";
+    EXPECT_THAT(intake.client.GetStatus().detail, StartsWith("connection: ")) << "must fail at once, not by a timeout";
 }
 
 TEST(MqttClientWithTls, ReconnectsWhenTheBrokerReturns) {
@@ -320,7 +321,7 @@ TEST(MqttClient, FollowsAChangeOfTheTopic) {
         broker.Publish("site/1/events", R"({"type": "new"})");
         return !intake.GetTaken().empty();
     }));
-    // Whatever came between the change and its taking effect is taken before this one is.
+    // Events that arrived while the change took effect are counted before this one.
     broker.Publish("site/1/events", R"({"type": "settled"})");
     auto const before = intake.CountUpTo("settled");
     broker.Publish("events", R"({"type": "old"})");
@@ -406,7 +407,7 @@ TEST(MqttClient, ReportsARefusedConnection) {
     EXPECT_THAT(intake.client.GetStatus().detail, HasSubstr("connection: "));
 }
 
-/// Takes connections and says nothing.
+/// Accepts connections but never responds.
 class SilentServer {
 public:
     std::string GetAddress() const { return "127.0.0.1:" + std::to_string(acceptor.local_endpoint().port()); }
@@ -417,7 +418,7 @@ private:
 };
 
 TEST(MqttClient, StopsAtOnceInEveryState) {
-#ifdef ZARN_SANITIZED // reading the system's certificates takes longer, and cannot be broken off
+#ifdef ZARN_SANITIZED // loading the system's certificates is slow and cannot be interrupted
     constexpr auto limit = 10s;
 #else
     constexpr auto limit = MqttClient::TimeToConnect / 2;

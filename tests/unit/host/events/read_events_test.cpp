@@ -37,10 +37,10 @@ constexpr std::chrono::system_clock::time_point Now(std::chrono::seconds(1000));
 
 std::shared_ptr<Event> ReadOne(std::string const& text) { return ReadEvents(text, Now).at(0); }
 
-/// An event of a type with further fields.
+/// An event of a type, with additional fields.
 std::string With(std::string const& fields) { return R"({"type": "presence", )" + fields + "}"; }
 
-/// Why a text is refused; empty when it is not.
+/// The error for a text; empty when it is accepted.
 std::string GetRefusal(std::string const& text) {
     try {
         ReadEvents(text, Now);
@@ -50,7 +50,7 @@ std::string GetRefusal(std::string const& text) {
     }
 }
 
-/// A list of `count` elements.
+/// A list with `count` elements.
 std::string Repeat(std::string const& element, std::size_t count) {
     std::string list = "[";
     for (std::size_t i = 0; i < count; ++i) list += (i > 0 ? "," : "") + element;

@@ -28,7 +28,7 @@ protected:
                                                                  std::map<std::string, std::string>(), "", id));
     }
 
-    /// The answer to a request whose picture is this.
+    /// The answer to a request that receives this picture.
     zarn::web::response::Pending::Data Deliver(Snapshot snapshot) {
         auto const pending = Ask("1");
         requests.back().second(std::move(snapshot));

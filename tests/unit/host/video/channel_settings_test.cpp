@@ -31,7 +31,7 @@ protected:
         return root->Find("channels")->As<configuration::node::Dynamic>();
     }
 
-    /// The error of a call; empty when there is none.
+    /// The error message of a call; empty on success.
     template <class Call>
     static std::string GetError(Call const& call) {
         try {
@@ -102,7 +102,7 @@ TEST_F(ChannelSettingsTest, RefuseANameLongerThanClientsAccept) {
 
 TEST_F(ChannelSettingsTest, RefuseAnIdWhoseTokenIsLongerThanClientsAccept) {
     std::string const longest(55, '7');
-    std::string const expected = "channels: \"" + longest + "7\" is not the ID of a channel (at most 55 characters)";
+    std::string const expected = "channels: " + longest + "7 is not the ID of a channel (at most 55 characters)";
     EXPECT_EQ(GetError([&] { Read(R"({")" + longest + R"(": {}})"); }), "");
     EXPECT_EQ(GetError([&] { Read(R"({")" + longest + R"(7": {}})"); }), expected);
     EXPECT_EQ(GetError([&] { GetChannels().Add(longest + "7"); }), expected);

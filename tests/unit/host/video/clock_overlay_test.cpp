@@ -10,14 +10,14 @@ namespace {
 
 constexpr std::uint8_t Background = 100;
 
-/// A brightness plane whose rows are longer than its width.
+/// A luma plane with a stride larger than its width.
 struct Canvas {
     explicit Canvas(std::size_t width, std::size_t height)
         : samples((width + 3) * height, Background), width(width), height(height) {}
 
     Plane GetPlane() { return {samples, width + 3, width, height}; }
 
-    /// Rows as text: '#' bright, '.' dark, ' ' untouched.
+    /// Rows as text: '#' bright, '.' dark, ' ' unchanged.
     std::string Show(std::size_t row) const {
         std::string text;
         for (std::size_t column = 0; column < width + 3; ++column) {

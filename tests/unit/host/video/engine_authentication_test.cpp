@@ -1,3 +1,5 @@
+#include "support/digest_client.h"
+#include "support/raw_connection.h"
 #include "unit/host/video/video_test.h"
 
 #include <zarn/authentication/ha1.h>
@@ -8,9 +10,13 @@
 namespace zarn::host::video {
 namespace {
 
+using testing::AnyOf;
 using testing::HasSubstr;
 
-/// An engine whose streams are for "admin" with the password "right".
+/// How long a server may stay silent that does not answer. One that does answer needs far less.
+constexpr std::chrono::milliseconds Silence{200};
+
+/// An engine whose streams require the user "admin" with the password "right".
 class EngineAuthentication : public VideoTest {
 protected:
     EngineAuthentication() {
@@ -23,11 +29,27 @@ protected:
         return authentication::MakeHa1("admin", authentication::Realm, password);
     }
 
-    /// Empty when a picture came, else why not.
+    /// Empty when a picture was received, otherwise the failure.
     std::string TryToView(std::string const& user, std::string const& password) {
         Viewer viewer(GetUrl("1"), {.user = user, .password = password});
         if (viewer.Next()) return {};
         return viewer.GetFailure();
+    }
+
+    /// Asks for the description of the stream on a connection of its own.
+    test::RawResponse Describe(std::string const& fields = {}) {
+        return test::RawConnection(engine->GetPort())
+            .Exchange("DESCRIBE " + GetUrl("1") + " RTSP/1.0\r\nCSeq: 1\r\n" + fields + "\r\n");
+    }
+
+    /// The status of an answer to a challenge that was sent before on another connection.
+    unsigned AnswerTo(test::RawResponse const& challenged) {
+        test::DigestCredentials credentials{.password = "right", .nonce = test::ReadChallenge(challenged).at("nonce")};
+        credentials.method = "DESCRIBE";
+        credentials.uri = GetUrl("1");
+        credentials.algorithm.clear();
+        credentials.qop.clear();
+        return Describe("Authorization: " + credentials.Write() + "\r\n").status;
     }
 };
 
@@ -64,6 +86,37 @@ TEST_F(EngineAuthentication, KeepsExistingStreamsWhenThePasswordChanges) {
     ASSERT_TRUE(viewer.Next());
     engine->SetAuthentication(true, MakeHa1("new"));
     for (int count = 0; count < 15; ++count) ASSERT_TRUE(viewer.Next()) << viewer.GetFailure();
+}
+
+TEST_F(EngineAuthentication, KeepsItsChallengesWhenTheSameIsSetAgain) {
+    auto const challenged = Describe();
+    engine->SetAuthentication(true, MakeHa1("right"));
+    EXPECT_EQ(AnswerTo(challenged), 200U);
+}
+
+TEST_F(EngineAuthentication, ForgetsItsChallengesWhenThePasswordChanges) {
+    engine->SetAuthentication(true, MakeHa1("other"));
+    auto const challenged = Describe();
+    engine->SetAuthentication(true, MakeHa1("right"));
+    EXPECT_EQ(AnswerTo(challenged), 401U);
+}
+
+TEST_F(EngineAuthentication, IsRequiredAgainWithTheSamePasswordAfterItWasSwitchedOff) {
+    engine->SetAuthentication(false, MakeHa1("right"));
+    EXPECT_EQ(Describe().status, 200U);
+    engine->SetAuthentication(true, MakeHa1("right"));
+    EXPECT_EQ(Describe().status, 401U);
+}
+
+TEST_F(EngineAuthentication, AppliesToConnectionsOpenedBeforeTheSettings) {
+    engine = std::make_unique<Engine>(RtspSettings{.authenticate = true});
+    test::RawConnection connection(engine->GetPort());
+    connection.Send("DESCRIBE " + GetUrl("1") + " RTSP/1.0\r\nCSeq: 1\r\n\r\n");
+    EXPECT_FALSE(connection.IsClosedWithin(Silence));
+    EXPECT_FALSE(connection.HasUnread()) << "answered without settings";
+    engine->SetAuthentication(false, "");
+    engine->SetChannels({From("1", Small)});
+    EXPECT_THAT(connection.Read().status, AnyOf(200U, 503U)) << "neither 401 nor 404";
 }
 
 TEST_F(EngineAuthentication, AppliesFromTheStart) {

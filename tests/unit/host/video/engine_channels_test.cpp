@@ -67,7 +67,7 @@ TEST_F(EngineChannels, ReportTheActualFormatOfTheVideo) {
 TEST_F(EngineChannels, ReportTheAgeOfTheNewestFrame) {
     engine->SetChannels({From("1", Small)});
     ASSERT_TRUE(WaitForState("1", ChannelState::Running));
-    // A frame comes ten times a second: sooner or later one is seen soon after.
+    // Frames arrive ten times a second, so eventually one is observed soon after its arrival.
     EXPECT_TRUE(test::Eventually([&] { return GetStatus("1").frameAge.value() < 100ms; }));
 }
 

@@ -23,21 +23,21 @@ using rtsp::Connections;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-/// A bare connection to the RTSP port.
+/// A raw TCP connection to the RTSP port.
 class Peer {
 public:
     explicit Peer(std::uint16_t port) : socket(context) {
         socket.connect({boost::asio::ip::address_v4::loopback(), port});
     }
 
-    /// Sends as much as the connection takes; false when it is closed.
+    /// Sends until the connection blocks; false when it is closed.
     bool Send(std::string_view text) {
         boost::system::error_code error;
         boost::asio::write(socket, boost::asio::buffer(text.data(), text.size()), error);
         return !error;
     }
 
-    /// What comes until the connection is closed or nothing comes any more.
+    /// Everything received until the connection is closed or becomes idle.
     std::string Read(std::chrono::milliseconds patience = 200ms) {
         std::string text;
         while (Poll(patience)) {
@@ -50,7 +50,7 @@ public:
         return text;
     }
 
-    /// One answer without a body; less when none comes.
+    /// One response without a body; may be incomplete when no more data arrives.
     std::string ReadAnswer() {
         std::string text;
         while (!text.ends_with("\r\n\r\n") && Poll(Deadline)) {
@@ -62,14 +62,14 @@ public:
         return text;
     }
 
-    /// True when the server closes the connection within the time.
+    /// True if the server closes the connection within the time.
     bool IsClosed(std::chrono::milliseconds patience) {
         std::array<char, 4096> part{};
         boost::system::error_code error;
         return Poll(patience) && (socket.read_some(boost::asio::buffer(part), error), error);
     }
 
-    /// Ends what another thread is sending.
+    /// Aborts a send in progress on another thread.
     void ShutDown() { shutdown(socket.native_handle(), SHUT_RDWR); }
 
 private:

@@ -11,7 +11,7 @@ using namespace std::chrono_literals;
 
 class EngineSnapshot : public VideoTest {
 protected:
-    /// How many pixels of two pictures differ clearly.
+    /// Number of pixels that differ clearly between two pictures.
     static int CountDifferences(Picture const& one, Picture const& other) {
         int count = 0;
         for (std::size_t index = 0; index < one.brightness.size(); ++index) {
@@ -57,7 +57,7 @@ TEST_F(EngineSnapshot, UsesTheFullRangeOfBrightness) {
 
 TEST_F(EngineSnapshot, SharesOnePictureBetweenRequestsAtTheSameTime) {
     engine->SetChannels({From("1", "test:ball?width=128&height=96&rate=10")});
-    // Repeats, because on a stalled machine the picture may grow too old to be shared.
+    // Retries, because on a stalled machine the picture may become too old to be shared.
     EXPECT_TRUE(test::Eventually([&] {
         auto const one = WaitForSnapshot("1");
         auto const other = TakeSnapshot("1");

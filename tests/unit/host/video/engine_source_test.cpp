@@ -19,11 +19,11 @@ using namespace std::chrono_literals;
 using meta::data::VideoInfo;
 using testing::HasSubstr;
 
-/// A file of one second, and what the engine makes of it.
+/// A one-second video file, and the engine's output for it.
 struct Kind {
-    std::string name;   ///< of the file
-    std::string coding; ///< launch line from raw pictures to the file's format
-    std::string codec;  ///< of the stream
+    std::string name;   ///< file name
+    std::string coding; ///< launch line from raw video to the file format
+    std::string codec;  ///< expected codec of the stream
 };
 
 std::ostream& operator<<(std::ostream& stream, Kind const& kind) { return stream << kind.name; }
@@ -48,7 +48,7 @@ TEST_P(EngineFile, LoopsInRealTime) {
         return engine->Describe("1") == VideoInfo({128, 96}, GetParam().codec, 20, 1);
     })) << engine->Describe("1").GetFrameRateNumerator();
     Viewer viewer(GetUrl("1"));
-    // No gap at the end of the file. The engine drops pictures when the machine cannot keep up: then try again.
+    // No gap at the end of the file. The engine drops pictures when the machine is too slow; then retry.
     auto gap = std::chrono::nanoseconds::max();
     test::Eventually(
         [&] {
@@ -68,7 +68,7 @@ TEST_P(EngineFile, LoopsInRealTime) {
         },
         25s);
     EXPECT_LE(gap, 55ms);
-    EXPECT_GE(std::chrono::steady_clock::now() - begin, 2500ms); // the file was not played faster than it should be
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, 2500ms); // the file was played in real time
     EXPECT_EQ(GetStatus("1").restarts, 0);
     EXPECT_EQ(WaitForSnapshot("1").error, SnapshotError::None);
 }
@@ -141,10 +141,10 @@ TEST_F(EngineSource, IsLoggedOnceForEachChange) {
                 testing::ElementsAre(HasSubstr("late.mp4 failed"), HasSubstr("running, video/x-h264 128x96 20/1")));
 }
 
-/// A second engine is the camera.
+/// A second engine serves as the camera.
 class EngineCamera : public VideoTest {
 protected:
-    /// Starts the camera, always at the same port.
+    /// Starts the camera, always on the same port.
     void StartCamera(std::string const& source) {
         camera = std::make_unique<Engine>(
             RtspSettings{port.Get(), true, authentication::MakeHa1("admin", authentication::Realm, "secret")});
@@ -152,7 +152,7 @@ protected:
         ASSERT_TRUE(test::Eventually([&] { return camera->GetStatus().front().state == ChannelState::Running; }));
     }
 
-    /// The camera as a source.
+    /// The source setting for the camera.
     ChannelSettings FromCamera(std::string const& password = "secret") const {
         auto settings = From("1", "rtsp://127.0.0.1:" + std::to_string(camera->GetPort()) + "/channels/1");
         settings.user = "admin";

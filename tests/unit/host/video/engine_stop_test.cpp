@@ -51,7 +51,7 @@ TEST_F(EngineStop, EndsTheStreamsInTime) {
 }
 
 TEST_F(EngineStop, DoesNotWaitForSourcesBeingOpened) {
-    // Nobody answers at 192.0.2.1, an address for documentation.
+    // 192.0.2.1 is a documentation address without a host.
     engine->SetChannels({From("1", "rtsp://192.0.2.1/stream"), From("2", folder / "missing.mp4"), From("3", Small)});
     EXPECT_LT(MeasureStop(), StopLimit);
 }
@@ -71,7 +71,7 @@ TEST_F(EngineStop, DoesNotWaitForTheRetryPause) {
     EXPECT_LT(MeasureStop(), StopLimit);
 }
 
-/// A source whose opening never ends while nobody writes into it.
+/// A source whose open() blocks because the pipe has no writer.
 class EngineHang : public EngineStop {
 protected:
     EngineHang() { mkfifo(path.c_str(), 0600); }
@@ -87,16 +87,16 @@ protected:
         engine.reset();
     }
 
-    /// Waits until the channel's thread sits in the opening: the state alone would not tell.
+    /// Waits until the channel's thread blocks in open(), which the channel's state does not show.
     static bool AwaitHang() {
         return test::Eventually([] { return CountOpening() > 0; });
     }
 
-    /// The threads of this process that wait within the opening of a file.
+    /// Number of threads in this process that block in open().
     static std::ptrdiff_t CountOpening() {
         auto const number = std::to_string(SYS_openat) + ' ';
         return std::ranges::count_if(std::filesystem::directory_iterator("/proc/self/task"), [&](auto const& task) {
-            std::string call; // the number of the system call in which it waits; "running" otherwise
+            std::string call; // starts with the number of the blocking system call, or "running"
             std::getline(std::ifstream(task.path() / "syscall"), call);
             return call.starts_with(number);
         });
@@ -125,7 +125,7 @@ TEST_F(EngineStop, ReportsAFailedThreadStart) {
     test::ThreadFailure const failure;
     try {
         Engine const next({0, false, ""});
-        FAIL() << "the engine runs";
+        FAIL() << "the engine started";
     } catch (std::runtime_error const& error) {
         EXPECT_THAT(error.what(), HasSubstr("the video engine cannot be started"));
     }
@@ -150,7 +150,7 @@ TEST_F(EngineStop, NamesThePortThatCannotBeBound) {
     auto const port = engine->GetPort();
     try {
         Engine const next({port, false, ""});
-        FAIL() << "the port was bound twice";
+        FAIL() << "a second engine bound the same port";
     } catch (std::runtime_error const& error) {
         EXPECT_THAT(error.what(), HasSubstr("RTSP port " + std::to_string(port)));
     }

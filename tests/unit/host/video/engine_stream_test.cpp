@@ -59,7 +59,7 @@ TEST_F(EngineStream, ContinuesInRealTime) {
     auto const begin = std::chrono::steady_clock::now();
     engine->SetChannels({From("1", Small)});
     ASSERT_TRUE(WaitForState("1", ChannelState::Running));
-    Viewer viewer(GetUrl("1")); // what was kept from before comes faster
+    Viewer viewer(GetUrl("1")); // buffered pictures arrive faster at first
     for (int count = 0; count < 20; ++count) ASSERT_TRUE(viewer.Next());
     EXPECT_GE(std::chrono::steady_clock::now() - begin, 1800ms);
 }
@@ -69,7 +69,7 @@ TEST_F(EngineStream, ShowsEveryViewerItsFirstPictureSoon) {
     ASSERT_TRUE(WaitForState("1", ChannelState::Running));
     Viewer first(GetUrl("1"));
     ASSERT_TRUE(first.Next());
-    // Repeats, because a busy machine may delay a viewer.
+    // Retries, because a busy machine may delay a viewer.
     EXPECT_TRUE(test::Eventually([this] {
         auto const begin = std::chrono::steady_clock::now();
         Viewer second(GetUrl("1"));

@@ -14,7 +14,7 @@ TEST(Pipeline, FindsItsSinkOnlyOnceItHasStarted) {
     ASSERT_NE(pipeline.AddText(std::string("videotestsrc ! appsink async=false name=") + SinkName), nullptr);
     auto const sink = pipeline.FindSink();
     ASSERT_TRUE(sink);
-    EXPECT_TRUE(gst_app_sink_is_eos(GST_APP_SINK(sink.get()))); // although nothing has ended
+    EXPECT_TRUE(gst_app_sink_is_eos(GST_APP_SINK(sink.get()))); // although the stream has not ended
     EXPECT_FALSE(pipeline.FindStartedSink());
     pipeline.Play();
     EXPECT_EQ(pipeline.FindStartedSink().get(), sink.get());

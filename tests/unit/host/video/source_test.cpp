@@ -81,7 +81,7 @@ TEST(ParseSource, ReadsDevicesAndFiles) {
 
 struct Wrong {
     std::string source;
-    std::string error; ///< part of it
+    std::string error; ///< expected part of the message
 };
 
 std::ostream& operator<<(std::ostream& stream, Wrong const& wrong) { return stream << wrong.source; }

@@ -27,7 +27,7 @@ protected:
         return answer;
     }
 
-    /// Asks again when the video has grown too old before the request, as it may on a stalled machine.
+    /// Retries when the video was too old at the time of the request, as can happen on a stalled machine.
     static void WaitUntilInTime(std::function<Snapshot()> const& ask) {
         EXPECT_TRUE(test::Eventually([&] { return ask().error != Error::NoFrame; }));
     }

@@ -11,10 +11,10 @@
 
 namespace zarn::host::video {
 
-/// A stream that a test publishes to by hand.
+/// A stream to which a test publishes directly.
 class StreamTest : public testing::Test {
 protected:
-    /// Publishes an access unit of this many zero bytes, as if it had come `age` ago.
+    /// Publishes an access unit of `size` zero bytes that arrived `age` ago.
     void Publish(bool isKey, std::size_t size = 10, std::chrono::milliseconds age = {}) {
         auto unit = std::make_shared<AccessUnit>();
         unit->data.reset(gst_buffer_new_allocate(nullptr, size, nullptr));
@@ -27,14 +27,14 @@ protected:
         stream->Publish(std::move(unit));
     }
 
-    /// Tells the stream its format.
+    /// Sets the stream's format.
     bool
     SetFormat(std::string const& caps = "video/x-h264,stream-format=byte-stream,alignment=au,width=128,height=96") {
         MiniHandle<GstCaps> const parsed(gst_caps_from_string(caps.c_str()));
         return stream->SetFormat(*ReadFormat(parsed.get()));
     }
 
-    /// Publishes pictures of real test video.
+    /// Publishes frames of real test video.
     void PublishVideo(int count) {
         Producer producer(*ParseSource("test:ball?width=128&height=96&rate=30").source, {});
         while (count > 0) {

@@ -12,7 +12,7 @@ using meta::data::VideoInfo;
 
 class StreamViewed : public StreamTest {
 protected:
-    /// The media of a viewer: from an application source straight to an application sink.
+    /// A viewer's media pipeline: from an application source directly to an application sink.
     StreamViewed() {
         media.AddText(std::string("appsrc format=time max-bytes=0 name=") + FeedName +
                       " ! appsink sync=false async=false max-buffers=1 name=" + SinkName);
@@ -22,7 +22,7 @@ protected:
         return ObjectHandle<GstElement>(gst_bin_get_by_name(media.GetBin(), FeedName));
     }
 
-    /// Size of the next access unit that the viewer gets; 0 when none comes.
+    /// Size of the viewer's next access unit; 0 when none arrives.
     std::size_t Take(GstClockTime timeout = 60 * GST_SECOND) {
         auto const sink = media.FindSink();
         MiniHandle<GstSample> const sample(gst_app_sink_try_pull_sample(GST_APP_SINK(sink.get()), timeout));
@@ -81,7 +81,7 @@ TEST_F(StreamViewed, ResumesASlowViewerAtAKeyFrame) {
     for (std::size_t index = 1; index < 4; ++index) EXPECT_EQ(Take(), Large + index);
     Publish(false, 12);
     Publish(true, 13);
-    EXPECT_EQ(Take(), 13); // more than 16 MiB did not wait, and what is no key frame did not come
+    EXPECT_EQ(Take(), 13); // drops a backlog above 16 MiB, then resumes at a key frame
     Publish(false, 14);
     EXPECT_EQ(Take(), 14);
 }

@@ -56,11 +56,11 @@ std::filesystem::path MakeFolder() {
 class Viewer::Impl {
 public:
     Impl(std::string const& url, ViewerOptions const& options) {
-        // buffer-mode=none: the times are those that the server sent.
+        // buffer-mode=none keeps the timestamps sent by the server.
         auto text = "rtspsrc latency=100 buffer-mode=none location=" + url + " protocols=" + options.transport;
         if (!options.user.empty()) text += " user-id=" + options.user + " user-pw=\"" + options.password + "\"";
         text += options.decode ? " ! decodebin ! " + std::string(ToGray) : " ! parsebin ! ";
-        // Not Pipeline::AddText(): the pads of rtspsrc come later, so the decoder must not be taken for an open end.
+        // Not Pipeline::AddText(): rtspsrc adds its pads later, so the decoder must not be treated as an open end.
         gst_bin_add(pipeline.GetBin(), gst_parse_bin_from_description((text + MakeSink(true)).c_str(), FALSE, nullptr));
         sink = pipeline.FindSink();
         pipeline.Play();
@@ -129,6 +129,7 @@ ChannelSettings From(std::string id, std::string source) {
 VideoTest::VideoTest() : folder(MakeFolder()) {
     g_log_set_always_fatal(static_cast<GLogLevelFlags>(G_LOG_FATAL_MASK | G_LOG_LEVEL_CRITICAL));
     engine = std::make_unique<Engine>(RtspSettings());
+    engine->SetChannels({});
 }
 
 VideoTest::~VideoTest() {

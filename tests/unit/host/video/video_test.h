@@ -16,17 +16,17 @@
 
 namespace zarn::host::video {
 
-/// Long enough for a loaded machine under a sanitizer; nothing waits for it that goes well.
+/// Long enough for a loaded machine under a sanitizer; only failing tests wait this long.
 inline constexpr std::chrono::seconds Deadline{30};
 
-/// A source of test video that costs little.
+/// An inexpensive test video source.
 inline constexpr char Small[] = "test:ball?width=128&height=96&rate=10";
 
-/// For what takes about a second, with room for a busy machine. Below the five seconds for which a source waits for its
-/// server: a stop that waited for it, too, would take longer.
+/// For operations that take about a second, with a margin for a busy machine. Less than the five seconds for which a
+/// source waits for its server, so that a stop that waits for it exceeds the limit.
 inline constexpr std::chrono::seconds StopLimit{4};
 
-/// A decoded picture: one byte of brightness per pixel.
+/// A decoded picture: one luma byte per pixel.
 struct Picture {
     int width = 0;
     int height = 0;
@@ -34,15 +34,15 @@ struct Picture {
     std::chrono::nanoseconds time{0};
 };
 
-/// How a viewer comes.
+/// How a viewer connects.
 struct ViewerOptions {
     std::string user = {};
     std::string password = {};
     std::string transport = "tcp";
-    bool decode = true; ///< without it only the coded pictures are counted: Picture has a time and a size of 0 x 0
+    bool decode = true; ///< false: count encoded pictures only; each Picture has a time and a size of 0 x 0
 };
 
-/// An RTSP client that decodes what it gets.
+/// An RTSP client that decodes the stream.
 class Viewer {
 public:
     explicit Viewer(std::string const& url, ViewerOptions const& options = {});
@@ -50,13 +50,13 @@ public:
     Viewer(Viewer const&) = delete;
     Viewer& operator=(Viewer const&) = delete;
 
-    /// The next picture; none when there will be none, or none within the time.
+    /// The next picture; nullopt at the end of the stream or on timeout.
     std::optional<Picture> Next(std::chrono::milliseconds timeout = Deadline);
 
-    /// True when the stream has ended or failed.
+    /// True if the stream has ended or failed.
     bool HasEnded() const;
 
-    /// Why the viewer got nothing; empty when nothing failed.
+    /// The viewer's error; empty when nothing failed.
     std::string GetFailure() const;
 
 private:
@@ -67,13 +67,14 @@ private:
 /// Decodes a JPEG file.
 std::optional<Picture> DecodeJpeg(std::string_view jpeg);
 
-/// Runs a GStreamer launch line to its end; false when it fails.
+/// Runs a GStreamer launch line to the end; false when it fails.
 bool RunToEnd(std::string const& launchLine);
 
-/// Settings of a channel with a source.
+/// Settings of a channel with this source.
 ChannelSettings From(std::string id, std::string source);
 
-/// The fixture: an engine without authentication, a temporary folder, and no tolerance for critical messages of GLib.
+/// The fixture: an engine without authentication or channels, a temporary folder, and no tolerance for critical
+/// messages of GLib.
 class VideoTest : public testing::Test {
 protected:
     VideoTest();
@@ -85,17 +86,17 @@ protected:
     /// Waits until a channel is in a state.
     bool WaitForState(std::string const& id, ChannelState state);
 
-    /// Waits until a channel's source fails; returns the reason, empty if it does not fail. The channel may already be
-    /// retrying.
+    /// Waits until a channel's source fails. Returns the reason, or an empty text when it does not fail. The channel
+    /// may already be retrying.
     std::string AwaitFailure(std::string const& id);
 
-    /// The status of a channel; it must be there.
+    /// The status of an existing channel.
     ChannelStatus GetStatus(std::string const& id) const;
 
-    /// Asks for a snapshot and waits for it.
+    /// Requests a snapshot and waits for it.
     Snapshot TakeSnapshot(std::string const& id);
 
-    /// Asks for a snapshot until there is one.
+    /// Requests snapshots until one is available.
     Snapshot WaitForSnapshot(std::string const& id);
 
     std::filesystem::path folder;

@@ -13,7 +13,7 @@ namespace zarn::host::web {
 namespace {
 
 using namespace std::chrono_literals;
-using authentication::DigestCredentials;
+using authentication::DigestUse;
 using testing::Eq;
 using testing::Optional;
 
@@ -54,7 +54,7 @@ TEST(Nonces, OfAnotherLengthAreNotRecognised) {
     EXPECT_THAT(nonces.GetTime(nonces.Make(Start).substr(1)), Eq(std::nullopt));
 }
 
-DigestCredentials const Response{.nonce = "n", .nc = "00000001", .cnonce = "c"};
+DigestUse const Response{.nonce = "n", .nc = "00000001", .cnonce = "c"};
 
 TEST(UsedResponses, TakeAResponseOnce) {
     UsedResponses used;
@@ -66,7 +66,7 @@ TEST(UsedResponses, TakeAResponseOnce) {
 TEST(UsedResponses, TellResponsesApartByEachPart) {
     UsedResponses used;
     EXPECT_TRUE(used.Add(Response, Start, Start));
-    for (auto const part : {&DigestCredentials::nonce, &DigestCredentials::nc, &DigestCredentials::cnonce}) {
+    for (auto const part : {&DigestUse::nonce, &DigestUse::nc, &DigestUse::cnonce}) {
         auto other = Response;
         other.*part = "other";
         EXPECT_TRUE(used.Add(other, Start, Start));
@@ -102,7 +102,7 @@ TEST(UsedResponses, AreForgottenSoonAfterwards) {
     EXPECT_EQ(used.GetSize(), 1U);
 }
 
-/// Adds one response each second, for as many seconds.
+/// Adds `seconds` responses, one per second.
 void Fill(UsedResponses& used, int seconds) {
     for (int second = 0; second < seconds; ++second) {
         auto const nonce = std::to_string(second);

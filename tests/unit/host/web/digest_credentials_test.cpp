@@ -72,7 +72,7 @@ constexpr char Example[] = R"(Digest username="Mufasa", realm="testrealm@host.co
 
 constexpr char Ha1[] = "939e7578ed9e3c518a452acee763bce9";
 
-/// An engine whose account has the password of the example.
+/// An engine whose account has the password from the example.
 struct Engine : ZarnAuthenticationEngine {
     Engine() { SetHa1(Ha1); }
 };

@@ -18,7 +18,7 @@ using testing::MatchesRegex;
 using testing::Not;
 using Method = test::TestRequest::Method;
 
-/// What a client says; the answer is made of it.
+/// The client's digest parameters, from which its response is computed.
 struct Answer {
     std::string user = "admin";
     std::string password = "secret";
@@ -34,7 +34,7 @@ class DigestTest : public testing::Test {
 protected:
     DigestTest() { engine.SetHa1(authentication::MakeHa1("admin", authentication::Realm, "secret")); }
 
-    /// The challenge for a request; empty when it is let through.
+    /// The challenge for a request; empty when the request is accepted.
     std::string Ask(std::string const& authorization, std::string const& target = "/snapshot/1/latest.jpeg",
                     Method method = Method::Get) const {
         test::TestRequest const request(method, target, {{"authorization", authorization}});
@@ -63,7 +63,7 @@ protected:
         return text + answer.further;
     }
 
-    /// The module's refusal of a request, with the challenge that takes the place of its own.
+    /// The challenge that replaces the module's own in its refusal of a request.
     std::string Challenge(std::string const& authorization, std::string const& target = "/onvif/a") const {
         test::TestRequest const request(Method::Post, target, {{"authorization", authorization}});
         auto const data =

@@ -18,7 +18,7 @@ using zarn::web::response::State;
 
 auto const Peer = boost::asio::ip::make_address("192.0.2.1");
 
-/// Answers what its test says.
+/// A service whose answer is set by the test.
 class Scripted final : public zarn::web::Service {
 public:
     std::function<Response()> script = [] { return MakeTextResponse(Status::Ok, "served"); };
@@ -146,7 +146,7 @@ TEST_F(GuessingTest, ExcludesStaleNonces) {
 }
 
 TEST_F(GuessingTest, IsNotHiddenByARealmContainingStale) {
-    // The realm of the challenge is the text of the one who guesses.
+    // The attacker controls the realm text in the challenge.
     Refuse({{"WWW-Authenticate", "Digest realm=\"stale=true\", nonce=\"1\""}});
     Guess(4, "Digest username=\"admin\"");
     EXPECT_EQ(Ask("Digest username=\"admin\""), Status::TooManyRequests);

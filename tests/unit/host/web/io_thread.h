@@ -7,7 +7,7 @@
 
 namespace zarn::host::web {
 
-/// An I/O context that runs on a thread of its own.
+/// An I/O context that runs on its own thread.
 class IoThread {
 public:
     IoThread() = default;

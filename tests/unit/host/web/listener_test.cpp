@@ -24,7 +24,7 @@ TEST(Listener, NamesThePortThatItCannotBind) {
     Listener const first(io, 0);
     try {
         Listener const second(io, first.GetPort());
-        FAIL() << "bound twice";
+        FAIL() << "a second listener bound the same port";
     } catch (std::runtime_error const& error) {
         EXPECT_EQ(error.what(),
                   "web port " + std::to_string(first.GetPort()) + " cannot be bound: Address already in use");

@@ -25,11 +25,11 @@ using Clock = std::chrono::steady_clock;
 
 constexpr auto Patience = 60s;
 
-/// More questions than a young response gets: the pauses between them grow by an eighth from 50 us up to an age of 20
-/// ms.
+/// More queries than a young response receives: the interval grows by an eighth from 50 us until the response is 20 ms
+/// old.
 constexpr int QuestionsOfTheYoung = 50;
 
-/// A response that is ready when its test says so.
+/// A response that becomes ready when the test says so.
 struct Work {
     std::atomic<bool> ready = false;
     std::atomic<int> questions = 0;
@@ -132,7 +132,7 @@ TEST_F(PendingTickerTest, GivesUpAfterTheResponsesOwnTimeOut) {
 }
 
 TEST_F(PendingTickerTest, PollsANewResponseOften) {
-    // Repeats, because a busy machine may not manage it at once.
+    // Retries, because a busy machine may miss the deadline.
     EXPECT_TRUE(test::Eventually([this] {
         auto const work = std::make_shared<Work>();
         auto const begun = Clock::now();

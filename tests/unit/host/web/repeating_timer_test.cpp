@@ -55,7 +55,7 @@ TEST_F(RepeatingTimerTest, MakesNoCallOnceStopped) {
     ASSERT_TRUE(AwaitCalls(3));
     Run([this] { timer.Stop(); });
     int const called = calls;
-    // A timer that runs out later than the next call would be due.
+    // A timer that expires after the next call would be due.
     std::promise<void> later;
     boost::asio::steady_timer pause(io.GetContext(), 5 * Interval);
     pause.async_wait([&](boost::system::error_code) { later.set_value(); });

@@ -12,7 +12,7 @@ namespace {
 
 namespace http = boost::beast::http;
 
-/// The status that a header is refused with; 0 when it is not.
+/// The status with which a header is refused; 0 when it is accepted.
 unsigned Check(std::string const& header) {
     RequestParser parser;
     parser.header_limit(1000000);

@@ -8,7 +8,7 @@ namespace {
 struct PathCase {
     char const* pattern;
     char const* path;
-    std::optional<std::string_view> segment; ///< none: the path does not match
+    std::optional<std::string_view> segment; ///< nullopt: the path does not match
 };
 
 TEST(Router, MatchesPathsWithPatterns) {

@@ -22,7 +22,7 @@ using Clock = std::chrono::steady_clock;
 
 class ServerBounds : public ServerTest {
 protected:
-    /// The status of the answer to these bytes, after which the connection has to end.
+    /// Status of the response to these bytes; expects that the connection closes afterwards.
     unsigned Refusal(std::string const& bytes) {
         auto connection = Connect();
         auto const response = connection.Exchange(bytes);
@@ -31,8 +31,8 @@ protected:
         return response.status;
     }
 
-    /// A connection on which these bytes have been sent and `hasBegun` holds. On a slow machine a server with short
-    /// limits may end the connection before the bytes arrive: then it is another one.
+    /// Sends these bytes and returns the connection once `hasBegun` holds. Retries on a new connection, because on a
+    /// slow machine a server with short limits may close one before the bytes arrive.
     std::unique_ptr<RawConnection> Begin(std::string const& bytes,
                                          std::function<bool(RawConnection&)> const& hasBegun) {
         for (int i = 0; i < 20; ++i) {
@@ -43,7 +43,7 @@ protected:
         throw std::runtime_error("the server ends every connection before a request");
     }
 
-    /// A connection on which a first request has been answered, with its answer.
+    /// A connection after its first response, and that response.
     std::pair<std::unique_ptr<RawConnection>, RawResponse> BeginAnswered(std::string const& bytes) {
         std::optional<RawResponse> response;
         auto connection = Begin(bytes, [&](RawConnection& each) { return (response = each.ReadIfAny()).has_value(); });
@@ -168,7 +168,7 @@ TEST_F(ServerBounds, KeepAConnectionThatWaitsForItsResponse) {
         return admission->GetExchanges() == 1;
     });
     auto later = Connect();
-    EXPECT_TRUE(later.IsClosedWithin(Patience)) << "the time of connections that wait is not over";
+    EXPECT_TRUE(later.IsClosedWithin(Patience)) << "the idle limit has not expired";
     EXPECT_FALSE(connection->IsClosedWithin(0ms));
     Release();
     EXPECT_EQ(connection->Read().body, "waited");
@@ -193,7 +193,7 @@ TEST_F(ServerBounds, KeepSlowClientsFromHoldingUpOthers) {
         slow.back()->Send("GET /big HTTP/1.1\r\nHost: h\r\n\r\n");
     }
     EXPECT_EQ(Connect().Exchange(Echo()).status, 200U);
-    EXPECT_GE(admission->GetConnections(), slow.size()) << "it waited for slow ones to end";
+    EXPECT_GE(admission->GetConnections(), slow.size()) << "the server waited for slow clients";
 }
 
 TEST_F(ServerBounds, LimitTheTotalNumberOfConnections) {

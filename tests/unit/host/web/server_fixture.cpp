@@ -61,7 +61,7 @@ public:
 
 private:
     std::size_t const size;
-    std::once_flag made; ///< on demand: most tests do not need the buffer, which takes longer than they do
+    std::once_flag made; ///< on demand: most tests do not need the expensive buffer
     std::shared_ptr<container::Buffer> buffer;
 };
 

@@ -12,11 +12,11 @@
 
 namespace zarn::host::web {
 
-/// A web server on loopback with three services: `/echo/` answers a POST with target, body and the names of the fields
-/// it got, in lines; `/wait` answers when the test says so; `/big` answers a GET with BigSize bytes.
+/// A web server on loopback with three services: `/echo/` answers a POST with the target, the body and the names of the
+/// received fields, one per line; `/wait` answers when the test releases it; `/big` answers a GET with BigSize bytes.
 class ServerTest : public testing::Test {
 protected:
-    /// How long to wait for what has to happen: long enough for an overloaded machine.
+    /// Timeout for events that must happen, even on an overloaded machine.
     static constexpr std::chrono::seconds Patience{60};
 
     static constexpr std::size_t BigSize = 32 * 1024 * 1024;
@@ -28,21 +28,21 @@ protected:
 
     test::RawConnection Connect() const { return test::RawConnection(port, Patience); }
 
-    /// A POST to /echo/a with these further fields and this body.
+    /// A POST to /echo/a with additional fields and this body.
     static std::string Echo(std::string const& body = "hello", std::string const& fields = {});
 
     static constexpr char const* Wait = "GET /wait HTTP/1.1\r\nHost: h\r\n\r\n";
 
-    /// Waits until the server has as many exchanges under way; false when it does not within Patience.
+    /// Waits until the server has `count` exchanges in progress; false after Patience.
     bool AwaitExchanges(std::size_t count) const;
     bool AwaitConnections(std::size_t count) const;
 
-    /// Lets the responses of /wait become ready.
+    /// Makes the responses of /wait ready.
     void Release() { *released = true; }
 
     std::shared_ptr<std::atomic<bool>> released = std::make_shared<std::atomic<bool>>(false);
     std::shared_ptr<Admission> admission = std::make_shared<Admission>();
-    std::chrono::milliseconds lastRequestTime = Patience; ///< of the server that Start makes
+    std::chrono::milliseconds lastRequestTime = Patience; ///< last request time of the server started by Start
     boost::asio::io_context io;
     std::uint16_t port = 0;
     std::unique_ptr<Server> server;

@@ -25,12 +25,12 @@ using test::RawConnection;
 using test::TemporaryFolder;
 namespace ssl = boost::asio::ssl;
 
-/// A request whose client sends the body once it has read `Continue`.
+/// A request whose client sends the body after it has read `Continue`.
 constexpr std::string_view EchoThatAsksToContinue =
     "POST /echo/a HTTP/1.1\r\nHost: h\r\nExpect: 100-continue\r\nContent-Length: 5\r\n\r\n";
 constexpr std::string_view Continue = "HTTP/1.1 100 Continue\r\n\r\n";
 
-/// A client over TLS that takes any certificate.
+/// A TLS client that accepts any certificate.
 class TlsConnection {
 public:
     explicit TlsConnection(std::uint16_t port) {
@@ -40,7 +40,7 @@ public:
 
     void Send(std::string const& bytes) { boost::asio::write(stream, boost::asio::buffer(bytes)); }
 
-    /// What comes up to the end of this text; throws when the connection ends before.
+    /// Reads up to and including this text; throws when the connection ends first.
     std::string ReadUpTo(std::string const& end) {
         auto const size = boost::asio::read_until(stream, boost::asio::dynamic_buffer(received), end);
         auto text = received.substr(0, size);
@@ -55,10 +55,10 @@ private:
     std::string received;
 };
 
-/// A server that goes to another port, or takes to TLS, while it serves.
+/// A server that changes its port or switches to TLS while it serves.
 class ServerMove : public ServerTest {
 protected:
-    /// Goes to a free port; returns the former one.
+    /// Moves to a free port; returns the previous one.
     std::uint16_t Move() {
         Listener listener(io, 0);
         auto const former = std::exchange(port, listener.GetPort());
@@ -117,7 +117,7 @@ TEST_F(ServerMove, LosesNoRequestOnceItHasBegun) {
                 try {
                     connection.emplace(present, Patience);
                 } catch (std::exception const&) {
-                    continue; // it has just moved away
+                    continue; // the server has just moved
                 }
                 try {
                     connection->Send(EchoThatAsksToContinue);
@@ -221,7 +221,7 @@ TEST_F(ServerMove, FinishesActiveRequestsWhenTheCertificateIsRenewed) {
     Release();
     auto const head = waiting.ReadUpTo("waited");
     EXPECT_THAT(head, testing::StartsWith("HTTP/1.1 200 OK"));
-    EXPECT_THAT(head, testing::Not(testing::HasSubstr("close"))) << "both ends go on with what they have agreed on";
+    EXPECT_THAT(head, testing::Not(testing::HasSubstr("close"))) << "the existing TLS session must stay open";
     waiting.Send(Echo("again"));
     EXPECT_THAT(waiting.ReadUpTo("again"), testing::StartsWith("HTTP/1.1 200 OK"));
 }

@@ -49,7 +49,7 @@ TEST_F(ServerStop, DoesNotWaitForItsClients) {
     ASSERT_TRUE(AwaitConnections(5));
     auto const begun = Clock::now();
     server->Stop(100ms);
-    EXPECT_LT(Clock::now() - begun, Limits().headerTime / 2) << "it waits for its clients";
+    EXPECT_LT(Clock::now() - begun, Limits().headerTime / 2) << "the server waited for its clients";
 }
 
 TEST_F(ServerStop, IsHarmlessTwice) {
@@ -65,7 +65,7 @@ TEST_P(ServerStopWithoutThreads, LeavesNothingBehind) {
     test::ThreadFailure const failure(GetParam());
     try {
         Start();
-        FAIL() << "the server runs";
+        FAIL() << "the server started";
     } catch (std::runtime_error const& error) {
         EXPECT_THAT(error.what(), testing::HasSubstr("a thread of the web server cannot be started"));
     }

@@ -98,12 +98,12 @@ TEST(Tls, RefusesAnEncryptedKey) {
     EXPECT_THAT(GetError(files.certificate, folder / "locked"), HasSubstr("/locked"));
 }
 
-/// A TLS server on loopback and clients of it.
+/// A TLS server on loopback and its clients.
 class TlsServerTest : public ServerTest {
 protected:
     TlsServerTest() { Start({}, MakeTlsContext(files.certificate, files.key)); }
 
-    /// The status line that a request over TLS is answered with; throws when there is no connection.
+    /// The status line of the response over TLS; throws when the connection fails.
     std::string Ask(int version) const {
         boost::asio::io_context client;
         ssl::context context(ssl::context::tls_client);

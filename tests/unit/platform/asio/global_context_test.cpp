@@ -22,7 +22,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// Runs a function on the context's thread and waits for its end.
+/// Runs a function on the context's thread, waits for it and returns its result.
 template <class Function>
 auto Ask(GlobalContext const& handle, Function function) {
     std::packaged_task<decltype(function())()> task(std::move(function));
@@ -31,7 +31,7 @@ auto Ask(GlobalContext const& handle, Function function) {
     return result.get();
 }
 
-/// Tells when the context's thread has ended: its thread-local state goes with it.
+/// Detects the end of the context's thread by the destruction of a thread-local object.
 class ThreadEnd {
 public:
     explicit ThreadEnd(GlobalContext const& handle) {
@@ -53,10 +53,10 @@ private:
     std::shared_ptr<std::atomic<bool>> ended = std::make_shared<std::atomic<bool>>(false);
 };
 
-/// Leaves a handle to a handler, which lets go of it and then calls `then`. It is the last one when nobody else has
-/// one: the handler waits until the one with which it was posted has gone.
+/// Makes a handler the owner of the last handle. The handler waits until the handle used to post it is destroyed, then
+/// releases its own and calls `then`.
 ///
-/// prepare  called with the handle before
+/// prepare  called with the handle before the handler is posted
 template <class Prepare, class Then>
 void LetGoOnItsThread(Prepare prepare, Then then) {
     std::promise<void> alone;
@@ -140,7 +140,7 @@ TEST(GlobalContext, DestroysPendingHandlersWithoutRunningThem) {
         GlobalContext const handle;
         boost::asio::system_timer timer(handle.Get(), 1h);
         timer.async_wait([held](boost::system::error_code) { *held = true; });
-        boost::asio::post(handle.Get(), [main = gettid()] { test::FallsAsleep(main); }); // which waits for its end
+        boost::asio::post(handle.Get(), [main = gettid()] { test::FallsAsleep(main); }); // main waits for this handler
     }
     EXPECT_EQ(held.use_count(), 1);
     EXPECT_FALSE(*held);
@@ -153,7 +153,7 @@ TEST(GlobalContext, WaitsForARunningHandler) {
         GlobalContext const handle;
         boost::asio::post(handle.Get(), [&, main = gettid()] {
             running = true;
-            EXPECT_TRUE(test::FallsAsleep(main)) << "it does not wait";
+            EXPECT_TRUE(test::FallsAsleep(main)) << "the destructor does not wait";
             ended = true;
         });
         while (!running) std::this_thread::yield();
@@ -189,6 +189,25 @@ TEST(GlobalContext, RestartsWithinTheHandlerThatEndedIt) {
     auto const anew = made.get_future().get();
     EXPECT_TRUE(test::Eventually([&] { return end->HasCome(); }));
     EXPECT_EQ(Ask(anew, [] { return 1; }), 1);
+}
+
+TEST(GlobalContext, RestartsWithoutWaitingForTheThreadThatEndedIt) {
+    std::promise<void> alone;
+    std::promise<void> made;
+    auto const ended = std::make_shared<std::promise<void>>();
+    LetGoOnItsThread([](GlobalContext const&) {},
+                     [&alone, ended, future = made.get_future().share()] {
+                         alone.set_value();
+                         future.get();
+                         ended->set_value();
+                     });
+    alone.get_future().get();
+    {
+        GlobalContext const next;
+        EXPECT_EQ(Ask(next, [] { return 1; }), 1);
+    }
+    made.set_value();
+    ended->get_future().get();
 }
 
 TEST(GlobalContext, LogsExceptionsOfHandlersAndContinues) {

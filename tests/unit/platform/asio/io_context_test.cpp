@@ -28,7 +28,7 @@ void Post(IoContext& context, Work work) {
 
 /// The thread that runs a handler.
 std::thread::id RunOn(IoContext& context) {
-    auto const id = std::make_shared<std::promise<std::thread::id>>(); // the handler ends after its value is here
+    auto const id = std::make_shared<std::promise<std::thread::id>>(); // the handler outlives the arrival of its value
     Post(context, [id] { id->set_value(std::this_thread::get_id()); });
     return id->get_future().get();
 }
@@ -37,7 +37,7 @@ TEST(IoContext, RunsHandlersOnAThreadOfItsOwn) {
     IoContext context(1);
     auto const first = RunOn(context);
     EXPECT_NE(first, std::this_thread::get_id());
-    EXPECT_EQ(RunOn(context), first); // it waited for more
+    EXPECT_EQ(RunOn(context), first); // the thread waited for more work
 }
 
 TEST(IoContext, RunsOnAsManyThreadsAsAskedFor) {
@@ -81,7 +81,7 @@ TEST(IoContext, WaitsForTheRunningHandlerWhenItStops) {
         context.Stop();
         EXPECT_TRUE(finished);
     });
-    EXPECT_TRUE(test::FallsAsleep(stopping.get_future().get())) << "it does not wait";
+    EXPECT_TRUE(test::FallsAsleep(stopping.get_future().get())) << "the stop does not wait";
     end.set_value();
     stopper.join();
 }
@@ -94,6 +94,21 @@ TEST(IoContext, RunsNothingOnceItHasStopped) {
     Post(context, [&] { ran = true; });
     context.Stop();
     EXPECT_FALSE(ran);
+}
+
+TEST(IoContext, HasEndedOnceItsLastHandlerHasReturned) {
+    IoContext context(2);
+    std::promise<void> asked;
+    auto const stopped = std::make_shared<std::promise<void>>();
+    Post(context, [&context, stopped, future = asked.get_future().share()] {
+        context.Stop();
+        stopped->set_value();
+        future.get();
+    });
+    stopped->get_future().get();
+    EXPECT_FALSE(context.HasEnded());
+    asked.set_value();
+    EXPECT_TRUE(test::Eventually([&] { return context.HasEnded(); }));
 }
 
 TEST(IoContext, MayBeStoppedByAHandler) {

@@ -15,7 +15,7 @@ using zarn::authentication::MakeHa1;
 
 std::string const Ha1 = MakeHa1("admin", "testrealm@host.com", "Circle Of Life");
 
-/// A check whose parts a test may change.
+/// The parameters of a digest check; tests may change them.
 struct Check {
     char const* component = "zarn.service.onvif";
     char const* empty = "";
@@ -28,7 +28,7 @@ struct Check {
     char const* cnonce = "0a4f113b";
     char const* qop = "auth";
 
-    /// Gives the check the right response.
+    /// Computes the correct response for the parameters.
     void Answer(std::string const& ha1 = Ha1) {
         response = zarn::authentication::MakeDigestResponse({ha1, method, uri, nonce, nc, cnonce, qop});
     }
@@ -53,7 +53,7 @@ protected:
 TEST_F(AuthenticationEngine, AcceptsTheRightAnswer) { EXPECT_TRUE(check(engine)); }
 
 TEST_F(AuthenticationEngine, AcceptsTheExampleOfTheStandardForItsPassword) {
-    // RFC 2617, 3.5: HA1 of Mufasa, who is admin here.
+    // RFC 2617, 3.5: HA1 of the user Mufasa, used for admin here.
     engine.SetHa1("939e7578ed9e3c518a452acee763bce9");
     check.method = "GET";
     check.uri = "/dir/index.html";
@@ -165,10 +165,10 @@ TEST_F(AuthenticationEngine, RefusesEveryoneWhenNull) {
                                                check.uri, check.nonce, check.nc, check.cnonce, check.qop));
 }
 
-/// Remembers what it is asked, and answers what its test says.
+/// Records what it is asked and returns the answer set by the test.
 class FakeReplayCheck final : public zarn::authentication::ReplayCheck {
 public:
-    bool Accept(zarn::authentication::DigestCredentials const& credentials) override {
+    bool Accept(zarn::authentication::DigestUse const& credentials) override {
         questions.push_back(
             {std::string(credentials.nonce), std::string(credentials.nc), std::string(credentials.cnonce)});
         return answers;

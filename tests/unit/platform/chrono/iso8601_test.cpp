@@ -121,9 +121,9 @@ INSTANTIATE_TEST_SUITE_P(TimeOfDay, RefuseTime,
 
 INSTANTIATE_TEST_SUITE_P(
     Zone, RefuseTime,
-    testing::Values(RefusalCase{"2026-01-31T12:00:00z", "\"z\" is no time zone"},
-                    RefusalCase{"2026-01-31T12:00:00,5Z", "\",5Z\" is no time zone"},
-                    RefusalCase{"2026-01-31T12:00:00 CET", "\" CET\" is no time zone"},
+    testing::Values(RefusalCase{"2026-01-31T12:00:00z", "\"z\" is not a time zone"},
+                    RefusalCase{"2026-01-31T12:00:00,5Z", "\",5Z\" is not a time zone"},
+                    RefusalCase{"2026-01-31T12:00:00 CET", "\" CET\" is not a time zone"},
                     RefusalCase{"2026-01-31T12:00:00+0100", "two digits of the hour of the time zone"},
                     RefusalCase{"2026-01-31T12:00:00+15:00", "the hour of the time zone 15"},
                     RefusalCase{"2026-01-31T12:00:00+14:01", "more than 14 hours"},

@@ -18,7 +18,7 @@ protected:
         for (auto const* key : {"1", "2", "3"}) Channels().Add(key);
     }
 
-    /// Runs jobs at once, each on a thread of its own, many times.
+    /// Runs jobs concurrently, each on its own thread, many times.
     void RunTogether(std::vector<std::function<void(int)>> const& jobs) {
         std::latch start(static_cast<std::ptrdiff_t>(jobs.size()));
         std::vector<std::thread> threads;
@@ -119,7 +119,7 @@ TEST_F(Concurrency, AddsOneEntryPerKeyFromSeveralThreads) {
             Channels().Add("k" + std::to_string(round));
             ++added;
         } catch (Error const&) {
-            // Another thread was first.
+            // Another thread won the race.
         }
     };
     RunTogether({add, add, add});

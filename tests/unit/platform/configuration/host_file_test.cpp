@@ -111,7 +111,7 @@ constexpr char const* File = R"({
 }
 )";
 
-/// A configuration of the size and shape that a host has.
+/// A configuration with the size and shape of a host's.
 class HostFile : public Tree {
 protected:
     HostFile() {
@@ -123,7 +123,7 @@ protected:
         return ErrorOf([&] { root->FromJson(text::Parse(text)); });
     }
 
-    /// The error of the file with one part replaced.
+    /// The error for the file with one part replaced.
     std::string ReadWith(std::string const& part, std::string const& replacement) {
         std::string text = File;
         return ReadFile(text.replace(text.find(part), part.size(), replacement));

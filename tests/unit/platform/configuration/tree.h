@@ -23,7 +23,7 @@ using String = node::Primitive<std::string>;
 using UInt16 = node::Primitive<std::uint16_t>;
 using UInt32 = node::Primitive<std::uint32_t>;
 
-/// The message of the Error that a call throws; empty when it throws none.
+/// The message of the Error thrown by a call; empty when it throws none.
 template <class Call>
 std::string ErrorOf(Call call) {
     try {
@@ -34,8 +34,8 @@ std::string ErrorOf(Call call) {
     return {};
 }
 
-/// A small tree of each kind of node: a name, settings.enabled, settings.port with a rule, settings.secret,
-/// settings.state and the collection channels with name, an optional user and an optional video.width.
+/// A small tree with every kind of node: a name, settings.enabled, settings.port with a rule, settings.secret,
+/// settings.state, and the collection channels with name, an optional user and an optional video.width.
 class Tree : public testing::Test {
 protected:
     static std::vector<Schema> Describe() {

@@ -30,7 +30,7 @@ TEST(UniqueDescriptor, HandsItsDescriptorOver) {
     auto first = Open();
     int const number = first.Get();
     auto second = std::move(first);
-    EXPECT_FALSE(first); // NOLINT: that is what is tested
+    EXPECT_FALSE(first); // NOLINT: tests the moved-from state
     UniqueDescriptor const third(second.Release());
     EXPECT_FALSE(second);
     EXPECT_EQ(third.Get(), number);

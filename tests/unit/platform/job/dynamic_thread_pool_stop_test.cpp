@@ -50,7 +50,7 @@ TEST(DynamicThreadPoolStop, WaitsForARunningJob) {
             pool.Post([] {});
             return false;
         } catch (std::runtime_error const&) {
-            return true; // Stop is under way
+            return true; // Stop has begun
         }
     }));
     gate.Open();
@@ -133,7 +133,7 @@ TEST(DynamicThreadPoolStop, LosesNoJobAcceptedWhileStopping) {
                         ++taken;
                     }
                 } catch (std::runtime_error const&) {
-                    return; // stopped
+                    return; // the pool has stopped
                 }
             });
         }
@@ -143,8 +143,8 @@ TEST(DynamicThreadPoolStop, LosesNoJobAcceptedWhileStopping) {
     }
 }
 
-#ifndef ZARN_SANITIZED // which need the address space that is taken away here
-/// Takes jobs until the address space is used up, in a process of its own.
+#ifndef ZARN_SANITIZED // sanitizers need the address space that the test removes
+/// Posts jobs until the address space is exhausted. Runs in a separate process.
 [[noreturn]] void RunOutOfThreads() {
     DynamicThreadPool pool(1, 10s);
     rlimit const limit{std::size_t{1} << 30U, std::size_t{1} << 30U};

@@ -55,7 +55,7 @@ TEST(DynamicThreadPool, StartsAThreadForEachJobWithoutAnIdleThread) {
     DynamicThreadPool pool(1, 10s);
     Gate gate;
     for (int count = 0; count < 20; ++count) pool.Post([&] { gate.Wait(); });
-    EXPECT_TRUE(gate.WaitForWaiting(20)); // all of them at the same time
+    EXPECT_TRUE(gate.WaitForWaiting(20)); // all jobs run concurrently
     EXPECT_GE(pool.GetThreadCount(), 20U);
     gate.Open();
     pool.Stop(); // before the gate is destroyed
@@ -142,7 +142,7 @@ TEST(DynamicThreadPool, LogsAnExceptionOfAJobAndContinues) {
 TEST(DynamicThreadPool, LogsANonStandardExceptionOfAJob) {
     logging::Capture const capture;
     DynamicThreadPool pool(1, 10s);
-    pool.Post([] { throw 42; }); // NOLINT: that is what is tested
+    pool.Post([] { throw 42; }); // NOLINT: intentionally not a std::exception
     EXPECT_TRUE(capture.WaitFor("A job threw: an exception of unknown type", 60s));
 }
 
@@ -176,10 +176,21 @@ TEST(DynamicThreadPool, RefusesAnEmptyJob) {
     EXPECT_EQ(pool.GetThreadCount(), 1U);
 }
 
+TEST(DynamicThreadPool, GivesEveryThreadAStackOfTheSameSize) {
+    DynamicThreadPool pool(0, 0s);
+    std::promise<std::size_t> size;
+    pool.Post([&] { size.set_value(GetStackSizeOfThisThread()); });
+#ifdef ZARN_SANITIZED
+    EXPECT_EQ(size.get_future().get(), std::size_t{16} << 20U);
+#else
+    EXPECT_EQ(size.get_future().get(), std::size_t{2} << 20U);
+#endif
+}
+
 TEST(DynamicThreadPool, KeepsAThousandWaitingJobsCheap) {
     DynamicThreadPool pool(1, 0s);
     Gate gate;
-    prctl(PR_SET_THP_DISABLE, 1, 0, 0, 0); // or the kernel may give each stack a page of 2 MiB
+    prctl(PR_SET_THP_DISABLE, 1, 0, 0, 0); // keeps the kernel from giving each stack a 2 MiB page
     auto const before = GetResidentBytes();
     for (int count = 0; count < 1000; ++count) pool.Post([&] { gate.Wait(); });
     ASSERT_TRUE(gate.WaitForWaiting(1000));
@@ -187,7 +198,7 @@ TEST(DynamicThreadPool, KeepsAThousandWaitingJobsCheap) {
     gate.Open();
     EXPECT_TRUE(test::Eventually([&] { return pool.GetThreadCount() == 1; }));
 #ifndef ZARN_SANITIZED
-    EXPECT_LT(each, 32U * 1024); // sanitizers keep books about every thread
+    EXPECT_LT(each, 32U * 1024); // sanitizers allocate memory for every thread
 #else
     static_cast<void>(each);
 #endif
@@ -196,7 +207,7 @@ TEST(DynamicThreadPool, KeepsAThousandWaitingJobsCheap) {
 TEST(DynamicThreadPool, WakesNoThreadWhileIdle) {
     DynamicThreadPool pool(4, 10s);
     ASSERT_TRUE(test::Eventually([&] { return pool.GetIdleCount() == 4; }));
-    // Again, since a thread that has just become idle may still be on its way to sleep.
+    // Retries, because a thread that has just become idle may not be asleep yet.
     EXPECT_TRUE(test::Eventually([] {
         auto const before = GetContextSwitchesOfPoolThreads();
         std::this_thread::sleep_for(200ms);

@@ -2,6 +2,7 @@
 
 #include <zarn/job/dynamic_thread_pool.h>
 
+#include <pthread.h>
 #include <sys/types.h>
 #include <unistd.h>
 
@@ -19,7 +20,7 @@ namespace zarn::job {
 
 inline constexpr std::chrono::seconds Patience(20);
 
-/// Holds jobs up until it is opened. The destructor opens it, so that a failed test does not hang.
+/// Blocks jobs until it is opened. The destructor opens it so that a failed test does not hang.
 class Gate {
 public:
     Gate() = default;
@@ -36,7 +37,7 @@ public:
         changed.wait(lock, [this] { return open; });
     }
 
-    /// Waits until that many have come to wait.
+    /// Waits until `count` jobs are blocked.
     bool WaitForWaiting(std::size_t count) {
         std::unique_lock lock(mutex);
         return changed.wait_for(lock, Patience, [&] { return waiting >= count; });
@@ -55,7 +56,16 @@ private:
     bool open = false;
 };
 
-/// The memory of this process that is in use.
+inline std::size_t GetStackSizeOfThisThread() {
+    pthread_attr_t attributes;
+    if (pthread_getattr_np(pthread_self(), &attributes) != 0) return 0;
+    std::size_t size = 0;
+    pthread_attr_getstacksize(&attributes, &size);
+    pthread_attr_destroy(&attributes);
+    return size;
+}
+
+/// Memory in use by this process.
 inline std::size_t GetResidentBytes() {
     std::ifstream file("/proc/self/statm");
     std::size_t total = 0;
@@ -64,7 +74,7 @@ inline std::size_t GetResidentBytes() {
     return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
 }
 
-/// How often pool threads of this process have given up the processor: once for each time that they waited.
+/// Number of voluntary context switches of this process's pool threads, one for each wait.
 inline std::size_t GetContextSwitchesOfPoolThreads() {
     std::size_t sum = 0;
     for (auto const& task : std::filesystem::directory_iterator("/proc/self/task")) {

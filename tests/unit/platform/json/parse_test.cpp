@@ -12,14 +12,14 @@ using testing::Eq;
 using testing::Optional;
 using testing::SizeIs;
 
-/// Why a text is refused.
+/// The error for a refused text.
 ParseError GetError(std::string_view text, Bounds const& bounds = {}) {
     try {
         Parse(text, bounds);
     } catch (ParseError const& error) {
         return error;
     }
-    ADD_FAILURE() << text << " is not refused";
+    ADD_FAILURE() << text << " was accepted";
     return {Reason::Syntax, "", "", {}};
 }
 

@@ -12,7 +12,7 @@
 namespace zarn::logging {
 namespace {
 
-/// Puts the level of standard error back.
+/// Restores the log level of standard error.
 class LoggerTest : public testing::Test {
 protected:
     ~LoggerTest() override { SetLevel(before); }

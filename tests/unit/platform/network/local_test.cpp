@@ -17,7 +17,7 @@ namespace {
 
 std::string LocalAddress() { return GetLocalIPAddress().to_string(); }
 
-/// The local address in a network of two devices, 10.1.2.3 and 10.9.8.7, after more commands.
+/// The local address in a network with two devices, 10.1.2.3 and 10.9.8.7, after additional commands.
 std::string LocalAddressBeside(std::vector<std::string> const& commands) {
     std::string address;
     bool const entered = test::RunInNetworkNamespace([&] {
@@ -88,7 +88,7 @@ TEST(GetLocalIPAddress, IsTheSameOnManyThreads) {
     for (auto& thread : threads) thread.join();
 }
 
-#ifndef ZARN_SANITIZED // which need descriptors of their own to look at objects
+#ifndef ZARN_SANITIZED // sanitizers need descriptors of their own
 TEST(GetLocalIPAddress, IsLoopbackWithoutAFreeDescriptor) {
     rlimit before{};
     ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);

@@ -12,7 +12,7 @@
 namespace zarn::network {
 namespace {
 
-/// The networks of an interface as text; the namespace is made with these commands of `ip`.
+/// The networks of an interface as text, in a namespace configured with these `ip` commands.
 std::vector<std::string> ReadNetworks(std::string const& name, std::vector<std::string> const& commands, bool& ran) {
     std::vector<std::string> texts;
     ran = test::RunInNetworkNamespace([&] {

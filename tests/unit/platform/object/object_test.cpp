@@ -16,7 +16,7 @@ public:
     static constexpr char const* TypeName = "test.Car";
 };
 
-/// Another type of the same name, as another library would have it.
+/// A different type with the same name, as in another library.
 class CarElsewhere : public Typed<CarElsewhere, Vehicle> {
 public:
     static constexpr char const* TypeName = "test.Car";

@@ -8,7 +8,7 @@
 namespace zarn::text {
 namespace {
 
-/// A text and what may hold it.
+/// A text and the formats that allow it.
 struct Case {
     std::string_view text;
     bool utf8;
@@ -46,6 +46,11 @@ TEST(Text, IsToldApartByItsCharacters) {
         EXPECT_EQ(IsPlainXml(text), plainXml) << text;
         EXPECT_EQ(IsXmlLine(text), xml && line) << text;
     }
+}
+
+TEST(IsAlphanumeric, IsTrueForAsciiLettersAndDigits) {
+    for (char const each : std::string_view("09AZaz")) EXPECT_TRUE(IsAlphanumeric(each)) << each;
+    for (char const each : std::string_view("/:@[`{\0\xe4", 8)) EXPECT_FALSE(IsAlphanumeric(each)) << each;
 }
 
 TEST(CutShort, KeepsCharactersWhole) {

@@ -39,7 +39,7 @@ TEST(Hash, ReturnsThePublishedHashes) {
     for (auto const& vector : Vectors) EXPECT_EQ(MurmurHash3(vector.text, vector.seed), vector.hash) << vector.text;
 }
 
-/// The check of the algorithm's own test suite over all lengths up to 255.
+/// The verification from the algorithm's own test suite, over all lengths up to 255.
 TEST(Hash, PassesThePublishedVerification) {
     std::string key;
     std::string hashes;

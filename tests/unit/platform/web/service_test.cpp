@@ -26,7 +26,7 @@ private:
     Method method;
 };
 
-/// Answers each operation with its name.
+/// A service that answers each operation with its name.
 class Named : public Service {
 public:
     Response Get(std::shared_ptr<Request> /*request*/) override { return Name("GET"); }

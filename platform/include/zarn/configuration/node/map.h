@@ -62,8 +62,8 @@ public:
     /// way included. A node that is described already stays as it is: the first description counts, and casting
     /// to another type fails. A value that was read before it was described is adopted when it
     /// fits. Throws Error when an adopted value does not fit, when a path leads through a value or a collection, or
-    /// when it has a part that is no key (1 to 64 letters, digits, '-' and '_'); the descriptions before that one are
-    /// then registered.
+    /// when it has a part that is not a key (1 to 64 letters, digits, '-' and '_'); the descriptions before that one
+    /// are then registered.
     void Schema(std::vector<configuration::Schema> const& schemas);
 
     /// Reads values. What is not in the object takes its default; entries of collections that are not in it are
@@ -85,10 +85,10 @@ protected:
     virtual std::shared_ptr<Node> MakeUnknown(std::string_view childKey, boost::json::value const& json,
                                               Change const& change) const;
 
-    /// Plans the change for a child that is not in what is read. Returns false when it shall go.
+    /// Plans the change for a child that is not in what is read. Returns false when the node is to be removed.
     virtual bool PrepareMissing(Node& child, Change& change);
 
-    /// Puts other children in the place of those that there are.
+    /// Replaces all children.
     virtual void Rearrange(List after, Notification& notification);
 
     /// Whether the map is written even when nothing in it is.

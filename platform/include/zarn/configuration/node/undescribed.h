@@ -6,7 +6,7 @@
 
 namespace zarn::configuration::node {
 
-/// Holds what was read under a key that no schema describes yet, see Unknown::Keep. It is written back as it was read.
+/// Holds what was read under a key that no schema describes yet, see Unknown::Keep. It is written back unchanged.
 /// When a schema describes the key, a node of the described type takes its place.
 class Undescribed : public object::Typed<Undescribed, Node> {
 public:

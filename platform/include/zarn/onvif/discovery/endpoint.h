@@ -28,7 +28,7 @@ Machine ReadMachine();
 /// address and host name that is there, as a hash that does not show it. Thread: any. Source: RFC 4122, 4.3.
 std::string MakeEndpoint(Machine const& machine);
 
-/// The endpoint of this machine, as it was when first asked for. Thread: any.
+/// The endpoint of this machine, computed at the first call. Thread: any.
 std::string const& GetEndpoint();
 
 } // namespace zarn::onvif::discovery

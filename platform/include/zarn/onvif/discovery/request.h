@@ -24,15 +24,17 @@ public:
     static constexpr int MaximumDepth = 64;
     /// The longest message id and the longest address in bytes.
     static constexpr std::size_t MaximumTextLength = 1024;
-    /// How many of a Probe's types are looked at: what it names behind them is as if it were not there.
+    /// How many of a Probe's types are read; further types are ignored.
     static constexpr std::size_t MaximumTypes = 64;
 
     /// Reads a message. Never throws because of its contents.
     explicit Request(std::string const& text);
 
-    /// True for what is no SOAP 1.2 envelope: XML that is not well formed, another encoding than UTF-8, invalid
-    /// UTF-8, a document type declaration, an element with more than 64 attributes, or a bound above on size, depth
-    /// or text exceeded. Message id and address are empty then.
+    /// True when the message is not a SOAP 1.2 envelope: XML that is not well formed, another encoding than UTF-8,
+    /// invalid UTF-8, a document type declaration, an element with more than 64 attributes, or a bound above on size,
+    /// depth or text exceeded. Message id and address are empty then. These errors are accepted, since clients make
+    /// them: white space or comments before the XML declaration, a declaration without version, "--" in a comment, and
+    /// a reference to a character that XML cannot carry (other than 0), except in message id and address.
     bool IsParseError() const noexcept { return parseError; }
 
     /// The MessageID of a Probe that asks for this device, which the answer relates to. Empty for a message that is not

@@ -11,13 +11,13 @@ namespace zarn::onvif::events {
 /// What is called with each analytics event. The event is shared by all handlers and must not be changed.
 using Handler = std::function<void(std::shared_ptr<zarn::meta::data::Event>)>;
 
-/// Calls a handler for every event published from now on, until the binding goes.
+/// Calls a handler for every event published from now on, until the binding is released.
 ///
 /// The handler runs on the thread that publishes, so several threads may be in it at once, and events of one thread
 /// come in their order. It may register others, release bindings (its own included) and publish. What it throws is
 /// logged, at most once a second, and goes no further.
 ///
-/// Once the binding has gone, the handler does not run and will not run, and what it holds has been destroyed:
+/// Once the binding has been released, the handler does not run and will not run, and what it holds has been destroyed:
 /// releasing waits for calls that run on other threads, so it must not happen under a lock that the handler takes. A
 /// binding released by its own handler does not wait for the call in which that happens; the handler is then destroyed
 /// when that call ends.

@@ -19,7 +19,7 @@ using testing::IsEmpty;
 
 class BindTest : public Tree {
 protected:
-    /// Records the paths of the events of a node.
+    /// Records the paths of a node's events.
     type::Binding Record(Node& node, node::binding::Options options = {}) {
         return node.Bind([this](auto const& event) { heard.push_back(event->GetNode()->GetPath()); }, options);
     }
@@ -218,7 +218,7 @@ TEST_F(BindTest, WaitsForARunningCallbackWhenReleased) {
     auto binding = enabled.Bind([&, main = gettid()](auto const&) {
         entered.count_down();
         releasing.wait();
-        EXPECT_TRUE(zarn::test::FallsAsleep(main)) << "it does not wait";
+        EXPECT_TRUE(zarn::test::FallsAsleep(main)) << "the release does not wait";
         finished = true;
     });
     std::thread setter([&] { enabled.Set(true); });

@@ -9,7 +9,7 @@ namespace {
 
 class PrimitiveTest : public Tree {
 protected:
-    /// The message when a value of the given type is set from text; empty when it is taken.
+    /// The error when setting a value of this type from text; empty on success.
     template <class T>
     std::string SetText(std::string const& text) {
         return ErrorOf([&] { Value<T>().SetFromString(text); });

@@ -35,8 +35,12 @@ TEST_F(WritingTest, OmitsOptionalMembersWithTheirDefault) {
     EXPECT_EQ(Write(*entry), R"({"name":""})");
     user.Set("u");
     EXPECT_EQ(Write(*entry), R"({"name":"","user":"u"})");
-    user.Set("");
-    EXPECT_EQ(Write(*entry), R"({"name":""})");
+}
+
+TEST_F(WritingTest, KeepsOptionalMembersThatTheProgramSetToTheirDefault) {
+    auto const entry = Channels().Add("1");
+    At<String>("channels.1.user").Set("");
+    EXPECT_EQ(Write(*entry), R"({"name":"","user":""})");
 }
 
 TEST_F(WritingTest, OmitsAnOptionalMemberRemovedFromTheFile) {

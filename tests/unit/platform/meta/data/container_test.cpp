@@ -32,7 +32,7 @@ TEST(MetaContainer, IsIteratedByType) {
     EXPECT_EQ(container.GetCount(), 3U);
 }
 
-/// Something tracked that is no Object.
+/// A tracked type other than Object.
 class Shadow : public object::Typed<Shadow, ObjectBase> {
 public:
     static constexpr char const* TypeName = "test.Shadow";

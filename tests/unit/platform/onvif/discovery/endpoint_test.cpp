@@ -23,7 +23,7 @@ TEST(MakeEndpoint, IsAUuidOfVersion5) {
 }
 
 TEST(MakeEndpoint, StaysTheSameForEver) {
-    // As devices in the field have it; clients know them by it.
+    // Must match deployed devices, which clients recognise by this value.
     EXPECT_EQ(MakeEndpoint(Known), "urn:uuid:3a3bdbf9-ff97-5d91-aeae-7375ffb9f612");
 }
 
@@ -43,7 +43,7 @@ TEST(MakeEndpoint, DiffersBetweenMachines) {
         MakeEndpoint({"", "aa:bb:cc:dd:ee:fe", ""}),
         MakeEndpoint({"", "", "gate"}),
         MakeEndpoint({"", "", "yard"}),
-        MakeEndpoint({"", "", "aa:bb:cc:dd:ee:ff"}), // a host name that looks like something else
+        MakeEndpoint({"", "", "aa:bb:cc:dd:ee:ff"}), // a host name that looks like a hardware address
         MakeEndpoint({"", "", ""}),
     };
     EXPECT_EQ(endpoints.size(), 8U);

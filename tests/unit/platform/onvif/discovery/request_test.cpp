@@ -15,7 +15,7 @@ using test::ProbeForScopes;
 using test::ProbeForTypes;
 using test::ProbeId;
 
-/// The message id of a message that is read without error; empty for one that asks for something else.
+/// The id of a message that parses without error; empty when it does not ask for the device.
 std::string ReadId(Probe const& probe) {
     Request const request(probe.ToString());
     EXPECT_FALSE(request.IsParseError()) << probe.ToString();
@@ -65,7 +65,7 @@ TEST(DiscoveryRequest, ResolvesTypePrefixesInScope) {
     };
     EXPECT_TRUE(IsOurs(probe("xmlns:x='http://www.onvif.org/ver10/device/wsdl'", "x:Device")));
     EXPECT_TRUE(IsOurs(probe("xmlns='http://www.onvif.org/ver10/device/wsdl'", "Device")));
-    EXPECT_FALSE(IsOurs(probe("xmlns:tds='urn:other'", "tds:Device"))); // the nearer declaration counts
+    EXPECT_FALSE(IsOurs(probe("xmlns:tds='urn:other'", "tds:Device"))); // the innermost declaration applies
     EXPECT_FALSE(IsOurs(probe("tds='http://www.onvif.org/ver10/device/wsdl'", "Device")));
 }
 

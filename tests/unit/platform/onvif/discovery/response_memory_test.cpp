@@ -12,7 +12,7 @@ TEST(DiscoveryResponse, IsInvalidWhenAnyAllocationFails) {
     utilities::name::Config const identity(
         {"Maker of many things", "Model with a long name", "1.0", "rack", "Cellar below the house", "Door camera"});
     std::string const text(100'000, 'x');
-    GetEndpoint(); // which is made once
+    GetEndpoint(); // creates the endpoint, which is cached
     int failures = 0;
     for (bool valid = false; !valid; ++failures) {
         test::FailingNew const failing(failures);

@@ -28,7 +28,7 @@ Response MakeResponse(std::string const& relatesTo = test::ProbeId, std::string 
     return {relatesTo, address, port, ssl, Identity};
 }
 
-/// An answer, read again.
+/// A serialised answer, parsed again.
 class Answer {
 public:
     explicit Answer(Response const& response) {
@@ -138,7 +138,7 @@ TEST(DiscoveryResponse, CountsItsMessages) {
     EXPECT_EQ(read("MessageNumber"), before + 1);
     auto const instance = read("InstanceId");
     EXPECT_EQ(read("InstanceId"), instance);
-    EXPECT_GT(instance, 1'600'000'000U); // seconds since 1970: more after a restart
+    EXPECT_GT(instance, 1'600'000'000U); // seconds since 1970: increases with each restart
 }
 
 TEST(DiscoveryResponse, IsParsedButIgnoredAsARequest) {

@@ -98,7 +98,7 @@ TEST(MayMatchScopes, SupportsOnlyTheKnownRules) {
 TEST(MayMatchScopes, ComparesTheWholeTextByTheExactRule) {
     EXPECT_TRUE(MayMatch("onvif://www.onvif.org/type/video_encoder", Exact));
     EXPECT_TRUE(MayMatch("onvif://www.onvif.org/name/Gate", Exact));
-    EXPECT_TRUE(MayMatch("onvif://www.onvif.org/name/", Exact)); // of an empty name
+    EXPECT_TRUE(MayMatch("onvif://www.onvif.org/name/", Exact)); // an empty name
     for (auto const* scope : {"onvif://www.onvif.org/type", "onvif://www.onvif.org/type/video_encoder/",
                               "ONVIF://www.onvif.org/type/video_encoder", "onvif://www.onvif.org/name", "onvif:", "",
                               "onvif://www.onvif.org"}) {

@@ -122,7 +122,7 @@ TEST(EventHandler, MayReleaseItsOwnBinding) {
     binding = RegisterHandler([&calls, &binding, held](EventPointer const&) {
         ++calls;
         binding.Reset();
-        EXPECT_EQ(held.use_count(), 2); // what runs is not taken apart
+        EXPECT_EQ(held.use_count(), 2); // a running handler is not destroyed
     });
     Publish(MakeEvent());
     EXPECT_EQ(held.use_count(), 1);
@@ -195,7 +195,7 @@ TEST(EventHandler, BlocksItsReleaseOnAnotherThread) {
         binding.Reset();
         EXPECT_TRUE(ended);
     });
-    EXPECT_TRUE(test::FallsAsleep(releasing.get_future().get())) << "it does not wait";
+    EXPECT_TRUE(test::FallsAsleep(releasing.get_future().get())) << "the release does not wait";
     gate.set_value();
     publisher.join();
     releaser.join();
@@ -214,7 +214,7 @@ TEST(EventHandler, ReleasedByItselfWaitsForTheOtherThreadsInIt) {
             EXPECT_TRUE(otherEnded);
             EXPECT_EQ(held.use_count(), 2);
         } else {
-            EXPECT_TRUE(test::FallsAsleep(main)) << "it does not wait";
+            EXPECT_TRUE(test::FallsAsleep(main)) << "the release does not wait";
             otherEnded = true;
         }
     });

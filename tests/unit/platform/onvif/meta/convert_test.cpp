@@ -32,7 +32,7 @@ using zarn::meta::data::classification::Confidence;
 
 constexpr std::chrono::sys_seconds Epoch;
 
-/// An object that fills the picture and of which nothing else is known.
+/// An object that fills the picture and has no other known properties.
 TrackedObject Unknown() {
     return {.number = 1, .boundingBox = {{0, 0}, {1, 1}}, .centerOfGravity = {0.5, 0.5}, .classes = {}, .color = {}};
 }
@@ -43,7 +43,7 @@ protected:
         return *Convert(context.get(), Meta(Epoch, {object}))->Object.at(0)->Appearance;
     }
 
-    /// Left, top, right and bottom.
+    /// In the order left, top, right, bottom.
     std::array<float, 4> Rectangle(Box const& box) {
         auto object = Unknown();
         object.boundingBox = box;
@@ -87,7 +87,7 @@ TEST_F(ConvertMeta, MapsCornersAndCentreExactly) {
     auto const [x, y] = Vector({0.5, 0.5});
     EXPECT_EQ(x, 0);
     EXPECT_EQ(y, 0);
-    EXPECT_FALSE(std::signbit(x) || std::signbit(y)); // or it would be written as "-0"
+    EXPECT_FALSE(std::signbit(x) || std::signbit(y)); // a negative zero would be written as "-0"
 }
 
 TEST_F(ConvertMeta, ClampsCoordinatesOutsideThePicture) {

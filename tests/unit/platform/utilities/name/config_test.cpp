@@ -43,8 +43,8 @@ TEST(Config, OutlivesItsOriginal) {
 
 TEST(Config, KeepsItsTextsWhenMovedFrom) {
     auto source = Make();
-    auto const target = std::move(source); // NOLINT(performance-move-const-arg): it copies, which is the point
-    ExpectTexts(source);                   // NOLINT(bugprone-use-after-move): that is what is tested
+    auto const target = std::move(source); // NOLINT(performance-move-const-arg): must copy
+    ExpectTexts(source);                   // NOLINT(bugprone-use-after-move): intended
     ExpectTexts(target);
 }
 

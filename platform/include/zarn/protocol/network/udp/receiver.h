@@ -24,7 +24,7 @@ namespace zarn::protocol::network::udp {
 ///
 /// The port is this receiver's alone: no other socket can share it, whatever options that socket sets. The group is
 /// joined on every interface that is up, has an IPv4 address and can multicast. The system's loopback interface usually
-/// cannot; programs on the same machine are heard all the same, since the kernel hands what they send to the group on
+/// cannot; programs on the same machine still reach the receiver, since the kernel hands what they send to the group on
 /// any interface back to this machine. Interfaces that appear, go, or change their addresses later are followed within
 /// a second.
 ///
@@ -51,7 +51,7 @@ public:
                                 boost::asio::ip::udp::endpoint source)>;
 
     /// Whether datagrams from any source are taken at this moment. Asked for each datagram, on the callback's thread. A
-    /// device that answers everybody can be made to flood a host whose address was forged; Throttle bounds that.
+    /// device that answers any source can be abused to flood a forged address; Throttle bounds that.
     using AnySource = std::function<bool()>;
 
     /// Binds nothing yet, so that another receiver for the same port may still exist.

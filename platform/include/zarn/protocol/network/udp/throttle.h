@@ -38,8 +38,8 @@ private:
     Clock::time_point full;    ///< when the bucket is full again
 };
 
-/// Bounds how many datagrams are taken, from each source address and in all, and with them what is sent in answer. What
-/// it remembers is bounded, however many sources there seem to be. Not thread-safe.
+/// Limits how many datagrams are accepted, from each source address and in total, and so how many answers are sent.
+/// What it remembers is bounded, however many sources there seem to be. Not thread-safe.
 class Throttle {
 public:
     /// The clock that measures the rates.

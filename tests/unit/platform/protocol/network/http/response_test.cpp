@@ -13,7 +13,7 @@ using Fields = std::map<std::string, std::string>;
 
 Response Parse(std::string text) { return Response::Parse(std::make_shared<container::Buffer>(std::move(text))); }
 
-/// What Parse says is wrong; "accepted" when it finds nothing.
+/// The error reported by Parse, or "accepted".
 std::string ErrorOf(std::string text) {
     try {
         Parse(std::move(text));

@@ -7,11 +7,11 @@ namespace {
 
 constexpr int Never = -1;
 
-thread_local int Succeeding = Never; ///< allocations before the one that fails
+thread_local int Succeeding = Never; ///< allocations that still succeed
 
 } // namespace
 
-// In the place of the standard library's.
+// Replaces the standard library's operator.
 
 void* operator new(std::size_t size) {
     bool const fails = Succeeding == 0;

@@ -2,7 +2,7 @@
 
 namespace zarn::test {
 
-/// While it lives, the n-th allocation of this thread by `new`, counted from 0, throws std::bad_alloc.
+/// During its lifetime, the n-th allocation (from 0) of this thread by `new` throws std::bad_alloc.
 class FailingNew {
 public:
     explicit FailingNew(int n);
@@ -11,7 +11,7 @@ public:
     FailingNew& operator=(FailingNew const&) = delete;
 };
 
-/// Lets the next allocation of this thread by `new` throw std::bad_alloc.
+/// Makes the next allocation of this thread by `new` throw std::bad_alloc.
 void FailNextNew() noexcept;
 
 } // namespace zarn::test

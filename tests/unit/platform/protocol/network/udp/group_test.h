@@ -24,7 +24,7 @@ namespace zarn::protocol::network::udp {
 inline constexpr char Group[] = "239.255.255.250";
 inline constexpr unsigned short Port = 3702;
 
-/// Two machines with a cable between them, 10.1.0.1 (the receiver's) and 10.1.0.2, and a receiver for the group.
+/// Two connected machines, 10.1.0.1 (the receiver's) and 10.1.0.2, and a receiver for the group.
 class GroupTest : public testing::Test {
 protected:
     void SetUp() override {
@@ -37,7 +37,7 @@ protected:
         receiver.reset();
     }
 
-    /// Connects the two machines by interfaces of this name.
+    /// Connects the machines by a pair of interfaces with this name.
     void Connect(std::string const& name, std::string const& address, std::string const& neighbourAddress) {
         ASSERT_TRUE(host.Ip("link add " + name + " type veth peer name " + name + " netns " + neighbour.GetPath()));
         ASSERT_TRUE(neighbour.Ip("address add " + neighbourAddress + " dev " + name));
@@ -48,8 +48,8 @@ protected:
 
     void Connect() { Connect("eth0", "10.1.0.1/24", "10.1.0.2/24"); }
 
-    /// Connects them by eth0 and eth1, and waits until the kernel has told all about that: it tells of a link being up
-    /// as much as a second late, and what follows is to happen without a change.
+    /// Connects the machines by eth0 and eth1 and waits for all kernel notifications, which may report a link as up as
+    /// much as a second late. Later steps must not be disturbed by such a change.
     void ConnectTwiceAndSettle() {
         Connect();
         Connect("eth1", "10.2.0.1/24", "10.2.0.2/24");
@@ -58,7 +58,7 @@ protected:
         }
     }
 
-    /// What Start throws; empty when it does not.
+    /// The error thrown by Start; empty on success.
     std::string TryToStart() {
         std::string reason;
         host.Run([&] {
@@ -76,7 +76,7 @@ protected:
 
     void Start() { ASSERT_EQ(TryToStart(), ""); }
 
-    /// Sends to the group from `address` until the receiver hears it.
+    /// Sends to the group from `address` until the receiver receives it.
     bool IsHeard(test::Machine const& sender, std::string const& address, std::string const& text,
                  std::string const& target = Group, std::chrono::seconds limit = std::chrono::seconds(60)) {
         bool heard = false;
@@ -91,20 +91,21 @@ protected:
         return heard;
     }
 
-    /// True once what is sent to the group is not heard any more, while what is sent later by the own machine is.
+    /// True once the receiver no longer receives datagrams sent to the group but still receives later ones from its own
+    /// machine.
     bool FallsSilent(test::Machine const& sender, std::string const& address) {
         for (int i = 0; i < 100; ++i) {
             auto const text = address + " " + std::to_string(i);
             sender.Run([&] { test::Peer(address).Send(text, Group, Port); });
             if (!IsHeard(host, "127.0.1." + std::to_string(i + 1), "after " + text, "127.0.0.1")) return false;
             if (inbox.Count(text) == 0) return true;
-            // The receiver takes ten datagrams in a second from one source.
+            // The receiver accepts ten datagrams per second from one source.
             std::this_thread::sleep_for(std::chrono::milliseconds(150));
         }
         return false;
     }
 
-    /// False when it cannot be set here.
+    /// False when the limit cannot be set in this environment.
     bool SetLimitOfMemberships(int limit) {
         bool set = false;
         host.Run([&] {

@@ -14,7 +14,7 @@
 
 namespace zarn::test {
 
-/// What a receiver handed on.
+/// Datagrams and failures delivered by a receiver.
 class Inbox {
 public:
     struct Item {
@@ -26,9 +26,8 @@ public:
     using Operation = protocol::network::udp::Operation;
     using Callback = protocol::network::udp::Receiver::Callback;
 
-    /// The callback that fills it. It must outlive the receiver.
-    /// then  called after each datagram, which is visible before this returns: what it refers to must outlive the
-    ///       receiver
+    /// The callback that fills the inbox, which must outlive the receiver.
+    /// then  called after each datagram has been stored; everything it refers to must outlive the receiver
     Callback MakeCallback(std::function<Operation()> then = [] { return Operation::Continue; }) {
         return [this, then = std::move(then)](boost::system::error_code const& error,
                                               std::shared_ptr<container::Buffer> const& buffer,
@@ -53,12 +52,12 @@ public:
         return texts;
     }
 
-    /// False when no datagram of this text comes in time.
+    /// False when no datagram with this text arrives in time.
     bool WaitFor(std::string const& text, std::chrono::milliseconds timeout = std::chrono::seconds(60)) const {
         return WaitUntil([&] { return CountLocked(text) > 0; }, timeout);
     }
 
-    /// False when no failure comes in time.
+    /// False when no failure is reported in time.
     bool WaitForError(boost::system::error_code const& error) const {
         auto const is = [&](Item const& item) { return item.error == error; };
         return WaitUntil([&] { return std::any_of(items.begin(), items.end(), is); }, std::chrono::seconds(60));

@@ -87,7 +87,7 @@ TEST_F(GroupTest, StartsWhenSomeInterfacesCannotBeJoined) {
     Start();
     EXPECT_TRUE(IsHeard(neighbour, "10.1.0.2", "hello"));
     EXPECT_TRUE(capture.Contains("Not listening on eth1 at UDP port 3702 for group 239.255.255.250: No buffer space"));
-    // The first interface goes, and with it what kept the second one out.
+    // Removing the first interface frees the membership that the second one lacked.
     ASSERT_TRUE(host.Ip("link delete eth0"));
     EXPECT_TRUE(IsHeard(neighbour, "10.2.0.2", "in its place"));
 }
@@ -137,13 +137,13 @@ TEST_F(GroupTest, FollowsAChangeOfAddress) {
     ASSERT_TRUE(host.Ip("address add 10.7.0.1/24 dev eth0"));
     ASSERT_TRUE(host.Ip("address delete 10.1.0.1/24 dev eth0"));
     EXPECT_TRUE(IsHeard(neighbour, "10.7.0.2", "after"));
-    EXPECT_TRUE(FallsSilent(neighbour, "10.1.0.2")); // it is a stranger now
+    EXPECT_TRUE(FallsSilent(neighbour, "10.1.0.2")); // no longer in a local network
 }
 
 TEST_F(GroupTest, RefusesRemoteSourcesUnlessAllowed) {
     Connect();
     ASSERT_TRUE(neighbour.Ip("address add 192.0.2.1/24 dev eth0"));
-    ASSERT_TRUE(host.Ip("route add 192.0.2.0/24 via 10.1.0.2")); // so that the kernel lets it pass
+    ASSERT_TRUE(host.Ip("route add 192.0.2.0/24 via 10.1.0.2")); // otherwise the kernel drops it
     Start();
     ASSERT_TRUE(IsHeard(neighbour, "10.1.0.2", "before")); // the link may take a moment to come up
     logging::Capture const capture;

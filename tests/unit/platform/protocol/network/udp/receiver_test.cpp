@@ -38,7 +38,7 @@ protected:
         return std::make_unique<Receiver>(context.Get(), port, boost::none, size, std::move(callback));
     }
 
-    /// A receiver that fills the inbox.
+    /// A receiver that delivers to the inbox.
     void Start(unsigned long size = Size) {
         receiver = Make(inbox.MakeCallback(), size);
         receiver->Start();
@@ -57,7 +57,7 @@ protected:
 
     /// Runs `work` on the context's thread and waits for it.
     void RunInside(std::function<void()> work) {
-        auto const done = std::make_shared<std::promise<void>>(); // the handler ends after this function
+        auto const done = std::make_shared<std::promise<void>>(); // the handler may outlive this function
         boost::asio::post(context.Get(), [&work, done] {
             work();
             done->set_value();
@@ -65,7 +65,7 @@ protected:
         done->get_future().get();
     }
 
-    /// Waits until the context's thread has looked at all that has come: it does so before it looks at a timer.
+    /// Waits until the context's thread has handled all received datagrams, which it does before it handles a timer.
     void RunLater() {
         std::promise<void> done;
         boost::asio::steady_timer timer(context.Get(), std::chrono::milliseconds(1));
@@ -141,7 +141,7 @@ TEST_F(ReceiverTest, StopsReceivingWhenTheCallbackReturnsStop) {
     SendTo("second");
     RunLater();
     EXPECT_EQ(inbox.Count("second"), 0U);
-    EXPECT_FALSE(Peer("0.0.0.0", port).IsBound()); // the port is still its own
+    EXPECT_FALSE(Peer("0.0.0.0", port).IsBound()); // the port is still in use by the receiver
 }
 
 TEST_F(ReceiverTest, FreesThePortWhenItIsDestroyed) {
@@ -153,7 +153,7 @@ TEST_F(ReceiverTest, FreesThePortWhenItIsDestroyed) {
 TEST_F(ReceiverTest, CallsNothingOnceItIsDestroyed) {
     Start();
     RunInside([&] {
-        for (int i = 0; i < 10; ++i) SendTo("late"); // already waiting when it goes
+        for (int i = 0; i < 10; ++i) SendTo("late"); // queued before the receiver is destroyed
         receiver.reset();
     });
     RunInside([] {});
@@ -235,7 +235,7 @@ TEST_F(ReceiverTest, LimitsTheRateOfDatagramsFromOneSource) {
     EXPECT_GE(inbox.Count("flood"), 20U);
     EXPECT_LE(inbox.Count("flood"), 20U + 10U * static_cast<std::size_t>(seconds));
     EXPECT_TRUE(capture.Contains("Refused a datagram from 127.0.0.1: too many lately"));
-    EXPECT_LE(capture.GetLines().size(), static_cast<std::size_t>(seconds)) << "one in a second";
+    EXPECT_LE(capture.GetLines().size(), static_cast<std::size_t>(seconds)) << "logged more than once per second";
 }
 
 class TakenPort : public ReceiverTest, public testing::WithParamInterface<int> {};

@@ -26,9 +26,9 @@ std::shared_ptr<container::Buffer> MakeBuffer(std::string text) {
     return std::make_shared<container::Buffer>(std::move(text));
 }
 
-/// Sends and waits for the completion.
+/// Sends a datagram and waits for completion.
 error_code Send(asio::IoContext& context, std::string const& address, unsigned short port, std::string text) {
-    auto const result = std::make_shared<std::promise<error_code>>(); // the completion ends after this function
+    auto const result = std::make_shared<std::promise<error_code>>(); // the completion may outlive this function
     auto const sender =
         std::make_shared<Sender>(context.Get(), boost::asio::ip::udp::endpoint(make_address(address), port));
     sender->Send(MakeBuffer(std::move(text)), [result, sender](error_code const& error) { result->set_value(error); });
@@ -77,10 +77,10 @@ TEST(Sender, ReportsAMissingRoute) {
     });
 }
 
-#ifndef ZARN_SANITIZED_ADDRESSES // the type check of UBSan opens pipes
+#ifndef ZARN_SANITIZED_ADDRESSES // UBSan's type check opens pipes
 TEST(Sender, ReportsALackOfDescriptors) {
     asio::IoContext context(1);
-    Sender const first(context.Get(), {make_address("127.0.0.1"), 9}); // the context opens what it needs itself
+    Sender const first(context.Get(), {make_address("127.0.0.1"), 9}); // the context opens its own descriptors
     NoDescriptors const none;
     EXPECT_EQ(Send(context, "127.0.0.1", 3702, "hello"), boost::asio::error::no_descriptors);
 }

@@ -17,7 +17,7 @@ auto const Start = Throttle::Clock::time_point() + 1h;
 auto const Somebody = Make(10, 0, 0, 1);
 auto const SomebodyElse = Make(10, 0, 0, 2);
 
-/// How many of `count` datagrams pass at this time.
+/// Number of datagrams, out of `count` at this time, that pass.
 unsigned Flood(Throttle& throttle, address_v4 const& source, unsigned count, Throttle::Clock::time_point now) {
     unsigned passed = 0;
     for (unsigned i = 0; i < count; ++i) {
@@ -26,7 +26,7 @@ unsigned Flood(Throttle& throttle, address_v4 const& source, unsigned count, Thr
     return passed;
 }
 
-/// The n-th of many addresses.
+/// The n-th of many distinct addresses.
 address_v4 Address(unsigned n) { return address_v4(0x0a000000U + n); }
 
 TEST(Throttle, AdmitsABurstOfTwenty) {
@@ -79,7 +79,7 @@ TEST(Throttle, RemembersABoundedNumberOfSources) {
 TEST(Throttle, DoesNotForgetAFloodBecauseOfManyOtherSources) {
     Throttle throttle;
     auto now = Start;
-    for (unsigned i = 0; i < 4000; ++i, now += 6ms) { // 166 in a second
+    for (unsigned i = 0; i < 4000; ++i, now += 6ms) { // 166 per second
         if (i % 16 == 0) Flood(throttle, Somebody, 100, now);
         throttle.Admit(Address(i + 256), now);
     }

@@ -14,7 +14,7 @@ std::atomic<zarn::test::Lack> Present = zarn::test::Lack::Nothing;
 
 } // namespace
 
-/// Stands before the system's function of this name, which it calls.
+/// Overrides the system function of the same name and forwards to it.
 extern "C" int getifaddrs(ifaddrs** list) noexcept {
     static auto const System = reinterpret_cast<decltype(&getifaddrs)>(dlsym(RTLD_NEXT, "getifaddrs"));
     auto const lack = Present.load();
@@ -22,7 +22,7 @@ extern "C" int getifaddrs(ifaddrs** list) noexcept {
         errno = EMFILE;
         return -1;
     }
-    if (lack == zarn::test::Lack::Memory) zarn::test::FailNextNew(); // when the caller makes its own list of these
+    if (lack == zarn::test::Lack::Memory) zarn::test::FailNextNew(); // fails when the caller builds its own list
     return System(list);
 }
 

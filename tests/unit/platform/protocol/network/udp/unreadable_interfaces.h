@@ -2,10 +2,10 @@
 
 namespace zarn::test {
 
-/// What there is too little of.
+/// The exhausted resource.
 enum class Lack { Nothing, Descriptors, Memory };
 
-/// While it lives, this process cannot read the network interfaces of its machine.
+/// During its lifetime, this process cannot read the machine's network interfaces.
 class UnreadableInterfaces {
 public:
     explicit UnreadableInterfaces(Lack lack);

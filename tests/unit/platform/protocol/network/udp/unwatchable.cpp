@@ -11,11 +11,11 @@ thread_local bool Failing = false;
 
 } // namespace
 
-/// The thread sanitizer's version, if there is one: it tracks synchronisation through it.
+/// The thread sanitizer's version, if present, through which it tracks synchronisation.
 extern "C" int __interceptor_epoll_ctl(int instance, int operation, int descriptor, epoll_event* event)
     __attribute__((weak));
 
-/// Stands before the system's function of this name, which it calls.
+/// Overrides the system function of the same name and forwards to it.
 extern "C" int epoll_ctl(int instance, int operation, int descriptor, epoll_event* event) noexcept {
     static auto const System =
         __interceptor_epoll_ctl != nullptr

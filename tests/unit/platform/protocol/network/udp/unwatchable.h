@@ -2,7 +2,7 @@
 
 namespace zarn::test {
 
-/// While it lives, nothing that this thread opens can be watched for events: the system's limit is reached.
+/// During its lifetime, this thread cannot watch newly opened descriptors: the call fails as at the system's limit.
 class Unwatchable {
 public:
     Unwatchable();
