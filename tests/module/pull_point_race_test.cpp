@@ -109,7 +109,7 @@ TEST_F(PullPointRace, OfTheFirstServicesRegistersOnce) {
     RunAtOnce(8, [&] {
         auto const context = service::onvif::MakeSoapContext();
         ready.arrive_and_wait();
-        EventsService(context.get(), service::onvif::URIBase(80, false), &engine);
+        EventsService(context.get(), service::onvif::URIBase(80, false), &engine, {});
         return true;
     });
     auto const path = Subscribe();

@@ -38,7 +38,7 @@ TEST(EventOperationOfAFurtherPortType, AnswersNotSupported) {
              +[](EventsService& events) { return events.Notify_(nullptr); },
          }) {
         auto const context = service::onvif::MakeSoapContext();
-        EventsService events(context.get(), service::onvif::URIBase(80, false), nullptr);
+        EventsService events(context.get(), service::onvif::URIBase(80, false), nullptr, {});
         EXPECT_EQ(call(events), SOAP_FAULT);
         EXPECT_STREQ(*soap_faultcode(context.get()), "SOAP-ENV:Receiver");
         EXPECT_STREQ(*soap_faultstring(context.get()), "Not supported");

@@ -21,9 +21,9 @@ namespace zarn::service::onvif {
 /// (Device, Events, Media, Media2, Analytics) answers.
 ///
 /// It adds the setting `settings.onvif.enabled` (false unless stated) to the host's configuration and follows it: while
-/// it is true, the device answers the WS-Discovery probes of its network. Requests are served either way. When there is
-/// no thread to be had for that, whoever sets it to true gets a std::system_error: the setting has changed then, no
-/// probe is answered, and setting it to true again tries again.
+/// it is true, the device answers the WS-Discovery probes of its network. Requests are served either way. If no
+/// thread can be started for that, the call that sets it to true throws std::system_error: the setting keeps its new
+/// value, no probe is answered, and setting it to true again retries.
 class __attribute__((visibility("default"))) Manager final : public web::Service {
 public:
     /// engine         decides about credentials; must outlive the manager; never null
@@ -37,8 +37,8 @@ public:
             std::function<meta::data::VideoInfo(std::string const&)> channelInfo,
             utilities::name::Config const& nameConfig);
 
-    /// Ends the answering of probes, finishes the exchanges under way, then lets go of everything. Exchanges that wait
-    /// for events answer at once. Waits for a change of the setting that is being followed on another thread.
+    /// Stops answering probes, finishes the exchanges under way, then releases everything. Exchanges that wait for
+    /// events answer at once. Waits for a change of the setting that is being followed on another thread.
     ~Manager() override;
 
     Manager(Manager const&) = delete;

@@ -40,7 +40,7 @@ extern "C" int accept(int socket, sockaddr* address, socklen_t* size) {
 namespace zarn::host::web {
 namespace {
 
-constexpr std::chrono::seconds Patience{60};
+constexpr std::chrono::seconds LongestWait{60};
 
 /// Clients that are connected, and wait to be accepted.
 std::vector<std::unique_ptr<test::RawConnection>> Connect(Listener const& listener, std::size_t count) {
@@ -60,7 +60,7 @@ TEST(Acceptor, LeavesOtherHandlersTheirTurnDuringABurst) {
     std::size_t most = 0;
     while (accepted < Count) {
         auto const before = accepted;
-        ASSERT_EQ(io.run_one_for(Patience), 1U);
+        ASSERT_EQ(io.run_one_for(LongestWait), 1U);
         most = std::max(most, accepted - before);
     }
     EXPECT_LE(most, 16U);
@@ -98,7 +98,7 @@ TEST(Acceptor, WaitsForNoOtherConnectionWhenAClientHasGone) {
         auto const acceptor = std::make_shared<Acceptor>(io.GetContext(), Listener(io.GetContext(), 0), [](Socket) {});
         NextError = error;
         auto const closed = std::async(std::launch::async, [&] { acceptor->Close(); });
-        ASSERT_EQ(closed.wait_for(Patience), std::future_status::ready) << error;
+        ASSERT_EQ(closed.wait_for(LongestWait), std::future_status::ready) << error;
         EXPECT_EQ(NextError, 0);
     }
 }
