@@ -1,5 +1,4 @@
-// What the definitions of all namespaces share: XML Schema's types as C++ types, xs:any content as a DOM, and the message
-// of an operation that is not served.
+// Shared by all namespaces: XML Schema's types as C++ types, and xs:any content as a DOM.
 
 #import "dom.h"
 

@@ -44,7 +44,7 @@ foreach(row IN LISTS rows)
     declare("${response}")
     set(result "${response}& ${element}Response")
   endif()
-  string(REPLACE "wsnt" "tev" service "${prefix}")
+  string(REPLACE "wsnt" "tev" service "${prefix}") # operations of wsnt belong to the binding of tev
   string(APPEND functions "int __${service}__${operation}(${request}* ${element}, ${result});\n")
 endforeach()
 file(WRITE "${OUTPUT}/onvif_operations.h" "${messages}${functions}")

@@ -5,10 +5,9 @@
 // WSDLs (options: DOM for xs:any, prefix tr2), so that sources compile against either. What differs, and why:
 // - There is no common base xsd__anyType and no soap member: nothing needs the run-time types, and without them the code
 //   is a fraction.
-// - Only what is reached from the operations exists. A type that belongs to something that this device does not have
-//   (PTZ, imaging, audio, ...), and every extension, has no members: gSOAP skips the content that it does not know. Nor
-//   does content that this device ignores, so that any content is accepted, and the messages of operations that are not
-//   served.
+// - Types hold only the members that this device reads or writes. gSOAP skips content that it does not know, so any
+//   ignored content is accepted: features that this device lacks (PTZ, imaging, audio), extensions, and the messages of
+//   operations that it does not serve.
 // - Operations have no SOAP action: the element in the body tells which one is called.
 // - gSOAP writes a required pointer that is null as an empty element. Members that this device leaves out although the
 //   schema requires them are therefore optional; each says so.

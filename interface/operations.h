@@ -3,17 +3,17 @@
 #include <array>
 #include <string_view>
 
-// The table of operations: which operations the five services have, and how each is answered. The bindings, the service
-// classes, their tests and the fuzzer are made from it. A row is X(Access, prefix, Operation) or, when the message types
-// have other names than _prefix__Operation and _prefix__OperationResponse, X(Access, prefix, Operation, Request, Response).
+// The table of operations: what the five services offer and how each operation is answered. The bindings, service classes,
+// tests and fuzzer are generated from it. A row is X(Access, prefix, Operation) or, when the message types have other names
+// than _prefix__Operation and _prefix__OperationResponse, X(Access, prefix, Operation, Request, Response).
 //
 // Access     one of bindings::Access
 // prefix     of the element's namespace
 // Operation  the element's name. An underscore at its end marks the operation of a further port type; a request always
 //            calls the first, since the element alone decides.
 //
-// A message that no definition in this folder declares has no members: its content is skipped. A binding asks its
-// operations in the order of the rows, so that those that clients use come first.
+// A message that no definition in this folder declares has no members: gSOAP skips its content. A binding compares the
+// element of a request with the rows in order; put frequent operations first.
 
 // clang-format off
 

@@ -107,7 +107,6 @@ enum tt__UserLevel
 class tt__User
 { public:
     std::string        Username  1;
-    std::string*       Password  0;
     enum tt__UserLevel UserLevel 1;
 };
 

@@ -110,7 +110,7 @@ class tt__VideoEncoder2ConfigurationOptions
 
 // Analytics and metadata
 
-/// The schema requires the configurations of the analytics and the rule engine as well; the analytics service tells of
+/// The schema requires the configurations of the analytics and the rule engine as well; the analytics service reports
 /// modules and rules.
 class tt__VideoAnalyticsConfiguration : public tt__ConfigurationEntity
 { public:

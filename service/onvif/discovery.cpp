@@ -17,7 +17,7 @@ Discovery::~Discovery() { End(); }
 
 void Discovery::SetPort(std::uint16_t newPort) {
     port = newPort;
-    portKnown = true; // also for 0, which the host then means
+    portKnown = true; // also for 0: the host has set it explicitly
 }
 
 void Discovery::SetSSlEnabled(bool enabled) { sslEnabled = enabled; }

@@ -102,7 +102,7 @@ int EventsService::CreatePullPointSubscription(Authenticated, _tev__CreatePullPo
                                                _tev__CreatePullPointSubscriptionResponse& response) {
     auto const& request = OrEmpty(given);
     auto const termination = ReadTermination(request.InitialTerminationTime, system_clock::now());
-    auto const id = Subscription::Create(termination, ReadTopics(message));
+    auto const id = Subscription::Create(termination, ReadTopics(request.Filter, message));
     auto const address = GetBaseUri() + EventsServicePath + '/' + SubscriptionMarker + std::to_string(id);
     response.SubscriptionReference.Address = soap_strdup(soap, address.c_str());
     response.wsnt__CurrentTime = ToSeconds(system_clock::now());
@@ -131,14 +131,15 @@ int EventsService::PullMessages(Authenticated, _tev__PullMessages* given, _tev__
     auto const subscription = Subscription::Find(id);
     if (!subscription) return NotFound(soap);
     response.TerminationTime = ToSeconds(subscription->GetTermination());
-    if (!subscription->HasEvents()) {
+    bool const wantsEvents = request.MessageLimit > 0;
+    auto event = wantsEvents ? subscription->Pop() : nullptr;
+    if (!event && (wantsEvents || !subscription->HasEvents())) {
         auto const deadline = chrono::Add(steady_clock::now(), chrono::duration::FromIso8601(request.Timeout));
-        if (!subscription->WaitForEvents(deadline, [this] { return IsEnding(soap); })) return NotFound(soap);
+        auto const isStopped = [this] { return IsEnding(soap); };
+        if (!subscription->WaitForEvents(deadline, isStopped, wantsEvents ? &event : nullptr)) return NotFound(soap);
     }
     // The subscription may end at any time; it then has no more events.
-    for (int count = 0; count < request.MessageLimit;) {
-        auto const event = subscription->Pop();
-        if (!event) break;
+    for (int count = 0; event; event = count < request.MessageLimit ? subscription->Pop() : nullptr) {
         if (Append(event, subscription->GetTopics(), response.wsnt__NotificationMessage)) ++count;
     }
     response.CurrentTime = ToSeconds(system_clock::now());

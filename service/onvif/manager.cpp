@@ -52,7 +52,7 @@ logging::Logger const& ManagerLog() {
     return logger;
 }
 
-/// The state in which the host is told to ask again.
+/// The answer that makes the host poll again.
 Pending::Data MakeNotReady() { return {http::response::Status::Provisional, {}, {web::response::State::NotReady, {}}}; }
 
 Pending::Data MakeComplete(http::Response const& response) {

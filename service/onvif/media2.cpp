@@ -32,7 +32,7 @@ tt__VideoEncoder2Configuration* MakeVideoEncoder2Configuration(soap* soap, std::
 
 tt__VideoAnalyticsConfiguration* MakeAnalyticsConfiguration(soap* soap, std::string const& token,
                                                             std::string const& name) {
-    // The engine's modules and rules are told by the analytics service.
+    // The analytics service reports the engine's modules and rules.
     return Filled(soap_new_tt__VideoAnalyticsConfiguration(soap),
                   [&](auto& configuration) { Identify(configuration, token, name); });
 }
@@ -143,7 +143,7 @@ int Media2Service::GetProfiles(_tr2__GetProfiles* request, _tr2__GetProfilesResp
     return SOAP_OK;
 }
 
-// The list operations tell of every channel, whatever tokens the request carries.
+// The list operations list every channel, whatever tokens the request carries.
 
 int Media2Service::GetVideoSourceConfigurations(tr2__GetConfiguration*,
                                                 _tr2__GetVideoSourceConfigurationsResponse& response) {

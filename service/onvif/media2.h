@@ -6,7 +6,8 @@
 
 namespace zarn::service::onvif {
 
-/// The ONVIF Media2 service (ver20/media/wsdl): one fixed profile per channel, whose configurations are told on demand.
+/// The ONVIF Media2 service (ver20/media/wsdl): one fixed profile per channel, whose configurations are returned on
+/// request.
 class Media2Service final : public ChannelService<Media2BindingService> {
 public:
     using ChannelService::ChannelService;

@@ -19,7 +19,7 @@ namespace zarn::service::onvif {
 /// Yields the present video description of a channel, given the channel's id.
 using ChannelInfo = std::function<meta::data::VideoInfo(std::string const&)>;
 
-/// What both media services are made of.
+/// Base of both media services: the channels of the configuration and their video descriptions.
 template <class Binding>
 class ChannelService : public Service<Binding> {
 public:

@@ -23,8 +23,8 @@ inline int IntMax = std::numeric_limits<int>::max();
 /// What an operation returns when the request needs credentials and does not carry the right ones.
 inline constexpr int Unauthorized = 401;
 
-/// The request of an operation. An element with xsi:nil="true" reaches its operation as a null pointer, from any client
-/// that likes; it asks for what an empty element asks for.
+/// The request of an operation. For an element with xsi:nil="true", which any client can send, gSOAP passes a null
+/// pointer; it is treated as an empty element.
 template <class Request>
 Request const& OrEmpty(Request const* request) {
     static Request const empty;
@@ -51,7 +51,8 @@ protected:
     /// First argument of an operation whose wrapper has checked the credentials.
     struct Authenticated {};
 
-    /// Called before the credentials are checked; a service overloads it for responses that carry something even then.
+    /// Called before the login check. A service overloads it for responses whose header must be set even when the check
+    /// fails.
     template <class Response>
     void Prepare(Response const&) {}
 

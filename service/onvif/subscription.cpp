@@ -8,6 +8,7 @@
 #include <future>
 #include <optional>
 #include <utility>
+#include <vector>
 
 namespace zarn::service::onvif {
 
@@ -47,12 +48,16 @@ void Subscription::RegisterForEvents() {
 
 /// Thread: the host's.
 void Subscription::Queue(EventPtr const& event) {
-    std::scoped_lock const lock(Mutex);
-    for (auto const& [id, subscription] : Subscriptions) {
-        subscription->events.push_back(event);
-        subscription->gauge.SetQueued(subscription->events.size());
-        subscription->changed.notify_all();
+    std::vector<std::shared_ptr<Subscription>> awaited; // woken without the mutex, which they need at once
+    {
+        std::scoped_lock const lock(Mutex);
+        for (auto const& [id, subscription] : Subscriptions) {
+            if (subscription->waiting > 0) awaited.push_back(subscription);
+            subscription->events.push_back(event);
+            subscription->gauge.SetQueued(subscription->events.size());
+        }
     }
+    for (auto const& subscription : awaited) subscription->changed.notify_all();
 }
 
 std::int32_t Subscription::GetNextSubscriptionId() {
@@ -92,6 +97,7 @@ void Subscription::End(std::int32_t id, std::optional<Time> termination) {
     auto& subscription = *ended.mapped();
     subscription.hasEnded = true;
     std::swap(unread, subscription.events);
+    subscription.gauge.SetQueued(0);
     subscription.changed.notify_all();
 }
 
@@ -125,16 +131,23 @@ bool Subscription::HasEvents() const {
     return !events.empty();
 }
 
-bool Subscription::WaitForEvents(std::chrono::steady_clock::time_point deadline,
-                                 std::function<bool()> const& isStopped) {
+bool Subscription::WaitForEvents(std::chrono::steady_clock::time_point deadline, std::function<bool()> const& isStopped,
+                                 EventPtr* oldest) {
     std::unique_lock lock(Mutex);
+    ++waiting;
     while (!hasEnded && events.empty() && !isStopped() && std::chrono::steady_clock::now() < deadline)
         changed.wait_until(lock, deadline);
+    --waiting;
+    if (oldest) *oldest = PopLocked();
     return !hasEnded;
 }
 
 Subscription::EventPtr Subscription::Pop() {
     std::scoped_lock const lock(Mutex);
+    return PopLocked();
+}
+
+Subscription::EventPtr Subscription::PopLocked() {
     if (events.empty()) return nullptr;
     auto event = std::move(events.front());
     events.pop_front();

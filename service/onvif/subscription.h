@@ -25,13 +25,13 @@ class Event;
 namespace zarn::service::onvif {
 
 /// A pull-point subscription: it queues the host's events until its client pulls them, and ends at its termination
-/// time. The process knows the live ones by their ids. Thread: any, for all operations.
+/// time. Live subscriptions are found by id. Thread: any, for all operations.
 class Subscription {
 public:
     using Time = std::chrono::system_clock::time_point;
     using EventPtr = std::shared_ptr<meta::data::Event>;
 
-    /// What a client wants; empty: all.
+    /// The topics that a client wants; empty means all.
     using Topics = std::set<std::string, std::less<>>;
 
     /// Registers for the host's events, the first time; for as long as the library is loaded.
@@ -49,7 +49,7 @@ public:
     /// Wakes every WaitForEvents so that it checks `isStopped` again.
     static void WakeWaiting();
 
-    /// Made by Create only.
+    /// For Create only.
     Subscription(std::int32_t id, Topics topics);
 
     Topics const& GetTopics() const { return topics; }
@@ -62,8 +62,10 @@ public:
     bool HasEvents() const;
 
     /// Waits until there are events, the deadline has passed, or `isStopped` says so, which is called under a lock.
-    /// Returns false when the subscription has ended.
-    bool WaitForEvents(std::chrono::steady_clock::time_point deadline, std::function<bool()> const& isStopped);
+    /// oldest  when not null, gets the oldest event out of the queue, so that one event ends the wait of one thread
+    /// only Returns false when the subscription has ended.
+    bool WaitForEvents(std::chrono::steady_clock::time_point deadline, std::function<bool()> const& isStopped,
+                       EventPtr* oldest);
 
     /// Takes the oldest event out of the queue; null when there is none or the subscription has ended.
     EventPtr Pop();
@@ -80,6 +82,8 @@ private:
 
     void StartTimer(Time termination);
 
+    EventPtr PopLocked();
+
     static std::mutex Mutex; ///< guards Subscriptions, what changes in each, and EventHandlerBinding
     static Live Subscriptions;
     static type::Binding EventHandlerBinding;
@@ -91,6 +95,7 @@ private:
     boost::asio::system_timer timer{context.Get()}; ///< its expiry is the termination time
     std::deque<EventPtr> events;                    ///< in the order of arrival
     bool hasEnded = false;
+    unsigned waiting = 0;            ///< threads in WaitForEvents
     std::condition_variable changed; ///< an event arrived, the subscription ended, or waiting is to stop
 };
 

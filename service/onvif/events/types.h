@@ -17,7 +17,7 @@ namespace zarn::service::onvif::events {
 using Messages = std::vector<wsnt__NotificationMessageHolderType*>;
 using EventPtr = std::shared_ptr<meta::data::Event>;
 
-/// A family of the host's rules: how clients are told of its topics, and how its events become messages.
+/// A family of the host's rules: how its topics are described, and how its events become messages.
 struct Type {
     char const* name; ///< of its topic below `tns1:RuleEngine`
 

@@ -154,14 +154,15 @@ protected:
     std::string Subscribe(char const* topics) {
         auto const context = MakeSoapContext();
         _tev__CreatePullPointSubscription subscription;
-        std::string const message =
-            topics ? "<Envelope xmlns:e='http://www.onvif.org/ver10/events/wsdl'><Body><e:CreatePullPointSubscription>"
-                     "<e:Filter><TopicExpression>" +
-                         std::string(topics) +
-                         "</TopicExpression></e:Filter></e:CreatePullPointSubscription></Body></Envelope>"
-                   : "";
+        wsnt__FilterType filter;
+        if (topics) {
+            auto& expression = filter.__any.emplace_back(context.get());
+            soap_elt_set(&expression, nullptr, "wsnt:TopicExpression");
+            soap_elt_text(&expression, topics);
+            subscription.Filter = &filter;
+        }
         _tev__CreatePullPointSubscriptionResponse response;
-        EXPECT_EQ(EventsService(context.get(), URIBase(80, false), &engine, message)
+        EXPECT_EQ(EventsService(context.get(), URIBase(80, false), &engine, {})
                       .CreatePullPointSubscription(&subscription, response),
                   SOAP_OK);
         return response.SubscriptionReference.Address;

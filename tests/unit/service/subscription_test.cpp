@@ -17,7 +17,7 @@ namespace {
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
-constexpr auto Soon = 60s; // longer than anything takes
+constexpr auto Soon = 60s; // only a failing test waits this long
 
 Subscription::Time Now() { return std::chrono::system_clock::now(); }
 
@@ -37,7 +37,7 @@ protected:
     std::shared_ptr<Subscription> const subscription = Subscription::Find(id);
 };
 
-TEST_F(SubscriptionTest, GivesTheEventsInTheirOrder) {
+TEST_F(SubscriptionTest, ReturnsEventsInOrder) {
     Publish("first");
     Publish("second");
     EXPECT_EQ(subscription->Pop()->GetName(), "first");
@@ -45,7 +45,7 @@ TEST_F(SubscriptionTest, GivesTheEventsInTheirOrder) {
     EXPECT_EQ(subscription->Pop(), nullptr);
 }
 
-TEST_F(SubscriptionTest, GivesNoMoreEventsOnceItHasEndedInTheMiddleOfADelivery) {
+TEST_F(SubscriptionTest, ReturnsNoEventsAfterItEndsDuringADelivery) {
     Publish("first");
     Publish("second");
     EXPECT_EQ(subscription->Pop()->GetName(), "first");
@@ -53,7 +53,7 @@ TEST_F(SubscriptionTest, GivesNoMoreEventsOnceItHasEndedInTheMiddleOfADelivery) 
     while (Subscription::Find(id)) std::this_thread::yield();
     EXPECT_EQ(subscription->Pop(), nullptr);
     EXPECT_FALSE(subscription->HasEvents());
-    EXPECT_FALSE(subscription->WaitForEvents(Clock::now() + Soon, Never));
+    EXPECT_FALSE(subscription->WaitForEvents(Clock::now() + Soon, Never, nullptr));
     EXPECT_FALSE(subscription->Renew(Now() + 1h));
 }
 
@@ -66,14 +66,15 @@ TEST_F(SubscriptionTest, ReleasesItsEventsWhenItEnds) {
     EXPECT_EQ(kept.use_count(), keepers - 1);
 }
 
-TEST_F(SubscriptionTest, WakesOnlyTheClientsThatItsEndConcerns) {
+TEST_F(SubscriptionTest, WakesOnlyItsOwnWaitsWhenItEnds) {
     std::atomic<int> checks = 0;
     auto waiting = std::async(std::launch::async, [&] {
-        return subscription->WaitForEvents(Clock::now() + Soon, [&] { return ++checks < 0; });
+        return subscription->WaitForEvents(
+            Clock::now() + Soon, [&] { return ++checks < 0; }, nullptr);
     });
     while (checks == 0) std::this_thread::yield();
     for (int i = 0; i < 100; ++i) Subscription::End(Subscription::Create(Now() + 1h, {}));
-    Subscription::End(0); // nobody's
+    Subscription::End(0); // does not exist
     EXPECT_EQ(checks, 1);
     Subscription::WakeWaiting();
     while (checks == 1) std::this_thread::yield();
@@ -81,9 +82,30 @@ TEST_F(SubscriptionTest, WakesOnlyTheClientsThatItsEndConcerns) {
     EXPECT_FALSE(waiting.get());
 }
 
-TEST_F(SubscriptionTest, StopsWaitingWhenItIsTold) {
-    EXPECT_TRUE(subscription->WaitForEvents(Clock::now() + Soon, [] { return true; }));
-    EXPECT_TRUE(subscription->WaitForEvents(Clock::now() - 1s, Never));
+TEST_F(SubscriptionTest, EndsOneOfTwoWaitsOnOneEvent) {
+    std::atomic<int> checks = 0;
+    std::atomic<int> events = 0;
+    auto const wait = [&] {
+        Subscription::EventPtr event;
+        auto const isAlive = subscription->WaitForEvents(
+            Clock::now() + Soon, [&] { return ++checks < 0; }, &event);
+        if (event) ++events;
+        return isAlive;
+    };
+    auto first = std::async(std::launch::async, wait);
+    auto second = std::async(std::launch::async, wait);
+    while (checks < 2) std::this_thread::yield();
+    Publish("one");
+    while (events == 0) std::this_thread::yield();
+    Subscription::End(id);
+    EXPECT_NE(first.get(), second.get());
+    EXPECT_EQ(events, 1);
+}
+
+TEST_F(SubscriptionTest, StopsWaitingOnRequest) {
+    EXPECT_TRUE(subscription->WaitForEvents(
+        Clock::now() + Soon, [] { return true; }, nullptr));
+    EXPECT_TRUE(subscription->WaitForEvents(Clock::now() - 1s, Never, nullptr));
 }
 
 TEST_F(SubscriptionTest, LivesToTheEndOfTheClock) {
