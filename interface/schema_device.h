@@ -104,9 +104,11 @@ enum tt__UserLevel
     tt__UserLevel__Extended
 };
 
+/// The password is never written.
 class tt__User
 { public:
     std::string        Username  1;
+    std::string*       Password  0;
     enum tt__UserLevel UserLevel 1;
 };
 
