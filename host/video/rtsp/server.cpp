@@ -111,10 +111,11 @@ Server::Server(std::uint16_t port, std::shared_ptr<FailedLogins> failedLogins)
     auto* timer = g_timeout_source_new_seconds(CheckSeconds);
     g_source_set_callback(timer, &Server::OnTimer, this, nullptr);
     sources.push_back(timer);
+    loop.emplace(); // nothing above needs its thread
 }
 
 Server::~Server() {
-    loop.Run([this] { StopAccepting(); });
+    loop->Run([this] { StopAccepting(); });
     if (connections.GetCount() > 0) std::this_thread::sleep_for(Farewell);
     if (!connections.EndAll(EndTimeout)) Log().Log(logging::Level::Warning, "RTSP connections do not end in time");
     gst_rtsp_session_pool_filter(
@@ -123,7 +124,7 @@ Server::~Server() {
 
 void Server::Start() {
     if (std::exchange(isStarted, true)) return;
-    for (auto* source : sources) g_source_attach(source, loop.GetContext());
+    for (auto* source : sources) g_source_attach(source, loop->GetContext());
 }
 
 void Server::SetAuthentication(bool authenticate, std::string const& ha1) {
@@ -152,7 +153,7 @@ void Server::Unmount(std::string const& id) {
 
 void Server::Disconnect(std::string const& id) {
     auto const viewers = std::make_shared<std::vector<Connections::Client>>(connections.FindViewers(MakePath(id)));
-    if (!viewers->empty()) loop.Post([this, viewers] { connections.End(*viewers); }, Farewell);
+    if (!viewers->empty()) loop->Post([this, viewers] { connections.End(*viewers); }, Farewell);
 }
 
 std::uint16_t Server::GetPort() const {

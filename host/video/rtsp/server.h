@@ -85,7 +85,7 @@ private:
     ObjectHandle<GstRTSPMountPoints> mounts;
     std::vector<GSource*> sources; ///< touched at the beginning and at the end only
     bool isStarted = false;
-    Loop loop; ///< last, so that it ends before what it uses goes
+    std::optional<Loop> loop; ///< last, so that it ends before what it uses goes
 };
 
 } // namespace zarn::host::video::rtsp
