@@ -139,6 +139,19 @@ TEST_F(DiscoveredHost, ReportsItsXAddrToAnotherMachine) {
     });
 }
 
+TEST_F(DiscoveredHost, ReportsItsXAddrToItsOwnMachine) {
+    Start(true);
+    server.Run([&] {
+        ProbeClient probe;
+        std::string answer;
+        EXPECT_TRUE(Eventually([&] {
+            probe.Send(MakeProbe("urn:uuid:1"), "127.0.0.1");
+            answer = probe.Receive(200ms).value_or("");
+            return answer.find(AddressAt(host->GetPort())) != std::string::npos;
+        })) << answer;
+    });
+}
+
 TEST_F(DiscoveredHost, AppearsAndDisappearsWithItsSetting) {
     Start(false);
     EXPECT_EQ(Discover(), "");
@@ -240,7 +253,7 @@ TEST_F(DiscoveredHost, AnswersOnlyForItselfOnASharedNetwork) {
     Ip(client, "address delete 10.9.0.2/24 dev lan");
     Connect(second, "lan", client, "lan2");
     Ip(second, "address add 10.9.0.3/24 dev lan");
-    if (!client.Ip("link add spare type bridge")) GTEST_SKIP() << "the kernel has no bridges";
+    if (!client.Ip("link add spare type bridge")) GTEST_SKIP() << "the kernel has no bridges (module bridge)";
     for (auto const* command :
          {"link add switch type bridge", "link set lan master switch", "link set lan2 master switch",
           "link set switch up", "address add 10.9.0.2/24 dev switch"})

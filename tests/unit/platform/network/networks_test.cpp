@@ -39,7 +39,7 @@ TEST(ReadInterfaces, ReadsEveryNetworkOfAnInterface) {
 }
 
 TEST(ReadInterfaces, ReadsThePeerOfAPointToPointLink) {
-    if (access("/dev/net/tun", R_OK | W_OK) != 0) GTEST_SKIP() << "there is no /dev/net/tun";
+    if (access("/dev/net/tun", R_OK | W_OK) != 0) GTEST_SKIP() << "cannot open /dev/net/tun (module tun)";
     bool ran = false;
     auto const networks =
         ReadNetworks("zarn1", {"tuntap add zarn1 mode tun", "address add 10.9.0.1 peer 10.9.0.2/32 dev zarn1"}, ran);
