@@ -1,9 +1,10 @@
 #include "post.h"
 
+#include <zarn/job/end_notice.h>
 #include <zarn/logging/logger.h>
 #include <zarn/web/response/pending.h>
 
-#include <thread>
+#include <semaphore>
 #include <utility>
 
 namespace zarn::bench {
@@ -22,12 +23,11 @@ Request::Request(std::string_view operation, std::string target)
            std::string(operation) + "</s:Body></s:Envelope>") {}
 
 int Post(service::onvif::Manager& manager, std::shared_ptr<Request> const& request) {
+    std::binary_semaphore ended(0);
+    job::EndNotice const notice([&ended] { ended.release(); });
     auto const pending = manager.Post(request);
-    for (;;) {
-        auto const data = pending->GetData();
-        if (data.GetState() == web::response::State::Complete) return static_cast<int>(data.GetStatus());
-        std::this_thread::yield();
-    }
+    ended.acquire();
+    return static_cast<int>(pending->GetData().GetStatus());
 }
 
 } // namespace zarn::bench

@@ -2,9 +2,8 @@
 #include "host/web/server.h"
 #include "require.h"
 
+#include <zarn/container/buffer.h>
 #include <zarn/logging/logger.h>
-#include <zarn/web/response/pending.h>
-#include <zarn/web/service.h>
 
 #include <boost/algorithm/string/predicate.hpp>
 #include <boost/asio/io_context.hpp>
@@ -45,9 +44,14 @@ bool IsFree(std::string_view text, std::string_view characters) {
 }
 
 /// Checks the request and returns its body.
-class Echo final : public web::Service {
+class Echo final : public host::web::Handler {
 public:
-    Response Process(std::shared_ptr<web::Request> request) override {
+    Echo()
+        : Handler({Method::Get, Method::Head, Method::Post, Method::Put, Method::Delete, Method::Connect,
+                   Method::Options, Method::Trace, Method::Patch}) {}
+
+private:
+    void Serve(RequestPtr request, Done done) override {
         Require(request->GetTarget().starts_with('/'), "a target is in origin form");
         Require(request->GetTarget().size() <= MaximumTargetAndHost, "a target is short");
         Require(IsFree(request->GetTarget(), std::string_view("\0\r\n ", 4)), "a target is one word");
@@ -57,11 +61,11 @@ public:
             Require(IsFree(value, std::string_view("\0\r\n", 3)), "a field is one line");
             Require(!IsOfConnection(name), "fields of the connection do not reach a service");
         }
-        return web::response::MakeComplete(protocol::network::http::response::Status::Ok,
-                                           {{"Content-Type", "text/plain"}}, std::string(request->GetBody()));
+        done(host::web::Reply(
+            host::web::Status::Ok, {{"Content-Type", "text/plain"}},
+            {web::response::State::Complete, {std::make_shared<container::Buffer>(std::string(request->GetBody()))}}));
     }
 
-private:
     static bool IsOfConnection(std::string_view name) {
         constexpr std::array Names{"Connection", "Transfer-Encoding", "Keep-Alive", "Upgrade"};
         return std::ranges::any_of(Names, [&](char const* each) { return boost::iequals(each, name); });

@@ -2,19 +2,22 @@
 
 #include <boost/json/serialize.hpp>
 
+#include <memory>
 #include <utility>
 
 namespace zarn::host::routes {
 
+using web::Reply;
+using web::Status;
+using zarn::web::response::State;
+
 HealthRoute::HealthRoute(std::function<boost::json::value()> describe)
-    : Service({Method::Get, Method::Head}), describe(std::move(describe)) {}
+    : Handler({Method::Get, Method::Head}), describe(std::move(describe)) {}
 
-HealthRoute::Response HealthRoute::Get(std::shared_ptr<zarn::web::Request> /*request*/) {
-    return zarn::web::response::MakeComplete(protocol::network::http::response::Status::Ok,
-                                             {{"Content-Type", "application/json"}, {"Cache-Control", "no-store"}},
-                                             boost::json::serialize(describe()) + '\n');
+void HealthRoute::Serve(RequestPtr /*request*/, Done done) {
+    auto text = std::make_shared<container::Buffer>(boost::json::serialize(describe()) + '\n');
+    done(Reply(Status::Ok, {{"Content-Type", "application/json"}, {"Cache-Control", "no-store"}},
+               {State::Complete, {std::move(text)}}));
 }
-
-HealthRoute::Response HealthRoute::Head(std::shared_ptr<zarn::web::Request> request) { return Get(std::move(request)); }
 
 } // namespace zarn::host::routes

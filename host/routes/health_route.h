@@ -1,25 +1,22 @@
 #pragma once
 
-#include <zarn/web/service.h>
+#include "host/web/handler.h"
 
 #include <boost/json/value.hpp>
 
 #include <functional>
-#include <memory>
 
 namespace zarn::host::routes {
 
-/// Serves `/api/health`: the status of the host, without login.
-class HealthRoute final : public zarn::web::Service {
+/// Serves `/api/health`: the status of the host, without login. 200 with the status as JSON.
+class HealthRoute final : public web::Handler {
 public:
     /// describe  makes the status; called for each request, on any thread
     explicit HealthRoute(std::function<boost::json::value()> describe);
 
-    /// 200 with the status as JSON.
-    Response Get(std::shared_ptr<zarn::web::Request> request) override;
-    Response Head(std::shared_ptr<zarn::web::Request> request) override;
-
 private:
+    void Serve(RequestPtr request, Done done) override;
+
     std::function<boost::json::value()> describe;
 };
 

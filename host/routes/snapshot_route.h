@@ -2,17 +2,17 @@
 
 #include "host/video/snapshot.h"
 #include "host/web/digest.h"
-
-#include <zarn/web/service.h>
+#include "host/web/handler.h"
 
 #include <functional>
-#include <memory>
 #include <string_view>
 
 namespace zarn::host::routes {
 
-/// Serves `/snapshot/<id>/latest.jpeg`: the newest picture of a channel, for clients that log in.
-class SnapshotRoute final : public zarn::web::Service {
+/// Serves `/snapshot/<id>/latest.jpeg`: the newest picture of a channel, for clients that log in. The channel's id is
+/// the segment that the "*" of the route stands for. 200 with a JPEG file; 401 without valid credentials; 404 for an
+/// unknown channel; 503 when there is no picture now.
+class SnapshotRoute final : public web::Handler {
 public:
     /// Asks for a picture of a channel; calls back once, on any thread, possibly before it returns.
     using Source = std::function<void(std::string_view id, std::function<void(video::Snapshot)> done)>;
@@ -20,12 +20,9 @@ public:
     /// digest  decides which requests are served
     SnapshotRoute(web::Digest digest, Source source);
 
-    /// 200 with a JPEG file; 401 without valid credentials; 404 for an unknown channel; 503 when there is no picture
-    /// now. The channel's id is the segment that the "*" of the route stands for.
-    Response Get(std::shared_ptr<zarn::web::Request> request) override;
-    Response Head(std::shared_ptr<zarn::web::Request> request) override;
-
 private:
+    void Serve(RequestPtr request, Done done) override;
+
     web::Digest digest;
     Source source;
 };

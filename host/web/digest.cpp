@@ -7,6 +7,7 @@
 #include <zarn/authentication/engine.h>
 #include <zarn/authentication/realm.h>
 
+#include <boost/algorithm/string/predicate.hpp>
 #include <boost/beast/core/string.hpp>
 
 #include <map>
@@ -16,6 +17,18 @@ namespace zarn::host::web {
 namespace {
 
 constexpr char FieldName[] = "WWW-Authenticate";
+
+struct Login {
+    std::optional<DigestCredentials> credentials;
+    bool isOfferedForm; ///< digest credentials of a form that the challenge offers: when they are wrong, a guess
+};
+
+Login ReadLogin(zarn::web::Request const& request) {
+    auto const field = request.FindField("Authorization");
+    auto parameters = ParseDigestParameters(field);
+    bool const isOfferedForm = boost::istarts_with(field, "Digest") && !IsOfUnofferedForm(field, parameters);
+    return {DigestCredentials::Make(std::move(parameters)), isOfferedForm};
+}
 
 /// Whether credentials with this uri are made for a request; many clients leave out the query.
 bool IsFor(std::string const& uri, std::string_view target) {
@@ -41,29 +54,32 @@ std::string RemoveChallenge(std::map<std::string, std::string>& fields) {
 Digest::Digest(ZarnAuthenticationEngine const& engine, Challenges& challenges)
     : engine(&engine), challenges(&challenges) {}
 
-zarn::web::Service::Response Digest::Refuse(zarn::web::Request const& request) const {
-    if (!ZarnAuthenticationIsEnabled(engine)) return nullptr;
+std::optional<Answer> Digest::Refuse(zarn::web::Request const& request) const {
+    if (!ZarnAuthenticationIsEnabled(engine)) return std::nullopt;
     bool stale = false;
-    auto const credentials = DigestCredentials::Find(request);
-    if (credentials && IsFor(credentials->GetUri(), request.GetTarget())) {
+    auto const login = ReadLogin(request);
+    if (auto const& credentials = login.credentials; credentials && IsFor(credentials->GetUri(), request.GetTarget())) {
         std::string const method(protocol::network::http::ToString(request.GetMethod()));
-        if (credentials->LogIn(*engine, method, credentials->GetUri())) return nullptr;
+        if (credentials->LogIn(*engine, method, credentials->GetUri())) return std::nullopt;
         stale = credentials->HasRightResponse(*engine, method, credentials->GetUri());
     }
-    return MakeTextResponse(Status::Unauthorized, "Log in first.",
-                            {{FieldName, MakeChallenge(authentication::Realm, stale)}});
+    return Answer(MakeTextReply(Status::Unauthorized, "Log in first.",
+                                {{FieldName, MakeChallenge(authentication::Realm, stale)}}),
+                  login.isOfferedForm && !stale);
 }
 
-Digest::Data Digest::ReplaceChallenge(Data const& refusal, zarn::web::Request const& request) const {
+Answer Digest::ReplaceChallenge(Reply const& refusal, zarn::web::Request const& request) const {
     // With a right response to one of the targets that the module tries, only the nonce can be the reason.
-    auto const credentials = DigestCredentials::Find(request);
+    auto const login = ReadLogin(request);
+    auto const& credentials = login.credentials;
     auto const target = request.GetTarget();
     bool const stale = credentials && (credentials->HasRightResponse(*engine, "POST", target) ||
                                        credentials->HasRightResponse(*engine, "POST", GetPath(target)));
     auto fields = refusal.GetFields();
     auto const realm = RemoveChallenge(fields);
     fields.emplace(FieldName, MakeChallenge(realm, stale));
-    return {refusal.GetStatus(), std::move(fields), {refusal.GetState(), refusal.GetBody()}};
+    return {Reply(refusal.GetStatus(), std::move(fields), {refusal.GetState(), refusal.GetBody()}),
+            login.isOfferedForm && !stale};
 }
 
 std::string Digest::MakeChallenge(std::string_view realm, bool stale) const {

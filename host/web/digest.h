@@ -1,11 +1,11 @@
 #pragma once
 
 #include "host/web/challenges.h"
+#include "host/web/handler.h"
 
 #include <zarn/web/request.h>
-#include <zarn/web/response/pending.h>
-#include <zarn/web/service.h>
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -19,20 +19,18 @@ namespace zarn::host::web {
 /// Thread: any. Source: RFC 2617, RFC 7616.
 class Digest {
 public:
-    using Data = zarn::web::response::Pending::Data;
-
     /// engine      knows the password and whether clients must log in, and asks `challenges` whether a response may be
     ///             used
     /// challenges  makes the nonces
     /// Both must outlive this object and its copies.
     Digest(ZarnAuthenticationEngine const& engine, Challenges& challenges);
 
-    /// The refusal of a request, 401 with a challenge; null when the request may be served, because authentication is
+    /// The refusal of a request, 401 with a challenge; none when the request may be served, because authentication is
     /// off or its credentials are right. There is one account: the user name is ignored.
-    zarn::web::Service::Response Refuse(zarn::web::Request const& request) const;
+    std::optional<Answer> Refuse(zarn::web::Request const& request) const;
 
     /// The module's refusal of a request (401) with the host's challenge instead of its own, in the same realm.
-    Data ReplaceChallenge(Data const& refusal, zarn::web::Request const& request) const;
+    Answer ReplaceChallenge(Reply const& refusal, zarn::web::Request const& request) const;
 
 private:
     std::string MakeChallenge(std::string_view realm, bool stale) const;

@@ -25,6 +25,13 @@ constexpr std::string_view OtherAlgorithms[]{"MD5-sess", "SHA-256", "SHA-256-ses
 constexpr std::string_view ReadDifferently = ";\\%";
 constexpr std::size_t LongestReadAlike = 2000;
 
+/// The value of a parameter; empty when there is none.
+std::string const& Find(DigestParameters const& parameters, std::string const& name) {
+    static std::string const none;
+    auto const found = parameters.find(name);
+    return found == parameters.end() ? none : found->second;
+}
+
 bool IsMd5(std::string const& algorithm) { return algorithm.empty() || boost::beast::iequals(algorithm, "MD5"); }
 
 void SkipBlanks(std::string_view& text) { text.remove_prefix(std::min(text.find_first_not_of(Blanks), text.size())); }
@@ -88,20 +95,18 @@ std::string RemoveBlanksBeforeSeparators(std::string_view authorization) {
     return text;
 }
 
-bool IsOfUnofferedForm(std::string_view authorization) {
+bool IsOfUnofferedForm(std::string_view authorization, std::optional<DigestParameters> const& parameters) {
     if (authorization.size() > LongestReadAlike ||
         authorization.find_first_of(ReadDifferently) != std::string_view::npos) {
         return false;
     }
-    auto parameters = ParseDigestParameters(authorization);
     if (!parameters) return false;
-    return (*parameters)["qop"] == "auth-int" || std::ranges::any_of(OtherAlgorithms, [&](auto other) {
-               return boost::beast::iequals((*parameters)["algorithm"], other);
+    return Find(*parameters, "qop") == "auth-int" || std::ranges::any_of(OtherAlgorithms, [&](auto other) {
+               return boost::beast::iequals(Find(*parameters, "algorithm"), other);
            });
 }
 
-std::optional<DigestCredentials> DigestCredentials::Find(zarn::web::Request const& request) {
-    auto parameters = ParseDigestParameters(request.FindField("Authorization"));
+std::optional<DigestCredentials> DigestCredentials::Make(std::optional<DigestParameters> parameters) {
     if (!parameters) return std::nullopt;
     DigestCredentials credentials(*std::move(parameters));
     bool const isChecked = !credentials.Get("username").empty() && !credentials.Get("realm").empty();
@@ -135,10 +140,6 @@ bool DigestCredentials::HasRightResponse(ZarnAuthenticationEngine const& engine,
                                             Get("response"));
 }
 
-std::string const& DigestCredentials::Get(std::string const& name) const {
-    static std::string const none;
-    auto const found = parameters.find(name);
-    return found == parameters.end() ? none : found->second;
-}
+std::string const& DigestCredentials::Get(std::string const& name) const { return Find(parameters, name); }
 
 } // namespace zarn::host::web

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <zarn/web/request.h>
-
 #include <map>
 #include <optional>
 #include <string>
@@ -26,15 +24,17 @@ std::string RemoveBlanksBeforeSeparators(std::string_view authorization);
 /// Whether an Authorization field states that its credentials are of a form that the challenge does not offer
 /// (RFC 7616's other algorithms, qop "auth-int"), so that they are refused without checking their response. False when
 /// in doubt: the SOAP engine may read the same text in another way.
-bool IsOfUnofferedForm(std::string_view authorization);
+/// parameters  of the field, as ParseDigestParameters reads them
+bool IsOfUnofferedForm(std::string_view authorization, std::optional<DigestParameters> const& parameters);
 
 /// The digest credentials of a request, in one of the forms that the challenge offers. Thread: one at a time.
 /// Source: RFC 7616, 3.4.
 class DigestCredentials {
 public:
-    /// Returns nothing when the request has no digest credentials, or some with another algorithm than MD5 or without
-    /// user name or realm, which are refused without checking their response.
-    static std::optional<DigestCredentials> Find(zarn::web::Request const& request);
+    /// parameters  of the Authorization field, as ParseDigestParameters reads them
+    /// Returns nothing when there are none, or when they have another algorithm than MD5 or no user name or realm: they
+    /// are refused without checking their response.
+    static std::optional<DigestCredentials> Make(std::optional<DigestParameters> parameters);
 
     /// The "uri" parameter; empty when there is none.
     std::string const& GetUri() const { return Get("uri"); }

@@ -1,12 +1,8 @@
 #include "host/web/dispatcher.h"
 
-#include "host/web/digest_credentials.h"
 #include "host/web/request_target.h"
 
-#include <boost/algorithm/string/predicate.hpp>
-#include <boost/beast/core/string.hpp>
-
-#include <algorithm>
+#include <atomic>
 #include <exception>
 #include <string>
 #include <system_error>
@@ -17,27 +13,21 @@ namespace {
 
 using logging::Level;
 
-/// Whether a refusal only asks for a newer nonce: the response was right.
-bool IsStale(Reply const& reply) {
-    return std::any_of(reply.GetFields().begin(), reply.GetFields().end(), [](auto const& field) {
-        if (!boost::beast::iequals(field.first, "WWW-Authenticate")) return false;
-        // Parsed as a client does, because the realm may be a text that the client sent.
-        auto challenge = ParseDigestParameters(field.second);
-        return challenge && boost::beast::iequals((*challenge)["stale"], "true");
-    });
-}
-
-/// Whether a request was refused because its response was wrong.
-bool IsFailedLogin(IncomingRequest const& request, Reply const& reply) {
-    if (reply.GetStatus() != Status::Unauthorized) return false;
-    auto const authorization = request.FindField("Authorization");
-    return boost::istarts_with(authorization, "Digest") && !IsOfUnofferedForm(authorization) && !IsStale(reply);
-}
+constexpr char Overload[] = "The request cannot be worked on now; try again later.";
 
 } // namespace
 
-Dispatcher::Dispatcher(Router router, PendingTicker& ticker, Admission& admission, FailedLogins& failedLogins)
-    : router(std::move(router)), ticker(ticker), admission(admission), failedLogins(failedLogins) {}
+/// A request that is being answered.
+struct Dispatcher::Exchange {
+    boost::asio::ip::address peer;
+    std::shared_ptr<IncomingRequest> request;
+    Admission::Slot slot;
+    Done done;
+    std::atomic<bool> isAnswered = false;
+};
+
+Dispatcher::Dispatcher(Router router, Admission& admission, FailedLogins& failedLogins)
+    : router(std::move(router)), admission(admission), failedLogins(failedLogins) {}
 
 void Dispatcher::Handle(boost::asio::ip::address const& peer, std::shared_ptr<IncomingRequest> const& request,
                         Limits const& limits, Done done) {
@@ -55,29 +45,31 @@ void Dispatcher::Handle(boost::asio::ip::address const& peer, std::shared_ptr<In
         return done(MakeTextReply(Status::ServiceUnavailable, "Too many requests are under way; try again later.",
                                   {{"Retry-After", "1"}}));
     }
-    ticker.Watch(Ask(request),
-                 [this, peer, slot = std::move(slot), request, done = std::move(done)](Reply reply) mutable {
-                     slot.reset();
-                     if (IsFailedLogin(*request, reply)) failedLogins.Count(peer);
-                     done(std::move(reply));
-                 });
+    Serve(std::make_shared<Exchange>(peer, request, std::move(slot), std::move(done)));
 }
 
-std::shared_ptr<zarn::web::response::Pending> Dispatcher::Ask(std::shared_ptr<IncomingRequest> const& request) {
-    auto const [service, segment] = router.Find(GetPath(request->GetTarget()));
-    if (service == nullptr) return MakeTextResponse(Status::NotFound, "There is nothing here.");
-    request->SetRouteSegment(segment);
+void Dispatcher::Serve(std::shared_ptr<Exchange> const& exchange) {
+    auto const [handler, segment] = router.Find(GetPath(exchange->request->GetTarget()));
+    if (handler == nullptr) return Finish(*exchange, MakeTextReply(Status::NotFound, "There is nothing here."));
+    exchange->request->SetRouteSegment(segment);
     try {
-        return service->Process(request);
+        handler->Handle(exchange->request, [this, exchange](Answer answer) { Finish(*exchange, std::move(answer)); });
     } catch (std::system_error const& error) {
         // No thread could be started: the load is too high for now.
         failed.Log(Level::Error, "A request could not be started: %0%", error.what());
-        return MakeTextResponse(Status::ServiceUnavailable, "The request cannot be worked on now; try again later.",
-                                {{"Retry-After", "1"}});
+        Finish(*exchange, MakeTextReply(Status::ServiceUnavailable, Overload, {{"Retry-After", "1"}}));
     } catch (std::exception const& error) {
         failed.Log(Level::Error, "A request failed: %0%", error.what());
-        return MakeTextResponse(Status::InternalServerError, "The request could not be worked on.");
+        Finish(*exchange, MakeTextReply(Status::InternalServerError, "The request could not be worked on."));
     }
+}
+
+/// The first answer counts: a handler that has answered may still throw.
+void Dispatcher::Finish(Exchange& exchange, Answer answer) {
+    if (exchange.isAnswered.exchange(true)) return;
+    exchange.slot.reset();
+    if (answer.isWrongLogin) failedLogins.Count(exchange.peer);
+    exchange.done(std::move(answer.reply));
 }
 
 } // namespace zarn::host::web

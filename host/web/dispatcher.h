@@ -2,9 +2,9 @@
 
 #include "host/access/failed_logins.h"
 #include "host/web/admission.h"
+#include "host/web/handler.h"
 #include "host/web/incoming_request.h"
 #include "host/web/limits.h"
-#include "host/web/pending_ticker.h"
 #include "host/web/reply.h"
 #include "host/web/router.h"
 
@@ -17,7 +17,7 @@
 
 namespace zarn::host::web {
 
-/// Hands a request to the service of its path, and the service's answer back. Refuses what exceeds a bound: 429 with
+/// Hands a request to the handler of its path, and the handler's answer back. Refuses what exceeds a bound: 429 with
 /// Retry-After for an address that guesses passwords, 503 when too many exchanges are under way or no thread can be
 /// started for this one. Thread: any.
 class Dispatcher {
@@ -25,7 +25,7 @@ public:
     using Done = std::function<void(Reply)>;
 
     /// What is passed by reference must outlive the dispatcher.
-    Dispatcher(Router router, PendingTicker& ticker, Admission& admission, FailedLogins& failedLogins);
+    Dispatcher(Router router, Admission& admission, FailedLogins& failedLogins);
 
     Dispatcher(Dispatcher const&) = delete;
     Dispatcher& operator=(Dispatcher const&) = delete;
@@ -35,10 +35,12 @@ public:
                 Limits const& limits, Done done);
 
 private:
-    std::shared_ptr<zarn::web::response::Pending> Ask(std::shared_ptr<IncomingRequest> const& request);
+    struct Exchange;
+
+    void Serve(std::shared_ptr<Exchange> const& exchange);
+    void Finish(Exchange& exchange, Answer answer);
 
     Router router;
-    PendingTicker& ticker;
     Admission& admission;
     FailedLogins& failedLogins;
     logging::LimitedLogger throttled{"zarn.host.web"};

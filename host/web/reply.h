@@ -5,7 +5,6 @@
 #include <zarn/web/response/pending.h>
 
 #include <map>
-#include <memory>
 #include <string>
 
 namespace zarn::host::web {
@@ -17,9 +16,5 @@ using Reply = zarn::web::response::Pending::Data;
 
 /// A reply with a line of plain text as its body.
 Reply MakeTextReply(Status status, std::string text, std::map<std::string, std::string> fields = {});
-
-/// The same reply as a response that is complete at once.
-std::shared_ptr<zarn::web::response::Pending> MakeTextResponse(Status status, std::string text,
-                                                               std::map<std::string, std::string> fields = {});
 
 } // namespace zarn::host::web

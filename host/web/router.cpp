@@ -21,7 +21,7 @@ std::optional<std::string_view> MatchPath(std::string_view pattern, std::string_
 
 Router::Match Router::Find(std::string_view path) const {
     for (auto const& route : routes) {
-        if (auto const segment = MatchPath(route.pattern, path)) return {route.service.get(), *segment};
+        if (auto const segment = MatchPath(route.pattern, path)) return {route.handler.get(), *segment};
     }
     return {};
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <zarn/web/service.h>
+#include "host/web/handler.h"
 
 #include <memory>
 #include <optional>
@@ -17,7 +17,7 @@ struct Route {
     std::string pattern;
 
     /// What answers.
-    std::shared_ptr<zarn::web::Service> service;
+    std::shared_ptr<Handler> handler;
 };
 
 /// Compares a path with the pattern of a route. Returns the segment that the "*" stands for, empty when the pattern has
@@ -29,13 +29,13 @@ class Router {
 public:
     /// What serves a path, as long as the router lives, and the segment that the "*" of its pattern stands for.
     struct Match {
-        zarn::web::Service* service = nullptr; ///< null: nothing serves the path
-        std::string_view segment = {};         ///< a part of the path
+        Handler* handler = nullptr;    ///< null: nothing serves the path
+        std::string_view segment = {}; ///< a part of the path
     };
 
     explicit Router(std::vector<Route> routes) : routes(std::move(routes)) {}
 
-    /// Finds the service for a path without query.
+    /// Finds the handler of a path without query.
     Match Find(std::string_view path) const;
 
 private:

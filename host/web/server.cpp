@@ -3,7 +3,6 @@
 #include "host/web/acceptor.h"
 #include "host/web/connection.h"
 #include "host/web/dispatcher.h"
-#include "host/web/pending_ticker.h"
 #include "host/web/repeating_timer.h"
 #include "host/web/response_head.h"
 
@@ -56,8 +55,7 @@ public:
           tls(options.tls),
           admission(options.admission),
           failedLogins(options.failedLogins),
-          ticker(io),
-          dispatcher(std::move(router), ticker, *admission, *failedLogins),
+          dispatcher(std::move(router), *admission, *failedLogins),
           context(std::make_shared<ConnectionContext>(dispatcher, options.limits, options.lastRequestTime)),
           sweeping(asio::make_strand(io)),
           sweeper(sweeping, SweepInterval, "Checking the deadlines of the connections failed", [this] { Sweep(); }),
@@ -121,7 +119,6 @@ private:
 
     std::shared_ptr<Admission> admission;
     std::shared_ptr<FailedLogins> failedLogins;
-    PendingTicker ticker;
     Dispatcher dispatcher;
     std::shared_ptr<ConnectionContext> context;
     asio::strand<asio::io_context::executor_type> sweeping;

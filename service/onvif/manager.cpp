@@ -28,10 +28,10 @@
 #include <atomic>
 #include <chrono>
 #include <future>
-#include <map>
+#include <istream>
 #include <mutex>
-#include <ostream>
 #include <sstream>
+#include <streambuf>
 #include <utility>
 
 namespace zarn::service::onvif {
@@ -45,8 +45,6 @@ namespace {
 constexpr unsigned LeastWorkers = 1;
 constexpr std::chrono::seconds WorkerIdle(10);
 
-using SharedResponse = std::shared_ptr<http::Response>;
-
 logging::Logger const& ManagerLog() {
     static logging::Logger const logger("zarn.service.onvif.manager");
     return logger;
@@ -55,24 +53,44 @@ logging::Logger const& ManagerLog() {
 /// The answer that makes the host poll again.
 Pending::Data MakeNotReady() { return {http::response::Status::Provisional, {}, {web::response::State::NotReady, {}}}; }
 
-Pending::Data MakeComplete(http::Response const& response) {
-    auto body = std::make_shared<container::Buffer>(std::string(response.GetBody()));
-    return {response.GetStatusCode(), response.GetFields(), {web::response::State::Complete, {std::move(body)}}};
+Pending::Data MakeComplete(http::Response response) {
+    auto const status = response.GetStatusCode();
+    auto body = response.GetBuffer();
+    return {status, std::move(response).GetFields(), {web::response::State::Complete, {std::move(body)}}};
 }
 
 /// gSOAP's reasons quote names of the request unchanged.
 http::Response MakeReadable(http::Response response) {
     if (response.GetStatusCode() < http::response::Status::BadRequest) return response;
+    auto const status = response.GetStatusCode();
     std::string body(response.GetBody());
     MaskForXml(body);
-    return {response.GetStatusCode(), response.GetFields(), std::move(body)};
+    return {status, std::move(response).GetFields(), std::move(body)};
 }
 
-http::Request Repackage(web::Request& request) {
-    std::map<std::string, std::string> fields;
-    for (auto const& [name, value] : request.GetFields()) fields.emplace(name, value);
-    return {request.GetMethod(), std::string(request.GetTarget()), std::string(request.GetBody()), std::move(fields)};
+/// Reads a text where it is.
+class TextReader : public std::streambuf {
+public:
+    /// text  must outlive the reader
+    explicit TextReader(std::string const& text) {
+        auto* const begin = const_cast<char*>(text.data()); // only read: there is no way to put a character back
+        setg(begin, begin, begin + text.size());
+    }
+};
+
+/// Registers the plugin that reads digest credentials. For every request it would begin with the digest of a body,
+/// which only its own password check for "auth-int" consults, and which takes longer than reading the header.
+void RegisterDigestPlugin(soap* soap) {
+    auto* const parse = soap->fparse;
+    soap_register_plugin_arg(soap, http_da, http_da_md5());
+    soap->fparse = parse;
 }
+
+/// A request until it is answered. Thread: one at a time.
+struct Exchange {
+    http::Request request;
+    std::promise<http::Response> response = {};
+};
 
 } // namespace
 
@@ -118,7 +136,7 @@ public:
     }
 
     /// Runs one SOAP exchange. Thread: a worker of the pool.
-    SharedResponse Serve(http::Request const& request) const {
+    http::Response Serve(http::Request const& request) const {
         auto const context = MakeSoapContext(&ending);
         auto* const soap = context.get();
         bool const ssl = sslEnabled;
@@ -128,21 +146,20 @@ public:
         MediaService media(soap, configuration, channelInfo, ssl, authenticationEngine);
         Media2Service media2(soap, configuration, channelInfo, ssl, authenticationEngine);
         AnalyticsService analytics(soap, authenticationEngine);
-        soap_register_plugin_arg(soap, http_da, http_da_md5());
+        RegisterDigestPlugin(soap);
         soap->error = CheckBounds(request);
 
-        std::stringstream input;
+        TextReader reader(request.GetText());
+        std::istream input(&reader);
         std::ostringstream output;
         soap->os = &output;
         soap->is = &input;
-        input << request << std::endl;
         if (soap->error)
             SendFault(soap);
         else
             Dispatch(soap, device, events, media, media2, analytics);
 
-        auto const buffer = std::make_shared<container::Buffer>(std::move(output).str());
-        return std::make_shared<http::Response>(MakeReadable(http::Response::Parse(buffer)));
+        return MakeReadable(http::Response::Parse(std::make_shared<container::Buffer>(std::move(output).str())));
     }
 
 private:
@@ -215,18 +232,18 @@ Manager::Manager(ZarnAuthenticationEngine const* engine, std::shared_ptr<configu
 Manager::~Manager() { impl->End(); }
 
 Manager::Response Manager::Post(std::shared_ptr<web::Request> request) {
-    auto promise = std::make_shared<std::promise<SharedResponse>>();
-    auto future = std::make_shared<std::future<SharedResponse>>(promise->get_future());
-    // std::function wants a copyable job, hence the shared request. An exception leaves the job to the pool, which
-    // destroys it and with it the promise's last owner: the host then sees a broken promise.
-    impl->Post([impl = impl.get(), promise = std::move(promise),
-                request = std::make_shared<http::Request const>(Repackage(*request))] {
-        promise->set_value(impl->Serve(*request));
+    // std::function wants a copyable job, hence the shared exchange. An exception leaves the job to the pool, which
+    // destroys it and with it the promise: the host then sees a broken promise.
+    auto exchange = std::make_shared<Exchange>(
+        Exchange{{request->GetMethod(), request->GetTarget(), request->GetBody(), request->GetFields()}});
+    auto future = std::make_shared<std::future<http::Response>>(exchange->response.get_future());
+    impl->Post([impl = impl.get(), exchange = std::move(exchange)] {
+        exchange->response.set_value(impl->Serve(exchange->request));
     });
     auto data = [future = std::move(future)]() -> Pending::Data {
         if (!future->valid()) throw std::future_error(std::future_errc::no_state);
         if (future->wait_for(std::chrono::seconds(0)) != std::future_status::ready) return MakeNotReady();
-        return MakeComplete(*future->get());
+        return MakeComplete(future->get());
     };
     return std::make_shared<Pending>(http::response::Status::Provisional, std::move(data),
                                      std::chrono::milliseconds(0));

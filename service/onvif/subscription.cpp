@@ -1,5 +1,6 @@
 #include "subscription.h"
 
+#include <zarn/job/wait_scope.h>
 #include <zarn/onvif/events/handler.h>
 
 #include <boost/asio/post.hpp>
@@ -133,6 +134,7 @@ bool Subscription::HasEvents() const {
 
 bool Subscription::WaitForEvents(std::chrono::steady_clock::time_point deadline, std::function<bool()> const& isStopped,
                                  EventPtr* oldest) {
+    job::WaitScope const waits;
     std::unique_lock lock(Mutex);
     ++waiting;
     while (!hasEnded && events.empty() && !isStopped() && std::chrono::steady_clock::now() < deadline)

@@ -1,4 +1,6 @@
 #include <zarn/job/dynamic_thread_pool.h>
+#include <zarn/job/end_notice.h>
+#include <zarn/job/wait_scope.h>
 #include <zarn/logging/limited_logger.h>
 
 #include <pthread.h>
@@ -6,6 +8,7 @@
 #include <algorithm>
 #include <condition_variable>
 #include <cstdint>
+#include <deque>
 #include <exception>
 #include <mutex>
 #include <optional>
@@ -55,59 +58,85 @@ void StartThread(std::function<void()> function) {
 
 class DynamicThreadPool::Impl {
 public:
-    using Job = std::function<void()>;
+    using Function = std::function<void()>;
 
-    Impl(unsigned minimum, std::chrono::seconds idle);
+    Impl(unsigned minimum, std::chrono::seconds idle, unsigned processors);
 
     ~Impl() { Stop(); }
 
     Impl(Impl const&) = delete;
     Impl& operator=(Impl const&) = delete;
 
-    void Post(Job job);
+    void Post(Function job);
     void Stop();
     std::size_t GetThreadCount() const;
     std::size_t GetIdleCount() const;
 
-private:
-    /// What a thread waits with. It has a condition variable of its own, so that the pool chooses which thread wakes
-    /// up.
-    struct Worker {
-        std::condition_variable wake;
-        Job job;
+    /// A job, and what to call when it has ended.
+    struct Task {
+        Function job;
+        Function ended;
     };
 
-    bool GiveToIdle(Job& job);
-    void Start(Job& first);
-    void Work(Job first);
-    void Run(Job&& taken) noexcept;
-    bool WaitForJob(std::unique_lock<std::mutex>& lock, Worker& worker);
+    /// What a thread of the pool waits with. It has a condition variable of its own, so that the pool chooses which
+    /// thread wakes up.
+    struct Worker {
+        Impl& pool;
+        std::condition_variable wake = {};
+        Task task = {};           ///< to be run
+        bool hasTurn = true;      ///< false: its job waits, or is in the line of those that go on
+        Worker* behind = nullptr; ///< in that line
+    };
 
-    /// The pool that the current thread belongs to.
-    static thread_local Impl const* Current;
+    /// What the current thread works with; null when it is of no pool.
+    static thread_local Worker* Current;
+
+    void BeginWait(Worker& worker);
+    void EndWait(Worker& worker);
+
+private:
+    bool GiveToIdle(Task& task);
+    bool TakeQueued(Task& task);
+    bool LetGoOn();
+    void PassTurns();
+    void Start(Task& first);
+    void StartForQueue();
+    void DropQueue();
+    void Work(Task first);
+    void Run(Task&& taken) noexcept;
+    bool WaitForTask(std::unique_lock<std::mutex>& lock, Worker& worker);
 
     std::size_t const minimum;
     std::chrono::seconds const idle;
+    std::size_t const processors;
     logging::LimitedLogger failures{"zarn.job.DynamicThreadPool"};
     std::mutex stopping; ///< lets the second of two Stops wait for the first; taken before `mutex`
 
-    mutable std::mutex mutex; ///< guards the members below and the jobs of the waiting workers
+    mutable std::mutex mutex; ///< guards the members below and what the workers wait for
     std::condition_variable ended;
-    std::vector<Worker*> waiting;  ///< the one that became idle last is at the end
+    std::vector<Worker*> waiting;  ///< for a task; the one that became idle last is at the end
+    std::deque<Task> queue;        ///< tasks that wait for a turn
+    Worker* firstToGoOn = nullptr; ///< the line of workers whose jobs have waited and wait for a turn
+    Worker* lastToGoOn = nullptr;
+    bool queueIsNext = false;      ///< whether the queue comes before that line
+    std::size_t running = 0;       ///< turns that are taken
     std::size_t threads = 0;       ///< started or being started, and not yet ending
     std::optional<pthread_t> last; ///< the last thread that went; it joins the one before it
     bool stopped = false;
 };
 
-thread_local DynamicThreadPool::Impl const* DynamicThreadPool::Impl::Current = nullptr;
+thread_local DynamicThreadPool::Impl::Worker* DynamicThreadPool::Impl::Current = nullptr;
 
-DynamicThreadPool::Impl::Impl(unsigned minimum, std::chrono::seconds idle)
-    : minimum(minimum), idle(std::clamp(idle, std::chrono::seconds(0), MaximumIdle)) {
+DynamicThreadPool::Impl::Impl(unsigned minimum, std::chrono::seconds idle, unsigned processors)
+    : minimum(minimum),
+      idle(std::clamp(idle, std::chrono::seconds(0), MaximumIdle)),
+      processors(std::max(processors, 1U)) {
     try {
-        Job none;
+        Task none;
         for (unsigned started = 0; started < minimum; ++started) {
             std::unique_lock lock(mutex);
             waiting.reserve(++threads);
+            ++running;
             lock.unlock();
             Start(none);
         }
@@ -117,38 +146,74 @@ DynamicThreadPool::Impl::Impl(unsigned minimum, std::chrono::seconds idle)
     }
 }
 
-void DynamicThreadPool::Impl::Post(Job job) {
+void DynamicThreadPool::Impl::Post(Function job) {
     if (!job) throw std::invalid_argument("DynamicThreadPool::Post: the job is an empty function");
-    {
-        std::lock_guard const lock(mutex);
-        if (stopped) throw std::runtime_error("DynamicThreadPool::Post: the pool has been stopped");
-        if (GiveToIdle(job)) return;
-        waiting.reserve(threads + 1); // here, so that a worker can always enter itself
-        ++threads;
+    Task task{std::move(job), EndNotice::TakeForJob()};
+    std::unique_lock lock(mutex);
+    if (stopped) throw std::runtime_error("DynamicThreadPool::Post: the pool has been stopped");
+    if (running >= processors) {
+        queue.push_back(std::move(task));
+        return;
     }
+    waiting.reserve(threads + 1); // here, so that a worker can always enter itself
+    ++running;
+    if (GiveToIdle(task)) return;
+    ++threads;
+    lock.unlock();
     try {
-        Start(job);
+        Start(task);
     } catch (std::system_error const&) {
-        std::lock_guard const lock(mutex);
-        if (stopped || !GiveToIdle(job)) throw;
+        lock.lock();
+        if (running == 0 && waiting.empty()) throw; // there would never be a turn for it
+        queue.push_back(std::move(task));
+        PassTurns();
     }
 }
 
-/// Hands the job to the worker that became idle last. Call with the lock.
-bool DynamicThreadPool::Impl::GiveToIdle(Job& job) {
+/// Hands a task, and the turn that has been taken for it, to the worker that became idle last. Call with the lock.
+bool DynamicThreadPool::Impl::GiveToIdle(Task& task) {
     if (waiting.empty()) return false;
     auto* const worker = waiting.back();
     waiting.pop_back();
-    worker->job = std::move(job);
+    worker->task = std::move(task);
     worker->wake.notify_one();
     return true;
 }
 
-/// Starts a thread that has been counted already, outside the lock since this takes a while. When it fails, the thread
-/// is no longer counted and the job is still the caller's.
-void DynamicThreadPool::Impl::Start(Job& first) {
+/// Takes a task out of the queue, unless a job that goes on comes first. Call with the lock.
+bool DynamicThreadPool::Impl::TakeQueued(Task& task) {
+    if (queue.empty() || (firstToGoOn != nullptr && !queueIsNext)) return false;
+    queueIsNext = false;
+    task = std::move(queue.front());
+    queue.pop_front();
+    return true;
+}
+
+/// Gives a turn to the job that has waited longest for one. Call with the lock.
+bool DynamicThreadPool::Impl::LetGoOn() {
+    if (firstToGoOn == nullptr) return false;
+    queueIsNext = true;
+    auto* const worker = std::exchange(firstToGoOn, firstToGoOn->behind);
+    worker->hasTurn = true;
+    worker->wake.notify_one();
+    return true;
+}
+
+/// Gives the free turns to jobs that go on, and to idle workers for tasks of the queue. Call with the lock.
+void DynamicThreadPool::Impl::PassTurns() {
+    for (Task task; running < processors; ++running) {
+        if (!waiting.empty() && TakeQueued(task))
+            GiveToIdle(task);
+        else if (!LetGoOn())
+            return;
+    }
+}
+
+/// Starts a thread that has been counted already, and so has its turn, outside the lock since this takes a while. When
+/// it fails, both are given back and the task is still the caller's.
+void DynamicThreadPool::Impl::Start(Task& first) {
     try {
-        auto const shared = std::make_shared<Job>(std::move(first));
+        auto const shared = std::make_shared<Task>(std::move(first));
         try {
             StartThread([this, shared] { Work(std::move(*shared)); });
         } catch (...) {
@@ -157,22 +222,48 @@ void DynamicThreadPool::Impl::Start(Job& first) {
         }
     } catch (...) {
         std::lock_guard const lock(mutex);
+        --running;
         --threads;
         ended.notify_all();
         throw;
     }
 }
 
-void DynamicThreadPool::Impl::Work(Job first) {
-    Current = this;
-    Worker worker;
-    worker.job = std::move(first);
+/// Starts a thread that takes its first task out of the queue.
+void DynamicThreadPool::Impl::StartForQueue() try {
+    Task none;
+    Start(none);
+
+} catch (std::exception const& error) {
+
+    failures.Log(logging::Level::Error, "No thread for jobs that queue: %0%", error.what());
+    DropQueue();
+}
+
+/// Drops the queue if nothing is left that would ever take a task out of it.
+void DynamicThreadPool::Impl::DropQueue() {
+    std::deque<Task> dropped;
+    {
+        std::lock_guard const lock(mutex);
+        PassTurns();
+        if (running == 0) std::swap(dropped, queue);
+    }
+    for (auto& task : dropped) {
+        task.job = nullptr;
+        if (task.ended) task.ended();
+    }
+}
+
+void DynamicThreadPool::Impl::Work(Task first) {
+    Worker worker{*this};
+    worker.task = std::move(first);
+    Current = &worker;
     std::unique_lock lock(mutex, std::defer_lock);
     do {
         if (lock.owns_lock()) lock.unlock();
-        if (worker.job) Run(std::move(worker.job));
+        if (worker.task.job) Run(std::move(worker.task));
         lock.lock();
-    } while (WaitForJob(lock, worker));
+    } while (TakeQueued(worker.task) || WaitForTask(lock, worker));
     auto const previous = std::exchange(last, pthread_self());
     --threads;
     ended.notify_all();
@@ -180,36 +271,69 @@ void DynamicThreadPool::Impl::Work(Job first) {
     if (previous) pthread_join(*previous, nullptr);
 }
 
-/// Runs the job and destroys it. This is the boundary for what jobs throw.
-void DynamicThreadPool::Impl::Run(Job&& taken) noexcept {
-    auto const job = std::exchange(taken, nullptr);
-    try {
-        job();
-    } catch (std::exception const& exception) {
-        failures.Log(logging::Level::Error, "A job threw: %0%", exception.what());
-    } catch (...) {
-        failures.Log(logging::Level::Error, "A job threw: an exception of unknown type");
+/// Runs the job, destroys it and tells of its end. This is the boundary for what jobs throw.
+void DynamicThreadPool::Impl::Run(Task&& taken) noexcept {
+    auto const tellEnd = std::exchange(taken.ended, nullptr);
+    {
+        auto const job = std::exchange(taken.job, nullptr);
+        try {
+            job();
+        } catch (std::exception const& exception) {
+            failures.Log(logging::Level::Error, "A job threw: %0%", exception.what());
+        } catch (...) {
+            failures.Log(logging::Level::Error, "A job threw: an exception of unknown type");
+        }
     }
+    if (tellEnd) tellEnd();
 }
 
-/// Waits with the lock until there is a job for the worker; false when its thread has to go.
-bool DynamicThreadPool::Impl::WaitForJob(std::unique_lock<std::mutex>& lock, Worker& worker) {
+/// Gives the turn of the worker back and waits with the lock until there is a task for it; false when its thread has to
+/// go.
+bool DynamicThreadPool::Impl::WaitForTask(std::unique_lock<std::mutex>& lock, Worker& worker) {
     auto const deadline = std::chrono::steady_clock::now() + idle;
     waiting.push_back(&worker);
+    --running;
+    PassTurns();
     bool late = false;
-    while (!worker.job && !stopped && !(late && threads > minimum)) {
+    while (!worker.task.job && !stopped && !(late && threads > minimum)) {
         if (threads <= minimum)
             worker.wake.wait(lock);
         else
             late = worker.wake.wait_until(lock, deadline) == std::cv_status::timeout;
     }
-    if (worker.job) return true;
+    if (worker.task.job) return true;
     std::erase(waiting, &worker);
     return false;
 }
 
+/// Gives the turn of a worker whose job begins to wait to another one, for which a thread may have to be started.
+void DynamicThreadPool::Impl::BeginWait(Worker& worker) {
+    {
+        std::lock_guard const lock(mutex);
+        waiting.reserve(threads + 1);
+        worker.hasTurn = false;
+        --running;
+        PassTurns();
+        if (queue.empty() || running >= processors) return;
+        ++running;
+        ++threads;
+    }
+    StartForQueue();
+}
+
+/// Returns when the worker has a turn again.
+void DynamicThreadPool::Impl::EndWait(Worker& worker) {
+    std::unique_lock lock(mutex);
+    worker.behind = nullptr;
+    (firstToGoOn == nullptr ? firstToGoOn : lastToGoOn->behind) = &worker;
+    lastToGoOn = &worker;
+    PassTurns();
+    worker.wake.wait(lock, [&worker] { return worker.hasTurn; });
+}
+
 void DynamicThreadPool::Impl::Stop() {
-    if (Current == this) throw std::logic_error("DynamicThreadPool::Stop: called by a job of the same pool");
+    if (Current != nullptr && &Current->pool == this)
+        throw std::logic_error("DynamicThreadPool::Stop: called by a job of the same pool");
     std::lock_guard const one(stopping);
     std::unique_lock lock(mutex);
     stopped = true;
@@ -230,8 +354,20 @@ std::size_t DynamicThreadPool::Impl::GetIdleCount() const {
     return waiting.size();
 }
 
-DynamicThreadPool::DynamicThreadPool(unsigned minimum, std::chrono::seconds idle)
-    : impl(std::make_unique<Impl>(minimum, idle)) {}
+WaitScope::WaitScope() : isOutermost(false) {
+    auto* const worker = DynamicThreadPool::Impl::Current;
+    if (worker == nullptr || !worker->hasTurn) return;
+    worker->pool.BeginWait(*worker);
+    isOutermost = true;
+}
+
+WaitScope::~WaitScope() {
+    auto* const worker = DynamicThreadPool::Impl::Current;
+    if (isOutermost) worker->pool.EndWait(*worker);
+}
+
+DynamicThreadPool::DynamicThreadPool(unsigned minimum, std::chrono::seconds idle, unsigned processors)
+    : impl(std::make_unique<Impl>(minimum, idle, processors)) {}
 
 DynamicThreadPool::~DynamicThreadPool() = default;
 

@@ -22,17 +22,9 @@ constexpr std::array Operations{
     Operation{Service::Method::Options, &Service::Options}, Operation{Service::Method::Connect, &Service::Connect},
 };
 
-std::string MakeAllow(std::vector<Service::Method> const& allowed) {
-    std::string allow;
-    for (auto const method : allowed) {
-        allow.append(ToString(method)).append(", ");
-    }
-    return allow + "OPTIONS";
-}
-
 } // namespace
 
-Service::Service(std::vector<Method> const& allowed) : allow(MakeAllow(allowed)) {}
+Service::Service(std::vector<Method> const& allowed) : allow(protocol::network::http::MakeAllow(allowed)) {}
 
 Service::~Service() = default;
 

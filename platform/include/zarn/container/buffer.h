@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -12,7 +13,11 @@ namespace zarn::container {
 class Buffer {
 public:
     /// Takes over the bytes of `bytes`.
-    explicit Buffer(std::string&& bytes) noexcept : bytes(std::move(bytes)) {}
+    explicit Buffer(std::string&& bytes) noexcept : own(std::move(bytes)), bytes(own) {}
+
+    /// Shares a part of another buffer's bytes, which it keeps alive.
+    Buffer(std::shared_ptr<Buffer const> whole, std::string_view part) noexcept
+        : whole(std::move(whole)), bytes(part) {}
 
     Buffer(Buffer const&) = delete;
     Buffer& operator=(Buffer const&) = delete;
@@ -24,7 +29,9 @@ public:
     std::size_t GetSize() const noexcept { return bytes.size(); }
 
 private:
-    std::string const bytes;
+    std::string const own;
+    std::shared_ptr<Buffer const> whole;
+    std::string_view const bytes; ///< of one of the above
 };
 
 } // namespace zarn::container

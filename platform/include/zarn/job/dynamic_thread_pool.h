@@ -4,21 +4,25 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <thread>
 
 namespace zarn::job {
 
-/// Runs jobs on threads of its own, one job per thread, starting as many threads as there are jobs under way: a job may
-/// wait as long as it likes without holding up another. The caller bounds the number of jobs.
+/// Runs jobs on threads of its own, on as many at a time as there are processors; further jobs queue. A job that waits
+/// for something that takes long says so with a WaitScope: it does not count meanwhile, and its end takes turns with
+/// the queue, so that neither jobs that go on nor new ones hold the others up.
 ///
 /// Every thread has a stack of 2 MiB (16 MiB in sanitizer builds), whatever stack limit the process has.
 /// An idle thread waits without waking up; the one that became idle last gets the next job, so that the others can go.
 /// Thread: any, except that Stop and the destructor must not be called by a job of the same pool.
 class DynamicThreadPool {
 public:
-    /// minimum  threads that are started at once and stay until the pool stops
-    /// idle     how long a thread above the minimum waits for a job before it goes; negative counts as 0
+    /// minimum     threads that are started at once and stay until the pool stops
+    /// idle        how long a thread above the minimum waits for a job before it goes; negative counts as 0
+    /// processors  jobs that run at the same time, those in a WaitScope not counted; 0 counts as 1
     /// Throws std::system_error when the minimum cannot be started.
-    DynamicThreadPool(unsigned minimum, std::chrono::seconds idle);
+    DynamicThreadPool(unsigned minimum, std::chrono::seconds idle,
+                      unsigned processors = std::thread::hardware_concurrency());
 
     /// Stops.
     ~DynamicThreadPool();
@@ -26,11 +30,13 @@ public:
     DynamicThreadPool(DynamicThreadPool const&) = delete;
     DynamicThreadPool& operator=(DynamicThreadPool const&) = delete;
 
-    /// Runs `job` on an idle thread, or on a new one when none is idle. Never waits for a job.
+    /// Runs `job` as soon as it may run, on an idle thread, or on a new one when none is idle. Never waits for a job.
     /// The job is destroyed on that thread right after it has run, before the thread is idle again. What it throws is
     /// logged and goes no further.
-    /// Throws std::invalid_argument for an empty function, std::runtime_error after Stop, and std::system_error when no
-    /// thread is idle and none can be started; the job is then destroyed without having run.
+    /// Throws std::invalid_argument for an empty function, std::runtime_error after Stop, and std::system_error when it
+    /// might run now but no thread is idle, none can be started and no other job runs, after which it would be its
+    /// turn; the job is then destroyed without having run. For the same reason, a job that has queued may be dropped
+    /// when the last running one begins to wait; that is logged.
     void Post(std::function<void()> job);
 
     /// Refuses further jobs, waits until those that were taken have run, and joins every thread.
@@ -45,6 +51,8 @@ public:
     std::size_t GetIdleCount() const;
 
 private:
+    friend class WaitScope;
+
     class Impl;
     std::unique_ptr<Impl> impl;
 };

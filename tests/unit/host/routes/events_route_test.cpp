@@ -1,9 +1,9 @@
 #include "host/routes/events_route.h"
-#include "support/eventually.h"
 #include "support/test_request.h"
+#include "web/ask.h"
 
 #include <zarn/authentication/engine.h>
-#include <zarn/container/buffer.h>
+#include <zarn/logging/capture.h>
 
 #include <gmock/gmock.h>
 
@@ -11,7 +11,6 @@
 #include <future>
 #include <map>
 #include <new>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -23,30 +22,18 @@ using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using zarn::web::response::State;
 using Method = test::TestRequest::Method;
 
 class EventsRouteTest : public testing::Test {
 protected:
     EventsRouteTest() { engine.SetEnabled(false); }
 
-    zarn::web::response::Pending::Data Send(std::string body, std::map<std::string, std::string> fields = {},
-                                            Method method = Method::Post) {
-        auto const request =
-            std::make_shared<test::TestRequest>(method, "/api/events", std::move(fields), std::move(body));
-        return Await(*route.Process(request));
+    web::Reply Send(std::string body, std::map<std::string, std::string> fields = {}, Method method = Method::Post) {
+        return web::Ask(route,
+                        std::make_shared<test::TestRequest>(method, "/api/events", std::move(fields), std::move(body)));
     }
 
-    static zarn::web::response::Pending::Data Await(zarn::web::response::Pending const& response) {
-        std::optional<zarn::web::response::Pending::Data> data;
-        test::Eventually([&] {
-            data = response.GetData();
-            return data->GetState() != State::NotReady;
-        });
-        return *data;
-    }
-
-    static std::string GetBody(zarn::web::response::Pending::Data const& data) {
+    static std::string GetBody(web::Reply const& data) {
         return data.GetBody().empty() ? std::string() : std::string(data.GetBody().front()->ToStringView());
     }
 
@@ -73,23 +60,24 @@ TEST_F(EventsRouteTest, PublishesAListInOrderBeforeAnswering) {
 TEST_F(EventsRouteTest, DoesNotBlockWhileEventsArePublished) {
     std::promise<void> taking;
     EventsRoute slow(web::Digest(engine, challenges), [&](auto const&) { taking.get_future().wait(); });
-    auto const response = slow.Process(std::make_shared<test::TestRequest>(
-        Method::Post, "/api/events", std::map<std::string, std::string>(), R"({"type": "a"})"));
-    EXPECT_EQ(response->GetStatus(), Status::Provisional);
-    EXPECT_EQ(response->GetTimeout(), 0ms);
-    EXPECT_EQ(response->GetData().GetState(), State::NotReady);
-    EXPECT_EQ(response->GetData().GetStatus(), Status::Provisional);
+    auto answer =
+        web::Send(slow, std::make_shared<test::TestRequest>(Method::Post, "/api/events",
+                                                            std::map<std::string, std::string>(), R"({"type": "a"})"));
+    EXPECT_EQ(answer.wait_for(0ms), std::future_status::timeout);
     taking.set_value();
-    auto const answer = Await(*response);
-    EXPECT_EQ(answer.GetStatus(), Status::Accepted);
-    EXPECT_EQ(GetBody(answer), "{\"taken\":1}\n");
+    auto const reply = answer.get().reply;
+    EXPECT_EQ(reply.GetStatus(), Status::Accepted);
+    EXPECT_EQ(GetBody(reply), "{\"taken\":1}\n");
 }
 
-TEST_F(EventsRouteTest, PassesAnExceptionToTheServer) {
+TEST_F(EventsRouteTest, Answers500WhenEventsCannotBePublished) {
+    logging::Capture const log;
     EventsRoute failing(web::Digest(engine, challenges), [](auto const&) { throw std::bad_alloc(); });
-    auto const response = failing.Process(std::make_shared<test::TestRequest>(
-        Method::Post, "/api/events", std::map<std::string, std::string>(), R"({"type": "a"})"));
-    EXPECT_THROW(Await(*response), std::bad_alloc);
+    auto const reply =
+        web::Ask(failing, std::make_shared<test::TestRequest>(
+                              Method::Post, "/api/events", std::map<std::string, std::string>(), R"({"type": "a"})"));
+    EXPECT_EQ(reply.GetStatus(), Status::InternalServerError);
+    EXPECT_TRUE(log.Contains("bad_alloc"));
 }
 
 TEST_F(EventsRouteTest, RefusesAWholeListWithAnInvalidEvent) {

@@ -1,5 +1,6 @@
 #include "host/routes/health_route.h"
 #include "support/test_request.h"
+#include "web/ask.h"
 
 #include <zarn/container/buffer.h>
 
@@ -16,7 +17,7 @@ TEST(HealthRoute, ReturnsTheCurrentStatusAsJson) {
     int calls = 0;
     HealthRoute route([&] { return boost::json::value{{"calls", ++calls}}; });
     EXPECT_EQ(calls, 0);
-    auto const data = route.Process(std::make_shared<test::TestRequest>(Method::Get, "/api/health"))->GetData();
+    auto const data = web::Ask(route, std::make_shared<test::TestRequest>(Method::Get, "/api/health"));
     EXPECT_EQ(data.GetStatus(), Status::Ok);
     EXPECT_EQ(data.GetFields().at("Content-Type"), "application/json");
     EXPECT_EQ(data.GetFields().at("Cache-Control"), "no-store");
@@ -26,7 +27,7 @@ TEST(HealthRoute, ReturnsTheCurrentStatusAsJson) {
 TEST(HealthRoute, AnswersHeadAndRefusesOtherMethods) {
     HealthRoute route([] { return boost::json::value(); });
     auto const ask = [&](Method method) {
-        return route.Process(std::make_shared<test::TestRequest>(method, "/api/health"))->GetData();
+        return web::Ask(route, std::make_shared<test::TestRequest>(method, "/api/health"));
     };
     EXPECT_EQ(ask(Method::Head).GetStatus(), Status::Ok);
     EXPECT_EQ(ask(Method::Post).GetStatus(), Status::MethodNotAllowed);

@@ -1,11 +1,14 @@
 #include "host/routes/snapshot_route.h"
 #include "host/web/reply.h"
 #include "support/test_request.h"
+#include "web/ask.h"
 
 #include <zarn/authentication/engine.h>
 
 #include <gmock/gmock.h>
 
+#include <chrono>
+#include <future>
 #include <string>
 #include <utility>
 #include <vector>
@@ -15,7 +18,7 @@ namespace {
 
 using video::Snapshot;
 using video::SnapshotError;
-using zarn::web::response::State;
+using namespace std::chrono_literals;
 using Method = test::TestRequest::Method;
 using web::Status;
 
@@ -23,16 +26,19 @@ class SnapshotRouteTest : public testing::Test {
 protected:
     SnapshotRouteTest() { engine.SetEnabled(false); }
 
-    std::shared_ptr<zarn::web::response::Pending> Ask(std::string const& id, Method method = Method::Get) {
-        return route.Process(std::make_shared<test::TestRequest>(method, "/snapshot/" + id + "/latest.jpeg",
-                                                                 std::map<std::string, std::string>(), "", id));
+    std::future<web::Answer> Send(std::string const& id, Method method = Method::Get) {
+        return web::Send(route, std::make_shared<test::TestRequest>(method, "/snapshot/" + id + "/latest.jpeg",
+                                                                    std::map<std::string, std::string>(), "", id));
     }
 
-    /// The answer to a request that receives this picture.
-    zarn::web::response::Pending::Data Deliver(Snapshot snapshot) {
-        auto const pending = Ask("1");
+    /// The reply to a request that is answered at once.
+    web::Reply Ask(std::string const& id, Method method = Method::Get) { return Send(id, method).get().reply; }
+
+    /// The reply to a request that receives this picture.
+    web::Reply Deliver(Snapshot snapshot) {
+        auto reply = Send("1");
         requests.back().second(std::move(snapshot));
-        return pending->GetData();
+        return reply.get().reply;
     }
 
     ZarnAuthenticationEngine engine;
@@ -45,20 +51,20 @@ protected:
 };
 
 TEST_F(SnapshotRouteTest, AsksForThePictureOfTheChannelThatTheRouteNames) {
-    Ask("gate-1");
+    auto const reply = Send("gate-1");
     ASSERT_EQ(requests.size(), 1U);
     EXPECT_EQ(requests.front().first, "gate-1");
 }
 
-TEST_F(SnapshotRouteTest, IsPendingUntilThePictureComes) {
-    auto const pending = Ask("1");
-    EXPECT_EQ(pending->GetData().GetState(), State::NotReady);
+TEST_F(SnapshotRouteTest, AnswersWhenThePictureComes) {
+    auto answer = Send("1");
+    EXPECT_EQ(answer.wait_for(0s), std::future_status::timeout);
     requests.front().second({SnapshotError::None, "", std::make_shared<container::Buffer>("jpeg")});
-    auto const data = pending->GetData();
-    EXPECT_EQ(data.GetState(), State::Complete);
-    EXPECT_EQ(data.GetStatus(), Status::Ok);
-    EXPECT_EQ(data.GetFields().at("Content-Type"), "image/jpeg");
-    EXPECT_EQ(data.GetBody().at(0)->ToStringView(), "jpeg");
+    ASSERT_EQ(answer.wait_for(0s), std::future_status::ready);
+    auto const reply = answer.get().reply;
+    EXPECT_EQ(reply.GetStatus(), Status::Ok);
+    EXPECT_EQ(reply.GetFields().at("Content-Type"), "image/jpeg");
+    EXPECT_EQ(reply.GetBody().at(0)->ToStringView(), "jpeg");
 }
 
 TEST_F(SnapshotRouteTest, Answers404ForAnUnknownChannel) {
@@ -76,21 +82,16 @@ TEST_F(SnapshotRouteTest, Answers503WithoutAPicture) {
 }
 
 TEST_F(SnapshotRouteTest, AnswersHeadAndRefusesOtherMethods) {
-    Ask("1", Method::Head);
+    auto const reply = Send("1", Method::Head);
     EXPECT_EQ(requests.size(), 1U);
-    EXPECT_EQ(Ask("1", Method::Post)->GetData().GetStatus(), Status::MethodNotAllowed);
+    EXPECT_EQ(Ask("1", Method::Post).GetStatus(), Status::MethodNotAllowed);
 }
 
 TEST_F(SnapshotRouteTest, RequiresCredentials) {
     engine.SetEnabled(true);
-    EXPECT_EQ(Ask("1")->GetData().GetStatus(), Status::Unauthorized);
-    EXPECT_EQ(Ask("1", Method::Head)->GetData().GetStatus(), Status::Unauthorized);
+    EXPECT_EQ(Ask("1").GetStatus(), Status::Unauthorized);
+    EXPECT_EQ(Ask("1", Method::Head).GetStatus(), Status::Unauthorized);
     EXPECT_TRUE(requests.empty());
-}
-
-TEST_F(SnapshotRouteTest, IgnoresAPictureForADroppedRequest) {
-    Ask("1").reset();
-    EXPECT_NO_THROW(requests.front().second({SnapshotError::None, "", std::make_shared<container::Buffer>("jpeg")}));
 }
 
 } // namespace

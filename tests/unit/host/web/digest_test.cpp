@@ -19,7 +19,7 @@ using testing::Not;
 using Method = test::TestRequest::Method;
 
 /// The client's digest parameters, from which its response is computed.
-struct Answer {
+struct ClientAnswer {
     std::string user = "admin";
     std::string password = "secret";
     std::string method = "GET";
@@ -40,14 +40,21 @@ protected:
         test::TestRequest const request(method, target, {{"authorization", authorization}});
         auto const refusal = digest.Refuse(request);
         if (!refusal) return "";
-        auto const data = refusal->GetData();
-        EXPECT_EQ(data.GetStatus(), protocol::network::http::response::Status::Unauthorized);
-        return data.GetFields().at("WWW-Authenticate");
+        EXPECT_EQ(refusal->reply.GetStatus(), Status::Unauthorized);
+        return refusal->reply.GetFields().at("WWW-Authenticate");
+    }
+
+    /// Whether a refused request counts as an attempt to guess the password: refused by the host itself, by the module.
+    std::pair<bool, bool> IsGuess(std::string const& authorization) const {
+        test::TestRequest const request(Method::Get, "/snapshot/1/latest.jpeg", {{"authorization", authorization}});
+        auto const own = digest.Refuse(request);
+        auto const replaced = digest.ReplaceChallenge(MakeTextReply(Status::Unauthorized, "no"), request);
+        return {own && own->isWrongLogin, replaced.isWrongLogin};
     }
 
     std::string GetNonce() const { return ParseDigestParameters(Ask(""))->at("nonce"); }
 
-    static std::string Say(std::string const& nonce, Answer const& answer) {
+    static std::string Say(std::string const& nonce, ClientAnswer const& answer) {
         auto const ha1 = authentication::MakeHa1(answer.user, authentication::Realm, answer.password);
         auto const response = authentication::MakeDigestResponse({.ha1 = ha1,
                                                                   .method = answer.method,
@@ -66,11 +73,12 @@ protected:
     /// The challenge that replaces the module's own in its refusal of a request.
     std::string Challenge(std::string const& authorization, std::string const& target = "/onvif/a") const {
         test::TestRequest const request(Method::Post, target, {{"authorization", authorization}});
-        auto const data =
-            digest.ReplaceChallenge({Status::Unauthorized,
-                                     {{"www-authenticate", ModulesChallenge}, {"Content-Type", "text/xml"}},
-                                     {zarn::web::response::State::Complete, {}}},
-                                    request);
+        auto const data = digest
+                              .ReplaceChallenge({Status::Unauthorized,
+                                                 {{"www-authenticate", ModulesChallenge}, {"Content-Type", "text/xml"}},
+                                                 {zarn::web::response::State::Complete, {}}},
+                                                request)
+                              .reply;
         EXPECT_EQ(data.GetStatus(), Status::Unauthorized);
         EXPECT_EQ(data.GetFields().size(), 2U);
         EXPECT_EQ(data.GetFields().at("Content-Type"), "text/xml");
@@ -103,9 +111,10 @@ TEST_F(DigestTest, AcceptsEverythingWhenAuthenticationIsOff) {
 
 TEST_F(DigestTest, RefusesAWrongAnswer) {
     for (auto const& answer :
-         {Answer{.password = "guess"}, Answer{.user = "root"}, Answer{.user = ""}, Answer{.method = "POST"},
-          Answer{.uri = "/snapshot/2/latest.jpeg"}, Answer{.uri = ""}, Answer{.qop = "auth-int"},
-          Answer{.further = ", algorithm=SHA-256"}, Answer{.further = ", nc=00000002"}}) {
+         {ClientAnswer{.password = "guess"}, ClientAnswer{.user = "root"}, ClientAnswer{.user = ""},
+          ClientAnswer{.method = "POST"}, ClientAnswer{.uri = "/snapshot/2/latest.jpeg"}, ClientAnswer{.uri = ""},
+          ClientAnswer{.qop = "auth-int"}, ClientAnswer{.further = ", algorithm=SHA-256"},
+          ClientAnswer{.further = ", nc=00000002"}}) {
         EXPECT_THAT(Ask(Say(GetNonce(), answer)), HasSubstr("nonce="));
         EXPECT_THAT(Ask(Say(GetNonce(), answer)), Not(HasSubstr("stale")));
     }
@@ -166,6 +175,22 @@ TEST_F(DigestTest, AcceptsAnAnswerForTheTargetWithOrWithoutItsQuery) {
     EXPECT_EQ(Ask(Say(GetNonce(), {.uri = target}), target), "");
     EXPECT_EQ(Ask(Say(GetNonce(), {}), target), "");
     EXPECT_EQ(Ask(Say(GetNonce(), {.uri = "http://host/snapshot/1/latest.jpeg"}), target), "");
+}
+
+TEST_F(DigestTest, CountsAWrongAnswerAsAGuess) {
+    std::pair const guess(true, true);
+    EXPECT_EQ(IsGuess(Say(GetNonce(), {.password = "guess"})), guess);
+    EXPECT_EQ(IsGuess("digest username=\"admin\""), guess);
+    EXPECT_EQ(IsGuess("Digest username=\"admin\", realm=\"stale=true\""), guess);
+}
+
+TEST_F(DigestTest, DoesNotCountWhatIsNoGuess) {
+    std::pair const harmless(false, false);
+    EXPECT_EQ(IsGuess(""), harmless);
+    EXPECT_EQ(IsGuess("Basic YTpi"), harmless);
+    EXPECT_EQ(IsGuess(Say(GetNonce(), {.password = "guess", .further = ", algorithm=SHA-256"})), harmless);
+    EXPECT_FALSE(IsGuess(Say("dcd98b7102dd2f0e8b11d0f600bfb0c0", {})).first) << "only the nonce is stale";
+    EXPECT_FALSE(IsGuess(Say("1f", {.method = "POST"})).second) << "only the nonce is stale";
 }
 
 TEST_F(DigestTest, VerifiesTheMethodOfTheRequest) {

@@ -17,13 +17,5 @@ TEST(Reply, OfTextIsAPlainTextLine) {
     EXPECT_EQ(reply.GetBody().front()->ToStringView(), "Nothing.\n");
 }
 
-TEST(Reply, OfTextIsAlsoACompleteResponse) {
-    auto const data = MakeTextResponse(Status::Conflict, "No.")->GetData();
-    EXPECT_EQ(data.GetStatus(), Status::Conflict);
-    EXPECT_EQ(data.GetState(), zarn::web::response::State::Complete);
-    ASSERT_EQ(data.GetBody().size(), 1U);
-    EXPECT_EQ(data.GetBody().front()->ToStringView(), "No.\n");
-}
-
 } // namespace
 } // namespace zarn::host::web

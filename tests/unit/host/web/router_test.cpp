@@ -41,15 +41,23 @@ TEST(Router, MatchesPathsWithPatterns) {
     }
 }
 
+class Silent final : public Handler {
+public:
+    Silent() : Handler({}) {}
+
+private:
+    void Serve(RequestPtr /*request*/, Done /*done*/) override {}
+};
+
 TEST(Router, UsesTheFirstMatchingRow) {
-    auto const exact = std::make_shared<zarn::web::Service>();
-    auto const below = std::make_shared<zarn::web::Service>();
-    auto const named = std::make_shared<zarn::web::Service>();
+    auto const exact = std::make_shared<Silent>();
+    auto const below = std::make_shared<Silent>();
+    auto const named = std::make_shared<Silent>();
     Router const router({{"/a/b", exact}, {"/a/", below}, {"/c/*/d", named}});
-    EXPECT_EQ(router.Find("/a/b").service, exact.get());
-    EXPECT_EQ(router.Find("/a/c").service, below.get());
-    EXPECT_EQ(router.Find("/b").service, nullptr);
-    EXPECT_EQ(router.Find("/c/1/d").service, named.get());
+    EXPECT_EQ(router.Find("/a/b").handler, exact.get());
+    EXPECT_EQ(router.Find("/a/c").handler, below.get());
+    EXPECT_EQ(router.Find("/b").handler, nullptr);
+    EXPECT_EQ(router.Find("/c/1/d").handler, named.get());
     EXPECT_EQ(router.Find("/c/1/d").segment, "1");
     EXPECT_EQ(router.Find("/a/b").segment, "");
 }

@@ -170,7 +170,7 @@ TEST_F(ServerBounds, KeepAConnectionThatWaitsForItsResponse) {
     auto later = Connect();
     EXPECT_TRUE(later.IsClosedWithin(Patience)) << "the idle limit has not expired";
     EXPECT_FALSE(connection->IsClosedWithin(0ms));
-    Release();
+    ReleaseAnswers();
     EXPECT_EQ(connection->Read().body, "waited");
 }
 
@@ -230,7 +230,7 @@ TEST_F(ServerBounds, LimitExchangesEvenAfterTheirClientsLeave) {
     }
     auto connection = Connect();
     EXPECT_EQ(connection.Exchange(Echo()).status, 503U);
-    Release();
+    ReleaseAnswers();
     ASSERT_TRUE(AwaitExchanges(0));
     EXPECT_EQ(connection.Exchange(Echo()).status, 200U);
 }

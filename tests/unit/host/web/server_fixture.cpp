@@ -3,69 +3,78 @@
 #include "host/web/reply.h"
 #include "support/eventually.h"
 
-#include <chrono>
 #include <mutex>
 #include <utility>
 
 namespace zarn::host::web {
 namespace {
 
-using namespace std::chrono_literals;
-using zarn::web::response::Pending;
 using zarn::web::response::State;
 
-class EchoService final : public zarn::web::Service {
+class EchoHandler final : public Handler {
 public:
-    Response Post(std::shared_ptr<zarn::web::Request> request) override {
+    EchoHandler() : Handler({Method::Post}) {}
+
+private:
+    void Serve(RequestPtr request, Done done) override {
         std::string text = std::string(request->GetTarget()) + '\n' + std::string(request->GetBody()) + '\n';
         for (auto const& field : request->GetFields()) text.append(field.first).append("\n");
-        return zarn::web::response::MakeComplete(Status::Ok, {{"Connection", "close"}, {"Server", "echo"}},
-                                                 std::move(text));
+        done(Reply(Status::Ok, {{"Connection", "close"}, {"Server", "echo"}},
+                   {State::Complete, {std::make_shared<container::Buffer>(std::move(text))}}));
     }
 };
 
-class WaitService final : public zarn::web::Service {
+class WaitHandler final : public Handler {
 public:
-    explicit WaitService(std::shared_ptr<std::atomic<bool>> released)
-        : Service({Method::Get}), released(std::move(released)) {}
-
-    Response Get(std::shared_ptr<zarn::web::Request> /*request*/) override {
-        return std::make_shared<Pending>(
-            Status::Provisional,
-            [released = released]() -> Pending::Data {
-                if (!*released) return {Status::Provisional, {}, {State::NotReady, {}}};
-                return {Status::Ok, {}, {State::Complete, {std::make_shared<container::Buffer>("waited")}}};
-            },
-            0ms);
-    }
+    explicit WaitHandler(std::shared_ptr<Release> release) : Handler({Method::Get}), release(std::move(release)) {}
 
 private:
-    std::shared_ptr<std::atomic<bool>> released;
+    void Serve(RequestPtr /*request*/, Done done) override {
+        release->Await([done = std::move(done)] {
+            done(Reply(Status::Ok, {}, {State::Complete, {std::make_shared<container::Buffer>("waited")}}));
+        });
+    }
+
+    std::shared_ptr<Release> release;
 };
 
-class BigService final : public zarn::web::Service {
+class BigHandler final : public Handler {
 public:
-    explicit BigService(std::size_t size) : Service({Method::Get, Method::Head}), size(size) {}
+    explicit BigHandler(std::size_t size) : Handler({Method::Get, Method::Head}), size(size) {}
 
-    Response Get(std::shared_ptr<zarn::web::Request> /*request*/) override {
+private:
+    void Serve(RequestPtr /*request*/, Done done) override {
         std::call_once(made, [this] { buffer = std::make_shared<container::Buffer>(std::string(size, 'x')); });
-        return std::make_shared<Pending>(
-            Status::Ok,
-            [buffer = buffer]() -> Pending::Data {
-                return {Status::Ok, {}, {State::Complete, {buffer}}};
-            },
-            0ms);
+        done(Reply(Status::Ok, {}, {State::Complete, {buffer}}));
     }
 
-    Response Head(std::shared_ptr<zarn::web::Request> request) override { return Get(std::move(request)); }
-
-private:
     std::size_t const size;
     std::once_flag made; ///< on demand: most tests do not need the expensive buffer
     std::shared_ptr<container::Buffer> buffer;
 };
 
 } // namespace
+
+void Release::Await(std::function<void()> answer) {
+    {
+        std::scoped_lock const lock(mutex);
+        if (!isOpen) {
+            waiting.push_back(std::move(answer));
+            return;
+        }
+    }
+    answer();
+}
+
+void Release::Open() {
+    std::vector<std::function<void()>> released;
+    {
+        std::scoped_lock const lock(mutex);
+        isOpen = true;
+        std::swap(released, waiting);
+    }
+    for (auto const& answer : released) answer();
+}
 
 ServerTest::ServerTest() = default;
 
@@ -76,9 +85,9 @@ void ServerTest::Start(Limits const& limits, std::shared_ptr<boost::asio::ssl::c
     port = listener.GetPort();
     server = std::make_unique<Server>(
         io, std::move(listener),
-        Router({{"/echo/", std::make_shared<EchoService>()},
-                {"/wait", std::make_shared<WaitService>(released)},
-                {"/big", std::make_shared<BigService>(BigSize)}}),
+        Router({{"/echo/", std::make_shared<EchoHandler>()},
+                {"/wait", std::make_shared<WaitHandler>(release)},
+                {"/big", std::make_shared<BigHandler>(BigSize)}}),
         Server::Options{
             .limits = limits, .tls = std::move(tls), .lastRequestTime = lastRequestTime, .admission = admission});
 }

@@ -5,14 +5,29 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <chrono>
+#include <functional>
 #include <memory>
+#include <mutex>
 #include <string>
+#include <vector>
 
 namespace zarn::host::web {
 
-/// A web server on loopback with three services: `/echo/` answers a POST with the target, the body and the names of the
+/// Holds answers back until the test opens it. Thread: any.
+class Release {
+public:
+    /// Calls the function when it is open.
+    void Await(std::function<void()> answer);
+    void Open();
+
+private:
+    std::mutex mutex; ///< guards the following
+    bool isOpen = false;
+    std::vector<std::function<void()>> waiting;
+};
+
+/// A web server on loopback with three handlers: `/echo/` answers a POST with the target, the body and the names of the
 /// received fields, one per line; `/wait` answers when the test releases it; `/big` answers a GET with BigSize bytes.
 class ServerTest : public testing::Test {
 protected:
@@ -38,12 +53,12 @@ protected:
     bool AwaitConnections(std::size_t count) const;
 
     /// Makes the responses of /wait ready.
-    void Release() { *released = true; }
+    void ReleaseAnswers() { release->Open(); }
 
-    std::shared_ptr<std::atomic<bool>> released = std::make_shared<std::atomic<bool>>(false);
     std::shared_ptr<Admission> admission = std::make_shared<Admission>();
     std::chrono::milliseconds lastRequestTime = Patience; ///< last request time of the server started by Start
     boost::asio::io_context io;
+    std::shared_ptr<Release> release = std::make_shared<Release>(); ///< what it holds back belongs to `io`
     std::uint16_t port = 0;
     std::unique_ptr<Server> server;
 };

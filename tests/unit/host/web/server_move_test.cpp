@@ -90,7 +90,7 @@ TEST_F(ServerMove, FinishesActiveRequestsAndClosesTheirConnections) {
     waiting.Send(Wait);
     ASSERT_TRUE(AwaitExchanges(1));
     Move();
-    Release();
+    ReleaseAnswers();
     auto const response = waiting.Read();
     EXPECT_EQ(response.body, "waited");
     EXPECT_EQ(response.fields.at("connection"), "close");
@@ -202,7 +202,7 @@ TEST_F(ServerMove, FinishesActiveRequestsWhenSwitchingToTls) {
     waiting.Send(Wait);
     ASSERT_TRUE(AwaitExchanges(1));
     server->SetTls(tls);
-    Release();
+    ReleaseAnswers();
     auto const response = waiting.Read();
     EXPECT_EQ(response.body, "waited");
     EXPECT_EQ(response.fields.at("connection"), "close");
@@ -218,7 +218,7 @@ TEST_F(ServerMove, FinishesActiveRequestsWhenTheCertificateIsRenewed) {
     waiting.Send(Wait);
     ASSERT_TRUE(AwaitExchanges(1));
     server->SetTls(tls);
-    Release();
+    ReleaseAnswers();
     auto const head = waiting.ReadUpTo("waited");
     EXPECT_THAT(head, testing::StartsWith("HTTP/1.1 200 OK"));
     EXPECT_THAT(head, testing::Not(testing::HasSubstr("close"))) << "the existing TLS session must stay open";

@@ -32,7 +32,7 @@ TEST_F(ServerStop, DeliversResponsesToActiveRequests) {
     waiting.Send(Wait);
     ASSERT_TRUE(AwaitExchanges(1));
     server->StopAccepting();
-    Release();
+    ReleaseAnswers();
     auto const response = waiting.Read();
     EXPECT_EQ(response.body, "waited");
     EXPECT_EQ(response.fields.at("connection"), "close");
@@ -74,13 +74,15 @@ TEST_P(ServerStopWithoutThreads, LeavesNothingBehind) {
 
 INSTANTIATE_TEST_SUITE_P(AfterThreads, ServerStopWithoutThreads, testing::Values(0, 1));
 
-TEST_F(ServerStop, ReleasesAConnectionWithoutAResponse) {
+TEST_F(ServerStop, LeavesAConnectionToWhatHoldsItsAnswerBack) {
     Start();
     auto waiting = Connect();
     waiting.Send(Wait);
     ASSERT_TRUE(AwaitExchanges(1));
     server->Stop(0ms);
     server.reset();
+    EXPECT_EQ(admission->GetExchanges(), 1U);
+    release.reset();
     EXPECT_EQ(admission->GetExchanges(), 0U);
 }
 

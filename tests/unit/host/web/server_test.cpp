@@ -94,7 +94,7 @@ TEST_F(ServerTest, AnswersPipelinedRequestsInOrder) {
     auto connection = Connect();
     connection.Send(Wait + Echo("second"));
     ASSERT_TRUE(AwaitExchanges(1));
-    Release();
+    ReleaseAnswers();
     EXPECT_EQ(connection.Read().body, "waited");
     EXPECT_THAT(connection.Read().body, HasSubstr("second"));
 }

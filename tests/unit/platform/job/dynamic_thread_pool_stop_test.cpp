@@ -154,9 +154,10 @@ TEST(DynamicThreadPoolStop, LosesNoJobAcceptedWhileStopping) {
     int taken = 0;
     bool refused = false;
     while (!refused && taken < 10000) {
+        gate.WaitForWaiting(static_cast<std::size_t>(taken)); // no job runs that would take the next one over
         try {
             pool.Post([&] {
-                gate.Wait();
+                gate.WaitInScope();
                 ++ran;
             });
             ++taken;

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 #include <sys/prctl.h>
 
+#include <algorithm>
 #include <atomic>
 #include <future>
 #include <memory>
@@ -51,10 +52,10 @@ TEST(DynamicThreadPool, GivesAJobToAnIdleThread) {
     }
 }
 
-TEST(DynamicThreadPool, StartsAThreadForEachJobWithoutAnIdleThread) {
+TEST(DynamicThreadPool, StartsAThreadForEachWaitingJob) {
     DynamicThreadPool pool(1, 10s);
     Gate gate;
-    for (int count = 0; count < 20; ++count) pool.Post([&] { gate.Wait(); });
+    for (int count = 0; count < 20; ++count) pool.Post([&] { gate.WaitInScope(); });
     EXPECT_TRUE(gate.WaitForWaiting(20)); // all jobs run concurrently
     EXPECT_GE(pool.GetThreadCount(), 20U);
     gate.Open();
@@ -64,7 +65,7 @@ TEST(DynamicThreadPool, StartsAThreadForEachJobWithoutAnIdleThread) {
 TEST(DynamicThreadPool, EndsThreadsAboveTheMinimum) {
     DynamicThreadPool pool(2, 0s);
     Gate gate;
-    for (int count = 0; count < 8; ++count) pool.Post([&] { gate.Wait(); });
+    for (int count = 0; count < 8; ++count) pool.Post([&] { gate.WaitInScope(); });
     ASSERT_TRUE(gate.WaitForWaiting(8));
     gate.Open();
     EXPECT_TRUE(test::Eventually([&] { return pool.GetThreadCount() == 2 && pool.GetIdleCount() == 2; }));
@@ -91,7 +92,7 @@ TEST(DynamicThreadPool, TreatsANegativeIdleTimeAsZero) {
 }
 
 TEST(DynamicThreadPool, PrefersTheThreadThatBecameIdleLast) {
-    DynamicThreadPool pool(2, 10s);
+    DynamicThreadPool pool(2, 10s, 2);
     ASSERT_TRUE(test::Eventually([&] { return pool.GetIdleCount() == 2; }));
     Gate first;
     Gate second;
@@ -192,7 +193,7 @@ TEST(DynamicThreadPool, KeepsAThousandWaitingJobsCheap) {
     Gate gate;
     prctl(PR_SET_THP_DISABLE, 1, 0, 0, 0); // keeps the kernel from giving each stack a 2 MiB page
     auto const before = GetResidentBytes();
-    for (int count = 0; count < 1000; ++count) pool.Post([&] { gate.Wait(); });
+    for (int count = 0; count < 1000; ++count) pool.Post([&] { gate.WaitInScope(); });
     ASSERT_TRUE(gate.WaitForWaiting(1000));
     auto const each = (GetResidentBytes() - before) / 1000;
     gate.Open();
@@ -202,6 +203,55 @@ TEST(DynamicThreadPool, KeepsAThousandWaitingJobsCheap) {
 #else
     static_cast<void>(each);
 #endif
+}
+
+TEST(DynamicThreadPool, RunsNoMoreJobsAtATimeThanThereAreProcessors) {
+    DynamicThreadPool pool(1, 10s, 3);
+    std::atomic<int> running = 0;
+    std::atomic<int> most = 0;
+    std::atomic<int> ran = 0;
+    for (int count = 0; count < 300; ++count) {
+        pool.Post([&] {
+            most = std::max<int>(most, ++running);
+            std::this_thread::yield();
+            --running;
+            ++ran;
+        });
+    }
+    pool.Stop();
+    EXPECT_EQ(ran, 300);
+    EXPECT_LE(most, 3);
+}
+
+TEST(DynamicThreadPool, StartsNoMoreThreadsThanThereAreProcessorsForJobsThatOnlyCompute) {
+    DynamicThreadPool pool(1, 10s, 2);
+    Gate gate;
+    std::atomic<int> ran = 0;
+    pool.Post([&] { gate.Wait(); });
+    pool.Post([&] { gate.Wait(); });
+    for (int count = 0; count < 50; ++count) pool.Post([&] { ++ran; });
+    ASSERT_TRUE(gate.WaitForWaiting(2));
+    EXPECT_EQ(pool.GetThreadCount(), 2U);
+    EXPECT_EQ(ran, 0);
+    gate.Open();
+    pool.Stop();
+    EXPECT_EQ(ran, 50);
+}
+
+TEST(DynamicThreadPool, TreatsNoProcessorsAsOne) {
+    DynamicThreadPool pool(0, 10s, 0);
+    std::promise<void> ran;
+    pool.Post([&] { ran.set_value(); });
+    ran.get_future().get();
+}
+
+TEST(DynamicThreadPool, RunsJobsInTheirOrder) {
+    DynamicThreadPool pool(1, 10s, 1);
+    std::vector<int> order;
+    for (int number = 0; number < 100; ++number) pool.Post([&order, number] { order.push_back(number); });
+    pool.Stop();
+    EXPECT_TRUE(std::ranges::is_sorted(order));
+    EXPECT_EQ(order.size(), 100U);
 }
 
 TEST(DynamicThreadPool, WakesNoThreadWhileIdle) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <zarn/job/dynamic_thread_pool.h>
+#include <zarn/job/wait_scope.h>
 
 #include <pthread.h>
 #include <sys/types.h>
@@ -35,6 +36,12 @@ public:
         ++waiting;
         changed.notify_all();
         changed.wait(lock, [this] { return open; });
+    }
+
+    /// The same, and the pool may run other jobs meanwhile.
+    void WaitInScope() {
+        WaitScope const scope;
+        Wait();
     }
 
     /// Waits until `count` jobs are blocked.

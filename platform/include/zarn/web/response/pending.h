@@ -17,7 +17,8 @@ class Buffer;
 
 namespace zarn::web::response {
 
-/// A response that may not be ready yet. The web server asks it until it is complete.
+/// A response that may not be ready yet. Who has it asks until it is complete; what a job of a pool completes may be
+/// asked when the job has ended (see job::EndNotice).
 /// Thread: one at a time.
 class Pending {
 public:
@@ -55,7 +56,7 @@ public:
 
     /// status   what is known of the status now; Status::Provisional when nothing is
     /// data     called by GetData; must not wait
-    /// timeout  when positive, how long the web server goes on asking; 0: as long as it takes
+    /// timeout  when positive, after which time it need not be asked any more; 0: never
     Pending(Status status, std::function<Data()> data, std::chrono::milliseconds timeout);
 
     Pending(Pending const&) = delete;
@@ -67,7 +68,7 @@ public:
     /// Asks. Not to be called again after an answer in the state Complete. Lets through what the data function throws.
     Data GetData() const { return data(); }
 
-    /// How long the web server goes on asking; 0: as long as it takes.
+    /// After which time it need not be asked any more; 0: never.
     std::chrono::milliseconds GetTimeout() const noexcept { return timeout; }
 
 private:

@@ -31,4 +31,10 @@ std::optional<Method> FromString(std::string_view name) noexcept {
     return row->method;
 }
 
+std::string MakeAllow(std::vector<Method> const& methods) {
+    std::string allow;
+    for (auto const method : methods) allow.append(ToString(method)).append(", ");
+    return allow.append("OPTIONS");
+}
+
 } // namespace zarn::protocol::network::http

@@ -21,6 +21,7 @@ namespace zarn::protocol::network::http {
 namespace {
 
 using boost::beast::iequals;
+using container::Buffer;
 using response::Status;
 
 /// Header fields as a message has them, repeated ones one by one; views of the message.
@@ -104,10 +105,11 @@ public:
     }
 
     /// The body that follows a header, decoded. Source: RFC 9112, 6.3.
-    std::string ReadBody(FieldList const& fields) {
-        if (IsChunked(fields)) return ReadChunks();
+    /// whole  the buffer of the message
+    std::shared_ptr<Buffer> ReadBody(FieldList const& fields, std::shared_ptr<Buffer const> whole) {
+        if (IsChunked(fields)) return std::make_shared<Buffer>(ReadChunks());
         auto const length = ReadContentLength(fields);
-        return std::string(length ? ReadBytes(*length) : text);
+        return std::make_shared<Buffer>(std::move(whole), length ? ReadBytes(*length) : text);
     }
 
 private:
@@ -190,10 +192,15 @@ std::map<std::string, std::string> Join(FieldList const& list) {
 
 } // namespace
 
-Response::Response(Status status, std::map<std::string, std::string> fields, std::string body)
+Response::Response(Status status, std::map<std::string, std::string> fields, std::shared_ptr<Buffer> body)
     : status(status), fields(std::move(fields)), body(std::move(body)) {}
 
-Response Response::Parse(std::shared_ptr<container::Buffer> const& buffer) {
+Response::Response(Status status, std::map<std::string, std::string> fields, std::string body)
+    : Response(status, std::move(fields), std::make_shared<Buffer>(std::move(body))) {}
+
+std::string_view Response::GetBody() const noexcept { return body->ToStringView(); }
+
+Response Response::Parse(std::shared_ptr<Buffer> const& buffer) {
     if (buffer == nullptr || buffer->GetSize() == 0) throw ParseError("the response is empty");
     Reader reader(buffer->ToStringView());
     for (;;) {
@@ -201,7 +208,8 @@ Response Response::Parse(std::shared_ptr<container::Buffer> const& buffer) {
         auto const status = reader.ReadStatusLine();
         auto const list = reader.ReadFields();
         if (status < Status::Ok) continue; // an interim response
-        return {status, Join(list), HasBody(status) ? reader.ReadBody(list) : std::string()};
+        if (!HasBody(status)) return {status, Join(list), std::string()};
+        return {status, Join(list), reader.ReadBody(list, buffer)};
     }
 }
 

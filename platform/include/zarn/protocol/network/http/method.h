@@ -1,7 +1,9 @@
 #pragma once
 
 #include <optional>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace zarn::protocol::network::http {
 
@@ -13,5 +15,9 @@ std::string_view ToString(Method method) noexcept;
 
 /// The method with that name (case counts: RFC 9110, 9.1); empty for an unknown name.
 std::optional<Method> FromString(std::string_view name) noexcept;
+
+/// The value of the field Allow for a resource with these methods, and OPTIONS, which every resource has.
+/// Source: RFC 9110, 10.2.1.
+std::string MakeAllow(std::vector<Method> const& methods);
 
 } // namespace zarn::protocol::network::http

@@ -2,37 +2,44 @@
 
 #include <zarn/protocol/network/http/method.h>
 
+#include <cstddef>
 #include <iosfwd>
 #include <map>
 #include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 namespace zarn::protocol::network::http {
 
-/// An HTTP request with its body already decoded.
+/// An HTTP request with its body already decoded. It consists of the one text that a peer gets, so that writing it
+/// costs nothing more.
 class Request {
 public:
+    /// Header fields, name to value.
+    using Fields = std::map<std::string_view, std::string_view>;
+
     /// target  in origin form, for example "/onvif/device_service?a=b"
     /// body    the decoded body
     /// fields  header fields, name to value
-    Request(Method method, std::string target, std::string body, std::map<std::string, std::string> fields);
+    Request(Method method, std::string_view target, std::string_view body, Fields const& fields);
 
-    /// The method.
-    Method GetMethod() const noexcept { return method; }
+    /// The same for fields that are texts of their own.
+    Request(Method method, std::string const& target, std::string const& body,
+            std::map<std::string, std::string> const& fields);
 
-    /// The target in origin form.
-    std::string const& GetTarget() const noexcept { return target; }
+    /// The header fields of the message in its order; valid as long as the request lives.
+    std::vector<std::pair<std::string_view, std::string_view>> GetFields() const;
 
-    /// The decoded body.
-    std::string const& GetBody() const noexcept { return body; }
+    /// The decoded body; valid as long as the request lives.
+    std::string_view GetBody() const noexcept { return std::string_view(text).substr(header); }
 
-    /// The header fields, name to value.
-    std::map<std::string, std::string> const& GetFields() const noexcept { return fields; }
+    /// The whole message, see operator<<; valid as long as the request lives.
+    std::string const& GetText() const noexcept { return text; }
 
 private:
-    Method method;
-    std::string target;
-    std::string body;
-    std::map<std::string, std::string> fields;
+    std::string text;
+    std::size_t header = 0; ///< bytes of the message before the body
 };
 
 /// Writes the request as one HTTP/1.1 message (RFC 9112): request line, fields, blank line, body.

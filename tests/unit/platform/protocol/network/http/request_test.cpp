@@ -1,6 +1,6 @@
 #include <zarn/protocol/network/http/request.h>
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <sstream>
 #include <string>
@@ -10,18 +10,26 @@ namespace {
 
 using Fields = std::map<std::string, std::string>;
 
-std::string Write(std::string target, std::string body = {}, Fields fields = {}, Method method = Method::Post) {
+std::string Write(std::string const& target, std::string const& body = {}, Fields const& fields = {},
+                  Method method = Method::Post) {
     std::ostringstream stream;
-    stream << Request(method, std::move(target), std::move(body), std::move(fields));
+    stream << Request(method, target, body, fields);
     return std::move(stream).str();
 }
 
-TEST(HttpRequest, KeepsItsMembers) {
-    Request const request(Method::Put, "/a", "body", {{"Host", "b"}});
-    EXPECT_EQ(request.GetMethod(), Method::Put);
-    EXPECT_EQ(request.GetTarget(), "/a");
+TEST(HttpRequest, TellsItsFieldsAndItsBody) {
+    Request const request(Method::Put, "/a", "body",
+                          Fields{{"Host", "b"}, {"A", ""}, {"C: D", "1"}, {"E", "1:2\n: 3"}});
+    using Field = std::pair<std::string_view, std::string_view>;
+    EXPECT_THAT(request.GetFields(), testing::ElementsAre(Field("A", ""), Field("E", "1:2 : 3"), Field("Host", "b"),
+                                                          Field("Content-Length", "4")));
     EXPECT_EQ(request.GetBody(), "body");
-    EXPECT_EQ(request.GetFields(), (Fields{{"Host", "b"}}));
+}
+
+TEST(HttpRequest, CanBeMadeOfTextsThatOthersOwn) {
+    Request const request(Method::Post, std::string_view("/a"), std::string_view("body"),
+                          Request::Fields{{"Host", "b"}});
+    EXPECT_EQ(request.GetText(), "POST /a HTTP/1.1\r\nHost: b\r\nContent-Length: 4\r\n\r\nbody");
 }
 
 TEST(HttpRequest, IsWrittenAsOneMessage) {

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "host/web/reply.h"
+
+#include <zarn/protocol/network/http/method.h>
+#include <zarn/web/request.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace zarn::host::web {
+
+/// What a handler gives for a request.
+struct Answer {
+    // NOLINTNEXTLINE(google-explicit-constructor): most answers are replies and nothing more
+    Answer(Reply reply, bool isWrongLogin = false) : reply(std::move(reply)), isWrongLogin(isWrongLogin) {}
+
+    Reply reply;
+    bool isWrongLogin; ///< the client tried a wrong password
+};
+
+/// What the web server hands the requests of a route to. Thread: any number at once.
+class Handler {
+public:
+    using Method = protocol::network::http::Method;
+    using RequestPtr = std::shared_ptr<zarn::web::Request>;
+    using Done = std::function<void(Answer)>;
+
+    /// allowed  the methods that Serve() answers
+    explicit Handler(std::vector<Method> allowed);
+
+    virtual ~Handler() = default;
+    Handler(Handler const&) = delete;
+    Handler& operator=(Handler const&) = delete;
+
+    /// Answers a request without waiting: a method that is not allowed with 405, OPTIONS with 204, both with the field
+    /// Allow; the others by Serve().
+    /// done  called once, on any thread, possibly before this returns; not at all when this throws, or when the server
+    ///       ends before the answer is there
+    /// Throws what Serve() throws; std::system_error: a thread that is needed cannot be started.
+    void Handle(RequestPtr request, Done done);
+
+private:
+    /// Answers a request of an allowed method; for the rest like Handle().
+    virtual void Serve(RequestPtr request, Done done) = 0;
+
+    std::vector<Method> allowed;
+    std::string allow; ///< the field of that name
+};
+
+/// Calls `done` with what `make` returns, for an answer that is made after Handle() has returned. When `make` throws,
+/// that is logged and the answer is 500.
+void Deliver(Handler::Done const& done, std::function<Answer()> const& make) noexcept;
+
+} // namespace zarn::host::web
