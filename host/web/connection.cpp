@@ -178,7 +178,17 @@ private:
         parser->header_limit(static_cast<std::uint32_t>(MaximumHeader));
         parser->body_limit(limits.bodyBytes);
         Allow(limits.headerTime);
+        auto const error = ParseReceived();
+        if (error || parser->is_header_done()) return OnHeader(error);
         http::async_read_header(stream, buffer, *parser, Then(&Session::OnHeader));
+    }
+
+    /// Parses what has been received. Most requests have arrived as a whole: this saves them the way through the queues
+    /// of handlers.
+    beast::error_code ParseReceived() {
+        beast::error_code error;
+        if (buffer.size() > 0) buffer.consume(parser->put(buffer.data(), error));
+        return error == http::error::need_more ? beast::error_code() : error;
     }
 
     void OnHeader(beast::error_code error) {
@@ -194,7 +204,9 @@ private:
 
     void ReadBody(beast::error_code error) {
         if (error) return CloseNow();
-        if (parser->is_done()) return OnRequest({});
+        parser->eager(true);
+        if (!parser->is_done()) error = ParseReceived();
+        if (error || parser->is_done()) return OnRequest(error);
         http::async_read(stream, buffer, *parser, Then(&Session::OnRequest));
     }
 

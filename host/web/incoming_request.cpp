@@ -3,6 +3,7 @@
 #include "host/web/digest_credentials.h"
 #include "host/web/request_target.h"
 
+#include <boost/beast/core/string.hpp>
 #include <boost/beast/http/field.hpp>
 #include <boost/beast/http/rfc7230.hpp>
 
@@ -31,12 +32,31 @@ constexpr field ConnectionFields[]{
 };
 
 void EraseConnectionFields(http::fields& fields) {
-    std::string const named(fields[field::connection]);
-    for (auto const& name : http::token_list(named)) fields.erase(name);
-    for (auto const name : ConnectionFields) fields.erase(name);
+    if (auto const connection = fields.find(field::connection); connection != fields.end()) {
+        std::string const named(connection->value());
+        for (auto const& name : http::token_list(named)) fields.erase(name);
+    }
+    for (auto each = fields.begin(); each != fields.end();) {
+        auto const found = std::ranges::find(ConnectionFields, each->name());
+        each = found == std::end(ConnectionFields) ? std::next(each) : fields.erase(each);
+    }
+}
+
+/// Whether a name occurs more than once, however it is spelled. Most fields have names that the library knows, which
+/// are compared as numbers; of the others there are few.
+bool HasRepeatedFields(http::fields const& fields) {
+    for (auto each = fields.begin(); each != fields.end(); ++each) {
+        auto const isSame = [&each](auto const& other) {
+            return other.name() == each->name() &&
+                   (each->name() != field::unknown || boost::beast::iequals(other.name_string(), each->name_string()));
+        };
+        if (std::any_of(std::next(each), fields.end(), isSame)) return true;
+    }
+    return false;
 }
 
 void JoinRepeatedFields(http::fields& fields) {
+    if (!HasRepeatedFields(fields)) return;
     auto const find = [&] {
         return std::find_if(fields.begin(), fields.end(),
                             [&](auto const& each) { return fields.count(each.name_string()) > 1; });
