@@ -5,9 +5,6 @@ import {tmpdir} from 'node:os';
 import {join} from 'node:path';
 import {createInterface} from 'node:readline';
 
-const binary = process.env.ZARN_HOST;
-if (!binary) throw new Error('ZARN_HOST must name the zarn-host to test');
-
 export const password = 'interop-Päss';
 
 const defaults = {
@@ -21,13 +18,14 @@ const defaults = {
     },
 };
 
-// Starts a host and waits until it is ready. log: destination of its standard error, as for child_process.
-// Returns {url, hostname, port, pid, stop()}.
-export async function startHost(configuration = {}, {log = 'inherit'} = {}) {
+// Starts a host and waits until it is ready. program: its zarn-host; log: destination of its standard error, as for
+// child_process. Returns {url, hostname, port, pid, stop()}; stopping twice is harmless.
+export async function startHost(configuration = {}, {program = process.env.ZARN_HOST, log = 'inherit'} = {}) {
+    if (!program) throw new Error('ZARN_HOST must name the zarn-host to test');
     const folder = mkdtempSync(join(tmpdir(), 'zarn-interop-'));
     const file = join(folder, 'config.json');
     writeFileSync(file, JSON.stringify({...defaults, ...configuration}));
-    const child = spawn(binary, ['--config', file], {
+    const child = spawn(program, ['--config', file], {
         env: {...process.env, ZARN_HOST_PASSWORD: password}, stdio: ['ignore', 'pipe', log],
     });
     const exit = new Promise(resolve => child.once('exit', code => resolve(code)));
@@ -42,7 +40,7 @@ export async function startHost(configuration = {}, {log = 'inherit'} = {}) {
     const stop = async () => {
         child.kill('SIGTERM');
         const code = await exit;
-        rmSync(folder, {recursive: true});
+        rmSync(folder, {recursive: true, force: true});
         return code;
     };
     try {
