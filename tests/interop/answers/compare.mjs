@@ -5,7 +5,7 @@ import {execFileSync} from 'node:child_process';
 import {mkdirSync, mkdtempSync, rmSync, writeFileSync} from 'node:fs';
 import {createServer} from 'node:net';
 import {tmpdir} from 'node:os';
-import {join} from 'node:path';
+import {dirname, join} from 'node:path';
 
 import {startHost} from '../host.mjs';
 import {describeDifference} from './difference.mjs';
@@ -92,7 +92,9 @@ async function waitForVideo(session) {
 }
 
 async function record(program, settings, send, tls) {
-    const host = await startHost({settings, channels}, {program, log: 'ignore'});
+    // A build folder that was moved or copied still names the libraries of the original.
+    const environment = {LD_LIBRARY_PATH: join(dirname(program), '../lib')};
+    const host = await startHost({settings, channels}, {program, environment, log: 'ignore'});
     const session = new Session(host, tls);
     try {
         await waitForVideo(session);
