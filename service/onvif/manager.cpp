@@ -32,6 +32,7 @@
 #include <mutex>
 #include <sstream>
 #include <streambuf>
+#include <string_view>
 #include <utility>
 
 namespace zarn::service::onvif {
@@ -68,11 +69,22 @@ http::Response MakeReadable(http::Response response) {
     return {status, std::move(response).GetFields(), std::move(body)};
 }
 
-/// Reads a text where it is.
+/// Reads a text where it is, and a line end behind it: with one, gSOAP calls a message that is cut off by its name.
 class TextReader : public std::streambuf {
 public:
     /// text  must outlive the reader
-    explicit TextReader(std::string const& text) {
+    explicit TextReader(std::string const& text) { Read(text); }
+
+private:
+    static constexpr std::string_view LineEnd = "\n";
+
+    int_type underflow() override {
+        if (eback() == LineEnd.data()) return traits_type::eof();
+        Read(LineEnd);
+        return traits_type::to_int_type(*gptr());
+    }
+
+    void Read(std::string_view text) {
         auto* const begin = const_cast<char*>(text.data()); // only read: there is no way to put a character back
         setg(begin, begin, begin + text.size());
     }
