@@ -68,9 +68,7 @@ private:
     service::onvif::Manager manager{&engine, std::make_shared<configuration::node::Root>(), nullptr, {}};
 };
 
-auto MakeEvent() {
-    return std::make_shared<meta::data::Event>("presence", "rule", std::chrono::system_clock::now());
-}
+auto MakeEvent() { return std::make_shared<meta::data::Event>("presence", "rule", std::chrono::system_clock::now()); }
 
 /// Heap in use, in bytes.
 double GetMemory() {
