@@ -1,3 +1,5 @@
+#include "support/asleep.h"
+
 #include <service/onvif/subscription.h>
 #include <zarn/meta/data/event.h>
 #include <zarn/onvif/events/handler.h>
@@ -99,7 +101,7 @@ TEST_F(SubscriptionTest, ReturnsTheEventsOfSeveralThreadsInTheOrderOfEveryOtherS
     }
 }
 
-TEST_F(SubscriptionTest, DoesNotWaitForAnotherOne) {
+TEST_F(SubscriptionTest, DoesNotWaitForAnotherOneNorForAPublisherThatDoes) {
     std::promise<void> locked;
     std::promise<void> end;
     auto waiting = std::async(std::launch::async, [&] {
@@ -113,6 +115,12 @@ TEST_F(SubscriptionTest, DoesNotWaitForAnotherOne) {
             nullptr);
     });
     locked.get_future().wait();
+    std::promise<pid_t> publishing;
+    std::jthread const publisher([&] {
+        publishing.set_value(gettid());
+        Publish("one");
+    });
+    EXPECT_TRUE(test::FallsAsleep(publishing.get_future().get())) << "the publisher does not wait";
     auto const otherId = Subscription::Create(Now() + 1h, {});
     auto const other = Subscription::Find(otherId);
     EXPECT_EQ(Subscription::Find(id), subscription);
