@@ -57,10 +57,10 @@ protected:
 
 TEST_F(PullMessagesMemory, IsNotTakenByEventsThatTheFilterHoldsBack) {
     std::snprintf(context->path, sizeof(context->path), "/Subscription?Idx=%d", id);
-    auto const before = GetMemory();
+    [[maybe_unused]] auto const before = GetMemory();
     PublishMany();
     ASSERT_EQ(service.PullMessages(&request, response), SOAP_OK);
-    auto const after = GetMemory(); // while the exchange lives
+    [[maybe_unused]] auto const after = GetMemory(); // while the exchange lives
     EXPECT_TRUE(response.wsnt__NotificationMessage.empty());
     EXPECT_FALSE(Subscription::Find(id)->HasEvents());
 #ifndef ZARN_SANITIZED // sanitizers have a heap of their own
