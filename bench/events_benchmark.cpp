@@ -18,6 +18,7 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <ctime>
 #include <memory>
 #include <string>
 #include <thread>
@@ -101,6 +102,9 @@ void QueueEvent(benchmark::State& state) {
 using service::onvif::Subscription;
 
 /// What a thread does again and again while another one publishes a list.
+/// For comparison: how long the system takes the processor away.
+void DoNothing(Subscription&) {}
+
 void Pop(Subscription& subscription) { benchmark::DoNotOptimize(subscription.Pop()); }
 
 void GetTermination(Subscription& subscription) { benchmark::DoNotOptimize(subscription.GetTermination()); }
@@ -111,8 +115,15 @@ void CreateAnother(Subscription& subscription) {
 
 void PublishAnother(Subscription&) { onvif::events::Publish(MakeEvent()); }
 
+/// The processor time of this thread, which other processes cannot prolong.
+std::chrono::nanoseconds GetProcessorTime() {
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+}
+
 /// Publishes 10,000 events to the given number of subscriptions, and meanwhile measures how long an operation takes on
-/// this thread.
+/// this thread. "step" is the longest processor time of one of the events: how long a lock can be held.
 void WaitForAList(benchmark::State& state, void (*operate)(Subscription&)) {
     using Clock = std::chrono::steady_clock;
     constexpr int Events = 10'000;
@@ -123,9 +134,14 @@ void WaitForAList(benchmark::State& state, void (*operate)(Subscription&)) {
         std::vector<Clock::duration> lasted;
         lasted.reserve(10'000'000);
         std::atomic<bool> published = false;
+        std::chrono::nanoseconds step{};
         auto const begin = Clock::now();
-        std::jthread const publisher([&] {
-            for (int i = 0; i < Events; ++i) onvif::events::Publish(MakeEvent());
+        std::jthread publisher([&] {
+            for (int i = 0; i < Events; ++i) {
+                auto const start = GetProcessorTime();
+                onvif::events::Publish(MakeEvent());
+                step = std::max(step, GetProcessorTime() - start);
+            }
             published = true;
         });
         while (!published && lasted.size() < lasted.capacity()) {
@@ -133,7 +149,9 @@ void WaitForAList(benchmark::State& state, void (*operate)(Subscription&)) {
             operate(*subscription);
             lasted.push_back(Clock::now() - start);
         }
+        publisher.join();
         state.counters["list"] = seconds(Clock::now() - begin);
+        state.counters["step"] = seconds(step);
         std::ranges::sort(lasted);
         state.counters["operations"] = static_cast<double>(lasted.size());
         state.counters["p99"] = seconds(lasted[lasted.size() * 99 / 100]);
@@ -142,6 +160,7 @@ void WaitForAList(benchmark::State& state, void (*operate)(Subscription&)) {
 }
 
 BENCHMARK(QueueEvent)->Arg(1)->Arg(10)->Arg(100)->Arg(1000)->Iterations(20000)->UseRealTime();
+BENCHMARK_CAPTURE(WaitForAList, Nothing, DoNothing)->Arg(1000)->Iterations(1)->UseRealTime();
 BENCHMARK_CAPTURE(WaitForAList, Pop, Pop)->Arg(1000)->Iterations(1)->UseRealTime();
 BENCHMARK_CAPTURE(WaitForAList, GetTermination, GetTermination)->Arg(1000)->Iterations(1)->UseRealTime();
 BENCHMARK_CAPTURE(WaitForAList, Create, CreateAnother)->Arg(1000)->Iterations(1)->UseRealTime();

@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <atomic>
 #include <future>
-#include <iterator>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -81,8 +80,8 @@ Subscription::Snapshot Subscription::GetLive() {
 bool Subscription::Append(EventPtr const& event) {
     std::scoped_lock const lock(mutex);
     if (hasEnded) return false;
-    events.push_back(event);
-    gauge.SetQueued(events.size());
+    events.Push(event);
+    gauge.SetQueued(events.GetSize());
     return waiting > 0;
 }
 
@@ -119,7 +118,7 @@ void Subscription::End(std::int32_t id, std::optional<Time> termination) {
     // Released after the mutexes: they may be many events, and their last references.
     Live::node_type ended;
     Snapshot outdated;
-    std::deque<EventPtr> unread;
+    EventQueue unread;
     std::scoped_lock const lock(Mutex);
     auto const found = Subscriptions.find(id);
     if (found == Subscriptions.end()) return;
@@ -164,14 +163,14 @@ bool Subscription::Renew(Time termination) {
 
 bool Subscription::HasEvents() const {
     std::scoped_lock const lock(mutex);
-    return !events.empty();
+    return !events.IsEmpty();
 }
 
 bool Subscription::WaitForEvents(std::chrono::steady_clock::time_point deadline, std::function<bool()> const& isStopped,
                                  EventPtr* oldest) {
     std::unique_lock lock(mutex);
     ++waiting;
-    while (!hasEnded && events.empty() && !isStopped() && std::chrono::steady_clock::now() < deadline)
+    while (!hasEnded && events.IsEmpty() && !isStopped() && std::chrono::steady_clock::now() < deadline)
         changed.wait_until(lock, deadline);
     --waiting;
     if (oldest) *oldest = PopLocked();
@@ -186,20 +185,17 @@ Subscription::EventPtr Subscription::Pop() {
 std::vector<Subscription::EventPtr> Subscription::Take(std::size_t most) {
     std::vector<EventPtr> taken;
     std::scoped_lock const lock(mutex);
-    auto const count = std::min(most, events.size());
+    auto const count = std::min(most, events.GetSize());
     taken.reserve(count); // the only step that can fail, before any event leaves the queue
-    auto const end = events.begin() + static_cast<std::ptrdiff_t>(count);
-    taken.assign(std::move_iterator(events.begin()), std::move_iterator(end));
-    events.erase(events.begin(), end);
-    gauge.SetQueued(events.size());
+    while (taken.size() < count) taken.push_back(events.Pop());
+    gauge.SetQueued(events.GetSize());
     return taken;
 }
 
 Subscription::EventPtr Subscription::PopLocked() {
-    if (events.empty()) return nullptr;
-    auto event = std::move(events.front());
-    events.pop_front();
-    gauge.SetQueued(events.size());
+    if (events.IsEmpty()) return nullptr;
+    auto event = events.Pop();
+    gauge.SetQueued(events.GetSize());
     return event;
 }
 

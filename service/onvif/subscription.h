@@ -1,5 +1,6 @@
 #pragma once
 
+#include "event_queue.h"
 #include "events/wanted_topics.h"
 #include "fair_mutex.h"
 
@@ -12,7 +13,6 @@
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <functional>
 #include <map>
 #include <memory>
@@ -22,10 +22,6 @@
 #include <string>
 #include <vector>
 
-namespace zarn::meta::data {
-class Event;
-}
-
 namespace zarn::service::onvif {
 
 /// A pull-point subscription: it queues the host's events until its client pulls them, and ends at its termination
@@ -33,7 +29,7 @@ namespace zarn::service::onvif {
 class Subscription {
 public:
     using Time = std::chrono::system_clock::time_point;
-    using EventPtr = std::shared_ptr<meta::data::Event>;
+    using EventPtr = EventQueue::EventPtr;
 
     /// The topics of a client's filter; empty means all.
     using Topics = std::set<std::string, std::less<>>;
@@ -110,7 +106,7 @@ private:
     zarn::onvif::events::SubscriptionGauge gauge;
     asio::GlobalContext context;                    ///< keeps the timer's thread
     boost::asio::system_timer timer{context.Get()}; ///< its expiry is the termination time
-    std::deque<EventPtr> events;                    ///< in the order of arrival
+    EventQueue events;
     bool hasEnded = false;
     unsigned waiting = 0;            ///< threads in WaitForEvents
     std::condition_variable changed; ///< an event arrived, the subscription ended, or waiting is to stop
