@@ -41,6 +41,9 @@ constexpr char SubscriptionMarker[] = "Subscription?Idx=";
 /// How long a subscription lasts when its client does not say.
 constexpr std::chrono::seconds DefaultLifetime{300};
 
+/// How many events PullMessages takes out of a queue under one lock. Those that it holds are gone for other pulls.
+constexpr int MostEventsAtOnce = 64;
+
 constexpr std::int32_t NoId = -1;
 
 /// What xsd:dateTime members carry.
@@ -110,18 +113,15 @@ int EventsService::CreatePullPointSubscription(Authenticated, _tev__CreatePullPo
     return SOAP_OK;
 }
 
-bool EventsService::Append(std::shared_ptr<meta::data::Event> const& event, Subscription::Topics const& topics,
+bool EventsService::Append(std::shared_ptr<meta::data::Event> const& event, events::WantedTopics const& topics,
                            std::vector<wsnt__NotificationMessageHolderType*>& messages) {
-    auto const count = messages.size();
-    // A conversion that appends a message without claiming the event leaves it in, whatever the filter.
-    bool const isHandled = std::ranges::any_of(
-        events::Types, [&](events::Type const& type) { return type.convert(soap, messages, event, type.name); });
-    if (!isHandled || messages.size() == count) return false;
-    auto const* const topic = messages.back()->Topic;
-    char const* const text = topic ? soap_elt_get_text(&topic->__mixed) : nullptr; // null for want of memory
-    bool const isWanted = topics.empty() || (text && topics.contains(std::string_view(text)));
-    if (!isWanted) messages.pop_back();
-    return isWanted;
+    for (auto const& type : events::Types) {
+        auto const* const subtopic = type.selection->Find(*event);
+        if (!subtopic) continue;
+        if (!type.selection->passesFilters && !topics.Contain(*subtopic)) return false; // before a message is built
+        if (type.convert(soap, messages, event, type.name)) return true;
+    }
+    return false;
 }
 
 int EventsService::PullMessages(Authenticated, _tev__PullMessages* given, _tev__PullMessagesResponse& response) {
@@ -132,15 +132,22 @@ int EventsService::PullMessages(Authenticated, _tev__PullMessages* given, _tev__
     if (!subscription) return NotFound(soap);
     response.TerminationTime = ToSeconds(subscription->GetTermination());
     bool const wantsEvents = request.MessageLimit > 0;
-    auto event = wantsEvents ? subscription->Pop() : nullptr;
-    if (!event && (wantsEvents || !subscription->HasEvents())) {
+    auto oldest = wantsEvents ? subscription->Pop() : nullptr;
+    if (!oldest && (wantsEvents || !subscription->HasEvents())) {
         auto const deadline = chrono::Add(steady_clock::now(), chrono::duration::FromIso8601(request.Timeout));
         auto const isStopped = [this] { return IsEnding(soap); };
-        if (!subscription->WaitForEvents(deadline, isStopped, wantsEvents ? &event : nullptr)) return NotFound(soap);
+        if (!subscription->WaitForEvents(deadline, isStopped, wantsEvents ? &oldest : nullptr)) return NotFound(soap);
     }
-    // The subscription may end at any time; it then has no more events.
-    for (int count = 0; event; event = count < request.MessageLimit ? subscription->Pop() : nullptr) {
-        if (Append(event, subscription->GetTopics(), response.wsnt__NotificationMessage)) ++count;
+    std::vector<Subscription::EventPtr> events;
+    if (oldest) events.push_back(std::move(oldest));
+    int left = request.MessageLimit;
+    // The subscription may end at any time; it then has no more events. No event counts more than once, so that all
+    // that are taken also fit.
+    while (!events.empty()) {
+        for (auto const& event : events) {
+            if (Append(event, subscription->GetTopics(), response.wsnt__NotificationMessage)) --left;
+        }
+        events = subscription->Take(static_cast<std::size_t>(std::min(left, MostEventsAtOnce)));
     }
     response.CurrentTime = ToSeconds(system_clock::now());
     return SOAP_OK;

@@ -29,8 +29,9 @@ private:
     void Prepare(_tev__CreatePullPointSubscriptionResponse const&);
     void Prepare(_tev__PullMessagesResponse const&);
     void SetActionHeader(char const* uri);
-    /// Appends the event's message, if it has one that the client wants; returns whether it counts towards the limit.
-    bool Append(std::shared_ptr<meta::data::Event> const& event, Subscription::Topics const& topics,
+    /// Appends the event's message, if it has one that the client wants; builds no other. Returns whether it counts
+    /// towards the limit.
+    bool Append(std::shared_ptr<meta::data::Event> const& event, events::WantedTopics const& topics,
                 std::vector<wsnt__NotificationMessageHolderType*>& messages);
 
     std::string_view message;

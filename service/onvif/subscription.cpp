@@ -2,9 +2,11 @@
 
 #include <zarn/job/wait_scope.h>
 #include <zarn/onvif/events/handler.h>
+#include <zarn/type/binding.h>
 
 #include <boost/asio/post.hpp>
 
+#include <algorithm>
 #include <atomic>
 #include <future>
 #include <optional>
@@ -13,52 +15,75 @@
 
 namespace zarn::service::onvif {
 
+FairMutex Subscription::Publishing;
 std::mutex Subscription::Mutex;
 Subscription::Live Subscription::Subscriptions;
-type::Binding Subscription::EventHandlerBinding;
+Subscription::Snapshot Subscription::LatestSnapshot;
 
-struct Subscription::Ending {
-    Ending() = default;
-    Ending(Ending const&) = delete;
-    Ending& operator=(Ending const&) = delete;
+struct Subscription::Registration {
+    Registration() = default;
+    Registration(Registration const&) = delete;
+    Registration& operator=(Registration const&) = delete;
 
-    ~Ending() {
+    ~Registration() {
         asio::GlobalContext const last;
-        type::Binding binding;
+        binding.Reset(); // waits for the threads that publish
         Live subscriptions;
+        Snapshot snapshot;
         {
             std::scoped_lock const lock(Mutex);
-            std::swap(binding, EventHandlerBinding);
             std::swap(subscriptions, Subscriptions);
+            std::swap(snapshot, LatestSnapshot);
         }
-        binding.Reset();
         subscriptions.clear();
+        snapshot.reset();
         // Timer handlers that are already queued run before this one.
         std::promise<void> done;
         boost::asio::post(last.Get(), [&done] { done.set_value(); });
         done.get_future().wait();
     }
+
+    type::Binding binding = zarn::onvif::events::RegisterHandler(Queue);
 };
 
 void Subscription::RegisterForEvents() {
-    std::scoped_lock const lock(Mutex);
-    if (EventHandlerBinding) return;
-    EventHandlerBinding = zarn::onvif::events::RegisterHandler(Queue);
-    static Ending const ending; // made after what it uses, so that it is destroyed before
+    static Registration const registration; // made after what it uses, so that it is destroyed before
 }
 
 /// Thread: the host's.
 void Subscription::Queue(EventPtr const& event) {
-    std::vector<std::shared_ptr<Subscription>> awaited; // woken without the mutex, which they need at once
+    // Both are used up without the lock: what is woken runs at once, and a last reference waits for timer handlers.
+    Snapshot live;
+    std::vector<Subscription*> awaited;
     {
-        std::scoped_lock const lock(Mutex);
-        for (auto const& [id, subscription] : Subscriptions) {
-            if (subscription->waiting > 0) awaited.push_back(subscription);
-            subscription->events.push_back(event);
-            subscription->gauge.SetQueued(subscription->events.size());
+        std::scoped_lock const lock(Publishing);
+        live = GetLive();
+        for (auto const& subscription : *live) {
+            if (subscription->Append(event)) awaited.push_back(subscription.get());
         }
     }
-    for (auto const& subscription : awaited) subscription->changed.notify_all();
+    for (auto* const subscription : awaited) subscription->changed.notify_all();
+}
+
+/// The live subscriptions, ascending by id. They may end meanwhile.
+Subscription::Snapshot Subscription::GetLive() {
+    std::scoped_lock const lock(Mutex);
+    if (!LatestSnapshot) {
+        std::vector<std::shared_ptr<Subscription>> live;
+        live.reserve(Subscriptions.size());
+        for (auto const& [id, subscription] : Subscriptions) live.push_back(subscription);
+        LatestSnapshot = std::make_shared<std::vector<std::shared_ptr<Subscription>> const>(std::move(live));
+    }
+    return LatestSnapshot;
+}
+
+/// Returns whether a thread waits for it.
+bool Subscription::Append(EventPtr const& event) {
+    std::scoped_lock const lock(mutex);
+    if (hasEnded) return false;
+    events.Push(event);
+    gauge.SetQueued(events.GetSize());
+    return waiting > 0;
 }
 
 std::int32_t Subscription::GetNextSubscriptionId() {
@@ -66,15 +91,18 @@ std::int32_t Subscription::GetNextSubscriptionId() {
     return ++SubscriptionId;
 }
 
-Subscription::Subscription(std::int32_t id, Topics topics) : id(id), topics(std::move(topics)), gauge(id) {}
+Subscription::Subscription(std::int32_t id, Topics const& topics) : id(id), topics(topics), gauge(id) {}
 
-std::int32_t Subscription::Create(Time termination, Topics topics) {
+std::int32_t Subscription::Create(Time termination, Topics const& topics) {
     auto const id = GetNextSubscriptionId();
-    Live made; // without the mutex: making and releasing one takes other locks
-    auto const& subscription = made.emplace(id, std::make_shared<Subscription>(id, std::move(topics))).first->second;
+    // Made and released without the mutex: that takes other locks.
+    Live made;
+    Snapshot outdated;
+    auto const& subscription = made.emplace(id, std::make_shared<Subscription>(id, topics)).first->second;
     std::scoped_lock const lock(Mutex);
     subscription->StartTimer(termination); // whose handler waits until the subscription is there
     Subscriptions.merge(made);
+    std::swap(outdated, LatestSnapshot);
     return id;
 }
 
@@ -88,14 +116,18 @@ void Subscription::End(std::int32_t id) { End(id, std::nullopt); }
 
 /// termination  only a subscription that still ends then; a wait may complete just before a renewal
 void Subscription::End(std::int32_t id, std::optional<Time> termination) {
-    // Released after the mutex: they may be many events, and their last references.
+    // Released after the mutexes: they may be many events, and their last references.
     Live::node_type ended;
-    std::deque<EventPtr> unread;
+    Snapshot outdated;
+    EventQueue unread;
     std::scoped_lock const lock(Mutex);
     auto const found = Subscriptions.find(id);
-    if (found == Subscriptions.end() || (termination && found->second->timer.expiry() != *termination)) return;
+    if (found == Subscriptions.end()) return;
+    auto& subscription = *found->second;
+    std::scoped_lock const own(subscription.mutex);
+    if (termination && subscription.timer.expiry() != *termination) return;
     ended = Subscriptions.extract(found);
-    auto& subscription = *ended.mapped();
+    std::swap(outdated, LatestSnapshot);
     subscription.hasEnded = true;
     std::swap(unread, subscription.events);
     subscription.gauge.SetQueued(0);
@@ -103,12 +135,15 @@ void Subscription::End(std::int32_t id, std::optional<Time> termination) {
 }
 
 void Subscription::WakeWaiting() {
-    std::scoped_lock const lock(Mutex); // rules out a lost wake-up between a check and its wait
-    for (auto const& [id, subscription] : Subscriptions) subscription->changed.notify_all();
+    auto const live = GetLive();
+    for (auto const& subscription : *live) {
+        std::scoped_lock const lock(subscription->mutex); // rules out a lost wake-up between a check and its wait
+        subscription->changed.notify_all();
+    }
 }
 
 Subscription::Time Subscription::GetTermination() const {
-    std::scoped_lock const lock(Mutex);
+    std::scoped_lock const lock(mutex);
     return timer.expiry();
 }
 
@@ -122,22 +157,22 @@ void Subscription::StartTimer(Time termination) {
 }
 
 bool Subscription::Renew(Time termination) {
-    std::scoped_lock const lock(Mutex);
+    std::scoped_lock const lock(mutex);
     if (!hasEnded) StartTimer(termination);
     return !hasEnded;
 }
 
 bool Subscription::HasEvents() const {
-    std::scoped_lock const lock(Mutex);
-    return !events.empty();
+    std::scoped_lock const lock(mutex);
+    return !events.IsEmpty();
 }
 
 bool Subscription::WaitForEvents(std::chrono::steady_clock::time_point deadline, std::function<bool()> const& isStopped,
                                  EventPtr* oldest) {
-    job::WaitScope const waits;
-    std::unique_lock lock(Mutex);
+    job::WaitScope const waits; // ends after the lock has been released
+    std::unique_lock lock(mutex);
     ++waiting;
-    while (!hasEnded && events.empty() && !isStopped() && std::chrono::steady_clock::now() < deadline)
+    while (!hasEnded && events.IsEmpty() && !isStopped() && std::chrono::steady_clock::now() < deadline)
         changed.wait_until(lock, deadline);
     --waiting;
     if (oldest) *oldest = PopLocked();
@@ -145,15 +180,24 @@ bool Subscription::WaitForEvents(std::chrono::steady_clock::time_point deadline,
 }
 
 Subscription::EventPtr Subscription::Pop() {
-    std::scoped_lock const lock(Mutex);
+    std::scoped_lock const lock(mutex);
     return PopLocked();
 }
 
+std::vector<Subscription::EventPtr> Subscription::Take(std::size_t most) {
+    std::vector<EventPtr> taken;
+    std::scoped_lock const lock(mutex);
+    auto const count = std::min(most, events.GetSize());
+    taken.reserve(count); // the only step that can fail, before any event leaves the queue
+    while (taken.size() < count) taken.push_back(events.Pop());
+    gauge.SetQueued(events.GetSize());
+    return taken;
+}
+
 Subscription::EventPtr Subscription::PopLocked() {
-    if (events.empty()) return nullptr;
-    auto event = std::move(events.front());
-    events.pop_front();
-    gauge.SetQueued(events.size());
+    if (events.IsEmpty()) return nullptr;
+    auto event = events.Pop();
+    gauge.SetQueued(events.GetSize());
     return event;
 }
 

@@ -1,15 +1,18 @@
 #pragma once
 
+#include "event_queue.h"
+#include "events/wanted_topics.h"
+#include "fair_mutex.h"
+
 #include <zarn/asio/global_context.h>
 #include <zarn/onvif/events/subscription_gauge.h>
-#include <zarn/type/binding.h>
 
 #include <boost/asio/system_timer.hpp>
 
 #include <chrono>
 #include <condition_variable>
+#include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <functional>
 #include <map>
 #include <memory>
@@ -17,10 +20,7 @@
 #include <optional>
 #include <set>
 #include <string>
-
-namespace zarn::meta::data {
-class Event;
-}
+#include <vector>
 
 namespace zarn::service::onvif {
 
@@ -29,16 +29,16 @@ namespace zarn::service::onvif {
 class Subscription {
 public:
     using Time = std::chrono::system_clock::time_point;
-    using EventPtr = std::shared_ptr<meta::data::Event>;
+    using EventPtr = EventQueue::EventPtr;
 
-    /// The topics that a client wants; empty means all.
+    /// The topics of a client's filter; empty means all.
     using Topics = std::set<std::string, std::less<>>;
 
-    /// Registers for the host's events, the first time; for as long as the library is loaded.
+    /// Registers for the host's events, the first time; for as long as the library is loaded. Takes no lock after that.
     static void RegisterForEvents();
 
     /// Makes a subscription and returns its id: 1, 2, 3 and so on, none used twice.
-    static std::int32_t Create(Time termination, Topics topics);
+    static std::int32_t Create(Time termination, Topics const& topics);
 
     /// The live subscription; null when there is none.
     static std::shared_ptr<Subscription> Find(std::int32_t id);
@@ -50,9 +50,9 @@ public:
     static void WakeWaiting();
 
     /// For Create only.
-    Subscription(std::int32_t id, Topics topics);
+    Subscription(std::int32_t id, Topics const& topics);
 
-    Topics const& GetTopics() const { return topics; }
+    events::WantedTopics const& GetTopics() const { return topics; }
 
     Time GetTermination() const;
 
@@ -70,30 +70,43 @@ public:
     /// Takes the oldest event out of the queue; null when there is none or the subscription has ended.
     EventPtr Pop();
 
+    /// Takes the oldest events out of the queue, in their order: as many as there are, at most `most`.
+    std::vector<EventPtr> Take(std::size_t most);
+
 private:
     using Live = std::map<std::int32_t, std::shared_ptr<Subscription>>;
+    using Snapshot = std::shared_ptr<std::vector<std::shared_ptr<Subscription>> const>;
 
-    /// Ends the registration and the subscriptions when the library is unloaded, before the state below is destroyed.
-    struct Ending;
+    /// The registration for the host's events. Its end, when the library is unloaded, is also the subscriptions' end,
+    /// before the state below is destroyed.
+    struct Registration;
 
     static void Queue(EventPtr const& event);
+    static Snapshot GetLive();
     static std::int32_t GetNextSubscriptionId();
     static void End(std::int32_t id, std::optional<Time> termination);
 
     void StartTimer(Time termination);
 
+    bool Append(EventPtr const& event);
     EventPtr PopLocked();
 
-    static std::mutex Mutex; ///< guards Subscriptions, what changes in each, and EventHandlerBinding
+    // Locks are taken in this order: Publishing, Mutex, a subscription's own.
+
+    /// Held while an event goes into all queues, so that all subscriptions get all events in the same order. Fair, so
+    /// that a thread with thousands of events lets others publish in between.
+    static FairMutex Publishing;
+    static std::mutex Mutex; ///< guards the list of live subscriptions
     static Live Subscriptions;
-    static type::Binding EventHandlerBinding;
+    static Snapshot LatestSnapshot; ///< what publishing iterates over, without Mutex; null after a change
 
     std::int32_t const id;
-    Topics const topics;
+    events::WantedTopics const topics;
+    mutable std::mutex mutex; ///< guards the members below
     zarn::onvif::events::SubscriptionGauge gauge;
     asio::GlobalContext context;                    ///< keeps the timer's thread
     boost::asio::system_timer timer{context.Get()}; ///< its expiry is the termination time
-    std::deque<EventPtr> events;                    ///< in the order of arrival
+    EventQueue events;
     bool hasEnded = false;
     unsigned waiting = 0;            ///< threads in WaitForEvents
     std::condition_variable changed; ///< an event arrived, the subscription ended, or waiting is to stop

@@ -16,6 +16,7 @@
 #include <cstdlib>
 #include <future>
 #include <latch>
+#include <numeric>
 #include <set>
 #include <string>
 #include <thread>
@@ -186,6 +187,38 @@ TEST_F(PullPointRace, OfSeveralPullsDeliversEachEventOnceInOrder) {
     }
     std::multiset<int> expected;
     for (int i = 0; i < Count; ++i) expected.insert(i);
+    EXPECT_EQ(all, expected);
+}
+
+TEST_F(PullPointRace, OfTwoPullsWithAStreamLosesAndRepeatsNothing) {
+    constexpr int Count = 20'000;
+    auto const path = Subscribe("<tev:Filter><wsnt:TopicExpression>tns1:RuleEngine/FieldDetector/ObjectsInside"
+                                "</wsnt:TopicExpression></tev:Filter>");
+    std::atomic<bool> published = false;
+    auto publisher = std::async(std::launch::async, [&] {
+        for (int i = 0; i < Count; ++i) {
+            Publish(MakeFieldEvent("held back", "enter"));
+            Publish(MakeFieldEvent(std::to_string(i)));
+        }
+        published = true;
+    });
+    std::vector<int> all;
+    for (auto const& some : RunAtOnce(2, [&] {
+             std::vector<int> numbers;
+             for (bool last = false, some = true; !last || some;) {
+                 last = published;
+                 auto const rules = GetRules(Pull(path, 1000, "PT0.05S"));
+                 for (auto const& rule : rules) numbers.push_back(std::stoi(rule));
+                 some = !rules.empty();
+             }
+             return numbers;
+         })) {
+        EXPECT_TRUE(std::ranges::is_sorted(some));
+        all.insert(all.end(), some.begin(), some.end());
+    }
+    std::ranges::sort(all);
+    std::vector<int> expected(Count);
+    std::iota(expected.begin(), expected.end(), 0);
     EXPECT_EQ(all, expected);
 }
 

@@ -6,7 +6,6 @@ namespace zarn::service::onvif::events {
 
 namespace {
 
-/// Events in a zone that is a line.
 constexpr std::array LineDetectorSubtopics{
     Subtopic{"presence", "Crossed"},
     Subtopic{"direction", "Crossed"},
@@ -19,12 +18,14 @@ constexpr std::array LineDetectorSubtopics{
 
 } // namespace
 
+constinit Selection const selections::LineDetector{.subtopics = LineDetectorSubtopics, .zone = meta::data::Zone::Line};
+
 void descriptions::LineDetector(soap* soap, soap_dom_element& ruleEngine, char const* name) {
     AddTopics(soap, ruleEngine, name, FieldDetectorSubtopics, {});
 }
 
 bool conversions::LineDetector(soap* soap, Messages& messages, EventPtr const& event, char const* name) {
-    return IsInZone(*event, meta::data::Zone::Line) && CreateEvent(soap, messages, event, name, LineDetectorSubtopics);
+    return CreateEvent(soap, messages, event, name, selections::LineDetector) != nullptr;
 }
 
 } // namespace zarn::service::onvif::events

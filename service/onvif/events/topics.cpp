@@ -9,7 +9,6 @@
 #include <soapH.h>
 
 #include <algorithm>
-#include <string>
 
 namespace zarn::service::onvif::events {
 
@@ -26,16 +25,22 @@ void Append(tt__ItemListDescription* items, std::initializer_list<ItemDescriptio
 
 } // namespace
 
-tt__Message* CreateEvent(soap* soap, Messages& messages, EventPtr const& event, char const* family,
-                         std::span<Subtopic const> subtopics) {
-    auto const row = std::ranges::find(subtopics, event->GetType(), &Subtopic::type);
+Subtopic const* Selection::Find(meta::data::Event const& event) const {
+    auto const row = std::ranges::find(subtopics, event.GetType(), &Subtopic::type);
     if (row == subtopics.end()) return nullptr;
-    return CreateBaseEvent(soap, messages, event, std::string("tns1:RuleEngine/") + family + '/' + row->name);
+    auto const* first = zone ? event.First<meta::data::Zone>() : nullptr;
+    bool const isInZone = !zone || (first && first->GetType() == *zone);
+    return isInZone ? &*row : nullptr;
 }
 
-bool IsInZone(meta::data::Event const& event, std::uint32_t type) {
-    auto const* zone = event.First<meta::data::Zone>();
-    return zone && zone->GetType() == type;
+std::string GetTopic(char const* family, Subtopic const& subtopic) {
+    return std::string("tns1:RuleEngine/") + family + '/' + subtopic.name;
+}
+
+tt__Message* CreateEvent(soap* soap, Messages& messages, EventPtr const& event, char const* family,
+                         Selection const& selection) {
+    auto const* const subtopic = selection.Find(*event);
+    return subtopic ? CreateBaseEvent(soap, messages, event, GetTopic(family, *subtopic)) : nullptr;
 }
 
 tt__MessageDescription* CreateBaseEventDescription(soap* soap, soap_dom_element& leaf) {

@@ -3,21 +3,14 @@
 #include "types.h"
 
 #include <array>
-#include <cstdint>
 #include <initializer_list>
 #include <span>
-#include <string_view>
+#include <string>
 
 class tt__Message;
 class tt__MessageDescription;
 
 namespace zarn::service::onvif::events {
-
-/// The topic of a host event type below the topic of its family.
-struct Subtopic {
-    std::string_view type; ///< as meta::data::Event::GetType() gives it
-    char const* name;
-};
 
 /// Events in a zone that is a field. Their topics are also those that are published for lines and loitering, on
 /// purpose, whatever the messages of those families say.
@@ -36,12 +29,12 @@ inline constexpr std::array FieldDetectorSubtopics{
     Subtopic{"or", "Logical"},
 };
 
-/// Appends the message of the event's subtopic. Null when the table has none for its type, or without memory.
-tt__Message* CreateEvent(soap* soap, Messages& messages, EventPtr const& event, char const* family,
-                         std::span<Subtopic const> subtopics);
+/// The concrete topic of a family's messages, such as "tns1:RuleEngine/LineDetector/Crossed".
+std::string GetTopic(char const* family, Subtopic const& subtopic);
 
-/// Whether the event's first zone is of this type, one of meta::data::Zone.
-bool IsInZone(meta::data::Event const& event, std::uint32_t type);
+/// Appends the message of the event's subtopic. Null when the event is not one of the selection, or without memory.
+tt__Message* CreateEvent(soap* soap, Messages& messages, EventPtr const& event, char const* family,
+                         Selection const& selection);
 
 /// A value that messages carry, as the topic set describes it.
 struct ItemDescription {

@@ -1,4 +1,5 @@
 #include "service/onvif/events/create_base_event.h"
+#include "service/onvif/events/topics.h"
 #include "service/onvif/events/types.h"
 #include "service/onvif/soap_context.h"
 
@@ -11,6 +12,7 @@
 
 #include <chrono>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -34,6 +36,8 @@ protected:
     static std::shared_ptr<data::Event> Make(std::string const& type) {
         return std::make_shared<data::Event>(type, "rule", std::chrono::system_clock::time_point());
     }
+
+    static std::vector<std::shared_ptr<data::Event>> MakeAll();
 
     std::shared_ptr<struct soap> const context = MakeSoapContext();
     std::vector<wsnt__NotificationMessageHolderType*> messages;
@@ -65,6 +69,42 @@ TEST_F(EventConversions, IgnoreOtherEvents) {
     EXPECT_THAT(GetClaims(Make("presence")), ElementsAre());
     EXPECT_THAT(GetClaims(Make("unknown")), ElementsAre());
     EXPECT_EQ(messages.size(), 0U);
+}
+
+/// Every event type of every family, in every zone and without one.
+std::vector<std::shared_ptr<data::Event>> EventConversions::MakeAll() {
+    std::vector<std::shared_ptr<data::Event>> all;
+    for (auto const& type : Types) {
+        for (auto const& row : type.selection->subtopics) {
+            all.push_back(Make(std::string(row.type)));
+            for (auto const zone : {data::Zone::Field, data::Zone::Line, 7U}) {
+                all.push_back(Make(std::string(row.type)));
+                all.back()->Emplace<data::Zone>(zone);
+            }
+        }
+    }
+    all.push_back(Make("unknown"));
+    return all;
+}
+
+TEST_F(EventConversions, HaveTheTopicThatIsKnownBefore) {
+    std::set<Subtopic const*> found;
+    for (auto const& event : MakeAll()) {
+        for (auto const& type : Types) {
+            messages.clear();
+            auto const* const subtopic = type.selection->Find(*event);
+            found.insert(subtopic);
+            bool const isHandled = type.convert(context.get(), messages, event, type.name);
+            EXPECT_EQ(isHandled, subtopic && !type.selection->passesFilters) << type.name << event->GetType();
+            ASSERT_EQ(messages.size(), subtopic ? 1U : 0U) << type.name << event->GetType();
+            if (subtopic) {
+                EXPECT_EQ(soap_elt_get_text(&messages.back()->Topic->__mixed), GetTopic(type.name, *subtopic));
+            }
+        }
+    }
+    for (auto const& type : Types) {
+        for (auto const& row : type.selection->subtopics) EXPECT_TRUE(found.contains(&row)) << type.name << row.type;
+    }
 }
 
 TEST(ObjectCompare, OrdersOnlyById) {

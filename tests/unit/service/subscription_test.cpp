@@ -1,20 +1,28 @@
+#include "support/asleep.h"
+
 #include <service/onvif/subscription.h>
 #include <zarn/meta/data/event.h>
 #include <zarn/onvif/events/handler.h>
+#include <zarn/onvif/events/subscription_gauge.h>
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <future>
+#include <map>
 #include <memory>
 #include <string>
 #include <thread>
+#include <vector>
 
 namespace zarn::service::onvif {
 namespace {
 
 using namespace std::chrono_literals;
+using testing::ElementsAre;
+using testing::IsEmpty;
 using Clock = std::chrono::steady_clock;
 
 constexpr auto Soon = 60s; // only a failing test waits this long
@@ -33,6 +41,12 @@ protected:
         zarn::onvif::events::Publish(std::make_shared<meta::data::Event>("count", name, Now()));
     }
 
+    static std::vector<std::string> GetNames(std::vector<Subscription::EventPtr> const& events) {
+        std::vector<std::string> names;
+        for (auto const& event : events) names.push_back(event->GetName());
+        return names;
+    }
+
     std::int32_t const id = Subscription::Create(Now() + 1h, {});
     std::shared_ptr<Subscription> const subscription = Subscription::Find(id);
 };
@@ -43,6 +57,80 @@ TEST_F(SubscriptionTest, ReturnsEventsInOrder) {
     EXPECT_EQ(subscription->Pop()->GetName(), "first");
     EXPECT_EQ(subscription->Pop()->GetName(), "second");
     EXPECT_EQ(subscription->Pop(), nullptr);
+}
+
+TEST_F(SubscriptionTest, ReturnsAsManyEventsAsAreWantedAtOnce) {
+    for (auto const* name : {"first", "second", "third"}) Publish(name);
+    EXPECT_THAT(GetNames(subscription->Take(0)), IsEmpty());
+    EXPECT_THAT(GetNames(subscription->Take(2)), ElementsAre("first", "second"));
+    EXPECT_THAT(GetNames(subscription->Take(2)), ElementsAre("third"));
+    EXPECT_THAT(GetNames(subscription->Take(2)), IsEmpty());
+}
+
+TEST_F(SubscriptionTest, ReportsWhatIsLeftInTheQueue) {
+    auto const getQueued = [this] {
+        auto const all = zarn::onvif::events::GetSubscriptions();
+        return std::ranges::find(all, id, &zarn::onvif::events::SubscriptionStatus::id)->queued;
+    };
+    for (auto const* name : {"first", "second", "third"}) Publish(name);
+    subscription->Take(2);
+    EXPECT_EQ(getQueued(), 1U);
+    subscription->Take(2);
+    EXPECT_EQ(getQueued(), 0U);
+}
+
+TEST_F(SubscriptionTest, ReturnsTheEventsOfSeveralThreadsInTheOrderOfEveryOtherSubscription) {
+    constexpr std::size_t Count = 2000;
+    std::vector<std::int32_t> ids;
+    for (int i = 0; i < 8; ++i) ids.push_back(Subscription::Create(Now() + 1h, {}));
+    {
+        std::vector<std::jthread> publishers;
+        for (std::string const publisher : {"a", "b", "c"}) {
+            publishers.emplace_back([publisher] {
+                for (std::size_t i = 0; i < Count; ++i) Publish(publisher + std::to_string(i));
+            });
+        }
+    }
+    auto const names = GetNames(subscription->Take(4 * Count));
+    ASSERT_EQ(names.size(), 3 * Count);
+    std::map<char, std::size_t> next;
+    for (auto const& name : names) EXPECT_EQ(name.substr(1), std::to_string(next[name[0]]++));
+    for (auto const other : ids) {
+        EXPECT_EQ(GetNames(Subscription::Find(other)->Take(4 * Count)), names);
+        Subscription::End(other);
+    }
+}
+
+TEST_F(SubscriptionTest, DoesNotWaitForAnotherOneNorForAPublisherThatDoes) {
+    std::promise<void> locked;
+    std::promise<void> end;
+    auto waiting = std::async(std::launch::async, [&] {
+        return subscription->WaitForEvents(
+            Clock::now() + Soon,
+            [&] { // under the lock of this subscription
+                locked.set_value();
+                end.get_future().wait();
+                return true;
+            },
+            nullptr);
+    });
+    locked.get_future().wait();
+    std::promise<pid_t> publishing;
+    std::jthread const publisher([&] {
+        publishing.set_value(gettid());
+        Publish("one");
+    });
+    EXPECT_TRUE(test::FallsAsleep(publishing.get_future().get())) << "the publisher does not wait";
+    auto const otherId = Subscription::Create(Now() + 1h, {});
+    auto const other = Subscription::Find(otherId);
+    EXPECT_EQ(Subscription::Find(id), subscription);
+    EXPECT_EQ(other->Pop(), nullptr);
+    EXPECT_TRUE(other->Renew(Now() + 2h));
+    EXPECT_GT(other->GetTermination(), Now() + 1h);
+    Subscription::End(otherId);
+    EXPECT_EQ(waiting.wait_for(0s), std::future_status::timeout);
+    end.set_value();
+    EXPECT_TRUE(waiting.get());
 }
 
 TEST_F(SubscriptionTest, ReturnsNoEventsAfterItEndsDuringADelivery) {
