@@ -13,6 +13,7 @@
 #include <boost/beast/core/string.hpp>
 #include <boost/beast/http/read.hpp>
 
+#include <algorithm>
 #include <atomic>
 #include <cstddef>
 #include <optional>
@@ -52,7 +53,7 @@ Socket& GetSocket(Socket& stream) { return stream; }
 Socket& GetSocket(TlsStream& stream) { return stream.next_layer(); }
 
 template <class Stream>
-class Session final : public Connection, public std::enable_shared_from_this<Session<Stream>> {
+class Session final : public Connection {
 public:
     template <class... StreamArgs>
     explicit Session(Accepted accepted, StreamArgs&... streamArgs)
@@ -62,15 +63,17 @@ public:
           context(std::move(accepted.context)),
           limits(context->GetLimits()) {}
 
+    ~Session() override { context->GetLiving().Remove(*this); }
+
     void Start() override {
+        context->GetLiving().Add(*this);
         asio::dispatch(stream.get_executor(), [self = Self()] { self->Begin(); });
     }
 
-    void CheckDeadline(Clock::time_point now) override {
-        if (now < deadline.load()) return;
+    void CheckDeadline() override {
         asio::post(stream.get_executor(), [self = Self()] {
             auto const time = Clock::now();
-            if (time < self->deadline.load()) return;
+            if (!self->IsOverdue(time)) return;
             // Cancelling misses an operation of several steps between two of them, and a client that floods the
             // connection keeps its steps from waiting: every sweep cancels, until `CancelTime` after the first.
             // Closing at once would deny the client its 408 only because the host is busy.
@@ -99,7 +102,7 @@ public:
 private:
     using Handler = void (Session::*)(beast::error_code);
 
-    std::shared_ptr<Session> Self() { return this->shared_from_this(); }
+    std::shared_ptr<Session> Self() { return std::static_pointer_cast<Session>(shared_from_this()); }
 
     /// Whether the present request is the last one.
     bool IsFinishing() const { return finishing || context->IsFinishing(); }
@@ -296,8 +299,7 @@ private:
     boost::asio::ip::address peer;
     Admission::Slot slot;
     std::shared_ptr<ConnectionContext> context;
-    std::atomic<Clock::time_point> deadline = Clock::time_point::max(); ///< of the present operation
-    std::atomic<bool> finishing = false;                                ///< no request follows the present one
+    std::atomic<bool> finishing = false; ///< no request follows the present one
 
     // Only touched on the stream's strand.
     Limits limits;             ///< of the present request
@@ -317,6 +319,39 @@ private:
 };
 
 } // namespace
+
+void LivingConnections::Add(Connection& connection) {
+    std::lock_guard const lock(mutex);
+    connections.insert(&connection);
+}
+
+void LivingConnections::Remove(Connection& connection) noexcept {
+    std::lock_guard const lock(mutex);
+    connections.erase(&connection);
+}
+
+std::vector<std::shared_ptr<Connection>> LivingConnections::GetAll() const {
+    return Get([](auto const&) { return true; });
+}
+
+std::vector<std::shared_ptr<Connection>> LivingConnections::GetOverdue(Connection::Clock::time_point now) const {
+    return Get([now](Connection const& each) { return each.IsOverdue(now); });
+}
+
+template <class IsWanted>
+std::vector<std::shared_ptr<Connection>> LivingConnections::Get(IsWanted isWanted) const {
+    std::vector<std::shared_ptr<Connection>> wanted;
+    std::lock_guard const lock(mutex);
+    auto const count = std::ranges::count_if(connections, [&](auto const* each) { return isWanted(*each); });
+    // Nothing may be thrown from here on: the last reference to a connection must not go under the lock.
+    wanted.reserve(static_cast<std::size_t>(count));
+    for (auto* const each : connections) {
+        if (wanted.size() == wanted.capacity()) break;
+        if (!isWanted(*each)) continue;
+        if (auto connection = each->weak_from_this().lock()) wanted.push_back(std::move(connection));
+    }
+    return wanted;
+}
 
 std::shared_ptr<Connection> MakeConnection(Accepted accepted, std::shared_ptr<asio::ssl::context> const& tls) {
     if (tls) return std::make_shared<Session<TlsStream>>(std::move(accepted), *tls);

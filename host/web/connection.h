@@ -14,6 +14,8 @@
 #include <chrono>
 #include <memory>
 #include <mutex>
+#include <unordered_set>
+#include <vector>
 
 namespace zarn::host::web {
 
@@ -22,6 +24,58 @@ class Dispatcher;
 /// A socket whose handlers run one at a time.
 using Socket =
     boost::asio::basic_stream_socket<boost::asio::ip::tcp, boost::asio::strand<boost::asio::io_context::executor_type>>;
+
+/// One client's connection: reads requests one after the other, has each answered, and writes the answers. It keeps
+/// itself alive for as long as there is something to read, write or wait for.
+class Connection : public std::enable_shared_from_this<Connection> {
+public:
+    using Clock = std::chrono::steady_clock;
+
+    Connection() = default;
+    virtual ~Connection() = default;
+    Connection(Connection const&) = delete;
+    Connection& operator=(Connection const&) = delete;
+
+    /// Starts to serve. To be called once.
+    virtual void Start() = 0;
+
+    /// Whether the deadline of the present operation has passed: CheckDeadline() is due. Thread: any.
+    bool IsOverdue(Clock::time_point now) const noexcept { return now >= deadline.load(); }
+
+    /// Enforces the deadline of the present operation: closes an idle connection or one whose client reads too slowly,
+    /// answers 408 to a client that sends too slowly. Has to be called a few times a second while it is overdue.
+    /// Thread: any.
+    virtual void CheckDeadline() = 0;
+
+    /// Closes the connection after its present request, or after one that has already arrived. A connection that has
+    /// received nothing yet is given a second for its first request, unless the whole server ends. Thread: any.
+    virtual void Finish() = 0;
+
+    /// Closes the connection now. Thread: any.
+    virtual void Close() = 0;
+
+protected:
+    std::atomic<Clock::time_point> deadline = Clock::time_point::max(); ///< of the present operation
+};
+
+/// The connections of a server that live. Thread: any.
+class LivingConnections {
+public:
+    /// Adds a connection, which has to remove itself in its destructor.
+    void Add(Connection& connection);
+    void Remove(Connection& connection) noexcept;
+
+    /// All of them, or those that are overdue.
+    std::vector<std::shared_ptr<Connection>> GetAll() const;
+    std::vector<std::shared_ptr<Connection>> GetOverdue(Connection::Clock::time_point now) const;
+
+private:
+    template <class IsWanted>
+    std::vector<std::shared_ptr<Connection>> Get(IsWanted isWanted) const;
+
+    mutable std::mutex mutex; ///< guards connections, and keeps them from going while it is held
+    std::unordered_set<Connection*> connections;
+};
 
 /// What all connections of a server share. Thread: any.
 class ConnectionContext {
@@ -32,6 +86,8 @@ public:
         : dispatcher(dispatcher), lastRequestTime(lastRequestTime), limits(limits) {}
 
     Dispatcher& GetDispatcher() const noexcept { return dispatcher; }
+
+    LivingConnections& GetLiving() noexcept { return living; }
 
     std::chrono::milliseconds GetLastRequestTime() const noexcept { return lastRequestTime; }
 
@@ -52,36 +108,11 @@ public:
 
 private:
     Dispatcher& dispatcher;
+    LivingConnections living;
     std::chrono::milliseconds const lastRequestTime;
     std::atomic<bool> finishing = false;
     mutable std::mutex mutex; ///< guards limits
     Limits limits;
-};
-
-/// One client's connection: reads requests one after the other, has each answered, and writes the answers. It keeps
-/// itself alive for as long as there is something to read, write or wait for.
-class Connection {
-public:
-    using Clock = std::chrono::steady_clock;
-
-    Connection() = default;
-    virtual ~Connection() = default;
-    Connection(Connection const&) = delete;
-    Connection& operator=(Connection const&) = delete;
-
-    /// Starts to serve. To be called once.
-    virtual void Start() = 0;
-
-    /// Enforces the deadline of the present operation: closes an idle connection or one whose client reads too slowly,
-    /// answers 408 to a client that sends too slowly. Has to be called a few times a second. Thread: any.
-    virtual void CheckDeadline(Clock::time_point now) = 0;
-
-    /// Closes the connection after its present request, or after one that has already arrived. A connection that has
-    /// received nothing yet is given a second for its first request, unless the whole server ends. Thread: any.
-    virtual void Finish() = 0;
-
-    /// Closes the connection now. Thread: any.
-    virtual void Close() = 0;
 };
 
 /// What a connection is made of.

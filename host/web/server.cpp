@@ -106,16 +106,14 @@ private:
     void OnAccepted(Socket socket);
     void Sweep();
     void FinishAll();
-    std::vector<std::shared_ptr<Connection>> GetLiving();
 
     asio::io_context& io;
     std::shared_ptr<Acceptor> acceptor;
     logging::Logger logger{"zarn.host.web"};
     logging::LimitedLogger refusals{"zarn.host.web"};
 
-    std::mutex mutex; ///< guards the members up to the next blank line
+    std::mutex mutex; ///< guards tls
     std::shared_ptr<asio::ssl::context> tls;
-    std::vector<std::weak_ptr<Connection>> connections;
 
     std::shared_ptr<Admission> admission;
     std::shared_ptr<FailedLogins> failedLogins;
@@ -168,35 +166,22 @@ void Server::Impl::OnAccepted(Socket socket) {
     }
     socket.set_option(tcp::no_delay(true), error);
     auto const connection = MakeConnection({std::move(socket), peer, std::move(slot), context}, secure);
+    connection->Start();
     bool protocolChanged = false;
     {
         std::lock_guard const lock(mutex);
-        connections.push_back(connection);
         protocolChanged = !tls != !secure;
     }
-    connection->Start();
     if (protocolChanged) connection->Finish(); // the change missed it, since it was not listed yet
 }
 
-std::vector<std::shared_ptr<Connection>> Server::Impl::GetLiving() {
-    std::vector<std::shared_ptr<Connection>> living;
-    std::lock_guard const lock(mutex);
-    living.reserve(connections.size()); // nothing may be thrown while elements are on the move
-    std::erase_if(connections, [&](auto const& weak) {
-        auto connection = weak.lock();
-        if (connection) living.push_back(std::move(connection));
-        return weak.expired();
-    });
-    return living;
-}
-
 void Server::Impl::Sweep() {
-    auto const now = Connection::Clock::now();
-    for (auto const& connection : GetLiving()) connection->CheckDeadline(now);
+    for (auto const& connection : context->GetLiving().GetOverdue(Connection::Clock::now()))
+        connection->CheckDeadline();
 }
 
 void Server::Impl::FinishAll() {
-    for (auto const& connection : GetLiving()) connection->Finish();
+    for (auto const& connection : context->GetLiving().GetAll()) connection->Finish();
 }
 
 void Server::Impl::StopAccepting() {
@@ -212,7 +197,7 @@ void Server::Impl::Stop(std::chrono::milliseconds grace) {
     auto const deadline = Connection::Clock::now() + grace;
     auto const busy = [&] { return admission->GetConnections() > 0; };
     while (busy() && Connection::Clock::now() < deadline) std::this_thread::sleep_for(5ms);
-    for (auto const& connection : GetLiving()) connection->Close();
+    for (auto const& connection : context->GetLiving().GetAll()) connection->Close();
     asio::post(sweeping, [this] { sweeper.Stop(); });
     work.reset();
     io.stop();

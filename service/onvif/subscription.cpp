@@ -1,6 +1,5 @@
 #include "subscription.h"
 
-#include <zarn/job/wait_scope.h>
 #include <zarn/onvif/events/handler.h>
 #include <zarn/type/binding.h>
 
@@ -62,7 +61,7 @@ void Subscription::Queue(EventPtr const& event) {
             if (subscription->Append(event)) awaited.push_back(subscription.get());
         }
     }
-    for (auto* const subscription : awaited) subscription->changed.notify_all();
+    for (auto* const subscription : awaited) subscription->changed.NotifyAll();
 }
 
 /// The live subscriptions, ascending by id. They may end meanwhile.
@@ -131,14 +130,14 @@ void Subscription::End(std::int32_t id, std::optional<Time> termination) {
     subscription.hasEnded = true;
     std::swap(unread, subscription.events);
     subscription.gauge.SetQueued(0);
-    subscription.changed.notify_all();
+    subscription.changed.NotifyAll();
 }
 
 void Subscription::WakeWaiting() {
     auto const live = GetLive();
     for (auto const& subscription : *live) {
         std::scoped_lock const lock(subscription->mutex); // rules out a lost wake-up between a check and its wait
-        subscription->changed.notify_all();
+        subscription->changed.NotifyAll();
     }
 }
 
@@ -169,11 +168,10 @@ bool Subscription::HasEvents() const {
 
 bool Subscription::WaitForEvents(std::chrono::steady_clock::time_point deadline, std::function<bool()> const& isStopped,
                                  EventPtr* oldest) {
-    job::WaitScope const waits; // ends after the lock has been released
     std::unique_lock lock(mutex);
     ++waiting;
     while (!hasEnded && events.IsEmpty() && !isStopped() && std::chrono::steady_clock::now() < deadline)
-        changed.wait_until(lock, deadline);
+        changed.WaitUntil(lock, deadline);
     --waiting;
     if (oldest) *oldest = PopLocked();
     return !hasEnded;

@@ -5,12 +5,12 @@
 #include "fair_mutex.h"
 
 #include <zarn/asio/global_context.h>
+#include <zarn/job/condition_variable.h>
 #include <zarn/onvif/events/subscription_gauge.h>
 
 #include <boost/asio/system_timer.hpp>
 
 #include <chrono>
-#include <condition_variable>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -108,8 +108,8 @@ private:
     boost::asio::system_timer timer{context.Get()}; ///< its expiry is the termination time
     EventQueue events;
     bool hasEnded = false;
-    unsigned waiting = 0;            ///< threads in WaitForEvents
-    std::condition_variable changed; ///< an event arrived, the subscription ended, or waiting is to stop
+    unsigned waiting = 0;           ///< threads in WaitForEvents
+    job::ConditionVariable changed; ///< an event arrived, the subscription ended, or waiting is to stop
 };
 
 } // namespace zarn::service::onvif

@@ -1,6 +1,7 @@
+#include "job/turn.h"
+
 #include <zarn/job/dynamic_thread_pool.h>
 #include <zarn/job/end_notice.h>
-#include <zarn/job/wait_scope.h>
 #include <zarn/logging/limited_logger.h>
 
 #include <pthread.h>
@@ -54,7 +55,14 @@ void StartThread(std::function<void()> function) {
     static_cast<void>(argument.release()); // the thread has it
 }
 
+thread_local Turn* CurrentTurn = nullptr;
+
+/// The pool that the current thread belongs to.
+thread_local void const* CurrentPool = nullptr;
+
 } // namespace
+
+Turn* Turn::GetCurrent() noexcept { return CurrentTurn; }
 
 class DynamicThreadPool::Impl {
 public:
@@ -72,39 +80,43 @@ public:
     std::size_t GetThreadCount() const;
     std::size_t GetIdleCount() const;
 
+private:
     /// A job, and what to call when it has ended.
     struct Task {
         Function job;
         Function ended;
     };
 
-    /// What a thread of the pool waits with. It has a condition variable of its own, so that the pool chooses which
-    /// thread wakes up.
-    struct Worker {
+    /// A thread of the pool. It has a condition variable of its own, so that the pool chooses which thread wakes up.
+    struct Worker final : Turn {
+        explicit Worker(Impl& pool, Task task) : pool(pool), task(std::move(task)) {}
+
+        void SleepUntil(std::chrono::steady_clock::time_point deadline) override { pool.SleepUntil(*this, deadline); }
+
+        void Wake() override { pool.Wake(*this); }
+
         Impl& pool;
-        std::condition_variable wake = {};
-        Task task = {};           ///< to be run
-        bool hasTurn = true;      ///< false: its job waits, or is in the line of those that go on
+        std::condition_variable wake;
+        Task task;                ///< to be run
+        bool hasTurn = true;      ///< unless it is idle, or its job sleeps or is in the line
+        bool isWoken = false;     ///< before its job slept
+        bool isInLine = false;    ///< of the jobs that go on
         Worker* behind = nullptr; ///< in that line
     };
 
-    /// What the current thread works with; null when it is of no pool.
-    static thread_local Worker* Current;
-
-    void BeginWait(Worker& worker);
-    void EndWait(Worker& worker);
-
-private:
     bool GiveToIdle(Task& task);
     bool TakeQueued(Task& task);
     bool LetGoOn();
+    void EnterLine(Worker& worker);
     void PassTurns();
     void Start(Task& first);
-    void StartForQueue();
+    void StartForQueue() noexcept;
     void DropQueue();
     void Work(Task first);
     void Run(Task&& taken) noexcept;
     bool WaitForTask(std::unique_lock<std::mutex>& lock, Worker& worker);
+    void SleepUntil(Worker& worker, std::chrono::steady_clock::time_point deadline);
+    void Wake(Worker& worker);
 
     std::size_t const minimum;
     std::chrono::seconds const idle;
@@ -124,8 +136,6 @@ private:
     std::optional<pthread_t> last; ///< the last thread that went; it joins the one before it
     bool stopped = false;
 };
-
-thread_local DynamicThreadPool::Impl::Worker* DynamicThreadPool::Impl::Current = nullptr;
 
 DynamicThreadPool::Impl::Impl(unsigned minimum, std::chrono::seconds idle, unsigned processors)
     : minimum(minimum),
@@ -194,6 +204,7 @@ bool DynamicThreadPool::Impl::LetGoOn() {
     if (firstToGoOn == nullptr) return false;
     queueIsNext = true;
     auto* const worker = std::exchange(firstToGoOn, firstToGoOn->behind);
+    worker->isInLine = false;
     worker->hasTurn = true;
     worker->wake.notify_one();
     return true;
@@ -230,7 +241,7 @@ void DynamicThreadPool::Impl::Start(Task& first) {
 }
 
 /// Starts a thread that takes its first task out of the queue.
-void DynamicThreadPool::Impl::StartForQueue() try {
+void DynamicThreadPool::Impl::StartForQueue() noexcept try {
     Task none;
     Start(none);
 
@@ -255,9 +266,9 @@ void DynamicThreadPool::Impl::DropQueue() {
 }
 
 void DynamicThreadPool::Impl::Work(Task first) {
-    Worker worker{*this};
-    worker.task = std::move(first);
-    Current = &worker;
+    Worker worker(*this, std::move(first));
+    CurrentTurn = &worker;
+    CurrentPool = this;
     std::unique_lock lock(mutex, std::defer_lock);
     do {
         if (lock.owns_lock()) lock.unlock();
@@ -306,34 +317,46 @@ bool DynamicThreadPool::Impl::WaitForTask(std::unique_lock<std::mutex>& lock, Wo
     return false;
 }
 
-/// Gives the turn of a worker whose job begins to wait to another one, for which a thread may have to be started.
-void DynamicThreadPool::Impl::BeginWait(Worker& worker) {
-    {
-        std::lock_guard const lock(mutex);
-        waiting.reserve(threads + 1);
-        worker.hasTurn = false;
-        --running;
-        PassTurns();
-        if (queue.empty() || running >= processors) return;
+void DynamicThreadPool::Impl::SleepUntil(Worker& worker, std::chrono::steady_clock::time_point deadline) {
+    std::unique_lock lock(mutex);
+    if (std::exchange(worker.isWoken, false)) return;
+    waiting.reserve(threads + 1);
+    worker.hasTurn = false;
+    --running;
+    PassTurns();
+    if (!queue.empty() && running < processors) {
         ++running;
         ++threads;
+        lock.unlock();
+        StartForQueue();
+        lock.lock();
     }
-    StartForQueue();
+    auto const hasTurn = [&worker] { return worker.hasTurn; };
+    if (worker.wake.wait_until(lock, deadline, hasTurn)) return;
+    EnterLine(worker);
+    worker.wake.wait(lock, hasTurn);
 }
 
-/// Returns when the worker has a turn again.
-void DynamicThreadPool::Impl::EndWait(Worker& worker) {
-    std::unique_lock lock(mutex);
+void DynamicThreadPool::Impl::Wake(Worker& worker) {
+    std::lock_guard const lock(mutex);
+    if (worker.hasTurn)
+        worker.isWoken = true;
+    else
+        EnterLine(worker);
+}
+
+/// Adds a worker whose job wants to go on to the line, if it is not in it. Call with the lock.
+void DynamicThreadPool::Impl::EnterLine(Worker& worker) {
+    if (worker.isInLine) return;
+    worker.isInLine = true;
     worker.behind = nullptr;
     (firstToGoOn == nullptr ? firstToGoOn : lastToGoOn->behind) = &worker;
     lastToGoOn = &worker;
     PassTurns();
-    worker.wake.wait(lock, [&worker] { return worker.hasTurn; });
 }
 
 void DynamicThreadPool::Impl::Stop() {
-    if (Current != nullptr && &Current->pool == this)
-        throw std::logic_error("DynamicThreadPool::Stop: called by a job of the same pool");
+    if (CurrentPool == this) throw std::logic_error("DynamicThreadPool::Stop: called by a job of the same pool");
     std::lock_guard const one(stopping);
     std::unique_lock lock(mutex);
     stopped = true;
@@ -352,18 +375,6 @@ std::size_t DynamicThreadPool::Impl::GetThreadCount() const {
 std::size_t DynamicThreadPool::Impl::GetIdleCount() const {
     std::lock_guard const lock(mutex);
     return waiting.size();
-}
-
-WaitScope::WaitScope() : isOutermost(false) {
-    auto* const worker = DynamicThreadPool::Impl::Current;
-    if (worker == nullptr || !worker->hasTurn) return;
-    worker->pool.BeginWait(*worker);
-    isOutermost = true;
-}
-
-WaitScope::~WaitScope() {
-    auto* const worker = DynamicThreadPool::Impl::Current;
-    if (isOutermost) worker->pool.EndWait(*worker);
 }
 
 DynamicThreadPool::DynamicThreadPool(unsigned minimum, std::chrono::seconds idle, unsigned processors)

@@ -6,19 +6,19 @@ namespace zarn::job {
 
 namespace {
 
-thread_local EndNotice* Current = nullptr;
+thread_local EndNotice* Innermost = nullptr;
 
 } // namespace
 
 EndNotice::EndNotice(std::function<void()> function)
-    : ended(std::move(function)), outer(std::exchange(Current, this)) {}
+    : ended(std::move(function)), outer(std::exchange(Innermost, this)) {}
 
-EndNotice::~EndNotice() { Current = outer; }
+EndNotice::~EndNotice() { Innermost = outer; }
 
 std::function<void()> EndNotice::TakeForJob() {
-    if (Current == nullptr) return nullptr;
-    ++Current->count;
-    return Current->ended;
+    if (Innermost == nullptr) return nullptr;
+    ++Innermost->count;
+    return Innermost->ended;
 }
 
 } // namespace zarn::job

@@ -27,10 +27,10 @@ zarn_add_tests(NAME platform_core_tests SOURCES ${sources} LIBRARIES zarn::platf
 
 # Threads that block, and networks created with `ip`.
 set(sources
+  job/condition_variable_test.cpp
   job/dynamic_thread_pool_stop_test.cpp
   job/dynamic_thread_pool_test.cpp
   job/end_notice_test.cpp
-  job/wait_scope_test.cpp
   network/device_test.cpp
   network/interface_test.cpp
   network/local_test.cpp)

@@ -8,9 +8,9 @@
 
 namespace zarn::job {
 
-/// Runs jobs on threads of its own, on as many at a time as there are processors; further jobs queue. A job that waits
-/// for something that takes long says so with a WaitScope: it does not count meanwhile, and its end takes turns with
-/// the queue, so that neither jobs that go on nor new ones hold the others up.
+/// Runs jobs on threads of its own, as many at a time as there are processors; further jobs queue. A job that waits for
+/// something that takes long does so with a ConditionVariable: it does not count meanwhile. When its wait ends it takes
+/// turns with the queue, so that neither jobs that go on nor new ones hold the others up.
 ///
 /// Every thread has a stack of 2 MiB (16 MiB in sanitizer builds), whatever stack limit the process has.
 /// An idle thread waits without waking up; the one that became idle last gets the next job, so that the others can go.
@@ -19,7 +19,7 @@ class DynamicThreadPool {
 public:
     /// minimum     threads that are started at once and stay until the pool stops
     /// idle        how long a thread above the minimum waits for a job before it goes; negative counts as 0
-    /// processors  jobs that run at the same time, those in a WaitScope not counted; 0 counts as 1
+    /// processors  jobs that run at the same time, those that wait not counted; 0 counts as 1
     /// Throws std::system_error when the minimum cannot be started.
     DynamicThreadPool(unsigned minimum, std::chrono::seconds idle,
                       unsigned processors = std::thread::hardware_concurrency());
@@ -51,8 +51,6 @@ public:
     std::size_t GetIdleCount() const;
 
 private:
-    friend class WaitScope;
-
     class Impl;
     std::unique_ptr<Impl> impl;
 };

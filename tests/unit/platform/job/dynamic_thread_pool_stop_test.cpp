@@ -157,7 +157,7 @@ TEST(DynamicThreadPoolStop, LosesNoJobAcceptedWhileStopping) {
         gate.WaitForWaiting(static_cast<std::size_t>(taken)); // no job runs that would take the next one over
         try {
             pool.Post([&] {
-                gate.WaitInScope();
+                gate.WaitAsJob();
                 ++ran;
             });
             ++taken;

@@ -55,7 +55,7 @@ TEST(DynamicThreadPool, GivesAJobToAnIdleThread) {
 TEST(DynamicThreadPool, StartsAThreadForEachWaitingJob) {
     DynamicThreadPool pool(1, 10s);
     Gate gate;
-    for (int count = 0; count < 20; ++count) pool.Post([&] { gate.WaitInScope(); });
+    for (int count = 0; count < 20; ++count) pool.Post([&] { gate.WaitAsJob(); });
     EXPECT_TRUE(gate.WaitForWaiting(20)); // all jobs run concurrently
     EXPECT_GE(pool.GetThreadCount(), 20U);
     gate.Open();
@@ -65,7 +65,7 @@ TEST(DynamicThreadPool, StartsAThreadForEachWaitingJob) {
 TEST(DynamicThreadPool, EndsThreadsAboveTheMinimum) {
     DynamicThreadPool pool(2, 0s);
     Gate gate;
-    for (int count = 0; count < 8; ++count) pool.Post([&] { gate.WaitInScope(); });
+    for (int count = 0; count < 8; ++count) pool.Post([&] { gate.WaitAsJob(); });
     ASSERT_TRUE(gate.WaitForWaiting(8));
     gate.Open();
     EXPECT_TRUE(test::Eventually([&] { return pool.GetThreadCount() == 2 && pool.GetIdleCount() == 2; }));
@@ -193,7 +193,7 @@ TEST(DynamicThreadPool, KeepsAThousandWaitingJobsCheap) {
     Gate gate;
     prctl(PR_SET_THP_DISABLE, 1, 0, 0, 0); // keeps the kernel from giving each stack a 2 MiB page
     auto const before = GetResidentBytes();
-    for (int count = 0; count < 1000; ++count) pool.Post([&] { gate.WaitInScope(); });
+    for (int count = 0; count < 1000; ++count) pool.Post([&] { gate.WaitAsJob(); });
     ASSERT_TRUE(gate.WaitForWaiting(1000));
     auto const each = (GetResidentBytes() - before) / 1000;
     gate.Open();

@@ -1,7 +1,7 @@
 #pragma once
 
+#include <zarn/job/condition_variable.h>
 #include <zarn/job/dynamic_thread_pool.h>
-#include <zarn/job/wait_scope.h>
 
 #include <pthread.h>
 #include <sys/types.h>
@@ -39,9 +39,11 @@ public:
     }
 
     /// The same, and the pool may run other jobs meanwhile.
-    void WaitInScope() {
-        WaitScope const scope;
-        Wait();
+    void WaitAsJob() {
+        std::unique_lock lock(mutex);
+        ++waiting;
+        changed.notify_all();
+        while (!open) opened.WaitUntil(lock, std::chrono::steady_clock::time_point::max());
     }
 
     /// Waits until `count` jobs are blocked.
@@ -54,11 +56,13 @@ public:
         std::lock_guard const lock(mutex);
         open = true;
         changed.notify_all();
+        opened.NotifyAll();
     }
 
 private:
     std::mutex mutex;
     std::condition_variable changed;
+    ConditionVariable opened;
     std::size_t waiting = 0;
     bool open = false;
 };

@@ -1,7 +1,7 @@
 #include "pool_test.h"
 #include "support/asleep.h"
 
-#include <zarn/job/wait_scope.h>
+#include <zarn/job/condition_variable.h>
 
 #include <gtest/gtest.h>
 
@@ -9,6 +9,7 @@
 #include <atomic>
 #include <chrono>
 #include <future>
+#include <mutex>
 #include <string>
 #include <thread>
 
@@ -17,10 +18,10 @@ namespace {
 
 using namespace std::chrono_literals;
 
-TEST(WaitScope, LetsAnotherJobRunMeanwhile) {
+TEST(ConditionVariable, LetsAnotherJobRunMeanwhile) {
     DynamicThreadPool pool(1, 10s, 1);
     Gate gate;
-    pool.Post([&] { gate.WaitInScope(); });
+    pool.Post([&] { gate.WaitAsJob(); });
     std::promise<void> ran;
     pool.Post([&] { ran.set_value(); });
     ran.get_future().get(); // although the first job has not ended
@@ -28,10 +29,10 @@ TEST(WaitScope, LetsAnotherJobRunMeanwhile) {
     pool.Stop();
 }
 
-TEST(WaitScope, NeverHoldsUpNewJobsHoweverManyWait) {
+TEST(ConditionVariable, NeverHoldsUpNewJobsHoweverManyWait) {
     DynamicThreadPool pool(1, 10s, 2);
     Gate gate;
-    for (int count = 0; count < 200; ++count) pool.Post([&] { gate.WaitInScope(); });
+    for (int count = 0; count < 200; ++count) pool.Post([&] { gate.WaitAsJob(); });
     ASSERT_TRUE(gate.WaitForWaiting(200));
     std::promise<void> ran;
     pool.Post([&] { ran.set_value(); });
@@ -40,7 +41,7 @@ TEST(WaitScope, NeverHoldsUpNewJobsHoweverManyWait) {
     pool.Stop();
 }
 
-TEST(WaitScope, EndsOnlyWhenThereIsAProcessorForItsJob) {
+TEST(ConditionVariable, EndsOnlyWhenThereIsAProcessorForItsJob) {
     DynamicThreadPool pool(1, 10s, 2);
     Gate gate;
     std::atomic<int> running = 0;
@@ -48,7 +49,7 @@ TEST(WaitScope, EndsOnlyWhenThereIsAProcessorForItsJob) {
     std::atomic<int> ran = 0;
     for (int count = 0; count < 100; ++count) {
         pool.Post([&] {
-            gate.WaitInScope();
+            gate.WaitAsJob();
             most = std::max<int>(most, ++running);
             std::this_thread::yield();
             --running;
@@ -71,7 +72,7 @@ std::string GetOrderOfJobs(int waiting, int added) {
     Gate busy;
     for (int count = 0; count < waiting; ++count) {
         pool.Post([&] {
-            event.WaitInScope();
+            event.WaitAsJob();
             order += 'W';
         });
     }
@@ -87,46 +88,94 @@ std::string GetOrderOfJobs(int waiting, int added) {
     return order;
 }
 
-TEST(WaitScope, TakesTurnsWithNewJobsWhenItEnds) {
+TEST(ConditionVariable, TakesTurnsWithNewJobsWhenItEnds) {
     EXPECT_EQ(GetOrderOfJobs(5, 5), "WNWNWNWNWN");
     EXPECT_EQ(GetOrderOfJobs(6, 2), "WNWNWWWW") << "new jobs are not held up by many that have waited";
     EXPECT_EQ(GetOrderOfJobs(2, 6), "WNWNNNNN") << "nor the other way round";
 }
 
-TEST(WaitScope, DoesNothingWithinAnother) {
+TEST(ConditionVariable, WakesAJobAtItsDeadline) {
     DynamicThreadPool pool(1, 10s, 1);
-    std::atomic<int> running = 0;
-    std::atomic<int> most = 0;
-    for (int count = 0; count < 20; ++count) {
+    std::mutex mutex;
+    ConditionVariable never;
+    std::promise<std::chrono::steady_clock::time_point> woken;
+    auto const deadline = std::chrono::steady_clock::now() + 20ms;
+    pool.Post([&] {
+        std::unique_lock lock(mutex);
+        while (std::chrono::steady_clock::now() < deadline) never.WaitUntil(lock, deadline);
+        EXPECT_TRUE(lock.owns_lock());
+        woken.set_value(std::chrono::steady_clock::now());
+    });
+    EXPECT_GE(woken.get_future().get(), deadline);
+}
+
+TEST(ConditionVariable, LosesNoNotification) {
+    DynamicThreadPool pool(1, 10s, 2);
+    std::mutex mutex;
+    ConditionVariable changed;
+    int given = 0;
+    int taken = 0;
+    for (int count = 0; count < 4; ++count) {
         pool.Post([&] {
-            {
-                WaitScope const outer;
-                WaitScope const inner;
+            std::unique_lock lock(mutex);
+            for (int turns = 0; turns < 500; ++turns) {
+                while (given == 0) changed.WaitUntil(lock, std::chrono::steady_clock::time_point::max());
+                --given;
+                ++taken;
             }
-            most = std::max<int>(most, ++running);
-            std::this_thread::yield();
-            --running;
         });
     }
+    for (int count = 0; count < 4 * 500; ++count) {
+        {
+            std::lock_guard const lock(mutex);
+            ++given;
+        }
+        changed.NotifyAll();
+    }
     pool.Stop();
-    EXPECT_EQ(most, 1);
+    EXPECT_EQ(taken, 4 * 500);
 }
 
-TEST(WaitScope, DoesNothingOnAThreadOfNoPool) {
-    WaitScope const scope;
+TEST(ConditionVariable, ServesThreadsOfNoPoolAsWell) {
+    std::mutex mutex;
+    ConditionVariable changed;
+    bool isOpen = false;
+    std::promise<pid_t> started;
+    auto waited = std::async(std::launch::async, [&] {
+        started.set_value(gettid());
+        std::unique_lock lock(mutex);
+        while (!isOpen) changed.WaitUntil(lock, std::chrono::steady_clock::time_point::max());
+    });
+    EXPECT_TRUE(test::FallsAsleep(started.get_future().get()));
+    {
+        std::lock_guard const lock(mutex);
+        isOpen = true;
+    }
+    changed.NotifyAll();
+    waited.get();
+}
+
+TEST(ConditionVariable, NeverHoldsTheMutexWhileAJobWaitsForItsTurn) {
     DynamicThreadPool pool(1, 10s, 1);
-    std::promise<void> ran;
-    pool.Post([&] { ran.set_value(); });
-    ran.get_future().get();
+    Gate event;
+    Gate busy;
+    pool.Post([&] { event.WaitAsJob(); });
+    ASSERT_TRUE(event.WaitForWaiting(1));
+    pool.Post([&] { busy.Wait(); });
+    ASSERT_TRUE(busy.WaitForWaiting(1));
+    event.Open();                         // the first job wants a turn, which the second has
+    EXPECT_TRUE(event.WaitForWaiting(1)); // takes the mutex
+    busy.Open();
+    pool.Stop();
 }
 
-TEST(WaitScope, LetsThePoolStopWhenItsWaitEnds) {
+TEST(ConditionVariable, LetsThePoolStopWhenItsWaitEnds) {
     DynamicThreadPool pool(1, 10s, 1);
     Gate gate;
     std::atomic<int> ran = 0;
     for (int count = 0; count < 10; ++count) {
         pool.Post([&] {
-            gate.WaitInScope();
+            gate.WaitAsJob();
             ++ran;
         });
     }
