@@ -19,6 +19,9 @@ constexpr char Overload[] = "The request cannot be worked on now; try again late
 
 /// A request that is being answered.
 struct Dispatcher::Exchange {
+    Exchange(boost::asio::ip::address peer, std::shared_ptr<IncomingRequest> request, Admission::Slot slot, Done done)
+        : peer(std::move(peer)), request(std::move(request)), slot(std::move(slot)), done(std::move(done)) {}
+
     boost::asio::ip::address peer;
     std::shared_ptr<IncomingRequest> request;
     Admission::Slot slot;

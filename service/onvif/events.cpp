@@ -44,6 +44,9 @@ constexpr std::chrono::seconds DefaultLifetime{300};
 /// How many events PullMessages takes out of a queue under one lock. Those that it holds are gone for other pulls.
 constexpr int MostEventsAtOnce = 64;
 
+/// Thousands may wait for longer than this. Their memory is then worth the time that it takes to get it again.
+constexpr std::chrono::seconds LongWait{1};
+
 constexpr std::int32_t NoId = -1;
 
 /// What xsd:dateTime members carry.
@@ -124,6 +127,18 @@ bool EventsService::Append(std::shared_ptr<meta::data::Event> const& event, even
     return false;
 }
 
+bool EventsService::WaitForEvents(Subscription& subscription, steady_clock::time_point deadline,
+                                  Subscription::EventPtr* oldest) {
+    auto const isStopped = [this] { return IsEnding(soap); };
+    auto const begin = steady_clock::now();
+    if (oldest && deadline > begin + LongWait) {
+        if (!subscription.WaitForEvents(begin + LongWait, isStopped, oldest)) return false;
+        if (*oldest || isStopped()) return true;
+        ReleaseUnusedMemory(soap);
+    }
+    return subscription.WaitForEvents(deadline, isStopped, oldest);
+}
+
 int EventsService::PullMessages(Authenticated, _tev__PullMessages* given, _tev__PullMessagesResponse& response) {
     auto const id = ExtractSubscriptionId(soap->path);
     if (id == NoId) return CannotExtractId(soap);
@@ -135,8 +150,7 @@ int EventsService::PullMessages(Authenticated, _tev__PullMessages* given, _tev__
     auto oldest = wantsEvents ? subscription->Pop() : nullptr;
     if (!oldest && (wantsEvents || !subscription->HasEvents())) {
         auto const deadline = chrono::Add(steady_clock::now(), chrono::duration::FromIso8601(request.Timeout));
-        auto const isStopped = [this] { return IsEnding(soap); };
-        if (!subscription->WaitForEvents(deadline, isStopped, wantsEvents ? &oldest : nullptr)) return NotFound(soap);
+        if (!WaitForEvents(*subscription, deadline, wantsEvents ? &oldest : nullptr)) return NotFound(soap);
     }
     std::vector<Subscription::EventPtr> events;
     if (oldest) events.push_back(std::move(oldest));

@@ -4,7 +4,11 @@
 
 #include <boost/algorithm/string/replace.hpp>
 #include <soapH.h>
+#include <sys/mman.h>
+#include <unistd.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <new>
 #include <string>
@@ -81,6 +85,27 @@ std::shared_ptr<soap> MakeSoapContext(std::atomic<bool> const* ending) {
     context->maxlength = MaximumTextLength;
     context->recv_maxlength = MaximumMessageLength;
     return context;
+}
+
+void ReleaseUnusedMemory(soap* soap) {
+    auto const page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    auto* const memory = reinterpret_cast<char*>(soap);
+    auto const unaligned = reinterpret_cast<std::uintptr_t>(memory) % page;
+    auto* const begin = memory + (unaligned == 0 ? 0 : page - unaligned);
+    auto const isZero = [page](char const* at) { return *at == 0 && std::memcmp(at, at + 1, page - 1) == 0; };
+    char* zeros = nullptr; // where the present run of such pages began
+    auto const release = [&](char* end) {
+        if (zeros != nullptr) madvise(zeros, static_cast<std::size_t>(end - zeros), MADV_DONTNEED);
+        zeros = nullptr;
+    };
+    auto* at = begin;
+    for (; at + page <= memory + sizeof(struct soap); at += page) {
+        if (!isZero(at))
+            release(at);
+        else if (zeros == nullptr)
+            zeros = at;
+    }
+    release(at);
 }
 
 bool IsEnding(soap const* soap) {

@@ -13,6 +13,10 @@ namespace zarn::service::onvif {
 /// Throws std::bad_alloc.
 std::shared_ptr<soap> MakeSoapContext(std::atomic<bool> const* ending = nullptr);
 
+/// Gives the memory of a context that holds nothing but zeros back to the system until it is used again: about a half
+/// of it, which pays for a context that waits. The context stays as it is. Thread: the one that runs its exchange.
+void ReleaseUnusedMemory(soap* soap);
+
 /// Whether an operation that waits is to answer now, as it would at the end of its time. Thread: any.
 bool IsEnding(soap const* soap);
 
