@@ -36,4 +36,5 @@ set(sources
   network/local_test.cpp)
 list(TRANSFORM sources PREPEND "${CMAKE_CURRENT_LIST_DIR}/")
 zarn_add_tests(
-  NAME platform_core_integration_tests SOURCES ${sources} LIBRARIES zarn::platform zarn::test_support LABELS integration)
+  NAME platform_core_integration_tests SOURCES ${sources}
+  LIBRARIES zarn::platform zarn::test_support zarn_thread_failure LABELS integration)

@@ -1,7 +1,10 @@
 #include "pool_test.h"
 #include "support/asleep.h"
+#include "support/thread_failure.h"
 
 #include <zarn/job/condition_variable.h>
+#include <zarn/job/end_notice.h>
+#include <zarn/logging/capture.h>
 
 #include <gtest/gtest.h>
 
@@ -166,6 +169,53 @@ TEST(ConditionVariable, NeverHoldsTheMutexWhileAJobWaitsForItsTurn) {
     event.Open();                         // the first job wants a turn, which the second has
     EXPECT_TRUE(event.WaitForWaiting(1)); // takes the mutex
     busy.Open();
+    pool.Stop();
+}
+
+TEST(ConditionVariable, LeavesTheQueueToAnotherJobWhenNoThreadCanBeStarted) {
+    DynamicThreadPool pool(2, 10s, 2);
+    Gate event;
+    Gate first;
+    Gate second;
+    std::promise<void> ran;
+    pool.Post([&] {
+        first.Wait();
+        test::ThreadFailure const failure;
+        event.WaitAsJob();
+    });
+    pool.Post([&] { second.Wait(); });
+    ASSERT_TRUE(first.WaitForWaiting(1) && second.WaitForWaiting(1));
+    pool.Post([&] { ran.set_value(); });
+    first.Open();
+    ASSERT_TRUE(event.WaitForWaiting(1));
+    second.Open();
+    ran.get_future().get();
+    event.Open();
+    pool.Stop();
+}
+
+TEST(ConditionVariable, DropsTheQueueWhenNoThreadCanBeStartedAndNothingRuns) {
+    logging::Capture const log;
+    DynamicThreadPool pool(1, 10s, 1);
+    Gate event;
+    Gate begin;
+    std::atomic<bool> ran = false;
+    std::promise<void> ended;
+    pool.Post([&] {
+        begin.Wait();
+        test::ThreadFailure const failure;
+        event.WaitAsJob();
+    });
+    ASSERT_TRUE(begin.WaitForWaiting(1));
+    {
+        EndNotice const notice([&] { ended.set_value(); });
+        pool.Post([&] { ran = true; });
+    }
+    begin.Open();
+    ended.get_future().get();
+    EXPECT_FALSE(ran);
+    EXPECT_TRUE(log.Contains("No thread for jobs that queue: Failed to start a thread"));
+    event.Open();
     pool.Stop();
 }
 

@@ -1,5 +1,6 @@
 #include "pool_test.h"
 #include "support/eventually.h"
+#include "support/thread_failure.h"
 
 #include <zarn/logging/capture.h>
 
@@ -252,6 +253,21 @@ TEST(DynamicThreadPool, RunsJobsInTheirOrder) {
     pool.Stop();
     EXPECT_TRUE(std::ranges::is_sorted(order));
     EXPECT_EQ(order.size(), 100U);
+}
+
+TEST(DynamicThreadPool, QueuesAJobBehindARunningOneWhenNoThreadCanBeStarted) {
+    DynamicThreadPool pool(1, 10s, 2);
+    Gate gate;
+    std::promise<void> ran;
+    pool.Post([&] { gate.Wait(); });
+    ASSERT_TRUE(gate.WaitForWaiting(1));
+    {
+        test::ThreadFailure const failure;
+        pool.Post([&] { ran.set_value(); });
+    }
+    gate.Open();
+    ran.get_future().get();
+    pool.Stop();
 }
 
 TEST(DynamicThreadPool, WakesNoThreadWhileIdle) {
