@@ -43,7 +43,9 @@ constexpr std::chrono::seconds QueueInterval{1};
 std::vector<int> const EndingSignals{SIGTERM, SIGINT};
 
 /// The threads of the web server never wait, so that more than a few would only compete for the processors.
-unsigned CountWebThreads() { return std::clamp(std::thread::hardware_concurrency(), 2U, 4U); }
+/// The workers of the module need the processors more than the web server does, whose threads disturb each other when
+/// they are as many.
+unsigned CountWebThreads() { return std::clamp(std::thread::hardware_concurrency() / 2, 1U, 4U); }
 
 std::uint16_t ReadPort(configuration::node::Root const& root, char const* path) {
     return configuration::node::Read<std::uint16_t>(root, path);
