@@ -78,7 +78,7 @@ asio::awaitable<void> RtspViewer::Play() {
         FindTrack(description.body, base.empty() ? url : std::string(base.substr(0, base.find_last_not_of('/') + 1)));
     auto const setup = co_await Ask("SETUP", track, "Transport: RTP/AVP/TCP;unicast;interleaved=0-1\r\n");
     session = FindBetween(setup.head, "\r\nSession: ", ";\r");
-    co_await Ask("PLAY", url, "Range: npt=0.000-\r\n");
+    co_await Ask("PLAY", url); // without a range: no server has to seek in what others watch
     alive = Arrivals::Clock::now();
     for (;;) {
         while (auto const response = TakeUnit()) {

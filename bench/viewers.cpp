@@ -63,14 +63,15 @@ public:
         });
     }
 
-    /// Rethrows the first failure of a viewer; returns whether all have a picture.
-    bool Check() {
-        bool haveAll = true;
+    /// Rethrows the first failure of a viewer; returns how many have no picture yet.
+    std::ptrdiff_t CountWaiting() {
+        std::ptrdiff_t count = 0;
         Do([&] {
             if (!failures.empty()) std::rethrow_exception(failures.front());
-            haveAll = std::ranges::all_of(viewers, [](auto const& each) { return each->GetArrivals().GetCount() > 0; });
+            count =
+                std::ranges::count_if(viewers, [](auto const& each) { return each->GetArrivals().GetCount() == 0; });
         });
-        return haveAll;
+        return count;
     }
 
     /// Calls a function with each viewer, on the group's thread.
@@ -133,8 +134,9 @@ public:
             std::this_thread::sleep_for(Stagger);
         }
         auto const deadline = Arrivals::Clock::now() + LongestStart;
-        while (std::ranges::count_if(groups, &Group::Check) != static_cast<std::ptrdiff_t>(groups.size())) {
-            if (Arrivals::Clock::now() > deadline) throw std::runtime_error("not every viewer got a picture in time");
+        while (auto const waiting = CountWaiting()) {
+            if (Arrivals::Clock::now() > deadline)
+                throw std::runtime_error(std::to_string(waiting) + " viewers got no picture in time");
             std::this_thread::sleep_for(100ms);
         }
         std::this_thread::sleep_for(SettleTime);
@@ -145,12 +147,18 @@ public:
         for (auto& group : groups) group.ForEach([](RtspViewer& viewer) { viewer.GetArrivals().BeginWindow(); });
         std::cout << "watching" << std::endl;
         std::this_thread::sleep_for(plan.time);
-        for (auto& group : groups) group.Check();
+        CountWaiting(); // throws when one failed
         auto const after = Sum();
         Print({after.pictures - before.pictures, after.bytes - before.bytes, after.lost - before.lost});
     }
 
 private:
+    std::ptrdiff_t CountWaiting() {
+        std::ptrdiff_t count = 0;
+        for (auto& group : groups) count += group.CountWaiting();
+        return count;
+    }
+
     Totals Sum() {
         Totals sum;
         for (auto& group : groups) {
