@@ -22,6 +22,8 @@ const pull = timeout => `<tev:PullMessages><tev:Timeout>${timeout}</tev:Timeout>
 export async function measure({report}) {
     const host = await startHost({settings: {limits: {body_bytes: 16 << 20}}});
     try {
+        // This subscription keeps the events, so that the pull cannot use the memory of those that it has passed.
+        await ask(host, '<tev:CreatePullPointSubscription/>');
         const {text} = await ask(host, '<tev:CreatePullPointSubscription><tev:Filter><wsnt:TopicExpression ' +
             `Dialect="${concrete}">tns1:RuleEngine/LineDetector/Crossed</wsnt:TopicExpression></tev:Filter></tev:CreatePullPointSubscription>`);
         const {pathname, search} = new URL(/Address>([^<]+)</.exec(text)[1]);

@@ -37,7 +37,7 @@ export async function measure(context) {
         const bare = pullUs / 1000 * pulls / processors; // milliseconds for so many exchanges in gSOAP alone, on all processors
         const count = show(pulls);
         const against = `${count} bare exchanges ${show(bare)} ms`;
-        report.addPoint('pulls', {pulls, p50, p99, last, bare, share, kib});
+        report.addPoint('pulls', {pulls, p50, p99, last, bare, share, kib, processors});
         report.add(`from an event to the answers of ${count} waiting pulls, p99`, `${show(p99)} ms (p50 ${show(p50)} ms), ${against}`,
             {ratio: p99 / bare, ...pulls === 100 && {aim: atMost(3)}});
         report.add(`from an event to the last answer of ${count} waiting pulls, median`, `${show(last)} ms, ${against}`,
