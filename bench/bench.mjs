@@ -64,8 +64,8 @@ try {
         });
     }
     context.report.write();
-    console.log(`\n${context.report.format()}`);
-    if (isQuick) console.log('\nA quick run shows that everything works; its figures say little.');
+    console.log(`\n${context.report.format()}\n\n${context.report.summarize()}`);
+    if (isQuick) console.log('A quick run shows that everything works; its figures say little.');
 } finally {
     rmSync(folder, {recursive: true});
 }

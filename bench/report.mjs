@@ -53,6 +53,12 @@ export class Report {
         this.#series.get(series).push(point);
     }
 
+    // How many aims were met and missed.
+    summarize() {
+        const [met, missed] = ['yes', 'no'].map(answer => this.#rows.filter(row => row.at(-1) === answer).length);
+        return `${count(met, 'aim')} met, ${missed} missed`;
+    }
+
     format() { return formatTable(['what', 'measured', 'ratio', 'aim', 'met'], this.#rows); }
 
     // Writes each series to a file of its own. Series of parts that were not run keep their last file.

@@ -38,6 +38,7 @@ test('judges the ratio, or the value that is given', () => {
     report.add('information', '5');
     const cells = report.format().split('\n').slice(2).map(line => line.split('|').slice(1, -1).map(cell => cell.trim()));
     assert.deepEqual(cells, [['slow', '3', '3', 'at most 2', 'no'], ['small', '10 KiB', '3', 'at most 20 KiB', 'yes'], ['information', '5', '', '', '']]);
+    assert.equal(report.summarize(), '1 aim met, 1 missed');
 });
 
 test('writes each series to its file', () => {

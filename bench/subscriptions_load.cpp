@@ -65,7 +65,7 @@ void Measure(unsigned short port, std::size_t count, int connectionCount) {
     Connections connections;
     for (int i = 0; i < connectionCount; ++i) connections.push_back(std::make_unique<HttpConnection>(io, port));
     std::vector<std::string> paths(count);
-    auto const create = MakeSubscription();
+    auto create = MakeSubscription();
     auto const ignore = [](std::size_t, std::string_view) {};
     Run(io, connections, count,
         {"create", [&](std::size_t) { return create; },

@@ -58,18 +58,21 @@ async function measureServer(start, audience, seconds) {
 // Adds the rows of an audience. own is undefined when the host cannot serve so many.
 function addRows(report, [viewers, channels], own, shared) {
     const what = `${viewers} viewers of ${channels === 1 ? 'one channel' : `${channels} channels`}`;
+    if (!own) {
+        report.add(what, `not measured: this host has no settings.limits.rtsp_connections; GStreamer's server: longest gap ${show(shared.max / picture)}`);
+        return;
+    }
     // A row for a column: what the host reached, and GStreamer's server.
     const add = (name, column, describe, aim) => report.add(`${what}: ${name}`,
-        `${own ? describe(own) : 'not measured: this host has no settings.limits.rtsp_connections'}; GStreamer's server ${describe(shared)}`,
-        own ? {ratio: shared[column] > 0 ? own[column] / shared[column] : undefined, ...aim} : {});
+        `${describe(own)}; GStreamer's server ${describe(shared)}`, {ratio: shared[column] > 0 ? own[column] / shared[column] : undefined, ...aim});
     add('longest gap between pictures, in picture intervals', 'max', ({max, p99}) => `${show(max / picture)} (p99 ${show(p99 / picture)})`,
-        viewers >= 200 && {value: own?.max / picture, aim: atMost(2)});
-    add('viewers that stuttered', 'stuttered', ({stuttered}) => String(stuttered), viewers >= 200 && {value: own?.stuttered, aim: atMost(0)});
+        viewers >= 200 && {value: own.max / picture, aim: atMost(2)});
+    add('viewers that stuttered', 'stuttered', ({stuttered}) => String(stuttered), viewers >= 200 && {value: own.stuttered, aim: atMost(0)});
     add('time to the first picture', 'firstP50', ({firstP50, firstMax}) => `${show(firstP50)} ms, at most ${show(firstMax)} ms`);
-    add('share of a core for each', 'each', ({each}) => `${show(each)} %`, viewers === costly && {value: own?.each, aim: atMost(0.5, ' %')});
-    add('threads of the process', 'threads', ({threads}) => String(threads), viewers === costly && {value: own?.threads, aim: atMost(40)});
+    add('share of a core for each', 'each', ({each}) => `${show(each)} %`, viewers === costly && {value: own.each, aim: atMost(0.5, ' %')});
+    add('threads of the process', 'threads', ({threads}) => String(threads), viewers === costly && {value: own.threads, aim: atMost(40)});
     add('memory for each', 'kib', ({kib}) => `${show(kib)} KiB`);
-    const lost = own?.lost + shared.lost;
+    const lost = own.lost + shared.lost;
     if (lost > 0) report.add(`${what}: packets lost`, `${own.lost}; GStreamer's server ${shared.lost}`);
 }
 
