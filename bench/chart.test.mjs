@@ -19,6 +19,11 @@ test('shows each doubling as the same distance', () => {
     assert.equal(second - first, third - second);
 });
 
+test('shows numbers of things in proportion', () => {
+    const [[first], [second], [third]] = dotsOf(drawChart([panel(points, {x: {title: 'viewers', isLinear: true}})]));
+    assert.equal((third - first) / (second - first), 5);
+});
+
 test('shows values above zero in proportion', () => {
     const [[, high], [, middle], [, low]] = dotsOf(drawChart([panel(points)]));
     assert.equal(middle - high, low - middle);

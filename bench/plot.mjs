@@ -22,6 +22,9 @@ const linesOf = (points, x, columns) => columns.map(([column, name]) => ({name, 
 
 const scale = (points, column, factor) => points.map(point => ({...point, [column]: point[column] * factor}));
 
+// A horizontal axis for numbers of things, so that costs in proportion to them are straight lines.
+const number = title => ({title, isLinear: true});
+
 // For each picture, its series and the panels made of them.
 const pictures = {
     connections: {series: ['connections'], draw: ({connections}) => [
@@ -30,27 +33,33 @@ const pictures = {
             lines: linesOf(connections.filter(({mode}) => mode === 'keep-alive'), 'connections', [['p50', '50th percentile'], ['p99', '99th percentile']])},
     ]},
     pulls: {series: ['pulls'], draw: ({pulls}) => [
-        {title: 'From an event to the answers', x: {title: 'waiting pulls'}, y: {title: 'milliseconds'},
+        {title: 'From an event to the answers', x: number('waiting pulls'), y: {title: 'milliseconds'},
             lines: linesOf(pulls, 'pulls', [['p50', '50th percentile'], ['p99', '99th percentile'], ['bare', 'so many exchanges in gSOAP alone']])},
-        {title: 'Memory', x: {title: 'waiting pulls'}, y: {title: 'KiB resident for each'}, lines: linesOf(pulls, 'pulls', [['kib', 'zarn-host']])},
+        {title: 'Memory', x: number('waiting pulls'), y: {title: 'KiB resident for each'}, lines: linesOf(pulls, 'pulls', [['kib', 'zarn-host']])},
     ]},
-    channels: {series: ['channels'], draw: ({channels}) => [
-        {title: 'Memory', x: {title: 'channels'}, y: {title: 'MiB resident'}, lines: linesBy(scale(channels, 'residentKib', 1 / 1024), 'kind', 'channels', 'residentKib')},
-        {title: 'Processor', x: {title: 'channels'}, y: {title: '% of a core'}, lines: linesBy(channels, 'kind', 'channels', 'share')},
-        {title: 'GetProfiles over HTTP', x: {title: 'described channels'}, y: {title: 'milliseconds'},
-            lines: linesOf(channels.filter(({kind}) => kind === 'described'), 'channels', [['media', 'Media'], ['media2', 'Media2']])},
-    ]},
+    channels: {series: ['channels'], draw: ({channels}) => {
+        const inMebibytes = scale(channels, 'residentKib', 1 / 1024);
+        const [described, real] = [true, false].map(wanted => inMebibytes.filter(({kind}) => (kind === 'described') === wanted));
+        return [
+            {title: 'Memory with video', x: number('channels'), y: {title: 'MiB resident'}, lines: linesBy(real, 'kind', 'channels', 'residentKib')},
+            {title: 'Processor with video', x: number('channels'), y: {title: '% of a core'}, lines: linesBy(real, 'kind', 'channels', 'share')},
+            {title: 'Memory without video', x: number('described channels'), y: {title: 'MiB resident'}, lines: linesOf(described, 'channels', [['residentKib', 'zarn-host']])},
+            {title: 'GetProfiles over HTTP', x: number('described channels'), y: {title: 'milliseconds'},
+                lines: linesOf(described, 'channels', [['media', 'Media'], ['media2', 'Media2']])},
+        ];
+    }},
     subscriptions: {series: ['subscriptions', 'queues'], draw: ({subscriptions, queues}) => [
-        {title: 'Memory', x: {title: 'subscriptions'}, y: {title: 'KiB resident for each'}, lines: linesOf(subscriptions, 'subscriptions', [['each', 'zarn-host']])},
-        {title: 'Rate', x: {title: 'subscriptions'}, y: {title: 'requests per second'},
+        {title: 'Memory', x: number('subscriptions'), y: {title: 'MiB resident more than without'},
+            lines: linesOf(subscriptions.map(({during, before, ...point}) => ({...point, more: (during - before) / 1024})), 'subscriptions', [['more', 'zarn-host']])},
+        {title: 'Rate', x: number('subscriptions'), y: {title: 'requests per second'},
             lines: linesOf(subscriptions, 'subscriptions', [['create', 'CreatePullPointSubscription'], ['renew', 'Renew'], ['end', 'Unsubscribe']])},
-        {title: 'One event into all queues', x: {title: 'subscriptions'}, y: {title: 'microseconds'}, lines: linesOf(queues, 'subscriptions', [['microsecondsInAll', 'Publish']])},
+        {title: 'One event into all queues', x: number('subscriptions'), y: {title: 'microseconds'}, lines: linesOf(queues, 'subscriptions', [['microsecondsInAll', 'Publish']])},
     ]},
     viewers: {series: ['viewers'], draw: ({viewers}) => {
         const ofOneChannel = viewers.filter(({channels}) => channels === 1);
         return [['Processor', 'share', '% of a core for each viewer'], ['Longest gap between pictures', 'max', 'milliseconds'],
             ['Time to the first picture, median', 'firstP50', 'milliseconds'], ['Threads', 'threads', 'threads of the process']].map(([title, column, unit]) =>
-            ({title, x: {title: 'viewers of one channel'}, y: {title: unit}, lines: linesBy(ofOneChannel, 'server', 'viewers', column)}));
+            ({title, x: number('viewers of one channel'), y: {title: unit}, lines: linesBy(ofOneChannel, 'server', 'viewers', column)}));
     }},
 };
 
