@@ -91,6 +91,11 @@ asio::awaitable<void> RtspViewer::Play() {
     }
 }
 
+void RtspViewer::Close() {
+    boost::system::error_code ignored;
+    socket.close(ignored);
+}
+
 asio::awaitable<void> RtspViewer::KeepAlive() {
     if (received - alive < KeepAlivePeriod) co_return;
     alive = received;

@@ -28,6 +28,9 @@ public:
     /// error or ends the stream, which it throws as std::runtime_error.
     boost::asio::awaitable<void> Play();
 
+    /// Ends the connection, and with it Play.
+    void Close();
+
     Arrivals& GetArrivals() { return arrivals; }
 
     Arrivals const& GetArrivals() const { return arrivals; }
