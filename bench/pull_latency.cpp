@@ -1,8 +1,9 @@
 // pull_latency PORT PULLERS ROUNDS: measures event delivery to clients of a zarn-host without authentication. Each
 // client has its own connection and subscription. Each round posts one event and measures the time until every client
 // has its answer. Prints a line of JSON: of all answers of all rounds the 50th and 99th percentile, and the median of
-// the rounds' last answers, in milliseconds; the size of an answer in bytes. Then prints "waiting" and waits for the
-// end of standard input while all pulls wait, so that the host can be inspected.
+// the rounds' last answers, in milliseconds; the size of an answer in bytes; the processor time that the clients took
+// for an answer, in microseconds. Then prints "waiting" and waits for the end of standard input while all pulls wait,
+// so that the host can be inspected.
 
 #include "http_client.h"
 
@@ -13,6 +14,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdlib>
+#include <ctime>
 #include <exception>
 #include <iostream>
 #include <limits>
@@ -72,6 +74,13 @@ private:
     std::string pull;
 };
 
+/// Of this process, in seconds.
+double GetProcessorTime() {
+    timespec time{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
+}
+
 /// The value below which the given part of the sorted values lies.
 double At(std::vector<double> const& sorted, double part) {
     return sorted.empty() ? 0 : sorted[static_cast<std::size_t>(part * static_cast<double>(sorted.size() - 1))];
@@ -91,21 +100,25 @@ void Measure(unsigned short port, int pullers, int rounds) {
     std::vector<double> last;
     std::size_t answer = 0;
     Clock::time_point sent;
+    double used = 0; // by the clients while they receive, in seconds
     for (int i = 0; i < rounds; ++i) {
         // Until all pulls wait and the host is idle; it shows no client when that is so.
         std::this_thread::sleep_for(std::chrono::milliseconds(300 + pullers / 5));
         for (auto const& puller : all) asio::co_spawn(io, puller->Await(sent, taken, answer), Rethrow);
         io.restart();
         io.poll(); // every client reads before the event is posted
+        auto const before = GetProcessorTime();
         sent = Clock::now();
         Complete(io, [&]() -> asio::awaitable<void> { co_await source.Exchange(event); }());
+        used += GetProcessorTime() - before;
         last.push_back(taken.back());
         for (auto const& puller : all) Complete(io, puller->Pull());
     }
     std::ranges::sort(taken);
     std::ranges::sort(last);
     std::cout << R"({"p50": )" << At(taken, 0.5) << R"(, "p99": )" << At(taken, 0.99) << R"(, "last": )"
-              << At(last, 0.5) << R"(, "answer": )" << answer << "}\nwaiting" << std::endl;
+              << At(last, 0.5) << R"(, "answer": )" << answer << R"(, "client": )"
+              << used / static_cast<double>(taken.size()) * 1e6 << "}\nwaiting" << std::endl;
     std::cin.ignore(std::numeric_limits<std::streamsize>::max());
 }
 

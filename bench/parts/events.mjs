@@ -1,7 +1,7 @@
 import {benchmark, pathOf, run} from '../program.mjs';
 import {atMost, count, show} from '../report.mjs';
 
-export const title = 'events into the queues of subscriptions, and a minute of events to clients';
+export const title = 'events into the queues of subscriptions, waits meanwhile, and a minute of events to clients';
 
 const counts = [1, 10, 100, 1000]; // subscriptions
 
@@ -15,6 +15,21 @@ async function measureQueues({report}) {
         report.add(`one event into ${count(subscriptions, 'queue')}, each`,
             `${show(nanoseconds)} ns, ${show(result['bytes per event and subscription'])} bytes`, {value: nanoseconds, aim: atMost(200, ' ns')});
     }
+}
+
+// [name of the benchmark, what waits]
+const waits = [['Pop', 'a pull'], ['Create', 'a new subscription'], ['Publish', 'another program']];
+
+async function measureWaits({report}) {
+    const results = await benchmark('events_benchmark', ['--benchmark_filter=WaitForAList']);
+    const of = what => [...results].find(([name]) => name.startsWith(`WaitForAList/${what}/`))[1];
+    for (const [name, what] of waits) {
+        const {longest, p99} = of(name);
+        report.add(`10,000 events to 1,000 subscriptions: longest wait of ${what}`, `${show(longest * 1000)} ms, p99 ${show(p99 * 1e6)} µs`,
+            {value: longest * 1000, aim: atMost(5, ' ms')});
+    }
+    const {longest, step} = of('Nothing');
+    report.add('the same: longest time without the processor; longest processor time of one event', `${show(longest * 1000)} ms; ${show(step * 1000)} ms`);
 }
 
 async function measureLoads(context) {
@@ -31,5 +46,6 @@ async function measureLoads(context) {
 
 export async function measure(context) {
     await measureQueues(context);
+    await measureWaits(context);
     await measureLoads(context);
 }

@@ -33,14 +33,14 @@ export async function measure(context) {
     const {report, processors} = context;
     const {pullUs} = await context.measureBare();
     for (const [pulls, rounds] of loads) {
-        const {p50, p99, last, share, idle, kib, threads} = await measureLoad(context, pulls, rounds);
+        const {p50, p99, last, client, share, idle, kib, threads} = await measureLoad(context, pulls, rounds);
         const bare = pullUs / 1000 * pulls / processors; // milliseconds for so many exchanges in gSOAP alone, on all processors
         const count = show(pulls);
         const against = `${count} bare exchanges ${show(bare)} ms`;
         report.addPoint('pulls', {pulls, p50, p99, last, bare, share, kib, processors});
         report.add(`from an event to the answers of ${count} waiting pulls, p99`, `${show(p99)} ms (p50 ${show(p50)} ms), ${against}`,
             {ratio: p99 / bare, ...pulls === 100 && {aim: atMost(3)}});
-        report.add(`from an event to the last answer of ${count} waiting pulls, median`, `${show(last)} ms, ${against}`,
+        report.add(`from an event to the last answer of ${count} waiting pulls, median`, `${show(last)} ms, of which the clients took ${show(client * pulls / 1000)} ms; ${against}`,
             {ratio: last / bare, ...pulls === 5000 && {aim: atMost(3)}});
         report.add(`share of a core while ${count} pulls wait`, `${show(share)} % more than idle (${show(idle)} %)`,
             pulls === 1000 ? {value: share, aim: atMost(0.3, ' %')} : {});

@@ -14,6 +14,8 @@ const alike = [
     ['date', ['Date: Sun, 22 Nov 2026 18:50:06 GMT'], ['Date: Mon, 01 Feb 2027 01:02:03 GMT']],
     ['nonce', ['WWW-Authenticate: Digest nonce="a", qop="auth"'], ['WWW-Authenticate: Digest nonce="b", qop="auth"']],
     ['present time and the same end', ['A: b', times('2026-11-22T18:50:06Z', '2026-11-22T18:55:06Z')], ['A: b', times('2027-11-22T18:50:06Z', '2027-11-22T18:55:05Z')]],
+    ['end that comes nearer while a client pulls', ['A: b', times('2026-11-22T18:50:06Z', '2026-11-22T19:50:06Z')], ['A: b', times('2026-11-22T18:54:06Z', '2026-11-22T19:50:06Z')]],
+    ['time since an end that is long ago', ['A: b', times('2026-11-22T18:50:06Z', '2000-01-01T00:00:00Z')], ['A: b', times('2026-11-22T18:55:06Z', '2000-01-01T00:00:00Z')]],
     ['length that follows from a replaced body', ['Content-Length: 23', '<tt:Hour>9</tt:Hour>ab'.padEnd(23)], ['Content-Length: 24', '<tt:Hour>10</tt:Hour>ab'.padEnd(24)]],
     ['subscription', ['A: b', 'Subscription?Idx=1 Subscription?Idx=2'], ['A: b', 'Subscription?Idx=9 Subscription?Idx=4']],
 ];
@@ -23,6 +25,7 @@ const different = [
     ['case of a field', ['Content-length: 0'], ['Content-Length: 0']],
     ['missing nonce', ['WWW-Authenticate: Digest nonce="a"'], ['WWW-Authenticate: Digest nonce=""']],
     ['end of a subscription', ['A: b', times('2026-11-22T18:50:06Z', '2026-11-22T18:55:06Z')], ['A: b', times('2026-11-22T18:50:06Z', '2026-11-22T18:57:06Z')]],
+    ['end that is long ago', ['A: b', times('2026-11-22T18:50:06Z', '2000-01-01T00:00:00Z')], ['A: b', times('2026-11-22T18:50:06Z', '2000-01-01T00:00:01Z')]],
     ['form of a time', ['A: b', times('2026-11-22T18:50:06Z', '2026-11-22T18:55:06Z')], ['A: b', times('2026-11-22T18:50:06Z', '2026-11-22 18:55:06')]],
     ['time of an event', ['A: b', 'UtcTime="2026-11-22T18:50:06Z"'], ['A: b', 'UtcTime="2026-11-22T18:50:07Z"']],
     ['wrong length', ['Content-Length: 20', '<tt:Hour>9</tt:Hour>'], ['Content-Length: 21', '<tt:Hour>9</tt:Hour>']],
