@@ -49,14 +49,17 @@ function drawPanel({title, x: xAxis, y: yAxis, lines}, left, top) {
     return [
         text(left, top - 14, title, ' class="title"'),
         ...vertical.marks.flatMap(value => [
-            `<path class="grid" d="M${left} ${round(y(value))}h${panelWidth}"/>`, text(left - 8, y(value) + 4, value.toLocaleString('en'), ' text-anchor="end"')]),
+            `<path class="grid" d="M${left} ${round(y(value))}h${panelWidth}"/>`,
+            text(left - 8, y(value) + 4, value.toLocaleString('en'), ' text-anchor="end"'),
+        ]),
         ...horizontal.marks.map(value => text(x(value), top + panelHeight + 16, value.toLocaleString('en'), ' text-anchor="middle"')),
         text(left + panelWidth / 2, top + panelHeight + 34, xAxis.title, ' text-anchor="middle"'),
         text(left - 54, middle, yAxis.title, ` text-anchor="middle" transform="rotate(-90 ${left - 54} ${middle})"`),
         ...lines.flatMap((line, index) => drawLine(line, index, x, y)),
         ...lines.flatMap(({name}, index) => {
             const at = top + panelHeight + 52 + index * legendLine;
-            return [`<path class="line s${index}" stroke-dasharray="${dash[index]}" d="M${left} ${at - 4}h28"/>`, text(left + 36, at, name)];
+            const sample = `<path class="line s${index}" stroke-dasharray="${dash[index]}" d="M${left} ${at - 4}h28"/>`;
+            return [sample, text(left + 36, at, name)];
         }),
     ];
 }

@@ -4,14 +4,18 @@ import {test} from 'node:test';
 
 import {drawChart} from './chart.mjs';
 
-const panel = (points, more = {}) => ({title: 'Rate', x: {title: 'connections'}, y: {title: 'requests per second'}, lines: [{name: 'kept', points}], ...more});
+const panel = (points, more = {}) => ({
+    title: 'Rate', x: {title: 'connections'}, y: {title: 'requests per second'}, lines: [{name: 'kept', points}], ...more,
+});
 const points = [{x: 1, y: 100}, {x: 4, y: 50}, {x: 16, y: 0}];
 
 const dotsOf = svg => [...svg.matchAll(/cx="([\d.]+)" cy="([\d.]+)"/g)].map(([, x, y]) => [Number(x), Number(y)]);
 
 test('labels axes and lines', () => {
     const svg = drawChart([panel(points)]);
-    for (const label of ['Rate', 'connections', 'requests per second', 'kept', '>1<', '>16<', '>100<']) assert.ok(svg.includes(label), label);
+    for (const label of ['Rate', 'connections', 'requests per second', 'kept', '>1<', '>16<', '>100<']) {
+        assert.ok(svg.includes(label), label);
+    }
 });
 
 test('shows each doubling as the same distance', () => {

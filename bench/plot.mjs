@@ -18,53 +18,77 @@ function linesBy(points, by, x, y) {
 }
 
 // One line for each of the columns: [[column, name]].
-const linesOf = (points, x, columns) => columns.map(([column, name]) => ({name, points: points.map(point => ({x: point[x], y: point[column]}))}));
-
-const scale = (points, column, factor) => points.map(point => ({...point, [column]: point[column] * factor}));
+const linesOf = (points, x, columns) =>
+    columns.map(([column, name]) => ({name, points: points.map(point => ({x: point[x], y: point[column]}))}));
 
 // A horizontal axis for numbers of things, so that costs in proportion to them are straight lines.
 const number = title => ({title, isLinear: true});
 
-// For each picture, its series and the panels made of them.
-const pictures = {
-    connections: {series: ['connections'], draw: ({connections}) => [
-        {title: 'Rate', x: {title: 'connections'}, y: {title: 'requests per second'}, lines: linesBy(connections, 'mode', 'connections', 'rate')},
-        {title: 'Latency with keep-alive', x: {title: 'connections'}, y: {title: 'milliseconds'},
-            lines: linesOf(connections.filter(({mode}) => mode === 'keep-alive'), 'connections', [['p50', '50th percentile'], ['p99', '99th percentile']])},
-    ]},
-    pulls: {series: ['pulls'], draw: ({pulls}) => [
-        {title: 'From an event to the answers', x: number('waiting pulls'), y: {title: 'milliseconds'},
-            lines: linesOf(pulls, 'pulls', [['p50', '50th percentile'], ['p99', '99th percentile'], ['bare', 'so many exchanges in gSOAP alone']])},
-        {title: 'Memory', x: number('waiting pulls'), y: {title: 'KiB resident for each'}, lines: linesOf(pulls, 'pulls', [['kib', 'zarn-host']])},
-    ]},
-    channels: {series: ['channels'], draw: ({channels}) => {
-        const inMebibytes = scale(channels, 'residentKib', 1 / 1024);
-        const [described, real] = [true, false].map(wanted => inMebibytes.filter(({kind}) => (kind === 'described') === wanted));
-        return [
-            {title: 'Memory with video', x: number('channels'), y: {title: 'MiB resident'}, lines: linesBy(real, 'kind', 'channels', 'residentKib')},
-            {title: 'Processor with video', x: number('channels'), y: {title: '% of a core'}, lines: linesBy(real, 'kind', 'channels', 'share')},
-            {title: 'Memory without video', x: number('described channels'), y: {title: 'MiB resident'}, lines: linesOf(described, 'channels', [['residentKib', 'zarn-host']])},
-            {title: 'GetProfiles over HTTP', x: number('described channels'), y: {title: 'milliseconds'},
-                lines: linesOf(described, 'channels', [['media', 'Media'], ['media2', 'Media2']])},
-        ];
-    }},
-    subscriptions: {series: ['subscriptions', 'queues'], draw: ({subscriptions, queues}) => [
-        {title: 'Memory', x: number('subscriptions'), y: {title: 'MiB resident more than without'},
-            lines: linesOf(subscriptions.map(({during, before, ...point}) => ({...point, more: (during - before) / 1024})), 'subscriptions', [['more', 'zarn-host']])},
-        {title: 'Rate', x: number('subscriptions'), y: {title: 'requests per second'},
-            lines: linesOf(subscriptions, 'subscriptions', [['create', 'CreatePullPointSubscription'], ['renew', 'Renew'], ['end', 'Unsubscribe']])},
-        {title: 'One event into all queues', x: number('subscriptions'), y: {title: 'microseconds'}, lines: linesOf(queues, 'subscriptions', [['microsecondsInAll', 'Publish']])},
-    ]},
-    viewers: {series: ['viewers'], draw: ({viewers}) => {
-        const ofOneChannel = viewers.filter(({channels}) => channels === 1);
-        return [['Processor', 'share', '% of a core for each viewer'], ['Longest gap between pictures', 'max', 'milliseconds'],
-            ['Time to the first picture, median', 'firstP50', 'milliseconds'], ['Threads', 'threads', 'threads of the process']].map(([title, column, unit]) =>
-            ({title, x: number('viewers of one channel'), y: {title: unit}, lines: linesBy(ofOneChannel, 'server', 'viewers', column)}));
-    }},
-};
+const panel = (title, x, unit, lines) => ({title, x, y: {title: unit}, lines});
+
+function drawConnections({connections}) {
+    const kept = connections.filter(({mode}) => mode === 'keep-alive');
+    const x = {title: 'connections'};
+    return [
+        panel('Rate', x, 'requests per second', linesBy(connections, 'mode', 'connections', 'rate')),
+        panel('Latency with keep-alive', x, 'milliseconds',
+            linesOf(kept, 'connections', [['p50', '50th percentile'], ['p99', '99th percentile']])),
+    ];
+}
+
+function drawPulls({pulls}) {
+    const x = number('waiting pulls');
+    return [
+        panel('From an event to the answers', x, 'milliseconds',
+            linesOf(pulls, 'pulls', [['p50', '50th percentile'], ['p99', '99th percentile'], ['bare', 'so many exchanges in gSOAP alone']])),
+        panel('Memory', x, 'KiB resident for each', linesOf(pulls, 'pulls', [['kib', 'zarn-host']])),
+    ];
+}
+
+function drawChannels({channels}) {
+    const points = channels.map(point => ({...point, mebibytes: point.residentKib / 1024}));
+    const [described, real] = [true, false].map(wanted => points.filter(({kind}) => (kind === 'described') === wanted));
+    const x = number('channels');
+    const xDescribed = number('described channels');
+    return [
+        panel('Memory with video', x, 'MiB resident', linesBy(real, 'kind', 'channels', 'mebibytes')),
+        panel('Processor with video', x, '% of a core', linesBy(real, 'kind', 'channels', 'share')),
+        panel('Memory without video', xDescribed, 'MiB resident', linesOf(described, 'channels', [['mebibytes', 'zarn-host']])),
+        panel('GetProfiles over HTTP', xDescribed, 'milliseconds', linesOf(described, 'channels', [['media', 'Media'], ['media2', 'Media2']])),
+    ];
+}
+
+function drawSubscriptions({subscriptions, queues}) {
+    const points = subscriptions.map(point => ({...point, more: (point.during - point.before) / 1024}));
+    const x = number('subscriptions');
+    return [
+        panel('Memory', x, 'MiB resident more than without', linesOf(points, 'subscriptions', [['more', 'zarn-host']])),
+        panel('Rate', x, 'requests per second',
+            linesOf(points, 'subscriptions', [['create', 'CreatePullPointSubscription'], ['renew', 'Renew'], ['end', 'Unsubscribe']])),
+        panel('One event into all queues', x, 'microseconds', linesOf(queues, 'subscriptions', [['microsecondsInAll', 'Publish']])),
+    ];
+}
+
+function drawViewers({viewers}) {
+    const points = viewers.filter(({channels}) => channels === 1);
+    const draw = (title, column, unit) => panel(title, number('viewers of one channel'), unit, linesBy(points, 'server', 'viewers', column));
+    return [
+        draw('Processor', 'share', '% of a core for each viewer'), draw('Longest gap between pictures', 'max', 'milliseconds'),
+        draw('Time to the first picture, median', 'firstP50', 'milliseconds'), draw('Threads', 'threads', 'threads of the process'),
+    ];
+}
+
+// [name, series that it is made of, function that makes its panels]
+const pictures = [
+    ['connections', ['connections'], drawConnections],
+    ['pulls', ['pulls'], drawPulls],
+    ['channels', ['channels'], drawChannels],
+    ['subscriptions', ['subscriptions', 'queues'], drawSubscriptions],
+    ['viewers', ['viewers'], drawViewers],
+];
 
 const [from = join(root, 'build/bench'), to = join(root, 'docs')] = process.argv.slice(2);
-for (const [name, {series, draw}] of Object.entries(pictures)) {
+for (const [name, series, draw] of pictures) {
     const files = series.map(each => join(from, `${each}.csv`));
     const missing = files.find(file => !existsSync(file));
     if (missing) {

@@ -59,12 +59,11 @@ export class Program {
 
 export const run = (path, args, options) => new Program(path, args, options).finish();
 
-const runBenchmark = async (command, args) => JSON.parse(await run(command, [...args, '--benchmark_format=json'], {stdio: ['pipe', 'pipe', 'ignore']}));
-
 // Results of a program that Google Benchmark makes, by name. processor: the one to run on; undefined: all.
 export async function benchmark(name, args = [], processor = undefined) {
-    const command = processor === undefined ? [pathOf(name)] : ['taskset', '-c', String(processor), pathOf(name)];
-    const {benchmarks} = await runBenchmark(command[0], [...command.slice(1), ...args]);
+    const bound = processor === undefined ? [] : ['taskset', '-c', String(processor)];
+    const [command, ...rest] = [...bound, pathOf(name), ...args, '--benchmark_format=json'];
+    const {benchmarks} = JSON.parse(await run(command, rest, {stdio: ['pipe', 'pipe', 'ignore']}));
     const failed = benchmarks.find(each => each.error_occurred);
     if (failed) throw new Error(`${failed.name}: ${failed.error_message}`);
     return new Map(benchmarks.map(each => [each.name, each]));
@@ -86,7 +85,10 @@ export async function startHost({settings = {}, channels = {}} = {}) {
     const begin = performance.now();
     const host = await startAnyHost({
         identity: {},
-        settings: {web_port: 0, rtsp_port: 0, authentication: {enabled: false}, ...settings, limits: {...limits, ...settings.limits}}, channels,
+        settings: {
+            web_port: 0, rtsp_port: 0, authentication: {enabled: false}, ...settings, limits: {...limits, ...settings.limits},
+        },
+        channels,
     }, {program: pathOf('zarn-host'), args: ['--log-level', 'warning']});
     const startMs = performance.now() - begin;
     return {...host, startMs};

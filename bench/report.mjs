@@ -12,7 +12,8 @@ export function median(values) {
 
 // At most `digits` significant digits, with commas between thousands.
 export function show(value, digits = 3) {
-    return Number(value.toPrecision(Math.max(digits, Math.ceil(Math.log10(Math.abs(value) + 1))))).toLocaleString('en', {maximumFractionDigits: 6});
+    const whole = Math.ceil(Math.log10(Math.abs(value) + 1));
+    return Number(value.toPrecision(Math.max(digits, whole))).toLocaleString('en', {maximumFractionDigits: 6});
 }
 
 // A number of things.

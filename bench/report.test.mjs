@@ -19,7 +19,9 @@ test('shows three digits, or the whole number', () => {
     assert.deepEqual([0.29342, 1.5, 37660.4, 0, -12.345].map(value => show(value)), ['0.293', '1.5', '37,660', '0', '-12.3']);
 });
 
-test('names one thing and several', () => assert.deepEqual([1, 1000].map(number => count(number, 'viewer')), ['1 viewer', '1,000 viewers']));
+test('names one thing and several', () => {
+    assert.deepEqual([1, 1000].map(number => count(number, 'viewer')), ['1 viewer', '1,000 viewers']);
+});
 
 test('knows what an aim allows', () => {
     assert.deepEqual([1.2, 1.25, 1.3].map(atMost(1.25).isMet), [true, true, false]);
@@ -37,7 +39,9 @@ test('judges the ratio, or the value that is given', () => {
     report.add('small', '10 KiB', {ratio: 3, value: 10, aim: atMost(20, ' KiB')});
     report.add('information', '5');
     const cells = report.format().split('\n').slice(2).map(line => line.split('|').slice(1, -1).map(cell => cell.trim()));
-    assert.deepEqual(cells, [['slow', '3', '3', 'at most 2', 'no'], ['small', '10 KiB', '3', 'at most 20 KiB', 'yes'], ['information', '5', '', '', '']]);
+    assert.deepEqual(cells, [
+        ['slow', '3', '3', 'at most 2', 'no'], ['small', '10 KiB', '3', 'at most 20 KiB', 'yes'], ['information', '5', '', '', ''],
+    ]);
     assert.equal(report.summarize(), '1 aim met, 1 missed');
 });
 

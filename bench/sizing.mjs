@@ -8,8 +8,16 @@ import {fileURLToPath} from 'node:url';
 import {readSeries} from './series.mjs';
 
 const defaults = {
-    cameras: 10000, viewers: 1.1, megabits: 4, events: 0.1, clients: 4, // viewers, Mbit/s and events per second of each camera; clients of each host
-    processors: 2, memory: 4, link: 1000, rtsp: 1000, used: 0.7, // of a machine: memory in GiB, link in Mbit/s, RTSP connections, the part that may be used
+    cameras: 10000,
+    viewers: 1.1, // of each camera
+    megabits: 4, // per second of a stream
+    events: 0.1, // per second of each camera
+    clients: 4, // of each host
+    processors: 2, // of a machine
+    memory: 4, // of a machine, in GiB
+    link: 1000, // of a machine, in Mbit/s
+    rtsp: 1000, // connections of a host
+    used: 0.7, // the part of each that may be used
 };
 
 const kibPerGib = 1 << 20;
@@ -25,8 +33,13 @@ export function readInputs({channels, viewers, pulls}, processors) {
     const viewer = viewers.find(point => point.server === 'zarn-host' && point.viewers === 50);
     const pull = pulls.at(-1);
     return {
-        idleKib: one.residentKib - perChannel('residentKib'), channelCores: perChannel('share') / 100, channelKib: perChannel('residentKib'),
-        viewerCores: viewer.share / 100, viewerKib: viewer.kib, answerSeconds: pull.last / 1000 * processors / pull.pulls, pullKib: pull.kib,
+        idleKib: one.residentKib - perChannel('residentKib'),
+        channelCores: perChannel('share') / 100,
+        channelKib: perChannel('residentKib'),
+        viewerCores: viewer.share / 100,
+        viewerKib: viewer.kib,
+        answerSeconds: pull.last / 1000 * processors / pull.pulls,
+        pullKib: pull.kib,
     };
 }
 
@@ -35,7 +48,8 @@ export function countCameras(input, site) {
     return {
         processors: site.used * site.processors /
             (input.channelCores + site.viewers * input.viewerCores + site.events * site.clients * input.answerSeconds),
-        memory: (site.used * site.memory * kibPerGib - input.idleKib - site.clients * input.pullKib) / (input.channelKib + site.viewers * input.viewerKib),
+        memory: (site.used * site.memory * kibPerGib - input.idleKib - site.clients * input.pullKib) /
+            (input.channelKib + site.viewers * input.viewerKib),
         network: site.used * site.link / (site.viewers * site.megabits),
         connections: site.rtsp / site.viewers,
     };

@@ -12,10 +12,11 @@ const longSeconds = 240;
 // Encodes the video and returns {once, long}: files of 20 seconds, and of four minutes of the same.
 export async function makeVideo(folder) {
     const [once, long] = ['once.mkv', 'long.mkv'].map(name => join(folder, name));
-    await run('gst-launch-1.0', ['-q', 'videotestsrc', 'pattern=zone-plate', 'kx2=20', 'ky2=20', 'kt=1',
-        `num-buffers=${seconds * rate}`, '!',
-        `video/x-raw,width=1920,height=1080,framerate=${rate}/1`, '!', 'videoconvert', '!', 'x264enc', 'bitrate=4000', 'pass=cbr',
-        'speed-preset=ultrafast', 'bframes=0', `key-int-max=${2 * rate}`, '!', 'h264parse', '!', 'matroskamux', '!', 'filesink', `location=${once}`], options);
+    const source = ['videotestsrc', 'pattern=zone-plate', 'kx2=20', 'ky2=20', 'kt=1', `num-buffers=${seconds * rate}`, '!',
+        `video/x-raw,width=1920,height=1080,framerate=${rate}/1`];
+    const encoder = ['x264enc', 'bitrate=4000', 'pass=cbr', 'speed-preset=ultrafast', 'bframes=0', `key-int-max=${2 * rate}`];
+    const file = ['h264parse', '!', 'matroskamux', '!', 'filesink', `location=${once}`];
+    await run('gst-launch-1.0', ['-q', ...source, '!', 'videoconvert', '!', ...encoder, '!', ...file], options);
     await run('ffmpeg', ['-v', 'error', '-stream_loop', String(longSeconds / seconds - 1), '-i', once, '-c', 'copy', long], options);
     return {once, long};
 }

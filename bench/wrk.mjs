@@ -19,5 +19,6 @@ export function parse(output) {
 
 // script: in this folder; args: for the script
 export async function wrk(url, {connections, seconds, script, args = []}) {
-    return parse(await run('wrk', ['-t1', `-c${connections}`, `-d${seconds}s`, '--latency', '-s', join(root, 'bench', script), String(url), '--', ...args]));
+    const load = ['-t1', `-c${connections}`, `-d${seconds}s`];
+    return parse(await run('wrk', [...load, '--latency', '-s', join(root, 'bench', script), String(url), '--', ...args]));
 }

@@ -21,7 +21,9 @@ Transfer/sec:     12.52MB
 
 test('reads rate and percentiles', () => assert.deepEqual(parse(output('')), {rate: 17855.05, p50: 1.74, p99: 1200}));
 
-test('fails when requests were refused', () => assert.throws(() => parse(output('  Non-2xx or 3xx responses: 7\n')), /Non-2xx or 3xx responses: 7/));
+test('fails when requests were refused', () => {
+    assert.throws(() => parse(output('  Non-2xx or 3xx responses: 7\n')), /Non-2xx or 3xx responses: 7/);
+});
 
 test('fails when connections broke', () => {
     assert.throws(() => parse(output('  Socket errors: connect 0, read 3, write 0, timeout 0\n')), /read 3/);

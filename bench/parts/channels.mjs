@@ -77,7 +77,8 @@ export async function measure(context) {
             const what = `${count(channels, 'channel')} of 1080p at 4 Mbit/s`;
             addRows(report, what, result);
             report.add(`${what}: from start until all run`, `${show(running)} ms`);
-            report.add(`${what}: snapshots of all at once`, `${taken.length} taken, all answered within ${show(last)} ms`, {ratio: taken.length / channels});
+            report.add(`${what}: snapshots of all at once`, `${taken.length} taken, all answered within ${show(last)} ms`,
+                {ratio: taken.length / channels});
         } finally {
             await host.stop();
         }

@@ -42,8 +42,8 @@ export async function measure(context) {
                 const args = [then, ...needsLogin ? await fetchLogin(host.url) : []];
                 const {rate, p50, p99} = await wrk(host.url, {connections, seconds: context.seconds(5), script: 'information.lua', args});
                 if (mode === 'keep-alive') plain.set(connections, rate);
-                context.report.add(`${mode}, ${count(connections, 'connection')}`, `${show(rate)} per second, p50 ${show(p50)} ms, p99 ${show(p99)} ms`,
-                    {ratio: rate / plain.get(connections)});
+                context.report.add(`${mode}, ${count(connections, 'connection')}`,
+                    `${show(rate)} per second, p50 ${show(p50)} ms, p99 ${show(p99)} ms`, {ratio: rate / plain.get(connections)});
                 context.report.addPoint('connections', {mode, connections, rate, p50, p99});
             }
         } finally {

@@ -40,7 +40,8 @@ export async function measure(context) {
         const of = await measureRounds([['host', host.url], ['bare', bareUrl]], context.isQuick ? 1 : 3, context.seconds(5));
         const [rate, bareRate] = [of('host', few, 'rate'), of('bare', few, 'rate')];
         const {exchangeUs} = await context.measureBare();
-        report.add(`HTTP keep-alive, ${few} connections`, `${show(rate)} per second, bare Beast ${show(bareRate)}`, {ratio: rate / bareRate, aim: atLeast(0.4)});
+        report.add(`HTTP keep-alive, ${few} connections`, `${show(rate)} per second, bare Beast ${show(bareRate)}`,
+            {ratio: rate / bareRate, aim: atLeast(0.4)});
         const ceiling = 1 / (1 / bareRate + exchangeUs / 1e6 / processors);
         report.add('the rate if an exchange took no more than bare Beast and bare gSOAP together',
             `${show(ceiling)} per second (gSOAP ${show(exchangeUs)} µs on each of ${processors} processors)`, {ratio: ceiling / bareRate});

@@ -17,7 +17,8 @@ export async function measure(context) {
         times.push(host.startMs);
         const share = await measureShare(host.pid, context.seconds(10));
         const {residentKib, threads} = sizeOf(host.pid);
-        context.report.add('from start to "ready", without video', `${show(median(times))} ms`, {value: median(times), aim: atMost(200, ' ms')});
+        context.report.add('from start to "ready", without video', `${show(median(times))} ms`,
+            {value: median(times), aim: atMost(200, ' ms')});
         context.report.add('idle, without video: share of a core', `${show(share)} %`, {value: share, aim: atMost(1, ' %')});
         context.report.add('idle, without video: memory', `${show(residentKib / 1024)} MiB resident, ${threads} threads`);
     } finally {

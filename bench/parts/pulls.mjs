@@ -40,7 +40,8 @@ export async function measure(context) {
         report.addPoint('pulls', {pulls, p50, p99, last, bare, share, kib, processors});
         report.add(`from an event to the answers of ${count} waiting pulls, p99`, `${show(p99)} ms (p50 ${show(p50)} ms), ${against}`,
             {ratio: p99 / bare, ...pulls === 100 && {aim: atMost(3)}});
-        report.add(`from an event to the last answer of ${count} waiting pulls, median`, `${show(last)} ms, of which the clients took ${show(client * pulls / 1000)} ms; ${against}`,
+        report.add(`from an event to the last answer of ${count} waiting pulls, median`,
+            `${show(last)} ms, of which the clients took ${show(client * pulls / 1000)} ms; ${against}`,
             {ratio: last / bare, ...pulls === 5000 && {aim: atMost(3)}});
         report.add(`share of a core while ${count} pulls wait`, `${show(share)} % more than idle (${show(idle)} %)`,
             pulls === 1000 ? {value: share, aim: atMost(0.3, ' %')} : {});

@@ -26,7 +26,8 @@ async function watch(pid, port, [viewers, channels], seconds) {
 
 // Starts zarn-host with the channels; returns {pid, port, idle, stop}, idle being its share of a core without viewers.
 async function startOwn(file, channels, seconds, limits) {
-    const host = await startHost({settings: {limits}, channels: Object.fromEntries(paths(channels).map((_, index) => [index + 1, {source: file}]))});
+    const sources = Object.fromEntries(paths(channels).map((_, index) => [index + 1, {source: file}]));
+    const host = await startHost({settings: {limits}, channels: sources});
     try {
         await waitForVideo(host);
         const {residentKib} = sizeOf(host.pid);
@@ -59,15 +60,16 @@ async function measureServer(start, audience, seconds) {
 function addRows(report, [viewers, channels], own, shared) {
     const what = `${viewers} viewers of ${channels === 1 ? 'one channel' : `${channels} channels`}`;
     if (!own) {
-        report.add(what, `not measured: this host has no settings.limits.rtsp_connections; GStreamer's server: longest gap ${show(shared.max / picture)}`);
+        report.add(what, 'not measured: this host has no settings.limits.rtsp_connections');
         return;
     }
     // A row for a column: what the host reached, and GStreamer's server.
-    const add = (name, column, describe, aim) => report.add(`${what}: ${name}`,
-        `${describe(own)}; GStreamer's server ${describe(shared)}`, {ratio: shared[column] > 0 ? own[column] / shared[column] : undefined, ...aim});
+    const add = (name, column, describe, aim) => report.add(`${what}: ${name}`, `${describe(own)}; GStreamer's server ${describe(shared)}`,
+        {ratio: shared[column] > 0 ? own[column] / shared[column] : undefined, ...aim});
     add('longest gap between pictures, in picture intervals', 'max', ({max, p99}) => `${show(max / picture)} (p99 ${show(p99 / picture)})`,
         viewers >= 200 && {value: own.max / picture, aim: atMost(2)});
-    add('viewers that stuttered', 'stuttered', ({stuttered}) => String(stuttered), viewers >= 200 && {value: own.stuttered, aim: atMost(0)});
+    add('viewers that stuttered', 'stuttered', ({stuttered}) => String(stuttered),
+        viewers >= 200 && {value: own.stuttered, aim: atMost(0)});
     add('time to the first picture', 'firstP50', ({firstP50, firstMax}) => `${show(firstP50)} ms, at most ${show(firstMax)} ms`);
     add('share of a core for each', 'each', ({each}) => `${show(each)} %`, viewers === costly && {value: own.each, aim: atMost(0.5, ' %')});
     add('threads of the process', 'threads', ({threads}) => String(threads), viewers === costly && {value: own.threads, aim: atMost(40)});
@@ -90,7 +92,9 @@ export async function measure(context) {
         addRows(report, audience, own, shared);
         for (const [server, seen] of [['GStreamer', shared], ...own ? [['zarn-host', own]] : []]) {
             const {each, p50, p99, max, stuttered, joining, firstP50, firstMax, kib, threads} = seen;
-            report.addPoint('viewers', {server, viewers, channels, share: each, p50, p99, max, stuttered, joining, firstP50, firstMax, kib, threads});
+            report.addPoint('viewers', {
+                server, viewers, channels, share: each, p50, p99, max, stuttered, joining, firstP50, firstMax, kib, threads,
+            });
         }
     }
 }

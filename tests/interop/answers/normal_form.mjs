@@ -51,7 +51,9 @@ export function toNormalForm({head, body, kept}, subscriptions) {
     const isPicture = /^Content-Type: image\//im.test(head);
     const sent = body.toString('latin1');
     const text = isPicture && sent.startsWith('\xff\xd8') ? '{picture}' : replaceInBody(sent, subscriptions);
-    const lengthened = head.replace(/^(Content-Length: )(\d+)(?=\r$)/gim,
-        (line, before, length) => Number(length) === body.length ? before + text.length : isPicture && body.length === 0 ? `${before}{number}` : line);
+    const lengthened = head.replace(/^(Content-Length: )(\d+)(?=\r$)/gim, (line, before, length) => {
+        if (isPicture && body.length === 0) return `${before}{number}`; // the answer to HEAD
+        return Number(length) === body.length ? before + text.length : line;
+    });
     return `${replaceInHead(lengthened)}${text}${kept ? '' : '\n{the connection ends}'}`;
 }
