@@ -1,6 +1,5 @@
 #pragma once
 
-#include <algorithm>
 #include <chrono>
 #include <cstddef>
 #include <vector>
@@ -18,18 +17,7 @@ public:
     void BeginWindow() { isInWindow = true; }
 
     /// A picture is complete.
-    void Add(Clock::time_point now) {
-        std::chrono::duration<float> const gap = now - last;
-        if (pictures++ == 0) {
-            toFirst = now - start;
-        } else if (!isInWindow) {
-            joining = std::max(joining, gap);
-        } else if (isLastInWindow) {
-            gaps.push_back(gap.count());
-        }
-        last = now;
-        isLastInWindow = isInWindow;
-    }
+    void Add(Clock::time_point now);
 
     /// Pictures so far.
     std::size_t GetCount() const { return pictures; }

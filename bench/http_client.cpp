@@ -8,6 +8,7 @@
 #include <sys/resource.h>
 
 #include <charconv>
+#include <chrono>
 #include <cstddef>
 #include <stdexcept>
 
@@ -17,6 +18,7 @@ namespace asio = boost::asio;
 
 namespace {
 
+constexpr std::chrono::minutes LongestRun{2};
 constexpr std::size_t LongestResponse = std::size_t{64} << 20; ///< in bytes
 
 /// The length of a response's body. Throws std::runtime_error.
@@ -79,6 +81,16 @@ asio::awaitable<std::string_view> HttpConnection::Read() {
 asio::awaitable<std::string_view> HttpConnection::Exchange(std::string_view request) {
     co_await Send(request);
     co_return co_await Read();
+}
+
+void RunToEnd(asio::io_context& io) {
+    io.restart();
+    io.run_for(LongestRun);
+    if (!io.stopped()) throw std::runtime_error("the server did not answer in time");
+}
+
+void Rethrow(std::exception_ptr const& error) {
+    if (error) std::rethrow_exception(error);
 }
 
 void RaiseDescriptorLimit() {

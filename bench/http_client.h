@@ -4,6 +4,7 @@
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
 
+#include <exception>
 #include <string>
 #include <string_view>
 
@@ -45,6 +46,13 @@ private:
     boost::asio::ip::tcp::socket socket;
     std::string received;
 };
+
+/// Runs the context until nothing is left to do. Throws what ends a coroutine, and std::runtime_error when that takes
+/// more than two minutes: a server that does not answer must not block the measurement.
+void RunToEnd(boost::asio::io_context& io);
+
+/// For co_spawn: lets RunToEnd throw what ended a coroutine.
+void Rethrow(std::exception_ptr const& error);
 
 /// Raises the number of descriptors that the process may have to the most that it is allowed.
 void RaiseDescriptorLimit();

@@ -34,16 +34,10 @@ using Milliseconds = std::chrono::duration<double, std::milli>;
 
 constexpr int MostPullers = 15'000;
 
-/// Rethrows what ended a coroutine, so that it ends the context's run.
-void Rethrow(std::exception_ptr const& error) {
-    if (error) std::rethrow_exception(error);
-}
-
 /// Runs a coroutine, and everything that is already waiting in the context, to its end.
 void Complete(asio::io_context& io, asio::awaitable<void> task) {
     asio::co_spawn(io, std::move(task), Rethrow);
-    io.restart();
-    io.run();
+    RunToEnd(io);
 }
 
 /// A client that pulls and records the latency of its answers.

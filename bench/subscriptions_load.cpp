@@ -46,13 +46,8 @@ void Run(asio::io_context& io, Connections const& connections, std::size_t count
         }
     };
     auto const begin = std::chrono::steady_clock::now();
-    for (auto const& connection : connections) {
-        asio::co_spawn(io, work(*connection), [](std::exception_ptr const& error) {
-            if (error) std::rethrow_exception(error);
-        });
-    }
-    io.restart();
-    io.run();
+    for (auto const& connection : connections) asio::co_spawn(io, work(*connection), Rethrow);
+    RunToEnd(io);
     std::chrono::duration<double> const seconds = std::chrono::steady_clock::now() - begin;
     std::cout << R"({"step": ")" << step.name << R"(", "rate": )" << static_cast<double>(count) / seconds.count() << "}"
               << std::endl;
