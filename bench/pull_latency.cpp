@@ -1,154 +1,132 @@
 // pull_latency PORT PULLERS ROUNDS: measures event delivery to clients of a zarn-host without authentication. Each
 // client has its own connection and subscription. Each round posts one event and measures the time until every client
-// has its answer. Prints p50, p99 and maximum in milliseconds. Then waits for a line on standard input while all pulls
-// wait, so that the idle host can be inspected.
+// has its answer. Prints a line of JSON: of all answers of all rounds the 50th and 99th percentile, and the median of
+// the rounds' last answers, in milliseconds; the size of an answer in bytes; the processor time that the clients took
+// for an answer, in microseconds. Then prints "waiting" and waits for the end of standard input while all pulls wait,
+// so that the host can be inspected.
 
-#include <boost/asio/connect.hpp>
+#include "http_client.h"
+
+#include <boost/asio/co_spawn.hpp>
 #include <boost/asio/io_context.hpp>
-#include <boost/asio/ip/tcp.hpp>
-#include <boost/asio/steady_timer.hpp>
-#include <boost/beast/core/flat_buffer.hpp>
-#include <boost/beast/http.hpp>
 
 #include <algorithm>
 #include <chrono>
+#include <cstddef>
 #include <cstdlib>
+#include <ctime>
+#include <exception>
 #include <iostream>
+#include <limits>
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <string_view>
+#include <thread>
 #include <vector>
 
 namespace {
 
+using namespace zarn::bench;
 namespace asio = boost::asio;
-namespace http = boost::beast::http;
 using Clock = std::chrono::steady_clock;
-using Request = http::request<http::string_body>;
-using Response = http::response<http::string_body>;
+using Milliseconds = std::chrono::duration<double, std::milli>;
 
-Request MakeRequest(std::string const& target, std::string const& type, std::string body) {
-    Request request(http::verb::post, target, 11);
-    request.set(http::field::host, "host");
-    request.set(http::field::content_type, type);
-    request.body() = std::move(body);
-    request.prepare_payload();
-    return request;
+constexpr int MostPullers = 15'000;
+
+/// Runs a coroutine, and everything that is already waiting in the context, to its end.
+void Complete(asio::io_context& io, asio::awaitable<void> task) {
+    asio::co_spawn(io, std::move(task), Rethrow);
+    RunToEnd(io);
 }
-
-Request MakeSoapRequest(std::string const& target, std::string const& operation) {
-    return MakeRequest(target, "application/soap+xml",
-                       R"(<s:Envelope xmlns:s="http://www.w3.org/2003/05/soap-envelope"><s:Body>)" + operation +
-                           "</s:Body></s:Envelope>");
-}
-
-class Connection {
-public:
-    Connection(asio::io_context& io, unsigned short port) : socket(io) {
-        socket.connect({asio::ip::address_v4::loopback(), port});
-        socket.set_option(asio::ip::tcp::no_delay(true));
-    }
-
-    void Send(Request const& request) { http::write(socket, request); }
-
-    Response Read() {
-        Response response;
-        http::read(socket, buffer, response);
-        if (http::to_status_class(response.result()) != http::status_class::successful)
-            throw std::runtime_error("status " + std::to_string(response.result_int()) + ": " + response.body());
-        return response;
-    }
-
-    Response Exchange(Request const& request) {
-        Send(request);
-        return Read();
-    }
-
-    template <class Handler>
-    void ReadLater(Response& response, Handler handler) {
-        response = {};
-        http::async_read(socket, buffer, response, std::move(handler));
-    }
-
-private:
-    asio::ip::tcp::socket socket;
-    boost::beast::flat_buffer buffer;
-};
 
 /// A client that pulls and records the latency of its answers.
 class Puller {
 public:
-    Puller(asio::io_context& io, unsigned short port) : connection(io, port) {
-        auto const text = connection
-                              .Exchange(MakeSoapRequest(
-                                  "/onvif/events_service",
-                                  R"(<CreatePullPointSubscription xmlns="http://www.onvif.org/ver10/events/wsdl">)"
-                                  "<InitialTerminationTime>PT1H</InitialTerminationTime>"
-                                  "</CreatePullPointSubscription>"))
-                              .body();
-        auto const begin = text.find("/onvif/events_service/");
-        pull = MakeSoapRequest(text.substr(begin, text.find('<', begin) - begin),
+    Puller(asio::io_context& io, unsigned short port) : connection(io, port) {}
+
+    asio::awaitable<void> Subscribe() {
+        pull = MakeSoapRequest(ReadSubscription(co_await connection.Exchange(MakeSubscription())),
                                R"(<PullMessages xmlns="http://www.onvif.org/ver10/events/wsdl"><Timeout>PT1H</Timeout>)"
                                "<MessageLimit>10</MessageLimit></PullMessages>");
     }
 
-    void Pull() { connection.Send(pull); }
+    asio::awaitable<void> Pull() { co_await connection.Send(pull); }
 
-    void Await(Clock::time_point const& sent, std::vector<double>& taken) {
-        connection.ReadLater(response, [this, &sent, &taken](boost::system::error_code error, std::size_t) {
-            std::chrono::duration<double, std::milli> const time = Clock::now() - sent;
-            if (error || response.body().find("NotificationMessage") == std::string::npos)
-                throw std::runtime_error("no event came: " + error.message() + response.body());
-            taken.push_back(time.count());
-        });
+    /// sent    when the event was posted
+    /// taken   receives the time until the answer in milliseconds
+    /// answer  receives its size in bytes
+    asio::awaitable<void> Await(Clock::time_point const& sent, std::vector<double>& taken, std::size_t& answer) {
+        auto const body = co_await connection.Read();
+        taken.push_back(Milliseconds(Clock::now() - sent).count());
+        if (body.find("NotificationMessage") == body.npos) throw std::runtime_error("no event: " + std::string(body));
+        answer = body.size();
     }
 
 private:
-    Connection connection;
-    Request pull;
-    Response response;
+    HttpConnection connection;
+    std::string pull;
 };
+
+/// Of this process, in seconds.
+double GetProcessorTime() {
+    timespec time{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
+}
+
+/// The value below which the given part of the sorted values lies.
+double At(std::vector<double> const& sorted, double part) {
+    return sorted.empty() ? 0 : sorted[static_cast<std::size_t>(part * static_cast<double>(sorted.size() - 1))];
+}
 
 void Measure(unsigned short port, int pullers, int rounds) {
     asio::io_context io;
     std::vector<std::unique_ptr<Puller>> all;
     for (int i = 0; i < pullers; ++i) {
         all.push_back(std::make_unique<Puller>(io, port));
-        all.back()->Pull();
+        Complete(io, all.back()->Subscribe());
+        Complete(io, all.back()->Pull());
     }
-    Connection source(io, port);
+    HttpConnection source(io, port);
     auto const event = MakeRequest("/api/events", "application/json", R"({"type": "count", "count": 1})");
     std::vector<double> taken;
+    std::vector<double> last;
+    std::size_t answer = 0;
     Clock::time_point sent;
-    asio::steady_timer pause(io);
+    double used = 0; // by the clients while they receive, in seconds
     for (int i = 0; i < rounds; ++i) {
-        pause.expires_after(std::chrono::milliseconds(300)); // until all pulls wait and the host is idle
-        pause.wait();
-        for (auto const& puller : all) puller->Await(sent, taken);
-        sent = Clock::now();
-        source.Send(event);
+        // Until all pulls wait and the host is idle; it shows no client when that is so.
+        std::this_thread::sleep_for(std::chrono::milliseconds(300 + pullers / 5));
+        for (auto const& puller : all) asio::co_spawn(io, puller->Await(sent, taken, answer), Rethrow);
         io.restart();
-        io.run();
-        source.Read();
-        for (auto const& puller : all) puller->Pull();
+        io.poll(); // every client reads before the event is posted
+        auto const before = GetProcessorTime();
+        sent = Clock::now();
+        Complete(io, [&]() -> asio::awaitable<void> { co_await source.Exchange(event); }());
+        used += GetProcessorTime() - before;
+        last.push_back(taken.back());
+        for (auto const& puller : all) Complete(io, puller->Pull());
     }
-    std::sort(taken.begin(), taken.end());
-    auto const at = [&](double part) { return taken.at(static_cast<std::size_t>(part * double(taken.size() - 1))); };
-    if (!taken.empty())
-        std::cout << "p50 " << at(0.5) << " ms, p99 " << at(0.99) << " ms, max " << at(1) << " ms" << std::endl;
-    std::cout << "waiting" << std::endl;
-    std::cin.get();
+    std::ranges::sort(taken);
+    std::ranges::sort(last);
+    std::cout << R"({"p50": )" << At(taken, 0.5) << R"(, "p99": )" << At(taken, 0.99) << R"(, "last": )"
+              << At(last, 0.5) << R"(, "answer": )" << answer << R"(, "client": )"
+              << used / static_cast<double>(taken.size()) * 1e6 << "}\nwaiting" << std::endl;
+    std::cin.ignore(std::numeric_limits<std::streamsize>::max());
 }
 
 } // namespace
 
 int main(int arguments, char** argument) {
-    if (arguments != 4) {
-        std::cerr << "usage: pull_latency PORT PULLERS ROUNDS\n";
+    int const pullers = arguments == 4 ? std::atoi(argument[2]) : 0;
+    if (pullers < 1 || pullers > MostPullers) {
+        std::cerr << "usage: pull_latency PORT PULLERS ROUNDS; at most " << MostPullers << " pullers\n";
         return 2;
     }
     try {
-        Measure(static_cast<unsigned short>(std::atoi(argument[1])), std::atoi(argument[2]), std::atoi(argument[3]));
+        RaiseDescriptorLimit();
+        Measure(static_cast<unsigned short>(std::atoi(argument[1])), pullers, std::atoi(argument[3]));
     } catch (std::exception const& error) {
         std::cerr << "pull_latency: " << error.what() << '\n';
         return 1;

@@ -18,15 +18,15 @@ const defaults = {
     },
 };
 
-// Starts a host and waits until it is ready. program: its zarn-host; environment: further variables for it; log:
-// destination of its standard error, as for child_process. Returns {url, hostname, port, pid, stop()}; stopping twice is
-// harmless.
-export async function startHost(configuration = {}, {program = process.env.ZARN_HOST, environment = {}, log = 'inherit'} = {}) {
+// Starts a host and waits until it is ready. program: its zarn-host; args, environment: further
+// options and variables for it; log: destination of its standard error, as for child_process.
+// Returns {url, hostname, port, pid, stop()}; stopping twice is harmless.
+export async function startHost(configuration = {}, {program = process.env.ZARN_HOST, args = [], environment = {}, log = 'inherit'} = {}) {
     if (!program) throw new Error('ZARN_HOST must name the zarn-host to test');
     const folder = mkdtempSync(join(tmpdir(), 'zarn-interop-'));
     const file = join(folder, 'config.json');
     writeFileSync(file, JSON.stringify({...defaults, ...configuration}));
-    const child = spawn(program, ['--config', file], {
+    const child = spawn(program, ['--config', file, ...args], {
         env: {...process.env, ...environment, ZARN_HOST_PASSWORD: password}, stdio: ['ignore', 'pipe', log],
     });
     const exit = new Promise(resolve => child.once('exit', code => resolve(code)));

@@ -9,7 +9,13 @@ import {dirname, join} from 'node:path';
 
 import {startHost} from '../host.mjs';
 import {describeDifference} from './difference.mjs';
-import * as requests from './requests.mjs';
+import {sendEvents} from './requests/events.mjs';
+import {sendHealth, sendHttp, sendSnapshots} from './requests/http.mjs';
+import {sendCredentials, sendGuesses as sendWrongPasswords, sendWithoutLogin} from './requests/logins.mjs';
+import {sendMessages} from './requests/messages.mjs';
+import {sendOperations} from './requests/operations.mjs';
+import {pull, subscribe} from './requests/pull_points.mjs';
+import {sendSubscriptions} from './requests/subscriptions.mjs';
 import {Session} from './session.mjs';
 
 const video = {codec: 'video/x-h264', width: 1920, height: 1080, rate: '25/1'};
@@ -24,31 +30,31 @@ const failuresPerMinute = 5; // of logins, before an address is refused
 
 async function sendEverything(session) {
     await session.fetchChallenge();
-    await requests.sendOperations(session);
+    await sendOperations(session);
     if (session.challenge) {
-        await requests.sendWithoutLogin(session);
-        await requests.sendCredentials(session);
+        await sendWithoutLogin(session);
+        await sendCredentials(session);
     }
-    await requests.sendMessages(session);
-    await requests.sendHttp(session);
-    await requests.sendSnapshots(session);
-    await requests.sendSubscriptions(session);
-    await requests.sendEvents(session);
-    await requests.sendHealth(session);
+    await sendMessages(session);
+    await sendHttp(session);
+    await sendSnapshots(session);
+    await sendSubscriptions(session);
+    await sendEvents(session);
+    await sendHealth(session);
 }
 
 async function sendGuesses(session) {
     await session.fetchChallenge();
-    await requests.sendGuesses(session, failuresPerMinute + 2);
-    await requests.sendSnapshots(session);
+    await sendWrongPasswords(session, failuresPerMinute + 2);
+    await sendSnapshots(session);
 }
 
 // More requests than the host may work on, then its stop while one still waits.
 async function sendTooMany(session) {
-    const target = await requests.subscribe(session, 'of a busy host');
+    const target = await subscribe(session, 'of a busy host');
     const waiting = [];
     for (const name of ['first', 'second']) {
-        waiting.push(await session.begin(`the ${name} pull that waits while the host stops`, requests.pull('PT1H', 1), target));
+        waiting.push(await session.begin(`the ${name} pull that waits while the host stops`, pull('PT1H', 1), target));
     }
     await session.ask('one request too many', '<tds:GetScopes/>');
     const stopped = session.host.stop();
@@ -113,7 +119,8 @@ async function compare(programs, folder, keep) {
     const certificate = makeCertificate(folder);
     let [compared, different] = [0, 0];
     for (const [name, extra, send, tls = false] of runs) {
-        const settings = {web_port: await findPort(), rtsp_port: await findPort(), onvif: {enabled: false}, ...extra, ...tls && {tls: certificate}};
+        const ports = {web_port: await findPort(), rtsp_port: await findPort()};
+        const settings = {...ports, onvif: {enabled: false}, ...extra, ...tls && {tls: certificate}};
         const both = [];
         for (const [index, program] of programs.entries()) {
             both.push(await record(program, settings, send, tls));

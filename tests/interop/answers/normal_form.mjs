@@ -13,13 +13,19 @@ export class Subscriptions {
     }
 }
 
-// The end of a subscription, as the time from the answer until then. A minute is exact enough to tell apart the times
-// that the requests ask for, and coarse enough for a slow machine.
+const minute = 60000; // in milliseconds
+const year = 365 * 24 * 60 * minute;
+
+// The end of a subscription, as the time from the answer until then, rounded up to five minutes: exact enough to tell
+// apart the times that the requests ask for, and coarse enough for a slow machine, on which the end comes nearer from one
+// answer to the next. A time that is far away was asked for as such.
 function replaceTermination(body) {
     const current = new RegExp(`CurrentTime>(${time})<`).exec(body)?.[1];
     if (!current) return body;
-    return body.replace(new RegExp(`(TerminationTime>)(${time})(?=<)`, 'g'),
-        (_, before, value) => `${before}{in ${Math.round((Date.parse(value) - Date.parse(current)) / 60000)} min}`);
+    return body.replace(new RegExp(`(TerminationTime>)(${time})(?=<)`, 'g'), (whole, before, value) => {
+        const left = Date.parse(value) - Date.parse(current);
+        return Math.abs(left) > year ? whole : `${before}{in ${Math.ceil(left / minute / 5) * 5} min}`;
+    });
 }
 
 function replaceInBody(body, subscriptions) {
@@ -45,7 +51,9 @@ export function toNormalForm({head, body, kept}, subscriptions) {
     const isPicture = /^Content-Type: image\//im.test(head);
     const sent = body.toString('latin1');
     const text = isPicture && sent.startsWith('\xff\xd8') ? '{picture}' : replaceInBody(sent, subscriptions);
-    const lengthened = head.replace(/^(Content-Length: )(\d+)(?=\r$)/gim,
-        (line, before, length) => Number(length) === body.length ? before + text.length : isPicture && body.length === 0 ? `${before}{number}` : line);
+    const lengthened = head.replace(/^(Content-Length: )(\d+)(?=\r$)/gim, (line, before, length) => {
+        if (isPicture && body.length === 0) return `${before}{number}`; // the answer to HEAD
+        return Number(length) === body.length ? before + text.length : line;
+    });
     return `${replaceInHead(lengthened)}${text}${kept ? '' : '\n{the connection ends}'}`;
 }

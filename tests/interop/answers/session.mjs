@@ -48,7 +48,8 @@ export class Session {
     async send(name, bytes, {method = 'POST', recorded = true} = {}) {
         this.connection ??= await this.connect();
         this.connection.send(bytes);
-        const response = await this.connection.read(method).catch(error => ({head: `{${error.message}}`, body: Buffer.alloc(0), kept: false}));
+        const response = await this.connection.read(method)
+            .catch(error => ({head: `{${error.message}}`, body: Buffer.alloc(0), kept: false}));
         if (!response.kept) this.connection = undefined;
         return recorded ? this.record(name, response) : response;
     }
@@ -91,7 +92,8 @@ export class Session {
     // Posts events as an analytics program does.
     postEvents(name, events) {
         const target = '/api/events';
-        return this.send(name, this.request(target, JSON.stringify(events), {fields: ['Content-Type: application/json', ...this.#logins(target)]}));
+        const fields = ['Content-Type: application/json', ...this.#logins(target)];
+        return this.send(name, this.request(target, JSON.stringify(events), {fields}));
     }
 
     // Sends an operation on a connection of its own and returns once the host works on it. The result of the function
@@ -111,7 +113,8 @@ export class Session {
 
     // The status of the host; undefined while it has too many requests to tell.
     async readHealth() {
-        const {head, body} = await this.send('', this.request('/api/health', '', {method: 'GET', fields: []}), {method: 'GET', recorded: false});
+        const request = this.request('/api/health', '', {method: 'GET', fields: []});
+        const {head, body} = await this.send('', request, {method: 'GET', recorded: false});
         return head.startsWith('HTTP/1.1 200') ? JSON.parse(body) : undefined;
     }
 

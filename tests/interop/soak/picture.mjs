@@ -10,7 +10,7 @@ const lineHeight = 17;
 const escape = text => String(text).replace(/[&<>"]/g, c => ({'&': '&amp;', '<': '&lt;', '>': '&gt;', '"': '&quot;'})[c]);
 const round = value => Number(value.toFixed(1));
 
-function text(x, y, content, attributes = '') { return `<text x="${round(x)}" y="${round(y)}"${attributes}>${escape(content)}</text>`; }
+export function text(x, y, content, attributes = '') { return `<text x="${round(x)}" y="${round(y)}"${attributes}>${escape(content)}</text>`; }
 
 // Chooses an axis step of 1, 2 or 5 times a power of ten, so that about `count` steps cover the span.
 export function chooseStep(span, count) {
@@ -27,7 +27,7 @@ export function chooseRange(values, count = 4) {
     return {from, to: Math.max(Math.ceil(high / step) * step, from + step), step};
 }
 
-function ticks({from, to, step}) {
+export function ticks({from, to, step}) {
     return Array.from({length: Math.round((to - from) / step) + 1}, (_, index) => Number((from + index * step).toPrecision(12)));
 }
 

@@ -3,7 +3,7 @@ import assert from 'node:assert/strict';
 import {readFileSync} from 'node:fs';
 import {test} from 'node:test';
 
-import {operations} from './requests.mjs';
+import {operations} from './requests/operations.mjs';
 
 test('takes every row of the table that has an element', () => {
     const rows = [...readFileSync(new URL('../../../interface/operations.h', import.meta.url), 'utf8').matchAll(/^ +X\(\w+, (\w+, \w+)/gm)]
