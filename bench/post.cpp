@@ -24,7 +24,7 @@ Request::Request(std::string_view operation, std::string target)
 
 int Post(service::onvif::Manager& manager, std::shared_ptr<Request> const& request) {
     std::binary_semaphore ended(0);
-    job::EndNotice const notice([&ended] { ended.release(); });
+    job::EndNotice const notice([&ended](job::End) { ended.release(); });
     auto const pending = manager.Post(request);
     ended.acquire();
     return static_cast<int>(pending->GetData().GetStatus());

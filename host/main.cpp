@@ -3,6 +3,7 @@
 #include "host/heap.h"
 #include "host/preparation.h"
 #include "host/signals.h"
+#include "host/sleepers.h"
 
 #include <zarn/logging/logger.h>
 
@@ -107,6 +108,7 @@ int Run(int count, char** arguments) {
 
 int main(int count, char** arguments) {
     LimitHeap();
+    SpreadSleepers();
     RetryAllocations(MemoryTime);
     try {
         return Run(count, arguments);

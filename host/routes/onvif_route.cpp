@@ -21,8 +21,12 @@ public:
         : digest(digest), request(std::move(request)), done(std::move(done)) {}
 
     /// A job of the module for this request has ended.
-    void OnEnd() {
-        if (std::scoped_lock const lock(mutex); ++ended != posted) return;
+    void OnEnd(job::End end) {
+        {
+            std::scoped_lock const lock(mutex);
+            if (end == job::End::Dropped) isDropped = true;
+            if (++ended != posted) return;
+        }
         Finish();
     }
 
@@ -44,8 +48,10 @@ private:
     }
 
     web::Answer Ask() const {
+        if (isDropped) return web::MakeOverloadReply();
         auto data = pending->GetData();
-        if (data.GetState() != State::Complete) throw std::logic_error("it is not complete at the end of its job");
+        if (data.GetState() != State::Complete)
+            throw std::logic_error("the response is not complete although its job has ended");
         if (data.GetStatus() == web::Status::Unauthorized) return digest.ReplaceChallenge(data, *request);
         return data;
     }
@@ -55,6 +61,7 @@ private:
     web::Handler::Done done;
     std::mutex mutex; ///< guards the following; the last to take it finishes the call
     unsigned ended = 0;
+    bool isDropped = false;         ///< one of the jobs did not run
     std::optional<unsigned> posted; ///< none: the module has not returned
     std::shared_ptr<Pending> pending;
 };
@@ -71,7 +78,7 @@ void OnvifRoute::Serve(RequestPtr request, Done done) {
     std::shared_lock const lock(mutex);
     if (module == nullptr) return done(web::MakeTextReply(web::Status::ServiceUnavailable, "The server is stopping."));
     auto const call = std::make_shared<Call>(digest, request, std::move(done));
-    job::EndNotice const notice([call] { call->OnEnd(); });
+    job::EndNotice const notice([call](job::End end) { call->OnEnd(end); });
     auto pending = module->Post(std::move(request));
     call->Await(std::move(pending), notice.GetCount());
 }

@@ -13,8 +13,6 @@ namespace {
 
 using logging::Level;
 
-constexpr char Overload[] = "The request cannot be worked on now; try again later.";
-
 } // namespace
 
 /// A request that is being answered.
@@ -58,9 +56,8 @@ void Dispatcher::Serve(std::shared_ptr<Exchange> const& exchange) {
     try {
         handler->Handle(exchange->request, [this, exchange](Answer answer) { Finish(*exchange, std::move(answer)); });
     } catch (std::system_error const& error) {
-        // No thread could be started: the load is too high for now.
         failed.Log(Level::Error, "A request could not be started: %0%", error.what());
-        Finish(*exchange, MakeTextReply(Status::ServiceUnavailable, Overload, {{"Retry-After", "1"}}));
+        Finish(*exchange, MakeOverloadReply());
     } catch (std::exception const& error) {
         failed.Log(Level::Error, "A request failed: %0%", error.what());
         Finish(*exchange, MakeTextReply(Status::InternalServerError, "The request could not be worked on."));

@@ -15,8 +15,10 @@ Reply MakeEmptyReply(Status status, std::string const& allow) {
     return {status, {{"Allow", allow}}, {State::Complete, {}}};
 }
 
+logging::LimitedLogger throwing{"zarn.host.web"};
+logging::LimitedLogger failing{"zarn.host.web"};
+
 Answer MakeOrExplain(std::function<Answer()> const& make) {
-    static logging::LimitedLogger throwing{"zarn.host.web"};
     auto const fail = [](char const* why) {
         throwing.Log(Level::Error, "A request ended without an answer: %0%", why);
         return MakeTextReply(Status::InternalServerError, "The request ended without an answer.");
@@ -42,7 +44,6 @@ void Handler::Handle(RequestPtr request, Done done) {
 }
 
 void Deliver(Handler::Done const& done, std::function<Answer()> const& make) noexcept {
-    static logging::LimitedLogger failing{"zarn.host.web"};
     try {
         done(MakeOrExplain(make));
     } catch (std::exception const& error) {

@@ -13,4 +13,9 @@ Reply MakeTextReply(Status status, std::string text, std::map<std::string, std::
     return {status, std::move(fields), {State::Complete, {std::make_shared<container::Buffer>(std::move(text))}}};
 }
 
+Reply MakeOverloadReply() {
+    return MakeTextReply(Status::ServiceUnavailable, "The request cannot be worked on now; try again later.",
+                         {{"Retry-After", "1"}});
+}
+
 } // namespace zarn::host::web

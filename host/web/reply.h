@@ -17,4 +17,7 @@ using Reply = zarn::web::response::Pending::Data;
 /// A reply with a line of plain text as its body.
 Reply MakeTextReply(Status status, std::string text, std::map<std::string, std::string> fields = {});
 
+/// 503: no thread can be started for the request, the load is too high for now.
+Reply MakeOverloadReply();
+
 } // namespace zarn::host::web

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <list>
 #include <memory>
+#include <utility>
 
 namespace zarn::meta::data {
 class Event;
@@ -17,6 +18,17 @@ namespace zarn::service::onvif {
 class EventQueue {
 public:
     using EventPtr = std::shared_ptr<meta::data::Event>;
+
+    EventQueue() = default;
+    EventQueue(EventQueue const&) = delete;
+    EventQueue& operator=(EventQueue const&) = delete;
+
+    /// Exchanges the events.
+    void Swap(EventQueue& other) noexcept {
+        blocks.swap(other.blocks);
+        std::swap(first, other.first);
+        std::swap(size, other.size);
+    }
 
     /// The number of events.
     std::size_t GetSize() const noexcept { return size; }

@@ -51,17 +51,23 @@ void Subscription::RegisterForEvents() {
 
 /// Thread: the host's.
 void Subscription::Queue(EventPtr const& event) {
-    // Both are used up without the lock: what is woken runs at once, and a last reference waits for timer handlers.
-    Snapshot live;
-    std::vector<Subscription*> awaited;
-    {
-        std::scoped_lock const lock(Publishing);
-        live = GetLive();
-        for (auto const& subscription : *live) {
-            if (subscription->Append(event)) awaited.push_back(subscription.get());
+    // Used up without the lock, also when memory is short: what is woken runs at once, and a last reference waits for
+    // timer handlers.
+    struct Receivers {
+        ~Receivers() {
+            for (auto* const subscription : awaited) subscription->changed.NotifyAll();
         }
+
+        Snapshot live;
+        std::vector<Subscription*> awaited;
+    } receivers;
+
+    std::scoped_lock const lock(Publishing);
+    receivers.live = GetLive();
+    receivers.awaited.reserve(receivers.live->size());
+    for (auto const& subscription : *receivers.live) {
+        if (subscription->Append(event)) receivers.awaited.push_back(subscription.get());
     }
-    for (auto* const subscription : awaited) subscription->changed.NotifyAll();
 }
 
 /// The live subscriptions, ascending by id. They may end meanwhile.
@@ -128,7 +134,7 @@ void Subscription::End(std::int32_t id, std::optional<Time> termination) {
     ended = Subscriptions.extract(found);
     std::swap(outdated, LatestSnapshot);
     subscription.hasEnded = true;
-    std::swap(unread, subscription.events);
+    unread.Swap(subscription.events);
     subscription.gauge.SetQueued(0);
     subscription.changed.NotifyAll();
 }
@@ -169,10 +175,18 @@ bool Subscription::HasEvents() const {
 bool Subscription::WaitForEvents(std::chrono::steady_clock::time_point deadline, std::function<bool()> const& isStopped,
                                  EventPtr* oldest) {
     std::unique_lock lock(mutex);
-    ++waiting;
-    while (!hasEnded && events.IsEmpty() && !isStopped() && std::chrono::steady_clock::now() < deadline)
-        changed.WaitUntil(lock, deadline);
-    --waiting;
+    {
+        struct Counted {
+            explicit Counted(unsigned& count) : count(++count) {}
+
+            ~Counted() { --count; }
+
+            unsigned& count;
+        } const counted(waiting);
+
+        while (!hasEnded && events.IsEmpty() && !isStopped() && std::chrono::steady_clock::now() < deadline)
+            changed.WaitUntil(lock, deadline);
+    }
     if (oldest) *oldest = PopLocked();
     return !hasEnded;
 }

@@ -4,6 +4,7 @@
 #include <pthread.h>
 
 #include <cerrno>
+#include <utility>
 
 namespace zarn::test {
 namespace {
@@ -11,12 +12,20 @@ namespace {
 constexpr int Unlimited = -1;
 
 thread_local int successesLeft = Unlimited;
+thread_local std::function<void()> beforeFailure;
 
 } // namespace
 
 ThreadFailure::ThreadFailure(int successes) { successesLeft = successes; }
 
-ThreadFailure::~ThreadFailure() { successesLeft = Unlimited; }
+ThreadFailure::ThreadFailure(std::function<void()> whenFailing) : ThreadFailure() {
+    beforeFailure = std::move(whenFailing);
+}
+
+ThreadFailure::~ThreadFailure() {
+    successesLeft = Unlimited;
+    beforeFailure = nullptr;
+}
 
 } // namespace zarn::test
 
@@ -32,7 +41,10 @@ extern "C" int pthread_create(pthread_t* thread, pthread_attr_t const* attribute
                                    ? &__interceptor_pthread_create
                                    : reinterpret_cast<Function>(dlsym(RTLD_NEXT, "pthread_create"));
     using zarn::test::successesLeft;
-    if (successesLeft == 0) return EAGAIN;
+    if (successesLeft == 0) {
+        if (auto const call = std::exchange(zarn::test::beforeFailure, nullptr)) call();
+        return EAGAIN;
+    }
     if (successesLeft > 0) --successesLeft;
     return System(thread, attributes, function, argument);
 }

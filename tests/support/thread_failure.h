@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 namespace zarn::test {
 
 /// During its lifetime, this thread cannot start further threads after `successes` successful ones: the call fails as
@@ -8,6 +10,10 @@ class ThreadFailure {
 public:
     /// successes  number of threads that can still be started
     explicit ThreadFailure(int successes = 0);
+
+    /// whenFailing  called before the first call that fails
+    explicit ThreadFailure(std::function<void()> whenFailing);
+
     ~ThreadFailure();
 
     ThreadFailure(ThreadFailure const&) = delete;

@@ -9,8 +9,8 @@
 #include <algorithm>
 #include <condition_variable>
 #include <cstdint>
-#include <deque>
 #include <exception>
+#include <list>
 #include <mutex>
 #include <optional>
 #include <stdexcept>
@@ -66,8 +66,6 @@ Turn* Turn::GetCurrent() noexcept { return CurrentTurn; }
 
 class DynamicThreadPool::Impl {
 public:
-    using Function = std::function<void()>;
-
     Impl(unsigned minimum, std::chrono::seconds idle, unsigned processors);
 
     ~Impl() { Stop(); }
@@ -75,7 +73,7 @@ public:
     Impl(Impl const&) = delete;
     Impl& operator=(Impl const&) = delete;
 
-    void Post(Function job);
+    void Post(std::function<void()> job);
     void Stop();
     std::size_t GetThreadCount() const;
     std::size_t GetIdleCount() const;
@@ -83,9 +81,11 @@ public:
 private:
     /// A job, and what to call when it has ended.
     struct Task {
-        Function job;
-        Function ended;
+        std::function<void()> job;
+        EndNotice::Function ended;
     };
+
+    using Queue = std::list<Task>;
 
     /// A thread of the pool. It has a condition variable of its own, so that the pool chooses which thread wakes up.
     struct Worker final : Turn {
@@ -98,21 +98,23 @@ private:
         Impl& pool;
         std::condition_variable wake;
         Task task;                ///< to be run
-        bool hasTurn = true;      ///< unless it is idle, or its job sleeps or is in the line
+        bool isAsleep = false;    ///< its job has given its turn back
         bool isWoken = false;     ///< before its job slept
         bool isInLine = false;    ///< of the jobs that go on
         Worker* behind = nullptr; ///< in that line
     };
 
+    void Take(Task task);
     bool GiveToIdle(Task& task);
     bool TakeQueued(Task& task);
     bool LetGoOn();
     void EnterLine(Worker& worker);
     void PassTurns();
-    void Start(Task& first);
+    bool HasFuture() const;
+    void Start(Task& first, bool hasTurn);
     void StartForQueue() noexcept;
-    void DropQueue();
-    void Work(Task first);
+    void Drop(Queue dropped) noexcept;
+    void Work(Task first, bool hasTurn);
     void Run(Task&& taken) noexcept;
     bool WaitForTask(std::unique_lock<std::mutex>& lock, Worker& worker);
     void SleepUntil(Worker& worker, std::chrono::steady_clock::time_point deadline);
@@ -127,11 +129,13 @@ private:
     mutable std::mutex mutex; ///< guards the members below and what the workers wait for
     std::condition_variable ended;
     std::vector<Worker*> waiting;  ///< for a task; the one that became idle last is at the end
-    std::deque<Task> queue;        ///< tasks that wait for a turn
-    Worker* firstToGoOn = nullptr; ///< the line of workers whose jobs have waited and wait for a turn
+    Queue queue;                   ///< tasks that wait for a turn
+    Worker* firstToGoOn = nullptr; ///< the line of workers whose jobs have slept and want a turn
     Worker* lastToGoOn = nullptr;
-    bool queueIsNext = false;      ///< whether the queue comes before that line
-    std::size_t running = 0;       ///< turns that are taken
+    bool queueIsNext = false; ///< whether the queue comes before that line
+    /// Turns that are taken. None is free while a worker is in the line, nor while the queue has a task and there is an
+    /// idle worker for it.
+    std::size_t running = 0;
     std::size_t threads = 0;       ///< started or being started, and not yet ending
     std::optional<pthread_t> last; ///< the last thread that went; it joins the one before it
     bool stopped = false;
@@ -144,11 +148,11 @@ DynamicThreadPool::Impl::Impl(unsigned minimum, std::chrono::seconds idle, unsig
     try {
         Task none;
         for (unsigned started = 0; started < minimum; ++started) {
-            std::unique_lock lock(mutex);
-            waiting.reserve(++threads);
-            ++running;
-            lock.unlock();
-            Start(none);
+            {
+                std::lock_guard const lock(mutex);
+                waiting.reserve(++threads);
+            }
+            Start(none, false);
         }
     } catch (...) {
         Stop();
@@ -156,9 +160,14 @@ DynamicThreadPool::Impl::Impl(unsigned minimum, std::chrono::seconds idle, unsig
     }
 }
 
-void DynamicThreadPool::Impl::Post(Function job) {
+void DynamicThreadPool::Impl::Post(std::function<void()> job) {
     if (!job) throw std::invalid_argument("DynamicThreadPool::Post: the job is an empty function");
-    Task task{std::move(job), EndNotice::TakeForJob()};
+    auto* const notice = EndNotice::GetInnermost();
+    Take({std::move(job), notice == nullptr ? nullptr : notice->GetFunction()});
+    if (notice != nullptr) notice->CountJob();
+}
+
+void DynamicThreadPool::Impl::Take(Task task) {
     std::unique_lock lock(mutex);
     if (stopped) throw std::runtime_error("DynamicThreadPool::Post: the pool has been stopped");
     if (running >= processors) {
@@ -171,12 +180,19 @@ void DynamicThreadPool::Impl::Post(Function job) {
     ++threads;
     lock.unlock();
     try {
-        Start(task);
-    } catch (std::system_error const&) {
+        Start(task, true);
+    } catch (...) {
+        Queue dropped;
         lock.lock();
-        if (running == 0 && waiting.empty()) throw; // there would never be a turn for it
-        queue.push_back(std::move(task));
-        PassTurns();
+        if (HasFuture()) {
+            queue.push_back(std::move(task));
+            PassTurns();
+            return;
+        }
+        std::swap(dropped, queue); // behind the thread that could not be started
+        lock.unlock();
+        Drop(std::move(dropped));
+        throw;
     }
 }
 
@@ -199,15 +215,25 @@ bool DynamicThreadPool::Impl::TakeQueued(Task& task) {
     return true;
 }
 
-/// Gives a turn to the job that has waited longest for one. Call with the lock.
+/// Gives a turn to the job that has been in the line longest. Call with the lock.
 bool DynamicThreadPool::Impl::LetGoOn() {
     if (firstToGoOn == nullptr) return false;
     queueIsNext = true;
     auto* const worker = std::exchange(firstToGoOn, firstToGoOn->behind);
     worker->isInLine = false;
-    worker->hasTurn = true;
+    worker->isAsleep = false;
     worker->wake.notify_one();
     return true;
+}
+
+/// Adds a worker whose job wants to go on to the line, if it is not in it. Call with the lock.
+void DynamicThreadPool::Impl::EnterLine(Worker& worker) {
+    if (worker.isInLine) return;
+    worker.isInLine = true;
+    worker.behind = nullptr;
+    (firstToGoOn == nullptr ? firstToGoOn : lastToGoOn->behind) = &worker;
+    lastToGoOn = &worker;
+    PassTurns();
 }
 
 /// Gives the free turns to jobs that go on, and to idle workers for tasks of the queue. Call with the lock.
@@ -220,61 +246,72 @@ void DynamicThreadPool::Impl::PassTurns() {
     }
 }
 
-/// Starts a thread that has been counted already, and so has its turn, outside the lock since this takes a while. When
-/// it fails, both are given back and the task is still the caller's.
-void DynamicThreadPool::Impl::Start(Task& first) {
+/// Whether there is a thread that will look at the queue. Call with the lock.
+bool DynamicThreadPool::Impl::HasFuture() const { return running > 0 || !waiting.empty(); }
+
+/// Starts a thread that has been counted already, outside the lock since this takes a while. When it fails, the thread
+/// is no longer counted and the task is still the caller's.
+/// hasTurn  whether a turn has been taken for it, which is given back when it fails
+void DynamicThreadPool::Impl::Start(Task& first, bool hasTurn) {
     try {
         auto const shared = std::make_shared<Task>(std::move(first));
         try {
-            StartThread([this, shared] { Work(std::move(*shared)); });
+            StartThread([this, shared, hasTurn] { Work(std::move(*shared), hasTurn); });
         } catch (...) {
             first = std::move(*shared);
             throw;
         }
     } catch (...) {
         std::lock_guard const lock(mutex);
-        --running;
+        if (hasTurn) --running;
         --threads;
+        PassTurns();
         ended.notify_all();
         throw;
     }
 }
 
-/// Starts a thread that takes its first task out of the queue.
+/// Starts a thread, for which a turn has been taken, that takes its first task out of the queue.
 void DynamicThreadPool::Impl::StartForQueue() noexcept try {
     Task none;
-    Start(none);
+    Start(none, true);
 
 } catch (std::exception const& error) {
 
-    failures.Log(logging::Level::Error, "No thread for jobs that queue: %0%", error.what());
-    DropQueue();
-}
-
-/// Drops the queue if nothing is left that would ever take a task out of it.
-void DynamicThreadPool::Impl::DropQueue() {
-    std::deque<Task> dropped;
+    failures.Log(logging::Level::Error, "Cannot start a thread for queued jobs: %0%", error.what());
+    Queue dropped;
     {
         std::lock_guard const lock(mutex);
-        PassTurns();
-        if (running == 0) std::swap(dropped, queue);
+        if (!HasFuture()) std::swap(dropped, queue);
     }
+    Drop(std::move(dropped));
+}
+
+void DynamicThreadPool::Impl::Drop(Queue dropped) noexcept {
+    if (dropped.empty()) return;
+    failures.Log(logging::Level::Error, "Dropped %0% queued jobs: no thread can run them", dropped.size());
     for (auto& task : dropped) {
         task.job = nullptr;
-        if (task.ended) task.ended();
+        if (task.ended) task.ended(End::Dropped);
     }
 }
 
-void DynamicThreadPool::Impl::Work(Task first) {
+void DynamicThreadPool::Impl::Work(Task first, bool hasTurn) {
     Worker worker(*this, std::move(first));
     CurrentTurn = &worker;
     CurrentPool = this;
-    std::unique_lock lock(mutex, std::defer_lock);
-    do {
-        if (lock.owns_lock()) lock.unlock();
-        if (worker.task.job) Run(std::move(worker.task));
-        lock.lock();
-    } while (TakeQueued(worker.task) || WaitForTask(lock, worker));
+    std::unique_lock lock(mutex);
+    for (;;) {
+        if (hasTurn && (worker.task.job || TakeQueued(worker.task))) {
+            lock.unlock();
+            Run(std::move(worker.task));
+            lock.lock();
+            continue;
+        }
+        if (hasTurn) --running;
+        hasTurn = WaitForTask(lock, worker);
+        if (!hasTurn) break;
+    }
     auto const previous = std::exchange(last, pthread_self());
     --threads;
     ended.notify_all();
@@ -295,15 +332,14 @@ void DynamicThreadPool::Impl::Run(Task&& taken) noexcept {
             failures.Log(logging::Level::Error, "A job threw: an exception of unknown type");
         }
     }
-    if (tellEnd) tellEnd();
+    if (tellEnd) tellEnd(End::Run);
 }
 
-/// Gives the turn of the worker back and waits with the lock until there is a task for it; false when its thread has to
-/// go.
+/// Waits with the lock, without a turn, until there is a task for the worker, and with it a turn; false when its thread
+/// has to go.
 bool DynamicThreadPool::Impl::WaitForTask(std::unique_lock<std::mutex>& lock, Worker& worker) {
     auto const deadline = std::chrono::steady_clock::now() + idle;
     waiting.push_back(&worker);
-    --running;
     PassTurns();
     bool late = false;
     while (!worker.task.job && !stopped && !(late && threads > minimum)) {
@@ -321,17 +357,19 @@ void DynamicThreadPool::Impl::SleepUntil(Worker& worker, std::chrono::steady_clo
     std::unique_lock lock(mutex);
     if (std::exchange(worker.isWoken, false)) return;
     waiting.reserve(threads + 1);
-    worker.hasTurn = false;
-    --running;
-    PassTurns();
-    if (!queue.empty() && running < processors) {
-        ++running;
+    worker.isAsleep = true;
+    // When it is the queue's turn and no thread is idle, a new one gets the turn: else jobs that go on and sleep again
+    // would hand it to each other.
+    if (!queue.empty() && waiting.empty() && (queueIsNext || firstToGoOn == nullptr)) {
         ++threads;
         lock.unlock();
         StartForQueue();
         lock.lock();
+    } else {
+        --running;
+        PassTurns();
     }
-    auto const hasTurn = [&worker] { return worker.hasTurn; };
+    auto const hasTurn = [&worker] { return !worker.isAsleep; };
     if (worker.wake.wait_until(lock, deadline, hasTurn)) return;
     EnterLine(worker);
     worker.wake.wait(lock, hasTurn);
@@ -339,20 +377,10 @@ void DynamicThreadPool::Impl::SleepUntil(Worker& worker, std::chrono::steady_clo
 
 void DynamicThreadPool::Impl::Wake(Worker& worker) {
     std::lock_guard const lock(mutex);
-    if (worker.hasTurn)
-        worker.isWoken = true;
-    else
+    if (worker.isAsleep)
         EnterLine(worker);
-}
-
-/// Adds a worker whose job wants to go on to the line, if it is not in it. Call with the lock.
-void DynamicThreadPool::Impl::EnterLine(Worker& worker) {
-    if (worker.isInLine) return;
-    worker.isInLine = true;
-    worker.behind = nullptr;
-    (firstToGoOn == nullptr ? firstToGoOn : lastToGoOn->behind) = &worker;
-    lastToGoOn = &worker;
-    PassTurns();
+    else
+        worker.isWoken = true;
 }
 
 void DynamicThreadPool::Impl::Stop() {

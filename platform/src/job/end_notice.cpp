@@ -10,15 +10,10 @@ thread_local EndNotice* Innermost = nullptr;
 
 } // namespace
 
-EndNotice::EndNotice(std::function<void()> function)
-    : ended(std::move(function)), outer(std::exchange(Innermost, this)) {}
+EndNotice::EndNotice(Function function) : ended(std::move(function)), outer(std::exchange(Innermost, this)) {}
 
 EndNotice::~EndNotice() { Innermost = outer; }
 
-std::function<void()> EndNotice::TakeForJob() {
-    if (Innermost == nullptr) return nullptr;
-    ++Innermost->count;
-    return Innermost->ended;
-}
+EndNotice* EndNotice::GetInnermost() noexcept { return Innermost; }
 
 } // namespace zarn::job

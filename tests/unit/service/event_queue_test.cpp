@@ -47,7 +47,7 @@ TEST(EventQueue, CanBeExchanged) {
     for (int i = 0; i < 50; ++i) queue.Push(MakeNumbered(i));
     for (int i = 0; i < 40; ++i) queue.Pop();
     EventQueue other;
-    std::swap(queue, other);
+    queue.Swap(other);
     EXPECT_TRUE(queue.IsEmpty());
     queue.Push(MakeNumbered(7));
     EXPECT_EQ(queue.Pop()->GetName(), "7");

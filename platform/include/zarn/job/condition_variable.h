@@ -9,7 +9,7 @@ namespace zarn::job {
 /// A condition variable for jobs of a pool: while a job waits it does not count as running, so that the pool lets
 /// another one run, and when it is notified its thread wakes up only once the pool lets it run on. However many wait,
 /// a notification thus makes no more threads runnable than there are processors. Threads of no pool may wait as well.
-/// Thread: any; it must outlive those who wait.
+/// Thread: any; it must outlive every wait.
 class ConditionVariable {
 public:
     ConditionVariable() = default;
@@ -17,8 +17,7 @@ public:
     ConditionVariable(ConditionVariable const&) = delete;
     ConditionVariable& operator=(ConditionVariable const&) = delete;
 
-    /// Waits for a notification or until the deadline has passed, and then for the job's turn. May also return for no
-    /// reason.
+    /// Waits for a notification or until the deadline has passed, and then for the job's turn. May wake spuriously.
     /// lock  of the mutex that guards what is waited for; held at the call and again on return, not meanwhile
     /// Throws std::bad_alloc, without having waited.
     void WaitUntil(std::unique_lock<std::mutex>& lock, std::chrono::steady_clock::time_point deadline);

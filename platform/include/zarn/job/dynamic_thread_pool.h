@@ -33,10 +33,10 @@ public:
     /// Runs `job` as soon as it may run, on an idle thread, or on a new one when none is idle. Never waits for a job.
     /// The job is destroyed on that thread right after it has run, before the thread is idle again. What it throws is
     /// logged and goes no further.
-    /// Throws std::invalid_argument for an empty function, std::runtime_error after Stop, and std::system_error when it
-    /// might run now but no thread is idle, none can be started and no other job runs, after which it would be its
-    /// turn; the job is then destroyed without having run. For the same reason, a job that has queued may be dropped
-    /// when the last running one begins to wait; that is logged.
+    /// Throws std::invalid_argument for an empty function, and std::runtime_error after Stop. When a thread is needed
+    /// and cannot be started, the job queues behind one that runs; when none runs, std::system_error is thrown, and the
+    /// job is destroyed without having run. Jobs that have queued are dropped when nothing is left that would ever run
+    /// them; that is logged, and their notices say so.
     void Post(std::function<void()> job);
 
     /// Refuses further jobs, waits until those that were taken have run, and joins every thread.

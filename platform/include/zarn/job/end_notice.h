@@ -4,13 +4,21 @@
 
 namespace zarn::job {
 
-/// As long as it lives, each job that its thread posts to a pool calls a function when it has ended: after the job has
-/// run, or was dropped without having run, and has been destroyed. So a caller hears of the end of a job that it hands
-/// over through other code. Of nested notices the innermost holds. To be destroyed on the thread that made it.
+/// How a job has ended.
+enum class End {
+    Run,     ///< it has run
+    Dropped, ///< it has not run, because no thread could be started for it
+};
+
+/// As long as it lives, each job that its thread posts to a pool calls a function when it has ended and has been
+/// destroyed. So a caller hears of the end of a job that it hands over through other code. Of nested notices the
+/// innermost holds. To be destroyed on the thread that made it.
 class EndNotice {
 public:
-    /// ended  called once for each job, on a thread of the pool; must neither throw nor wait
-    explicit EndNotice(std::function<void()> ended);
+    using Function = std::function<void(End)>;
+
+    /// ended  called once for each job, on any thread; must neither throw nor wait
+    explicit EndNotice(Function ended);
     ~EndNotice();
     EndNotice(EndNotice const&) = delete;
     EndNotice& operator=(EndNotice const&) = delete;
@@ -18,11 +26,17 @@ public:
     /// How many jobs have been posted that call the function, or have called it.
     unsigned GetCount() const noexcept { return count; }
 
-    /// For a pool: what the job that the current thread posts now has to call; empty without a notice.
-    static std::function<void()> TakeForJob();
+    /// For a pool: the notice for a job that the current thread posts now; null when there is none.
+    static EndNotice* GetInnermost() noexcept;
+
+    /// For a pool: what the job has to call.
+    Function const& GetFunction() const noexcept { return ended; }
+
+    /// For a pool: it has taken the job.
+    void CountJob() noexcept { ++count; }
 
 private:
-    std::function<void()> ended;
+    Function ended;
     EndNotice* outer;
     unsigned count = 0;
 };

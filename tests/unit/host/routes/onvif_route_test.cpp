@@ -1,9 +1,11 @@
 #include "host/routes/onvif_route.h"
 #include "host/web/digest_credentials.h"
 #include "support/test_request.h"
+#include "support/thread_failure.h"
 #include "web/ask.h"
 
 #include <zarn/authentication/engine.h>
+#include <zarn/job/condition_variable.h>
 #include <zarn/job/dynamic_thread_pool.h>
 
 #include <gmock/gmock.h>
@@ -12,6 +14,7 @@
 #include <chrono>
 #include <functional>
 #include <future>
+#include <mutex>
 #include <stdexcept>
 #include <system_error>
 
@@ -151,6 +154,39 @@ TEST_F(OnvifRouteTest, Answers500WhenAResponseThrows) {
             Status::Provisional, []() -> Reply { throw std::future_error(std::future_errc::broken_promise); }, 0ms);
     };
     EXPECT_EQ(Ask("x"), Status::InternalServerError);
+}
+
+TEST_F(OnvifRouteTest, Answers503WhenAJobIsDroppedForWantOfAThread) {
+    job::DynamicThreadPool scarce(0, 10s, 1);
+    std::mutex mutex;
+    job::ConditionVariable opened;
+    bool isOpen = false;
+    std::promise<void> running;
+    std::promise<void> begin;
+    scarce.Post([&] {
+        running.set_value();
+        begin.get_future().wait();
+        test::ThreadFailure const failure;
+        std::unique_lock lock(mutex);
+        while (!isOpen) opened.WaitUntil(lock, std::chrono::steady_clock::time_point::max());
+    });
+    running.get_future().wait();
+    Work work;
+    module.script = [&] {
+        scarce.Post([&] { work.isDone = true; });
+        return work.MakeResponse();
+    };
+    auto answer = Send("x");
+    begin.set_value(); // the first job waits, and no thread can be started for the second
+    auto const reply = answer.get().reply;
+    EXPECT_EQ(reply.GetStatus(), Status::ServiceUnavailable);
+    EXPECT_TRUE(reply.GetFields().contains("Retry-After"));
+    {
+        std::lock_guard const lock(mutex);
+        isOpen = true;
+    }
+    opened.NotifyAll();
+    scarce.Stop();
 }
 
 TEST_F(OnvifRouteTest, LetsTheCallerKnowThatTheModuleCannotStart) {

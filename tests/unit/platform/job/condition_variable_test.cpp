@@ -1,5 +1,6 @@
 #include "pool_test.h"
 #include "support/asleep.h"
+#include "support/eventually.h"
 #include "support/thread_failure.h"
 
 #include <zarn/job/condition_variable.h>
@@ -53,7 +54,7 @@ TEST(ConditionVariable, EndsOnlyWhenThereIsAProcessorForItsJob) {
     for (int count = 0; count < 100; ++count) {
         pool.Post([&] {
             gate.WaitAsJob();
-            most = std::max<int>(most, ++running);
+            RaiseTo(most, ++running);
             std::this_thread::yield();
             --running;
             ++ran;
@@ -83,9 +84,7 @@ std::string GetOrderOfJobs(int waiting, int added) {
     pool.Post([&] { busy.Wait(); });
     EXPECT_TRUE(busy.WaitForWaiting(1));
     for (int count = 0; count < added; ++count) pool.Post([&] { order += 'N'; });
-    event.Open();
-    // Those that have waited have entered the line when their threads are asleep again.
-    EXPECT_TRUE(test::OthersSleep(static_cast<std::size_t>(waiting) + 1));
+    event.Open(); // those that have waited enter the line
     busy.Open();
     pool.Stop();
     return order;
@@ -172,8 +171,55 @@ TEST(ConditionVariable, NeverHoldsTheMutexWhileAJobWaitsForItsTurn) {
     pool.Stop();
 }
 
+TEST(ConditionVariable, LetsTheQueueIntoALineOfJobsThatSleepAgainAndAgain) {
+    DynamicThreadPool pool(1, 10s, 1);
+    std::mutex mutex;
+    ConditionVariable changed;
+    bool isOver = false;
+    Gate busy;
+    std::atomic<int> asleep = 0;
+    for (int count = 0; count < 20; ++count) {
+        pool.Post([&] {
+            std::unique_lock lock(mutex);
+            ++asleep;
+            while (!isOver) {
+                changed.WaitUntil(lock, std::chrono::steady_clock::time_point::max());
+                if (!isOver) changed.NotifyAll(); // every one that goes on wakes all the others
+            }
+        });
+    }
+    ASSERT_TRUE(test::Eventually([&] { return asleep == 20; }));
+    changed.NotifyAll();
+    std::promise<void> ran;
+    pool.Post([&] { ran.set_value(); });
+    EXPECT_EQ(ran.get_future().wait_for(Patience), std::future_status::ready);
+    {
+        std::lock_guard const lock(mutex);
+        isOver = true;
+    }
+    changed.NotifyAll();
+    pool.Stop();
+}
+
+TEST(ConditionVariable, GetsATurnWhenAnotherJobsThreadCannotBeStarted) {
+    DynamicThreadPool pool(0, 10s, 1);
+    Gate event;
+    std::atomic<int> ran = 0;
+    pool.Post([&] {
+        event.WaitAsJob();
+        ++ran;
+    });
+    ASSERT_TRUE(event.WaitForWaiting(1) && test::OthersSleep(1));
+    {
+        test::ThreadFailure const failure([&] { event.Open(); }); // while the turn is taken for the new thread
+        pool.Post([&] { ++ran; });                                // queues behind the job that goes on
+    }
+    EXPECT_TRUE(test::Eventually([&] { return ran == 2; }));
+    pool.Stop();
+}
+
 TEST(ConditionVariable, LeavesTheQueueToAnotherJobWhenNoThreadCanBeStarted) {
-    DynamicThreadPool pool(2, 10s, 2);
+    DynamicThreadPool pool(0, 10s, 2);
     Gate event;
     Gate first;
     Gate second;
@@ -185,9 +231,10 @@ TEST(ConditionVariable, LeavesTheQueueToAnotherJobWhenNoThreadCanBeStarted) {
     });
     pool.Post([&] { second.Wait(); });
     ASSERT_TRUE(first.WaitForWaiting(1) && second.WaitForWaiting(1));
+    logging::Capture const log;
     pool.Post([&] { ran.set_value(); });
     first.Open();
-    ASSERT_TRUE(event.WaitForWaiting(1));
+    EXPECT_TRUE(log.WaitFor("Cannot start a thread for queued jobs", Patience)); // the first job sleeps
     second.Open();
     ran.get_future().get();
     event.Open();
@@ -196,11 +243,11 @@ TEST(ConditionVariable, LeavesTheQueueToAnotherJobWhenNoThreadCanBeStarted) {
 
 TEST(ConditionVariable, DropsTheQueueWhenNoThreadCanBeStartedAndNothingRuns) {
     logging::Capture const log;
-    DynamicThreadPool pool(1, 10s, 1);
+    DynamicThreadPool pool(0, 10s, 1);
     Gate event;
     Gate begin;
     std::atomic<bool> ran = false;
-    std::promise<void> ended;
+    std::promise<End> ended;
     pool.Post([&] {
         begin.Wait();
         test::ThreadFailure const failure;
@@ -208,13 +255,13 @@ TEST(ConditionVariable, DropsTheQueueWhenNoThreadCanBeStartedAndNothingRuns) {
     });
     ASSERT_TRUE(begin.WaitForWaiting(1));
     {
-        EndNotice const notice([&] { ended.set_value(); });
+        EndNotice const notice([&](End end) { ended.set_value(end); });
         pool.Post([&] { ran = true; });
     }
     begin.Open();
-    ended.get_future().get();
+    EXPECT_EQ(ended.get_future().get(), End::Dropped);
     EXPECT_FALSE(ran);
-    EXPECT_TRUE(log.Contains("No thread for jobs that queue: Failed to start a thread"));
+    EXPECT_TRUE(log.Contains("Cannot start a thread for queued jobs: Failed to start a thread"));
     event.Open();
     pool.Stop();
 }

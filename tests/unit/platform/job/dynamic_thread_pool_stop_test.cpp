@@ -1,4 +1,5 @@
 #include "pool_test.h"
+#include "support/asleep.h"
 #include "support/eventually.h"
 
 #include <gtest/gtest.h>
@@ -154,7 +155,9 @@ TEST(DynamicThreadPoolStop, LosesNoJobAcceptedWhileStopping) {
     int taken = 0;
     bool refused = false;
     while (!refused && taken < 10000) {
-        gate.WaitForWaiting(static_cast<std::size_t>(taken)); // no job runs that would take the next one over
+        // No job runs that would take the next one over.
+        gate.WaitForWaiting(static_cast<std::size_t>(taken));
+        test::OthersSleep(static_cast<std::size_t>(taken));
         try {
             pool.Post([&] {
                 gate.WaitAsJob();

@@ -213,7 +213,7 @@ TEST(DynamicThreadPool, RunsNoMoreJobsAtATimeThanThereAreProcessors) {
     std::atomic<int> ran = 0;
     for (int count = 0; count < 300; ++count) {
         pool.Post([&] {
-            most = std::max<int>(most, ++running);
+            RaiseTo(most, ++running);
             std::this_thread::yield();
             --running;
             ++ran;
@@ -225,7 +225,7 @@ TEST(DynamicThreadPool, RunsNoMoreJobsAtATimeThanThereAreProcessors) {
 }
 
 TEST(DynamicThreadPool, StartsNoMoreThreadsThanThereAreProcessorsForJobsThatOnlyCompute) {
-    DynamicThreadPool pool(1, 10s, 2);
+    DynamicThreadPool pool(0, 10s, 2);
     Gate gate;
     std::atomic<int> ran = 0;
     pool.Post([&] { gate.Wait(); });
@@ -256,15 +256,17 @@ TEST(DynamicThreadPool, RunsJobsInTheirOrder) {
 }
 
 TEST(DynamicThreadPool, QueuesAJobBehindARunningOneWhenNoThreadCanBeStarted) {
-    DynamicThreadPool pool(1, 10s, 2);
+    DynamicThreadPool pool(0, 10s, 2);
     Gate gate;
     std::promise<void> ran;
+    bool hasFailed = false;
     pool.Post([&] { gate.Wait(); });
     ASSERT_TRUE(gate.WaitForWaiting(1));
     {
-        test::ThreadFailure const failure;
+        test::ThreadFailure const failure([&] { hasFailed = true; });
         pool.Post([&] { ran.set_value(); });
     }
+    EXPECT_TRUE(hasFailed);
     gate.Open();
     ran.get_future().get();
     pool.Stop();

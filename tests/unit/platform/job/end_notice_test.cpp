@@ -18,7 +18,7 @@ TEST(EndNotice, IsCalledOnceForEachJob) {
     DynamicThreadPool pool(1, 10s);
     std::atomic<int> ended = 0;
     {
-        EndNotice const notice([&] { ++ended; });
+        EndNotice const notice([&](End) { ++ended; });
         for (int count = 0; count < 10; ++count) pool.Post([] {});
     }
     pool.Post([] {});
@@ -31,7 +31,7 @@ TEST(EndNotice, IsCalledAfterTheJobHasBeenDestroyed) {
     auto promise = std::make_shared<std::promise<int>>();
     auto const future = promise->get_future().share();
     std::promise<bool> wasReady;
-    EndNotice const notice([&] { wasReady.set_value(future.wait_for(0s) == std::future_status::ready); });
+    EndNotice const notice([&](End) { wasReady.set_value(future.wait_for(0s) == std::future_status::ready); });
     pool.Post([promise = std::move(promise)] {}); // never sets it: only its end breaks the promise
     EXPECT_TRUE(wasReady.get_future().get());
     EXPECT_THROW(future.get(), std::future_error);
@@ -40,7 +40,7 @@ TEST(EndNotice, IsCalledAfterTheJobHasBeenDestroyed) {
 TEST(EndNotice, IsCalledForAJobThatThrows) {
     DynamicThreadPool pool(1, 10s);
     std::promise<void> ended;
-    EndNotice const notice([&] { ended.set_value(); });
+    EndNotice const notice([&](End) { ended.set_value(); });
     pool.Post([] { throw std::runtime_error("no"); });
     ended.get_future().get();
 }
@@ -49,9 +49,9 @@ TEST(EndNotice, HidesTheNoticeAroundIt) {
     DynamicThreadPool pool(1, 10s);
     std::atomic<int> outer = 0;
     std::atomic<int> inner = 0;
-    EndNotice const around([&] { ++outer; });
+    EndNotice const around([&](End) { ++outer; });
     {
-        EndNotice const within([&] { ++inner; });
+        EndNotice const within([&](End) { ++inner; });
         pool.Post([] {});
     }
     pool.Post([] {});
@@ -63,7 +63,7 @@ TEST(EndNotice, HidesTheNoticeAroundIt) {
 TEST(EndNotice, ConcernsTheJobsOfItsOwnThreadOnly) {
     DynamicThreadPool pool(1, 10s);
     std::atomic<int> ended = 0;
-    EndNotice const notice([&] { ++ended; });
+    EndNotice const notice([&](End) { ++ended; });
     std::async(std::launch::async, [&] { pool.Post([] {}); }).get();
     pool.Post([&] { pool.Post([] {}); }); // the job within is posted by a thread of the pool
     pool.Stop();

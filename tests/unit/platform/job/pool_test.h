@@ -7,6 +7,7 @@
 #include <sys/types.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
@@ -66,6 +67,11 @@ private:
     std::size_t waiting = 0;
     bool open = false;
 };
+
+/// Makes `most` at least this value.
+inline void RaiseTo(std::atomic<int>& most, int value) {
+    for (int present = most; present < value && !most.compare_exchange_weak(present, value);) continue;
+}
 
 inline std::size_t GetStackSizeOfThisThread() {
     pthread_attr_t attributes;
