@@ -2,6 +2,7 @@
 
 #include <gst/sdp/sdp.h>
 
+#include <algorithm>
 #include <cstring>
 #include <span>
 #include <stdexcept>
@@ -82,23 +83,33 @@ bool ReadCopied(GstBuffer* made, UnitMemory& memory, Packet& packet) {
     return true;
 }
 
-/// Reads a packet that the payloader made: header and prefix in one memory, a part of the access unit in the next.
+/// Adds bytes to a packet's prefix; false when they do not fit.
+bool AddPrefix(Packet& packet, Bytes bytes) {
+    if (packet.prefixSize + bytes.size() > packet.prefix.size()) return false;
+    std::ranges::copy(bytes, packet.prefix.data() + packet.prefixSize);
+    packet.prefixSize = static_cast<std::uint8_t>(packet.prefixSize + bytes.size());
+    return true;
+}
+
+/// Reads a packet that the payloader made: header, perhaps a prefix, and at the end a part of the access unit. Others,
+/// which are few, are copied.
 bool ReadPacket(GstBuffer* made, UnitMemory& memory, Packet& packet) {
     if (gst_buffer_get_size(made) <= HeaderSize) return false;
     packet.marker = GST_BUFFER_FLAG_IS_SET(made, GST_BUFFER_FLAG_MARKER);
-    if (gst_buffer_n_memory(made) != 2) return ReadCopied(made, memory, packet);
-    MappedMemory const head(gst_buffer_peek_memory(made, 0));
-    MappedMemory const body(gst_buffer_peek_memory(made, 1));
-    if (head.Get().size() < HeaderSize || head.Get().size() > HeaderSize + packet.prefix.size() ||
-        !memory.Holds(body.Get())) {
-        return ReadCopied(made, memory, packet);
+    auto const count = gst_buffer_n_memory(made);
+    auto header = HeaderSize;
+    for (guint index = 0; index < count; ++index) {
+        MappedMemory const part(gst_buffer_peek_memory(made, index));
+        auto const bytes = part.Get().subspan(std::min(header, part.Get().size()));
+        header -= part.Get().size() - bytes.size();
+        if (index + 1 == count && memory.Holds(bytes)) {
+            packet.body = bytes.data();
+            packet.bodySize = static_cast<std::uint32_t>(bytes.size());
+            return true;
+        }
+        if (!AddPrefix(packet, bytes)) break;
     }
-    auto const prefix = head.Get().subspan(HeaderSize);
-    std::copy(prefix.begin(), prefix.end(), packet.prefix.begin());
-    packet.prefixSize = static_cast<std::uint8_t>(prefix.size());
-    packet.body = body.Get().data();
-    packet.bodySize = static_cast<std::uint32_t>(body.Get().size());
-    return true;
+    return ReadCopied(made, memory, packet);
 }
 
 struct FreeMedia {

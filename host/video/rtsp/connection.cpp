@@ -80,7 +80,7 @@ void Connection::Start() {
     socket.set_option(asio::ip::tcp::no_delay(true), ignored);
     socket.set_option(asio::socket_base::receive_buffer_size(ReceiveBuffer), ignored);
     setsockopt(socket.native_handle(), IPPROTO_TCP, TCP_NOTSENT_LOWAT, &UnsentBytes, sizeof(UnsentBytes));
-    worker.Add(weak_from_this());
+    worker.Add(shared_from_this());
     Read();
 }
 
@@ -349,6 +349,8 @@ void Connection::Close() {
     socket.close(ignored);
     if (tunnel) tunnel->close(ignored);
     if (!cookie.empty()) site->GetTunnels().Remove(cookie);
+    slot.reset();
+    tunnelSlot.reset();
     for (auto const& session : std::exchange(sessions, {})) {
         if (session->IsInterleaved() || !session->IsPlaying()) session->End();
     }

@@ -28,8 +28,8 @@ namespace zarn::host::video::rtsp {
 
 class Worker;
 
-/// One client's connection: reads requests, answers them, and carries the packets of its interleaved sessions. It keeps
-/// itself alive as long as it reads or writes. Thread: its worker's. Source: RFC 2326.
+/// One client's connection: reads requests, answers them, and carries the packets of its interleaved sessions. Its
+/// worker keeps it until it is closed. Thread: its worker's. Source: RFC 2326.
 class Connection final : public Outlet, public std::enable_shared_from_this<Connection> {
 public:
     using Socket = boost::asio::ip::tcp::socket;
@@ -48,7 +48,7 @@ public:
     struct Accepted {
         Socket socket; ///< on the worker's I/O context
         boost::asio::ip::address peer;
-        ConnectionCount::Slot slot;                     ///< held as long as the connection lives
+        ConnectionCount::Slot slot;                     ///< held until the connection is closed
         std::shared_ptr<Authentication> authentication; ///< null: none is required
     };
 
@@ -64,6 +64,9 @@ public:
 
     /// Closes the connection and ends its sessions, but for those that play over UDP. Closing twice is harmless.
     void Close();
+
+    /// Whether it has been closed.
+    bool IsClosed() const { return isClosed; }
 
     /// Reads requests, in Base64, from another connection instead: this one is the other half of a tunnel.
     /// descriptor  of the other connection's socket
@@ -113,7 +116,7 @@ private:
     Worker& worker;
     Socket socket;
     boost::asio::ip::address const peer;
-    ConnectionCount::Slot const slot;
+    ConnectionCount::Slot slot;
     std::shared_ptr<Authentication> const authentication;
     std::string nonce; ///< that the client answers
 

@@ -13,9 +13,8 @@ Worker::Worker(std::size_t index) : index(index) {}
 
 Worker::~Worker() {
     Stop();
-    for (auto const& weak : connections) {
-        if (auto const connection = weak.lock()) connection->Close();
-    }
+    for (auto const& connection : connections) connection->Close();
+    connections.clear();
     // Sessions leave the map when they are destroyed.
     std::exchange(sessions, {}).clear();
 }
@@ -69,10 +68,9 @@ void Worker::AwaitSweep() {
 
 void Worker::Sweep() {
     auto const now = Session::Clock::now();
-    std::erase_if(connections, [now](std::weak_ptr<Connection> const& weak) {
-        auto const connection = weak.lock();
-        if (connection) connection->Sweep(now);
-        return !connection;
+    std::erase_if(connections, [now](std::shared_ptr<Connection> const& connection) {
+        connection->Sweep(now);
+        return connection->IsClosed();
     });
     std::vector<std::shared_ptr<Session>> present;
     present.reserve(sessions.size());

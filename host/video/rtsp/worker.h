@@ -52,8 +52,8 @@ public:
     /// Its UDP ports, bound at the first call. Throws std::runtime_error when the system gives none. Thread: its own.
     UdpPorts& GetUdpPorts();
 
-    /// Checks a connection regularly as long as it lives. Thread: its own.
-    void Add(std::weak_ptr<Connection> connection) { connections.push_back(std::move(connection)); }
+    /// Keeps a connection until it is closed, and checks it regularly. Thread: its own.
+    void Add(std::shared_ptr<Connection> connection) { connections.push_back(std::move(connection)); }
 
     /// Keeps a session until it ends, and checks it regularly. Thread: its own.
     void Add(std::shared_ptr<Session> const& session);
@@ -74,7 +74,7 @@ private:
     boost::asio::executor_work_guard<boost::asio::io_context::executor_type> work{io.get_executor()};
     boost::asio::steady_timer timer{io};
     std::optional<UdpPorts> udpPorts;
-    std::vector<std::weak_ptr<Connection>> connections;
+    std::vector<std::shared_ptr<Connection>> connections;
     std::map<std::string, std::shared_ptr<Session>, std::less<>> sessions;
     std::thread thread;
 };
