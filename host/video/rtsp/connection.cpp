@@ -210,7 +210,7 @@ void Connection::AnswerInSession(Request request, std::string const& id, Worker&
     auto const sequence = std::string(request.Find("CSeq"));
     auto const finish = [sequence](Connection& self, Answered const& answered) {
         self.isBusy = false;
-        if (!answered.session.expired()) self.watched.push_back(answered.session);
+        self.Watch(answered.session);
         self.Reply(answered.response, sequence);
     };
     if (&owner == &worker) {
@@ -231,6 +231,14 @@ void Connection::AnswerInSession(Request request, std::string const& id, Worker&
                        self->Resume();
                    });
                });
+}
+
+/// The connection stays as long as a session that was asked for over it.
+void Connection::Watch(std::weak_ptr<Session const> const& session) {
+    auto const isSame = [&session](std::weak_ptr<Session const> const& each) {
+        return !each.owner_before(session) && !session.owner_before(each);
+    };
+    if (!session.expired() && std::ranges::none_of(watched, isSame)) watched.push_back(session);
 }
 
 /// The two halves of a tunnel are recognised by their requests.

@@ -98,6 +98,7 @@ private:
     void OnHttp(Request const& request);
     void HandOver(Request const& request);
     void AnswerInSession(Request request, std::string const& id, Worker& owner);
+    void Watch(std::weak_ptr<Session const> const& session);
     void Reply(Response const& response, std::string_view sequence);
     void Finish();
 

@@ -1,5 +1,5 @@
+#include "host/access/digest_parameters.h"
 #include "host/routes/onvif_route.h"
-#include "host/web/digest_credentials.h"
 #include "host/web/reply.h"
 #include "support/test_request.h"
 
@@ -72,7 +72,7 @@ TEST_F(OnvifRouteTest, ReplacesTheModulesChallengeWithTheHosts) {
                           ->GetData();
     EXPECT_EQ(data.GetStatus(), Status::Unauthorized);
     EXPECT_EQ(data.GetBody().at(0)->ToStringView(), "no\n");
-    auto const challenge = web::ParseDigestParameters(data.GetFields().at("WWW-Authenticate"));
+    auto const challenge = ParseDigestParameters(data.GetFields().at("WWW-Authenticate"));
     EXPECT_TRUE(challenges.Accept({.nonce = challenge->at("nonce"), .nc = "1", .cnonce = "c"}));
 }
 
