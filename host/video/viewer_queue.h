@@ -44,6 +44,9 @@ public:
     /// Whether nothing waits.
     bool IsEmpty() const { return items.empty(); }
 
+    /// Bytes of what waits.
+    std::size_t GetBytes() const { return bytes; }
+
     /// What waits longest; there must be something.
     Item const& GetFirst() const { return items.front(); }
 

@@ -125,16 +125,16 @@ void Connection::OnReceived(std::string_view bytes) {
 void Connection::Parse() {
     std::size_t parsed = 0;
     while (!isBusy && !isFinishing && !isClosed && outbox.HasRoom() && socket.is_open()) {
-        auto next = ParseInput(std::string_view(input).substr(parsed));
+        auto const next = ParseInput(std::string_view(input).substr(parsed));
         parsed += next.size;
         if (std::holds_alternative<Input::Incomplete>(next.what)) break;
-        if (auto* request = std::get_if<Request>(&next.what)) {
+        if (auto const* request = std::get_if<Request>(&next.what)) {
             if (request->version.starts_with("HTTP/")) {
                 input.erase(0, std::exchange(parsed, 0)); // what follows goes through the tunnel
                 OnHttp(*request);
                 continue;
             }
-            OnRequest(std::move(*request));
+            OnRequest(*request);
         } else if (auto const* packet = std::get_if<Input::Interleaved>(&next.what)) {
             OnInterleaved(*packet);
         } else {
@@ -165,7 +165,7 @@ void Connection::Refuse(Input::Refused const& refused) {
     Finish();
 }
 
-void Connection::OnRequest(Request request) {
+void Connection::OnRequest(Request const& request) {
     auto const sequence = std::string(request.Find("CSeq"));
     if (sequence.empty()) return Refuse({Status::BadRequest});
     if (request.version != "RTSP/1.0") return Reply({Status::VersionNotSupported}, sequence);
@@ -178,11 +178,11 @@ void Connection::OnRequest(Request request) {
         return Reply((this->*method->answer)(request), sequence);
     auto* const owner = site->FindWorker(id);
     if (owner == nullptr) return Reply({Status::SessionNotFound}, sequence);
-    AnswerInSession(std::move(request), id, *owner);
+    AnswerInSession(request, id, *owner);
 }
 
 /// Has the worker that owns the session answer the request.
-void Connection::AnswerInSession(Request request, std::string const& id, Worker& owner) {
+void Connection::AnswerInSession(Request const& request, std::string const& id, Worker& owner) {
     struct Answered {
         Response response{Status::SessionNotFound};
         std::weak_ptr<Session const> session = {};

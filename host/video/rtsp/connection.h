@@ -94,10 +94,10 @@ private:
     void Resume();
     void OnInterleaved(Input::Interleaved const& packet);
     void Refuse(Input::Refused const& refused);
-    void OnRequest(Request request);
+    void OnRequest(Request const& request);
     void OnHttp(Request const& request);
     void HandOver(Request const& request);
-    void AnswerInSession(Request request, std::string const& id, Worker& owner);
+    void AnswerInSession(Request const& request, std::string const& id, Worker& owner);
     void Watch(std::weak_ptr<Session const> const& session);
     void Reply(Response const& response, std::string_view sequence);
     void Finish();

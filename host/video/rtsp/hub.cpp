@@ -35,8 +35,8 @@ void Hub::OnEnd() {
 /// With the mutex locked.
 void Hub::Wake() {
     if (isWoken) return;
-    isWoken = true;
     boost::asio::post(io, [self = shared_from_this()] { self->Drain(); });
+    isWoken = true; // not before: without memory for the post, the next unit tries again
 }
 
 void Hub::Drain() {

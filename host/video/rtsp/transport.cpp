@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <charconv>
 #include <limits>
+#include <tuple>
 #include <utility>
 
 namespace zarn::host::video::rtsp {

@@ -39,8 +39,14 @@ bool UdpOutlet::TakeNext() {
     return false;
 }
 
+std::size_t UdpOutlet::CountWaiting() const {
+    std::size_t bytes = 0;
+    for (auto const& track : session.GetTracks()) bytes += track ? track->queue.GetBytes() : 0;
+    return bytes;
+}
+
 void UdpOutlet::SendBurst() {
-    for (auto left = Burst; TakeNext();) {
+    for (auto left = GetBurst(CountWaiting()); TakeNext();) {
         if (left == 0) {
             isPausing = true;
             timer.expires_after(Pause);

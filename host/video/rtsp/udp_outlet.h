@@ -15,15 +15,20 @@ namespace zarn::host::video::rtsp {
 class Session;
 class Worker;
 
-/// Sends a session's packets over UDP, at most so many at a time, so that a large picture or the backlog of a new
-/// viewer does not overflow the viewer's receive buffer. Packets that the network refuses are lost.
-/// Thread: the worker's.
+/// Sends a session's packets over UDP, in bursts with pauses, so that a large picture or the backlog of a new viewer
+/// does not overflow the viewer's receive buffer, which holds some 90 packets. Packets that the network refuses are
+/// lost. Thread: the worker's.
 class UdpOutlet final : public Outlet, public std::enable_shared_from_this<UdpOutlet> {
 public:
-    /// The most packets that are sent at once.
-    static constexpr std::size_t Burst = PacketParts::MaximumPackets;
+    /// How many packets are sent at once: some 60 Mbit/s, and more the more wait, so that no stream is too fast.
+    /// waiting  bytes
+    static constexpr std::size_t GetBurst(std::size_t waiting) {
+        constexpr std::size_t Least = 24;
+        constexpr std::size_t BytesForOneMore = std::size_t{70} * 1024; // a backlog passes within fractions of a second
+        return Least + waiting / BytesForOneMore;
+    }
 
-    /// The pause after that; together this is some 180 Mbit/s.
+    /// The pause after that.
     static constexpr std::chrono::milliseconds Pause{4};
 
     /// Both must outlive it.
@@ -34,6 +39,7 @@ public:
 
 private:
     bool TakeNext();
+    std::size_t CountWaiting() const;
     void SendBurst();
     std::size_t SendSome(std::size_t most);
 
