@@ -32,6 +32,10 @@ constexpr int ReceiveBuffer = 32 * 1024;
 /// What the system keeps unsent for a client that does not read; the rest waits in queues that viewers share.
 constexpr int UnsentBytes = 256 * 1024;
 
+/// How long a client may leave unread what it has been sent, in milliseconds. A little video would fit into the
+/// system's buffers for much longer.
+constexpr unsigned UnreadTime = std::chrono::milliseconds(Session::Timeout).count();
+
 constexpr std::string_view Tunnelled = "x-sessioncookie";
 
 std::string ToHexadecimal(std::uint32_t number) {
@@ -80,6 +84,7 @@ void Connection::Start() {
     socket.set_option(asio::ip::tcp::no_delay(true), ignored);
     socket.set_option(asio::socket_base::receive_buffer_size(ReceiveBuffer), ignored);
     setsockopt(socket.native_handle(), IPPROTO_TCP, TCP_NOTSENT_LOWAT, &UnsentBytes, sizeof(UnsentBytes));
+    setsockopt(socket.native_handle(), IPPROTO_TCP, TCP_USER_TIMEOUT, &UnreadTime, sizeof(UnreadTime));
     worker.Add(shared_from_this());
     Read();
 }
