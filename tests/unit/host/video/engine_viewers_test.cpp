@@ -145,7 +145,7 @@ protected:
     std::unique_ptr<Client> Connect() { return std::make_unique<Client>(engine->GetPort(), GetUrl("1")); }
 };
 
-TEST_F(EngineViewers, AreServedByTheSameThreadsHoweverManyTheyAre) {
+TEST_F(EngineViewers, NeedNoThreadsOfTheirOwn) {
     constexpr std::size_t Count = 200;
     std::vector<std::unique_ptr<Client>> viewers;
     viewers.push_back(Connect());
@@ -161,7 +161,8 @@ TEST_F(EngineViewers, AreServedByTheSameThreadsHoweverManyTheyAre) {
         ASSERT_TRUE(packet);
         EXPECT_EQ(packet->channel, 0);
     }
-    EXPECT_EQ(test::ReadResourceUse(getpid()).threads, threads);
+    // Threads that opened the source may have ended meanwhile.
+    EXPECT_LE(test::ReadResourceUse(getpid()).threads, threads);
 }
 
 TEST_F(EngineViewers, GetNumberedPacketsOfTheirOwnSource) {
