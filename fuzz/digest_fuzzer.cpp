@@ -22,10 +22,10 @@
 namespace zarn::fuzz {
 namespace {
 
+using host::ParseDigestParameters;
 using host::web::Challenges;
 using host::web::Digest;
-using host::web::ParseDigestParameters;
-using Parameters = host::web::DigestParameters;
+using Parameters = host::DigestParameters;
 
 constexpr std::size_t MaximumLength = 8192;
 constexpr std::string_view Target = "/snapshot/1/latest.jpeg?width=640";

@@ -8,6 +8,7 @@
 #include "host/routes/snapshot_route.h"
 #include "host/signals.h"
 #include "host/status.h"
+#include "host/video/rtsp_settings.h"
 #include "host/web/listener.h"
 #include "host/web/tls.h"
 #include "host/web/web_settings.h"
@@ -208,7 +209,7 @@ std::vector<Application::Applier> Application::MakeAppliers() {
              challenges.SetLife(access.nonceLife);
              failedLogins->SetLimit(access.failedLoginsPerMinute);
          }},
-        {"limits of the RTSP server", BeforeClients, [this, &root] { engine->SetLimits(ReadConnectionLimits(root)); }},
+        {"limits of the RTSP server", BeforeClients, [this, &root] { engine->SetLimits(video::ReadRtspLimits(root)); }},
         {"discovery settings", BeforeClients,
          [this, &root] { manager->UpdateDiscoveryAnywhere(ReadDiscoveryAnywhere(root)); }},
         // After what the RTSP server needs: at start it accepts clients from here on.

@@ -21,8 +21,8 @@ inline constexpr std::chrono::seconds LongestNonceLife{300};
 
 /// How many connections a server keeps; counted for each server.
 struct ConnectionLimits {
-    std::size_t connections = 1024;          ///< in all
-    std::size_t connectionsPerAddress = 256; ///< from one address
+    std::size_t connections = 1024;          ///< in all; each server has a setting of its own
+    std::size_t connectionsPerAddress = 256; ///< from one address; one setting for both servers
 };
 
 /// Describes `settings.authentication` and those of `settings.limits` that both servers obey.
@@ -30,6 +30,7 @@ std::vector<configuration::Schema> MakeAccessSchemas();
 
 AccessSettings ReadAccessSettings(configuration::node::Root const& root);
 
-ConnectionLimits ReadConnectionLimits(configuration::node::Root const& root);
+/// `settings.limits.connections_per_address`
+std::size_t ReadConnectionsPerAddress(configuration::node::Root const& root);
 
 } // namespace zarn::host

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "host/video/gstreamer.h"
+#include "host/video/rtp/packets.h"
 
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -22,6 +24,8 @@ struct AccessUnit {
     bool isKey = false;                              ///< decoding can begin here
     std::size_t size = 0;                            ///< bytes in `data`
     std::chrono::steady_clock::time_point arrived{}; ///< from the source
+    std::shared_ptr<rtp::Packets const> packets;     ///< for RTSP viewers; null: they do not get it
+    std::uint64_t number = 0;                        ///< set by the stream: 1, 2, 3, ...
 };
 
 using AccessUnitPtr = std::shared_ptr<AccessUnit const>;

@@ -5,6 +5,7 @@
 
 #include <zarn/chrono/back_off.h>
 
+#include <stdexcept>
 #include <system_error>
 #include <utility>
 
@@ -31,10 +32,8 @@ std::string ToText(meta::data::VideoInfo const& info) {
 
 } // namespace
 
-Channel::Channel(ChannelSettings settings, std::function<void()> onBreak)
-    : settings(std::move(settings)),
-      onBreak(std::move(onBreak)),
-      stream(std::make_shared<Stream>(this->settings.described)) {
+Channel::Channel(ChannelSettings settings)
+    : settings(std::move(settings)), stream(std::make_shared<Stream>(this->settings.described)) {
     if (!HasSource()) return;
     auto parsed = ParseSource(this->settings.source);
     if (!parsed.source) {
@@ -67,13 +66,7 @@ void Channel::Refuse(Failure const& why) {
     Log().Log(logging::Level::Warning, "channel %0%: %1%: %2%", settings.id, why.summary, why.detail);
 }
 
-void Channel::Abandon() {
-    {
-        std::scoped_lock const lock(breakMutex);
-        onBreak = nullptr;
-    }
-    stream->End();
-}
+void Channel::Abandon() { stream->End(); }
 
 bool Channel::WaitForEnd(Clock::time_point deadline) {
     std::unique_lock lock(mutex);
@@ -164,6 +157,7 @@ void Channel::Publish(std::stop_token const& stop, Producer::Picture picture, bo
     unit->isKey = !GST_BUFFER_FLAG_IS_SET(buffer, GST_BUFFER_FLAG_DELTA_UNIT);
     unit->size = gst_buffer_get_size(buffer);
     unit->arrived = Clock::now();
+    if (payloader) unit->packets = payloader->Pay(buffer, caps.get(), unit->stamp.presentation);
     stream->Publish(std::move(unit));
     SetState(ChannelState::Running, {});
 }
@@ -173,9 +167,13 @@ void Channel::UpdateFormat(GstCaps* next) {
     auto const format = ReadFormat(next);
     if (!format) return;
     caps = format->caps;
-    if (stream->SetFormat(*format)) return;
-    std::scoped_lock const lock(breakMutex);
-    if (onBreak) onBreak();
+    if (stream->SetFormat(*format) && payloader) return;
+    try {
+        payloader = std::make_unique<rtp::Payloader>(format->codec);
+    } catch (std::runtime_error const& error) {
+        payloader.reset();
+        Log().Log(logging::Level::Error, "channel %0%: cannot be viewed over RTSP: %1%", settings.id, error.what());
+    }
 }
 
 void Channel::WaitUntil(std::stop_token const& stop, Clock::time_point time) {

@@ -3,12 +3,12 @@
 #include "host/video/channel_settings.h"
 #include "host/video/channel_status.h"
 #include "host/video/producer.h"
+#include "host/video/rtp/payloader.h"
 #include "host/video/source.h"
 #include "host/video/stream.h"
 #include "host/video/timeline.h"
 
 #include <condition_variable>
-#include <functional>
 #include <memory>
 #include <mutex>
 #include <stop_token>
@@ -23,9 +23,7 @@ namespace zarn::host::video {
 class Channel {
 public:
     /// The channel fails at once when its source is not valid or no thread can be started.
-    /// settings  see ChannelSettings
-    /// onBreak   called on the channel's thread when the video changed so that viewers cannot go on
-    Channel(ChannelSettings settings, std::function<void()> onBreak);
+    explicit Channel(ChannelSettings settings);
 
     /// Stop(); waits without a deadline.
     ~Channel();
@@ -37,10 +35,10 @@ public:
     void Stop();
 
     /// Waits until a stopped channel has closed its source; false when the deadline comes first, as it does for a file
-    /// on a disk that does not answer. After that nothing is published and onBreak is not called.
+    /// on a disk that does not answer. After that nothing is published.
     bool WaitForEnd(std::chrono::steady_clock::time_point deadline);
 
-    /// Gives up waiting for a channel that does not end: its streams end, and onBreak is not called any more.
+    /// Gives up waiting for a channel that does not end: its streams end.
     void Abandon();
 
     /// True when the settings differ only in the description, so that the channel can go on. A channel whose thread
@@ -76,11 +74,10 @@ private:
     void Report(ChannelState next, std::string why);
 
     ChannelSettings const settings;
-    std::mutex breakMutex; ///< guards onBreak, over the call, which does not wait
-    std::function<void()> onBreak;
     std::shared_ptr<Stream> const stream;
-    Timeline timeline;             ///< the channel's thread only
-    std::shared_ptr<GstCaps> caps; ///< of the newest picture; the channel's thread only
+    Timeline timeline;                         ///< the channel's thread only
+    std::shared_ptr<GstCaps> caps;             ///< of the newest picture; the channel's thread only
+    std::unique_ptr<rtp::Payloader> payloader; ///< for those caps; the channel's thread only
 
     std::string reported; ///< the failure that was logged last; the channel's thread only
 

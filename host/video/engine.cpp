@@ -18,8 +18,8 @@ namespace {
 
 /// A channel and what snapshots remember of it.
 struct Entry {
-    Entry(ChannelSettings const& settings, std::function<void()> onBreak)
-        : channel(settings, std::move(onBreak)), stills(std::make_shared<StillService::Slot>(channel.GetStream())) {}
+    explicit Entry(ChannelSettings const& settings)
+        : channel(settings), stills(std::make_shared<StillService::Slot>(channel.GetStream())) {}
 
     Channel channel;
     std::shared_ptr<StillService::Slot> stills;
@@ -181,7 +181,7 @@ private:
     }
 
     EntryPtr Begin(ChannelSettings const& settings) {
-        auto entry = std::make_shared<Entry>(settings, [this, id = settings.id] { server->Disconnect(id); });
+        auto entry = std::make_shared<Entry>(settings);
         if (entry->channel.HasSource()) server->Mount(settings.id, entry->channel.GetStream());
         return entry;
     }

@@ -61,11 +61,6 @@ std::string MakeTestText(TestEncoding const& test) {
            MakeEncoderText(test.codec, {test.width, test.height, test.rate, true});
 }
 
-std::string MakePayloaderText(Codec codec) {
-    return std::string("( appsrc name=") + FeedName + " is-live=true format=time max-bytes=0 ! " +
-           GetTraits(codec).payloader + " name=pay0 pt=96 config-interval=0 aggregate-mode=zero-latency )";
-}
-
 std::string MakeDecoderText(Codec codec) {
     auto const& traits = GetTraits(codec);
     return std::string("appsrc name=") + FeedName + " format=time max-bytes=0 ! " + traits.parser + " ! " +

@@ -32,9 +32,6 @@ std::string MakeEncoderText(Codec codec, EncoderInput const& input);
 /// Launch line behind test pictures: their size and rate, then the encoder.
 std::string MakeTestText(TestEncoding const& test);
 
-/// Launch line that takes access units and ends with RTP packets, as a media factory wants it.
-std::string MakePayloaderText(Codec codec);
-
 /// Launch line that decodes access units.
 std::string MakeDecoderText(Codec codec);
 

@@ -3,12 +3,19 @@
 #include "host/access/access_settings.h"
 #include "host/access/failed_logins.h"
 
+#include <zarn/configuration/node/root.h>
+#include <zarn/configuration/schema.h>
+
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
 
 namespace zarn::host::video {
+
+/// The greatest `settings.limits.rtsp_connections`: with the other connections, it stays below the open files that the
+/// service manager grants.
+inline constexpr std::uint32_t MostRtspConnections = 10000;
 
 /// How the RTSP server is set up.
 struct RtspSettings {
@@ -22,14 +29,17 @@ struct RtspSettings {
     /// set. With anything else every login fails.
     std::string ha1 = {};
 
-    /// For new connections, and never more than rtsp::Connections::Maximum; further ones are closed at once.
-    ConnectionLimits limits = {};
+    /// For new connections; further ones are closed at once. A wall of recorders fits in.
+    ConnectionLimits limits = {.connections = 1000};
 
     /// Slows down guessing passwords; never null.
     std::shared_ptr<FailedLogins> failedLogins = std::make_shared<FailedLogins>();
 };
 
-/// Describes `settings.rtsp_port`.
+/// Describes `settings.rtsp_port` and `settings.limits.rtsp_connections`.
 std::vector<configuration::Schema> MakeRtspSchemas();
+
+/// The bounds of the RTSP server (`settings.limits`).
+ConnectionLimits ReadRtspLimits(configuration::node::Root const& root);
 
 } // namespace zarn::host::video

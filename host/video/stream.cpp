@@ -22,17 +22,24 @@ bool Stream::SetFormat(Format const& value) {
     return continues;
 }
 
-void Stream::Publish(AccessUnitPtr unit) {
+template <class Tell>
+void Stream::ForEachSubscriber(Tell tell) {
+    std::erase_if(subscribers, [&tell](std::weak_ptr<Subscriber> const& weak) {
+        auto const subscriber = weak.lock();
+        if (subscriber) tell(*subscriber);
+        return !subscriber;
+    });
+}
+
+void Stream::Publish(std::shared_ptr<AccessUnit> unit) {
     std::scoped_lock const lock(mutex);
     newest = unit->arrived;
     if (format && !format->rate) rate.Add(unit->stamp.decoding);
-    // Handing over only appends to the media's queue, so it may be done under the lock, which keeps the order.
-    std::erase_if(feeds, [&unit](std::weak_ptr<Feed> const& weak) {
-        auto const feed = weak.lock();
-        if (feed) feed->Push(*unit);
-        return !feed;
-    });
-    group.Add(std::move(unit));
+    unit->number = ++count;
+    AccessUnitPtr const published = std::move(unit);
+    group.Add(published);
+    // Subscribers only append, so they may be told under the lock, which keeps the order.
+    ForEachSubscriber([&published](Subscriber& subscriber) { subscriber.OnUnit(published); });
 }
 
 void Stream::Interrupt() {
@@ -46,10 +53,7 @@ void Stream::End() {
 }
 
 void Stream::EndLocked() {
-    for (auto const& weak : feeds) {
-        if (auto const feed = weak.lock()) feed->End();
-    }
-    feeds.clear();
+    ForEachSubscriber([](Subscriber& subscriber) { subscriber.OnEnd(); });
     group.Clear();
 }
 
@@ -59,18 +63,9 @@ std::optional<Stream::Recent> Stream::GetRecent() const {
     return Recent{*format, group.GetUnits()};
 }
 
-std::shared_ptr<Feed> Stream::Join(ObjectHandle<GstElement> source) {
+void Stream::Subscribe(std::weak_ptr<Subscriber> subscriber) {
     std::scoped_lock const lock(mutex);
-    if (!format || group.GetUnits().empty()) return nullptr;
-    auto feed = std::make_shared<Feed>(std::move(source), *format, group.GetUnits(), GetNow());
-    feeds.push_back(feed);
-    return feed;
-}
-
-std::optional<Codec> Stream::GetCodec() const {
-    std::scoped_lock const lock(mutex);
-    if (!format || group.GetUnits().empty()) return std::nullopt;
-    return format->codec;
+    subscribers.push_back(std::move(subscriber));
 }
 
 meta::data::VideoInfo Stream::Describe() const {

@@ -1,13 +1,13 @@
 #pragma once
 
 #include "host/video/access_unit.h"
-#include "host/video/feed.h"
 #include "host/video/format.h"
 #include "host/video/rate_meter.h"
 
 #include <zarn/meta/data/video_info.h>
 
 #include <chrono>
+#include <cstdint>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -15,10 +15,26 @@
 
 namespace zarn::host::video {
 
-/// A channel's coded video where it forks: the channel publishes, RTSP medias and snapshots take.
+/// A channel's coded video where it forks: the channel publishes, RTSP viewers and snapshots take.
 /// Thread: any. Nothing here waits for video.
 class Stream {
 public:
+    /// Is told what a stream publishes, in order. Called under the stream's lock, on the publishing thread: must only
+    /// note what it is told.
+    class Subscriber {
+    public:
+        Subscriber() = default;
+        virtual ~Subscriber() = default;
+        Subscriber(Subscriber const&) = delete;
+        Subscriber& operator=(Subscriber const&) = delete;
+
+        /// The next access unit; it already belongs to the newest group of pictures.
+        virtual void OnUnit(AccessUnitPtr const& unit) = 0;
+
+        /// Present viewers cannot go on; what comes next is for new ones.
+        virtual void OnEnd() = 0;
+    };
+
     using Clock = std::chrono::steady_clock;
 
     /// What a decoder needs for the newest picture.
@@ -40,8 +56,8 @@ public:
     /// then ended.
     bool SetFormat(Format const& value);
 
-    /// Hands the next access unit to all viewers.
-    void Publish(AccessUnitPtr unit);
+    /// Numbers the next access unit and hands it to all subscribers. The caller does not change it any more.
+    void Publish(std::shared_ptr<AccessUnit> unit);
 
     /// The source failed: viewers wait for it to recover; new ones get nothing before the next key frame.
     void Interrupt();
@@ -52,12 +68,8 @@ public:
     /// The newest group of pictures; none before the first key frame.
     std::optional<Recent> GetRecent() const;
 
-    /// Feeds a media's application source from the newest key frame on, as long as the result lives. Null when there is
-    /// none.
-    std::shared_ptr<Feed> Join(ObjectHandle<GstElement> source);
-
-    /// The codec of what a viewer would get now; none when there is nothing to view.
-    std::optional<Codec> GetCodec() const;
+    /// Tells a subscriber what is published from now on, as long as it lives.
+    void Subscribe(std::weak_ptr<Subscriber> subscriber);
 
     /// What the video is.
     meta::data::VideoInfo Describe() const;
@@ -66,6 +78,8 @@ public:
     std::optional<Clock::time_point> GetNewest() const;
 
 private:
+    template <class Tell>
+    void ForEachSubscriber(Tell tell);
     void EndLocked();
 
     Clock::time_point const begin = Clock::now();
@@ -74,7 +88,8 @@ private:
     std::optional<Format> format;
     RateMeter rate;
     GroupOfPictures group;
-    std::vector<std::weak_ptr<Feed>> feeds;
+    std::vector<std::weak_ptr<Subscriber>> subscribers;
+    std::uint64_t count = 0; ///< of published access units
     std::optional<Clock::time_point> newest;
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <map>
+#include "host/access/digest_parameters.h"
+
 #include <optional>
 #include <string>
 #include <string_view>
@@ -8,14 +9,6 @@
 class ZarnAuthenticationEngine;
 
 namespace zarn::host::web {
-
-/// The parameters of a `Digest` challenge or of digest credentials: lower-case name to value, quotes and escapes
-/// removed.
-using DigestParameters = std::map<std::string, std::string>;
-
-/// Parses the value of an Authorization or WWW-Authenticate field. Returns nothing when the value is of another scheme,
-/// is not well-formed, or names a parameter twice. Source: RFC 9110, 11.4.
-std::optional<DigestParameters> ParseDigestParameters(std::string_view field);
 
 /// The value of an Authorization field without the white space before "," and "=", which means nothing but ends an
 /// unquoted value or a name for the SOAP engine. Source: RFC 9110, 11.4.

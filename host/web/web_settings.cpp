@@ -13,6 +13,7 @@ namespace {
 using configuration::node::Read;
 using configuration::schema::Between;
 
+constexpr char ConnectionsPath[] = "settings.limits.connections";
 constexpr char ExchangesPath[] = "settings.limits.exchanges";
 constexpr char BodyBytesPath[] = "settings.limits.body_bytes";
 constexpr char HeaderSecondsPath[] = "settings.limits.header_seconds";
@@ -29,6 +30,7 @@ std::vector<configuration::Schema> MakeWebSchemas() {
          "TCP port of the web server",
          {},
          configuration::schema::Port()},
+        {ConnectionsPath, number(limits.connections), "Connections to the web server", {}, Between(1, 1000000)},
         {ExchangesPath, number(limits.exchanges), "Requests under way", {}, Between(1, 1000000)},
         {BodyBytesPath, number(limits.bodyBytes), "Bytes of a request's body", {}, Between(1024, 1024 * 1024 * 1024)},
         {HeaderSecondsPath,
@@ -46,9 +48,8 @@ std::vector<configuration::Schema> MakeWebSchemas() {
 
 Limits ReadLimits(configuration::node::Root const& root) {
     auto const number = [&](char const* path) { return Read<std::uint32_t>(root, path); };
-    auto const shared = ReadConnectionLimits(root);
-    return {.connections = shared.connections,
-            .connectionsPerAddress = shared.connectionsPerAddress,
+    return {.connections = number(ConnectionsPath),
+            .connectionsPerAddress = ReadConnectionsPerAddress(root),
             .exchanges = number(ExchangesPath),
             .bodyBytes = number(BodyBytesPath),
             .headerTime = std::chrono::seconds(number(HeaderSecondsPath)),

@@ -147,6 +147,25 @@ TEST_F(RtspHost, FollowsTheAuthenticationSetting) {
     ExpectMovingPictures(Watch(Right));
 }
 
+TEST_F(RtspHost, FollowsTheConnectionLimit) {
+    constexpr char Options[] = "OPTIONS * RTSP/1.0\r\nCSeq: 1\r\n\r\n";
+    Reconfigure(R"(, "limits": {"rtsp_connections": 1, "connections": 50})");
+    RawConnection first(host.GetRtspPort());
+    EXPECT_EQ(first.Exchange(Options).status, 200U);
+    EXPECT_TRUE(Eventually([&] {
+        first.Exchange(Options); // else it would be closed for having no session
+        RawConnection second(host.GetRtspPort());
+        second.Send(Options);
+        return !second.ReadIfAny();
+    }));
+    Reconfigure("");
+    EXPECT_TRUE(Eventually([&] {
+        RawConnection second(host.GetRtspPort());
+        second.Send(Options);
+        return second.ReadIfAny().has_value();
+    }));
+}
+
 TEST_F(RtspHost, StopsInTimeWhileItIsWatched) {
     std::vector<std::unique_ptr<Process>> viewers;
     for (auto const* transport : {"tcp", "udp"}) {

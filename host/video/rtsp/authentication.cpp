@@ -1,84 +1,63 @@
 #include "host/video/rtsp/authentication.h"
 
-#include "host/video/rtsp/gobject.h"
-#include "host/video/rtsp/media_factory.h"
-
+#include <zarn/authentication/digest.h>
 #include <zarn/authentication/realm.h>
-#include <zarn/io/unique_descriptor.h>
 
-#include <sys/mman.h>
-#include <unistd.h>
+#include <boost/algorithm/string/case_conv.hpp>
+#include <boost/algorithm/string/predicate.hpp>
 
-#include <cerrno>
-#include <string_view>
-#include <system_error>
 #include <utility>
 
 namespace zarn::host::video::rtsp {
 namespace {
 
-/// A file in memory that only this process can open: GStreamer reads hashes from files only, and they must leave no
-/// trace.
-class MemoryFile {
-public:
-    explicit MemoryFile(std::string const& content) : descriptor(memfd_create("rtsp", MFD_CLOEXEC)) {
-        if (!descriptor ||
-            write(descriptor.Get(), content.data(), content.size()) != static_cast<ssize_t>(content.size())) {
-            throw std::system_error(errno, std::generic_category(), "the RTSP server cannot store its credentials");
-        }
-    }
+constexpr std::string_view Account = "admin";
 
-    std::string GetPath() const { return "/proc/self/fd/" + std::to_string(descriptor.Get()); }
-
-private:
-    io::UniqueDescriptor descriptor;
-};
-
-void OverrideAuthenticate(GstRTSPAuthClass& table);
-
-using Authentication = Derived<GstRTSPAuth, GstRTSPAuthClass, std::shared_ptr<FailedLogins>, OverrideAuthenticate>;
-
-bool HasCredentials(GstRTSPContext const* context) {
-    gchar* credentials = nullptr;
-    return gst_rtsp_message_get_header(context->request, GST_RTSP_HDR_AUTHORIZATION, &credentials, 0) == GST_RTSP_OK;
-}
-
-gboolean Authenticate(GstRTSPAuth* authentication, GstRTSPContext* context) {
-    auto const& base = Authentication::GetBase();
-    if (!HasCredentials(context)) return base.authenticate(authentication, context);
-    auto& failedLogins = *Authentication::GetValue(authentication);
-    auto const peer = GetPeer(context->conn);
-    if (failedLogins.GetWait(peer)) return FALSE;
-    auto const isKnown = base.authenticate(authentication, context);
-    if (isKnown == FALSE || context->token == nullptr) failedLogins.Count(peer);
-    return isKnown;
-}
-
-void OverrideAuthenticate(GstRTSPAuthClass& table) { table.authenticate = Authenticate; }
-
-bool IsHash(std::string const& text) {
+bool IsHash(std::string_view text) {
     constexpr std::string_view Digits = "0123456789abcdef";
-    return text.size() == 32 && text.find_first_not_of(Digits) == std::string::npos;
+    return text.size() == 32 && text.find_first_not_of(Digits) == std::string_view::npos;
+}
+
+std::string Get(DigestParameters const& parameters, std::string const& name) {
+    auto const found = parameters.find(name);
+    return found == parameters.end() ? std::string() : found->second;
 }
 
 } // namespace
 
-boost::asio::ip::address GetPeer(GstRTSPConnection const* connection) {
-    auto const* const text = gst_rtsp_connection_get_ip(connection);
-    boost::system::error_code ignored;
-    return text == nullptr ? boost::asio::ip::address() : boost::asio::ip::make_address(text, ignored);
+Authentication::Authentication(std::string ha1) : ha1(std::move(ha1)) {}
+
+std::string Authentication::MakeChallenge(bool isStale, Clock::time_point now) {
+    auto challenge = std::string("Digest realm=\"") + authentication::Realm + "\", nonce=\"" + nonces.Make(now) + "\"";
+    if (isStale) challenge += ", stale=true";
+    return challenge;
 }
 
-ObjectHandle<GstRTSPAuth> MakeAuthentication(std::string const& ha1, std::shared_ptr<FailedLogins> failedLogins) {
-    auto authentication = Authentication::Make(GST_TYPE_RTSP_AUTH, "ZarnRtspAuthentication", std::move(failedLogins));
-    gst_rtsp_auth_set_supported_methods(authentication.get(), GST_RTSP_AUTH_DIGEST);
-    gst_rtsp_auth_set_realm(authentication.get(), zarn::authentication::Realm);
-    if (!IsHash(ha1)) return authentication;
-    MemoryFile const file(std::string("admin:") + zarn::authentication::Realm + ":" + ha1 + "\n");
-    auto* token = gst_rtsp_token_new(GST_RTSP_TOKEN_MEDIA_FACTORY_ROLE, G_TYPE_STRING, AdminRole, nullptr);
-    gst_rtsp_auth_parse_htdigest(authentication.get(), file.GetPath().c_str(), token);
-    gst_rtsp_token_unref(token);
-    return authentication;
+Authentication::Verdict Authentication::Check(std::string_view credentials, std::string_view method, std::string& nonce,
+                                              Clock::time_point now) {
+    auto const parameters = ParseDigestParameters(credentials);
+    if (!parameters || !IsRight(*parameters, method)) return Verdict::Wrong;
+    auto presented = Get(*parameters, "nonce");
+    if (!presented.empty() && presented == nonce) return Verdict::Right;
+    auto const made = nonces.GetTime(presented);
+    if (!made || now - *made >= UsedResponses::LongestLife) return Verdict::Stale;
+    if (!used.Add({.nonce = presented, .nc = {}, .cnonce = {}}, *made, now)) return Verdict::Stale;
+    nonce = std::move(presented);
+    return Verdict::Right;
+}
+
+bool Authentication::IsRight(DigestParameters const& parameters, std::string_view method) const {
+    auto const algorithm = Get(parameters, "algorithm");
+    auto const qop = Get(parameters, "qop");
+    if (!IsHash(ha1) || Get(parameters, "username") != Account) return false;
+    if (!(algorithm.empty() || boost::iequals(algorithm, "MD5")) || !(qop.empty() || qop == "auth")) return false;
+    auto const uri = Get(parameters, "uri");
+    auto const nonce = Get(parameters, "nonce");
+    auto const nc = Get(parameters, "nc");
+    auto const cnonce = Get(parameters, "cnonce");
+    return authentication::IsDigestResponse(
+        {.ha1 = ha1, .method = method, .uri = uri, .nonce = nonce, .nc = nc, .cnonce = cnonce, .qop = qop},
+        boost::to_lower_copy(Get(parameters, "response")));
 }
 
 } // namespace zarn::host::video::rtsp

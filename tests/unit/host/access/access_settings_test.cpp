@@ -29,13 +29,12 @@ TEST_F(AccessSettingsTest, AskForALoginByDefault) {
 
 TEST_F(AccessSettingsTest, AreRead) {
     Read(R"({"authentication": {"enabled": false, "nonce_seconds": 2},
-             "limits": {"failed_logins_per_minute": 7, "connections": 3, "connections_per_address": 4}})");
+             "limits": {"failed_logins_per_minute": 7, "connections_per_address": 4}})");
     auto const access = ReadAccessSettings(*root);
     EXPECT_FALSE(access.authenticate);
     EXPECT_EQ(access.nonceLife, std::chrono::seconds(2));
     EXPECT_EQ(access.failedLoginsPerMinute, 7U);
-    EXPECT_EQ(ReadConnectionLimits(*root).connections, 3U);
-    EXPECT_EQ(ReadConnectionLimits(*root).connectionsPerAddress, 4U);
+    EXPECT_EQ(ReadConnectionsPerAddress(*root), 4U);
 }
 
 TEST_F(AccessSettingsTest, LimitTheNonceLifetimeToFiveMinutes) {

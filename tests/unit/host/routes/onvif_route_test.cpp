@@ -1,5 +1,5 @@
+#include "host/access/digest_parameters.h"
 #include "host/routes/onvif_route.h"
-#include "host/web/digest_credentials.h"
 #include "support/test_request.h"
 #include "support/thread_failure.h"
 #include "web/ask.h"
@@ -105,7 +105,7 @@ TEST_F(OnvifRouteTest, ReplacesTheModulesChallengeWithTheHosts) {
     auto const reply = Send("x").get().reply;
     EXPECT_EQ(reply.GetStatus(), Status::Unauthorized);
     EXPECT_EQ(reply.GetBody().at(0)->ToStringView(), "no");
-    auto const challenge = web::ParseDigestParameters(reply.GetFields().at("WWW-Authenticate"));
+    auto const challenge = ParseDigestParameters(reply.GetFields().at("WWW-Authenticate"));
     EXPECT_TRUE(challenges.Accept({.nonce = challenge->at("nonce"), .nc = "1", .cnonce = "c"}));
 }
 

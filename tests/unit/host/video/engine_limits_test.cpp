@@ -1,4 +1,4 @@
-#include "host/video/rtsp/connections.h"
+#include "host/video/rtsp/connection.h"
 #include "support/eventually.h"
 #include "unit/host/video/video_test.h"
 
@@ -13,13 +13,14 @@
 #include <poll.h>
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <thread>
 
 namespace zarn::host::video {
 namespace {
 
 using namespace std::chrono_literals;
-using rtsp::Connections;
+using rtsp::Connection;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -101,8 +102,10 @@ constexpr char Options[] = "OPTIONS * RTSP/1.0\r\nCSeq: 1\r\n\r\n";
 
 TEST_F(EngineLimits, RefuseConnectionsAboveTheMaximumUntilOneCloses) {
     StartChannel();
+    auto const limits = RtspSettings().limits;
+    auto const most = std::min(limits.connections, limits.connectionsPerAddress);
     std::vector<std::unique_ptr<Peer>> peers;
-    for (std::size_t count = 0; count < Connections::Maximum; ++count) {
+    for (std::size_t count = 0; count < most; ++count) {
         peers.push_back(Connect());
         ASSERT_TRUE(peers.back()->Send(Options));
         ASSERT_THAT(peers.back()->ReadAnswer(), StartsWith("RTSP/1.0 200"));
@@ -150,8 +153,8 @@ TEST_F(EngineLimits, CloseIdleConnectionsButNoViewers) {
     auto const begin = std::chrono::steady_clock::now();
     auto const idle = Connect();
     EXPECT_TRUE(idle->IsClosed(Deadline));
-    EXPECT_GE(std::chrono::steady_clock::now() - begin, Connections::Patience);
-    while (std::chrono::steady_clock::now() < begin + Connections::Patience + 3s) {
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, Connection::Patience);
+    while (std::chrono::steady_clock::now() < begin + Connection::Patience + 3s) {
         ASSERT_TRUE(overTcp.Next()) << overTcp.GetFailure();
         ASSERT_TRUE(overUdp.Next()) << overUdp.GetFailure();
     }
@@ -167,8 +170,8 @@ TEST_F(EngineLimits, CloseConnectionsThatSendTooMuch) {
         while (peer->Send(field)) {
         }
     });
-    EXPECT_TRUE(peer->IsClosed(Connections::Patience));
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, Connections::Patience);
+    EXPECT_TRUE(peer->IsClosed(Connection::Patience));
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, Connection::Patience);
     peer->ShutDown();
 }
 

@@ -1,4 +1,4 @@
-#include "host/video/feed.h"
+#include "host/video/viewer_clock.h"
 
 #include <gtest/gtest.h>
 

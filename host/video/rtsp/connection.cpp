@@ -1,0 +1,497 @@
+#include "host/video/rtsp/connection.h"
+
+#include "host/video/log.h"
+#include "host/video/rtsp/description.h"
+#include "host/video/rtsp/stream_path.h"
+#include "host/video/rtsp/transport.h"
+#include "host/video/rtsp/worker.h"
+
+#include <zarn/text/character.h>
+
+#include <boost/asio/buffer.hpp>
+#include <boost/asio/post.hpp>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <exception>
+#include <set>
+#include <utility>
+
+namespace zarn::host::video::rtsp {
+namespace {
+
+namespace asio = boost::asio;
+using SystemClock = std::chrono::system_clock;
+
+/// What the system keeps of a client that never stops sending.
+constexpr int ReceiveBuffer = 32 * 1024;
+
+/// What the system keeps unsent for a client that does not read; the rest waits in queues that viewers share.
+constexpr int UnsentBytes = 256 * 1024;
+
+/// How long a client may leave unread what it has been sent, in milliseconds. A little video would fit into the
+/// system's buffers for much longer.
+constexpr unsigned UnreadTime = std::chrono::milliseconds(Session::Timeout).count();
+
+constexpr std::string_view Tunnelled = "x-sessioncookie";
+
+std::string ToHexadecimal(std::uint32_t number) {
+    std::array<char, 9> text{};
+    std::snprintf(text.data(), text.size(), "%08X", static_cast<unsigned>(number));
+    return text.data();
+}
+
+std::string WritePair(unsigned first, unsigned second) { return std::to_string(first) + "-" + std::to_string(second); }
+
+/// The identifier in a Session field, without parameters.
+std::string GetSessionId(Request const& request) {
+    auto const field = request.Find("Session");
+    return std::string(text::Trim(field.substr(0, field.find(';'))));
+}
+
+} // namespace
+
+constexpr std::string_view PublicMethods =
+    "OPTIONS, DESCRIBE, GET_PARAMETER, PAUSE, PLAY, SETUP, SET_PARAMETER, TEARDOWN";
+
+std::array<Connection::Method, 8> const Connection::Methods{{
+    {"OPTIONS", &Connection::AnswerOptions},
+    {"DESCRIBE", &Connection::AnswerDescribe},
+    {"SETUP", &Connection::AnswerSetUp},
+    {"GET_PARAMETER", &Connection::AnswerParameter},
+    {"SET_PARAMETER", &Connection::AnswerParameter},
+    {"PLAY", &Connection::AnswerWithoutSession},
+    {"PAUSE", &Connection::AnswerWithoutSession},
+    {"TEARDOWN", &Connection::AnswerWithoutSession},
+}};
+
+Connection::Connection(std::shared_ptr<Site> site, Worker& worker, Accepted accepted)
+    : site(std::move(site)),
+      worker(worker),
+      socket(std::move(accepted.socket)),
+      peer(std::move(accepted.peer)),
+      slot(std::move(accepted.slot)),
+      authentication(std::move(accepted.authentication)) {}
+
+Connection::~Connection() { Close(); }
+
+void Connection::Start() {
+    boost::system::error_code ignored;
+    socket.non_blocking(true, ignored);
+    socket.set_option(asio::ip::tcp::no_delay(true), ignored);
+    socket.set_option(asio::socket_base::receive_buffer_size(ReceiveBuffer), ignored);
+    setsockopt(socket.native_handle(), IPPROTO_TCP, TCP_NOTSENT_LOWAT, &UnsentBytes, sizeof(UnsentBytes));
+    setsockopt(socket.native_handle(), IPPROTO_TCP, TCP_USER_TIMEOUT, &UnreadTime, sizeof(UnreadTime));
+    worker.Add(shared_from_this());
+    Read();
+}
+
+void Connection::Read() {
+    if (isReading || isClosed || isBusy || !outbox.HasRoom()) return;
+    isReading = true;
+    socket.async_read_some(
+        asio::buffer(buffer), [self = shared_from_this()](boost::system::error_code error, std::size_t size) {
+            self->isReading = false;
+            if (error) return self->Close();
+            if (self->cookie.empty()) {
+                self->OnReceived({self->buffer.data(), size});
+            } else if ((self->received += size) > MaximumReceived) { // requests come through the other half
+                return self->Close();
+            }
+            self->Read();
+        });
+}
+
+void Connection::ReadTunnel() {
+    if (!tunnel || isClosed || isBusy || !outbox.HasRoom()) return;
+    tunnel->async_read_some(asio::buffer(tunnelBuffer),
+                            [self = shared_from_this()](boost::system::error_code error, std::size_t size) {
+                                if (error == asio::error::operation_aborted || self->isClosed)
+                                    return;                             // another one has taken its place
+                                if (error) return self->tunnel.reset(); // the client may open another one
+                                auto const bytes = self->decoder.Decode({self->tunnelBuffer.data(), size});
+                                if (!bytes) return self->Close();
+                                self->OnReceived(*bytes);
+                                self->ReadTunnel();
+                            });
+}
+
+void Connection::OnReceived(std::string_view bytes) {
+    received += bytes.size();
+    if (received > MaximumReceived) return Close();
+    if (isFinishing) return; // waits for the client to close
+    input.append(bytes);
+    Parse();
+}
+
+void Connection::Parse() {
+    std::size_t parsed = 0;
+    while (!isBusy && !isFinishing && !isClosed && outbox.HasRoom() && socket.is_open()) {
+        auto const next = ParseInput(std::string_view(input).substr(parsed));
+        parsed += next.size;
+        if (std::holds_alternative<Input::Incomplete>(next.what)) break;
+        if (auto const* request = std::get_if<Request>(&next.what)) {
+            if (request->version.starts_with("HTTP/")) {
+                input.erase(0, std::exchange(parsed, 0)); // what follows goes through the tunnel
+                OnHttp(*request);
+                continue;
+            }
+            OnRequest(*request);
+        } else if (auto const* packet = std::get_if<Input::Interleaved>(&next.what)) {
+            OnInterleaved(*packet);
+        } else {
+            Refuse(std::get<Input::Refused>(next.what));
+        }
+    }
+    input.erase(0, std::min(parsed, input.size()));
+}
+
+/// Goes on with requests that had to wait.
+void Connection::Resume() {
+    Parse();
+    Read();
+    ReadTunnel();
+}
+
+/// Whatever they say, receiver reports are signs of life.
+void Connection::OnInterleaved(Input::Interleaved const& packet) {
+    if (!rtp::IsRtcp(packet.data)) return;
+    for (auto const& session : sessions) {
+        if (session->IsInterleaved()) session->Touch(Clock::now());
+    }
+}
+
+void Connection::Refuse(Input::Refused const& refused) {
+    if (!refused.status) return Close();
+    Reply({*refused.status}, refused.sequence);
+    Finish();
+}
+
+void Connection::OnRequest(Request const& request) {
+    auto const sequence = std::string(request.Find("CSeq"));
+    if (sequence.empty()) return Refuse({Status::BadRequest});
+    if (request.version != "RTSP/1.0") return Reply({Status::VersionNotSupported}, sequence);
+    if (auto const required = request.Find("Require"); !required.empty())
+        return Reply({Status::OptionNotSupported, {{"Unsupported", std::string(required)}}}, sequence);
+    auto const method = std::ranges::find(Methods, request.method, &Method::name);
+    if (method == Methods.end()) return Reply({Status::NotImplemented}, sequence);
+    auto const id = GetSessionId(request);
+    if (id.empty() || method->answer == &Connection::AnswerSetUp || method->answer == &Connection::AnswerDescribe)
+        return Reply((this->*method->answer)(request), sequence);
+    auto* const owner = site->FindWorker(id);
+    if (owner == nullptr) return Reply({Status::SessionNotFound}, sequence);
+    AnswerInSession(request, id, *owner);
+}
+
+/// Has the worker that owns the session answer the request.
+void Connection::AnswerInSession(Request const& request, std::string const& id, Worker& owner) {
+    struct Answered {
+        Response response{Status::SessionNotFound};
+        std::weak_ptr<Session const> session = {};
+    };
+
+    auto answer = [request, id, authority = GetAuthority(), asker = this, &owner] {
+        Answered answered;
+        auto const session = owner.FindSession(id);
+        // An interleaved session belongs to its connection.
+        if (!session || (session->IsInterleaved() && !session->UsesOutlet(*asker))) return answered;
+        answered.session = session;
+        session->Touch(Clock::now());
+        auto const path = ParseStreamPath(request.uri);
+        if (request.method == "OPTIONS") {
+            answered.response = {Status::Ok, {{"Public", std::string(PublicMethods)}, {"Session", id}}};
+        } else if (request.method.ends_with("_PARAMETER")) {
+            answered.response = {request.body.empty() ? Status::Ok : Status::ParameterNotUnderstood, {{"Session", id}}};
+        } else if (!path) {
+            answered.response = {Status::NotFound};
+        } else {
+            answered.response = session->Handle(request, *path, MakeChannelUri(request.uri, path->id, authority));
+        }
+        return answered;
+    };
+    auto const sequence = std::string(request.Find("CSeq"));
+    auto const finish = [sequence](Connection& self, Answered const& answered) {
+        self.isBusy = false;
+        self.Watch(answered.session);
+        self.Reply(answered.response, sequence);
+    };
+    if (&owner == &worker) {
+        auto const answered = answer();
+        finish(*this, answered);
+        if (auto const session = owner.FindSession(id)) session->Proceed();
+        return;
+    }
+    isBusy = true;
+    asio::post(owner.GetContext(),
+               [answer = std::move(answer), finish, id, &owner, &home = worker, weak = weak_from_this()] {
+                   auto answered = answer();
+                   if (auto const session = owner.FindSession(id)) session->Proceed();
+                   asio::post(home.GetContext(), [finish, weak, answered = std::move(answered)] {
+                       auto const self = weak.lock();
+                       if (!self || self->isClosed) return;
+                       finish(*self, answered);
+                       self->Resume();
+                   });
+               });
+}
+
+/// The connection stays as long as a session that was asked for over it.
+void Connection::Watch(std::weak_ptr<Session const> const& session) {
+    auto const isSame = [&session](std::weak_ptr<Session const> const& each) {
+        return !each.owner_before(session) && !session.owner_before(each);
+    };
+    if (!session.expired() && std::ranges::none_of(watched, isSame)) watched.push_back(session);
+}
+
+/// The two halves of a tunnel are recognised by their requests.
+void Connection::OnHttp(Request const& request) {
+    auto const wanted = std::string(request.Find(Tunnelled));
+    bool const isUsable = cookie.empty() && !wanted.empty() && wanted.size() <= Tunnels::MaximumCookie;
+    if (isUsable && request.method == "POST") return HandOver(request);
+    if (!isUsable || request.method != "GET" || !site->GetTunnels().Add(wanted, {&worker, weak_from_this()})) {
+        outbox.Add(WriteHttpRefusal(SystemClock::now()));
+        return Finish();
+    }
+    cookie = wanted;
+    outbox.Add(WriteTunnelResponse(SystemClock::now()));
+    Flush();
+}
+
+/// Gives the socket to the other half of the tunnel; this connection has ended then.
+void Connection::HandOver(Request const& request) {
+    auto const half = site->GetTunnels().Find(request.Find(Tunnelled));
+    if (!half) return Close();
+    boost::system::error_code error;
+    io::UniqueDescriptor descriptor(socket.release(error));
+    isClosed = true;
+    if (error) return;
+    asio::post(half->worker->GetContext(), [connection = half->connection, descriptor = std::move(descriptor),
+                                            received = std::move(input), slot = slot]() mutable {
+        auto const other = connection.lock();
+        if (other) other->Attach(std::move(descriptor), received, std::move(slot));
+    });
+    input.clear();
+}
+
+void Connection::Attach(io::UniqueDescriptor descriptor, std::string_view bytes, ConnectionCount::Slot otherSlot) {
+    if (isClosed) return;
+    boost::system::error_code error;
+    if (tunnel) tunnel->close(error);
+    tunnel.emplace(worker.GetContext());
+    tunnel->assign(asio::ip::tcp::v4(), descriptor.Get(), error);
+    if (error) return tunnel.reset();
+    descriptor.Release();
+    tunnelSlot = std::move(otherSlot);
+    decoder = {};
+    auto const decoded = decoder.Decode(bytes);
+    if (!decoded) return Close();
+    OnReceived(*decoded);
+    ReadTunnel();
+}
+
+void Connection::Reply(Response const& response, std::string_view sequence) {
+    if (isClosed) return;
+    outbox.Add(WriteResponse(response, sequence, SystemClock::now()));
+    Flush();
+}
+
+void Connection::SendControl(Track const& track, std::string packet) {
+    if (isClosed || !outbox.HasRoom()) return;
+    std::string frame{'$', static_cast<char>(track.channel + 1), static_cast<char>(packet.size() >> 8),
+                      static_cast<char>(packet.size() & 0xFF)};
+    outbox.Add(frame += packet);
+    Flush();
+}
+
+void Connection::Flush() {
+    if (isWriting || isClosed) return;
+    isWriting = true;
+    bool const hadRoom = outbox.HasRoom();
+    auto const result = outbox.Send(socket.native_handle(), sessions);
+    using enum Outbox::Result;
+    if (result == Empty) {
+        isWriting = false;
+    } else if (result == Failed) {
+        // Not now: the caller may be going through the sessions.
+        asio::post(worker.GetContext(), [self = shared_from_this()] { self->Close(); });
+    } else {
+        auto goOn = [self = shared_from_this()](boost::system::error_code = {}) {
+            self->isWriting = false;
+            self->Flush();
+        };
+        if (result == Full) {
+            socket.async_wait(Socket::wait_write, std::move(goOn));
+        } else {
+            asio::post(worker.GetContext(), std::move(goOn));
+        }
+    }
+    if (isFinishing && outbox.HasSentTexts()) {
+        boost::system::error_code ignored;
+        socket.shutdown(Socket::shutdown_send, ignored);
+    }
+    if (!hadRoom && outbox.HasRoom()) {
+        asio::post(worker.GetContext(), [self = shared_from_this()] { self->Resume(); });
+    }
+}
+
+/// Closes when the client does: closing at once would make its system discard the answer before it is read.
+void Connection::Finish() {
+    isFinishing = true;
+    Flush();
+}
+
+void Connection::Sweep(Clock::time_point now) {
+    received = 0;
+    if (outbox.TakeProgress()) {
+        for (auto const& session : sessions) {
+            if (session->IsInterleaved()) session->Touch(now);
+        }
+    }
+    std::erase_if(sessions, [](auto const& session) { return session->HasEnded(); });
+    std::erase_if(watched, [](auto const& session) { return session.expired(); });
+    if (!sessions.empty() || !watched.empty()) seen = now;
+    if (now - seen > Patience) Close();
+}
+
+void Connection::Close() {
+    if (std::exchange(isClosed, true)) return;
+    boost::system::error_code ignored;
+    socket.close(ignored);
+    if (tunnel) tunnel->close(ignored);
+    if (!cookie.empty()) site->GetTunnels().Remove(cookie);
+    slot.reset();
+    tunnelSlot.reset();
+    for (auto const& session : std::exchange(sessions, {})) {
+        if (session->IsInterleaved() || !session->IsPlaying()) session->End();
+    }
+}
+
+std::optional<Response> Connection::CheckLogin(Request const& request) {
+    if (!authentication) return std::nullopt;
+    auto const credentials = request.Find("Authorization");
+    bool isStale = false;
+    if (!credentials.empty() && !site->GetFailedLogins().GetWait(peer)) {
+        using enum Authentication::Verdict;
+        auto const verdict = authentication->Check(credentials, request.method, nonce);
+        if (verdict == Right) return std::nullopt;
+        if (verdict == Wrong) site->GetFailedLogins().Count(peer);
+        isStale = verdict == Stale;
+    }
+    return Response{Status::Unauthorized, {{"WWW-Authenticate", authentication->MakeChallenge(isStale)}}};
+}
+
+Response Connection::AnswerOptions(Request const&) { return {Status::Ok, {{"Public", std::string(PublicMethods)}}}; }
+
+Response Connection::AnswerParameter(Request const& request) {
+    return {request.body.empty() ? Status::Ok : Status::ParameterNotUnderstood};
+}
+
+Response Connection::AnswerWithoutSession(Request const&) { return {Status::SessionNotFound}; }
+
+Response Connection::AnswerDescribe(Request const& request) {
+    if (auto refusal = CheckLogin(request)) return *std::move(refusal);
+    auto const path = ParseStreamPath(request.uri);
+    auto const mount = path && !path->track ? site->GetMounts().Find(path->id) : nullptr;
+    if (!mount) return {Status::NotFound};
+    auto const tracks = mount->Describe();
+    if (!tracks) return {Status::Unavailable};
+    auto const number = SystemClock::now().time_since_epoch().count();
+    boost::system::error_code ignored;
+    auto const address = socket.local_endpoint(ignored).address().to_string();
+    return {Status::Ok,
+            {{"Content-Type", "application/sdp"},
+             {"Content-Base", MakeChannelUri(request.uri, path->id, GetAuthority()) + "/"}},
+            WriteDescription(*tracks, static_cast<std::uint64_t>(number), address)};
+}
+
+Response Connection::AnswerSetUp(Request const& request) {
+    if (auto refusal = CheckLogin(request)) return *std::move(refusal);
+    auto const path = ParseStreamPath(request.uri);
+    auto const mount = path ? site->GetMounts().Find(path->id) : nullptr;
+    if (!mount) return {Status::NotFound};
+    if (!path->track && mount->CountTracks() > 1) return {Status::AggregateNotAllowed};
+    auto const track = path->track.value_or(0);
+    if (track >= mount->CountTracks()) return {Status::NotFound};
+    auto const id = GetSessionId(request);
+    auto session = FindOwn(id);
+    if (!id.empty() && !session) return {Status::SessionNotFound};
+    auto const transport = ChooseTransport(request.Find("Transport"));
+    if (!transport) return {Status::UnsupportedTransport};
+    if (session) {
+        if (session->GetMount().GetId() != path->id) return {Status::AggregateNotAllowed};
+        if (session->IsPlaying()) return {Status::MethodNotValidInThisState};
+        return SetUp(*session, track, *transport);
+    }
+    if (!mount->Describe()) return {Status::Unavailable};
+    auto sessionSlot = site->AddSession(peer);
+    if (!sessionSlot || sessions.size() >= MaximumSessions) return {Status::Unavailable};
+    session = std::make_shared<Session>(worker, mount, Site::MakeSessionId(worker), std::move(sessionSlot));
+    auto response = SetUp(*session, track, *transport);
+    if (response.status != Status::Ok) return response;
+    // A viewer whose stream ends hears of it by the end of its connection, too.
+    session->SetOnExpiry([weak = weak_from_this()] {
+        if (auto const self = weak.lock()) self->Close();
+    });
+    sessions.push_back(session);
+    worker.Add(session);
+    return response;
+}
+
+Response Connection::SetUp(Session& session, std::size_t track, Transport const& transport) try {
+    std::string text;
+    rtp::Sender const* sender = nullptr;
+    if (transport.isInterleaved) {
+        auto const channel = ChooseChannel(transport.channel);
+        if (!channel) return {Status::UnsupportedTransport};
+        sender = &session.SetUp(track, *channel, *this).sender;
+        text = "RTP/AVP/TCP;unicast;interleaved=" + WritePair(*channel, *channel + 1U);
+    } else {
+        sender = &session.SetUp(track, peer, transport).sender;
+        unsigned const port = worker.GetUdpPorts().GetPort();
+        text = "RTP/AVP;unicast;client_port=" + WritePair(transport.rtpPort, transport.rtcpPort) +
+               ";server_port=" + WritePair(port, port + 1);
+    }
+    text += ";ssrc=" + ToHexadecimal(sender->GetSource()) + ";mode=\"PLAY\"";
+    return {Status::Ok,
+            {{"Transport", std::move(text)},
+             {"Session", session.GetId() + ";timeout=" + std::to_string(Session::Timeout.count())}}};
+
+} catch (std::exception const& error) {
+
+    site->GetRefusals().Log(logging::Level::Error, "An RTSP session cannot be set up: %0%", error.what());
+    return {Status::InternalError};
+}
+
+/// The wanted channel, or the first free one.
+std::optional<std::uint8_t> Connection::ChooseChannel(std::optional<std::uint8_t> wanted) const {
+    std::set<unsigned> used;
+    for (auto const& session : sessions) {
+        if (!session->IsInterleaved() || session->HasEnded()) continue;
+        for (auto const& track : session->GetTracks()) {
+            if (track) used.insert({track->channel, track->channel + 1U});
+        }
+    }
+    auto const isFree = [&used](unsigned channel) { return !used.contains(channel) && !used.contains(channel + 1); };
+    if (wanted && isFree(*wanted)) return wanted;
+    for (unsigned channel = 0; channel < 255; channel += 2) {
+        if (isFree(channel)) return static_cast<std::uint8_t>(channel);
+    }
+    return std::nullopt;
+}
+
+std::shared_ptr<Session> Connection::FindOwn(std::string_view id) const {
+    auto const found = std::ranges::find_if(
+        sessions, [id](auto const& session) { return session->GetId() == id && !session->HasEnded(); });
+    return found == sessions.end() ? nullptr : *found;
+}
+
+std::string Connection::GetAuthority() const {
+    boost::system::error_code ignored;
+    auto const local = socket.local_endpoint(ignored);
+    return local.address().to_string() + ":" + std::to_string(local.port());
+}
+
+} // namespace zarn::host::video::rtsp

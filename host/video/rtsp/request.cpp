@@ -1,0 +1,115 @@
+#include "host/video/rtsp/request.h"
+
+#include <zarn/text/character.h>
+
+#include <boost/algorithm/string/predicate.hpp>
+
+#include <algorithm>
+#include <charconv>
+#include <optional>
+
+namespace zarn::host::video::rtsp {
+namespace {
+
+constexpr char InterleavedMark = '$';
+constexpr std::size_t InterleavedHeader = 4;
+
+Input ParseInterleaved(std::string_view text) {
+    if (text.size() < InterleavedHeader) return {};
+    auto const byte = [text](std::size_t at) { return static_cast<unsigned char>(text[at]); };
+    std::size_t const size = byte(2) * std::size_t{256} + byte(3);
+    if (text.size() < InterleavedHeader + size) return {};
+    return {Input::Interleaved{byte(1), text.substr(InterleavedHeader, size)}, InterleavedHeader + size};
+}
+
+/// Removes a line and returns it without its end; none when it has no end.
+std::optional<std::string_view> ReadLine(std::string_view& text) {
+    auto const end = text.find('\n');
+    if (end == std::string_view::npos) return std::nullopt;
+    auto line = text.substr(0, end);
+    text.remove_prefix(end + 1);
+    if (line.ends_with('\r')) line.remove_suffix(1);
+    return line;
+}
+
+/// Removes a word and the blank after it.
+std::string_view ReadWord(std::string_view& line) {
+    auto const end = std::min(line.find(' '), line.size());
+    auto const word = line.substr(0, end);
+    line.remove_prefix(std::min(end + 1, line.size()));
+    return word;
+}
+
+bool ReadRequestLine(std::string_view line, Request& request) {
+    request.method = ReadWord(line);
+    request.uri = ReadWord(line);
+    request.version = ReadWord(line);
+    return !request.method.empty() && !request.uri.empty() && line.empty() &&
+           (request.version.starts_with("RTSP/") || request.version.starts_with("HTTP/"));
+}
+
+bool ReadField(std::string_view line, Request& request) {
+    auto const colon = line.find(':');
+    if (colon == std::string_view::npos || colon == 0) return false;
+    auto const name = line.substr(0, colon);
+    if (name.find_first_of(" \t") != std::string_view::npos || !text::IsLine(name)) return false;
+    request.fields.emplace_back(name, text::Trim(line.substr(colon + 1)));
+    return true;
+}
+
+/// The length of the body; none when the field is no number. An absent field means 0.
+std::optional<std::size_t> ReadLength(Request const& request) {
+    auto const text = request.Find("Content-Length");
+    std::size_t length = 0;
+    auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), length);
+    if (error == std::errc::result_out_of_range) return MaximumBody + 1;
+    if (!text.empty() && (error != std::errc() || end != text.data() + text.size())) return std::nullopt;
+    return length;
+}
+
+} // namespace
+
+std::string_view Request::Find(std::string_view name) const {
+    auto const found =
+        std::ranges::find_if(fields, [name](auto const& field) { return boost::iequals(field.first, name); });
+    return found == fields.end() ? std::string_view() : found->second;
+}
+
+Input ParseInput(std::string_view text) {
+    auto const begin = std::min(text.find_first_not_of("\r\n"), text.size());
+    auto rest = text.substr(begin);
+    if (rest.empty()) return {Input::Incomplete(), begin};
+    if (rest.front() == InterleavedMark) {
+        auto input = ParseInterleaved(rest);
+        input.size += begin;
+        return input;
+    }
+    auto const refuse = [&](std::optional<Status> status, Request const& request) {
+        return Input{Input::Refused{status, std::string(request.Find("CSeq"))}, text.size()};
+    };
+    auto const header = rest.substr(0, MaximumHeader);
+    auto lines = header;
+    Request request;
+    for (bool isFirst = true;; isFirst = false) {
+        auto const line = ReadLine(lines);
+        if (!line) {
+            if (header.size() == MaximumHeader) return refuse({}, request);
+            return {Input::Incomplete(), begin};
+        }
+        if (line->empty()) break;
+        if (request.fields.size() == MaximumFields) return refuse({}, request);
+        if (!(isFirst ? ReadRequestLine(*line, request) : ReadField(*line, request)))
+            return refuse(Status::BadRequest, request);
+    }
+    auto const headerSize = header.size() - lines.size();
+    // The body of a tunnel's POST request is the tunnel, and has no end.
+    bool const isTunnel = request.version.starts_with("HTTP/");
+    auto const length = isTunnel ? std::size_t{0} : ReadLength(request);
+    if (!length) return refuse(Status::BadRequest, request);
+    if (*length > MaximumBody) return refuse(Status::EntityTooLarge, request);
+    if (rest.size() < headerSize + *length) return {Input::Incomplete(), begin};
+    request.body = rest.substr(headerSize, *length);
+    return {std::move(request), begin + headerSize + *length};
+}
+
+} // namespace zarn::host::video::rtsp

@@ -1,0 +1,48 @@
+#include "host/video/viewer_queue.h"
+
+#include <algorithm>
+
+namespace zarn::host::video {
+namespace {
+
+ViewerQueue::Time GetFirstTime(AccessUnit const& unit) {
+    return std::min(unit.stamp.presentation, unit.stamp.decoding);
+}
+
+} // namespace
+
+void ViewerQueue::Start(AccessUnits const& group, Time present) {
+    isRunning = true;
+    awaitsKey = group.empty();
+    newest = 0; // after a pause, the key frame is sent again
+    if (!group.empty()) clock.emplace(GetFirstTime(*group.front()), present);
+    for (auto const& unit : group) Push(unit);
+}
+
+void ViewerQueue::Stop(Time present) {
+    origin = Map(present);
+    clock.reset();
+    isRunning = false;
+    items.clear();
+    bytes = 0;
+}
+
+void ViewerQueue::Push(AccessUnitPtr const& unit) {
+    if (!isRunning || unit->number <= newest) return;
+    if (awaitsKey && !unit->isKey) return;
+    awaitsKey = bytes > MaximumBytes;
+    if (awaitsKey) return;
+    if (!clock) clock.emplace(GetFirstTime(*unit), GetFirstTime(*unit));
+    newest = unit->number;
+    bytes += unit->size;
+    items.push_back({unit, Map(unit->stamp.presentation)});
+}
+
+void ViewerQueue::RemoveFirst() {
+    bytes -= items.front().unit->size;
+    items.pop_front();
+}
+
+ViewerQueue::Time ViewerQueue::Map(Time time) const { return clock ? origin + clock->Map(time) : origin; }
+
+} // namespace zarn::host::video

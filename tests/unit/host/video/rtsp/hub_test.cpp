@@ -1,0 +1,102 @@
+#include "host/video/rtsp/hub.h"
+#include "host/video/rtsp/session.h"
+#include "host/video/rtsp/worker.h"
+
+#include <gmock/gmock.h>
+
+#include <chrono>
+#include <memory>
+#include <vector>
+
+namespace zarn::host::video::rtsp {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+/// Remembers what is to be sent.
+class Numbers final : public Outlet {
+public:
+    void Flush() override {
+        for (; !track->queue.IsEmpty(); track->queue.RemoveFirst())
+            list.push_back(track->queue.GetFirst().unit->number);
+    }
+
+    void SendControl(Track const&, std::string) override {}
+
+    Track* track = nullptr;
+    std::vector<std::uint64_t> list;
+};
+
+/// A hub whose worker has no thread: what waits is passed on when the test says so.
+class RtspHub : public testing::Test {
+protected:
+    RtspHub() {
+        stream->Subscribe(hub);
+        mount = std::make_shared<Mount const>("1", std::vector<Mount::Hubs>{{hub}});
+        session = std::make_shared<Session>(worker, mount, "id", nullptr);
+        numbers.track = &session->SetUp(0, 0, numbers);
+    }
+
+    void Publish(bool isKey, std::size_t size = 10) {
+        auto unit = std::make_shared<AccessUnit>();
+        unit->isKey = isKey;
+        unit->size = size;
+        stream->Publish(std::move(unit));
+    }
+
+    void Play() {
+        session->Handle({"PLAY", "", "RTSP/1.0", {}, {}}, {"1"}, "");
+        session->Proceed();
+    }
+
+    void PassOn() { worker.GetContext().poll(); }
+
+    Worker worker{0};
+    std::shared_ptr<Stream> stream = std::make_shared<Stream>(meta::data::VideoInfo());
+    std::shared_ptr<Hub> hub = std::make_shared<Hub>(worker.GetContext(), stream, 0);
+    std::shared_ptr<Mount const> mount;
+    std::shared_ptr<Session> session;
+    Numbers numbers;
+};
+
+TEST_F(RtspHub, WakesItsWorkerForViewersOnly) {
+    Publish(true);
+    EXPECT_EQ(worker.GetContext().poll(), 0U);
+    Play();
+    Publish(false);
+    Publish(false);
+    EXPECT_EQ(worker.GetContext().poll(), 1U) << "once for both";
+}
+
+TEST_F(RtspHub, PassesOnInOrder) {
+    Play();
+    for (bool const isKey : {true, false, false}) Publish(isKey);
+    EXPECT_THAT(numbers.list, IsEmpty()) << "the publishing thread must not send";
+    PassOn();
+    EXPECT_THAT(numbers.list, ElementsAre(1, 2, 3));
+}
+
+TEST_F(RtspHub, PassesNothingOnToAViewerThatHasLeft) {
+    Play();
+    Publish(true);
+    PassOn();
+    session->End();
+    Publish(false);
+    PassOn();
+    EXPECT_THAT(numbers.list, ElementsAre(1));
+}
+
+TEST_F(RtspHub, SkipsToAKeyFrameWhenItsWorkerCannotFollow) {
+    Play();
+    Publish(true);
+    Publish(false, Hub::MaximumWaiting);
+    Publish(false);
+    Publish(false);
+    Publish(true);
+    PassOn();
+    EXPECT_THAT(numbers.list, ElementsAre(5));
+}
+
+} // namespace
+} // namespace zarn::host::video::rtsp
