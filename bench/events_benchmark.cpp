@@ -101,7 +101,8 @@ void QueueEvent(benchmark::State& state) {
 
 using service::onvif::Subscription;
 
-/// What a thread does again and again while another one publishes a list.
+// What a thread does again and again while another one publishes a list:
+
 /// For comparison: how long the system takes the processor away.
 void DoNothing(Subscription&) {}
 

@@ -46,7 +46,7 @@ struct ProtectedPath {
         auto const refusal = digest.Refuse(test::TestRequest(test::TestRequest::Method::Get, std::string(Target),
                                                              {{"Authorization", std::move(authorization)}}));
         if (!refusal) return {.served = true};
-        auto const data = refusal->GetData();
+        auto const& data = refusal->reply;
         Require(static_cast<int>(data.GetStatus()) == 401, "a refusal is a 401");
         std::string_view const challenge = data.GetFields().at("WWW-Authenticate");
         constexpr std::string_view Name = "nonce=\"";

@@ -59,7 +59,7 @@ private:
         for (auto const& [name, value] : request->GetFields()) {
             Require(!name.empty() && IsFree(name, std::string_view("\0\r\n :", 5)), "a field has a name");
             Require(IsFree(value, std::string_view("\0\r\n", 3)), "a field is one line");
-            Require(!IsOfConnection(name), "fields of the connection do not reach a service");
+            Require(!IsOfConnection(name), "fields of the connection do not reach a handler");
         }
         done(host::web::Reply(
             host::web::Status::Ok, {{"Content-Type", "text/plain"}},

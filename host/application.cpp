@@ -43,9 +43,8 @@ constexpr std::chrono::seconds QueueInterval{1};
 
 std::vector<int> const EndingSignals{SIGTERM, SIGINT};
 
-/// The threads of the web server never wait, so that more than a few would only compete for the processors.
-/// The workers of the module need the processors more than the web server does, whose threads disturb each other when
-/// they are as many.
+/// The web server's threads never wait. One for every two processors leaves the others to the module's workers, which
+/// do most of the work; more would only compete with them.
 unsigned CountWebThreads() { return std::clamp(std::thread::hardware_concurrency() / 2, 1U, 4U); }
 
 std::uint16_t ReadPort(configuration::node::Root const& root, char const* path) {

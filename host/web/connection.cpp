@@ -343,7 +343,7 @@ std::vector<std::shared_ptr<Connection>> LivingConnections::Get(IsWanted isWante
     std::vector<std::shared_ptr<Connection>> wanted;
     std::lock_guard const lock(mutex);
     auto const count = std::ranges::count_if(connections, [&](auto const* each) { return isWanted(*each); });
-    // Nothing may be thrown from here on: the last reference to a connection must not go under the lock.
+    // Each reference goes straight into `wanted`, which is destroyed after the lock: destroying a connection takes it.
     wanted.reserve(static_cast<std::size_t>(count));
     for (auto* const each : connections) {
         if (wanted.size() == wanted.capacity()) break;

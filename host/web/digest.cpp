@@ -18,12 +18,15 @@ namespace {
 
 constexpr char FieldName[] = "WWW-Authenticate";
 
-struct Login {
+struct Attempt {
     std::optional<DigestCredentials> credentials;
     bool isOfferedForm; ///< digest credentials of a form that the challenge offers: when they are wrong, a guess
+
+    /// What a refusal says of it.
+    Login Judge(bool isStale) const { return isOfferedForm && !isStale ? Login::Wrong : Login::Irrelevant; }
 };
 
-Login ReadLogin(zarn::web::Request const& request) {
+Attempt ReadAttempt(zarn::web::Request const& request) {
     auto const field = request.FindField("Authorization");
     auto parameters = ParseDigestParameters(field);
     bool const isOfferedForm = boost::istarts_with(field, "Digest") && !IsOfUnofferedForm(field, parameters);
@@ -57,21 +60,22 @@ Digest::Digest(ZarnAuthenticationEngine const& engine, Challenges& challenges)
 std::optional<Answer> Digest::Refuse(zarn::web::Request const& request) const {
     if (!ZarnAuthenticationIsEnabled(engine)) return std::nullopt;
     bool stale = false;
-    auto const login = ReadLogin(request);
-    if (auto const& credentials = login.credentials; credentials && IsFor(credentials->GetUri(), request.GetTarget())) {
+    auto const attempt = ReadAttempt(request);
+    if (auto const& credentials = attempt.credentials;
+        credentials && IsFor(credentials->GetUri(), request.GetTarget())) {
         std::string const method(protocol::network::http::ToString(request.GetMethod()));
         if (credentials->LogIn(*engine, method, credentials->GetUri())) return std::nullopt;
         stale = credentials->HasRightResponse(*engine, method, credentials->GetUri());
     }
     return Answer(MakeTextReply(Status::Unauthorized, "Log in first.",
                                 {{FieldName, MakeChallenge(authentication::Realm, stale)}}),
-                  login.isOfferedForm && !stale);
+                  attempt.Judge(stale));
 }
 
 Answer Digest::ReplaceChallenge(Reply const& refusal, zarn::web::Request const& request) const {
     // With a right response to one of the targets that the module tries, only the nonce can be the reason.
-    auto const login = ReadLogin(request);
-    auto const& credentials = login.credentials;
+    auto const attempt = ReadAttempt(request);
+    auto const& credentials = attempt.credentials;
     auto const target = request.GetTarget();
     bool const stale = credentials && (credentials->HasRightResponse(*engine, "POST", target) ||
                                        credentials->HasRightResponse(*engine, "POST", GetPath(target)));
@@ -79,7 +83,7 @@ Answer Digest::ReplaceChallenge(Reply const& refusal, zarn::web::Request const& 
     auto const realm = RemoveChallenge(fields);
     fields.emplace(FieldName, MakeChallenge(realm, stale));
     return {Reply(refusal.GetStatus(), std::move(fields), {refusal.GetState(), refusal.GetBody()}),
-            login.isOfferedForm && !stale};
+            attempt.Judge(stale)};
 }
 
 std::string Digest::MakeChallenge(std::string_view realm, bool stale) const {

@@ -13,7 +13,7 @@ class ZarnAuthenticationEngine;
 
 namespace zarn::host::web {
 
-/// HTTP digest authentication of the web server: protects the host's own services, and replaces the ONVIF module's
+/// HTTP digest authentication of the web server: protects the host's own routes, and replaces the ONVIF module's
 /// challenges by the host's. A challenge contains "stale=true" when the response was right and only the nonce or its
 /// count was not accepted: the client then tries again without asking its user. Copies share what they refer to.
 /// Thread: any. Source: RFC 2617, RFC 7616.

@@ -68,7 +68,7 @@ void Dispatcher::Serve(std::shared_ptr<Exchange> const& exchange) {
 void Dispatcher::Finish(Exchange& exchange, Answer answer) {
     if (exchange.isAnswered.exchange(true)) return;
     exchange.slot.reset();
-    if (answer.isWrongLogin) failedLogins.Count(exchange.peer);
+    if (answer.login == Login::Wrong) failedLogins.Count(exchange.peer);
     exchange.done(std::move(answer.reply));
 }
 

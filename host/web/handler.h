@@ -13,13 +13,19 @@
 
 namespace zarn::host::web {
 
+/// What an answer says of the client's login.
+enum class Login {
+    Irrelevant, ///< nothing that has to be counted
+    Wrong,      ///< the client tried a wrong password
+};
+
 /// What a handler gives for a request.
 struct Answer {
     // NOLINTNEXTLINE(google-explicit-constructor): most answers are replies and nothing more
-    Answer(Reply reply, bool isWrongLogin = false) : reply(std::move(reply)), isWrongLogin(isWrongLogin) {}
+    Answer(Reply reply, Login login = Login::Irrelevant) : reply(std::move(reply)), login(login) {}
 
     Reply reply;
-    bool isWrongLogin; ///< the client tried a wrong password
+    Login login;
 };
 
 /// What the web server hands the requests of a route to. Thread: any number at once.
@@ -38,8 +44,8 @@ public:
 
     /// Answers a request without waiting: a method that is not allowed with 405, OPTIONS with 204, both with the field
     /// Allow; the others by Serve().
-    /// done  called once, on any thread, possibly before this returns; not at all when this throws, or when the server
-    ///       ends before the answer is there
+    /// done  called once, on any thread, possibly before this returns, and before the server is destroyed; not at all
+    ///       when this throws, or when the server ends before the answer is there
     /// Throws what Serve() throws; std::system_error: a thread that is needed cannot be started.
     void Handle(RequestPtr request, Done done);
 

@@ -10,7 +10,7 @@
 
 namespace zarn::host::web {
 
-/// A request from a connection, in the form that services read.
+/// A request from a connection, in the form that handlers and the module read.
 /// It leaves out the fields that concern the connection only (Connection and what it names, Keep-Alive, Expect, TE,
 /// Trailer, Transfer-Encoding, Upgrade, Proxy-...), which the web server has dealt with. It joins the values of a
 /// repeated field with ", " (RFC 9110, 5.3). In Authorization it removes the white space before "," and "=".
@@ -21,7 +21,7 @@ public:
     /// message  the whole request; its body decoded, its target in origin or absolute form
     explicit IncomingRequest(Message message);
 
-    /// A method that HTTP does not define is given as CONNECT, which no service serves: it gets the same answer.
+    /// A method that HTTP does not define is given as CONNECT, which nothing serves: it gets the same answer.
     protocol::network::http::Method GetMethod() const override { return method; }
 
     std::string_view GetTarget() const override { return message.target(); }

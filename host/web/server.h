@@ -39,8 +39,7 @@ public:
     };
 
     /// Starts to serve. Throws std::runtime_error when a thread cannot be started; then none is left running.
-    /// io  run by the server's threads only; must outlive the server, and whatever a service still does with a response
-    ///     that it has not completed
+    /// io  run by the server's threads only; must outlive the server, and the answers that handlers still hold back
     Server(boost::asio::io_context& io, Listener listener, Router router, Options const& options);
 
     /// Stop().

@@ -51,7 +51,7 @@ logging::Logger const& ManagerLog() {
     return logger;
 }
 
-/// The answer that makes the host poll again.
+/// The answer while the exchange runs.
 Pending::Data MakeNotReady() { return {http::response::Status::Provisional, {}, {web::response::State::NotReady, {}}}; }
 
 Pending::Data MakeComplete(http::Response response) {
@@ -69,7 +69,8 @@ http::Response MakeReadable(http::Response response) {
     return {status, std::move(response).GetFields(), std::move(body)};
 }
 
-/// Reads a text where it is, and a line end behind it: with one, gSOAP calls a message that is cut off by its name.
+/// Reads a text where it is, and a line end behind it: without one, gSOAP would report a message that is cut off as a
+/// failure of its input stream instead of as a syntax error.
 class TextReader : public std::streambuf {
 public:
     /// text  must outlive the reader

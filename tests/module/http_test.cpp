@@ -49,6 +49,13 @@ TEST_F(Body, AnnouncedByExpectContinueIsRefusedWithTheFinalResponse) {
     EXPECT_THAT(reply.text, StartsWith("<?xml "));
 }
 
+TEST_F(Body, ThatIsCutOffIsASyntaxError) {
+    auto const body = Envelope("<tds:GetHostname/>");
+    auto const reply = Post(body.substr(0, body.size() / 2));
+    EXPECT_EQ(reply.status, 400);
+    EXPECT_THAT(reply.text, testing::HasSubstr("syntax error"));
+}
+
 TEST_F(Body, WhenCompressedIsRefusedWithoutAffectingTheNext) {
     auto const body = Envelope("<tds:GetHostname/>");
     EXPECT_EQ(Post(Compress(body), {.fields = {{"Content-Encoding", "gzip"}}}).status, 415);

@@ -126,6 +126,23 @@ TEST_F(PullPointWait, EndsWhenTheSubscriptionExpires) {
     EXPECT_THAT(Pull(path, 1, "PT1H"), IsNotFound());
 }
 
+TEST_F(PullPointWait, EndsInTheSameWaysAfterMoreThanASecond) {
+    auto const path = Subscribe();
+    auto const other = Subscribe();
+    auto const withEvent = BeginToWait(path);
+    auto const withoutSubscription = BeginToWait(other);
+    std::this_thread::sleep_for(1100ms); // then a pull gives memory back
+    ASSERT_TRUE(OthersSleep(2));
+    EXPECT_EQ(Unsubscribe(other).status, 200);
+    EXPECT_THAT(GetReply(withoutSubscription), IsNotFound());
+    Publish(MakeFieldEvent("late"));
+    EXPECT_THAT(GetRules(GetReply(withEvent)), ElementsAre("late"));
+    auto const withManager = BeginToWait(path);
+    std::this_thread::sleep_for(1100ms);
+    ReplaceManager();
+    EXPECT_THAT(GetRules(GetReply(withManager)), IsEmpty());
+}
+
 TEST_F(PullPointWait, OfTwoClientsEndsForOneOnASingleEvent) {
     auto const path = Subscribe();
     std::vector<Exchange> clients;

@@ -10,9 +10,9 @@
 
 namespace zarn::web {
 
-/// What the web server hands requests to. A service overrides the methods that it answers; the others answer a complete
-/// 405 with the field Allow, and OPTIONS a complete 204 with it. None of them may wait: a service that needs time
-/// returns a pending response. Thread: any number at once.
+/// A module that a host hands HTTP requests to. A service overrides the methods that it answers; the others answer a
+/// complete 405 with the field Allow, and OPTIONS a complete 204 with it. None of them may wait: a service that needs
+/// time returns a pending response. Thread: any number at once.
 class Service {
 public:
     /// What a service answers.

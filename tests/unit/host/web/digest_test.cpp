@@ -49,7 +49,7 @@ protected:
         test::TestRequest const request(Method::Get, "/snapshot/1/latest.jpeg", {{"authorization", authorization}});
         auto const own = digest.Refuse(request);
         auto const replaced = digest.ReplaceChallenge(MakeTextReply(Status::Unauthorized, "no"), request);
-        return {own && own->isWrongLogin, replaced.isWrongLogin};
+        return {own && own->login == Login::Wrong, replaced.login == Login::Wrong};
     }
 
     std::string GetNonce() const { return ParseDigestParameters(Ask(""))->at("nonce"); }

@@ -81,6 +81,20 @@ TEST_F(DispatcherTest, Answers500WhenAHandlerThrows) {
     EXPECT_EQ(Ask(), Status::InternalServerError);
 }
 
+TEST_F(DispatcherTest, AnswersOnceAlsoWhenAHandlerDoesSoTwice) {
+    int answers = 0;
+    handler->script = [](auto const& done) {
+        done(MakeTextReply(Status::Accepted, "served"));
+        done(MakeTextReply(Status::Ok, "again"));
+    };
+    IncomingRequest::Message message(boost::beast::http::verb::post, "/onvif/a", 11);
+    dispatcher.Handle(Peer, std::make_shared<IncomingRequest>(std::move(message)), limits, [&](Reply const& reply) {
+        ++answers;
+        EXPECT_EQ(reply.GetStatus(), Status::Accepted);
+    });
+    EXPECT_EQ(answers, 1);
+}
+
 TEST_F(DispatcherTest, AnswersOnceAlsoWhenAHandlerThrowsAfterItsAnswer) {
     handler->script = [](auto const& done) {
         done(MakeTextReply(Status::Accepted, "served"));
@@ -112,12 +126,10 @@ TEST_F(DispatcherTest, CountsAnExchangeUntilItIsDropped) {
 
 class GuessingTest : public DispatcherTest {
 protected:
-    GuessingTest() { Refuse(true); }
+    GuessingTest() { Refuse(Login::Wrong); }
 
-    void Refuse(bool isWrongLogin) {
-        handler->script = [isWrongLogin](auto const& done) {
-            done(Answer(MakeTextReply(Status::Unauthorized, "no"), isWrongLogin));
-        };
+    void Refuse(Login login) {
+        handler->script = [login](auto const& done) { done(Answer(MakeTextReply(Status::Unauthorized, "no"), login)); };
     }
 
     void Guess(int times) {
@@ -141,7 +153,7 @@ TEST_F(GuessingTest, StillAllowsRequestsWithoutCredentials) {
 }
 
 TEST_F(GuessingTest, ExcludesRefusalsThatAreNoWrongLogins) {
-    Refuse(false);
+    Refuse(Login::Irrelevant);
     Guess(10);
 }
 

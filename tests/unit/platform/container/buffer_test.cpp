@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
 
 namespace zarn::container {
@@ -24,6 +25,16 @@ TEST(Buffer, MayBeEmpty) {
     Buffer const buffer("");
     EXPECT_EQ(buffer.GetSize(), 0U);
     EXPECT_EQ(buffer.ToStringView(), "");
+}
+
+TEST(Buffer, MayBeAPartOfAnother) {
+    auto whole = std::make_shared<Buffer>("head body");
+    auto const* const bytes = whole->ToStringView().data();
+    Buffer const part(whole, whole->ToStringView().substr(5));
+    whole.reset(); // the part keeps it
+    EXPECT_EQ(part.ToStringView(), "body");
+    EXPECT_EQ(part.GetSize(), 4U);
+    EXPECT_EQ(part.ToStringView().data(), bytes + 5);
 }
 
 } // namespace

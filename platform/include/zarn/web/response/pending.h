@@ -17,8 +17,8 @@ class Buffer;
 
 namespace zarn::web::response {
 
-/// A response that may not be ready yet. Who has it asks until it is complete; what a job of a pool completes may be
-/// asked when the job has ended (see job::EndNotice).
+/// A response that may not be ready yet. The holder asks until it is complete. If a job of a pool completes it, it is
+/// complete when that job has ended (see job::EndNotice).
 /// Thread: one at a time.
 class Pending {
 public:

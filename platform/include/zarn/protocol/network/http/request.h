@@ -12,8 +12,7 @@
 
 namespace zarn::protocol::network::http {
 
-/// An HTTP request with its body already decoded. It consists of the one text that a peer gets, so that writing it
-/// costs nothing more.
+/// An HTTP request with its body already decoded. Holds the message as it is sent, so that writing it copies nothing.
 class Request {
 public:
     /// Header fields, name to value.

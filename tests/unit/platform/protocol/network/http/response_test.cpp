@@ -223,5 +223,13 @@ TEST(HttpResponse, RefusesBrokenChunks) {
     EXPECT_EQ(ErrorOf(start + "1\r\nx\r\n0\r\n"), "line 7: the text ends within the line");
 }
 
+TEST(HttpResponse, SharesTheBytesOfItsTextUnlessItIsChunked) {
+    auto const text = std::make_shared<container::Buffer>("HTTP/1.1 200 OK\r\nContent-Length: 4\r\n\r\nbody");
+    EXPECT_EQ(Response::Parse(text).GetBuffer()->ToStringView().data(), text->ToStringView().data() + 38);
+    auto const chunked = std::make_shared<container::Buffer>(
+        "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n2\r\nbo\r\n2\r\ndy\r\n0\r\n\r\n");
+    EXPECT_EQ(Response::Parse(chunked).GetBuffer()->ToStringView(), "body");
+}
+
 } // namespace
 } // namespace zarn::protocol::network::http
