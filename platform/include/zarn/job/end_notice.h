@@ -15,6 +15,7 @@ enum class End {
 /// innermost holds. To be destroyed on the thread that made it.
 class EndNotice {
 public:
+    /// Hears how a job has ended.
     using Function = std::function<void(End)>;
 
     /// ended  called once for each job, on any thread; must neither throw nor wait
