@@ -10,9 +10,9 @@
 namespace zarn::host::routes {
 
 /// Hands requests to the ONVIF module until Stop(): the module is destroyed while the web server still runs, because
-/// only the module can end the requests that wait. The module's answer to a POST is that of the host, in a refusal with
-/// the host's challenge; 503 after Stop(). A request without body and credentials is answered 401 when clients have to
-/// log in: some clients hold the body of their first request back until they have been asked for credentials.
+/// only the module can end the requests that wait. A POST gets the module's answer, a refusal with the host's challenge
+/// instead of the module's; 503 after Stop(). A request without body and credentials is answered 401 when clients have
+/// to log in: some clients hold the body of their first request back until they have been asked for credentials.
 ///
 /// A response of the module is pending and cannot tell when it is complete. It is asked when the jobs that the module
 /// has posted for the request have ended, on the thread that ran the last of them.

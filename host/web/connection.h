@@ -73,7 +73,7 @@ private:
     template <class IsWanted>
     std::vector<std::shared_ptr<Connection>> Get(IsWanted isWanted) const;
 
-    mutable std::mutex mutex; ///< guards connections, and keeps them from going while it is held
+    mutable std::mutex mutex; ///< guards the list, and its members from destruction while it is held
     std::unordered_set<Connection*> connections;
 };
 

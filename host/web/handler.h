@@ -15,7 +15,7 @@ namespace zarn::host::web {
 
 /// What an answer says of the client's login.
 enum class Login {
-    Irrelevant, ///< nothing that has to be counted
+    Irrelevant, ///< not a failed login
     Wrong,      ///< the client tried a wrong password
 };
 

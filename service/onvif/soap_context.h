@@ -9,7 +9,7 @@ namespace zarn::service::onvif {
 
 /// Makes the gSOAP context of one request: no xsi:type on output, strings in UTF-8, and bounds on what a request may
 /// hold. Its deleter frees everything that was allocated in it.
-/// ending  true from when on the exchange is to wait for nothing; must outlive the context; null: never
+/// ending  becomes true when exchanges must stop waiting; must outlive the context; null: never
 /// Throws std::bad_alloc.
 std::shared_ptr<soap> MakeSoapContext(std::atomic<bool> const* ending = nullptr);
 

@@ -332,7 +332,7 @@ void DynamicThreadPool::Impl::Run(Task&& taken) noexcept {
             failures.Log(logging::Level::Error, "A job threw: an exception of unknown type");
         }
     }
-    if (tellEnd) tellEnd(End::Run);
+    if (tellEnd) tellEnd(End::Ran);
 }
 
 /// Waits with the lock, without a turn, until there is a task for the worker, and with it a turn; false when its thread

@@ -8,8 +8,8 @@ namespace zarn::job {
 
 /// A condition variable for jobs of a pool: while a job waits it does not count as running, so that the pool lets
 /// another one run, and when it is notified its thread wakes up only once the pool lets it run on. However many wait,
-/// a notification thus makes no more threads runnable than there are processors. Threads of no pool may wait as well.
-/// Thread: any; it must outlive every wait.
+/// a notification thus makes no more threads runnable than there are processors. Threads outside any pool may wait as
+/// well. Thread: any; it must outlive every wait.
 class ConditionVariable {
 public:
     ConditionVariable() = default;
@@ -32,10 +32,10 @@ private:
     void Add(Waiting& waiting);
     void Remove(Waiting& waiting);
 
-    std::mutex mutex;         ///< guards the list, and keeps those in it from going
+    std::mutex mutex;         ///< guards the list, and its members from destruction while it is held
     Waiting* first = nullptr; ///< the list of the jobs that wait
     Waiting* last = nullptr;
-    std::condition_variable foreign; ///< for threads of no pool
+    std::condition_variable foreign; ///< for threads outside any pool
 };
 
 } // namespace zarn::job

@@ -6,13 +6,13 @@ namespace zarn::job {
 
 /// How a job has ended.
 enum class End {
-    Run,     ///< it has run
+    Ran,     ///< it has run
     Dropped, ///< it has not run, because no thread could be started for it
 };
 
-/// As long as it lives, each job that its thread posts to a pool calls a function when it has ended and has been
-/// destroyed. So a caller hears of the end of a job that it hands over through other code. Of nested notices the
-/// innermost holds. To be destroyed on the thread that made it.
+/// While it lives, every job that its thread posts to a pool calls a function once the job has ended and has been
+/// destroyed: a caller thus hears of the end of a job that other code posts for it. Of nested notices only the
+/// innermost is used. Must be destroyed on the thread that made it.
 class EndNotice {
 public:
     /// Hears how a job has ended.

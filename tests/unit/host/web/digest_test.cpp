@@ -184,7 +184,7 @@ TEST_F(DigestTest, CountsAWrongAnswerAsAGuess) {
     EXPECT_EQ(IsGuess("Digest username=\"admin\", realm=\"stale=true\""), guess);
 }
 
-TEST_F(DigestTest, DoesNotCountWhatIsNoGuess) {
+TEST_F(DigestTest, IgnoresRefusalsThatAreNotGuesses) {
     std::pair const harmless(false, false);
     EXPECT_EQ(IsGuess(""), harmless);
     EXPECT_EQ(IsGuess("Basic YTpi"), harmless);

@@ -81,7 +81,7 @@ TEST_F(DispatcherTest, Answers500WhenAHandlerThrows) {
     EXPECT_EQ(Ask(), Status::InternalServerError);
 }
 
-TEST_F(DispatcherTest, AnswersOnceAlsoWhenAHandlerDoesSoTwice) {
+TEST_F(DispatcherTest, AnswersOnceWhenTheHandlerAnswersTwice) {
     int answers = 0;
     handler->script = [](auto const& done) {
         done(MakeTextReply(Status::Accepted, "served"));
@@ -95,7 +95,7 @@ TEST_F(DispatcherTest, AnswersOnceAlsoWhenAHandlerDoesSoTwice) {
     EXPECT_EQ(answers, 1);
 }
 
-TEST_F(DispatcherTest, AnswersOnceAlsoWhenAHandlerThrowsAfterItsAnswer) {
+TEST_F(DispatcherTest, AnswersOnceWhenTheHandlerThrowsAfterItsAnswer) {
     handler->script = [](auto const& done) {
         done(MakeTextReply(Status::Accepted, "served"));
         throw std::logic_error("a defect");
@@ -152,7 +152,7 @@ TEST_F(GuessingTest, StillAllowsRequestsWithoutCredentials) {
     EXPECT_EQ(Ask(), Status::Unauthorized);
 }
 
-TEST_F(GuessingTest, ExcludesRefusalsThatAreNoWrongLogins) {
+TEST_F(GuessingTest, CountsOnlyWrongLogins) {
     Refuse(Login::Irrelevant);
     Guess(10);
 }

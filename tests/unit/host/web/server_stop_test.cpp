@@ -74,7 +74,7 @@ TEST_P(ServerStopWithoutThreads, LeavesNothingBehind) {
 
 INSTANTIATE_TEST_SUITE_P(AfterThreads, ServerStopWithoutThreads, testing::Values(0, 1));
 
-TEST_F(ServerStop, LeavesAConnectionToWhatHoldsItsAnswerBack) {
+TEST_F(ServerStop, KeepsAConnectionWhoseAnswerIsPending) {
     Start();
     auto waiting = Connect();
     waiting.Send(Wait);

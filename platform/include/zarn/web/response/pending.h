@@ -56,7 +56,7 @@ public:
 
     /// status   what is known of the status now; Status::Provisional when nothing is
     /// data     called by GetData; must not wait
-    /// timeout  when positive, after which time it need not be asked any more; 0: never
+    /// timeout  when positive, the time after which the holder may give up; 0: never
     Pending(Status status, std::function<Data()> data, std::chrono::milliseconds timeout);
 
     Pending(Pending const&) = delete;
@@ -68,7 +68,7 @@ public:
     /// Asks. Not to be called again after an answer in the state Complete. Lets through what the data function throws.
     Data GetData() const { return data(); }
 
-    /// After which time it need not be asked any more; 0: never.
+    /// The time after which the holder may give up; 0: never.
     std::chrono::milliseconds GetTimeout() const noexcept { return timeout; }
 
 private:
