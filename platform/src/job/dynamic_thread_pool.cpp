@@ -7,6 +7,7 @@
 #include <pthread.h>
 
 #include <algorithm>
+#include <atomic>
 #include <condition_variable>
 #include <cstdint>
 #include <exception>
@@ -15,6 +16,7 @@
 #include <optional>
 #include <stdexcept>
 #include <system_error>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -29,6 +31,10 @@ constexpr std::size_t StackSize = std::size_t{16} << 20U;
 #else
 constexpr std::size_t StackSize = std::size_t{2} << 20U;
 #endif
+
+/// How long an idle thread looks for the next task before it sleeps: to wake it on another processor takes longer than
+/// many a caller needs to post again.
+constexpr std::chrono::microseconds Lookout{30};
 
 /// Longer waits would overflow the clock.
 constexpr std::chrono::seconds MaximumIdle = std::chrono::hours(24 * 365);
@@ -97,11 +103,12 @@ private:
 
         Impl& pool;
         std::condition_variable wake;
-        Task task;                ///< to be run
-        bool isAsleep = false;    ///< its job has given its turn back
-        bool isWoken = false;     ///< before its job slept
-        bool isInLine = false;    ///< of the jobs that go on
-        Worker* behind = nullptr; ///< in that line
+        Task task;                         ///< to be run
+        std::atomic<bool> hasTask = false; ///< for a look without the lock
+        bool isAsleep = false;             ///< its job has given its turn back
+        bool isWoken = false;              ///< before its job slept
+        bool isInLine = false;             ///< of the jobs that go on
+        Worker* behind = nullptr;          ///< in that line
     };
 
     void Take(Task task);
@@ -117,6 +124,7 @@ private:
     void Work(Task first, bool hasTurn);
     void Run(Task&& taken) noexcept;
     bool WaitForTask(std::unique_lock<std::mutex>& lock, Worker& worker);
+    static void LookOut(std::unique_lock<std::mutex>& lock, Worker& worker);
     void SleepUntil(Worker& worker, std::chrono::steady_clock::time_point deadline);
     void Wake(Worker& worker);
 
@@ -202,6 +210,7 @@ bool DynamicThreadPool::Impl::GiveToIdle(Task& task) {
     auto* const worker = waiting.back();
     waiting.pop_back();
     worker->task = std::move(task);
+    worker->hasTask = true;
     worker->wake.notify_one();
     return true;
 }
@@ -341,6 +350,7 @@ bool DynamicThreadPool::Impl::WaitForTask(std::unique_lock<std::mutex>& lock, Wo
     auto const deadline = std::chrono::steady_clock::now() + idle;
     waiting.push_back(&worker);
     PassTurns();
+    if (processors > 1 && !worker.task.job && !stopped) LookOut(lock, worker);
     bool late = false;
     while (!worker.task.job && !stopped && !(late && threads > minimum)) {
         if (threads <= minimum)
@@ -351,6 +361,15 @@ bool DynamicThreadPool::Impl::WaitForTask(std::unique_lock<std::mutex>& lock, Wo
     if (worker.task.job) return true;
     std::erase(waiting, &worker);
     return false;
+}
+
+/// Waits a moment, without the lock, for a task; whatever else wants to run goes first.
+void DynamicThreadPool::Impl::LookOut(std::unique_lock<std::mutex>& lock, Worker& worker) {
+    worker.hasTask = false;
+    lock.unlock();
+    auto const end = std::chrono::steady_clock::now() + Lookout;
+    while (!worker.hasTask && std::chrono::steady_clock::now() < end) std::this_thread::yield();
+    lock.lock();
 }
 
 void DynamicThreadPool::Impl::SleepUntil(Worker& worker, std::chrono::steady_clock::time_point deadline) {

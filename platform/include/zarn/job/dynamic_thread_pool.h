@@ -13,8 +13,9 @@ namespace zarn::job {
 /// turns with the queue, so that neither jobs that go on nor new ones hold the others up.
 ///
 /// Every thread has a stack of 2 MiB (16 MiB in sanitizer builds), whatever stack limit the process has.
-/// An idle thread waits without waking up; the one that became idle last gets the next job, so that the others can go.
-/// Thread: any, except that Stop and the destructor must not be called by a job of the same pool.
+/// An idle thread sleeps without waking up, once it has looked out for another job for a moment; the one that became
+/// idle last gets the next job, so that the others can go. Thread: any, except that Stop and the destructor must not be
+/// called by a job of the same pool.
 class DynamicThreadPool {
 public:
     /// minimum     threads that are started at once and stay until the pool stops
