@@ -260,20 +260,20 @@ void Connection::OnHttp(Request const& request) {
     Flush();
 }
 
-/// Gives the socket to the other half of the tunnel; this connection has ended then.
+/// Gives the socket to the other half of the tunnel; this connection has ended then. One that has sessions cannot be
+/// given away: their packets go over it.
 void Connection::HandOver(Request const& request) {
     auto const half = site->GetTunnels().Find(request.Find(Tunnelled));
-    if (!half) return Close();
+    if (!half || !sessions.empty()) return Close();
     boost::system::error_code error;
     io::UniqueDescriptor descriptor(socket.release(error));
-    isClosed = true;
-    if (error) return;
+    if (error) return Close();
     asio::post(half->worker->GetContext(), [connection = half->connection, descriptor = std::move(descriptor),
-                                            received = std::move(input), slot = slot]() mutable {
+                                            received = std::exchange(input, {}), slot = slot]() mutable {
         auto const other = connection.lock();
         if (other) other->Attach(std::move(descriptor), received, std::move(slot));
     });
-    input.clear();
+    Close();
 }
 
 void Connection::Attach(io::UniqueDescriptor descriptor, std::string_view bytes, ConnectionCount::Slot otherSlot) {

@@ -1,3 +1,4 @@
+#include "host/video/rtsp/worker.h"
 #include "support/eventually.h"
 #include "support/resource_use.h"
 #include "unit/host/video/video_test.h"
@@ -101,6 +102,14 @@ public:
     std::optional<Received> ReadPacket() {
         if (ReadBytes(1) != "$") return std::nullopt;
         return ReadPacketAfterMark();
+    }
+
+    /// Whether the server ends the connection; what arrives before is skipped.
+    bool IsEnded() {
+        std::array<char, 4096> part{};
+        boost::system::error_code error;
+        while (!error) socket.read_some(boost::asio::buffer(part), error);
+        return error == boost::asio::error::eof || error == boost::asio::error::connection_reset;
     }
 
     static std::string GetField(std::string const& answer, std::string const& name) {
@@ -322,6 +331,21 @@ TEST_F(EngineViewers, GetNoTunnelWithoutItsOtherHalf) {
     EXPECT_THAT(first->ReadAnswer(), StartsWith("HTTP/1.0 200"));
     second->Send("GET / HTTP/1.0\r\nx-sessioncookie: a\r\n\r\n");
     EXPECT_THAT(second->ReadAnswer(), StartsWith("HTTP/1.0 400")) << "one client cannot take another's tunnel";
+}
+
+TEST_F(EngineViewers, AreEndedWhenTheirConnectionIsToBecomeAHalfOfATunnel) {
+    auto const viewer = Connect();
+    ASSERT_THAT(viewer->Play(), StartsWith("RTSP/1.0 200"));
+    auto const tunnel = Connect();
+    tunnel->Send("GET / HTTP/1.0\r\nx-sessioncookie: a\r\n\r\n");
+    ASSERT_THAT(tunnel->ReadAnswer(), StartsWith("HTTP/1.0 200"));
+    viewer->Send("POST / HTTP/1.0\r\nx-sessioncookie: a\r\n\r\n");
+    EXPECT_TRUE(viewer->IsEnded());
+    // Until its worker has forgotten the connection, too.
+    auto const end = std::chrono::steady_clock::now() + 2 * rtsp::Worker::SweepInterval;
+    auto const other = Connect();
+    ASSERT_THAT(other->Play(), StartsWith("RTSP/1.0 200"));
+    while (std::chrono::steady_clock::now() < end) ASSERT_TRUE(other->ReadPacket());
 }
 
 TEST_F(EngineViewers, AreNotHeldUpByOneThatDoesNotRead) {
