@@ -78,45 +78,69 @@ Connection::Connection(std::shared_ptr<Site> site, Worker& worker, Accepted acce
 
 Connection::~Connection() { Close(); }
 
+/// Runs a handler. Without memory or random bytes, it ends this connection and no other.
+template <class Work>
+void Connection::Guard(Work const& work) {
+    try {
+        work();
+    } catch (std::exception const& error) {
+        ReportFailure(error);
+        Close();
+    }
+}
+
+void Connection::ReportFailure(std::exception const& error) {
+    site->GetRefusals().Log(logging::Level::Error, "An RTSP connection failed and is closed: %0%", error.what());
+}
+
 void Connection::Start() {
-    boost::system::error_code ignored;
-    socket.non_blocking(true, ignored);
-    socket.set_option(asio::ip::tcp::no_delay(true), ignored);
-    socket.set_option(asio::socket_base::receive_buffer_size(ReceiveBuffer), ignored);
-    setsockopt(socket.native_handle(), IPPROTO_TCP, TCP_NOTSENT_LOWAT, &UnsentBytes, sizeof(UnsentBytes));
-    setsockopt(socket.native_handle(), IPPROTO_TCP, TCP_USER_TIMEOUT, &UnreadTime, sizeof(UnreadTime));
-    worker.Add(shared_from_this());
-    Read();
+    Guard([this] {
+        boost::system::error_code ignored;
+        socket.non_blocking(true, ignored);
+        socket.set_option(asio::ip::tcp::no_delay(true), ignored);
+        socket.set_option(asio::socket_base::receive_buffer_size(ReceiveBuffer), ignored);
+        setsockopt(socket.native_handle(), IPPROTO_TCP, TCP_NOTSENT_LOWAT, &UnsentBytes, sizeof(UnsentBytes));
+        setsockopt(socket.native_handle(), IPPROTO_TCP, TCP_USER_TIMEOUT, &UnreadTime, sizeof(UnreadTime));
+        worker.Add(shared_from_this());
+        Read();
+    });
 }
 
 void Connection::Read() {
     if (isReading || isClosed || isBusy || !outbox.HasRoom()) return;
     isReading = true;
-    socket.async_read_some(
-        asio::buffer(buffer), [self = shared_from_this()](boost::system::error_code error, std::size_t size) {
-            self->isReading = false;
-            if (error) return self->Close();
-            if (self->cookie.empty()) {
-                self->OnReceived({self->buffer.data(), size});
-            } else if ((self->received += size) > MaximumReceived) { // requests come through the other half
-                return self->Close();
-            }
-            self->Read();
-        });
+    socket.async_read_some(asio::buffer(buffer),
+                           [self = shared_from_this()](boost::system::error_code error, std::size_t size) {
+                               self->isReading = false;
+                               self->Guard([&] { self->OnRead(error, size); });
+                           });
+}
+
+void Connection::OnRead(boost::system::error_code error, std::size_t size) {
+    if (error) return Close();
+    if (cookie.empty()) {
+        OnReceived({buffer.data(), size});
+    } else if ((received += size) > MaximumReceived) { // requests come through the other half
+        return Close();
+    }
+    Read();
 }
 
 void Connection::ReadTunnel() {
     if (!tunnel || isClosed || isBusy || !outbox.HasRoom()) return;
     tunnel->async_read_some(asio::buffer(tunnelBuffer),
                             [self = shared_from_this()](boost::system::error_code error, std::size_t size) {
-                                if (error == asio::error::operation_aborted || self->isClosed)
-                                    return;                             // another one has taken its place
-                                if (error) return self->tunnel.reset(); // the client may open another one
-                                auto const bytes = self->decoder.Decode({self->tunnelBuffer.data(), size});
-                                if (!bytes) return self->Close();
-                                self->OnReceived(*bytes);
-                                self->ReadTunnel();
+                                self->Guard([&] { self->OnTunnelRead(error, size); });
                             });
+}
+
+void Connection::OnTunnelRead(boost::system::error_code error, std::size_t size) {
+    if (error == asio::error::operation_aborted || isClosed) return; // another one has taken its place
+    if (error) return tunnel.reset();                                // the client may open another one
+    auto const bytes = decoder.Decode({tunnelBuffer.data(), size});
+    if (!bytes) return Close();
+    OnReceived(*bytes);
+    ReadTunnel();
 }
 
 void Connection::OnReceived(std::string_view bytes) {
@@ -151,9 +175,11 @@ void Connection::Parse() {
 
 /// Goes on with requests that had to wait.
 void Connection::Resume() {
-    Parse();
-    Read();
-    ReadTunnel();
+    Guard([this] {
+        Parse();
+        Read();
+        ReadTunnel();
+    });
 }
 
 /// Whatever they say, receiver reports are signs of life.
@@ -225,17 +251,22 @@ void Connection::AnswerInSession(Request const& request, std::string const& id, 
         return;
     }
     isBusy = true;
-    asio::post(owner.GetContext(),
-               [answer = std::move(answer), finish, id, &owner, &home = worker, weak = weak_from_this()] {
-                   auto answered = answer();
-                   if (auto const session = owner.FindSession(id)) session->Proceed();
-                   asio::post(home.GetContext(), [finish, weak, answered = std::move(answered)] {
-                       auto const self = weak.lock();
-                       if (!self || self->isClosed) return;
-                       finish(*self, answered);
-                       self->Resume();
-                   });
-               });
+    asio::post(owner.GetContext(), [answer = std::move(answer), finish, id, &owner, &home = worker,
+                                    weak = weak_from_this(), &refusals = site->GetRefusals()] {
+        Answered answered{{Status::InternalError}};
+        try {
+            answered = answer();
+            if (auto const session = owner.FindSession(id)) session->Proceed();
+        } catch (std::exception const& error) {
+            refusals.Log(logging::Level::Error, "An RTSP request failed: %0%", error.what());
+        }
+        asio::post(home.GetContext(), [finish, weak, answered = std::move(answered)] {
+            auto const self = weak.lock();
+            if (!self || self->isClosed) return;
+            self->Guard([&] { finish(*self, answered); });
+            self->Resume();
+        });
+    });
 }
 
 /// The connection stays as long as a session that was asked for over it.
@@ -278,18 +309,20 @@ void Connection::HandOver(Request const& request) {
 
 void Connection::Attach(io::UniqueDescriptor descriptor, std::string_view bytes, ConnectionCount::Slot otherSlot) {
     if (isClosed) return;
-    boost::system::error_code error;
-    if (tunnel) tunnel->close(error);
-    tunnel.emplace(worker.GetContext());
-    tunnel->assign(asio::ip::tcp::v4(), descriptor.Get(), error);
-    if (error) return tunnel.reset();
-    descriptor.Release();
-    tunnelSlot = std::move(otherSlot);
-    decoder = {};
-    auto const decoded = decoder.Decode(bytes);
-    if (!decoded) return Close();
-    OnReceived(*decoded);
-    ReadTunnel();
+    Guard([&] {
+        boost::system::error_code error;
+        if (tunnel) tunnel->close(error);
+        tunnel.emplace(worker.GetContext());
+        tunnel->assign(asio::ip::tcp::v4(), descriptor.Get(), error);
+        if (error) return tunnel.reset();
+        descriptor.Release();
+        tunnelSlot = std::move(otherSlot);
+        decoder = {};
+        auto const decoded = decoder.Decode(bytes);
+        if (!decoded) return Close();
+        OnReceived(*decoded);
+        ReadTunnel();
+    });
 }
 
 void Connection::Reply(Response const& response, std::string_view sequence) {
@@ -298,15 +331,26 @@ void Connection::Reply(Response const& response, std::string_view sequence) {
     Flush();
 }
 
-void Connection::SendControl(Track const& track, std::string packet) {
+void Connection::SendControl(Track const& track, std::string packet) try {
     if (isClosed || !outbox.HasRoom()) return;
     std::string frame{'$', static_cast<char>(track.channel + 1), static_cast<char>(packet.size() >> 8),
                       static_cast<char>(packet.size() & 0xFF)};
     outbox.Add(frame += packet);
     Flush();
+
+} catch (std::exception const& error) {
+
+    hasFailed = true; // not now: the caller may be going through the sessions
+    ReportFailure(error);
 }
 
-void Connection::Flush() {
+void Connection::Flush() try { SendWaiting(); } catch (std::exception const& error) {
+
+    hasFailed = true; // as above
+    ReportFailure(error);
+}
+
+void Connection::SendWaiting() {
     if (isWriting || isClosed) return;
     isWriting = true;
     bool const hadRoom = outbox.HasRoom();
@@ -344,6 +388,7 @@ void Connection::Finish() {
 }
 
 void Connection::Sweep(Clock::time_point now) {
+    if (hasFailed) return Close();
     received = 0;
     if (outbox.TakeProgress()) {
         for (auto const& session : sessions) {

@@ -14,10 +14,12 @@
 
 #include <boost/asio/ip/address.hpp>
 #include <boost/asio/ip/tcp.hpp>
+#include <boost/system/error_code.hpp>
 
 #include <array>
 #include <chrono>
 #include <cstddef>
+#include <exception>
 #include <memory>
 #include <optional>
 #include <string>
@@ -87,8 +89,13 @@ private:
 
     static std::array<Method, 8> const Methods;
 
+    template <class Work>
+    void Guard(Work const& work);
+    void ReportFailure(std::exception const& error);
     void Read();
+    void OnRead(boost::system::error_code error, std::size_t size);
     void ReadTunnel();
+    void OnTunnelRead(boost::system::error_code error, std::size_t size);
     void OnReceived(std::string_view bytes);
     void Parse();
     void Resume();
@@ -100,6 +107,7 @@ private:
     void AnswerInSession(Request const& request, std::string const& id, Worker& owner);
     void Watch(std::weak_ptr<Session const> const& session);
     void Reply(Response const& response, std::string_view sequence);
+    void SendWaiting();
     void Finish();
 
     std::optional<Response> CheckLogin(Request const& request);
@@ -128,6 +136,7 @@ private:
     bool isBusy = false; ///< another worker answers a request
     bool isFinishing = false;
     bool isClosed = false;
+    bool hasFailed = false; ///< the next sweep closes it
 
     Outbox outbox;
     bool isWriting = false; ///< in Flush(), or waiting for the socket

@@ -22,8 +22,9 @@ std::optional<std::size_t> SendParts(int socket, std::span<iovec> parts) {
 } // namespace
 
 void Outbox::Add(std::string text) {
-    textBytes += text.size();
+    auto const size = text.size();
     texts.push_back(std::move(text));
+    textBytes += size;
 }
 
 Outbox::Result Outbox::Send(int socket, std::vector<std::shared_ptr<Session>> const& sessions) {

@@ -108,18 +108,26 @@ private:
     }
 
     /// Each worker gets every second connection.
-    void Accept() {
+    void Accept() try {
         auto& worker = *workers[accepted++ % workers.size()];
-        acceptor.async_accept(worker.GetContext(), [this, &worker](boost::system::error_code error,
-                                                                   tcp::socket socket) {
-            if (!acceptor.is_open()) return;
-            if (!error) Serve(std::move(socket), worker);
-            if (!error || error == asio::error::connection_aborted) return Accept();
-            site->GetRefusals().Log(logging::Level::Error, "Cannot accept an RTSP connection: %0%", error.message());
-            pause.expires_after(PauseAfterFailure);
-            pause.async_wait([this](boost::system::error_code) {
-                if (acceptor.is_open()) Accept();
-            });
+        acceptor.async_accept(worker.GetContext(),
+                              [this, &worker](boost::system::error_code error, tcp::socket socket) {
+                                  if (!acceptor.is_open()) return;
+                                  if (!error) Serve(std::move(socket), worker);
+                                  if (!error || error == asio::error::connection_aborted) return Accept();
+                                  AcceptLater(error.message());
+                              });
+
+    } catch (std::exception const& error) {
+
+        AcceptLater(error.what());
+    }
+
+    void AcceptLater(std::string const& reason) {
+        site->GetRefusals().Log(logging::Level::Error, "Cannot accept an RTSP connection: %0%", reason);
+        pause.expires_after(PauseAfterFailure);
+        pause.async_wait([this](boost::system::error_code) {
+            if (acceptor.is_open()) Accept();
         });
     }
 

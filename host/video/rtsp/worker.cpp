@@ -9,7 +9,7 @@
 
 namespace zarn::host::video::rtsp {
 
-Worker::Worker(std::size_t index) : index(index) {}
+Worker::Worker(std::size_t index) : index(index), failures(Log().GetName()) {}
 
 Worker::~Worker() {
     Stop();
@@ -35,7 +35,7 @@ void Worker::Run() {
             io.run();
             return;
         } catch (std::exception const& error) {
-            Log().Log(logging::Level::Error, "An RTSP connection failed: %0%", error.what());
+            failures.Log(logging::Level::Error, "An RTSP connection failed: %0%", error.what());
         }
     }
 }

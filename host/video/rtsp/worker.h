@@ -2,6 +2,8 @@
 
 #include "host/video/rtsp/udp_ports.h"
 
+#include <zarn/logging/limited_logger.h>
+
 #include <boost/asio/executor_work_guard.hpp>
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/steady_timer.hpp>
@@ -70,6 +72,7 @@ private:
     void Sweep();
 
     std::size_t const index;
+    logging::LimitedLogger failures; ///< of handlers, which a client may be able to repeat
     boost::asio::io_context io{1};
     boost::asio::executor_work_guard<boost::asio::io_context::executor_type> work{io.get_executor()};
     boost::asio::steady_timer timer{io};

@@ -1,5 +1,6 @@
 #include "host/video/rtsp/worker.h"
 #include "support/eventually.h"
+#include "support/random_failure.h"
 #include "support/resource_use.h"
 #include "unit/host/video/video_test.h"
 
@@ -346,6 +347,19 @@ TEST_F(EngineViewers, AreEndedWhenTheirConnectionIsToBecomeAHalfOfATunnel) {
     auto const other = Connect();
     ASSERT_THAT(other->Play(), StartsWith("RTSP/1.0 200"));
     while (std::chrono::steady_clock::now() < end) ASSERT_TRUE(other->ReadPacket());
+}
+
+TEST_F(EngineViewers, AreEndedWhenARequestFails) {
+    auto const viewer = Connect();
+    ASSERT_THAT(viewer->Play(), StartsWith("RTSP/1.0 200"));
+    auto const other = Connect();
+    ASSERT_THAT(other->Play(), StartsWith("RTSP/1.0 200"));
+    {
+        test::RandomFailure const failure;
+        viewer->Send("SETUP " + GetUrl("1") + "/stream=0 RTSP/1.0\r\nCSeq: 9\r\nTransport: RTP/AVP/TCP\r\n\r\n");
+        EXPECT_TRUE(viewer->IsEnded());
+    }
+    EXPECT_TRUE(other->ReadPacket());
 }
 
 TEST_F(EngineViewers, AreNotHeldUpByOneThatDoesNotRead) {
