@@ -154,9 +154,14 @@ void Connection::OnReceived(std::string_view bytes) {
 void Connection::Parse() {
     std::size_t parsed = 0;
     while (!isBusy && !isFinishing && !isClosed && outbox.HasRoom() && socket.is_open()) {
-        auto const next = ParseInput(std::string_view(input).substr(parsed));
+        if (input.size() - parsed < incomplete.needed) break;
+        auto const next = ParseInput(std::string_view(input).substr(parsed), incomplete.searched);
         parsed += next.size;
-        if (std::holds_alternative<Input::Incomplete>(next.what)) break;
+        incomplete = {};
+        if (auto const* more = std::get_if<Input::Incomplete>(&next.what)) {
+            incomplete = *more;
+            break;
+        }
         if (auto const* request = std::get_if<Request>(&next.what)) {
             if (request->version.starts_with("HTTP/")) {
                 input.erase(0, std::exchange(parsed, 0)); // what follows goes through the tunnel

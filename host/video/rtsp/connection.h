@@ -130,8 +130,9 @@ private:
     std::string nonce; ///< that the client answers
 
     std::array<char, 4096> buffer{};
-    std::string input;        ///< received and not parsed
-    std::size_t received = 0; ///< since the last sweep
+    std::string input;            ///< received and not parsed
+    Input::Incomplete incomplete; ///< of `input`
+    std::size_t received = 0;     ///< since the last sweep
     bool isReading = false;
     bool isBusy = false; ///< another worker answers a request
     bool isFinishing = false;

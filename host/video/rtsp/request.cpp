@@ -15,17 +15,29 @@ constexpr char InterleavedMark = '$';
 constexpr std::size_t InterleavedHeader = 4;
 
 Input ParseInterleaved(std::string_view text) {
-    if (text.size() < InterleavedHeader) return {};
+    if (text.size() < InterleavedHeader) return {Input::Incomplete{InterleavedHeader}};
     auto const byte = [text](std::size_t at) { return static_cast<unsigned char>(text[at]); };
     std::size_t const size = byte(2) * std::size_t{256} + byte(3);
-    if (text.size() < InterleavedHeader + size) return {};
+    if (text.size() < InterleavedHeader + size) return {Input::Incomplete{InterleavedHeader + size}};
     return {Input::Interleaved{byte(1), text.substr(InterleavedHeader, size)}, InterleavedHeader + size};
 }
 
-/// Removes a line and returns it without its end; none when it has no end.
-std::optional<std::string_view> ReadLine(std::string_view& text) {
+/// The size of a header up to the empty line, inclusive; none when it has no end.
+/// searched  bytes in which it does not end
+std::optional<std::size_t> FindHeaderSize(std::string_view text, std::size_t searched) {
+    constexpr std::size_t LongestEnd = 3; // the end of the last field, and CR LF
+    for (auto at = searched - std::min(searched, LongestEnd - 1);; ++at) {
+        at = text.find('\n', at);
+        if (at == std::string_view::npos) return std::nullopt;
+        auto const next = text.substr(at + 1, LongestEnd - 1);
+        if (next.starts_with('\n')) return at + 2;
+        if (next == "\r\n") return at + LongestEnd;
+    }
+}
+
+/// Removes a line, which has an end, and returns it without its end.
+std::string_view ReadLine(std::string_view& text) {
     auto const end = text.find('\n');
-    if (end == std::string_view::npos) return std::nullopt;
     auto line = text.substr(0, end);
     text.remove_prefix(end + 1);
     if (line.ends_with('\r')) line.remove_suffix(1);
@@ -75,7 +87,7 @@ std::string_view Request::Find(std::string_view name) const {
     return found == fields.end() ? std::string_view() : found->second;
 }
 
-Input ParseInput(std::string_view text) {
+Input ParseInput(std::string_view text, std::size_t searched) {
     auto const begin = std::min(text.find_first_not_of("\r\n"), text.size());
     auto rest = text.substr(begin);
     if (rest.empty()) return {Input::Incomplete(), begin};
@@ -87,29 +99,29 @@ Input ParseInput(std::string_view text) {
     auto const refuse = [&](std::optional<Status> status, Request const& request) {
         return Input{Input::Refused{status, std::string(request.Find("CSeq"))}, text.size()};
     };
-    auto const header = rest.substr(0, MaximumHeader);
-    auto lines = header;
     Request request;
-    for (bool isFirst = true;; isFirst = false) {
-        auto const line = ReadLine(lines);
-        if (!line) {
-            if (header.size() == MaximumHeader) return refuse({}, request);
-            return {Input::Incomplete(), begin};
-        }
-        if (line->empty()) break;
-        if (request.fields.size() == MaximumFields) return refuse({}, request);
-        if (!(isFirst ? ReadRequestLine(*line, request) : ReadField(*line, request)))
-            return refuse(Status::BadRequest, request);
+    auto const start = rest.substr(0, MaximumHeader);
+    auto const headerSize = FindHeaderSize(start, searched - std::min(searched, begin));
+    if (!headerSize) {
+        if (start.size() == MaximumHeader) return refuse({}, request);
+        return {Input::Incomplete{start.size() + 1, start.size()}, begin};
     }
-    auto const headerSize = header.size() - lines.size();
+    auto lines = start.substr(0, *headerSize);
+    if (!ReadRequestLine(ReadLine(lines), request)) return refuse(Status::BadRequest, request);
+    for (auto line = ReadLine(lines); !line.empty(); line = ReadLine(lines)) {
+        if (request.fields.size() == MaximumFields) return refuse({}, request);
+        if (!ReadField(line, request)) return refuse(Status::BadRequest, request);
+    }
+
     // The body of a tunnel's POST request is the tunnel, and has no end.
     bool const isTunnel = request.version.starts_with("HTTP/");
     auto const length = isTunnel ? std::size_t{0} : ReadLength(request);
     if (!length) return refuse(Status::BadRequest, request);
     if (*length > MaximumBody) return refuse(Status::EntityTooLarge, request);
-    if (rest.size() < headerSize + *length) return {Input::Incomplete(), begin};
-    request.body = rest.substr(headerSize, *length);
-    return {std::move(request), begin + headerSize + *length};
+    auto const size = *headerSize + *length;
+    if (rest.size() < size) return {Input::Incomplete{size}, begin};
+    request.body = rest.substr(*headerSize, *length);
+    return {std::move(request), begin + size};
 }
 
 } // namespace zarn::host::video::rtsp

@@ -36,8 +36,11 @@ inline constexpr std::size_t MaximumBody = std::size_t{64} * 1024;
 
 /// The beginning of what a client has sent.
 struct Input {
-    /// More bytes are needed.
-    struct Incomplete {};
+    /// More bytes are needed. Both numbers count from behind the `size` bytes.
+    struct Incomplete {
+        std::size_t needed = 1;   ///< with fewer bytes it stays incomplete
+        std::size_t searched = 0; ///< bytes in which no header ends
+    };
 
     /// Packets of RTP or RTCP among the requests. Source: RFC 2326, 10.12.
     struct Interleaved {
@@ -58,6 +61,8 @@ struct Input {
 /// Reads the next request or interleaved packet. Empty lines before a request are skipped; a line may end with LF
 /// alone. Never needs more than MaximumHeader + MaximumBody bytes, or 65,539 for an interleaved packet, to tell what it
 /// is. Pure. Source: RFC 2326, 4 and 6.
-Input ParseInput(std::string_view text);
+/// searched  Incomplete::searched of the last call with the beginning of this text, so that a header that arrives in
+///           small pieces is not searched again and again
+Input ParseInput(std::string_view text, std::size_t searched = 0);
 
 } // namespace zarn::host::video::rtsp

@@ -39,6 +39,31 @@ TEST(RtspRequest, IsIncompleteWithoutAnyOfItsBytes) {
     EXPECT_TRUE(std::holds_alternative<Request>(ParseInput(text).what));
 }
 
+TEST(RtspRequest, IsReadFromWhereTheSearchForItsEndStopped) {
+    for (std::string const text : {"PLAY rtsp://h/a RTSP/1.0\r\nCSeq: 1\r\n\r\n", "PLAY a RTSP/1.0\nCSeq: 1\n\n"}) {
+        for (std::size_t size = 1; size < text.size(); ++size) {
+            auto const incomplete = std::get<Input::Incomplete>(ParseInput(text.substr(0, size)).what);
+            EXPECT_EQ(incomplete.searched, size);
+            EXPECT_EQ(incomplete.needed, size + 1);
+            auto const input = ParseInput(text, incomplete.searched);
+            ASSERT_TRUE(std::holds_alternative<Request>(input.what)) << size;
+            EXPECT_EQ(std::get<Request>(input.what).Find("CSeq"), "1");
+        }
+    }
+}
+
+TEST(RtspRequest, IsNotSearchedAgainForTheEndOfItsHeader) {
+    std::string const text = Options;
+    EXPECT_TRUE(std::holds_alternative<Input::Incomplete>(ParseInput(text + "X", text.size() + 1).what));
+}
+
+TEST(RtspRequest, SaysHowMuchOfItsBodyIsNeeded) {
+    std::string const head = "\r\nPLAY rtsp://h/a RTSP/1.0\r\nContent-Length: 70\r\n\r\n";
+    auto const input = ParseInput(head + "a");
+    EXPECT_EQ(input.size, 2U) << "the empty line";
+    EXPECT_EQ(std::get<Input::Incomplete>(input.what).needed, head.size() - 2 + 70);
+}
+
 TEST(RtspRequest, MayFollowEmptyLinesAndEndItsLinesWithLineFeedsAlone) {
     auto const input = ParseInput("\r\n\nOPTIONS * RTSP/1.0\nCSeq: 3\n\n");
     EXPECT_EQ(std::get<Request>(input.what).Find("CSeq"), "3");
@@ -101,6 +126,8 @@ TEST(RtspInterleaved, IsReadWithItsChannel) {
 TEST(RtspInterleaved, IsIncompleteWithoutAnyOfItsBytes) {
     std::string const packet("$\x03\x00\x02OK", 6);
     for (std::size_t size = 0; size < packet.size(); ++size) EXPECT_TRUE(IsIncomplete(packet.substr(0, size))) << size;
+    EXPECT_EQ(std::get<Input::Incomplete>(ParseInput("$\x03").what).needed, 4U);
+    EXPECT_EQ(std::get<Input::Incomplete>(ParseInput(packet.substr(0, 5)).what).needed, packet.size());
 }
 
 } // namespace
