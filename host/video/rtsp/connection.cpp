@@ -127,20 +127,30 @@ void Connection::OnRead(boost::system::error_code error, std::size_t size) {
 }
 
 void Connection::ReadTunnel() {
-    if (!tunnel || isClosed || isBusy || !outbox.HasRoom()) return;
-    tunnel->async_read_some(asio::buffer(tunnelBuffer),
-                            [self = shared_from_this()](boost::system::error_code error, std::size_t size) {
-                                self->Guard([&] { self->OnTunnelRead(error, size); });
-                            });
+    if (!tunnel || isReadingTunnel || isClosed || isBusy || !outbox.HasRoom()) return;
+    isReadingTunnel = true;
+    tunnel->async_read_some(asio::buffer(tunnelBuffer), [self = shared_from_this(), half = tunnel](
+                                                            boost::system::error_code error, std::size_t size) {
+        if (self->isClosed || self->tunnel != half) return; // another one has taken its place
+        self->isReadingTunnel = false;
+        self->Guard([&] { self->OnTunnelRead(error, size); });
+    });
 }
 
 void Connection::OnTunnelRead(boost::system::error_code error, std::size_t size) {
-    if (error == asio::error::operation_aborted || isClosed) return; // another one has taken its place
-    if (error) return tunnel.reset();                                // the client may open another one
+    if (error) return EndTunnel(); // the client may open another one
     auto const bytes = decoder.Decode({tunnelBuffer.data(), size});
     if (!bytes) return Close();
     OnReceived(*bytes);
     ReadTunnel();
+}
+
+void Connection::EndTunnel() {
+    boost::system::error_code ignored;
+    if (tunnel) tunnel->close(ignored);
+    tunnel.reset();
+    tunnelSlot.reset();
+    isReadingTunnel = false;
 }
 
 void Connection::OnReceived(std::string_view bytes) {
@@ -315,11 +325,11 @@ void Connection::HandOver(Request const& request) {
 void Connection::Attach(io::UniqueDescriptor descriptor, std::string_view bytes, ConnectionCount::Slot otherSlot) {
     if (isClosed) return;
     Guard([&] {
+        EndTunnel();
         boost::system::error_code error;
-        if (tunnel) tunnel->close(error);
-        tunnel.emplace(worker.GetContext());
+        tunnel = std::make_shared<Socket>(worker.GetContext());
         tunnel->assign(asio::ip::tcp::v4(), descriptor.Get(), error);
-        if (error) return tunnel.reset();
+        if (error) return EndTunnel();
         descriptor.Release();
         tunnelSlot = std::move(otherSlot);
         decoder = {};
@@ -410,10 +420,9 @@ void Connection::Close() {
     if (std::exchange(isClosed, true)) return;
     boost::system::error_code ignored;
     socket.close(ignored);
-    if (tunnel) tunnel->close(ignored);
+    EndTunnel();
     if (!cookie.empty()) site->GetTunnels().Remove(cookie);
     slot.reset();
-    tunnelSlot.reset();
     for (auto const& session : std::exchange(sessions, {})) {
         if (session->IsInterleaved() || !session->IsPlaying()) session->End();
     }

@@ -96,6 +96,7 @@ private:
     void OnRead(boost::system::error_code error, std::size_t size);
     void ReadTunnel();
     void OnTunnelRead(boost::system::error_code error, std::size_t size);
+    void EndTunnel();
     void OnReceived(std::string_view bytes);
     void Parse();
     void Resume();
@@ -146,8 +147,9 @@ private:
     std::vector<std::weak_ptr<Session const>> watched; ///< that were asked for over it; may belong to other workers
     Clock::time_point seen = Clock::now();             ///< when it was accepted or last had a session
 
-    std::string cookie; ///< of the tunnel; empty: there is none
-    std::optional<Socket> tunnel;
+    std::string cookie;             ///< of the tunnel; empty: there is none
+    std::shared_ptr<Socket> tunnel; ///< a handler of a former one must know that it is not this one
+    bool isReadingTunnel = false;
     std::array<char, 4096> tunnelBuffer{};
     ConnectionCount::Slot tunnelSlot;
     Base64Decoder decoder;

@@ -349,6 +349,25 @@ TEST_F(EngineViewers, AreEndedWhenTheirConnectionIsToBecomeAHalfOfATunnel) {
     while (std::chrono::steady_clock::now() < end) ASSERT_TRUE(other->ReadPacket());
 }
 
+TEST_F(EngineViewers, MayReplaceTheHalfOfATunnelThatSendsRequests) {
+    auto const get = Connect();
+    get->Send("GET / HTTP/1.0\r\nx-sessioncookie: a\r\n\r\n");
+    ASSERT_THAT(get->ReadAnswer(), StartsWith("HTTP/1.0 200"));
+    std::unique_ptr<Client> former;
+    for (int count = 0; count < 4; ++count) { // the halves are accepted by either worker
+        auto post = Connect();
+        // "OPTIONS * RTSP/1.0\r\nCSeq: 7\r\n\r\n"
+        post->Send("POST / HTTP/1.0\r\nx-sessioncookie: a\r\n\r\nT1BUSU9OUyAqIFJUU1AvMS4wDQpDU2VxOiA3DQoNCg==");
+        EXPECT_THAT(get->ReadAnswer(), StartsWith("RTSP/1.0 200 OK\r\nCSeq: 7\r\n"));
+        if (former) {
+            EXPECT_TRUE(former->IsEnded());
+        }
+        post->Send("T1BUSU9OUyAqIFJUU1AvMS4wDQpDU2VxOiA3DQoNCg==");
+        EXPECT_THAT(get->ReadAnswer(), StartsWith("RTSP/1.0 200 OK\r\nCSeq: 7\r\n"));
+        former = count == 1 ? nullptr : std::move(post); // one ends before the next begins
+    }
+}
+
 TEST_F(EngineViewers, AreEndedWhenARequestFails) {
     auto const viewer = Connect();
     ASSERT_THAT(viewer->Play(), StartsWith("RTSP/1.0 200"));
