@@ -297,7 +297,7 @@ void Connection::OnHttp(Request const& request) {
     auto const wanted = std::string(request.Find(Tunnelled));
     bool const isUsable = cookie.empty() && !wanted.empty() && wanted.size() <= Tunnels::MaximumCookie;
     if (isUsable && request.method == "POST") return HandOver(request);
-    if (!isUsable || request.method != "GET" || !site->GetTunnels().Add(wanted, {&worker, weak_from_this()})) {
+    if (!isUsable || request.method != "GET" || !site->GetTunnels().Add(wanted, {&worker, weak_from_this(), peer})) {
         outbox.Add(WriteHttpRefusal(SystemClock::now()));
         return Finish();
     }
@@ -307,10 +307,10 @@ void Connection::OnHttp(Request const& request) {
 }
 
 /// Gives the socket to the other half of the tunnel; this connection has ended then. One that has sessions cannot be
-/// given away: their packets go over it.
+/// given away: their packets go over it. Nor can one from another address, which may have overheard the cookie.
 void Connection::HandOver(Request const& request) {
     auto const half = site->GetTunnels().Find(request.Find(Tunnelled));
-    if (!half || !sessions.empty()) return Close();
+    if (!half || half->peer != peer || !sessions.empty()) return Close();
     boost::system::error_code error;
     io::UniqueDescriptor descriptor(socket.release(error));
     if (error) return Close();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <boost/asio/ip/address.hpp>
+
 #include <cstddef>
 #include <map>
 #include <memory>
@@ -21,6 +23,7 @@ public:
     struct Half {
         Worker* worker = nullptr; ///< which the connection belongs to
         std::weak_ptr<Connection> connection;
+        boost::asio::ip::address peer; ///< the other half must come from there, too
     };
 
     /// The longest cookie.

@@ -52,7 +52,9 @@ struct Received {
 /// An RTSP client that sends and receives byte by byte what a test wants.
 class Client {
 public:
-    Client(std::uint16_t port, std::string url) : socket(context), url(std::move(url)) {
+    Client(std::uint16_t port, std::string url, char const* from = "127.0.0.1") : socket(context), url(std::move(url)) {
+        socket.open(tcp::v4());
+        socket.bind({boost::asio::ip::make_address(from), 0});
         socket.connect({boost::asio::ip::address_v4::loopback(), port});
         timeval const limit{std::chrono::seconds(Deadline).count(), 0};
         setsockopt(socket.native_handle(), SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof(limit));
@@ -366,6 +368,18 @@ TEST_F(EngineViewers, MayReplaceTheHalfOfATunnelThatSendsRequests) {
         EXPECT_THAT(get->ReadAnswer(), StartsWith("RTSP/1.0 200 OK\r\nCSeq: 7\r\n"));
         former = count == 1 ? nullptr : std::move(post); // one ends before the next begins
     }
+}
+
+TEST_F(EngineViewers, GetNoTunnelWhoseHalvesComeFromDifferentAddresses) {
+    auto const get = Connect();
+    get->Send("GET / HTTP/1.0\r\nx-sessioncookie: a\r\n\r\n");
+    ASSERT_THAT(get->ReadAnswer(), StartsWith("HTTP/1.0 200"));
+    Client stranger(engine->GetPort(), GetUrl("1"), "127.0.0.2");
+    stranger.Send("POST / HTTP/1.0\r\nx-sessioncookie: a\r\n\r\n");
+    EXPECT_TRUE(stranger.IsEnded());
+    auto const post = Connect();
+    post->Send("POST / HTTP/1.0\r\nx-sessioncookie: a\r\n\r\nT1BUSU9OUyAqIFJUU1AvMS4wDQpDU2VxOiA3DQoNCg==");
+    EXPECT_THAT(get->ReadAnswer(), StartsWith("RTSP/1.0 200"));
 }
 
 TEST_F(EngineViewers, AreEndedWhenARequestFails) {

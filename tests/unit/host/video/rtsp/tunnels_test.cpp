@@ -9,7 +9,7 @@ namespace {
 TEST(RtspTunnels, FindTheHalfWithTheSameCookie) {
     Worker worker(0);
     Tunnels tunnels;
-    EXPECT_TRUE(tunnels.Add("a", {&worker, {}}));
+    EXPECT_TRUE(tunnels.Add("a", {&worker, {}, {}}));
     EXPECT_EQ(tunnels.Find("a")->worker, &worker);
     EXPECT_FALSE(tunnels.Find("b"));
     tunnels.Remove("a");
@@ -20,8 +20,8 @@ TEST(RtspTunnels, KeepTheFirstHalfWithACookie) {
     Worker first(0);
     Worker second(1);
     Tunnels tunnels;
-    EXPECT_TRUE(tunnels.Add("a", {&first, {}}));
-    EXPECT_FALSE(tunnels.Add("a", {&second, {}}));
+    EXPECT_TRUE(tunnels.Add("a", {&first, {}, {}}));
+    EXPECT_FALSE(tunnels.Add("a", {&second, {}, {}}));
     EXPECT_EQ(tunnels.Find("a")->worker, &first);
 }
 
