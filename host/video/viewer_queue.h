@@ -11,8 +11,9 @@
 
 namespace zarn::host::video {
 
-/// The access units that wait to be sent to one viewer. A viewer that is too slow misses some and goes on at a key
-/// frame. The units themselves are shared by all viewers of a channel. Thread: one at a time.
+/// The access units that wait to be sent to one viewer. A viewer that is too slow misses what waits and goes on at a
+/// key frame: all queues hold only the newest part of the stream, and the units themselves are shared by all viewers of
+/// a channel. Thread: one at a time.
 class ViewerQueue {
 public:
     using Time = std::chrono::nanoseconds;
@@ -20,14 +21,18 @@ public:
     /// More than this is not kept for a viewer, in bytes.
     static constexpr std::size_t MaximumBytes = std::size_t{16} * 1024 * 1024;
 
+    /// What has waited longer than this is dropped.
+    static constexpr std::chrono::seconds MaximumAge{10};
+
     /// One access unit and when to show it, on the viewer's clock.
     struct Item {
         AccessUnitPtr unit;
         Time time;
+        Time added; ///< on the stream's timeline
     };
 
-    /// Begins with a group of pictures, or after Stop() begins again with it; the viewer's clock goes on then.
-    /// group    empty: waits for the next key frame
+    /// Begins with a group of pictures, or after Stop() begins again with it; the viewer's clock goes on then. Of a
+    /// group of more than MaximumBytes, the viewer gets the beginning. group    empty: waits for the next key frame
     /// present  the time on the stream's timeline
     void Start(AccessUnits const& group, Time present);
 
@@ -57,6 +62,10 @@ public:
     Time Map(Time time) const;
 
 private:
+    void Add(AccessUnitPtr const& unit, Time present);
+    bool IsLate(Time present) const;
+    void Drop();
+
     std::optional<ViewerClock> clock; ///< none while no access unit has been added since the start
     Time origin{0};                   ///< the viewer's time at the beginning of `clock`
     bool isRunning = false;

@@ -18,7 +18,7 @@ constexpr std::size_t Large = std::size_t{6} * 1024 * 1024;
 
 class ViewerQueueTest : public testing::Test {
 protected:
-    AccessUnitPtr Make(bool isKey, std::size_t size = 10) {
+    std::shared_ptr<AccessUnit> Make(bool isKey, std::size_t size = 10) {
         auto unit = std::make_shared<AccessUnit>();
         unit->isKey = isKey;
         unit->size = size;
@@ -67,19 +67,52 @@ TEST_F(ViewerQueueTest, WaitsForAKeyFrameWithoutAGroup) {
     EXPECT_THAT(TakeAll(), ElementsAre(2, 3));
 }
 
-TEST_F(ViewerQueueTest, ResumesAtAKeyFrameWhenItWasFull) {
+TEST_F(ViewerQueueTest, BeginsWithAsMuchOfTheGroupAsItHolds) {
     queue.Start({Make(true, Large), Make(false, Large), Make(false, Large), Make(false, Large)}, 160ms);
+    queue.Push(Make(false));
     EXPECT_THAT(TakeAll(), ElementsAre(1, 2, 3)) << "more than 16 MiB wait";
     queue.Push(Make(false));
     EXPECT_THAT(TakeAll(), IsEmpty());
     queue.Push(Make(true));
     queue.Push(Make(false));
+    EXPECT_THAT(TakeAll(), ElementsAre(7, 8));
+}
+
+TEST_F(ViewerQueueTest, DropsWhatWaitsWhenItIsFullAndResumesAtAKeyFrame) {
+    queue.Start({Make(true, Large), Make(false, Large)}, 80ms);
+    queue.Push(Make(false, Large));
+    queue.Push(Make(false));
+    EXPECT_TRUE(queue.IsEmpty());
+    EXPECT_EQ(queue.GetBytes(), 0U);
+    queue.Push(Make(false));
+    queue.Push(Make(true));
+    queue.Push(Make(false));
     EXPECT_THAT(TakeAll(), ElementsAre(6, 7));
 }
 
-TEST_F(ViewerQueueTest, StaysFullUntilSomethingIsTaken) {
+TEST_F(ViewerQueueTest, GoesOnAtAKeyFrameThatComesWhenItIsFull) {
     queue.Start({Make(true, Large), Make(false, Large), Make(false, Large)}, 120ms);
     queue.Push(Make(true, Large));
+    EXPECT_THAT(TakeAll(), ElementsAre(4));
+}
+
+TEST_F(ViewerQueueTest, DropsWhatWaitsTooLong) {
+    queue.Start({Make(true)}, 40ms);
+    auto const late = Make(true);
+    late->stamp = {40ms + ViewerQueue::MaximumAge, 40ms + ViewerQueue::MaximumAge};
+    queue.Push(late);
+    EXPECT_EQ(queue.GetFirst().unit->number, 1U);
+    auto const tooLate = Make(false);
+    tooLate->stamp = {80ms + ViewerQueue::MaximumAge, 80ms + ViewerQueue::MaximumAge};
+    queue.Push(tooLate);
+    EXPECT_TRUE(queue.IsEmpty());
+}
+
+TEST_F(ViewerQueueTest, KeepsAGroupOfLongAgoForANewViewer) {
+    queue.Start({Make(true), Make(false)}, 60s);
+    auto const next = Make(false);
+    next->stamp = {60s, 60s};
+    queue.Push(next);
     EXPECT_THAT(TakeAll(), ElementsAre(1, 2, 3));
 }
 
