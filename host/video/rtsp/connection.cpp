@@ -369,7 +369,10 @@ void Connection::SendWaiting() {
     if (isWriting || isClosed) return;
     isWriting = true;
     bool const hadRoom = outbox.HasRoom();
+    isSending = true;
     auto const result = outbox.Send(socket.native_handle(), sessions);
+    isSending = false;
+    if (isClosed) return ReleaseMemory();
     using enum Outbox::Result;
     if (result == Empty) {
         isWriting = false;
@@ -426,6 +429,19 @@ void Connection::Close() {
     for (auto const& session : std::exchange(sessions, {})) {
         if (session->IsInterleaved() || !session->IsPlaying()) session->End();
     }
+    ReleaseMemory();
+}
+
+/// Handlers that are still to come keep a closed connection, but not what waits in it.
+void Connection::ReleaseMemory() {
+    std::string().swap(input);
+    if (!isSending) outbox = Outbox();
+}
+
+/// A viewer whose stream ends hears of it by the end of its connection, too, unless that serves another session.
+void Connection::OnSessionExpiry() {
+    auto const isAlive = [](auto const& session) { return !session->HasEnded(); };
+    if (std::ranges::count_if(sessions, isAlive) <= 1) Close();
 }
 
 std::optional<Response> Connection::CheckLogin(Request const& request) {
@@ -485,14 +501,14 @@ Response Connection::AnswerSetUp(Request const& request) {
         return SetUp(*session, track, *transport);
     }
     if (!mount->Describe()) return {Status::Unavailable};
+    std::erase_if(sessions, [](auto const& each) { return each->HasEnded(); });
     auto sessionSlot = site->AddSession(peer);
     if (!sessionSlot || sessions.size() >= MaximumSessions) return {Status::Unavailable};
     session = std::make_shared<Session>(worker, mount, Site::MakeSessionId(worker), std::move(sessionSlot));
     auto response = SetUp(*session, track, *transport);
     if (response.status != Status::Ok) return response;
-    // A viewer whose stream ends hears of it by the end of its connection, too.
     session->SetOnExpiry([weak = weak_from_this()] {
-        if (auto const self = weak.lock()) self->Close();
+        if (auto const self = weak.lock()) self->OnSessionExpiry();
     });
     sessions.push_back(session);
     worker.Add(session);

@@ -109,6 +109,8 @@ private:
     void Watch(std::weak_ptr<Session const> const& session);
     void Reply(Response const& response, std::string_view sequence);
     void SendWaiting();
+    void ReleaseMemory();
+    void OnSessionExpiry();
     void Finish();
 
     std::optional<Response> CheckLogin(Request const& request);
@@ -141,6 +143,7 @@ private:
     bool hasFailed = false; ///< the next sweep closes it
 
     Outbox outbox;
+    bool isSending = false; ///< the outbox is in use
     bool isWriting = false; ///< in Flush(), or waiting for the socket
 
     std::vector<std::shared_ptr<Session>> sessions;    ///< that were set up over this connection

@@ -1,3 +1,4 @@
+#include "host/video/rtsp/connection.h"
 #include "host/video/rtsp/worker.h"
 #include "support/eventually.h"
 #include "support/random_failure.h"
@@ -380,6 +381,31 @@ TEST_F(EngineViewers, GetNoTunnelWhoseHalvesComeFromDifferentAddresses) {
     auto const post = Connect();
     post->Send("POST / HTTP/1.0\r\nx-sessioncookie: a\r\n\r\nT1BUSU9OUyAqIFJUU1AvMS4wDQpDU2VxOiA3DQoNCg==");
     EXPECT_THAT(get->ReadAnswer(), StartsWith("RTSP/1.0 200"));
+}
+
+TEST_F(EngineViewers, MaySetUpSessionsInPlaceOfThoseThatTheyEnded) {
+    auto const viewer = Connect();
+    for (std::size_t count = 0; count < 2 * rtsp::Connection::MaximumSessions; ++count) {
+        ASSERT_THAT(viewer->SetUp(Interleaved), StartsWith("RTSP/1.0 200")) << count;
+        ASSERT_THAT(viewer->AskInSession("TEARDOWN"), StartsWith("RTSP/1.0 200")) << count;
+    }
+}
+
+TEST_F(EngineViewers, KeepTheirConnectionWhenOneOfTheirStreamsEnds) {
+    engine->SetChannels({From("1", Small), From("2", Small)});
+    ASSERT_TRUE(WaitForState("2", ChannelState::Running));
+    auto const viewer = Connect();
+    ASSERT_THAT(viewer->Play(), StartsWith("RTSP/1.0 200"));
+    auto const setUp = "SETUP " + GetUrl("2") + "/stream=0 RTSP/1.0\r\nCSeq: 8\r\nTransport: RTP/AVP/TCP\r\n\r\n";
+    viewer->Send(setUp);
+    ASSERT_THAT(viewer->ReadAnswer(), StartsWith("RTSP/1.0 200"));
+    engine->SetChannels({From("1", Small)});
+    EXPECT_TRUE(test::Eventually([&] {
+        viewer->Send("SETUP " + GetUrl("2") + "/stream=0 RTSP/1.0\r\nCSeq: 8\r\n\r\n");
+        return viewer->ReadAnswer().starts_with("RTSP/1.0 404");
+    }));
+    auto const end = std::chrono::steady_clock::now() + 2 * rtsp::Session::Farewell;
+    while (std::chrono::steady_clock::now() < end) ASSERT_TRUE(viewer->ReadPacket());
 }
 
 TEST_F(EngineViewers, AreEndedWhenARequestFails) {
