@@ -58,6 +58,9 @@ public:
     /// Removes what GetFirst() returns.
     void RemoveFirst();
 
+    /// Whether the viewer's clock runs: there has been an access unit since the start.
+    bool HasClock() const { return clock.has_value(); }
+
     /// A time of the stream's timeline on the viewer's clock.
     Time Map(Time time) const;
 

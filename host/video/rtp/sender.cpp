@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <stdexcept>
 #include <string_view>
+#include <utility>
 
 namespace zarn::host::video::rtp {
 namespace {
@@ -73,9 +74,8 @@ std::uint32_t Sender::ToTimestamp(std::chrono::nanoseconds time, std::uint32_t c
     return firstTimestamp + static_cast<std::uint32_t>(ticks);
 }
 
-void Sender::WriteHeader(std::byte* out, Packet const& packet, std::uint8_t payloadType, std::size_t ahead,
+void Sender::WriteHeader(std::byte* out, Packet const& packet, std::uint8_t payloadType, std::uint16_t number,
                          std::uint32_t timestamp) const {
-    auto const number = static_cast<std::uint16_t>(sequence + ahead);
     out[0] = static_cast<std::byte>(Version);
     out[1] = static_cast<std::byte>(payloadType | (packet.marker ? 0x80U : 0U));
     out[2] = static_cast<std::byte>(number >> 8);
@@ -84,8 +84,11 @@ void Sender::WriteHeader(std::byte* out, Packet const& packet, std::uint8_t payl
     Write32(out + 8, source);
 }
 
+std::uint16_t Sender::TakeSequence(std::size_t packets) {
+    return std::exchange(sequence, static_cast<std::uint16_t>(sequence + packets));
+}
+
 void Sender::Count(std::size_t packets, std::size_t octets) {
-    sequence = static_cast<std::uint16_t>(sequence + packets);
     packetCount += static_cast<std::uint32_t>(packets);
     octetCount += static_cast<std::uint32_t>(octets);
 }

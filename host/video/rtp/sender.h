@@ -29,9 +29,12 @@ public:
     std::uint32_t ToTimestamp(std::chrono::nanoseconds time, std::uint32_t clockRate) const;
 
     /// Writes the RTP header of a packet into HeaderSize bytes.
-    /// ahead  how many packets after the next one, 0 for the next one itself
-    void WriteHeader(std::byte* out, Packet const& packet, std::uint8_t payloadType, std::size_t ahead,
+    /// number  its sequence number
+    void WriteHeader(std::byte* out, Packet const& packet, std::uint8_t payloadType, std::uint16_t number,
                      std::uint32_t timestamp) const;
+
+    /// Takes the sequence numbers of the next packets; returns the first.
+    std::uint16_t TakeSequence(std::size_t packets);
 
     /// Counts packets as sent.
     /// octets  bytes of their payloads

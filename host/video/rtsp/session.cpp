@@ -123,9 +123,10 @@ void Session::Sweep(Clock::time_point now) {
         return End();
     }
     if (!isPlaying || now - reported < ReportInterval) return;
-    reported = now;
     for (auto const& track : tracks) {
-        if (track && !track->isEnding) SendReport(*track);
+        if (!track || track->isEnding || !track->queue.HasClock()) continue;
+        reported = now;
+        SendReport(*track);
     }
 }
 
@@ -147,7 +148,7 @@ void Session::EndOfStream() {
         if (!track) continue;
         track->hub->Remove(*this);
         track->isEnding = isPlaying;
-        if (isPlaying && track->queue.IsEmpty()) SayGoodbye(*track);
+        if (isPlaying && track->queue.IsEmpty() && !track->isSending) SayGoodbye(*track);
     }
     auto const timer = std::make_shared<boost::asio::steady_timer>(worker.GetContext(), Farewell);
     timer->async_wait([timer, weak = weak_from_this()](boost::system::error_code error) {

@@ -20,6 +20,7 @@ struct Track {
     std::uint8_t channel = 0;                ///< interleaved: of RTP; the next one is for RTCP
     boost::asio::ip::udp::endpoint rtpPeer;  ///< over UDP
     boost::asio::ip::udp::endpoint rtcpPeer; ///< over UDP
+    bool isSending = false;                  ///< a part of an access unit has been sent
     bool isEnding = false;                   ///< BYE follows what waits
 };
 

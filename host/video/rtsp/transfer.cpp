@@ -17,12 +17,11 @@ std::array<std::byte, FrameSize> MakeFrame(Track const& track, rtp::Packet const
 
 } // namespace
 
-void PacketParts::Add(Track const& track, rtp::Packets const& packets, std::size_t index, std::uint32_t timestamp,
-                      std::span<std::byte const> frame, std::size_t skip) {
-    auto const& packet = packets.list[index];
+void PacketParts::Add(Track const& track, rtp::Packet const& packet, std::uint8_t payloadType, std::uint16_t number,
+                      std::uint32_t timestamp, std::span<std::byte const> frame, std::size_t skip) {
     auto& head = heads[count / 2];
     auto* const header = std::ranges::copy(frame, head.data()).out;
-    track.sender.WriteHeader(header, packet, packets.format->payloadType, index, timestamp);
+    track.sender.WriteHeader(header, packet, payloadType, number, timestamp);
     auto* const prefix = header + rtp::Sender::HeaderSize;
     std::copy_n(packet.prefix.data(), packet.prefixSize, prefix);
     auto const headSize = static_cast<std::size_t>(prefix - head.data()) + packet.prefixSize;
@@ -39,6 +38,8 @@ Transfer::Transfer(std::shared_ptr<Track> from, Framing framing)
     if (!item.unit->packets) return;
     track->clockRate = item.unit->packets->format->clockRate;
     timestamp = track->sender.ToTimestamp(item.time, track->clockRate);
+    firstNumber = track->sender.TakeSequence(item.unit->packets->list.size());
+    track->isSending = !IsDone();
 }
 
 void Transfer::Gather(PacketParts& parts) const {
@@ -48,7 +49,8 @@ void Transfer::Gather(PacketParts& parts) const {
         auto const frame = MakeFrame(*track, packets.list[next]);
         auto const used =
             framing == Framing::Interleaved ? std::span<std::byte const>(frame) : std::span<std::byte const>();
-        parts.Add(*track, packets, next, timestamp, used, next == index ? offset : 0);
+        parts.Add(*track, packets.list[next], packets.format->payloadType,
+                  static_cast<std::uint16_t>(firstNumber + next), timestamp, used, next == index ? offset : 0);
     }
 }
 
@@ -56,13 +58,18 @@ void Transfer::Advance(std::size_t bytes) {
     offset += bytes;
     auto const& packets = *item.unit->packets;
     while (!IsDone() && offset >= GetSize(packets.list[index])) offset -= GetSize(packets.list[index++]);
-    if (IsDone()) track->sender.Count(packets.list.size(), packets.bytes);
+    CountWhenDone();
 }
 
 void Transfer::AdvancePackets(std::size_t count) {
-    auto const& packets = *item.unit->packets;
     index += count;
-    if (IsDone()) track->sender.Count(packets.list.size(), packets.bytes);
+    CountWhenDone();
+}
+
+void Transfer::CountWhenDone() {
+    if (!IsDone()) return;
+    track->sender.Count(item.unit->packets->list.size(), item.unit->packets->bytes);
+    track->isSending = false;
 }
 
 std::size_t Transfer::GetSize(rtp::Packet const& packet) const {

@@ -27,9 +27,10 @@ public:
 
     /// Adds a packet.
     /// frame   bytes in front of the RTP header
+    /// number  its sequence number
     /// skip    how many bytes of the beginning are left out
-    void Add(Track const& track, rtp::Packets const& packets, std::size_t index, std::uint32_t timestamp,
-             std::span<std::byte const> frame, std::size_t skip);
+    void Add(Track const& track, rtp::Packet const& packet, std::uint8_t payloadType, std::uint16_t number,
+             std::uint32_t timestamp, std::span<std::byte const> frame, std::size_t skip);
 
 private:
     static constexpr std::size_t HeadSize =
@@ -49,7 +50,7 @@ public:
         None,        ///< in a datagram
     };
 
-    /// Takes the first access unit from the track's queue.
+    /// Takes the first access unit from the track's queue, and its sequence numbers.
     Transfer(std::shared_ptr<Track> track, Framing framing);
 
     /// Collects what comes next, as much as fits.
@@ -68,12 +69,14 @@ public:
     std::shared_ptr<Track> const& GetTrack() const { return track; }
 
 private:
+    void CountWhenDone();
     std::size_t GetSize(rtp::Packet const& packet) const;
 
     std::shared_ptr<Track> track;
     Framing framing;
     ViewerQueue::Item item;
     std::uint32_t timestamp = 0;
+    std::uint16_t firstNumber = 0;
     std::size_t index = 0;  ///< of the packet that is being sent
     std::size_t offset = 0; ///< in that packet
 };

@@ -1,4 +1,5 @@
 #include "host/video/rtsp/session.h"
+#include "host/video/rtsp/transfer.h"
 #include "host/video/rtsp/worker.h"
 
 #include <gmock/gmock.h>
@@ -20,6 +21,7 @@ using testing::StartsWith;
 class Wire final : public Outlet {
 public:
     void Flush() override {
+        if (isBlocked) return;
         for (; !track->queue.IsEmpty(); track->queue.RemoveFirst())
             units.push_back(track->queue.GetFirst().unit->number);
     }
@@ -27,6 +29,7 @@ public:
     void SendControl(Track const&, std::string packet) override { control.push_back(std::move(packet)); }
 
     Track* track = nullptr;
+    bool isBlocked = false;
     std::vector<std::uint64_t> units;
     std::vector<std::string> control;
 };
@@ -142,9 +145,33 @@ TEST_F(RtspSession, ReportsRegularlyWhileItPlays) {
     auto const begin = Session::Clock::now();
     session->Sweep(begin + 1s);
     EXPECT_THAT(wire.control, IsEmpty());
+    Publish(true);
     Ask("PLAY");
     for (auto const after : {2s, 6s, 8s}) session->Sweep(begin + after);
     EXPECT_THAT(wire.control, SizeIs(2)) << "one at the start, one more than 4 seconds later";
+}
+
+TEST_F(RtspSession, ReportsNoTimeBeforeTheFirstPicture) {
+    Ask("PLAY");
+    EXPECT_THAT(wire.control, IsEmpty());
+    Publish(true);
+    session->Sweep(Session::Clock::now());
+    EXPECT_THAT(wire.control, SizeIs(1));
+}
+
+TEST_F(RtspSession, SaysGoodbyeBehindAPictureOfWhichAPartHasBeenSent) {
+    wire.isBlocked = true;
+    Publish(true);
+    Ask("PLAY");
+    auto const sent = wire.control.size();
+    Transfer transfer(session->GetTracks().front(), Transfer::Framing::None);
+    stream->End();
+    worker.GetContext().poll();
+    EXPECT_THAT(wire.control, SizeIs(sent));
+    transfer.AdvancePackets(1);
+    session->OnSent(*session->GetTracks().front());
+    ASSERT_THAT(wire.control, SizeIs(sent + 1));
+    EXPECT_THAT(wire.control.back(), testing::HasSubstr("\x81\xCB"));
 }
 
 TEST_F(RtspSession, SaysGoodbyeAtTheEndOfItsStream) {

@@ -71,6 +71,17 @@ TEST_F(RtspTransfer, SendsTheSameHoweverLittleTheSocketTakes) {
     }
 }
 
+TEST_F(RtspTransfer, TakesItsSequenceNumbersAtTheBeginning) {
+    auto const first = track->sender.GetSequence();
+    Publish({"first", "last"});
+    Transfer transfer(track, Transfer::Framing::None);
+    EXPECT_EQ(track->sender.GetSequence(), static_cast<std::uint16_t>(first + 2)) << "of the next access unit";
+    PacketParts parts;
+    transfer.Gather(parts);
+    auto const* header = static_cast<unsigned char const*>(parts.GetParts()[2].iov_base);
+    EXPECT_EQ(header[2] * 256 + header[3], static_cast<std::uint16_t>(first + 1));
+}
+
 TEST_F(RtspTransfer, SendsWholePacketsAsDatagrams) {
     Publish(MakeLongUnit());
     Transfer transfer(track, Transfer::Framing::None);
