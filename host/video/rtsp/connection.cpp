@@ -214,6 +214,7 @@ void Connection::Refuse(Input::Refused const& refused) {
 void Connection::OnRequest(Request const& request) {
     auto const sequence = std::string(request.Find("CSeq"));
     if (sequence.empty()) return Refuse({Status::BadRequest});
+    for (auto const& session : sessions) session->Touch(Clock::now());
     if (request.version != "RTSP/1.0") return Reply({Status::VersionNotSupported}, sequence);
     if (auto const required = request.Find("Require"); !required.empty())
         return Reply({Status::OptionNotSupported, {{"Unsupported", std::string(required)}}}, sequence);
@@ -519,7 +520,7 @@ Response Connection::SetUp(Session& session, std::size_t track, Transport const&
     std::string text;
     rtp::Sender const* sender = nullptr;
     if (transport.isInterleaved) {
-        auto const channel = ChooseChannel(transport.channel);
+        auto const channel = ChooseChannel(transport.channel, session.GetTracks()[track].get());
         if (!channel) return {Status::UnsupportedTransport};
         sender = &session.SetUp(track, *channel, *this).sender;
         text = "RTP/AVP/TCP;unicast;interleaved=" + WritePair(*channel, *channel + 1U);
@@ -540,13 +541,13 @@ Response Connection::SetUp(Session& session, std::size_t track, Transport const&
     return {Status::InternalError};
 }
 
-/// The wanted channel, or the first free one.
-std::optional<std::uint8_t> Connection::ChooseChannel(std::optional<std::uint8_t> wanted) const {
+/// The wanted channel, or the first free one. A track that is set up again may keep its own.
+std::optional<std::uint8_t> Connection::ChooseChannel(std::optional<std::uint8_t> wanted, Track const* own) const {
     std::set<unsigned> used;
     for (auto const& session : sessions) {
         if (!session->IsInterleaved() || session->HasEnded()) continue;
         for (auto const& track : session->GetTracks()) {
-            if (track) used.insert({track->channel, track->channel + 1U});
+            if (track && track.get() != own) used.insert({track->channel, track->channel + 1U});
         }
     }
     auto const isFree = [&used](unsigned channel) { return !used.contains(channel) && !used.contains(channel + 1); };

@@ -120,7 +120,7 @@ private:
     Response AnswerParameter(Request const& request);
     Response AnswerWithoutSession(Request const& request);
     Response SetUp(Session& session, std::size_t track, Transport const& transport);
-    std::optional<std::uint8_t> ChooseChannel(std::optional<std::uint8_t> wanted) const;
+    std::optional<std::uint8_t> ChooseChannel(std::optional<std::uint8_t> wanted, Track const* own) const;
     std::shared_ptr<Session> FindOwn(std::string_view id) const;
     std::string GetAuthority() const;
 

@@ -63,7 +63,8 @@ void Session::ForgetPeers() {
 
 Response Session::Handle(Request const& request, StreamPath const& path, std::string const& uri) {
     if (path.id != mount->GetId()) return {Status::NotFound};
-    if (path.track) return {Status::OnlyAggregateAllowed};
+    bool const isWhole = !path.track || (tracks.size() == 1 && *path.track == 0);
+    if (!isWhole) return {Status::OnlyAggregateAllowed};
     if (request.method == "PLAY") return Play(request, uri);
     if (request.method == "PAUSE") return Pause();
     End();

@@ -408,6 +408,14 @@ TEST_F(EngineViewers, KeepTheirConnectionWhenOneOfTheirStreamsEnds) {
     while (std::chrono::steady_clock::now() < end) ASSERT_TRUE(viewer->ReadPacket());
 }
 
+TEST_F(EngineViewers, KeepTheirChannelsWhenTheySetUpATrackAgain) {
+    auto const viewer = Connect();
+    viewer->SetUp("RTP/AVP/TCP;unicast;interleaved=4-5");
+    auto const again = viewer->Ask(
+        "SETUP", "Session: " + viewer->session + "\r\nTransport: RTP/AVP/TCP;interleaved=4-5\r\n", "/stream=0");
+    EXPECT_THAT(again, HasSubstr("interleaved=4-5;"));
+}
+
 TEST_F(EngineViewers, AreEndedWhenARequestFails) {
     auto const viewer = Connect();
     ASSERT_THAT(viewer->Play(), StartsWith("RTSP/1.0 200"));

@@ -115,9 +115,22 @@ TEST_F(RtspSession, PlaysFromNowWhateverRangeIsAskedFor) {
 
 TEST_F(RtspSession, IsControlledAsAWholeAtItsOwnPath) {
     EXPECT_EQ(Ask("PLAY", "", {"2"}), Status::NotFound);
-    EXPECT_EQ(Ask("PLAY", "", {"1", 0}), Status::OnlyAggregateAllowed);
-    EXPECT_EQ(Ask("TEARDOWN", "", {"1", 0}), Status::OnlyAggregateAllowed);
+    EXPECT_EQ(Ask("PLAY", "", {"1", 1}), Status::OnlyAggregateAllowed);
+    EXPECT_EQ(Ask("TEARDOWN", "", {"1", 1}), Status::OnlyAggregateAllowed);
     EXPECT_TRUE(IsKept());
+}
+
+TEST_F(RtspSession, MayBeControlledAtThePathOfItsOnlyTrack) {
+    EXPECT_EQ(Ask("PLAY", "", {"1", 0}), Status::Ok);
+    EXPECT_EQ(Ask("TEARDOWN", "", {"1", 0}), Status::Ok);
+    EXPECT_FALSE(IsKept());
+}
+
+TEST_F(RtspSession, IsNotControlledAtThePathOfOneOfTwoTracks) {
+    auto const hub = std::make_shared<Hub>(worker.GetContext(), stream, 0);
+    auto const two = std::make_shared<Mount const>("1", std::vector<Mount::Hubs>{{hub}, {hub}});
+    session = std::make_shared<Session>(worker, two, "id2", nullptr);
+    EXPECT_EQ(Ask("PLAY", "", {"1", 0}), Status::OnlyAggregateAllowed);
 }
 
 TEST_F(RtspSession, EndsWithTeardown) {
