@@ -65,8 +65,11 @@ bool ReadField(std::string_view line, Request& request) {
     if (colon == std::string_view::npos || colon == 0) return false;
     auto const name = line.substr(0, colon);
     if (name.find_first_of(" \t") != std::string_view::npos || !text::IsLine(name)) return false;
-    request.fields.emplace_back(name, text::Trim(line.substr(colon + 1)));
-    return true;
+    auto const value = text::Trim(line.substr(colon + 1));
+    // It may be sent back or logged. Tabs are white space.
+    bool const isLine = std::ranges::all_of(value, [](char each) { return each == '\t' || text::IsLine({&each, 1}); });
+    if (isLine) request.fields.emplace_back(name, value);
+    return isLine;
 }
 
 /// The length of the body; none when the field is no number. An absent field means 0.

@@ -83,6 +83,13 @@ TEST(RtspRequest, IsRefusedWhenItIsNotWellFormed) {
     }
 }
 
+TEST(RtspRequest, IsRefusedWithControlCharactersInAField) {
+    for (auto const* value : {"a\rb", "a\x1b[2J", "a\x7f", "\x01"})
+        EXPECT_EQ(ParseRefused(std::string("A * RTSP/1.0\r\nCSeq: ") + value + "\r\n\r\n").status, Status::BadRequest);
+    EXPECT_EQ(ParseRefused(std::string("A * RTSP/1.0\r\nX: a\0b\r\n\r\n", 24)).status, Status::BadRequest);
+    EXPECT_EQ(std::get<Request>(ParseInput("A * RTSP/1.0\r\nX: a\tb\xc3\xa4\r\n\r\n").what).Find("X"), "a\tb\xc3\xa4");
+}
+
 TEST(RtspRequest, IsRefusedWithItsNumberWhenItsBodyIsTooLong) {
     for (auto const* length : {"65537", "4294967295", "99999999999999999999999"}) {
         auto const refused =
