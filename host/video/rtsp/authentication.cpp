@@ -2,6 +2,7 @@
 
 #include <zarn/authentication/digest.h>
 #include <zarn/authentication/realm.h>
+#include <zarn/text/character.h>
 
 #include <boost/algorithm/string/case_conv.hpp>
 #include <boost/algorithm/string/predicate.hpp>
@@ -23,6 +24,19 @@ std::string Get(DigestParameters const& parameters, std::string const& name) {
     return found == parameters.end() ? std::string() : found->second;
 }
 
+/// Whether credentials are of this scheme, well-formed or not.
+bool IsDigest(std::string_view credentials) {
+    auto const trimmed = text::Trim(credentials);
+    return boost::iequals(trimmed.substr(0, trimmed.find_first_of(text::WhiteSpace)), "Digest");
+}
+
+/// Whether they use an algorithm and a `qop` that can be checked.
+bool IsOffered(DigestParameters const& parameters) {
+    auto const algorithm = Get(parameters, "algorithm");
+    auto const qop = Get(parameters, "qop");
+    return (algorithm.empty() || boost::iequals(algorithm, "MD5")) && (qop.empty() || qop == "auth");
+}
+
 } // namespace
 
 Authentication::Authentication(std::string ha1) : ha1(std::move(ha1)) {}
@@ -36,7 +50,9 @@ std::string Authentication::MakeChallenge(bool isStale, Clock::time_point now) {
 Authentication::Verdict Authentication::Check(std::string_view credentials, std::string_view method, std::string& nonce,
                                               Clock::time_point now) {
     auto const parameters = ParseDigestParameters(credentials);
-    if (!parameters || !IsRight(*parameters, method)) return Verdict::Wrong;
+    if (!parameters) return IsDigest(credentials) ? Verdict::Wrong : Verdict::Unchecked;
+    if (!IsOffered(*parameters)) return Verdict::Unchecked;
+    if (!IsRight(*parameters, method)) return Verdict::Wrong;
     auto presented = Get(*parameters, "nonce");
     if (!presented.empty() && presented == nonce) return Verdict::Right;
     auto const made = nonces.GetTime(presented);
@@ -47,10 +63,8 @@ Authentication::Verdict Authentication::Check(std::string_view credentials, std:
 }
 
 bool Authentication::IsRight(DigestParameters const& parameters, std::string_view method) const {
-    auto const algorithm = Get(parameters, "algorithm");
     auto const qop = Get(parameters, "qop");
     if (!IsHash(ha1) || Get(parameters, "username") != Account) return false;
-    if (!(algorithm.empty() || boost::iequals(algorithm, "MD5")) || !(qop.empty() || qop == "auth")) return false;
     auto const uri = Get(parameters, "uri");
     auto const nonce = Get(parameters, "nonce");
     auto const nc = Get(parameters, "nc");

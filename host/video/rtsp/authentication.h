@@ -20,6 +20,7 @@ public:
         Right,
         Stale, ///< right, but for a nonce that is old, or not for this connection
         Wrong,
+        Unchecked, ///< of a scheme, algorithm or `qop` that is not offered: refused, but no guess at the password
     };
 
     /// ha1  32 lower-case hexadecimal digits; with anything else every login fails

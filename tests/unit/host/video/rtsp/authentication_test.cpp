@@ -59,8 +59,20 @@ TEST_F(RtspAuthentication, RefusesWhatIsWrong) {
     method.method = "SETUP";
     for (auto const& wrong : {password, user, method}) EXPECT_EQ(Check(wrong), Wrong) << wrong.Write();
     std::string bound;
-    for (auto const* text : {"", "Basic YWRtaW46cmlnaHQ=", "Digest", "Digest username=\"admin\""})
+    for (auto const* text : {"Digest", "Digest username=\"admin\"", "digest nonsense"})
         EXPECT_EQ(authentication.Check(text, "DESCRIBE", bound, now), Wrong) << text;
+}
+
+TEST_F(RtspAuthentication, RefusesWithoutACheckWhatItDoesNotOffer) {
+    auto const nonce = MakeNonce();
+    auto algorithm = Make(nonce);
+    algorithm.algorithm = "SHA-256";
+    auto qop = Make(nonce);
+    qop.qop = "auth-int";
+    for (auto const& other : {algorithm, qop}) EXPECT_EQ(Check(other), Unchecked) << other.Write();
+    std::string bound;
+    for (auto const* text : {"", "Basic YWRtaW46cmlnaHQ=", "Bearer abc"})
+        EXPECT_EQ(authentication.Check(text, "DESCRIBE", bound, now), Unchecked) << text;
 }
 
 TEST_F(RtspAuthentication, RefusesEverythingWithoutAHash) {
