@@ -163,11 +163,10 @@ TEST_F(EngineLimits, CloseIdleConnectionsButNoViewers) {
 TEST_F(EngineLimits, CloseConnectionsThatSendTooMuch) {
     auto const begin = std::chrono::steady_clock::now();
     auto const peer = Connect();
-    ASSERT_TRUE(peer->Send("OPTIONS * RTSP/1.0\r\nCSeq: 1\r\n"));
-    std::string field = "X: a\r\n";
-    while (field.size() < 65536) field += field;
+    // Packets are of no other effect.
+    auto const packet = std::string("$\x01\x04\x00", 4) + std::string(1024, 'a');
     std::jthread const sender([&] {
-        while (peer->Send(field)) {
+        while (peer->Send(packet)) {
         }
     });
     EXPECT_TRUE(peer->IsClosed(Connection::Patience));

@@ -77,9 +77,12 @@ TEST_F(RtspUdp, TakesNothingElseAsASignOfLife) {
 
 TEST_F(RtspUdp, ForgetsTheViewerWithItsSession) {
     session->End();
-    session.reset();
+    BeSilent();
     Send(rtcp, Report);
-    EXPECT_EQ(worker.FindSession("id"), nullptr);
+    bool hasExpired = false;
+    session->SetOnExpiry([&] { hasExpired = true; });
+    session->Sweep(Session::Clock::now() + Session::Timeout - 1s);
+    EXPECT_TRUE(hasExpired) << "the report does not reach it any more";
 }
 
 TEST_F(RtspUdp, SendsWholePacketsToTheViewer) {
