@@ -54,7 +54,9 @@ void CheckConnection(std::string_view bytes) {
     while (!bytes.empty()) {
         auto const input = ParseInput(bytes);
         Require(input.size <= bytes.size(), "nothing is read that is not there");
-        if (std::holds_alternative<Input::Incomplete>(input.what)) {
+        if (auto const* incomplete = std::get_if<Input::Incomplete>(&input.what)) {
+            Require(incomplete->needed > bytes.size() - input.size, "what is incomplete needs more");
+            Require(incomplete->searched <= bytes.size() - input.size, "nothing is searched that is not there");
             Require(bytes.size() - input.size < EnoughBytes, "waiting for more has an end");
             return;
         }
