@@ -360,10 +360,13 @@ void Connection::SendControl(Track const& track, std::string packet) try {
     ReportFailure(error);
 }
 
-void Connection::Flush() try { SendWaiting(); } catch (std::exception const& error) {
-
-    hasFailed = true; // as above
-    ReportFailure(error);
+void Connection::Flush() {
+    try {
+        SendWaiting();
+    } catch (std::exception const& error) {
+        hasFailed = true; // as above
+        ReportFailure(error);
+    }
 }
 
 void Connection::SendWaiting() {
