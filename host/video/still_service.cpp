@@ -55,8 +55,9 @@ void StillService::Work(std::stop_token const& stop) {
     while (wake.wait(lock, stop, [this] { return !queue.empty(); }) && !stop.stop_requested()) {
         auto const slot = std::move(queue.front());
         queue.pop_front();
+        bool const isInHaste = !queue.empty();
         lock.unlock();
-        auto const answer = Make(*slot, stop);
+        auto const answer = Make(*slot, isInHaste, stop);
         lock.lock();
         if (stop.stop_requested()) break;
         auto const waiters = std::exchange(slot->waiters, {});
@@ -69,12 +70,20 @@ void StillService::Work(std::stop_token const& stop) {
     }
 }
 
-Snapshot StillService::Make(Slot& slot, std::stop_token const& stop) {
-    auto const recent = slot.stream->GetRecent();
+Snapshot StillService::Make(Slot& slot, bool isInHaste, std::stop_token const& stop) {
+    auto recent = slot.stream->GetRecent();
     if (!recent) return Refuse(SnapshotError::NoFrame, "the channel has no video");
-    auto const arrived = recent->units.back()->arrived;
+    auto& units = recent->units;
     auto const now = Clock::now();
-    if (now - arrived >= GreatestAge) return Refuse(SnapshotError::NoFrame, "the newest picture is too old");
+    if (now - units.back()->arrived >= GreatestAge) {
+        return Refuse(SnapshotError::NoFrame, "the newest picture is too old");
+    }
+    if (isInHaste && now - units.front()->arrived < GreatestAgeInHaste) {
+        // Only the worker that has the slot changes these two. Pictures must not go back in time.
+        if (slot.jpeg && slot.arrived >= units.front()->arrived) return {SnapshotError::None, {}, slot.jpeg};
+        units.resize(1);
+    }
+    auto const arrived = units.back()->arrived;
     auto still = DecodeStill(*recent, std::min(now + bounds.decodingTime, arrived + GreatestAge), stop);
     if (!still.jpeg) return Refuse(SnapshotError::Failed, std::move(still.failure));
     std::scoped_lock const lock(mutex);

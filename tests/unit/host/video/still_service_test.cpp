@@ -1,4 +1,5 @@
 #include "host/video/gstreamer.h"
+#include "host/video/still_decoder.h"
 #include "host/video/still_service.h"
 #include "support/eventually.h"
 #include "unit/host/video/stream_fixture.h"
@@ -27,12 +28,40 @@ protected:
         return answer;
     }
 
+    /// Asks while the only worker is held up and another channel waits behind this one.
+    Snapshot RequestInHaste(StillService& service) {
+        auto const noVideo = std::make_shared<Stream>(meta::data::VideoInfo());
+        std::promise<void> go;
+        service.Request(std::make_shared<StillService::Slot>(noVideo),
+                        [goes = go.get_future().share()](Snapshot const&) { goes.wait(); });
+        auto answer = Request(service);
+        service.Request(std::make_shared<StillService::Slot>(noVideo), [](Snapshot const&) {});
+        go.set_value();
+        return answer.get();
+    }
+
+    /// What the service should make of the first `count` access units of the newest group.
+    std::string Decode(std::size_t count) {
+        auto recent = *stream->GetRecent();
+        recent.units.resize(count);
+        return std::string(DecodeStill(recent, Stream::Clock::now() + 60s, {}).jpeg->ToStringView());
+    }
+
+    /// Publishes the newest group again, which has just arrived but for its key frame.
+    void PublishAgain(std::chrono::milliseconds ageOfKeyFrame) {
+        auto const units = stream->GetRecent()->units;
+        for (auto const& unit : units) {
+            PublishBuffer(unit->data.get(), Stream::Clock::now() - (unit->isKey ? ageOfKeyFrame : 0ms));
+        }
+    }
+
     /// Retries when the video was too old at the time of the request, as can happen on a stalled machine.
     static void WaitUntilInTime(std::function<Snapshot()> const& ask) {
         EXPECT_TRUE(test::Eventually([&] { return ask().error != Error::NoFrame; }));
     }
 
     StillService::Bounds const patient{.patience = 60s, .decodingTime = 60s};
+    StillService::Bounds const oneWorker{.workers = 1, .patience = 60s, .decodingTime = 60s, .reuse = 0ms};
     std::shared_ptr<StillService::Slot> slot = std::make_shared<StillService::Slot>(stream);
     StillService::Bounds const nobodyWorks{.workers = 0, .waiting = 3, .patience = 50ms};
 };
@@ -64,6 +93,40 @@ TEST_F(StillServiceTest, EncodesANewPictureWhenTheLastIsTooOld) {
     });
     ASSERT_EQ(second.error, Error::None) << second.detail;
     EXPECT_NE(first.jpeg, second.jpeg);
+}
+
+TEST_F(StillServiceTest, EncodesTheKeyFrameWhileOtherChannelsWait) {
+    StillService service(oneWorker);
+    PublishVideo(5);
+    ASSERT_NE(Decode(1), Decode(5));
+    Snapshot snapshot;
+    EXPECT_TRUE(test::Eventually([&] {
+        PublishAgain(0ms);
+        snapshot = RequestInHaste(service);
+        return snapshot.jpeg && snapshot.jpeg->ToStringView() == Decode(1);
+    })) << snapshot.detail;
+}
+
+TEST_F(StillServiceTest, EncodesTheNewestAccessUnitForOthersThatWaitWhenTheKeyFrameIsOld) {
+    StillService service(oneWorker);
+    PublishVideo(5);
+    Snapshot snapshot;
+    WaitUntilInTime([&] {
+        PublishAgain(StillService::GreatestAgeInHaste);
+        return snapshot = RequestInHaste(service);
+    });
+    ASSERT_EQ(snapshot.error, Error::None) << snapshot.detail;
+    EXPECT_EQ(snapshot.jpeg->ToStringView(), Decode(5));
+}
+
+TEST_F(StillServiceTest, GivesOutTheLastPictureAgainRatherThanAnOlderKeyFrame) {
+    StillService service(oneWorker);
+    PublishVideo(5);
+    EXPECT_TRUE(test::Eventually([&] {
+        PublishAgain(0ms);
+        auto const newest = Request(service).get();
+        return newest.jpeg && RequestInHaste(service).jpeg == newest.jpeg;
+    }));
 }
 
 TEST_F(StillServiceTest, ReportsNoFrameWithoutVideo) {

@@ -34,6 +34,16 @@ protected:
         return stream->SetFormat(*ReadFormat(parsed.get()));
     }
 
+    /// Publishes coded video that arrived at this time.
+    void PublishBuffer(GstBuffer* buffer, Stream::Clock::time_point arrived) {
+        auto unit = std::make_shared<AccessUnit>();
+        unit->data.reset(gst_buffer_ref(buffer));
+        unit->isKey = !GST_BUFFER_FLAG_IS_SET(buffer, GST_BUFFER_FLAG_DELTA_UNIT);
+        unit->size = gst_buffer_get_size(buffer);
+        unit->arrived = arrived;
+        stream->Publish(std::move(unit));
+    }
+
     /// Publishes frames of real test video.
     void PublishVideo(int count) {
         Producer producer(*ParseSource("test:ball?width=128&height=96&rate=30").source, {});
@@ -44,12 +54,7 @@ protected:
             if (picture == nullptr) continue;
             auto* buffer = gst_sample_get_buffer(picture->sample.get());
             ASSERT_TRUE(stream->SetFormat(*ReadFormat(gst_sample_get_caps(picture->sample.get()))));
-            auto unit = std::make_shared<AccessUnit>();
-            unit->data.reset(gst_buffer_ref(buffer));
-            unit->isKey = !GST_BUFFER_FLAG_IS_SET(buffer, GST_BUFFER_FLAG_DELTA_UNIT);
-            unit->size = gst_buffer_get_size(buffer);
-            unit->arrived = Stream::Clock::now();
-            stream->Publish(std::move(unit));
+            PublishBuffer(buffer, Stream::Clock::now());
             --count;
         }
     }
