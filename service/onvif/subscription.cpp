@@ -55,19 +55,20 @@ void Subscription::Queue(EventPtr const& event) {
     // timer handlers.
     struct Receivers {
         ~Receivers() {
-            for (auto* const subscription : awaited) subscription->changed.NotifyAll();
+            if (!live) return;
+            for (auto const& subscription : *live) {
+                if (subscription->hasNews.load(std::memory_order_relaxed) && subscription->hasNews.exchange(false)) {
+                    subscription->changed.NotifyAll();
+                }
+            }
         }
 
         Snapshot live;
-        std::vector<Subscription*> awaited;
     } receivers;
 
     std::scoped_lock const lock(Publishing);
     receivers.live = GetLive();
-    receivers.awaited.reserve(receivers.live->size());
-    for (auto const& subscription : *receivers.live) {
-        if (subscription->Append(event)) receivers.awaited.push_back(subscription.get());
-    }
+    for (auto const& subscription : *receivers.live) subscription->Append(event);
 }
 
 /// The live subscriptions, ascending by id. They may end meanwhile.
@@ -82,13 +83,12 @@ Subscription::Snapshot Subscription::GetLive() {
     return LatestSnapshot;
 }
 
-/// Returns whether a thread waits for it.
-bool Subscription::Append(EventPtr const& event) {
+void Subscription::Append(EventPtr const& event) {
     std::scoped_lock const lock(mutex);
-    if (hasEnded) return false;
+    if (hasEnded) return;
     events.Push(event);
     gauge.SetQueued(events.GetSize());
-    return waiting > 0;
+    if (waiting > 0) hasNews = true;
 }
 
 std::int32_t Subscription::GetNextSubscriptionId() {

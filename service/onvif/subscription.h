@@ -10,6 +10,7 @@
 
 #include <boost/asio/system_timer.hpp>
 
+#include <atomic>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
@@ -88,7 +89,7 @@ private:
 
     void StartTimer(Time termination);
 
-    bool Append(EventPtr const& event);
+    void Append(EventPtr const& event);
     EventPtr PopLocked();
 
     // Locks are taken in this order: Publishing, Mutex, a subscription's own.
@@ -108,8 +109,9 @@ private:
     boost::asio::system_timer timer{context.Get()}; ///< its expiry is the termination time
     EventQueue events;
     bool hasEnded = false;
-    unsigned waiting = 0;           ///< threads in WaitForEvents
-    job::ConditionVariable changed; ///< an event arrived, the subscription ended, or waiting is to stop
+    unsigned waiting = 0;              ///< threads in WaitForEvents
+    std::atomic<bool> hasNews = false; ///< an event arrived for a waiting thread that is still to be notified; no mutex
+    job::ConditionVariable changed;    ///< an event arrived, the subscription ended, or waiting is to stop
 };
 
 } // namespace zarn::service::onvif

@@ -114,6 +114,18 @@ TEST_F(SlowDevice, AdvertisesHttpOnPortZeroUntilTheHostUpdatesIt) {
                 HasSubstr("http://" + network::GetLocalIPAddress().to_string() + ":0/onvif/device_service"));
 }
 
+TEST_F(SlowDevice, AdvertisesThePortAtTheTimeOfTheExchange) {
+    std::vector<std::shared_ptr<web::response::Pending>> occupying;
+    for (unsigned processor = 0; processor < std::thread::hardware_concurrency(); ++processor)
+        occupying.push_back(slow.Post(RequestFor("trt:GetProfiles")));
+    auto const waiting = slow.Post(RequestFor("tds:GetCapabilities"));
+    slow.UpdateServerPort(9000);
+    gate.set_value();
+    auto const answer = WaitFor(*waiting);
+    EXPECT_THAT(std::string(answer.GetBody().front()->ToStringView()), HasSubstr(":9000/onvif/device_service"));
+    for (auto const& each : occupying) WaitFor(*each);
+}
+
 class Exchange : public DeviceFixture {};
 
 TEST_F(Exchange, AdvertisesThePortAndTlsStateOfTheLastUpdate) {

@@ -2,6 +2,7 @@
 #include "support/eventually.h"
 
 #include <zarn/chrono/iso8601.h>
+#include <zarn/logging/capture.h>
 #include <zarn/meta/data/count/value.h>
 #include <zarn/meta/data/zone.h>
 #include <zarn/onvif/events/subscription_gauge.h>
@@ -242,6 +243,26 @@ TEST_F(PullPoint, FaultsForAnUnknownId) {
         EXPECT_THAT(Renew(path, "PT10S"), IsNotFound()) << path;
         EXPECT_EQ(Unsubscribe(path).status, 200) << path;
     }
+}
+
+TEST_F(PullPoint, FaultsForItsAddressBeforeItReadsATime) {
+    std::string const withoutId = "/onvif/events_service";
+    std::string const unknown = "/onvif/events_service/Subscription?Idx=2147483647";
+    EXPECT_THAT(Renew(withoutId, "tomorrow"), CannotExtractId);
+    EXPECT_THAT(Pull(withoutId, 1, "soon"), CannotExtractId);
+    EXPECT_THAT(Renew(unknown, "tomorrow"), IsNotFound());
+    EXPECT_THAT(Pull(unknown, 1, "soon"), IsNotFound());
+}
+
+TEST_F(PullPoint, LogsNothing) {
+    auto const path = Subscribe();
+    logging::Capture const capture;
+    Publish(MakeEvent("no such type"));
+    Publish(MakeFieldEvent());
+    EXPECT_EQ(Pull(path).status, 200);
+    EXPECT_EQ(Renew(path, "PT1M").status, 200);
+    EXPECT_EQ(Unsubscribe(path).status, 200);
+    EXPECT_THAT(capture.GetLines(), IsEmpty());
 }
 
 TEST_F(PullPoint, ReadsTheIdFromTheLeadingDigitsAfterIdx) {

@@ -97,6 +97,15 @@ TEST_F(PullPointWait, EndsWithAnEvent) {
     EXPECT_THAT(GetRules(GetReply(reply)), ElementsAre("one"));
 }
 
+TEST_F(PullPointWait, EndsWithAnEventThatAZeroLimitLeavesInTheQueue) {
+    auto const path = Subscribe();
+    auto const reply = PostPull(path, 0, "PT1H");
+    ASSERT_TRUE(Waits(*reply));
+    Publish(MakeFieldEvent("one"));
+    EXPECT_THAT(GetRules(GetReply(reply)), IsEmpty());
+    EXPECT_THAT(GetRules(Pull(path)), ElementsAre("one"));
+}
+
 TEST_F(PullPointWait, EndsForEverySubscriptionWithOneEvent) {
     std::vector<Exchange> clients;
     for (int i = 0; i < 4; ++i) clients.push_back(BeginToWait(Subscribe()));

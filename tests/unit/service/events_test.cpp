@@ -27,21 +27,20 @@ std::size_t GetMemory() {
     return heap.uordblks + heap.hblkhd;
 }
 
-/// A client that pulls up to 50,000 messages from a subscription to crossings of lines.
-class PullMessagesMemory : public testing::Test {
+/// The events service in an exchange of its own, without a server.
+class ServiceTest : public testing::Test {
 protected:
-    PullMessagesMemory() {
+    ServiceTest() {
         engine.SetEnabled(false);
         request.Timeout = "PT0S";
-        request.MessageLimit = 50'000;
-        event->Emplace<meta::data::Zone>(meta::data::Zone::Field);
-        event->Emplace<meta::data::Object>(3).Emplace<meta::data::classification::Confidence>("person");
     }
 
-    ~PullMessagesMemory() override { Subscription::End(id); }
+    ~ServiceTest() override { Subscription::End(id); }
 
-    void PublishMany() const {
-        for (int i = 0; i < 40'000; ++i) zarn::onvif::events::Publish(event);
+    /// Answers a pull whose address has this after "Idx=".
+    int Pull(std::string const& text) {
+        std::snprintf(context->path, sizeof(context->path), "/Subscription?Idx=%s", text.c_str());
+        return service.PullMessages(&request, response);
     }
 
     ZarnAuthenticationEngine engine;
@@ -49,17 +48,36 @@ protected:
     EventsService service{context.get(), URIBase(80, false), &engine, {}};
     std::int32_t const id =
         Subscription::Create(std::chrono::system_clock::now() + 1h, {"tns1:RuleEngine/LineDetector/Crossed"});
-    std::shared_ptr<meta::data::Event> const event =
-        std::make_shared<meta::data::Event>("presence", "rule", std::chrono::system_clock::now());
     _tev__PullMessages request;
     _tev__PullMessagesResponse response;
 };
 
+/// The id in the address of a request.
+class SubscriptionAddress : public ServiceTest {};
+
+TEST_F(SubscriptionAddress, MayHaveBlanksBeforeTheId) { EXPECT_EQ(Pull(" \t" + std::to_string(id)), SOAP_OK); }
+
+/// A client that pulls up to 50,000 messages from a subscription to crossings of lines.
+class PullMessagesMemory : public ServiceTest {
+protected:
+    PullMessagesMemory() {
+        request.MessageLimit = 50'000;
+        event->Emplace<meta::data::Zone>(meta::data::Zone::Field);
+        event->Emplace<meta::data::Object>(3).Emplace<meta::data::classification::Confidence>("person");
+    }
+
+    void PublishMany() const {
+        for (int i = 0; i < 40'000; ++i) zarn::onvif::events::Publish(event);
+    }
+
+    std::shared_ptr<meta::data::Event> const event =
+        std::make_shared<meta::data::Event>("presence", "rule", std::chrono::system_clock::now());
+};
+
 TEST_F(PullMessagesMemory, IsNotTakenByEventsThatTheFilterHoldsBack) {
-    std::snprintf(context->path, sizeof(context->path), "/Subscription?Idx=%d", id);
     [[maybe_unused]] auto const before = GetMemory();
     PublishMany();
-    ASSERT_EQ(service.PullMessages(&request, response), SOAP_OK);
+    ASSERT_EQ(Pull(std::to_string(id)), SOAP_OK);
     [[maybe_unused]] auto const after = GetMemory(); // while the exchange lives
     EXPECT_TRUE(response.wsnt__NotificationMessage.empty());
     EXPECT_FALSE(Subscription::Find(id)->HasEvents());
