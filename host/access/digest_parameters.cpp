@@ -60,4 +60,10 @@ std::optional<DigestParameters> ParseDigestParameters(std::string_view field) {
     return parameters;
 }
 
+std::string const& Find(DigestParameters const& parameters, std::string const& name) {
+    static std::string const none;
+    auto const found = parameters.find(name);
+    return found == parameters.end() ? none : found->second;
+}
+
 } // namespace zarn::host

@@ -15,4 +15,8 @@ using DigestParameters = std::map<std::string, std::string>;
 /// is not well-formed, or names a parameter twice. Source: RFC 9110, 11.4.
 std::optional<DigestParameters> ParseDigestParameters(std::string_view field);
 
+/// The value of a parameter; empty when there is none.
+/// name  in lower case
+std::string const& Find(DigestParameters const& parameters, std::string const& name);
+
 } // namespace zarn::host

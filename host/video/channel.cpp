@@ -169,7 +169,7 @@ void Channel::UpdateFormat(GstCaps* next) {
     caps = format->caps;
     if (stream->SetFormat(*format) && payloader) return;
     try {
-        payloader = std::make_unique<rtp::Payloader>(format->codec);
+        payloader = std::make_unique<Payloader>(format->codec);
     } catch (std::runtime_error const& error) {
         payloader.reset();
         Log().Log(logging::Level::Error, "channel %0%: cannot be viewed over RTSP: %1%", settings.id, error.what());

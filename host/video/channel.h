@@ -2,8 +2,8 @@
 
 #include "host/video/channel_settings.h"
 #include "host/video/channel_status.h"
+#include "host/video/payloader.h"
 #include "host/video/producer.h"
-#include "host/video/rtp/payloader.h"
 #include "host/video/source.h"
 #include "host/video/stream.h"
 #include "host/video/timeline.h"
@@ -75,9 +75,9 @@ private:
 
     ChannelSettings const settings;
     std::shared_ptr<Stream> const stream;
-    Timeline timeline;                         ///< the channel's thread only
-    std::shared_ptr<GstCaps> caps;             ///< of the newest picture; the channel's thread only
-    std::unique_ptr<rtp::Payloader> payloader; ///< for those caps; the channel's thread only
+    Timeline timeline;                    ///< the channel's thread only
+    std::shared_ptr<GstCaps> caps;        ///< of the newest picture; the channel's thread only
+    std::unique_ptr<Payloader> payloader; ///< for those caps; the channel's thread only
 
     std::string reported; ///< the failure that was logged last; the channel's thread only
 

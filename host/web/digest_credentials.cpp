@@ -23,13 +23,6 @@ constexpr std::string_view OtherAlgorithms[]{"MD5-sess", "SHA-256", "SHA-256-ses
 constexpr std::string_view ReadDifferently = ";\\%";
 constexpr std::size_t LongestReadAlike = 2000;
 
-/// The value of a parameter; empty when there is none.
-std::string const& Find(DigestParameters const& parameters, std::string const& name) {
-    static std::string const none;
-    auto const found = parameters.find(name);
-    return found == parameters.end() ? none : found->second;
-}
-
 bool IsMd5(std::string const& algorithm) { return algorithm.empty() || boost::beast::iequals(algorithm, "MD5"); }
 
 } // namespace

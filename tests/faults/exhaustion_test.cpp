@@ -11,10 +11,12 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <cstdint>
 #include <filesystem>
 #include <iterator>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace zarn::test {
@@ -41,27 +43,40 @@ unsigned Ask(HostProcess const& host) {
     return RawConnection(host.GetPort()).Exchange(MakeSoapRequest("GetSystemDateAndTime")).status;
 }
 
-TEST(Descriptors, RunOutWithoutAffectingLaterRequests) {
-    HostProcess host({.launcher = InShell("ulimit -n 64")});
-    auto const countLines = [&] {
+/// A host that runs out of descriptors.
+class Descriptors : public testing::Test {
+protected:
+    int CountInLog(std::string_view text) {
         auto const log = host.GetProcess().GetLog();
-        int lines = 0;
-        for (auto at = log.find("Cannot accept"); at != std::string::npos; at = log.find("Cannot accept", at + 1))
-            ++lines;
-        return lines;
-    };
-    auto const begun = std::chrono::steady_clock::now();
-    {
-        std::vector<std::unique_ptr<RawConnection>> connections;
-        connections.reserve(64);
-        for (int i = 0; i < 64; ++i) connections.push_back(std::make_unique<RawConnection>(host.GetPort()));
-        ASSERT_TRUE(host.GetProcess().WaitForLog("Cannot accept a connection: Too many open files"));
-        EXPECT_TRUE(Eventually([&] { return countLines() >= 2; })) << "accept was not retried";
+        int count = 0;
+        for (auto at = log.find(text); at != std::string::npos; at = log.find(text, at + 1)) ++count;
+        return count;
     }
-    int const lines = countLines();
-    auto const took = std::chrono::steady_clock::now() - begun;
-    EXPECT_LE(lines, took / 1s + 1) << "logged more than once per second";
+
+    /// Opens more connections than the host has descriptors for, until it has failed twice to accept one.
+    void Exhaust(std::uint16_t port, std::string const& failure) {
+        auto const begun = std::chrono::steady_clock::now();
+        std::vector<std::unique_ptr<RawConnection>> connections;
+        for (int i = 0; i < 64; ++i) connections.push_back(std::make_unique<RawConnection>(port));
+        ASSERT_TRUE(host.GetProcess().WaitForLog(failure + ": Too many open files"));
+        EXPECT_TRUE(Eventually([&] { return CountInLog(failure) >= 2; })) << "accept was not retried";
+        int const lines = CountInLog(failure);
+        auto const took = std::chrono::steady_clock::now() - begun;
+        EXPECT_LE(lines, took / 1s + 1) << "logged more than once per second";
+    }
+
+    HostProcess host{{.launcher = InShell("ulimit -n 64")}};
+};
+
+TEST_F(Descriptors, RunOutWithoutAffectingLaterRequests) {
+    Exhaust(host.GetPort(), "Cannot accept a connection");
     EXPECT_EQ(Ask(host), 200U);
+}
+
+TEST_F(Descriptors, RunOutWithoutAffectingLaterViewers) {
+    auto const port = host.GetRtspPort();
+    Exhaust(port, "Cannot accept an RTSP connection");
+    EXPECT_EQ(RawConnection(port).Exchange("OPTIONS * RTSP/1.0\r\nCSeq: 1\r\n\r\n").status, 200U);
 }
 
 TEST(Memory, ShortForASecondOnlyDelaysRequests) {

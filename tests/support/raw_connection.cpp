@@ -32,9 +32,10 @@ RawConnection::RawConnection(std::uint16_t port, std::chrono::milliseconds limit
     socket.connect(tcp::endpoint(boost::asio::ip::address_v4::loopback(), port));
 }
 
-void RawConnection::Send(std::string_view bytes) {
-    boost::system::error_code ignored;
-    boost::asio::write(socket, boost::asio::buffer(bytes), ignored);
+bool RawConnection::Send(std::string_view bytes) {
+    boost::system::error_code error;
+    boost::asio::write(socket, boost::asio::buffer(bytes), error);
+    return !error;
 }
 
 void RawConnection::AwaitArrival() {

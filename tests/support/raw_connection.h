@@ -32,8 +32,8 @@ public:
     explicit RawConnection(std::uint16_t port, std::chrono::milliseconds limit = std::chrono::seconds(30),
                            Window window = Window::Usual);
 
-    /// Sends bytes; drops them when the peer has closed the connection.
-    void Send(std::string_view bytes);
+    /// Sends bytes; drops them and returns false when the peer has closed the connection.
+    bool Send(std::string_view bytes);
 
     /// Waits until all sent bytes have reached the server's kernel, whether or not the server has read them.
     void AwaitArrival();

@@ -66,6 +66,12 @@ Sender::Sender()
       firstTimestamp(MakeRandom<std::uint32_t>()),
       sequence(MakeRandom<std::uint16_t>()) {}
 
+std::string Sender::GetName() const {
+    std::array<char, 9> text{};
+    std::snprintf(text.data(), text.size(), "%08X", static_cast<unsigned>(source));
+    return text.data();
+}
+
 std::uint32_t Sender::ToTimestamp(std::chrono::nanoseconds time, std::uint32_t clockRate) const {
     constexpr std::int64_t Second = 1'000'000'000;
     auto const count = time.count();
@@ -101,11 +107,9 @@ std::string Sender::MakeReport(std::chrono::system_clock::time_point now, std::u
     Append32(text, timestamp);
     Append32(text, packetCount);
     Append32(text, octetCount);
-    std::array<char, 9> name{};
-    std::snprintf(name.data(), name.size(), "%08X", static_cast<unsigned>(source));
     AppendHeader(text, 1, SourceDescription, 4);
     Append32(text, source);
-    text.append({CanonicalName, 8}).append(name.data(), 8).append(2, '\0'); // the list ends with at least one zero
+    text.append({CanonicalName, 8}).append(GetName()).append(2, '\0'); // the list ends with at least one zero
     return text;
 }
 

@@ -22,6 +22,9 @@ public:
     /// The synchronization source.
     std::uint32_t GetSource() const { return source; }
 
+    /// The synchronization source as eight hexadecimal digits; also the source's name in reports.
+    std::string GetName() const;
+
     /// The sequence number of the next packet.
     std::uint16_t GetSequence() const { return sequence; }
 

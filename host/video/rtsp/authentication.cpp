@@ -19,11 +19,6 @@ bool IsHash(std::string_view text) {
     return text.size() == 32 && text.find_first_not_of(Digits) == std::string_view::npos;
 }
 
-std::string Get(DigestParameters const& parameters, std::string const& name) {
-    auto const found = parameters.find(name);
-    return found == parameters.end() ? std::string() : found->second;
-}
-
 /// Whether credentials are of this scheme, well-formed or not.
 bool IsDigest(std::string_view credentials) {
     auto const trimmed = text::Trim(credentials);
@@ -32,8 +27,8 @@ bool IsDigest(std::string_view credentials) {
 
 /// Whether they use an algorithm and a `qop` that can be checked.
 bool IsOffered(DigestParameters const& parameters) {
-    auto const algorithm = Get(parameters, "algorithm");
-    auto const qop = Get(parameters, "qop");
+    auto const& algorithm = Find(parameters, "algorithm");
+    auto const& qop = Find(parameters, "qop");
     return (algorithm.empty() || boost::iequals(algorithm, "MD5")) && (qop.empty() || qop == "auth");
 }
 
@@ -53,25 +48,25 @@ Authentication::Verdict Authentication::Check(std::string_view credentials, std:
     if (!parameters) return IsDigest(credentials) ? Verdict::Wrong : Verdict::Unchecked;
     if (!IsOffered(*parameters)) return Verdict::Unchecked;
     if (!IsRight(*parameters, method)) return Verdict::Wrong;
-    auto presented = Get(*parameters, "nonce");
+    auto const& presented = Find(*parameters, "nonce");
     if (!presented.empty() && presented == nonce) return Verdict::Right;
     auto const made = nonces.GetTime(presented);
     if (!made || now - *made >= UsedResponses::LongestLife) return Verdict::Stale;
     if (!used.Add({.nonce = presented, .nc = {}, .cnonce = {}}, *made, now)) return Verdict::Stale;
-    nonce = std::move(presented);
+    nonce = presented;
     return Verdict::Right;
 }
 
 bool Authentication::IsRight(DigestParameters const& parameters, std::string_view method) const {
-    auto const qop = Get(parameters, "qop");
-    if (!IsHash(ha1) || Get(parameters, "username") != Account) return false;
-    auto const uri = Get(parameters, "uri");
-    auto const nonce = Get(parameters, "nonce");
-    auto const nc = Get(parameters, "nc");
-    auto const cnonce = Get(parameters, "cnonce");
-    return authentication::IsDigestResponse(
-        {.ha1 = ha1, .method = method, .uri = uri, .nonce = nonce, .nc = nc, .cnonce = cnonce, .qop = qop},
-        boost::to_lower_copy(Get(parameters, "response")));
+    if (!IsHash(ha1) || Find(parameters, "username") != Account) return false;
+    return authentication::IsDigestResponse({.ha1 = ha1,
+                                             .method = method,
+                                             .uri = Find(parameters, "uri"),
+                                             .nonce = Find(parameters, "nonce"),
+                                             .nc = Find(parameters, "nc"),
+                                             .cnonce = Find(parameters, "cnonce"),
+                                             .qop = Find(parameters, "qop")},
+                                            boost::to_lower_copy(Find(parameters, "response")));
 }
 
 } // namespace zarn::host::video::rtsp

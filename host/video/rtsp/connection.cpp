@@ -15,7 +15,6 @@
 #include <sys/socket.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <exception>
 #include <set>
 #include <utility>
@@ -38,12 +37,6 @@ constexpr unsigned UnreadTime = std::chrono::milliseconds(Session::Timeout).coun
 
 constexpr std::string_view Tunnelled = "x-sessioncookie";
 
-std::string ToHexadecimal(std::uint32_t number) {
-    std::array<char, 9> text{};
-    std::snprintf(text.data(), text.size(), "%08X", static_cast<unsigned>(number));
-    return text.data();
-}
-
 std::string WritePair(unsigned first, unsigned second) { return std::to_string(first) + "-" + std::to_string(second); }
 
 /// The identifier in a Session field, without parameters.
@@ -52,21 +45,20 @@ std::string GetSessionId(Request const& request) {
     return std::string(text::Trim(field.substr(0, field.find(';'))));
 }
 
+constexpr std::array<std::string_view, 8> Methods{"OPTIONS", "DESCRIBE", "GET_PARAMETER", "PAUSE",
+                                                  "PLAY",    "SETUP",    "SET_PARAMETER", "TEARDOWN"};
+
+/// The answer to a request that reads and changes nothing, with or without a session; none: it is not such a request.
+std::optional<Response> AnswerAnyone(Request const& request) {
+    if (request.method.ends_with("_PARAMETER"))
+        return Response{request.body.empty() ? Status::Ok : Status::ParameterNotUnderstood};
+    if (request.method != "OPTIONS") return std::nullopt;
+    std::string names;
+    for (auto const method : Methods) names.append(names.empty() ? "" : ", ").append(method);
+    return Response{Status::Ok, {{"Public", std::move(names)}}};
+}
+
 } // namespace
-
-constexpr std::string_view PublicMethods =
-    "OPTIONS, DESCRIBE, GET_PARAMETER, PAUSE, PLAY, SETUP, SET_PARAMETER, TEARDOWN";
-
-std::array<Connection::Method, 8> const Connection::Methods{{
-    {"OPTIONS", &Connection::AnswerOptions},
-    {"DESCRIBE", &Connection::AnswerDescribe},
-    {"SETUP", &Connection::AnswerSetUp},
-    {"GET_PARAMETER", &Connection::AnswerParameter},
-    {"SET_PARAMETER", &Connection::AnswerParameter},
-    {"PLAY", &Connection::AnswerWithoutSession},
-    {"PAUSE", &Connection::AnswerWithoutSession},
-    {"TEARDOWN", &Connection::AnswerWithoutSession},
-}};
 
 Connection::Connection(std::shared_ptr<Site> site, Worker& worker, Accepted accepted)
     : site(std::move(site)),
@@ -218,11 +210,11 @@ void Connection::OnRequest(Request const& request) {
     if (request.version != "RTSP/1.0") return Reply({Status::VersionNotSupported}, sequence);
     if (auto const required = request.Find("Require"); !required.empty())
         return Reply({Status::OptionNotSupported, {{"Unsupported", std::string(required)}}}, sequence);
-    auto const method = std::ranges::find(Methods, request.method, &Method::name);
-    if (method == Methods.end()) return Reply({Status::NotImplemented}, sequence);
+    if (std::ranges::find(Methods, request.method) == Methods.end()) return Reply({Status::NotImplemented}, sequence);
+    if (request.method == "DESCRIBE") return Reply(AnswerDescribe(request), sequence);
+    if (request.method == "SETUP") return Reply(AnswerSetUp(request), sequence);
     auto const id = GetSessionId(request);
-    if (id.empty() || method->answer == &Connection::AnswerSetUp || method->answer == &Connection::AnswerDescribe)
-        return Reply((this->*method->answer)(request), sequence);
+    if (id.empty()) return Reply(AnswerAnyone(request).value_or(Response{Status::SessionNotFound}), sequence);
     auto* const owner = site->FindWorker(id);
     if (owner == nullptr) return Reply({Status::SessionNotFound}, sequence);
     AnswerInSession(request, id, *owner);
@@ -242,15 +234,13 @@ void Connection::AnswerInSession(Request const& request, std::string const& id, 
         if (!session || (session->IsInterleaved() && !session->UsesOutlet(*asker))) return answered;
         answered.session = session;
         session->Touch(Clock::now());
-        auto const path = ParseStreamPath(request.uri);
-        if (request.method == "OPTIONS") {
-            answered.response = {Status::Ok, {{"Public", std::string(PublicMethods)}, {"Session", id}}};
-        } else if (request.method.ends_with("_PARAMETER")) {
-            answered.response = {request.body.empty() ? Status::Ok : Status::ParameterNotUnderstood, {{"Session", id}}};
-        } else if (!path) {
-            answered.response = {Status::NotFound};
-        } else {
+        if (auto response = AnswerAnyone(request)) {
+            answered.response = *std::move(response);
+            answered.response.fields.emplace_back("Session", id);
+        } else if (auto const path = ParseStreamPath(request.uri)) {
             answered.response = session->Handle(request, *path, MakeChannelUri(request.uri, path->id, authority));
+        } else {
+            answered.response = {Status::NotFound};
         }
         return answered;
     };
@@ -462,14 +452,6 @@ std::optional<Response> Connection::CheckLogin(Request const& request) {
     return Response{Status::Unauthorized, {{"WWW-Authenticate", authentication->MakeChallenge(isStale)}}};
 }
 
-Response Connection::AnswerOptions(Request const&) { return {Status::Ok, {{"Public", std::string(PublicMethods)}}}; }
-
-Response Connection::AnswerParameter(Request const& request) {
-    return {request.body.empty() ? Status::Ok : Status::ParameterNotUnderstood};
-}
-
-Response Connection::AnswerWithoutSession(Request const&) { return {Status::SessionNotFound}; }
-
 Response Connection::AnswerDescribe(Request const& request) {
     if (auto refusal = CheckLogin(request)) return *std::move(refusal);
     auto const path = ParseStreamPath(request.uri);
@@ -533,7 +515,7 @@ Response Connection::SetUp(Session& session, std::size_t track, Transport const&
         text = "RTP/AVP;unicast;client_port=" + WritePair(transport.rtpPort, transport.rtcpPort) +
                ";server_port=" + WritePair(port, port + 1);
     }
-    text += ";ssrc=" + ToHexadecimal(sender->GetSource()) + ";mode=\"PLAY\"";
+    text += ";ssrc=" + sender->GetName() + ";mode=\"PLAY\"";
     return {Status::Ok,
             {{"Transport", std::move(text)},
              {"Session", session.GetId() + ";timeout=" + std::to_string(Session::Timeout.count())}}};

@@ -80,15 +80,6 @@ public:
     void SendControl(Track const& track, std::string packet) override;
 
 private:
-    using Answer = Response (Connection::*)(Request const&);
-
-    struct Method {
-        std::string_view name;
-        Answer answer;
-    };
-
-    static std::array<Method, 8> const Methods;
-
     template <class Work>
     void Guard(Work const& work);
     void ReportFailure(std::exception const& error);
@@ -114,11 +105,8 @@ private:
     void Finish();
 
     std::optional<Response> CheckLogin(Request const& request);
-    Response AnswerOptions(Request const& request);
     Response AnswerDescribe(Request const& request);
     Response AnswerSetUp(Request const& request);
-    Response AnswerParameter(Request const& request);
-    Response AnswerWithoutSession(Request const& request);
     Response SetUp(Session& session, std::size_t track, Transport const& transport);
     std::optional<std::uint8_t> ChooseChannel(std::optional<std::uint8_t> wanted, Track const* own) const;
     std::shared_ptr<Session> FindOwn(std::string_view id) const;

@@ -53,6 +53,7 @@ std::string_view ReadWord(std::string_view& line) {
 }
 
 bool ReadRequestLine(std::string_view line, Request& request) {
+    if (!text::IsLine(line)) return false;
     request.method = ReadWord(line);
     request.uri = ReadWord(line);
     request.version = ReadWord(line);

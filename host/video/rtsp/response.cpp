@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <ctime>
+#include <iomanip>
+#include <locale>
+#include <sstream>
 
 namespace zarn::host::video::rtsp {
 namespace {
@@ -32,21 +35,28 @@ constexpr std::array Reasons{
 };
 
 constexpr std::string_view ServerField = "Server: zarn-host\r\n";
-constexpr std::string_view UncachedFields = "Connection: close\r\nCache-Control: no-store\r\nPragma: no-cache\r\n";
 
 /// The Date field, whatever the locale. Source: RFC 1123, 5.2.14.
 std::string WriteDate(std::chrono::system_clock::time_point now) {
-    constexpr std::array Days{"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
-    constexpr std::array Months{"Jan", "Feb", "Mar", "Apr", "May", "Jun", "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
     auto const seconds = std::chrono::system_clock::to_time_t(now);
-    std::tm time{};
-    gmtime_r(&seconds, &time);
-    std::array<char, 32> rest{};
-    std::array<char, 8> day{};
-    std::strftime(day.data(), day.size(), "%d", &time);
-    std::strftime(rest.data(), rest.size(), "%Y %H:%M:%S GMT", &time);
-    return std::string("Date: ") + Days.at(static_cast<std::size_t>(time.tm_wday)) + ", " + day.data() + " " +
-           Months.at(static_cast<std::size_t>(time.tm_mon)) + " " + rest.data() + "\r\n";
+    std::tm utc{};
+    gmtime_r(&seconds, &utc);
+    std::ostringstream text;
+    text.imbue(std::locale::classic());
+    text << std::put_time(&utc, "Date: %a, %d %b %Y %H:%M:%S GMT\r\n");
+    return text.str();
+}
+
+/// The head of an HTTP response that no cache keeps.
+std::string WriteHttpHead(std::string_view status, std::string_view fields, std::chrono::system_clock::time_point now) {
+    return std::string("HTTP/1.0 ")
+        .append(status)
+        .append("\r\n")
+        .append(ServerField)
+        .append("Connection: close\r\nCache-Control: no-store\r\nPragma: no-cache\r\n")
+        .append(fields)
+        .append(WriteDate(now))
+        .append("\r\n");
 }
 
 } // namespace
@@ -68,20 +78,11 @@ std::string WriteResponse(Response const& response, std::string_view sequence,
 }
 
 std::string WriteTunnelResponse(std::chrono::system_clock::time_point now) {
-    return std::string("HTTP/1.0 200 OK\r\n")
-        .append(ServerField)
-        .append(UncachedFields)
-        .append("Content-Type: application/x-rtsp-tunnelled\r\n")
-        .append(WriteDate(now))
-        .append("\r\n");
+    return WriteHttpHead("200 OK", "Content-Type: application/x-rtsp-tunnelled\r\n", now);
 }
 
 std::string WriteHttpRefusal(std::chrono::system_clock::time_point now) {
-    return std::string("HTTP/1.0 400 Bad Request\r\n")
-        .append(ServerField)
-        .append(UncachedFields)
-        .append(WriteDate(now))
-        .append("\r\n");
+    return WriteHttpHead("400 Bad Request", {}, now);
 }
 
 } // namespace zarn::host::video::rtsp

@@ -48,7 +48,6 @@ std::size_t UdpOutlet::CountWaiting() const {
 void UdpOutlet::SendBurst() {
     for (auto left = GetBurst(CountWaiting()); TakeNext();) {
         if (left == 0) {
-            isPausing = true;
             timer.expires_after(Pause);
             timer.async_wait([weak = weak_from_this()](boost::system::error_code) {
                 auto const self = weak.lock();
@@ -56,6 +55,7 @@ void UdpOutlet::SendBurst() {
                 self->isPausing = false;
                 self->SendBurst();
             });
+            isPausing = true; // not before: without memory for the wait, the next unit tries again
             return;
         }
         if (!transfer->IsDone()) left -= SendSome(left);

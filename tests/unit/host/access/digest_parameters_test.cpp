@@ -41,5 +41,11 @@ TEST(DigestParameters, AreNotReadFromATextOfAnotherForm) {
     }
 }
 
+TEST(DigestParameters, AreFoundByName) {
+    DigestParameters const parameters{{"nonce", "a"}};
+    EXPECT_EQ(Find(parameters, "nonce"), "a");
+    EXPECT_EQ(Find(parameters, "opaque"), "");
+}
+
 } // namespace
 } // namespace zarn::host

@@ -44,11 +44,12 @@ protected:
 
     /// The status of an answer to a challenge that was sent before on another connection.
     unsigned AnswerTo(test::RawResponse const& challenged) {
-        test::DigestCredentials credentials{.password = "right", .nonce = test::ReadChallenge(challenged).at("nonce")};
-        credentials.method = "DESCRIBE";
-        credentials.uri = GetUrl("1");
-        credentials.algorithm.clear();
-        credentials.qop.clear();
+        test::DigestCredentials const credentials{.password = "right",
+                                                  .nonce = test::ReadChallenge(challenged).at("nonce"),
+                                                  .method = "DESCRIBE",
+                                                  .uri = GetUrl("1"),
+                                                  .algorithm = "",
+                                                  .qop = ""};
         return Describe("Authorization: " + credentials.Write() + "\r\n").status;
     }
 };

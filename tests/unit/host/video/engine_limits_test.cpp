@@ -1,91 +1,54 @@
 #include "host/video/rtsp/connection.h"
 #include "support/eventually.h"
+#include "support/raw_connection.h"
 #include "unit/host/video/video_test.h"
 
 #include <zarn/authentication/ha1.h>
 #include <zarn/authentication/realm.h>
 
-#include <boost/asio/connect.hpp>
-#include <boost/asio/io_context.hpp>
-#include <boost/asio/ip/tcp.hpp>
-#include <boost/asio/write.hpp>
 #include <gmock/gmock.h>
-#include <poll.h>
-#include <sys/socket.h>
 
 #include <algorithm>
+#include <memory>
+#include <string>
 #include <thread>
+#include <utility>
+#include <vector>
 
 namespace zarn::host::video {
 namespace {
 
 using namespace std::chrono_literals;
 using rtsp::Connection;
+using test::RawConnection;
 using testing::HasSubstr;
-using testing::StartsWith;
 
-/// A raw TCP connection to the RTSP port.
-class Peer {
-public:
-    explicit Peer(std::uint16_t port) : socket(context) {
-        socket.connect({boost::asio::ip::address_v4::loopback(), port});
-    }
-
-    /// Sends until the connection blocks; false when it is closed.
-    bool Send(std::string_view text) {
-        boost::system::error_code error;
-        boost::asio::write(socket, boost::asio::buffer(text.data(), text.size()), error);
-        return !error;
-    }
-
-    /// Everything received until the connection is closed or becomes idle.
-    std::string Read(std::chrono::milliseconds patience = 200ms) {
-        std::string text;
-        while (Poll(patience)) {
-            std::array<char, 4096> part{};
-            boost::system::error_code error;
-            auto const size = socket.read_some(boost::asio::buffer(part), error);
-            if (error) break;
-            text.append(part.data(), size);
-        }
-        return text;
-    }
-
-    /// One response without a body; may be incomplete when no more data arrives.
-    std::string ReadAnswer() {
-        std::string text;
-        while (!text.ends_with("\r\n\r\n") && Poll(Deadline)) {
-            char character = 0;
-            boost::system::error_code error;
-            if (socket.read_some(boost::asio::buffer(&character, 1), error) == 0) break;
-            text += character;
-        }
-        return text;
-    }
-
-    /// True if the server closes the connection within the time.
-    bool IsClosed(std::chrono::milliseconds patience) {
-        std::array<char, 4096> part{};
-        boost::system::error_code error;
-        return Poll(patience) && (socket.read_some(boost::asio::buffer(part), error), error);
-    }
-
-    /// Aborts a send in progress on another thread.
-    void ShutDown() { shutdown(socket.native_handle(), SHUT_RDWR); }
-
-private:
-    bool Poll(std::chrono::milliseconds patience) {
-        pollfd waiting{socket.native_handle(), POLLIN, 0};
-        return poll(&waiting, 1, static_cast<int>(patience.count())) > 0;
-    }
-
-    boost::asio::io_context context;
-    boost::asio::ip::tcp::socket socket;
-};
+constexpr char Options[] = "OPTIONS * RTSP/1.0\r\nCSeq: 1\r\n\r\n";
 
 class EngineLimits : public VideoTest {
 protected:
-    std::unique_ptr<Peer> Connect() { return std::make_unique<Peer>(engine->GetPort()); }
+    std::unique_ptr<RawConnection> Connect() { return std::make_unique<RawConnection>(engine->GetPort(), Deadline); }
+
+    /// Fills the server up to its limit of connections and keeps them from being closed as idle.
+    std::vector<std::unique_ptr<RawConnection>> ConnectViewers(std::size_t count) {
+        std::vector<std::unique_ptr<RawConnection>> viewers;
+        while (viewers.size() < count) {
+            viewers.push_back(Connect());
+            EXPECT_EQ(viewers.back()->Exchange(MakeSetUp()).status, 200U);
+        }
+        return viewers;
+    }
+
+    /// Whether a new connection is served.
+    bool IsServed() {
+        auto const connection = Connect();
+        connection->Send(Options);
+        return connection->ReadIfAny().has_value();
+    }
+
+    std::string MakeSetUp() const {
+        return "SETUP " + GetUrl("1") + " RTSP/1.0\r\nCSeq: 1\r\nTransport: RTP/AVP/TCP\r\n\r\n";
+    }
 
     bool CanBeViewed() {
         Viewer viewer(GetUrl("1"));
@@ -98,52 +61,32 @@ protected:
     }
 };
 
-constexpr char Options[] = "OPTIONS * RTSP/1.0\r\nCSeq: 1\r\n\r\n";
-
 TEST_F(EngineLimits, RefuseConnectionsAboveTheMaximumUntilOneCloses) {
     StartChannel();
     auto const limits = RtspSettings().limits;
-    auto const most = std::min(limits.connections, limits.connectionsPerAddress);
-    std::vector<std::unique_ptr<Peer>> peers;
-    for (std::size_t count = 0; count < most; ++count) {
-        peers.push_back(Connect());
-        ASSERT_TRUE(peers.back()->Send(Options));
-        ASSERT_THAT(peers.back()->ReadAnswer(), StartsWith("RTSP/1.0 200"));
-    }
-    EXPECT_TRUE(Connect()->IsClosed(Deadline));
-    peers.pop_back();
-    EXPECT_TRUE(test::Eventually([&] {
-        auto const peer = Connect();
-        return peer->Send(Options) && !peer->Read().empty();
-    }));
-    peers.clear();
+    auto viewers = ConnectViewers(std::min(limits.connections, limits.connectionsPerAddress));
+    EXPECT_FALSE(IsServed());
+    viewers.pop_back();
+    EXPECT_TRUE(test::Eventually([&] { return IsServed(); }));
+    viewers.clear();
     EXPECT_TRUE(test::Eventually([&] { return CanBeViewed(); }));
 }
 
 TEST_F(EngineLimits, RefuseConnectionsAboveTheConfiguredLimit) {
+    StartChannel();
     engine->SetLimits({.connections = 3});
-    std::vector<std::unique_ptr<Peer>> peers;
-    for (int count = 0; count < 3; ++count) {
-        peers.push_back(Connect());
-        ASSERT_TRUE(peers.back()->Send(Options));
-        ASSERT_THAT(peers.back()->ReadAnswer(), StartsWith("RTSP/1.0 200"));
-    }
-    EXPECT_TRUE(Connect()->IsClosed(Deadline));
+    auto const viewers = ConnectViewers(3);
+    EXPECT_FALSE(IsServed());
 }
 
 TEST_F(EngineLimits, RefuseConnectionsAboveTheLimitPerAddress) {
+    StartChannel();
     engine->SetLimits({.connectionsPerAddress = 1});
-    auto first = Connect();
-    ASSERT_TRUE(first->Send(Options));
-    EXPECT_THAT(first->ReadAnswer(), StartsWith("RTSP/1.0 200"));
-    EXPECT_TRUE(Connect()->IsClosed(Deadline));
-    ASSERT_TRUE(first->Send(Options));
-    EXPECT_THAT(first->ReadAnswer(), StartsWith("RTSP/1.0 200"));
-    first.reset();
-    EXPECT_TRUE(test::Eventually([&] {
-        auto const peer = Connect();
-        return peer->Send(Options) && !peer->Read().empty();
-    }));
+    auto viewers = ConnectViewers(1);
+    EXPECT_FALSE(IsServed());
+    EXPECT_EQ(viewers.front()->Exchange(Options).status, 200U);
+    viewers.clear();
+    EXPECT_TRUE(test::Eventually([&] { return IsServed(); }));
 }
 
 TEST_F(EngineLimits, CloseIdleConnectionsButNoViewers) {
@@ -152,7 +95,7 @@ TEST_F(EngineLimits, CloseIdleConnectionsButNoViewers) {
     Viewer overUdp(GetUrl("1"), {.transport = "udp", .decode = false});
     auto const begin = std::chrono::steady_clock::now();
     auto const idle = Connect();
-    EXPECT_TRUE(idle->IsClosed(Deadline));
+    EXPECT_TRUE(idle->IsClosedWithin(Deadline));
     EXPECT_GE(std::chrono::steady_clock::now() - begin, Connection::Patience);
     while (std::chrono::steady_clock::now() < begin + Connection::Patience + 3s) {
         ASSERT_TRUE(overTcp.Next()) << overTcp.GetFailure();
@@ -161,17 +104,16 @@ TEST_F(EngineLimits, CloseIdleConnectionsButNoViewers) {
 }
 
 TEST_F(EngineLimits, CloseConnectionsThatSendTooMuch) {
-    auto const begin = std::chrono::steady_clock::now();
-    auto const peer = Connect();
+    StartChannel();
+    auto const peer = std::move(ConnectViewers(1).front());
     // Packets are of no other effect.
     auto const packet = std::string("$\x01\x04\x00", 4) + std::string(1024, 'a');
     std::jthread const sender([&] {
         while (peer->Send(packet)) {
         }
     });
-    EXPECT_TRUE(peer->IsClosed(Connection::Patience));
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, Connection::Patience);
-    peer->ShutDown();
+    EXPECT_TRUE(peer->IsClosedWithin(Deadline));
+    peer->EndSending();
 }
 
 TEST_F(EngineLimits, ShieldOthersFromAPeerThatFloods) {
@@ -185,7 +127,7 @@ TEST_F(EngineLimits, ShieldOthersFromAPeerThatFloods) {
     auto const begin = std::chrono::steady_clock::now();
     engine->Stop();
     EXPECT_LT(std::chrono::steady_clock::now() - begin, StopLimit);
-    peer->ShutDown();
+    peer->EndSending();
 }
 
 TEST_F(EngineLimits, SurviveInvalidRtsp) {
@@ -201,7 +143,8 @@ TEST_F(EngineLimits, SurviveInvalidRtsp) {
           "$\x7f\xff\xff garbage", "\x16\x03\x01\x02\x00\x01\x00\x01\xfc\x03\x03"}) {
         auto const peer = Connect();
         peer->Send(text);
-        EXPECT_THAT(peer->Read(50ms), testing::Not(HasSubstr(" 200 OK"))) << text;
+        peer->EndSending();
+        EXPECT_THAT(peer->ReadAll(), testing::Not(HasSubstr(" 200 OK"))) << text;
     }
     EXPECT_TRUE(CanBeViewed());
 }
@@ -212,10 +155,10 @@ TEST_F(EngineLimits, RefuseTheRightPasswordAfterTooManyGuesses) {
     auto const describe = "DESCRIBE " + GetUrl("1") + " RTSP/1.0\r\nCSeq: 1\r\n";
     auto const peer = Connect();
     for (std::size_t guess = 0; guess <= AccessSettings().failedLoginsPerMinute; ++guess) {
-        ASSERT_TRUE(peer->Send(describe +
-                               "Authorization: Digest username=\"admin\", realm=\"x\", nonce=\"x\", uri=\"x\", "
-                               "response=\"00000000000000000000000000000000\"\r\n\r\n"));
-        ASSERT_THAT(peer->ReadAnswer(), StartsWith("RTSP/1.0 401"));
+        auto const answer =
+            peer->Exchange(describe + "Authorization: Digest username=\"admin\", realm=\"x\", nonce=\"x\", uri=\"x\", "
+                                      "response=\"00000000000000000000000000000000\"\r\n\r\n");
+        ASSERT_EQ(answer.status, 401U);
     }
     Viewer viewer(GetUrl("1"), {.user = "admin", .password = "right"});
     EXPECT_FALSE(viewer.Next());

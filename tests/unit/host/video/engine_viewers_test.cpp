@@ -37,6 +37,12 @@ using testing::StartsWith;
 
 constexpr char Interleaved[] = "RTP/AVP/TCP;unicast;interleaved=0-1";
 
+/// Makes a connection the half of a tunnel that sends.
+constexpr char Post[] = "POST / HTTP/1.0\r\nx-sessioncookie: a\r\n\r\n";
+
+/// "OPTIONS * RTSP/1.0\r\nCSeq: 7\r\n\r\n" in Base64.
+constexpr char EncodedOptions[] = "T1BUSU9OUyAqIFJUU1AvMS4wDQpDU2VxOiA3DQoNCg==";
+
 /// An RTP or RTCP packet, with the channel that it came on.
 struct Received {
     int channel = 0;
@@ -158,19 +164,30 @@ protected:
     }
 
     std::unique_ptr<Client> Connect() { return std::make_unique<Client>(engine->GetPort(), GetUrl("1")); }
+
+    /// A viewer that plays over its connection.
+    std::unique_ptr<Client> Play() {
+        auto viewer = Connect();
+        EXPECT_THAT(viewer->Play(), StartsWith("RTSP/1.0 200"));
+        return viewer;
+    }
+
+    /// The half of a tunnel that receives.
+    std::unique_ptr<Client> OpenTunnel() {
+        auto half = Connect();
+        half->Send("GET / HTTP/1.0\r\nx-sessioncookie: a\r\n\r\n");
+        EXPECT_THAT(half->ReadAnswer(), StartsWith("HTTP/1.0 200"));
+        return half;
+    }
 };
 
 TEST_F(EngineViewers, NeedNoThreadsOfTheirOwn) {
     constexpr std::size_t Count = 200;
     std::vector<std::unique_ptr<Client>> viewers;
-    viewers.push_back(Connect());
-    ASSERT_THAT(viewers.front()->Play(), StartsWith("RTSP/1.0 200"));
+    viewers.push_back(Play());
     ASSERT_TRUE(viewers.front()->ReadPacket());
     auto const threads = test::ReadResourceUse(getpid()).threads;
-    while (viewers.size() < Count) {
-        viewers.push_back(Connect());
-        ASSERT_THAT(viewers.back()->Play(), StartsWith("RTSP/1.0 200")) << viewers.size();
-    }
+    while (viewers.size() < Count) viewers.push_back(Play());
     for (auto const& viewer : viewers) {
         auto const packet = viewer->ReadPacket();
         ASSERT_TRUE(packet);
@@ -204,8 +221,7 @@ TEST_F(EngineViewers, GetNumberedPacketsOfTheirOwnSource) {
 }
 
 TEST_F(EngineViewers, HearOfTimeAtTheBeginningAndOfTheEnd) {
-    auto const viewer = Connect();
-    viewer->Play();
+    auto const viewer = Play();
     auto packet = viewer->ReadPacket();
     while (packet && packet->channel != 1) packet = viewer->ReadPacket();
     ASSERT_TRUE(packet);
@@ -218,8 +234,7 @@ TEST_F(EngineViewers, HearOfTimeAtTheBeginningAndOfTheEnd) {
 }
 
 TEST_F(EngineViewers, GetTheNewestKeyFrameAfterAPause) {
-    auto const viewer = Connect();
-    viewer->Play();
+    auto const viewer = Play();
     ASSERT_TRUE(viewer->ReadPacket());
     EXPECT_THAT(viewer->AskInSession("PAUSE"), StartsWith("RTSP/1.0 200"));
     EXPECT_THAT(viewer->AskInSession("PAUSE"), StartsWith("RTSP/1.0 455"));
@@ -331,57 +346,46 @@ TEST_F(EngineViewers, GetNoTunnelWithoutItsOtherHalf) {
     auto const get = Connect();
     get->Send("GET /channels/1 HTTP/1.0\r\n\r\n");
     EXPECT_THAT(get->ReadAnswer(), StartsWith("HTTP/1.0 400"));
-    auto const first = Connect();
+    auto const first = OpenTunnel();
     auto const second = Connect();
-    first->Send("GET / HTTP/1.0\r\nx-sessioncookie: a\r\n\r\n");
-    EXPECT_THAT(first->ReadAnswer(), StartsWith("HTTP/1.0 200"));
     second->Send("GET / HTTP/1.0\r\nx-sessioncookie: a\r\n\r\n");
     EXPECT_THAT(second->ReadAnswer(), StartsWith("HTTP/1.0 400")) << "one client cannot take another's tunnel";
 }
 
 TEST_F(EngineViewers, AreEndedWhenTheirConnectionIsToBecomeAHalfOfATunnel) {
-    auto const viewer = Connect();
-    ASSERT_THAT(viewer->Play(), StartsWith("RTSP/1.0 200"));
-    auto const tunnel = Connect();
-    tunnel->Send("GET / HTTP/1.0\r\nx-sessioncookie: a\r\n\r\n");
-    ASSERT_THAT(tunnel->ReadAnswer(), StartsWith("HTTP/1.0 200"));
-    viewer->Send("POST / HTTP/1.0\r\nx-sessioncookie: a\r\n\r\n");
+    auto const viewer = Play();
+    auto const tunnel = OpenTunnel();
+    viewer->Send(Post);
     EXPECT_TRUE(viewer->IsEnded());
     // Until its worker has forgotten the connection, too.
     auto const end = std::chrono::steady_clock::now() + 2 * rtsp::Worker::SweepInterval;
-    auto const other = Connect();
-    ASSERT_THAT(other->Play(), StartsWith("RTSP/1.0 200"));
+    auto const other = Play();
     while (std::chrono::steady_clock::now() < end) ASSERT_TRUE(other->ReadPacket());
 }
 
 TEST_F(EngineViewers, MayReplaceTheHalfOfATunnelThatSendsRequests) {
-    auto const get = Connect();
-    get->Send("GET / HTTP/1.0\r\nx-sessioncookie: a\r\n\r\n");
-    ASSERT_THAT(get->ReadAnswer(), StartsWith("HTTP/1.0 200"));
+    auto const get = OpenTunnel();
     std::unique_ptr<Client> former;
     for (int count = 0; count < 4; ++count) { // the halves are accepted by either worker
         auto post = Connect();
-        // "OPTIONS * RTSP/1.0\r\nCSeq: 7\r\n\r\n"
-        post->Send("POST / HTTP/1.0\r\nx-sessioncookie: a\r\n\r\nT1BUSU9OUyAqIFJUU1AvMS4wDQpDU2VxOiA3DQoNCg==");
+        post->Send(std::string(Post) + EncodedOptions);
         EXPECT_THAT(get->ReadAnswer(), StartsWith("RTSP/1.0 200 OK\r\nCSeq: 7\r\n"));
         if (former) {
             EXPECT_TRUE(former->IsEnded());
         }
-        post->Send("T1BUSU9OUyAqIFJUU1AvMS4wDQpDU2VxOiA3DQoNCg==");
+        post->Send(EncodedOptions);
         EXPECT_THAT(get->ReadAnswer(), StartsWith("RTSP/1.0 200 OK\r\nCSeq: 7\r\n"));
         former = count == 1 ? nullptr : std::move(post); // one ends before the next begins
     }
 }
 
 TEST_F(EngineViewers, GetNoTunnelWhoseHalvesComeFromDifferentAddresses) {
-    auto const get = Connect();
-    get->Send("GET / HTTP/1.0\r\nx-sessioncookie: a\r\n\r\n");
-    ASSERT_THAT(get->ReadAnswer(), StartsWith("HTTP/1.0 200"));
+    auto const get = OpenTunnel();
     Client stranger(engine->GetPort(), GetUrl("1"), "127.0.0.2");
-    stranger.Send("POST / HTTP/1.0\r\nx-sessioncookie: a\r\n\r\n");
+    stranger.Send(Post);
     EXPECT_TRUE(stranger.IsEnded());
     auto const post = Connect();
-    post->Send("POST / HTTP/1.0\r\nx-sessioncookie: a\r\n\r\nT1BUSU9OUyAqIFJUU1AvMS4wDQpDU2VxOiA3DQoNCg==");
+    post->Send(std::string(Post) + EncodedOptions);
     EXPECT_THAT(get->ReadAnswer(), StartsWith("RTSP/1.0 200"));
 }
 
@@ -396,8 +400,7 @@ TEST_F(EngineViewers, MaySetUpSessionsInPlaceOfThoseThatTheyEnded) {
 TEST_F(EngineViewers, KeepTheirConnectionWhenOneOfTheirStreamsEnds) {
     engine->SetChannels({From("1", Small), From("2", Small)});
     ASSERT_TRUE(WaitForState("2", ChannelState::Running));
-    auto const viewer = Connect();
-    ASSERT_THAT(viewer->Play(), StartsWith("RTSP/1.0 200"));
+    auto const viewer = Play();
     auto const setUp = "SETUP " + GetUrl("2") + "/stream=0 RTSP/1.0\r\nCSeq: 8\r\nTransport: RTP/AVP/TCP\r\n\r\n";
     viewer->Send(setUp);
     ASSERT_THAT(viewer->ReadAnswer(), StartsWith("RTSP/1.0 200"));
@@ -419,10 +422,8 @@ TEST_F(EngineViewers, KeepTheirChannelsWhenTheySetUpATrackAgain) {
 }
 
 TEST_F(EngineViewers, AreEndedWhenARequestFails) {
-    auto const viewer = Connect();
-    ASSERT_THAT(viewer->Play(), StartsWith("RTSP/1.0 200"));
-    auto const other = Connect();
-    ASSERT_THAT(other->Play(), StartsWith("RTSP/1.0 200"));
+    auto const viewer = Play();
+    auto const other = Play();
     {
         test::RandomFailure const failure;
         viewer->Send("SETUP " + GetUrl("1") + "/stream=0 RTSP/1.0\r\nCSeq: 9\r\nTransport: RTP/AVP/TCP\r\n\r\n");

@@ -80,6 +80,8 @@ TEST(RtpSender, NamesItselfInWholeWords) {
     EXPECT_EQ(description.size(), 4 * (Read(description, 2, 2) + 1));
     EXPECT_EQ(Read(description, 4), sender.GetSource());
     EXPECT_EQ(Read(description, 8, 2), 0x0108U);
+    EXPECT_EQ(description.substr(10, 8), sender.GetName());
+    EXPECT_EQ(std::stoul(sender.GetName(), nullptr, 16), sender.GetSource());
     EXPECT_EQ(description.back(), '\0');
 }
 

@@ -24,12 +24,19 @@ protected:
     }
 
     /// Credentials for DESCRIBE, as players send them.
-    static test::DigestCredentials Make(std::string const& nonce) {
-        test::DigestCredentials credentials{.password = "right", .nonce = nonce};
-        credentials.method = "DESCRIBE";
-        credentials.uri = "rtsp://h/channels/1";
-        credentials.algorithm.clear();
-        credentials.qop.clear();
+    static test::DigestCredentials Make(std::string nonce) {
+        return {.password = "right",
+                .nonce = std::move(nonce),
+                .method = "DESCRIBE",
+                .uri = "rtsp://h/channels/1",
+                .algorithm = "",
+                .qop = ""};
+    }
+
+    /// The same with one part changed.
+    test::DigestCredentials MakeWith(std::string test::DigestCredentials::*part, char const* value) {
+        auto credentials = Make(MakeNonce());
+        credentials.*part = value;
         return credentials;
     }
 
@@ -38,10 +45,13 @@ protected:
         return authentication.Check(credentials.Write(), "DESCRIBE", nonce, now);
     }
 
-    Authentication::Verdict Check(test::DigestCredentials const& credentials) {
+    /// The verdict on a field over a new connection.
+    Authentication::Verdict Check(std::string_view field) {
         std::string nonce;
-        return Check(credentials, nonce);
+        return authentication.Check(field, "DESCRIBE", nonce, now);
     }
+
+    Authentication::Verdict Check(test::DigestCredentials const& credentials) { return Check(credentials.Write()); }
 
     Authentication authentication{authentication::MakeHa1("admin", authentication::Realm, "right")};
     Authentication::Clock::time_point now{1h};
@@ -50,29 +60,19 @@ protected:
 TEST_F(RtspAuthentication, AcceptsTheRightPassword) { EXPECT_EQ(Check(Make(MakeNonce())), Right); }
 
 TEST_F(RtspAuthentication, RefusesWhatIsWrong) {
-    auto const nonce = MakeNonce();
-    auto password = Make(nonce);
-    password.password = "wrong";
-    auto user = Make(nonce);
-    user.user = "root";
-    auto method = Make(nonce);
-    method.method = "SETUP";
-    for (auto const& wrong : {password, user, method}) EXPECT_EQ(Check(wrong), Wrong) << wrong.Write();
-    std::string bound;
-    for (auto const* text : {"Digest", "Digest username=\"admin\"", "digest nonsense"})
-        EXPECT_EQ(authentication.Check(text, "DESCRIBE", bound, now), Wrong) << text;
+    using Credentials = test::DigestCredentials;
+    EXPECT_EQ(Check(MakeWith(&Credentials::password, "wrong")), Wrong);
+    EXPECT_EQ(Check(MakeWith(&Credentials::user, "root")), Wrong);
+    EXPECT_EQ(Check(MakeWith(&Credentials::method, "SETUP")), Wrong);
+    for (std::string_view const field : {"Digest", "Digest username=\"admin\"", "digest nonsense"})
+        EXPECT_EQ(Check(field), Wrong) << field;
 }
 
 TEST_F(RtspAuthentication, RefusesWithoutACheckWhatItDoesNotOffer) {
-    auto const nonce = MakeNonce();
-    auto algorithm = Make(nonce);
-    algorithm.algorithm = "SHA-256";
-    auto qop = Make(nonce);
-    qop.qop = "auth-int";
-    for (auto const& other : {algorithm, qop}) EXPECT_EQ(Check(other), Unchecked) << other.Write();
-    std::string bound;
-    for (auto const* text : {"", "Basic YWRtaW46cmlnaHQ=", "Bearer abc"})
-        EXPECT_EQ(authentication.Check(text, "DESCRIBE", bound, now), Unchecked) << text;
+    EXPECT_EQ(Check(MakeWith(&test::DigestCredentials::algorithm, "SHA-256")), Unchecked);
+    EXPECT_EQ(Check(MakeWith(&test::DigestCredentials::qop, "auth-int")), Unchecked);
+    for (std::string_view const field : {"", "Basic YWRtaW46cmlnaHQ=", "Bearer abc"})
+        EXPECT_EQ(Check(field), Unchecked) << field;
 }
 
 TEST_F(RtspAuthentication, RefusesEverythingWithoutAHash) {

@@ -1,6 +1,5 @@
 #include "host/video/rtsp/hub.h"
-#include "host/video/rtsp/session.h"
-#include "host/video/rtsp/worker.h"
+#include "unit/host/video/rtsp/served_stream.h"
 
 #include <gmock/gmock.h>
 
@@ -28,19 +27,12 @@ public:
     std::vector<std::uint64_t> list;
 };
 
-/// A hub whose worker has no thread: what waits is passed on when the test says so.
-class RtspHub : public testing::Test {
+class RtspHub : public ServedStreamTest {
 protected:
-    RtspHub() {
-        stream->Subscribe(hub);
-        mount = std::make_shared<Mount const>("1", std::vector<Mount::Hubs>{{hub}});
-        session = std::make_shared<Session>(worker, mount, "id", nullptr);
-        numbers.track = &session->SetUp(0, 0, numbers);
-    }
+    RtspHub() { numbers.track = &session->SetUp(0, 0, numbers); }
 
     void Publish(bool isKey, std::size_t size = 10) {
-        auto unit = std::make_shared<AccessUnit>();
-        unit->isKey = isKey;
+        auto unit = MakeUnit(isKey);
         unit->size = size;
         stream->Publish(std::move(unit));
     }
@@ -50,13 +42,7 @@ protected:
         session->Proceed();
     }
 
-    void PassOn() { worker.GetContext().poll(); }
-
-    Worker worker{0};
-    std::shared_ptr<Stream> stream = std::make_shared<Stream>(meta::data::VideoInfo());
-    std::shared_ptr<Hub> hub = std::make_shared<Hub>(worker.GetContext(), stream, 0);
-    std::shared_ptr<Mount const> mount;
-    std::shared_ptr<Session> session;
+    std::shared_ptr<Session> session = MakeSession();
     Numbers numbers;
 };
 
@@ -73,17 +59,17 @@ TEST_F(RtspHub, PassesOnInOrder) {
     Play();
     for (bool const isKey : {true, false, false}) Publish(isKey);
     EXPECT_THAT(numbers.list, IsEmpty()) << "the publishing thread must not send";
-    PassOn();
+    RunHandlers();
     EXPECT_THAT(numbers.list, ElementsAre(1, 2, 3));
 }
 
 TEST_F(RtspHub, PassesNothingOnToAViewerThatHasLeft) {
     Play();
     Publish(true);
-    PassOn();
+    RunHandlers();
     session->End();
     Publish(false);
-    PassOn();
+    RunHandlers();
     EXPECT_THAT(numbers.list, ElementsAre(1));
 }
 
@@ -94,7 +80,7 @@ TEST_F(RtspHub, SkipsToAKeyFrameWhenItsWorkerCannotFollow) {
     Publish(false);
     Publish(false);
     Publish(true);
-    PassOn();
+    RunHandlers();
     EXPECT_THAT(numbers.list, ElementsAre(5));
 }
 

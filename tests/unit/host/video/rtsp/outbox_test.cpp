@@ -1,5 +1,5 @@
 #include "host/video/rtsp/outbox.h"
-#include "host/video/rtsp/worker.h"
+#include "unit/host/video/rtsp/served_stream.h"
 
 #include <zarn/io/unique_descriptor.h>
 
@@ -26,7 +26,7 @@ public:
 };
 
 /// A connection to a client that reads when the test says so.
-class RtspOutbox : public testing::Test {
+class RtspOutbox : public ServedStreamTest {
 protected:
     RtspOutbox() {
         std::array<int, 2> ends{};
@@ -38,20 +38,13 @@ protected:
 
     /// A session over the connection.
     Track& AddSession(std::uint8_t channel) {
-        std::vector<Mount::Hubs> tracks{{std::make_shared<Hub>(worker.GetContext(), stream, 0)}};
-        auto const mount = std::make_shared<Mount const>("1", std::move(tracks));
-        sessions.push_back(std::make_shared<Session>(worker, mount, std::string(1, 'a'), nullptr));
+        sessions.push_back(MakeSession());
         return sessions.back()->SetUp(0, channel, outlet);
     }
 
     /// Lets an access unit of some packets of a kilobyte wait.
     void Publish(Track& track, std::size_t packets) {
-        auto unit = std::make_shared<AccessUnit>();
-        unit->isKey = true;
-        unit->number = ++count;
-        unit->packets = rtp::MakePackets(std::make_shared<rtp::MediaFormat>(),
-                                         std::vector<std::string>(packets, std::string(1024, 'x')));
-        track.queue.Start({unit}, 0ms);
+        track.queue.Start({MakeUnit(true, std::vector<std::string>(packets, std::string(1024, 'x')), ++count)}, 0ms);
     }
 
     Outbox::Result Send() { return outbox.Send(server.Get(), sessions); }
@@ -67,8 +60,6 @@ protected:
 
     io::UniqueDescriptor server;
     io::UniqueDescriptor client;
-    Worker worker{0};
-    std::shared_ptr<Stream> stream = std::make_shared<Stream>(meta::data::VideoInfo());
     Nowhere outlet;
     std::vector<std::shared_ptr<Session>> sessions;
     Outbox outbox;

@@ -1,6 +1,6 @@
 #include "host/video/rtsp/session.h"
 #include "host/video/rtsp/transfer.h"
-#include "host/video/rtsp/worker.h"
+#include "unit/host/video/rtsp/served_stream.h"
 
 #include <gmock/gmock.h>
 
@@ -34,29 +34,21 @@ public:
     std::vector<std::string> control;
 };
 
-/// A worker without a thread: its handlers run when the test says so.
-class RtspSession : public testing::Test {
+class RtspSession : public ServedStreamTest {
 protected:
     RtspSession() {
-        std::vector<Mount::Hubs> tracks{{std::make_shared<Hub>(worker.GetContext(), stream, 0)}};
-        stream->Subscribe(tracks[0][0]);
-        mount = std::make_shared<Mount const>("1", std::move(tracks));
-        session = std::make_shared<Session>(worker, mount, "id", nullptr);
-        worker.Add(session);
-        MiniHandle<GstCaps> const caps(gst_caps_from_string("video/x-h264,width=128,height=96"));
-        stream->SetFormat(*ReadFormat(caps.get()));
-        worker.GetContext().poll();
+        SetFormat();
         wire.track = &session->SetUp(0, 0, wire);
     }
 
-    static void SetUpTestSuite() { InitializeGStreamer(); }
-
     void Publish(bool isKey) {
-        auto unit = std::make_shared<AccessUnit>();
-        unit->isKey = isKey;
-        unit->packets = rtp::MakePackets(std::make_shared<rtp::MediaFormat>(), {"payload"});
-        stream->Publish(std::move(unit));
-        worker.GetContext().poll();
+        stream->Publish(MakeUnit(isKey));
+        RunHandlers();
+    }
+
+    void EndStream() {
+        stream->End();
+        RunHandlers();
     }
 
     Status Ask(std::string const& method, std::string const& fields = {}, StreamPath const& path = {"1"}) {
@@ -69,10 +61,7 @@ protected:
 
     bool IsKept() const { return worker.FindSession("id") != nullptr; }
 
-    Worker worker{0};
-    std::shared_ptr<Stream> stream = std::make_shared<Stream>(meta::data::VideoInfo());
-    std::shared_ptr<Mount const> mount;
-    std::shared_ptr<Session> session;
+    std::shared_ptr<Session> session = MakeSession();
     Wire wire;
 };
 
@@ -127,7 +116,6 @@ TEST_F(RtspSession, MayBeControlledAtThePathOfItsOnlyTrack) {
 }
 
 TEST_F(RtspSession, IsNotControlledAtThePathOfOneOfTwoTracks) {
-    auto const hub = std::make_shared<Hub>(worker.GetContext(), stream, 0);
     auto const two = std::make_shared<Mount const>("1", std::vector<Mount::Hubs>{{hub}, {hub}});
     session = std::make_shared<Session>(worker, two, "id2", nullptr);
     EXPECT_EQ(Ask("PLAY", "", {"1", 0}), Status::OnlyAggregateAllowed);
@@ -155,13 +143,14 @@ TEST_F(RtspSession, EndsWithoutASignOfLife) {
 }
 
 TEST_F(RtspSession, ReportsRegularlyWhileItPlays) {
-    auto const begin = Session::Clock::now();
-    session->Sweep(begin + 1s);
+    session->Sweep(Session::Clock::now());
     EXPECT_THAT(wire.control, IsEmpty());
     Publish(true);
     Ask("PLAY");
-    for (auto const after : {2s, 6s, 8s}) session->Sweep(begin + after);
-    EXPECT_THAT(wire.control, SizeIs(2)) << "one at the start, one more than 4 seconds later";
+    EXPECT_THAT(wire.control, SizeIs(1));
+    auto const due = Session::Clock::now() + 4s;
+    for (auto const time : {due, due + 3999ms, due + 4s}) session->Sweep(time);
+    EXPECT_THAT(wire.control, SizeIs(3)) << "none less than 4 seconds after the one before";
 }
 
 TEST_F(RtspSession, ReportsNoTimeBeforeTheFirstPicture) {
@@ -178,8 +167,7 @@ TEST_F(RtspSession, SaysGoodbyeBehindAPictureOfWhichAPartHasBeenSent) {
     Ask("PLAY");
     auto const sent = wire.control.size();
     Transfer transfer(session->GetTracks().front(), Transfer::Framing::None);
-    stream->End();
-    worker.GetContext().poll();
+    EndStream();
     EXPECT_THAT(wire.control, SizeIs(sent));
     transfer.AdvancePackets(1);
     session->OnSent(*session->GetTracks().front());
@@ -191,8 +179,7 @@ TEST_F(RtspSession, SaysGoodbyeAtTheEndOfItsStream) {
     Publish(true);
     Ask("PLAY");
     auto const sent = wire.control.size();
-    stream->End();
-    worker.GetContext().poll();
+    EndStream();
     ASSERT_THAT(wire.control, SizeIs(sent + 1));
     EXPECT_THAT(wire.control.back(), testing::HasSubstr("\x81\xCB"));
     Publish(true);
@@ -202,8 +189,7 @@ TEST_F(RtspSession, SaysGoodbyeAtTheEndOfItsStream) {
 TEST_F(RtspSession, ClosesItsConnectionSoonAfterTheEndOfItsStream) {
     bool hasExpired = false;
     session->SetOnExpiry([&] { hasExpired = true; });
-    stream->End();
-    worker.GetContext().poll();
+    EndStream();
     EXPECT_TRUE(IsKept());
     for (auto const limit = Session::Clock::now() + 30s; !hasExpired && Session::Clock::now() < limit;)
         worker.GetContext().run_one_for(1s);

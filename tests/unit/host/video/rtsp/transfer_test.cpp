@@ -1,4 +1,5 @@
 #include "host/video/rtsp/transfer.h"
+#include "unit/host/video/rtsp/served_stream.h"
 
 #include <gtest/gtest.h>
 
@@ -15,11 +16,7 @@ class RtspTransfer : public testing::Test {
 protected:
     /// Lets an access unit with these payloads wait.
     void Publish(std::vector<std::string> payloads) {
-        auto unit = std::make_shared<AccessUnit>();
-        unit->isKey = true;
-        unit->number = ++count;
-        unit->packets = rtp::MakePackets(std::make_shared<rtp::MediaFormat>(), std::move(payloads));
-        track->queue.Start({unit}, 0ms);
+        track->queue.Start({MakeUnit(true, std::move(payloads), ++count)}, 0ms);
     }
 
     /// Sends a transfer to its end, at most `most` bytes at a time.
@@ -98,9 +95,8 @@ TEST_F(RtspTransfer, SendsWholePacketsAsDatagrams) {
 }
 
 TEST_F(RtspTransfer, IsDoneAtOnceWithoutPackets) {
-    auto unit = std::make_shared<AccessUnit>();
-    unit->isKey = true;
-    unit->number = 1;
+    auto const unit = MakeUnit(true, {}, 1);
+    unit->packets = nullptr;
     track->queue.Start({unit}, 0ms);
     EXPECT_TRUE(Transfer(track, Transfer::Framing::Interleaved).IsDone());
 }

@@ -1,7 +1,6 @@
-#include "host/video/rtsp/session.h"
 #include "host/video/rtsp/udp_outlet.h"
 #include "host/video/rtsp/udp_ports.h"
-#include "host/video/rtsp/worker.h"
+#include "unit/host/video/rtsp/served_stream.h"
 
 #include <boost/asio/buffer.hpp>
 #include <gtest/gtest.h>
@@ -20,14 +19,10 @@ using boost::asio::ip::udp;
 
 constexpr std::string_view Report("\x80\xC9\x00\x01\x00\x00\x00\x01", 8);
 
-/// A session over UDP of a worker without a thread.
-class RtspUdp : public testing::Test {
+/// A session over UDP.
+class RtspUdp : public ServedStreamTest {
 protected:
     RtspUdp() {
-        mount = std::make_shared<Mount const>(
-            "1", std::vector<Mount::Hubs>{{std::make_shared<Hub>(worker.GetContext(), stream, 0)}});
-        session = std::make_shared<Session>(worker, mount, "id", nullptr);
-        worker.Add(session);
         session->SetUp(0, Local(), {.rtpPort = rtp.local_endpoint().port(), .rtcpPort = rtcp.local_endpoint().port()});
     }
 
@@ -40,18 +35,7 @@ protected:
         worker.GetContext().run_one_for(30s);
     }
 
-    /// Whether the session survives a check when it has been silent for too long before.
-    bool IsAlive() {
-        session->Sweep(Session::Clock::now() + Session::Timeout - 1s);
-        return !session->HasEnded();
-    }
-
-    void BeSilent() { session->Touch(Session::Clock::now() - Session::Timeout); }
-
-    Worker worker{0};
-    std::shared_ptr<Stream> stream = std::make_shared<Stream>(meta::data::VideoInfo());
-    std::shared_ptr<Mount const> mount;
-    std::shared_ptr<Session> session;
+    std::shared_ptr<Session> session = MakeSession();
     boost::asio::io_context context;
     udp::socket rtp{context, {Local(), 0}};
     udp::socket rtcp{context, {Local(), 0}};
@@ -63,35 +47,31 @@ TEST_F(RtspUdp, HasAnEvenPortAndTheNextOne) {
 }
 
 TEST_F(RtspUdp, TakesReportsOfTheViewerAsSignsOfLife) {
-    BeSilent();
+    Silence(*session);
     Send(rtcp, Report);
-    EXPECT_TRUE(IsAlive());
+    EXPECT_TRUE(SurvivesSweep(*session));
 }
 
 TEST_F(RtspUdp, TakesNothingElseAsASignOfLife) {
-    BeSilent();
+    Silence(*session);
     Send(rtp, Report);
     Send(rtcp, "garbage!");
-    EXPECT_FALSE(IsAlive());
+    EXPECT_FALSE(SurvivesSweep(*session));
 }
 
 TEST_F(RtspUdp, ForgetsTheViewerWithItsSession) {
     session->End();
-    BeSilent();
+    Silence(*session);
     Send(rtcp, Report);
     bool hasExpired = false;
     session->SetOnExpiry([&] { hasExpired = true; });
-    session->Sweep(Session::Clock::now() + Session::Timeout - 1s);
+    session->Sweep(Session::Clock::now());
     EXPECT_TRUE(hasExpired) << "the report does not reach it any more";
 }
 
 TEST_F(RtspUdp, SendsWholePacketsToTheViewer) {
-    auto unit = std::make_shared<AccessUnit>();
-    unit->isKey = true;
-    unit->packets = rtp::MakePackets(std::make_shared<rtp::MediaFormat>(), {"first", "last"});
     session->Handle({"PLAY", "", "RTSP/1.0", {}, {}}, {"1"}, "");
-    unit->number = 1;
-    session->Deliver(0, std::vector<AccessUnitPtr>{unit}, false);
+    session->Deliver(0, std::vector<AccessUnitPtr>{MakeUnit(true, {"first", "last"}, 1)}, false);
     for (std::string const payload : {"first", "last"}) {
         std::array<char, 100> datagram{};
         auto const size = rtp.receive(boost::asio::buffer(datagram));

@@ -1,15 +1,18 @@
+#include "host/video/payloader.h"
 #include "host/video/producer.h"
-#include "host/video/rtp/payloader.h"
 #include "host/video/source.h"
+#include "unit/host/video/video_test.h"
 
 #include <gmock/gmock.h>
 
 #include <chrono>
+#include <memory>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
-namespace zarn::host::video::rtp {
+namespace zarn::host::video {
 namespace {
 
 using namespace std::chrono_literals;
@@ -21,7 +24,7 @@ using testing::StartsWith;
 /// What the server sends at most, without the RTP header.
 constexpr std::size_t MostPayload = 1400 - 12;
 
-std::string GetPayload(Packet const& packet) {
+std::string GetPayload(rtp::Packet const& packet) {
     std::string payload(reinterpret_cast<char const*>(packet.prefix.data()), packet.prefixSize);
     return payload.append(reinterpret_cast<char const*>(packet.body), packet.bodySize);
 }
@@ -41,7 +44,7 @@ std::vector<std::string> SplitUnit(std::string_view stream) {
 }
 
 /// The NAL units in payloads. Source: RFC 6184, 5.6 to 5.8.
-std::vector<std::string> JoinPayloads(std::vector<Packet> const& packets) {
+std::vector<std::string> JoinPayloads(std::vector<rtp::Packet> const& packets) {
     std::vector<std::string> units;
     for (auto const& packet : packets) {
         auto const payload = GetPayload(packet);
@@ -76,7 +79,19 @@ std::vector<MiniHandle<GstSample>> Produce(std::string const& source, std::size_
     return samples;
 }
 
-std::string GetBytes(GstBuffer* buffer) {
+constexpr char Snow[] = "test:snow?width=640&height=480&rate=30";
+
+MiniHandle<GstSample> ProduceOne(std::string const& source) { return std::move(Produce(source, 1).front()); }
+
+/// The packets of an access unit; throws when there are none.
+std::shared_ptr<rtp::Packets const> Pay(Payloader& payloader, GstSample* sample) {
+    auto packets = payloader.Pay(gst_sample_get_buffer(sample), gst_sample_get_caps(sample), 40ms);
+    if (!packets) throw std::runtime_error("no packets");
+    return packets;
+}
+
+std::string GetBytes(GstSample* sample) {
+    auto* const buffer = gst_sample_get_buffer(sample);
     std::string bytes(gst_buffer_get_size(buffer), '\0');
     gst_buffer_extract(buffer, 0, bytes.data(), bytes.size());
     return bytes;
@@ -85,11 +100,9 @@ std::string GetBytes(GstBuffer* buffer) {
 TEST(Payloader, CutsAccessUnitsIntoPacketsThatGiveThemBack) {
     Payloader payloader(Codec::H264);
     std::size_t most = 0;
-    for (auto const& sample : Produce("test:snow?width=640&height=480&rate=30", 5)) {
-        auto* const buffer = gst_sample_get_buffer(sample.get());
-        auto const packets = payloader.Pay(buffer, gst_sample_get_caps(sample.get()), 0s);
-        ASSERT_TRUE(packets);
-        EXPECT_EQ(JoinPayloads(packets->list), SplitUnit(GetBytes(buffer)));
+    for (auto const& sample : Produce(Snow, 5)) {
+        auto const packets = Pay(payloader, sample.get());
+        EXPECT_EQ(JoinPayloads(packets->list), SplitUnit(GetBytes(sample.get())));
         std::size_t bytes = 0;
         for (auto const& packet : packets->list) {
             EXPECT_LE(packet.GetSize(), MostPayload);
@@ -104,10 +117,9 @@ TEST(Payloader, CutsAccessUnitsIntoPacketsThatGiveThemBack) {
 
 TEST(Payloader, SharesTheMemoryOfTheAccessUnit) {
     Payloader payloader(Codec::H264);
-    auto const samples = Produce("test:snow?width=640&height=480&rate=30", 1);
-    auto* const buffer = gst_sample_get_buffer(samples.front().get());
-    auto const packets = payloader.Pay(buffer, gst_sample_get_caps(samples.front().get()), 0s);
-    ASSERT_TRUE(packets);
+    auto const sample = ProduceOne(Snow);
+    auto* const buffer = gst_sample_get_buffer(sample.get());
+    auto const packets = Pay(payloader, sample.get());
     GstMapInfo map;
     ASSERT_TRUE(gst_buffer_map(buffer, &map, GST_MAP_READ));
     std::size_t shared = 0;
@@ -121,21 +133,16 @@ TEST(Payloader, SharesTheMemoryOfTheAccessUnit) {
 
 TEST(Payloader, KeepsTheMemoryOfTheAccessUnit) {
     Payloader payloader(Codec::H264);
-    auto samples = Produce("test:snow?width=640&height=480&rate=30", 1);
-    auto const bytes = GetBytes(gst_sample_get_buffer(samples.front().get()));
-    auto const packets =
-        payloader.Pay(gst_sample_get_buffer(samples.front().get()), gst_sample_get_caps(samples.front().get()), 0s);
-    samples.clear();
-    ASSERT_TRUE(packets);
+    auto sample = ProduceOne(Snow);
+    auto const bytes = GetBytes(sample.get());
+    auto const packets = Pay(payloader, sample.get());
+    sample.reset();
     EXPECT_EQ(JoinPayloads(packets->list), SplitUnit(bytes));
 }
 
 TEST(Payloader, DescribesH264) {
     Payloader payloader(Codec::H264);
-    auto const samples = Produce("test:ball?width=128&height=96&rate=10", 1);
-    auto const packets =
-        payloader.Pay(gst_sample_get_buffer(samples.front().get()), gst_sample_get_caps(samples.front().get()), 0s);
-    ASSERT_TRUE(packets);
+    auto const packets = Pay(payloader, ProduceOne(Small).get());
     EXPECT_EQ(packets->format->media, "video");
     EXPECT_EQ(packets->format->payloadType, 96);
     EXPECT_EQ(packets->format->clockRate, 90000U);
@@ -147,10 +154,7 @@ TEST(Payloader, DescribesH264) {
 
 TEST(Payloader, DescribesH265) {
     Payloader payloader(Codec::H265);
-    auto const samples = Produce("test:ball?codec=h265&width=128&height=96&rate=10", 1);
-    auto const packets =
-        payloader.Pay(gst_sample_get_buffer(samples.front().get()), gst_sample_get_caps(samples.front().get()), 0s);
-    ASSERT_TRUE(packets);
+    auto const packets = Pay(payloader, ProduceOne("test:ball?codec=h265&width=128&height=96&rate=10").get());
     EXPECT_THAT(packets->format->attributes, Contains("rtpmap:96 H265/90000"));
     EXPECT_THAT(packets->format->attributes,
                 Contains(AllOf(HasSubstr("sprop-vps="), HasSubstr("sprop-sps="), HasSubstr("sprop-pps="))));
@@ -161,11 +165,8 @@ TEST(Payloader, MakesNothingOfWhatIsNoVideo) {
     MiniHandle<GstCaps> const caps(gst_caps_from_string("video/x-h264,stream-format=byte-stream,alignment=au"));
     MiniHandle<GstBuffer> const buffer(gst_buffer_new_memdup("nothing", 7));
     payloader.Pay(buffer.get(), caps.get(), 0s);
-    auto const samples = Produce("test:ball?width=128&height=96&rate=10", 1);
-    EXPECT_TRUE(
-        payloader.Pay(gst_sample_get_buffer(samples.front().get()), gst_sample_get_caps(samples.front().get()), 40ms))
-        << "it goes on after that";
+    EXPECT_NO_THROW(Pay(payloader, ProduceOne(Small).get())) << "it goes on after that";
 }
 
 } // namespace
-} // namespace zarn::host::video::rtp
+} // namespace zarn::host::video

@@ -1,4 +1,4 @@
-#include "host/video/rtp/payloader.h"
+#include "host/video/payloader.h"
 
 #include <gst/sdp/sdp.h>
 
@@ -9,7 +9,7 @@
 #include <string>
 #include <utility>
 
-namespace zarn::host::video::rtp {
+namespace zarn::host::video {
 namespace {
 
 constexpr std::size_t HeaderSize = 12;
@@ -72,7 +72,7 @@ private:
 };
 
 /// A payload that is copied as a whole.
-bool ReadCopied(GstBuffer* made, UnitMemory& memory, Packet& packet) {
+bool ReadCopied(GstBuffer* made, UnitMemory& memory, rtp::Packet& packet) {
     auto const size = gst_buffer_get_size(made) - HeaderSize;
     std::vector<std::byte> bytes(size);
     if (gst_buffer_extract(made, HeaderSize, bytes.data(), size) != size) return false;
@@ -84,7 +84,7 @@ bool ReadCopied(GstBuffer* made, UnitMemory& memory, Packet& packet) {
 }
 
 /// Adds bytes to a packet's prefix; false when they do not fit.
-bool AddPrefix(Packet& packet, Bytes bytes) {
+bool AddPrefix(rtp::Packet& packet, Bytes bytes) {
     if (packet.prefixSize + bytes.size() > packet.prefix.size()) return false;
     std::ranges::copy(bytes, packet.prefix.data() + packet.prefixSize);
     packet.prefixSize = static_cast<std::uint8_t>(packet.prefixSize + bytes.size());
@@ -93,7 +93,7 @@ bool AddPrefix(Packet& packet, Bytes bytes) {
 
 /// Reads a packet that the payloader made: header, perhaps a prefix, and at the end a part of the access unit. Others,
 /// which are few, are copied.
-bool ReadPacket(GstBuffer* made, UnitMemory& memory, Packet& packet) {
+bool ReadPacket(GstBuffer* made, UnitMemory& memory, rtp::Packet& packet) {
     if (gst_buffer_get_size(made) <= HeaderSize) return false;
     packet.marker = GST_BUFFER_FLAG_IS_SET(made, GST_BUFFER_FLAG_MARKER);
     auto const count = gst_buffer_n_memory(made);
@@ -116,12 +116,12 @@ struct FreeMedia {
     void operator()(GstSDPMedia* media) const { gst_sdp_media_free(media); }
 };
 
-std::shared_ptr<MediaFormat const> ReadFormat(GstCaps const* caps) {
+std::shared_ptr<rtp::MediaFormat const> ReadMediaFormat(GstCaps const* caps) {
     GstSDPMedia* made = nullptr;
     gst_sdp_media_new(&made);
     std::unique_ptr<GstSDPMedia, FreeMedia> const media(made);
     if (gst_sdp_media_set_media_from_caps(caps, media.get()) != GST_SDP_OK) return nullptr;
-    auto format = std::make_shared<MediaFormat>();
+    auto format = std::make_shared<rtp::MediaFormat>();
     for (guint index = 0; index < gst_sdp_media_attributes_len(media.get()); ++index) {
         auto const* const attribute = gst_sdp_media_get_attribute(media.get(), index);
         auto& text = format->attributes.emplace_back(attribute->key);
@@ -138,7 +138,7 @@ Payloader::Payloader(Codec codec) {
     auto* const created = gst_element_factory_make(kind, nullptr);
     if (created == nullptr) throw std::runtime_error(std::string("GStreamer has no element \"") + kind + "\"");
     element.reset(GST_ELEMENT(gst_object_ref_sink(created)));
-    g_object_set(element.get(), "pt", MediaFormat().payloadType, "config-interval", 0, nullptr);
+    g_object_set(element.get(), "pt", rtp::MediaFormat().payloadType, "config-interval", 0, nullptr);
     gst_util_set_object_arg(G_OBJECT(element.get()), "aggregate-mode", "zero-latency");
     source.reset(GST_PAD(gst_object_ref_sink(gst_pad_new("src", GST_PAD_SRC))));
     sink.reset(GST_PAD(gst_object_ref_sink(gst_pad_new("sink", GST_PAD_SINK))));
@@ -161,7 +161,8 @@ Payloader::~Payloader() {
     gst_pad_set_active(sink.get(), FALSE);
 }
 
-std::shared_ptr<Packets const> Payloader::Pay(GstBuffer* unit, GstCaps* caps, std::chrono::nanoseconds presentation) {
+std::shared_ptr<rtp::Packets const> Payloader::Pay(GstBuffer* unit, GstCaps* caps,
+                                                   std::chrono::nanoseconds presentation) {
     SetInput(caps);
     made.clear();
     auto* const buffer = gst_buffer_copy(unit);
@@ -169,10 +170,10 @@ std::shared_ptr<Packets const> Payloader::Pay(GstBuffer* unit, GstCaps* caps, st
     GST_BUFFER_DTS(buffer) = GST_CLOCK_TIME_NONE;
     if (gst_pad_push(source.get(), buffer) != GST_FLOW_OK) return nullptr;
     auto const memory = std::make_shared<UnitMemory>(unit);
-    auto packets = std::make_shared<Packets>();
+    auto packets = std::make_shared<rtp::Packets>();
     packets->list.reserve(made.size());
     for (auto const& each : std::exchange(made, {})) {
-        Packet packet;
+        rtp::Packet packet;
         if (!ReadPacket(each.get(), *memory, packet)) continue;
         packets->bytes += packet.GetSize();
         packets->list.push_back(packet);
@@ -194,11 +195,11 @@ void Payloader::SetInput(GstCaps* caps) {
 }
 
 /// What the payloader says of its packets, which follows the parameter sets in the stream.
-std::shared_ptr<MediaFormat const> Payloader::GetFormat() {
+std::shared_ptr<rtp::MediaFormat const> Payloader::GetFormat() {
     MiniHandle<GstCaps> present(gst_pad_get_current_caps(sink.get()));
     if (!present) return nullptr;
     if (!output || gst_caps_is_equal(output.get(), present.get()) == FALSE) {
-        format = ReadFormat(present.get());
+        format = ReadMediaFormat(present.get());
         output = std::move(present);
     }
     return format;
@@ -214,4 +215,4 @@ gboolean Payloader::OnEvent(GstPad*, GstObject*, GstEvent* event) {
     return TRUE;
 }
 
-} // namespace zarn::host::video::rtp
+} // namespace zarn::host::video

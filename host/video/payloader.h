@@ -8,7 +8,7 @@
 #include <memory>
 #include <vector>
 
-namespace zarn::host::video::rtp {
+namespace zarn::host::video {
 
 /// Cuts access units into the payloads of RTP packets, once for all viewers. GStreamer's payloader does the work on the
 /// calling thread: it stands between two pads of this class, in no pipeline, and has no thread of its own.
@@ -24,21 +24,21 @@ public:
     /// The packets of an access unit. They refer to its memory and keep it. Null when the payloader makes none.
     /// unit  byte stream, one access unit
     /// caps  describe it
-    std::shared_ptr<Packets const> Pay(GstBuffer* unit, GstCaps* caps, std::chrono::nanoseconds presentation);
+    std::shared_ptr<rtp::Packets const> Pay(GstBuffer* unit, GstCaps* caps, std::chrono::nanoseconds presentation);
 
 private:
     static GstFlowReturn OnPacket(GstPad* pad, GstObject* parent, GstBuffer* packet);
     static gboolean OnEvent(GstPad* pad, GstObject* parent, GstEvent* event);
     void SetInput(GstCaps* caps);
-    std::shared_ptr<MediaFormat const> GetFormat();
+    std::shared_ptr<rtp::MediaFormat const> GetFormat();
 
     ObjectHandle<GstElement> element;
     ObjectHandle<GstPad> source; ///< feeds the element
     ObjectHandle<GstPad> sink;   ///< collects what it makes
     MiniHandle<GstCaps> input;
     MiniHandle<GstCaps> output;
-    std::shared_ptr<MediaFormat const> format; ///< what `output` says
+    std::shared_ptr<rtp::MediaFormat const> format; ///< what `output` says
     std::vector<MiniHandle<GstBuffer>> made;
 };
 
-} // namespace zarn::host::video::rtp
+} // namespace zarn::host::video
