@@ -222,7 +222,9 @@ public:
 
     /// Posts the tasks of this many numbers and steps until all have run.
     void Run(std::size_t count) {
-        for (std::size_t posted = 0; posted < count || ran.size() + dropped < count;) {
+        std::size_t posted = 0;
+        for (int steps = 0; posted < count || ran.size() + dropped < count; ++steps) {
+            ASSERT_LT(steps, MostSteps) << "tasks are stuck";
             if (posted < count && IsOneIn(3))
                 Post(posted++);
             else
@@ -234,7 +236,8 @@ public:
 
     /// Whether every turn is free when nothing is left to do.
     bool HasAllTurns() {
-        while (std::ranges::any_of(workers, [](auto const& each) { return each->HasTurn(); })) Step();
+        auto const hasTurn = [](auto const& each) { return each->HasTurn(); };
+        for (int steps = 0; std::ranges::any_of(workers, hasTurn) && steps < MostSteps; ++steps) Step();
         std::vector<Task> tasks(processors + 1);
         std::size_t taken = 0;
         for (auto& task : tasks) {
@@ -249,6 +252,8 @@ public:
     std::size_t dropped = 0;
 
 private:
+    static constexpr int MostSteps = 100'000; ///< only a schedule that fails needs as many
+
     bool IsOneIn(unsigned times) { return random() % times == 0; }
 
     void Post(std::size_t number) {
