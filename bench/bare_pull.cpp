@@ -1,35 +1,20 @@
 #include "bare_pull.h"
 
-#include "post.h"
+#include "bare_exchange.h"
+#include "operations.h"
 
-#include <service/onvif/soap_context.h>
-
-#include <httpda.h>
 #include <interface/operations.h>
 #include <soapPullPointSubscriptionBindingService.h>
 
 #include <cstddef>
 #include <ctime>
-#include <sstream>
 #include <string>
-#include <utility>
 
 namespace zarn::bench {
 
 namespace {
 
 using Binding = PullPointSubscriptionBindingService;
-
-constexpr char Pull[] = R"(<PullMessages xmlns="http://www.onvif.org/ver10/events/wsdl"><Timeout>PT1H</Timeout>)"
-                        "<MessageLimit>10</MessageLimit></PullMessages>";
-
-std::string MakeText() {
-    Request const request(Pull, "/onvif/events_service/Subscription?Idx=1");
-    std::string const body(request.GetBody());
-    return "POST /onvif/events_service/Subscription?Idx=1 HTTP/1.1\r\nHost: device:8080\r\n"
-           "Content-Type: application/soap+xml; charset=utf-8\r\nContent-Length: " +
-           std::to_string(body.size()) + "\r\n\r\n" + body;
-}
 
 void AddItem(tt__ItemList* items, char const* name, char const* value) {
     auto& item = items->SimpleItem.emplace_back();
@@ -98,18 +83,10 @@ private:
 } // namespace
 
 std::size_t ExchangeBarePull() {
-    static std::string const text = MakeText();
-    auto const context = service::onvif::MakeSoapContext();
-    auto* soap = context.get();
-    PullPoint pullPoint(soap);
-    soap_register_plugin_arg(soap, http_da, http_da_md5());
-    std::stringstream input;
-    std::ostringstream output;
-    soap->is = &input;
-    soap->os = &output;
-    input << text << std::endl;
-    if (soap_begin_serve(soap) || pullPoint.dispatch()) return 0;
-    return std::move(output).str().size();
+    static std::string const text = ToText(Request(PullMessages, "/onvif/events_service/Subscription?Idx=1"));
+    BareExchange exchange(text);
+    PullPoint pullPoint(exchange.GetContext());
+    return exchange.Complete(pullPoint).size();
 }
 
 } // namespace zarn::bench

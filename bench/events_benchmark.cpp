@@ -2,6 +2,7 @@
 // subscriptions. Queues are emptied outside the measured time. Then how long others wait while a long list of events is
 // published.
 
+#include "operations.h"
 #include "post.h"
 
 #include <service/onvif/manager.h>
@@ -30,7 +31,6 @@ using namespace zarn;
 
 constexpr char Create[] = R"(<CreatePullPointSubscription xmlns="http://www.onvif.org/ver10/events/wsdl">)"
                           "<InitialTerminationTime>PT1H</InitialTerminationTime></CreatePullPointSubscription>";
-constexpr char End[] = R"(<Unsubscribe xmlns="http://docs.oasis-open.org/wsn/b-2"/>)";
 
 /// Number of events queued before the queues are emptied.
 constexpr int Batch = 1000;
@@ -60,7 +60,7 @@ private:
     void Clear() {
         for (auto const& [id, queued] : onvif::events::GetSubscriptions()) {
             auto const path = "/onvif/events_service/Subscription?Idx=" + std::to_string(id);
-            bench::Post(manager, std::make_shared<bench::Request>(End, path));
+            bench::Post(manager, std::make_shared<bench::Request>(bench::Unsubscribe, path));
         }
     }
 

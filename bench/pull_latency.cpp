@@ -6,6 +6,7 @@
 // so that the host can be inspected.
 
 #include "http_client.h"
+#include "operations.h"
 
 #include <boost/asio/co_spawn.hpp>
 #include <boost/asio/io_context.hpp>
@@ -46,9 +47,7 @@ public:
     Puller(asio::io_context& io, unsigned short port) : connection(io, port) {}
 
     asio::awaitable<void> Subscribe() {
-        pull = MakeSoapRequest(ReadSubscription(co_await connection.Exchange(MakeSubscription())),
-                               R"(<PullMessages xmlns="http://www.onvif.org/ver10/events/wsdl"><Timeout>PT1H</Timeout>)"
-                               "<MessageLimit>10</MessageLimit></PullMessages>");
+        pull = MakeSoapRequest(ReadSubscription(co_await connection.Exchange(MakeSubscription())), PullMessages);
     }
 
     asio::awaitable<void> Pull() { co_await connection.Send(pull); }

@@ -3,6 +3,7 @@
 // on standard input, so that the host can be inspected.
 
 #include "http_client.h"
+#include "operations.h"
 
 #include <boost/asio/co_spawn.hpp>
 #include <boost/asio/io_context.hpp>
@@ -73,11 +74,7 @@ void Measure(unsigned short port, std::size_t count, int connectionCount) {
          },
          ignore});
     Run(io, connections, count,
-        {"end",
-         [&](std::size_t index) {
-             return MakeSoapRequest(paths[index], R"(<Unsubscribe xmlns="http://docs.oasis-open.org/wsn/b-2"/>)");
-         },
-         ignore});
+        {"end", [&](std::size_t index) { return MakeSoapRequest(paths[index], Unsubscribe); }, ignore});
 }
 
 } // namespace

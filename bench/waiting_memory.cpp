@@ -3,17 +3,16 @@
 // PullMessages through Manager::Post; before its result comes the resident memory of the whole process, that is, the
 // module and the host's libraries alone.
 
+#include "bare_exchange.h"
+#include "operations.h"
 #include "post.h"
 
 #include <service/onvif/device.h>
 #include <service/onvif/manager.h>
-#include <service/onvif/soap_context.h>
 #include <zarn/authentication/engine.h>
 #include <zarn/configuration/node/root.h>
 #include <zarn/onvif/events/subscription_gauge.h>
 #include <zarn/web/response/pending.h>
-
-#include <httpda.h>
 
 #include <barrier>
 #include <chrono>
@@ -22,7 +21,6 @@
 #include <future>
 #include <iostream>
 #include <memory>
-#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -30,9 +28,6 @@
 namespace {
 
 using namespace zarn;
-
-constexpr char Pull[] = R"(<PullMessages xmlns="http://www.onvif.org/ver10/events/wsdl">)"
-                        "<Timeout>PT1H</Timeout><MessageLimit>10</MessageLimit></PullMessages>";
 
 long ReadResidentKilobytes() {
     std::ifstream status("/proc/self/status");
@@ -42,25 +37,16 @@ long ReadResidentKilobytes() {
 }
 
 void Wait(std::string const& text, std::barrier<>& ready, std::shared_future<void> const& over) {
-    auto const context = service::onvif::MakeSoapContext();
-    auto* soap = context.get();
-    service::onvif::DeviceService const device(soap, service::onvif::URIBase(8080, false), nullptr, {}, nullptr);
-    soap_register_plugin_arg(soap, http_da, http_da_md5());
-    std::stringstream input;
-    std::ostringstream output;
-    soap->is = &input;
-    soap->os = &output;
-    input << text << std::endl;
-    if (soap_begin_serve(soap)) std::cerr << "the request was not read\n";
+    bench::BareExchange exchange(text);
+    service::onvif::DeviceService const device(exchange.GetContext(), service::onvif::URIBase(8080, false), nullptr, {},
+                                               nullptr);
+    if (!exchange.Begin()) std::cerr << "the request was not read\n";
     ready.arrive_and_wait();
     over.wait();
 }
 
 double MeasureBare(int count) {
-    std::string const body(bench::Request(Pull).GetBody());
-    std::string const text = "POST /onvif/events_service HTTP/1.1\r\nHost: device:8080\r\n"
-                             "Content-Type: application/soap+xml; charset=utf-8\r\nContent-Length: " +
-                             std::to_string(body.size()) + "\r\n\r\n" + body;
+    auto const text = bench::ToText(bench::Request(bench::PullMessages, "/onvif/events_service"));
     std::barrier ready(count + 1);
     std::promise<void> end;
     auto const over = end.get_future().share();
@@ -86,7 +72,8 @@ double MeasureModule(int count) {
     auto const before = ReadResidentKilobytes();
     std::cout << "process " << before << '\n';
     std::vector<std::shared_ptr<web::response::Pending>> pending;
-    for (int i = 0; i < count; ++i) pending.push_back(manager.Post(std::make_shared<bench::Request>(Pull, path)));
+    for (int i = 0; i < count; ++i)
+        pending.push_back(manager.Post(std::make_shared<bench::Request>(bench::PullMessages, path)));
     // All exchanges are waiting once the memory has been stable for a while.
     long after = 0;
     for (int quiet = 0; quiet < 20; std::this_thread::sleep_for(std::chrono::milliseconds(50))) {

@@ -2,6 +2,7 @@
 
 #include "host/web/admission.h"
 #include "host/web/limits.h"
+#include "host/web/living_connections.h"
 
 #include <boost/asio/basic_stream_socket.hpp>
 #include <boost/asio/io_context.hpp>
@@ -14,8 +15,6 @@
 #include <chrono>
 #include <memory>
 #include <mutex>
-#include <unordered_set>
-#include <vector>
 
 namespace zarn::host::web {
 
@@ -56,25 +55,6 @@ public:
 
 protected:
     std::atomic<Clock::time_point> deadline = Clock::time_point::max(); ///< of the present operation
-};
-
-/// The connections of a server that live. Thread: any.
-class LivingConnections {
-public:
-    /// Adds a connection, which has to remove itself in its destructor.
-    void Add(Connection& connection);
-    void Remove(Connection& connection) noexcept;
-
-    /// All of them, or those that are overdue.
-    std::vector<std::shared_ptr<Connection>> GetAll() const;
-    std::vector<std::shared_ptr<Connection>> GetOverdue(Connection::Clock::time_point now) const;
-
-private:
-    template <class IsWanted>
-    std::vector<std::shared_ptr<Connection>> Get(IsWanted isWanted) const;
-
-    mutable std::mutex mutex; ///< guards the list, and its members from destruction while it is held
-    std::unordered_set<Connection*> connections;
 };
 
 /// What all connections of a server share. Thread: any.

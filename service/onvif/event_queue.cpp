@@ -12,7 +12,7 @@ void EventQueue::Push(EventPtr const& event) {
     ++size;
 }
 
-EventQueue::EventPtr EventQueue::Pop() noexcept {
+EventPtr EventQueue::Pop() noexcept {
     auto event = std::move(blocks.front()[first]);
     ++first;
     --size;

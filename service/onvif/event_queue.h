@@ -1,14 +1,11 @@
 #pragma once
 
+#include "event_ptr.h"
+
 #include <array>
 #include <cstddef>
 #include <list>
-#include <memory>
 #include <utility>
-
-namespace zarn::meta::data {
-class Event;
-}
 
 namespace zarn::service::onvif {
 
@@ -17,8 +14,6 @@ namespace zarn::service::onvif {
 /// with the same event.) Thread: one at a time.
 class EventQueue {
 public:
-    using EventPtr = std::shared_ptr<meta::data::Event>;
-
     EventQueue() = default;
     EventQueue(EventQueue const&) = delete;
     EventQueue& operator=(EventQueue const&) = delete;

@@ -116,7 +116,7 @@ int EventsService::CreatePullPointSubscription(Authenticated, _tev__CreatePullPo
     return SOAP_OK;
 }
 
-bool EventsService::Append(std::shared_ptr<meta::data::Event> const& event, events::WantedTopics const& topics,
+bool EventsService::Append(EventPtr const& event, events::WantedTopics const& topics,
                            std::vector<wsnt__NotificationMessageHolderType*>& messages) {
     for (auto const& type : events::Types) {
         auto const* const subtopic = type.selection->Find(*event);
@@ -127,8 +127,7 @@ bool EventsService::Append(std::shared_ptr<meta::data::Event> const& event, even
     return false;
 }
 
-bool EventsService::WaitForEvents(Subscription& subscription, steady_clock::time_point deadline,
-                                  Subscription::EventPtr* oldest) {
+bool EventsService::WaitForEvents(Subscription& subscription, steady_clock::time_point deadline, EventPtr* oldest) {
     auto const isStopped = [this] { return IsEnding(soap); };
     auto const begin = steady_clock::now();
     if (oldest && deadline > begin + LongWait) {
@@ -152,7 +151,7 @@ int EventsService::PullMessages(Authenticated, _tev__PullMessages* given, _tev__
         auto const deadline = chrono::Add(steady_clock::now(), chrono::duration::FromIso8601(request.Timeout));
         if (!WaitForEvents(*subscription, deadline, wantsEvents ? &oldest : nullptr)) return NotFound(soap);
     }
-    std::vector<Subscription::EventPtr> events;
+    std::vector<EventPtr> events;
     if (oldest) events.push_back(std::move(oldest));
     int left = request.MessageLimit;
     // The subscription may end at any time; it then has no more events. No event counts more than once, so that all

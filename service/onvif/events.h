@@ -30,12 +30,11 @@ private:
     void Prepare(_tev__PullMessagesResponse const&);
     void SetActionHeader(char const* uri);
     /// Subscription::WaitForEvents for this exchange; a null `oldest` leaves the events in the queue.
-    bool WaitForEvents(Subscription& subscription, std::chrono::steady_clock::time_point deadline,
-                       Subscription::EventPtr* oldest);
+    bool WaitForEvents(Subscription& subscription, std::chrono::steady_clock::time_point deadline, EventPtr* oldest);
 
     /// Appends the event's message, if it has one that the client wants; builds no other. Returns whether it counts
     /// towards the limit.
-    bool Append(std::shared_ptr<meta::data::Event> const& event, events::WantedTopics const& topics,
+    bool Append(EventPtr const& event, events::WantedTopics const& topics,
                 std::vector<wsnt__NotificationMessageHolderType*>& messages);
 
     std::string_view message;

@@ -101,9 +101,9 @@ Subscription::Subscription(std::int32_t id, Topics const& topics) : id(id), topi
 std::int32_t Subscription::Create(Time termination, Topics const& topics) {
     auto const id = GetNextSubscriptionId();
     // Made and released without the mutex: that takes other locks.
-    Live made;
+    std::shared_ptr<Subscription> const subscription(new Subscription(id, topics));
+    Live made{{id, subscription}};
     Snapshot outdated;
-    auto const& subscription = made.emplace(id, std::make_shared<Subscription>(id, topics)).first->second;
     std::scoped_lock const lock(Mutex);
     subscription->StartTimer(termination); // whose handler waits until the subscription is there
     Subscriptions.merge(made);
@@ -191,12 +191,12 @@ bool Subscription::WaitForEvents(std::chrono::steady_clock::time_point deadline,
     return !hasEnded;
 }
 
-Subscription::EventPtr Subscription::Pop() {
+EventPtr Subscription::Pop() {
     std::scoped_lock const lock(mutex);
     return PopLocked();
 }
 
-std::vector<Subscription::EventPtr> Subscription::Take(std::size_t most) {
+std::vector<EventPtr> Subscription::Take(std::size_t most) {
     std::vector<EventPtr> taken;
     std::scoped_lock const lock(mutex);
     auto const count = std::min(most, events.GetSize());
@@ -206,7 +206,7 @@ std::vector<Subscription::EventPtr> Subscription::Take(std::size_t most) {
     return taken;
 }
 
-Subscription::EventPtr Subscription::PopLocked() {
+EventPtr Subscription::PopLocked() {
     if (events.IsEmpty()) return nullptr;
     auto event = events.Pop();
     gauge.SetQueued(events.GetSize());

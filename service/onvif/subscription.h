@@ -1,5 +1,6 @@
 #pragma once
 
+#include "event_ptr.h"
 #include "event_queue.h"
 #include "events/wanted_topics.h"
 #include "fair_mutex.h"
@@ -30,7 +31,6 @@ namespace zarn::service::onvif {
 class Subscription {
 public:
     using Time = std::chrono::system_clock::time_point;
-    using EventPtr = EventQueue::EventPtr;
 
     /// The topics of a client's filter; empty means all.
     using Topics = std::set<std::string, std::less<>>;
@@ -50,8 +50,8 @@ public:
     /// Wakes every WaitForEvents so that it checks `isStopped` again.
     static void WakeWaiting();
 
-    /// For Create only.
-    Subscription(std::int32_t id, Topics const& topics);
+    Subscription(Subscription const&) = delete;
+    Subscription& operator=(Subscription const&) = delete;
 
     events::WantedTopics const& GetTopics() const { return topics; }
 
@@ -81,6 +81,8 @@ private:
     /// The registration for the host's events. Its end, when the library is unloaded, is also the subscriptions' end,
     /// before the state below is destroyed.
     struct Registration;
+
+    Subscription(std::int32_t id, Topics const& topics);
 
     static void Queue(EventPtr const& event);
     static Snapshot GetLive();

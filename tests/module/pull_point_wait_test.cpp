@@ -1,11 +1,17 @@
 #include "pull_point_fixture.h"
 #include "support/asleep.h"
+#include "support/eventually.h"
+#include "support/resident_pages.h"
 
+#include <service/onvif/events.h>
+#include <service/onvif/soap_context.h>
+#include <service/onvif/subscription.h>
 #include <zarn/chrono/iso8601.h>
 
 #include <gmock/gmock.h>
 
 #include <chrono>
+#include <cstdio>
 #include <future>
 #include <memory>
 #include <string>
@@ -150,6 +156,25 @@ TEST_F(PullPointWait, EndsInTheSameWaysAfterMoreThanASecond) {
     std::this_thread::sleep_for(1100ms);
     ReplaceManager();
     EXPECT_THAT(GetRules(GetReply(withManager)), IsEmpty());
+}
+
+TEST_F(PullPointWait, OfMoreThanASecondGivesMemoryBack) {
+    using service::onvif::EventsService;
+    using service::onvif::Subscription;
+    engine.SetEnabled(false);
+    auto const context = service::onvif::MakeSoapContext();
+    EventsService service(context.get(), service::onvif::URIBase(80, false), &engine, {});
+    auto const id = Subscription::Create(std::chrono::system_clock::now() + 1h, {});
+    std::snprintf(context->path, sizeof(context->path), "/Subscription?Idx=%d", id);
+    _tev__PullMessages request;
+    request.Timeout = "PT1H";
+    request.MessageLimit = 1;
+    _tev__PullMessagesResponse response;
+    auto const before = CountResidentPages(context.get());
+    auto pull = std::async(std::launch::async, [&] { return service.PullMessages(&request, response); });
+    EXPECT_TRUE(Eventually([&] { return CountResidentPages(context.get()) + 8 <= before; }));
+    Subscription::End(id);
+    EXPECT_NE(pull.get(), SOAP_OK);
 }
 
 TEST_F(PullPointWait, OfTwoClientsEndsForOneOnASingleEvent) {

@@ -1,8 +1,9 @@
 #pragma once
 
+#include "../event_ptr.h"
+
 #include <array>
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <span>
 #include <string_view>
@@ -12,14 +13,9 @@ struct soap;
 struct soap_dom_element;
 class wsnt__NotificationMessageHolderType;
 
-namespace zarn::meta::data {
-class Event;
-}
-
 namespace zarn::service::onvif::events {
 
 using Messages = std::vector<wsnt__NotificationMessageHolderType*>;
-using EventPtr = std::shared_ptr<meta::data::Event>;
 
 /// The topic of a host event type below the topic of its family.
 struct Subtopic {

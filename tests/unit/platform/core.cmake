@@ -5,6 +5,7 @@ set(sources
   authentication/ha1_test.cpp
   container/buffer_test.cpp
   io/unique_descriptor_test.cpp
+  job/schedule_test.cpp
   logging/capture_test.cpp
   logging/format_test.cpp
   logging/level_test.cpp
@@ -24,6 +25,7 @@ set(sources
   web/service_test.cpp)
 list(TRANSFORM sources PREPEND "${CMAKE_CURRENT_LIST_DIR}/")
 zarn_add_tests(NAME platform_core_tests SOURCES ${sources} LIBRARIES zarn::platform zarn::test_support LABELS unit)
+target_include_directories(platform_core_tests PRIVATE "${CMAKE_SOURCE_DIR}/platform/src")
 
 # Threads that block, and networks created with `ip`.
 set(sources

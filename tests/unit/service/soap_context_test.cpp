@@ -1,35 +1,21 @@
+#include "support/resident_pages.h"
+
 #include <service/onvif/soap_context.h>
 
 #include <gtest/gtest.h>
 #include <soapH.h>
-#include <sys/mman.h>
-#include <unistd.h>
 
-#include <cstddef>
-#include <cstdint>
 #include <cstring>
 #include <sstream>
 #include <string>
-#include <vector>
 
 namespace zarn::service::onvif {
 namespace {
 
-std::string const Page(static_cast<std::size_t>(sysconf(_SC_PAGESIZE)), '\0');
+using test::CountResidentPages;
 
 /// The bytes of a context.
 std::string Copy(soap const* soap) { return {reinterpret_cast<char const*>(soap), sizeof(struct soap)}; }
-
-/// The number of whole pages of a context that take memory.
-std::size_t CountResidentPages(soap* soap) {
-    auto const begin = (reinterpret_cast<std::uintptr_t>(soap) + Page.size() - 1) / Page.size();
-    auto const end = (reinterpret_cast<std::uintptr_t>(soap) + sizeof(struct soap)) / Page.size();
-    std::vector<unsigned char> states(end - begin);
-    EXPECT_EQ(mincore(reinterpret_cast<void*>(begin * Page.size()), (end - begin) * Page.size(), states.data()), 0);
-    std::size_t resident = 0;
-    for (auto const state : states) resident += state & 1U;
-    return resident;
-}
 
 /// A context that has read the beginning of a message.
 std::shared_ptr<soap> MakeBusy(std::istream& input) {

@@ -41,7 +41,7 @@ protected:
         zarn::onvif::events::Publish(std::make_shared<meta::data::Event>("count", name, Now()));
     }
 
-    static std::vector<std::string> GetNames(std::vector<Subscription::EventPtr> const& events) {
+    static std::vector<std::string> GetNames(std::vector<EventPtr> const& events) {
         std::vector<std::string> names;
         for (auto const& event : events) names.push_back(event->GetName());
         return names;
@@ -174,7 +174,7 @@ TEST_F(SubscriptionTest, EndsOneOfTwoWaitsOnOneEvent) {
     std::atomic<int> checks = 0;
     std::atomic<int> events = 0;
     auto const wait = [&] {
-        Subscription::EventPtr event;
+        EventPtr event;
         auto const isAlive = subscription->WaitForEvents(
             Clock::now() + Soon, [&] { return ++checks < 0; }, &event);
         if (event) ++events;

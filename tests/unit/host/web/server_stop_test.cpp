@@ -39,7 +39,8 @@ TEST_F(ServerStop, DeliversResponsesToActiveRequests) {
 }
 
 TEST_F(ServerStop, DoesNotWaitForItsClients) {
-    Start();
+    Limits const patient{.headerTime = 2 * Patience, .idleTime = 2 * Patience};
+    Start(patient);
     std::vector<std::unique_ptr<RawConnection>> clients;
     for (auto const* bytes : {"", "GET /wa", Wait, "GET /big HTTP/1.1\r\nHost: h\r\n\r\n",
                               "POST /echo/a HTTP/1.1\r\nHost: h\r\nContent-Length: 9\r\n\r\nx"}) {
@@ -49,7 +50,7 @@ TEST_F(ServerStop, DoesNotWaitForItsClients) {
     ASSERT_TRUE(AwaitConnections(5));
     auto const begun = Clock::now();
     server->Stop(100ms);
-    EXPECT_LT(Clock::now() - begun, Limits().headerTime / 2) << "the server waited for its clients";
+    EXPECT_LT(Clock::now() - begun, patient.headerTime / 2) << "the server waited for its clients";
 }
 
 TEST_F(ServerStop, IsHarmlessTwice) {

@@ -26,9 +26,7 @@ TEST(ConditionVariable, LetsAnotherJobRunMeanwhile) {
     DynamicThreadPool pool(1, 10s, 1);
     Gate gate;
     pool.Post([&] { gate.WaitAsJob(); });
-    std::promise<void> ran;
-    pool.Post([&] { ran.set_value(); });
-    ran.get_future().get(); // although the first job has not ended
+    RunJob(pool); // although the first job has not ended
     gate.Open();
     pool.Stop();
 }
@@ -36,11 +34,8 @@ TEST(ConditionVariable, LetsAnotherJobRunMeanwhile) {
 TEST(ConditionVariable, NeverHoldsUpNewJobsHoweverManyWait) {
     DynamicThreadPool pool(1, 10s, 2);
     Gate gate;
-    for (int count = 0; count < 200; ++count) pool.Post([&] { gate.WaitAsJob(); });
-    ASSERT_TRUE(gate.WaitForWaiting(200));
-    std::promise<void> ran;
-    pool.Post([&] { ran.set_value(); });
-    ran.get_future().get();
+    ASSERT_TRUE(LetWait(pool, gate, 200));
+    RunJob(pool);
     gate.Open();
     pool.Stop();
 }
@@ -81,8 +76,7 @@ std::string GetOrderOfJobs(int waiting, int added) {
         });
     }
     EXPECT_TRUE(event.WaitForWaiting(static_cast<std::size_t>(waiting)));
-    pool.Post([&] { busy.Wait(); });
-    EXPECT_TRUE(busy.WaitForWaiting(1));
+    EXPECT_TRUE(Occupy(pool, busy));
     for (int count = 0; count < added; ++count) pool.Post([&] { order += 'N'; });
     event.Open(); // those that have waited enter the line
     busy.Open();
@@ -161,10 +155,7 @@ TEST(ConditionVariable, NeverHoldsTheMutexWhileAJobWaitsForItsTurn) {
     DynamicThreadPool pool(1, 10s, 1);
     Gate event;
     Gate busy;
-    pool.Post([&] { event.WaitAsJob(); });
-    ASSERT_TRUE(event.WaitForWaiting(1));
-    pool.Post([&] { busy.Wait(); });
-    ASSERT_TRUE(busy.WaitForWaiting(1));
+    ASSERT_TRUE(LetWait(pool, event) && Occupy(pool, busy));
     event.Open();                         // the first job wants a turn, which the second has
     EXPECT_TRUE(event.WaitForWaiting(1)); // takes the mutex
     busy.Open();
@@ -176,7 +167,6 @@ TEST(ConditionVariable, LetsTheQueueIntoALineOfJobsThatSleepAgainAndAgain) {
     std::mutex mutex;
     ConditionVariable changed;
     bool isOver = false;
-    Gate busy;
     std::atomic<int> asleep = 0;
     for (int count = 0; count < 20; ++count) {
         pool.Post([&] {
@@ -229,8 +219,7 @@ TEST(ConditionVariable, LeavesTheQueueToAnotherJobWhenNoThreadCanBeStarted) {
         test::ThreadFailure const failure;
         event.WaitAsJob();
     });
-    pool.Post([&] { second.Wait(); });
-    ASSERT_TRUE(first.WaitForWaiting(1) && second.WaitForWaiting(1));
+    ASSERT_TRUE(first.WaitForWaiting(1) && Occupy(pool, second));
     logging::Capture const log;
     pool.Post([&] { ran.set_value(); });
     first.Open();

@@ -148,7 +148,8 @@ TEST(DynamicThreadPoolStop, LosesNoJobAcceptedWhileStopping) {
 /// Posts jobs until the address space is exhausted. Runs in a separate process.
 [[noreturn]] void RunOutOfThreads() {
     DynamicThreadPool pool(1, 10s);
-    rlimit const limit{std::size_t{1} << 30U, std::size_t{1} << 30U};
+    auto const space = GetMemory().total + (std::size_t{64} << 20U); // for some thirty threads
+    rlimit const limit{space, space};
     if (setrlimit(RLIMIT_AS, &limit) != 0) std::exit(2);
     Gate gate;
     std::atomic<int> ran = 0;

@@ -38,9 +38,7 @@ TEST(DynamicThreadPool, StartsItsMinimumAtOnce) {
 TEST(DynamicThreadPool, MayHaveNoMinimum) {
     DynamicThreadPool pool(0, 0s);
     EXPECT_EQ(pool.GetThreadCount(), 0U);
-    std::promise<void> ran;
-    pool.Post([&] { ran.set_value(); });
-    ran.get_future().get();
+    RunJob(pool);
     EXPECT_TRUE(test::Eventually([&] { return pool.GetThreadCount() == 0; }));
 }
 
@@ -56,8 +54,7 @@ TEST(DynamicThreadPool, GivesAJobToAnIdleThread) {
 TEST(DynamicThreadPool, StartsAThreadForEachWaitingJob) {
     DynamicThreadPool pool(1, 10s);
     Gate gate;
-    for (int count = 0; count < 20; ++count) pool.Post([&] { gate.WaitAsJob(); });
-    EXPECT_TRUE(gate.WaitForWaiting(20)); // all jobs run concurrently
+    EXPECT_TRUE(LetWait(pool, gate, 20)); // all jobs run concurrently
     EXPECT_GE(pool.GetThreadCount(), 20U);
     gate.Open();
     pool.Stop(); // before the gate is destroyed
@@ -66,8 +63,7 @@ TEST(DynamicThreadPool, StartsAThreadForEachWaitingJob) {
 TEST(DynamicThreadPool, EndsThreadsAboveTheMinimum) {
     DynamicThreadPool pool(2, 0s);
     Gate gate;
-    for (int count = 0; count < 8; ++count) pool.Post([&] { gate.WaitAsJob(); });
-    ASSERT_TRUE(gate.WaitForWaiting(8));
+    ASSERT_TRUE(LetWait(pool, gate, 8));
     gate.Open();
     EXPECT_TRUE(test::Eventually([&] { return pool.GetThreadCount() == 2 && pool.GetIdleCount() == 2; }));
 }
@@ -135,17 +131,15 @@ TEST(DynamicThreadPool, LogsAnExceptionOfAJobAndContinues) {
     logging::Capture const capture;
     DynamicThreadPool pool(1, 10s);
     pool.Post([] { throw std::runtime_error("no\nway"); });
-    EXPECT_TRUE(capture.WaitFor("A job threw: no\\nway", 60s));
-    std::promise<void> ran;
-    pool.Post([&] { ran.set_value(); });
-    ran.get_future().get();
+    EXPECT_TRUE(capture.WaitFor("A job threw: no\\nway", Patience));
+    RunJob(pool);
 }
 
 TEST(DynamicThreadPool, LogsANonStandardExceptionOfAJob) {
     logging::Capture const capture;
     DynamicThreadPool pool(1, 10s);
     pool.Post([] { throw 42; }); // NOLINT: intentionally not a std::exception
-    EXPECT_TRUE(capture.WaitFor("A job threw: an exception of unknown type", 60s));
+    EXPECT_TRUE(capture.WaitFor("A job threw: an exception of unknown type", Patience));
 }
 
 TEST(DynamicThreadPool, LimitsTheRateOfLoggedExceptions) {
@@ -193,10 +187,9 @@ TEST(DynamicThreadPool, KeepsAThousandWaitingJobsCheap) {
     DynamicThreadPool pool(1, 0s);
     Gate gate;
     prctl(PR_SET_THP_DISABLE, 1, 0, 0, 0); // keeps the kernel from giving each stack a 2 MiB page
-    auto const before = GetResidentBytes();
-    for (int count = 0; count < 1000; ++count) pool.Post([&] { gate.WaitAsJob(); });
-    ASSERT_TRUE(gate.WaitForWaiting(1000));
-    auto const each = (GetResidentBytes() - before) / 1000;
+    auto const before = GetMemory().resident;
+    ASSERT_TRUE(LetWait(pool, gate, 1000));
+    auto const each = (GetMemory().resident - before) / 1000;
     gate.Open();
     EXPECT_TRUE(test::Eventually([&] { return pool.GetThreadCount() == 1; }));
 #ifndef ZARN_SANITIZED
@@ -241,9 +234,7 @@ TEST(DynamicThreadPool, StartsNoMoreThreadsThanThereAreProcessorsForJobsThatOnly
 
 TEST(DynamicThreadPool, TreatsNoProcessorsAsOne) {
     DynamicThreadPool pool(0, 10s, 0);
-    std::promise<void> ran;
-    pool.Post([&] { ran.set_value(); });
-    ran.get_future().get();
+    RunJob(pool);
 }
 
 TEST(DynamicThreadPool, RunsJobsInTheirOrder) {
@@ -260,8 +251,7 @@ TEST(DynamicThreadPool, QueuesAJobBehindARunningOneWhenNoThreadCanBeStarted) {
     Gate gate;
     std::promise<void> ran;
     bool hasFailed = false;
-    pool.Post([&] { gate.Wait(); });
-    ASSERT_TRUE(gate.WaitForWaiting(1));
+    ASSERT_TRUE(Occupy(pool, gate));
     {
         test::ThreadFailure const failure([&] { hasFailed = true; });
         pool.Post([&] { ran.set_value(); });

@@ -14,13 +14,14 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <future>
 #include <mutex>
 #include <string>
 #include <thread>
 
 namespace zarn::job {
 
-inline constexpr std::chrono::seconds Patience(20);
+inline constexpr std::chrono::seconds Patience(60);
 
 /// Blocks jobs until it is opened. The destructor opens it so that a failed test does not hang.
 class Gate {
@@ -68,6 +69,25 @@ private:
     bool open = false;
 };
 
+/// Posts a job that blocks at the gate, with its turn, and waits until it does.
+[[nodiscard]] inline bool Occupy(DynamicThreadPool& pool, Gate& gate) {
+    pool.Post([&gate] { gate.Wait(); });
+    return gate.WaitForWaiting(1);
+}
+
+/// Posts jobs that wait at the gate, without a turn, and waits until all do.
+[[nodiscard]] inline bool LetWait(DynamicThreadPool& pool, Gate& gate, std::size_t count = 1) {
+    for (std::size_t posted = 0; posted < count; ++posted) pool.Post([&gate] { gate.WaitAsJob(); });
+    return gate.WaitForWaiting(count);
+}
+
+/// Posts a job and waits until it runs.
+inline void RunJob(DynamicThreadPool& pool) {
+    std::promise<void> ran;
+    pool.Post([&ran] { ran.set_value(); });
+    ran.get_future().get();
+}
+
 /// Makes `most` at least this value.
 inline void RaiseTo(std::atomic<int>& most, int value) {
     for (int present = most; present < value && !most.compare_exchange_weak(present, value);) continue;
@@ -82,13 +102,17 @@ inline std::size_t GetStackSizeOfThisThread() {
     return size;
 }
 
-/// Memory in use by this process.
-inline std::size_t GetResidentBytes() {
-    std::ifstream file("/proc/self/statm");
+/// Memory of this process in bytes: its address space, and what of it is in use.
+struct Memory {
     std::size_t total = 0;
     std::size_t resident = 0;
-    file >> total >> resident;
-    return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+};
+
+inline Memory GetMemory() {
+    Memory pages;
+    std::ifstream("/proc/self/statm") >> pages.total >> pages.resident;
+    auto const page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    return {pages.total * page, pages.resident * page};
 }
 
 /// Number of voluntary context switches of this process's pool threads, one for each wait.

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <mutex>
+#include <unordered_set>
+#include <vector>
+
+namespace zarn::host::web {
+
+class Connection;
+
+/// The connections of a server that live. Thread: any.
+class LivingConnections {
+public:
+    /// Adds a connection, which has to remove itself in its destructor.
+    void Add(Connection& connection);
+    void Remove(Connection& connection) noexcept;
+
+    /// All of them, or those that are overdue.
+    std::vector<std::shared_ptr<Connection>> GetAll() const;
+    std::vector<std::shared_ptr<Connection>> GetOverdue(std::chrono::steady_clock::time_point now) const;
+
+private:
+    template <class IsWanted>
+    std::vector<std::shared_ptr<Connection>> Get(IsWanted isWanted) const;
+
+    mutable std::mutex mutex; ///< guards the list, and its members from destruction while it is held
+    std::unordered_set<Connection*> connections;
+};
+
+} // namespace zarn::host::web
