@@ -41,6 +41,9 @@ constexpr std::array FixedPaths{"identity", RtspPortPath};
 /// How often the queues of the subscriptions are checked.
 constexpr std::chrono::seconds QueueInterval{1};
 
+/// How often unused memory goes back to the system.
+constexpr std::chrono::seconds TrimInterval{30};
+
 std::vector<int> const EndingSignals{SIGTERM, SIGINT};
 
 /// The web server's threads never wait. One for every two processors leaves the others to the module's workers, which
@@ -75,6 +78,7 @@ Application::Application(Preparation prepared)
                      ReportLowMemory();
                      queueWatch.CheckQueues(events::ReadQueuedWarning(*preparation.configuration));
                  }),
+      trimTimer(control.get_executor(), TrimInterval, "Giving memory back failed", TrimHeap),
       speaksTls(preparation.tls != nullptr),
       appliers(MakeAppliers()) {
     auto& root = *preparation.configuration;
@@ -110,6 +114,7 @@ Application::Application(Preparation prepared)
     }
     changes = root.Bind([this](auto const&) { ScheduleApply(); });
     queueTimer.Start();
+    trimTimer.Start();
     AwaitSignals(endSignals, [this](int signal) { End(signal); });
     AwaitSignals(reloadSignals, [this](int) { Reload(); });
 }

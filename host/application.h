@@ -101,6 +101,7 @@ private:
     events::QueueWatch queueWatch;
     unsigned long reportedAllocations = 0; ///< that had to wait for memory
     web::RepeatingTimer queueTimer;
+    web::RepeatingTimer trimTimer;
     std::shared_ptr<routes::OnvifRoute> onvif;
     std::shared_ptr<web::Admission> admission = std::make_shared<web::Admission>();
     std::unique_ptr<web::Server> server;

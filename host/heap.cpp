@@ -33,6 +33,8 @@ void WaitForMemory() {
 
 } // namespace
 
+void TrimHeap() { malloc_trim(0); }
+
 void RetryAllocations(std::chrono::milliseconds longest) {
     longestWait = longest;
     std::set_new_handler(WaitForMemory);

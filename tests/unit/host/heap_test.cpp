@@ -2,16 +2,19 @@
 
 #include <gtest/gtest.h>
 #include <malloc.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <latch>
 #include <memory>
 #include <new>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace zarn::host {
@@ -78,6 +81,28 @@ TEST(Heap, DoesNotMapBlocksOfTheSizeOfAnExchange) {
     auto const before = mallinfo2().hblks;
     std::unique_ptr<void, decltype(&std::free)> const memory(std::malloc(160 * 1024), &std::free);
     EXPECT_EQ(mallinfo2().hblks, before) << "each exchange would map and unmap memory";
+}
+
+/// Resident memory of this process that belongs to no file, in bytes. Source: proc_pid_statm(5).
+std::ptrdiff_t GetOwnMemory() {
+    std::ptrdiff_t size = 0;
+    std::ptrdiff_t resident = 0;
+    std::ptrdiff_t shared = 0;
+    std::ifstream("/proc/self/statm") >> size >> resident >> shared;
+    return (resident - shared) * sysconf(_SC_PAGESIZE);
+}
+
+TEST(Heap, GivesBackWhatLiesBelowUsedMemory) {
+    LimitHeap();
+    constexpr std::size_t Size = 100'000;
+    constexpr int Number = 300;
+    std::vector<std::vector<char>> blocks;
+    for (int i = 0; i < Number; ++i) blocks.emplace_back(Size, 'x');
+    auto const last = std::move(blocks.back());
+    blocks.clear();
+    auto const before = GetOwnMemory();
+    TrimHeap();
+    EXPECT_LT(GetOwnMemory(), before - std::ptrdiff_t{Size} * Number / 2);
 }
 
 #endif
