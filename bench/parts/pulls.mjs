@@ -1,9 +1,13 @@
+import {postEvents} from '../../tests/interop/soap.mjs';
 import {Program, measureShare, pathOf, pause, sizeOf, startHost} from '../program.mjs';
 import {atMost, show} from '../report.mjs';
 
 export const title = 'PullMessages that wait, and one event that answers all of them';
 
 const settleSeconds = 2; // until the host has taken the last pulls
+
+// Until idle workers have ended and the host has given memory back, which it does every half minute.
+const restSeconds = 45;
 
 // [pulls, rounds]
 const loads = [[100, 50], [1000, 20], [5000, 5]];
@@ -23,7 +27,10 @@ async function measureLoad(context, pulls, rounds) {
         const {residentKib, threads} = sizeOf(host.pid);
         clients.child.stdin.end();
         await clients.finish();
-        return {...latency, share: waiting - idle, idle, kib: (residentKib - before) / pulls, threads};
+        await postEvents(host, [{type: 'count', count: 1}]); // the host's exchanges wait for it though their clients have gone
+        await pause(context.seconds(restSeconds));
+        const after = sizeOf(host.pid).residentKib;
+        return {...latency, share: waiting - idle, idle, kib: (residentKib - before) / pulls, threads, before, after};
     } finally {
         await host.stop();
     }
@@ -33,7 +40,7 @@ export async function measure(context) {
     const {report, processors} = context;
     const {pullUs} = await context.measureBare();
     for (const [pulls, rounds] of loads) {
-        const {p50, p99, last, client, share, idle, kib, threads} = await measureLoad(context, pulls, rounds);
+        const {p50, p99, last, client, share, idle, kib, threads, before, after} = await measureLoad(context, pulls, rounds);
         const bare = pullUs / 1000 * pulls / processors; // milliseconds for so many exchanges in gSOAP alone, on all processors
         const count = show(pulls);
         const against = `${count} bare exchanges ${show(bare)} ms`;
@@ -47,5 +54,7 @@ export async function measure(context) {
             pulls === 1000 ? {value: share, aim: atMost(0.3, ' %')} : {});
         report.add(`memory of each of ${count} waiting pulls`, `${show(kib)} KiB resident; ${show(threads)} threads in all`,
             pulls === 5000 ? {value: kib, aim: atMost(100, ' KiB')} : {});
+        report.add(`memory when ${count} pulls have ended`,
+            `${show(after / 1024)} MiB resident, ${show(before / 1024)} MiB before the first of them`);
     }
 }
