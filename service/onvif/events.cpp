@@ -134,6 +134,9 @@ bool EventsService::WaitForEvents(Subscription& subscription, steady_clock::time
         if (!subscription.WaitForEvents(begin + LongWait, isStopped, oldest)) return false;
         if (*oldest || isStopped()) return true;
         ReleaseUnusedMemory(soap);
+        bool const isAlive = subscription.WaitForEvents(deadline, isStopped, oldest);
+        ReclaimMemory(soap);
+        return isAlive;
     }
     return subscription.WaitForEvents(deadline, isStopped, oldest);
 }

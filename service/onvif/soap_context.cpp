@@ -108,6 +108,14 @@ void ReleaseUnusedMemory(soap* soap) {
     release(at);
 }
 
+void ReclaimMemory(soap* soap) {
+    auto const page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    auto* const tables = reinterpret_cast<char*>(soap->iht); // of ids, and then of pointers
+    auto* const begin = tables - reinterpret_cast<std::uintptr_t>(tables) % page;
+    madvise(begin, static_cast<std::size_t>(reinterpret_cast<char*>(soap->pht + SOAP_PTRHASH) - begin),
+            MADV_POPULATE_WRITE);
+}
+
 bool IsEnding(soap const* soap) {
     auto const* ending = static_cast<std::atomic<bool> const*>(soap->user);
     return ending && *ending;

@@ -4,10 +4,16 @@
 
 #include <gtest/gtest.h>
 #include <soapH.h>
+#include <sys/mman.h>
+#include <unistd.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <cstring>
+#include <memory>
 #include <sstream>
 #include <string>
+#include <vector>
 
 namespace zarn::service::onvif {
 namespace {
@@ -16,6 +22,14 @@ using test::CountResidentPages;
 
 /// The bytes of a context.
 std::string Copy(soap const* soap) { return {reinterpret_cast<char const*>(soap), sizeof(struct soap)}; }
+
+/// Whether the kernel is new enough.
+bool CanTakeMemoryAtOnce() {
+    auto const page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    std::vector<char> memory(2 * page);
+    auto* const begin = memory.data() + (page - reinterpret_cast<std::uintptr_t>(memory.data()) % page);
+    return madvise(begin, page, MADV_POPULATE_WRITE) == 0;
+}
 
 /// A context that has read the beginning of a message.
 std::shared_ptr<soap> MakeBusy(std::istream& input) {
@@ -41,6 +55,18 @@ TEST(UnusedMemoryOfAContext, IsNothingThatTheContextNeeds) {
     EXPECT_EQ(Copy(context.get()), before);
     EXPECT_EQ(soap_element_begin_in(context.get(), "a", 0, nullptr), SOAP_OK);
     EXPECT_STREQ(soap_string_in(context.get(), 0, 0, -1, nullptr), "text");
+}
+
+TEST(UnusedMemoryOfAContext, IsTakenBackAtOnceAndHoldsTheSame) {
+    std::istringstream input("POST / HTTP/1.1\r\nContent-Length: 4\r\n\r\n<a/>");
+    auto const context = MakeBusy(input);
+    auto const content = Copy(context.get());
+    auto const before = CountResidentPages(&context->pht);
+    ReleaseUnusedMemory(context.get());
+    EXPECT_EQ(CountResidentPages(&context->pht), 0);
+    ReclaimMemory(context.get());
+    EXPECT_EQ(CountResidentPages(&context->pht), CanTakeMemoryAtOnce() ? before : 0);
+    EXPECT_EQ(Copy(context.get()), content);
 }
 
 TEST(UnusedMemoryOfAContext, CanBeGivenBackAgain) {
