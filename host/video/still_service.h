@@ -37,7 +37,7 @@ public:
     static constexpr std::chrono::milliseconds GreatestAge{2000};
 
     /// The greatest age of a picture that will do while other channels wait. Leaves time to decode it.
-    static constexpr std::chrono::milliseconds GreatestAgeInHaste{1500};
+    static constexpr std::chrono::milliseconds GreatestAgeInHaste{1800};
 
     /// What the service remembers of one channel. Kept by the channel's owner, guarded by the service.
     class Slot {
