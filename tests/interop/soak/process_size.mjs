@@ -1,12 +1,36 @@
 // Resources used by a process, from proc(5).
-import {readFileSync, readdirSync} from 'node:fs';
+import {readFileSync, readdirSync, readlinkSync} from 'node:fs';
 
-// Returns {residentKib, ownKib, threads, descriptors}; throws when there is no such process. ownKib is the part of the resident memory
-// that belongs to no file: the kernel maps and reclaims the pages of program files as it likes.
+const listening = '0A';
+const established = '01';
+
+// Inodes of the connections to a process's ports that neither side has closed.
+function findOpenConnections(pid) {
+    const sockets = ['tcp', 'tcp6'].flatMap(table => readFileSync(`/proc/${pid}/net/${table}`, 'latin1').trim().split('\n').slice(1))
+        .map(line => line.trim().split(/\s+/))
+        .map(([, local, , state, , , , , , inode]) => ({port: local.split(':')[1], state, inode}));
+    const ports = new Set(sockets.filter(({state}) => state === listening).map(({port}) => port));
+    return new Set(sockets.filter(({port, state}) => state === established && ports.has(port)).map(({inode}) => inode));
+}
+
+function countDescriptors(pid) {
+    const open = findOpenConnections(pid);
+    const folder = `/proc/${pid}/fd`;
+    return readdirSync(folder).filter(name => {
+        try {
+            const [, inode] = /^socket:\[(\d+)\]$/.exec(readlinkSync(`${folder}/${name}`)) ?? [];
+            return !open.has(inode);
+        } catch {
+            return false; // closed since
+        }
+    }).length;
+}
+
+// Returns {residentKib, ownKib, threads, descriptors}; throws when there is no such process.
+// ownKib       the resident memory that belongs to no file; the kernel maps and reclaims the pages of program files as it likes
+// descriptors  without connections that neither side has closed: clients decide how long they keep these
 export function measure(pid) {
     const status = readFileSync(`/proc/${pid}/status`, 'utf8');
     const field = name => Number(new RegExp(`^${name}:\\s*(\\d+)`, 'm').exec(status)[1]);
-    return {
-        residentKib: field('VmRSS'), ownKib: field('RssAnon'), threads: field('Threads'), descriptors: readdirSync(`/proc/${pid}/fd`).length,
-    };
+    return {residentKib: field('VmRSS'), ownKib: field('RssAnon'), threads: field('Threads'), descriptors: countDescriptors(pid)};
 }
