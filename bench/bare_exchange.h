@@ -14,13 +14,13 @@ namespace zarn::bench {
 /// A request as one HTTP message.
 std::string ToText(Request const& request);
 
-/// An exchange in gSOAP alone: a context, the digest plugin and streams. What the module is compared with.
+/// An exchange in gSOAP alone: a context, the digest plugin and streams. The baseline for the module.
 class BareExchange {
 public:
     /// request  one HTTP message
     explicit BareExchange(std::string const& request);
 
-    /// For the service that answers.
+    /// The context to construct the answering service with.
     struct soap* GetContext() const noexcept {
         return context.get();
     }

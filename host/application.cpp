@@ -78,7 +78,7 @@ Application::Application(Preparation prepared)
                      ReportLowMemory();
                      queueWatch.CheckQueues(events::ReadQueuedWarning(*preparation.configuration));
                  }),
-      trimTimer(control.get_executor(), TrimInterval, "Giving memory back failed", TrimHeap),
+      trimTimer(control.get_executor(), TrimInterval, "Returning unused memory to the system failed", TrimHeap),
       speaksTls(preparation.tls != nullptr),
       appliers(MakeAppliers()) {
     auto& root = *preparation.configuration;

@@ -8,8 +8,8 @@ namespace zarn::host {
 /// all, while the process has one thread. Source: mallopt(3).
 void LimitHeap();
 
-/// Gives the memory that the heap does not use back to the system. The heap only does so at its end, so that a few
-/// small allocations keep what lies before them. Takes about a millisecond. Thread: any. Source: malloc_trim(3).
+/// Returns the pages that the heap does not use to the system. By itself the heap shrinks only at its end, where one
+/// small allocation can hold back everything before it. Thread: any. Source: malloc_trim(3).
 void TrimHeap();
 
 /// From now on a failed allocation is retried for up to `longest` before std::bad_alloc is thrown, because other

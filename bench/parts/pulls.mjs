@@ -27,7 +27,7 @@ async function measureLoad(context, pulls, rounds) {
         const {residentKib, threads} = sizeOf(host.pid);
         clients.child.stdin.end();
         await clients.finish();
-        await postEvents(host, [{type: 'count', count: 1}]); // the host's exchanges wait for it though their clients have gone
+        await postEvents(host, [{type: 'count', count: 1}]); // ends the exchanges, which still wait although their clients have gone
         await pause(context.seconds(restSeconds));
         const after = sizeOf(host.pid).residentKib;
         return {...latency, share: waiting - idle, idle, kib: (residentKib - before) / pulls, threads, before, after};

@@ -55,9 +55,9 @@ void StillService::Work(std::stop_token const& stop) {
     while (wake.wait(lock, stop, [this] { return !queue.empty(); }) && !stop.stop_requested()) {
         auto const slot = std::move(queue.front());
         queue.pop_front();
-        bool const isInHaste = !queue.empty();
+        bool const othersWait = !queue.empty();
         lock.unlock();
-        auto const answer = Make(*slot, isInHaste, stop);
+        auto const answer = Make(*slot, othersWait, stop);
         lock.lock();
         if (stop.stop_requested()) break;
         auto const waiters = std::exchange(slot->waiters, {});
@@ -70,7 +70,7 @@ void StillService::Work(std::stop_token const& stop) {
     }
 }
 
-Snapshot StillService::Make(Slot& slot, bool isInHaste, std::stop_token const& stop) {
+Snapshot StillService::Make(Slot& slot, bool othersWait, std::stop_token const& stop) {
     auto recent = slot.stream->GetRecent();
     if (!recent) return Refuse(SnapshotError::NoFrame, "the channel has no video");
     auto& units = recent->units;
@@ -78,8 +78,9 @@ Snapshot StillService::Make(Slot& slot, bool isInHaste, std::stop_token const& s
     if (now - units.back()->arrived >= GreatestAge) {
         return Refuse(SnapshotError::NoFrame, "the newest picture is too old");
     }
-    if (isInHaste && now - units.front()->arrived < GreatestAgeInHaste) {
-        // Only the worker that has the slot changes these two. Pictures must not go back in time.
+    if (othersWait && now - units.front()->arrived < GreatestAgeWhileOthersWait) {
+        // Needs no lock: only the worker that has the slot changes its picture. Never give an older picture than last
+        // time.
         if (slot.jpeg && slot.arrived >= units.front()->arrived) return {SnapshotError::None, {}, slot.jpeg};
         units.resize(1);
     }

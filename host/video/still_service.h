@@ -17,8 +17,9 @@
 namespace zarn::host::video {
 
 /// Makes still images on request, on a few threads of its own. Requests for one channel share one decoding, and its
-/// result for a moment longer. While other channels wait, a channel's key frame, which decodes without others, or its
-/// last still image will do if it is young. A request that is not served in time gets an error. Thread: any.
+/// result for a moment longer. While other channels wait, the answer is the key frame, which decodes without other
+/// frames, or the last still image, whichever is newer, if the key frame is young. A request that is not served in time
+/// gets an error. Thread: any.
 class StillService {
 public:
     using Done = std::function<void(Snapshot)>;
@@ -36,8 +37,8 @@ public:
     /// A picture's greatest age when it is given out.
     static constexpr std::chrono::milliseconds GreatestAge{2000};
 
-    /// The greatest age of a picture that will do while other channels wait. Leaves time to decode it.
-    static constexpr std::chrono::milliseconds GreatestAgeInHaste{1800};
+    /// The greatest age of a key frame that is used while other channels wait; leaves 200 ms to decode it.
+    static constexpr std::chrono::milliseconds GreatestAgeWhileOthersWait{1800};
 
     /// What the service remembers of one channel. Kept by the channel's owner, guarded by the service.
     class Slot {
@@ -81,7 +82,7 @@ private:
 
     void Work(std::stop_token const& stop);
     void Expire(std::stop_token const& stop);
-    Snapshot Make(Slot& slot, bool isInHaste, std::stop_token const& stop);
+    Snapshot Make(Slot& slot, bool othersWait, std::stop_token const& stop);
     std::vector<Slot::Waiter> TakeExpired(Clock::time_point now);
 
     Bounds const bounds;

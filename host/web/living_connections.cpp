@@ -19,20 +19,20 @@ void LivingConnections::Remove(Connection& connection) noexcept {
 }
 
 std::vector<std::shared_ptr<Connection>> LivingConnections::GetAll() const {
-    return Get([](auto const&) { return true; });
+    return Select([](auto const&) { return true; });
 }
 
 std::vector<std::shared_ptr<Connection>>
 LivingConnections::GetOverdue(std::chrono::steady_clock::time_point now) const {
-    return Get([now](Connection const& each) { return each.IsOverdue(now); });
+    return Select([now](Connection const& each) { return each.IsOverdue(now); });
 }
 
 template <class IsWanted>
-std::vector<std::shared_ptr<Connection>> LivingConnections::Get(IsWanted isWanted) const {
+std::vector<std::shared_ptr<Connection>> LivingConnections::Select(IsWanted isWanted) const {
     std::vector<std::shared_ptr<Connection>> wanted;
     std::lock_guard const lock(mutex);
     auto const count = std::ranges::count_if(connections, [&](auto const* each) { return isWanted(*each); });
-    // Each reference goes straight into `wanted`, which is destroyed after the lock: destroying a connection takes it.
+    // Each reference goes straight into `wanted`, which outlives the lock: a connection's destructor takes it, too.
     wanted.reserve(static_cast<std::size_t>(count));
     for (auto* const each : connections) {
         if (wanted.size() == wanted.capacity()) break;

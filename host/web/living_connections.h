@@ -10,7 +10,7 @@ namespace zarn::host::web {
 
 class Connection;
 
-/// The connections of a server that live. Thread: any.
+/// A server's live connections. Thread: any.
 class LivingConnections {
 public:
     /// Adds a connection, which has to remove itself in its destructor.
@@ -23,9 +23,9 @@ public:
 
 private:
     template <class IsWanted>
-    std::vector<std::shared_ptr<Connection>> Get(IsWanted isWanted) const;
+    std::vector<std::shared_ptr<Connection>> Select(IsWanted isWanted) const;
 
-    mutable std::mutex mutex; ///< guards the list, and its members from destruction while it is held
+    mutable std::mutex mutex; ///< guards the list; while it is held, no connection in it is destroyed
     std::unordered_set<Connection*> connections;
 };
 

@@ -135,7 +135,7 @@ bool EventsService::WaitForEvents(Subscription& subscription, steady_clock::time
         if (*oldest || isStopped()) return true;
         ReleaseUnusedMemory(soap);
         bool const isAlive = subscription.WaitForEvents(deadline, isStopped, oldest);
-        ReclaimMemory(soap);
+        PopulateMemory(soap);
         return isAlive;
     }
     return subscription.WaitForEvents(deadline, isStopped, oldest);

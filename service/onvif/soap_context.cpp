@@ -108,7 +108,7 @@ void ReleaseUnusedMemory(soap* soap) {
     release(at);
 }
 
-void ReclaimMemory(soap* soap) {
+void PopulateMemory(soap* soap) {
     auto const page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
     auto* const tables = reinterpret_cast<char*>(soap->iht); // of ids, and then of pointers
     auto* const begin = tables - reinterpret_cast<std::uintptr_t>(tables) % page;

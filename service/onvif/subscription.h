@@ -111,9 +111,10 @@ private:
     boost::asio::system_timer timer{context.Get()}; ///< its expiry is the termination time
     EventQueue events;
     bool hasEnded = false;
-    unsigned waiting = 0;              ///< threads in WaitForEvents
-    std::atomic<bool> hasNews = false; ///< an event arrived for a waiting thread that is still to be notified; no mutex
-    job::ConditionVariable changed;    ///< an event arrived, the subscription ended, or waiting is to stop
+    unsigned waiting = 0; ///< threads in WaitForEvents
+    std::atomic<bool> hasNews =
+        false; ///< an event arrived while a thread waits, which is still to be notified; not guarded
+    job::ConditionVariable changed; ///< an event arrived, the subscription ended, or waiting is to stop
 };
 
 } // namespace zarn::service::onvif

@@ -48,8 +48,8 @@ std::string GetSessionId(Request const& request) {
 constexpr std::array<std::string_view, 8> Methods{"OPTIONS", "DESCRIBE", "GET_PARAMETER", "PAUSE",
                                                   "PLAY",    "SETUP",    "SET_PARAMETER", "TEARDOWN"};
 
-/// The answer to a request that reads and changes nothing, with or without a session; none: it is not such a request.
-std::optional<Response> AnswerAnyone(Request const& request) {
+/// The answer to OPTIONS, GET_PARAMETER and SET_PARAMETER, which need no session here; none for other methods.
+std::optional<Response> AnswerStateless(Request const& request) {
     if (request.method.ends_with("_PARAMETER"))
         return Response{request.body.empty() ? Status::Ok : Status::ParameterNotUnderstood};
     if (request.method != "OPTIONS") return std::nullopt;
@@ -214,7 +214,7 @@ void Connection::OnRequest(Request const& request) {
     if (request.method == "DESCRIBE") return Reply(AnswerDescribe(request), sequence);
     if (request.method == "SETUP") return Reply(AnswerSetUp(request), sequence);
     auto const id = GetSessionId(request);
-    if (id.empty()) return Reply(AnswerAnyone(request).value_or(Response{Status::SessionNotFound}), sequence);
+    if (id.empty()) return Reply(AnswerStateless(request).value_or(Response{Status::SessionNotFound}), sequence);
     auto* const owner = site->FindWorker(id);
     if (owner == nullptr) return Reply({Status::SessionNotFound}, sequence);
     AnswerInSession(request, id, *owner);
@@ -234,7 +234,7 @@ void Connection::AnswerInSession(Request const& request, std::string const& id, 
         if (!session || (session->IsInterleaved() && !session->UsesOutlet(*asker))) return answered;
         answered.session = session;
         session->Touch(Clock::now());
-        if (auto response = AnswerAnyone(request)) {
+        if (auto response = AnswerStateless(request)) {
             answered.response = *std::move(response);
             answered.response.fields.emplace_back("Session", id);
         } else if (auto const path = ParseStreamPath(request.uri)) {

@@ -55,7 +55,7 @@ void UdpOutlet::SendBurst() {
                 self->isPausing = false;
                 self->SendBurst();
             });
-            isPausing = true; // not before: without memory for the wait, the next unit tries again
+            isPausing = true; // set last: if the wait cannot begin, the next unit must try again
             return;
         }
         if (!transfer->IsDone()) left -= SendSome(left);

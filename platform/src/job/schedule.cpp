@@ -10,7 +10,7 @@ void Schedule::AddThread() {
 void Schedule::RemoveThread(bool hasTurn) {
     --threads;
     if (hasTurn) --running;
-    PassTurns();
+    GrantFreeTurns();
 }
 
 bool Schedule::Post(Task& task) {
@@ -26,15 +26,15 @@ bool Schedule::Post(Task& task) {
 }
 
 bool Schedule::Queue(Task& task) {
-    if (!HasFuture()) return false;
+    if (!CanRunQueued()) return false;
     queue.push_back(std::move(task));
-    PassTurns();
+    GrantFreeTurns();
     return true;
 }
 
 std::list<Task> Schedule::RemoveStranded() noexcept {
     std::list<Task> stranded;
-    if (!HasFuture()) std::swap(stranded, queue);
+    if (!CanRunQueued()) std::swap(stranded, queue);
     return stranded;
 }
 
@@ -43,7 +43,7 @@ bool Schedule::FindTask(Worker& worker) { return worker.hasTurn && (worker.task.
 void Schedule::AddIdle(Worker& worker) {
     if (worker.hasTurn.exchange(false)) --running;
     idle.push_back(&worker);
-    PassTurns();
+    GrantFreeTurns();
 }
 
 void Schedule::Retire(Worker& worker) {
@@ -58,14 +58,14 @@ void Schedule::NotifyIdle() const noexcept {
 bool Schedule::ConsumeWake(Worker& worker) noexcept { return std::exchange(worker.isWoken, false); }
 
 bool Schedule::Sleep(Worker& worker) {
-    // When it is the queue's turn and no thread is idle, a new one gets the turn: else jobs that go on and sleep again
-    // would hand it to each other.
+    // When it is the queue's turn and no thread is idle, a new one gets the turn: otherwise jobs that keep waking and
+    // sleeping would hand it to each other and starve the queue.
     bool const needsThread = !queue.empty() && idle.empty() && (queueIsNext || firstInLine == nullptr);
     if (needsThread) AddThread();
     worker.hasTurn = false;
     if (needsThread) return true;
     --running;
-    PassTurns();
+    GrantFreeTurns();
     return false;
 }
 
@@ -79,7 +79,7 @@ void Schedule::Wake(Worker& worker) {
     worker.behind = nullptr;
     (firstInLine == nullptr ? firstInLine : lastInLine->behind) = &worker;
     lastInLine = &worker;
-    PassTurns();
+    GrantFreeTurns();
 }
 
 /// Hands a task, and the turn that has been taken for it, to the worker that became idle last.
@@ -101,7 +101,7 @@ bool Schedule::TakeQueued(Task& task) {
 }
 
 /// Gives a turn to the job that has been in the line longest.
-bool Schedule::LetGoOn() {
+bool Schedule::ResumeFirstInLine() {
     if (firstInLine == nullptr) return false;
     queueIsNext = true;
     auto& worker = *std::exchange(firstInLine, firstInLine->behind);
@@ -112,11 +112,11 @@ bool Schedule::LetGoOn() {
 }
 
 /// Gives the free turns to jobs that go on, and to idle workers for tasks of the queue.
-void Schedule::PassTurns() {
+void Schedule::GrantFreeTurns() {
     for (Task task; running < processors; ++running) {
         if (!idle.empty() && TakeQueued(task))
             GiveToIdle(task);
-        else if (!LetGoOn())
+        else if (!ResumeFirstInLine())
             return;
     }
 }

@@ -17,10 +17,9 @@ struct Task {
     EndNotice::Function ended;
 };
 
-/// Which workers of a pool run: a turn is the right to run, and there are as many turns as processors. A worker whose
-/// job sleeps has no turn. The jobs that go on after they have slept stand in line, the tasks that no worker has yet
-/// are in the queue; free turns go to the line and to the queue alternately. This only keeps the books: it starts no
-/// thread and waits for nothing. Thread: one at a time.
+/// Decides which workers of a pool may run. A worker needs a turn to run, and there is one turn per processor. A job
+/// that sleeps gives its turn up. A woken job waits in the line, a new task in the queue; free turns go to the two
+/// alternately. Holds state only: starts no thread and never blocks. Thread: one at a time, except for HasTurn.
 class Schedule {
 public:
     /// A thread of the pool.
@@ -43,11 +42,11 @@ public:
     private:
         friend Schedule;
 
-        /// It has got a turn, or is to check whether it has to end. Must not call the schedule.
+        /// Wakes the worker's thread: it has a turn, or must check whether to end. Must not call the schedule.
         virtual void Notify() noexcept = 0;
 
         std::atomic<bool> hasTurn;
-        bool isWoken = false;     ///< before its job slept
+        bool isWoken = false;     ///< before its job slept; see ConsumeWake
         bool isInLine = false;    ///< of the jobs that go on
         Worker* behind = nullptr; ///< in that line
     };
@@ -61,7 +60,7 @@ public:
     /// Counts a thread that is about to be started. Throws std::bad_alloc.
     void AddThread();
 
-    /// The thread could not be started.
+    /// Uncounts a thread that could not be started.
     /// hasTurn  whether a turn was taken for it, which is given back
     void RemoveThread(bool hasTurn);
 
@@ -86,7 +85,7 @@ public:
     /// Whether the worker has a turn and a task; it takes one out of the queue unless a job in the line comes first.
     bool FindTask(Worker& worker);
 
-    /// The worker waits for a task. It gives its turn back, if it has one.
+    /// Marks the worker as idle and takes its turn back, if it has one.
     void AddIdle(Worker& worker);
 
     /// The thread of an idle worker ends.
@@ -95,23 +94,24 @@ public:
     /// Notifies every idle worker.
     void NotifyIdle() const noexcept;
 
-    /// Whether the worker's job was woken before it slept: it must not sleep then.
+    /// Returns true, and forgets the wake, if the job was woken before it could sleep. It must not sleep then.
     static bool ConsumeWake(Worker& worker) noexcept;
 
-    /// The worker's job sleeps: its turn goes to another. Returns true when a new thread has to take it, for the queue;
-    /// the thread is counted. Throws std::bad_alloc, with the turn kept.
+    /// Takes the turn from a worker whose job goes to sleep, and passes it on. Returns true when the caller must start
+    /// a thread to run a queued task; that thread is counted and has the turn. Throws std::bad_alloc, with the turn
+    /// kept.
     bool Sleep(Worker& worker);
 
-    /// The worker's job wants to go on. It stands in line until it has a turn; if it does not sleep, it keeps the wake.
+    /// Puts a sleeping job in the line for a turn. If the job does not sleep yet, records the wake for ConsumeWake.
     void Wake(Worker& worker);
 
 private:
-    bool HasFuture() const noexcept { return running > 0 || !idle.empty(); }
+    bool CanRunQueued() const noexcept { return running > 0 || !idle.empty(); }
 
     void GiveToIdle(Task& task);
     bool TakeQueued(Task& task);
-    bool LetGoOn();
-    void PassTurns();
+    bool ResumeFirstInLine();
+    void GrantFreeTurns();
 
     std::size_t const processors;
     std::size_t threads = 0; ///< started or being started

@@ -26,11 +26,11 @@ function countDescriptors(pid) {
     }).length;
 }
 
-// Returns {residentKib, ownKib, threads, descriptors}; throws when there is no such process.
-// ownKib       the resident memory that belongs to no file; the kernel maps and reclaims the pages of program files as it likes
-// descriptors  without connections that neither side has closed: clients decide how long they keep these
+// Returns {residentKib, anonymousKib, threads, descriptors}; throws when there is no such process.
+// anonymousKib  resident memory without file pages, which the kernel may drop and reload at any time
+// descriptors   without open connections from clients, because clients decide how long to keep them
 export function measure(pid) {
     const status = readFileSync(`/proc/${pid}/status`, 'utf8');
     const field = name => Number(new RegExp(`^${name}:\\s*(\\d+)`, 'm').exec(status)[1]);
-    return {residentKib: field('VmRSS'), ownKib: field('RssAnon'), threads: field('Threads'), descriptors: countDescriptors(pid)};
+    return {residentKib: field('VmRSS'), anonymousKib: field('RssAnon'), threads: field('Threads'), descriptors: countDescriptors(pid)};
 }

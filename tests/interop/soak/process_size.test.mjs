@@ -6,7 +6,7 @@ import {test} from 'node:test';
 
 import {measure} from './process_size.mjs';
 
-// Calls use(server, client, connection): a connection within this process.
+// Connects this process to itself, then calls use(client, connection) with both ends.
 async function withConnection(use) {
     const server = createServer({allowHalfOpen: true}).listen(0, '127.0.0.1');
     await once(server, 'listening');
@@ -39,14 +39,14 @@ test('a connection that a client keeps is not counted, one that the client has c
     });
 });
 
-test('a connection to another program is counted', async () => {
+test('a listening port and an outgoing connection are counted', async () => {
     const before = measure(process.pid).descriptors;
-    await withConnection(() => assert.equal(measure(process.pid).descriptors, before + 2)); // the port and the client's end
+    await withConnection(() => assert.equal(measure(process.pid).descriptors, before + 2));
 });
 
-test('memory without files is part of the resident memory', () => {
-    const {residentKib, ownKib} = measure(process.pid);
-    assert.ok(ownKib > 0 && ownKib < residentKib);
+test('anonymous memory is part of the resident memory', () => {
+    const {residentKib, anonymousKib} = measure(process.pid);
+    assert.ok(anonymousKib > 0 && anonymousKib < residentKib);
 });
 
 test('a process that does not exist is an error', () => assert.throws(() => measure(2 ** 22 + 1)));

@@ -19,10 +19,10 @@ import {judge} from './verdict.mjs';
 const eventsPerSecond = 5; // per source
 const busySeconds = 45; // of each minute; then only permanent clients remain, so that leaks show
 const brokerPort = 1883;
-const columns = ['second', 'residentKib', 'ownKib', 'threads', 'descriptors', 'latencyMs', 'eventsSent', 'eventsReceived'];
+const columns = ['second', 'residentKib', 'anonymousKib', 'threads', 'descriptors', 'latencyMs', 'eventsSent', 'eventsReceived'];
 const panels = [
     {column: 'residentKib', title: 'Resident memory (KiB)'},
-    {column: 'ownKib', title: 'Resident memory without the pages of program files (KiB)'},
+    {column: 'anonymousKib', title: 'Anonymous memory (KiB)'},
     {column: 'threads', title: 'Threads'},
     {column: 'descriptors', title: 'Descriptors'},
     {column: 'latencyMs', title: 'Latency of GetSystemDateAndTime (ms)'},
@@ -95,7 +95,7 @@ class Run {
     }
 
     tell(sample) {
-        console.log(`${(sample.second + 1) / 60} min: ${(sample.residentKib / 1024).toFixed(2)} MiB, ${(sample.ownKib / 1024).toFixed(2)} of its own, ${sample.threads} threads, ` +
+        console.log(`${(sample.second + 1) / 60} min: ${(sample.residentKib / 1024).toFixed(2)} MiB resident, ${(sample.anonymousKib / 1024).toFixed(2)} MiB of it anonymous, ${sample.threads} threads, ` +
             `${sample.descriptors} descriptors, ${sample.latencyMs} ms, ${sample.eventsSent} events sent, ` +
             `${sample.eventsReceived} received, ${this.errors.length} errors`);
     }

@@ -84,7 +84,7 @@ TEST(Heap, DoesNotMapBlocksOfTheSizeOfAnExchange) {
 }
 
 /// Resident memory of this process that belongs to no file, in bytes. Source: proc_pid_statm(5).
-std::ptrdiff_t GetOwnMemory() {
+std::ptrdiff_t GetAnonymousMemory() {
     std::ptrdiff_t size = 0;
     std::ptrdiff_t resident = 0;
     std::ptrdiff_t shared = 0;
@@ -100,9 +100,9 @@ TEST(Heap, GivesBackWhatLiesBelowUsedMemory) {
     for (int i = 0; i < Number; ++i) blocks.emplace_back(Size, 'x');
     auto const last = std::move(blocks.back());
     blocks.clear();
-    auto const before = GetOwnMemory();
+    auto const before = GetAnonymousMemory();
     TrimHeap();
-    EXPECT_LT(GetOwnMemory(), before - std::ptrdiff_t{Size} * Number / 2);
+    EXPECT_LT(GetAnonymousMemory(), before - std::ptrdiff_t{Size} * Number / 2);
 }
 
 #endif

@@ -24,7 +24,7 @@ using test::CountResidentPages;
 std::string Copy(soap const* soap) { return {reinterpret_cast<char const*>(soap), sizeof(struct soap)}; }
 
 /// Whether the kernel is new enough.
-bool CanTakeMemoryAtOnce() {
+bool KernelCanPopulate() {
     auto const page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
     std::vector<char> memory(2 * page);
     auto* const begin = memory.data() + (page - reinterpret_cast<std::uintptr_t>(memory.data()) % page);
@@ -57,15 +57,15 @@ TEST(UnusedMemoryOfAContext, IsNothingThatTheContextNeeds) {
     EXPECT_STREQ(soap_string_in(context.get(), 0, 0, -1, nullptr), "text");
 }
 
-TEST(UnusedMemoryOfAContext, IsTakenBackAtOnceAndHoldsTheSame) {
+TEST(UnusedMemoryOfAContext, IsPopulatedAtOnceWithItsContentUnchanged) {
     std::istringstream input("POST / HTTP/1.1\r\nContent-Length: 4\r\n\r\n<a/>");
     auto const context = MakeBusy(input);
     auto const content = Copy(context.get());
     auto const before = CountResidentPages(&context->pht);
     ReleaseUnusedMemory(context.get());
     EXPECT_EQ(CountResidentPages(&context->pht), 0);
-    ReclaimMemory(context.get());
-    EXPECT_EQ(CountResidentPages(&context->pht), CanTakeMemoryAtOnce() ? before : 0);
+    PopulateMemory(context.get());
+    EXPECT_EQ(CountResidentPages(&context->pht), KernelCanPopulate() ? before : 0);
     EXPECT_EQ(Copy(context.get()), content);
 }
 

@@ -29,7 +29,7 @@ class EngineLimits : public VideoTest {
 protected:
     std::unique_ptr<RawConnection> Connect() { return std::make_unique<RawConnection>(engine->GetPort(), Deadline); }
 
-    /// Fills the server up to its limit of connections and keeps them from being closed as idle.
+    /// Opens connections with a session each, so that the server does not close them as idle.
     std::vector<std::unique_ptr<RawConnection>> ConnectViewers(std::size_t count) {
         std::vector<std::unique_ptr<RawConnection>> viewers;
         while (viewers.size() < count) {

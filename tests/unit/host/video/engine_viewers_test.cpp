@@ -37,7 +37,7 @@ using testing::StartsWith;
 
 constexpr char Interleaved[] = "RTP/AVP/TCP;unicast;interleaved=0-1";
 
-/// Makes a connection the half of a tunnel that sends.
+/// The request that opens the sending half of an HTTP tunnel.
 constexpr char Post[] = "POST / HTTP/1.0\r\nx-sessioncookie: a\r\n\r\n";
 
 /// "OPTIONS * RTSP/1.0\r\nCSeq: 7\r\n\r\n" in Base64.

@@ -29,7 +29,7 @@ protected:
     }
 
     /// Asks while the only worker is held up and another channel waits behind this one.
-    Snapshot RequestInHaste(StillService& service) {
+    Snapshot RequestWhileOthersWait(StillService& service) {
         auto const noVideo = std::make_shared<Stream>(meta::data::VideoInfo());
         std::promise<void> go;
         service.Request(std::make_shared<StillService::Slot>(noVideo),
@@ -47,7 +47,7 @@ protected:
         return std::string(DecodeStill(recent, Stream::Clock::now() + 60s, {}).jpeg->ToStringView());
     }
 
-    /// Publishes the newest group again, which has just arrived but for its key frame.
+    /// Publishes the newest group again: the key frame with this age, the rest as just arrived.
     void PublishAgain(std::chrono::milliseconds ageOfKeyFrame) {
         auto const units = stream->GetRecent()->units;
         for (auto const& unit : units) {
@@ -102,18 +102,18 @@ TEST_F(StillServiceTest, EncodesTheKeyFrameWhileOtherChannelsWait) {
     Snapshot snapshot;
     EXPECT_TRUE(test::Eventually([&] {
         PublishAgain(0ms);
-        snapshot = RequestInHaste(service);
+        snapshot = RequestWhileOthersWait(service);
         return snapshot.jpeg && snapshot.jpeg->ToStringView() == Decode(1);
     })) << snapshot.detail;
 }
 
-TEST_F(StillServiceTest, EncodesTheNewestAccessUnitForOthersThatWaitWhenTheKeyFrameIsOld) {
+TEST_F(StillServiceTest, EncodesTheNewestAccessUnitWhenTheKeyFrameIsOldAlthoughOthersWait) {
     StillService service(oneWorker);
     PublishVideo(5);
     Snapshot snapshot;
     WaitUntilInTime([&] {
-        PublishAgain(StillService::GreatestAgeInHaste);
-        return snapshot = RequestInHaste(service);
+        PublishAgain(StillService::GreatestAgeWhileOthersWait);
+        return snapshot = RequestWhileOthersWait(service);
     });
     ASSERT_EQ(snapshot.error, Error::None) << snapshot.detail;
     EXPECT_EQ(snapshot.jpeg->ToStringView(), Decode(5));
@@ -125,7 +125,7 @@ TEST_F(StillServiceTest, GivesOutTheLastPictureAgainRatherThanAnOlderKeyFrame) {
     EXPECT_TRUE(test::Eventually([&] {
         PublishAgain(0ms);
         auto const newest = Request(service).get();
-        return newest.jpeg && RequestInHaste(service).jpeg == newest.jpeg;
+        return newest.jpeg && RequestWhileOthersWait(service).jpeg == newest.jpeg;
     }));
 }
 

@@ -63,7 +63,7 @@ TEST(LivingConnections, AreOverdueFromTheirDeadlineOn) {
     EXPECT_THAT(living.GetOverdue(Start + 2s), UnorderedElementsAre(early, late));
 }
 
-TEST(LivingConnections, LiveAsLongAsAList) {
+TEST(LivingConnections, StayAliveWhileAListHoldsThem) {
     LivingConnections living;
     auto connection = Make(living);
     std::weak_ptr<Connection> const alive = connection;

@@ -53,7 +53,7 @@ public:
         return !error;
     }
 
-    /// Reads what has arrived, without the server's doing.
+    /// Reads what has arrived; does not run the server.
     std::size_t Receive() {
         std::array<char, 65536> part{};
         boost::system::error_code error;
@@ -148,7 +148,7 @@ protected:
     std::string const overUdp = "Transport: RTP/AVP;client_port=" + mediaPort + "-" + mediaPort + "\r\n";
 };
 
-TEST_F(RtspConnection, LetsASessionEndWithoutASignOfLife) {
+TEST_F(RtspConnection, EndsASessionThatTimesOut) {
     auto const session = Find(pair.SetUp());
     ASSERT_TRUE(session);
     Silence(*session);
@@ -178,7 +178,7 @@ TEST_F(RtspConnection, KeepsItsSessionAliveByReceiverReports) {
     EXPECT_TRUE(SurvivesSweep(*session));
 }
 
-TEST_F(RtspConnection, KeepsASessionOverUdpAliveThatItNames) {
+TEST_F(RtspConnection, KeepsAUdpSessionAliveWhenARequestNamesIt) {
     auto const field = pair.SetUp(overUdp);
     auto const session = Find(field);
     ASSERT_TRUE(session);
@@ -256,7 +256,7 @@ TEST_F(RtspConnection, EndsWhenItsClientSendsTooMuchBetweenTwoChecks) {
     EXPECT_TRUE(pair.AwaitEnd());
 }
 
-TEST_F(RtspConnection, LetsRequestsWaitWhileItsAnswersAreNotRead) {
+TEST_F(RtspConnection, StopsReadingWhileItsAnswersAreNotRead) {
     constexpr std::string_view Request = "OPTIONS * RTSP/1.0\r\nCSeq: 1\r\n\r\n";
     constexpr std::size_t Requests = Connection::MaximumReceived / Request.size() + 500;
     pair.SetUp();
@@ -270,7 +270,7 @@ TEST_F(RtspConnection, LetsRequestsWaitWhileItsAnswersAreNotRead) {
         ASSERT_THAT(pair.ReadAnswer(), StartsWith("RTSP/1.0 200")) << count;
 }
 
-TEST_F(RtspConnection, AnswersAsItIsDocumented) {
+TEST_F(RtspConnection, AnswersWithTheDocumentedStatus) {
     site->GetMounts().Set(MakeMount("2"));
     auto const field = pair.SetUp();
     EXPECT_THAT(pair.Ask("SETUP", field + OverTcp, "/channels/2/stream=0"), StartsWith("RTSP/1.0 459"));
@@ -303,7 +303,7 @@ TEST_F(RtspConnection, RefusesMoreSessionsThanTheServerMayHave) {
     EXPECT_THAT(pair.Ask("SETUP", OverTcp), StartsWith("RTSP/1.0 503"));
 }
 
-TEST_F(RtspConnection, AnswersThatASessionCannotBeSetUpAndGoesOn) {
+TEST_F(RtspConnection, Answers500WhenSetUpFailsAndGoesOn) {
     auto const field = pair.SetUp();
     {
         test::RandomFailure const failure;
@@ -312,7 +312,7 @@ TEST_F(RtspConnection, AnswersThatASessionCannotBeSetUpAndGoesOn) {
     EXPECT_THAT(pair.Ask("SETUP", field + OverTcp), StartsWith("RTSP/1.0 200"));
 }
 
-TEST_F(RtspConnection, EndsAfterTheAnswerToARequestThatIsNotOne) {
+TEST_F(RtspConnection, EndsAfterTheAnswerToAMalformedRequest) {
     for (auto const& [request, status] :
          std::vector<std::pair<char const*, char const*>>{{"OPTIONS * RTSP/1.0\r\n\r\n", "400"},
                                                           {"OPTIONS\r\n\r\n", "400"},

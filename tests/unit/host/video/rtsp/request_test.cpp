@@ -90,7 +90,7 @@ TEST(RtspRequest, IsRefusedWithControlCharactersInAField) {
     EXPECT_EQ(std::get<Request>(ParseInput("A * RTSP/1.0\r\nX: a\tb\xc3\xa4\r\n\r\n").what).Find("X"), "a\tb\xc3\xa4");
 }
 
-TEST(RtspRequest, IsRefusedWithControlCharactersInItsFirstLine) {
+TEST(RtspRequest, IsRefusedWithControlCharactersInItsRequestLine) {
     for (auto const* line : {"A rtsp://a\rb/ RTSP/1.0", "A\x1b[2J * RTSP/1.0", "A * RTSP/1.0\x7f", "A a\tb RTSP/1.0"})
         EXPECT_EQ(ParseRefused(line + std::string("\r\n\r\n")).status, Status::BadRequest) << line;
 }
