@@ -5,12 +5,13 @@
 
 #include <zarn/authentication/engine.h>
 
+#include <boost/unordered/unordered_flat_set.hpp>
+
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <map>
 #include <mutex>
-#include <unordered_set>
 
 namespace zarn::host {
 
@@ -21,7 +22,7 @@ class UsedResponses {
 public:
     using Clock = Nonces::Clock;
 
-    /// maximum  how many responses are remembered, some 50 bytes each
+    /// maximum  how many responses are remembered, some 20 bytes each
     explicit UsedResponses(std::size_t maximum = 262144) : maximum(maximum) {}
 
     UsedResponses(UsedResponses const&) = delete;
@@ -38,9 +39,10 @@ public:
 
 private:
     /// The responses to the nonces of a span of time, by their hashes: two that share one would cost the client of the
-    /// second another round, and nothing else.
+    /// second another round, and nothing else. In one piece of memory: thousands of small ones that live for minutes,
+    /// each on a page of its own, would keep the pages around them.
     struct Slice {
-        std::unordered_set<std::uint64_t> responses;
+        boost::unordered_flat_set<std::uint64_t> responses;
         Clock::time_point newest; ///< of their nonces
     };
 
