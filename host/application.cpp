@@ -42,7 +42,7 @@ constexpr std::array FixedPaths{"identity", RtspPortPath};
 constexpr std::chrono::seconds QueueInterval{1};
 
 /// How often unused memory goes back to the system.
-constexpr std::chrono::seconds TrimInterval{30};
+constexpr std::chrono::seconds TrimInterval{10};
 
 std::vector<int> const EndingSignals{SIGTERM, SIGINT};
 

@@ -6,8 +6,8 @@ export const title = 'PullMessages that wait, and one event that answers all of 
 
 const settleSeconds = 2; // until the host has taken the last pulls
 
-// Until idle workers have ended and the host has given memory back, which it does every half minute.
-const restSeconds = 45;
+// Until idle workers have ended (ten seconds) and the host has given memory back, which it does every ten seconds.
+const restSeconds = 30;
 
 // [pulls, rounds]
 const loads = [[100, 50], [1000, 20], [5000, 5]];

@@ -3,7 +3,7 @@
 const least = values => Math.min(...values);
 
 // Permitted growth between the minimum of the first and of the last window: a leak raises it, whatever the clients do. The host returns
-// unused memory every half minute, so that its minimum is what it uses.
+// unused memory every ten seconds, so that its minimum is what it uses.
 export const growthRules = [
     {name: 'resident memory', column: 'residentKib', unit: 'KiB', below: 1024},
     {name: 'threads', column: 'threads', unit: '', below: 1},
