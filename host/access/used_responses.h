@@ -22,7 +22,7 @@ class UsedResponses {
 public:
     using Clock = Nonces::Clock;
 
-    /// maximum  how many responses are remembered, some 20 bytes each
+    /// maximum  how many responses are remembered, about 20 bytes each
     explicit UsedResponses(std::size_t maximum = 262144) : maximum(maximum) {}
 
     UsedResponses(UsedResponses const&) = delete;
@@ -39,8 +39,8 @@ public:
 
 private:
     /// The responses to the nonces of a span of time, by their hashes: two that share one would cost the client of the
-    /// second another round, and nothing else. In one piece of memory: thousands of small ones that live for minutes,
-    /// each on a page of its own, would keep the pages around them.
+    /// second another round, and nothing else. A set is one block of memory: thousands of small blocks that live for
+    /// minutes would each keep a page from going back to the system.
     struct Slice {
         boost::unordered_flat_set<std::uint64_t> responses;
         Clock::time_point newest; ///< of their nonces
