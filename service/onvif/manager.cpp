@@ -21,6 +21,7 @@
 #include <zarn/logging/logger.h>
 #include <zarn/protocol/network/http/request.h>
 #include <zarn/protocol/network/http/response.h>
+#include <zarn/text/character.h>
 #include <zarn/type/binding.h>
 
 #include <httpda.h>
@@ -60,13 +61,14 @@ Pending::Data MakeComplete(http::Response response) {
     return {status, std::move(response).GetFields(), {web::response::State::Complete, {std::move(body)}}};
 }
 
-/// gSOAP's reasons quote names of the request unchanged.
+/// gSOAP repeats texts of the request unchanged, however odd their bytes: names in its reasons, namespaces in any
+/// answer.
 http::Response MakeReadable(http::Response response) {
-    if (response.GetStatusCode() < http::response::Status::BadRequest) return response;
     auto const status = response.GetStatusCode();
-    std::string body(response.GetBody());
-    MaskForXml(body);
-    return {status, std::move(response).GetFields(), std::move(body)};
+    bool const isFailure = status >= http::response::Status::BadRequest;
+    auto masked = MaskForXml(response.GetBody(), isFailure ? text::IsPlainXml : text::IsXml);
+    if (!masked) return response;
+    return {status, std::move(response).GetFields(), *std::move(masked)};
 }
 
 /// Reads a text where it is, and a line end behind it: without one, gSOAP would report a message that is cut off as a

@@ -1,11 +1,14 @@
 #pragma once
 
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace zarn::service::onvif {
 
-/// Replaces every byte that XML cannot carry (see text::IsPlainXml), and the other bytes beyond ASCII beside it, by
-/// "?". The length stays.
-void MaskForXml(std::string& text);
+/// Masks what XML cannot carry: control characters, references to them, and texts beyond ASCII with a wrong character
+/// in them become "?", a "?" for each byte. isKept   whether XML can carry a text: text::IsXml or text::IsPlainXml
+/// Returns  the masked text; nullopt when nothing has to be masked
+std::optional<std::string> MaskForXml(std::string_view xml, bool (*isKept)(std::string_view) noexcept);
 
 } // namespace zarn::service::onvif

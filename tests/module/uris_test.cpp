@@ -84,6 +84,13 @@ TEST_P(Uris, UseATokenWithoutADotAsPathAndId) {
     EXPECT_EQ(Uri(Snapshot("gate")), "http://" + address + ":8080/snapshot/gate/latest.jpeg");
 }
 
+TEST_P(Uris, MaskWhatXmlCannotCarry) {
+    EXPECT_EQ(Uri(Stream("a&#x3;")), "rtsp://" + address + ":8554/a?????");
+    EXPECT_EQ(Uri(Snapshot("a.\x02")), "http://" + address + ":8080/snapshot/" + std::string(5, '?') + "/latest.jpeg");
+    EXPECT_EQ(Uri(Stream("a&#xFFFE;")), "rtsp://" + address + ":8554/a???");
+    EXPECT_EQ(Uri(Snapshot("Grün")), "http://" + address + ":8080/snapshot/Grün/latest.jpeg");
+}
+
 TEST_P(Uris, HaveAnEmptyIdForATokenThatEndsInADot) {
     EXPECT_EQ(Uri(Stream("channels.")), "rtsp://" + address + ":8554/channels/");
     EXPECT_EQ(Uri(Snapshot("channels.")), "http://" + address + ":8080/snapshot//latest.jpeg");
