@@ -32,6 +32,10 @@ for (const column of ['threads', 'descriptors']) {
         assert.deepEqual(failures(verdict), [`${column}: ${steady[column]} after the warm-up, ${steady[column] + 1} at the end (may grow by less than 1)`]);
     });
 
+    test(`a single one of ${column} that appears in the last minute and stays fails`, () => {
+        assert.ok(!judge(run(1800, second => second >= 1740 ? {[column]: steady[column] + 1} : {}), 1800, {}).passed);
+    });
+
     test(`a sample with fewer ${column} says nothing, whenever it is`, () => {
         for (const dip of [358, 1799]) {
             const verdict = judge(run(1800, second => second === dip ? {[column]: steady[column] - 1} : {}), 1800, {});
